@@ -1,0 +1,24 @@
+# SPDX-License-Identifier: MIT
+# The compiler flags, in one place.
+#
+# beatatlas_numerics is part of the algorithms: every operation rounds once, in the mode that is set when it
+# runs. Contracting a multiply and an add into one instruction, or folding an inexact constant to nearest, gives
+# other results. No target adds any other floating-point flag.
+add_library(beatatlas_numerics INTERFACE)
+target_compile_options(beatatlas_numerics INTERFACE -ffp-contract=off -frounding-math)
+
+add_library(beatatlas_warnings INTERFACE)
+target_compile_options(beatatlas_warnings INTERFACE -Wall -Wextra -Wpedantic -Wshadow)
+if(BEATATLAS_WERROR)
+    target_compile_options(beatatlas_warnings INTERFACE -Werror)
+endif()
+
+# An implicit narrowing is rounded toward zero at run time and to nearest by the compiler: never leave one.
+add_library(beatatlas_strict_conversions INTERFACE)
+target_compile_options(beatatlas_strict_conversions INTERFACE
+    -Wconversion -Wdouble-promotion -Wfloat-conversion -Wsign-conversion)
+
+if(BEATATLAS_SANITIZE)
+    add_compile_options(-fsanitize=${BEATATLAS_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    add_link_options(-fsanitize=${BEATATLAS_SANITIZE})
+endif()
