@@ -6,6 +6,7 @@
 #include <functional>
 #include <limits>
 #include <memory>
+#include <new>
 #include <vector>
 
 #include <gmock/gmock.h>
@@ -249,6 +250,23 @@ TEST_F(IirPassFilterTest, AllocatesNothingUnlessABlockIsLongerThanEveryEarlierOn
     EXPECT_EQ(test::allocationCount, warm);
     filter.operate(in.data(), out.data(), 640);
     EXPECT_GT(test::allocationCount, warm);
+}
+
+TEST_F(IirPassFilterTest, StaysAsItWasWhenALongerBlockFindsNoMemory) {
+    const std::vector<float> in = test::whiteNoise(1000, 15);
+    IirPassFilter whole;
+    whole.createBandPathFilterQ(150.0F, 48000.0F, 0.9F);
+    const std::vector<float> expected = filtered(whole, in);
+    IirPassFilter starved;
+    starved.createBandPathFilterQ(150.0F, 48000.0F, 0.9F);
+    std::vector<float> out(in.size());
+    starved.operate(&in[0], &out[0], 400);
+    for (int granted = 0; granted < 2; ++granted) {
+        test::AllocationsFailAfter shortage(granted);
+        EXPECT_THROW(starved.operate(&in[400], &out[400], 600), std::bad_alloc);
+    }
+    starved.operate(&in[400], &out[400], 600);
+    EXPECT_THAT(out, ElementsAreArray(expected));
 }
 
 TEST_F(IirPassFilterTest, ASecondCreateDropsTheEarlierSectionsAndStartsFromSilence) {
