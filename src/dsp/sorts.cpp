@@ -72,6 +72,7 @@ auto exchangeBoth(T* v, int* idx) {
 
 template <typename T>
 void bubbleSortDescending(T* v, int* idx, int n) {
+    if (n < 2) return;
     const auto exchange = exchangeBoth(v, idx);
     for (int pass = 0; pass < n - 1; ++pass)
         for (int k = n - 1; k > pass; --k)
