@@ -46,8 +46,8 @@
  *  ------
  *  Every output array belongs to the caller, who sizes it by the count functions. The library keeps no pointer to
  *  it. When memory runs out in a create or feeding call of this interface, the call returns normally and the
- *  session stays as far as it got; it can still be released. Only the allocation of the session object itself
- *  lets std::bad_alloc through.
+ *  session stays as far as it got (after a create: inert); it can still be released. A utility then returns its
+ *  neutral result. Only the allocation of the session object itself lets std::bad_alloc through.
  *
  *  Threads
  *  -------
