@@ -6,6 +6,7 @@
 
 #include "support/DrumKit.h"
 #include "support/NearestScope.h"
+#include "support/StereoTrack.h"
 #include "support/TrackPlan.h"
 #include "support/VoiceMix.h"
 #include "support/Wavetable.h"
@@ -16,12 +17,6 @@ namespace beatatlas::test {
 struct TrueBeat {
     std::int64_t frame = 0;
     int number = 1;  ///< 1–4 within the bar; 1 is the downbeat
-};
-
-/** Both channels of a track in 16-bit integer scale. */
-struct StereoTrack {
-    std::vector<float> left;
-    std::vector<float> right;
 };
 
 /** Plays a TrackPlan: music of exactly known tempo, beats, key and level.
