@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "beatatlas/beatatlas.hpp"
+#include "support/StereoTrack.h"
 
 namespace beatatlas::test {
 
@@ -36,13 +37,6 @@ struct SessionResults {
 };
 
 bool sameBits(const SessionResults& a, const SessionResults& b);
-
-/** Both channels of a track, 16-bit scale. */
-struct StereoTrack {
-    std::vector<float> left;
-    std::vector<float> right;
-    int frames() const { return static_cast<int>(left.size()); }
-};
 
 /** A session as a host holds it; releases it, and gives the thread its rounding mode back. */
 class HostSession {
