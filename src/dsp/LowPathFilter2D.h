@@ -1,0 +1,34 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "dsp/SecondOrderSection.h"
+
+namespace beatatlas {
+
+/** Second-order Butterworth low-pass in double, for level envelopes and what they are made from.
+ *
+ *  Life: create() once → operate() on consecutive blocks of one signal. There is no reset: whoever
+ *  starts again builds a new filter. An object that was never designed copies its input. */
+class LowPathFilter2D {
+public:
+    LowPathFilter2D() = default;
+    LowPathFilter2D(const LowPathFilter2D&) = delete;
+    LowPathFilter2D& operator=(const LowPathFilter2D&) = delete;
+    virtual ~LowPathFilter2D() = default;
+
+    /** Sets the coefficients and leaves the state as it is; nothing is checked.
+     *
+     *  @param freq        corner frequency in Hz, below half of sampleRate
+     *  @param sampleRate  rate in Hz of the signal that will be filtered */
+    void create(double freq, double sampleRate);
+
+    /** Filters one block; `in` and `out` must be different arrays. Nothing happens for len ≤ 0. */
+    void operate(const double* in, double* out, int len) { section_.operate(in, out, len); }
+
+    const SecondOrderSection& section() const { return section_; }
+
+private:
+    SecondOrderSection section_;
+};
+
+}  // namespace beatatlas

@@ -1,0 +1,73 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+namespace beatatlas {
+
+/** One second-order recursive section in double: coefficients, and the last two inputs and outputs.
+ *
+ *  Designs follow Robert Bristow-Johnson's audio EQ cookbook; a new section passes its input through.
+ *  The state carries across blocks, so any cutting of a signal into blocks gives the same output. */
+struct SecondOrderSection {
+    double b0 = 1.0;
+    double b1 = 0.0;
+    double b2 = 0.0;
+    double a0 = 1.0;  ///< divided out of the others by every design
+    double a1 = 0.0;
+    double a2 = 0.0;
+    double x2 = 0.0;
+    double x1 = 0.0;
+    double y2 = 0.0;
+    double y1 = 0.0;
+
+    /** @param cosine  cosine of the corner's angular frequency in radians per sample
+     *  @param alpha   sine of the same angle over twice the quality factor */
+    void designLowPass(double cosine, double alpha) {
+        const double norm = 1.0 + alpha;
+        b0 = 0.5 * (1.0 - cosine) / norm;
+        b1 = (1.0 - cosine) / norm;
+        b2 = b0;
+        designFeedback(cosine, alpha);
+    }
+
+    /** Arguments as for designLowPass(). */
+    void designHighPass(double cosine, double alpha) {
+        const double norm = 1.0 + alpha;
+        b0 = 0.5 * (cosine + 1.0) / norm;
+        b1 = -(cosine + 1.0) / norm;
+        b2 = b0;
+        designFeedback(cosine, alpha);
+    }
+
+    /** The part that all second-order designs share: the poles. */
+    void designFeedback(double cosine, double alpha) {
+        const double norm = 1.0 + alpha;
+        a0 = 1.0;
+        a1 = -2.0 * cosine / norm;
+        a2 = (1.0 - alpha) / norm;
+    }
+
+    /** Filters one block; `in` and `out` must not overlap. Nothing happens for len ≤ 0. */
+    void operate(const double* in, double* out, int len) {
+        const SecondOrderSection c = *this;
+        double inOneBack = x1;
+        double inTwoBack = x2;
+        double outOneBack = y1;
+        double outTwoBack = y2;
+        for (int n = 0; n < len; ++n) {
+            const double x = in[n];
+            const double feedForward = ((c.b0 * x + c.b1 * inOneBack) + c.b2 * inTwoBack);
+            const double y = (feedForward - c.a1 * outOneBack) - c.a2 * outTwoBack;
+            inTwoBack = inOneBack;
+            inOneBack = x;
+            outTwoBack = outOneBack;
+            outOneBack = y;
+            out[n] = y;
+        }
+        x1 = inOneBack;
+        x2 = inTwoBack;
+        y1 = outOneBack;
+        y2 = outTwoBack;
+    }
+};
+
+}  // namespace beatatlas
