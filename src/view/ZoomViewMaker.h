@@ -1,0 +1,83 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <cstdint>
+#include <memory>
+
+namespace beatatlas {
+
+/** One point of the zoom wave. */
+struct ZoomPoint {
+    std::int16_t level;  ///< peak magnitude 0..32767; once scaled 0..31, on a square law
+    std::int16_t color;  ///< 0 all bass … 7 no bass
+};
+
+/** Draws a track as one point per frame of rate / divisor samples: its peak, and how much of it is bass.
+ *
+ *  Bass is what a second-order Butterworth low-pass at 150 Hz leaves of the mono signal. Deferred, the levels stay
+ *  raw peaks until the declared length has been fed and are then scaled together, relative to the loudest frame;
+ *  otherwise each is scaled at once, relative to full scale.
+ *
+ *  Life: create() → putSample() per block, of any length → count() and points() at any time; create() again starts
+ *  over. What is fed after the frame that reaches the declared length is ignored.
+ *  Memory: the points of the whole track and one frame, allocated in create(), nothing in putSample(). */
+class ZoomViewMaker {
+public:
+    ZoomViewMaker() = default;
+    ZoomViewMaker(const ZoomViewMaker&) = delete;
+    ZoomViewMaker& operator=(const ZoomViewMaker&) = delete;
+    ~ZoomViewMaker() { release(); }
+
+    /** @param total  declared frames per channel, at least 1
+     *  @param divisor  points per second, at least 1 and at most rate
+     *  @return false, with nothing held, when an argument is out of range. Throws std::bad_alloc, with nothing held,
+     *          when the points find no memory. */
+    bool create(int rate, int total, int divisor, bool deferred);
+
+    /** Back to the state after create(). */
+    void reset();
+
+    /** Feeds n interleaved stereo frames; n < 1, a null array or a maker without arrays does nothing. */
+    void putSample(const std::int16_t* stereo, int n);
+
+    /** Scales every raw level made so far against the track's peak and returns count(). The deferred form does this
+     *  by itself, once, when the declared length is reached. */
+    int analyzeLV();
+
+    /** Frees the arrays; safe to call twice. */
+    void release();
+
+    int count() const { return count_; }
+    const ZoomPoint* points() const { return points_.get(); }
+
+private:
+    void designLowPass();
+    void takeFrames(const std::int16_t* stereo, int n);
+    void finishFrame();
+    void analyzeZV();
+    int framePeak() const;
+    void filterFrame();
+    int lowPeak() const;
+    void keepHistory();
+
+    std::int32_t total_ = 0;
+    std::int64_t fed_ = 0;  // passes total by up to one frame, which need not fit 32 bits
+    std::int32_t fill_ = 0;
+    std::int32_t rate_ = 0;
+    std::int32_t frameLen_ = 0;
+    std::int64_t capacity_ = 0;  // points
+    std::unique_ptr<std::int16_t[]>
+        mono_;                       // the frame, after the last two samples of the frame before
+    std::unique_ptr<double[]> low_;  // its bass, after the last two values of the frame before
+    std::int32_t trackPeak_ = 0;
+    std::int32_t count_ = 0;
+    std::unique_ptr<ZoomPoint[]> points_;
+    bool deferred_ = false;
+    double a1_ = 0.0;
+    double a2_ = 0.0;
+    double b0_ = 0.0;
+    double b1_ = 0.0;
+    double b2_ = 0.0;
+};
+
+}  // namespace beatatlas

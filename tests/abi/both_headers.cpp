@@ -1,0 +1,3 @@
+// SPDX-License-Identifier: MIT
+#include "beatatlas/beatatlas.h"
+#include "beatatlas/beatatlas.hpp"

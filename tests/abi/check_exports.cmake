@@ -1,0 +1,35 @@
+# SPDX-License-Identifier: MIT
+# Compares the dynamic symbol table of the built library with the list of names, both ways.
+cmake_minimum_required(VERSION 3.25)
+
+execute_process(COMMAND ${NM} --dynamic --defined-only --format=posix ${LIBRARY}
+    OUTPUT_VARIABLE table RESULT_VARIABLE result)
+if(NOT result EQUAL 0)
+    message(FATAL_ERROR "${NM} could not read ${LIBRARY}")
+endif()
+string(REPLACE "\n" ";" rows "${table}")
+set(found "")
+foreach(row ${rows})
+    string(REGEX REPLACE " .*" "" name "${row}")
+    string(REGEX REPLACE "@.*" "" name "${name}")
+    if(name AND NOT name MATCHES "^BEATATLAS_[0-9]+$")
+        list(APPEND found "${name}")
+    endif()
+endforeach()
+
+file(STRINGS ${LIST} expected REGEX "^[^#]")
+set(faults "")
+foreach(name ${expected})
+    if(NOT name IN_LIST found)
+        string(APPEND faults "missing: ${name}\n")
+    endif()
+endforeach()
+foreach(name ${found})
+    # The sanitizers' runtimes add names of their own.
+    if(NOT name IN_LIST expected AND NOT name MATCHES "^(__asan|__odr_asan|__ubsan|__sancov)")
+        string(APPEND faults "not listed: ${name}\n")
+    endif()
+endforeach()
+if(faults)
+    message(FATAL_ERROR "${faults}")
+endif()

@@ -1,0 +1,231 @@
+// SPDX-License-Identifier: MIT
+// The states of a session and what each call does in each of them.
+#include <cfenv>
+#include <cmath>
+#include <limits>
+
+#include <gtest/gtest.h>
+
+#include "support/HostSession.h"
+
+namespace {
+
+using namespace beatatlas::test;
+
+StereoTrack tone(int frames) {
+    StereoTrack track;
+    for (int i = 0; i < frames; ++i) track.left.push_back(i / 50 % 2 == 0 ? 8000.0F : -8000.0F);
+    track.right = track.left;
+    return track;
+}
+
+SessionResults emptyResults() {
+    return {};
+}
+
+TEST(SessionLifeTest, RefusedLengthGivesAnInertSession) {
+    StereoTrack track = tone(2000);
+    for (int refused : {0, -1, std::numeric_limits<int>::min()}) {
+        HostSession session({.key = true}, refused);
+        ASSERT_NE(session.handle(), nullptr);
+        session.feedPre(track, 0, 2000);
+        session.feed(track, 0, 2000);
+        EXPECT_TRUE(sameBits(session.results(), emptyResults()));
+    }
+}
+
+TEST(SessionLifeTest, NegativeSectionBeatsGiveAnInertSession) {
+    StereoTrack track = tone(2000);
+    HostSession session({.sectionBeats = -1}, 2000);
+    session.feed(track, 0, 2000);
+    EXPECT_FALSE(BA_Analyzed(session.handle()));
+    EXPECT_EQ(BA_GetZoomWave(session.handle(), nullptr), 0);
+}
+
+TEST(SessionLifeTest, RefusedCreateLeavesTheRoundingModeAlone) {
+    ASSERT_EQ(std::fegetround(), FE_TONEAREST);
+    void* session = BA_CreateConst44k(0, 32, true, true, true);
+    EXPECT_EQ(std::fegetround(), FE_TONEAREST);
+    BA_Release(session);
+}
+
+TEST(SessionLifeTest, CreateAndFeedingLeaveTheThreadRoundingTowardZero) {
+    StereoTrack track = tone(2000);
+    HostSession session({}, 2000);
+    EXPECT_EQ(std::fegetround(), FE_TOWARDZERO);
+    std::fesetround(FE_TONEAREST);
+    session.feed(track, 0, 1000);
+    EXPECT_EQ(std::fegetround(), FE_TOWARDZERO);
+    std::fesetround(FE_TONEAREST);
+    session.results();
+    EXPECT_EQ(std::fegetround(), FE_TONEAREST) << "getters give the mode back";
+}
+
+TEST(SessionLifeTest, IsAnalysedByTheCallThatCompletesTheTrack) {
+    StereoTrack track = tone(1000);
+    HostSession session({.rate = 48000}, 1000);
+    session.feed(track, 0, 999);
+    EXPECT_FALSE(BA_Analyzed(session.handle()));
+    session.feed(track, 999, 1);
+    EXPECT_TRUE(BA_Analyzed(session.handle()));
+}
+
+// 1000 frames at 48,000 are a block of 640 and one of 360: four zoom points of 320, the last one short.
+TEST(SessionLifeTest, DispatchesAShortLastBlockAndThenAnalyses) {
+    StereoTrack track = tone(1000);
+    HostSession session({.rate = 48000}, 1000);
+    session.feed(track, 0, 1000);
+    EXPECT_TRUE(BA_Analyzed(session.handle()));
+    EXPECT_EQ(BA_GetZoomWave(session.handle(), nullptr), 4);
+}
+
+TEST(SessionLifeTest, FramesBeyondTheCompletingBlockAreIgnored) {
+    StereoTrack track = tone(10000);
+    HostSession longer({.rate = 48000}, 1000);
+    longer.feed(track, 0, 10000);
+    HostSession again({.rate = 48000}, 1000);
+    again.feed(track, 0, 10000);
+    again.feed(track, 0, 10000);  // after the analysis: nothing
+    EXPECT_TRUE(sameBits(longer.results(), again.results()));
+    EXPECT_EQ(longer.results().zoom.size(), 4U);
+}
+
+TEST(SessionLifeTest, KeySessionsIgnoreTheTrackUntilThePreCheckIsComplete) {
+    StereoTrack track = tone(5000);
+    HostSession session({.key = true}, 5000);
+    session.feed(track, 0, 5000);
+    EXPECT_EQ(BA_GetZoomWave(session.handle(), nullptr), 0);
+    session.feedPre(track, 0, 4999);
+    session.feed(track, 0, 5000);
+    EXPECT_FALSE(BA_Analyzed(session.handle()));
+    session.feedPre(track, 4999, 1);
+    session.feed(track, 0, 5000);
+    EXPECT_TRUE(BA_Analyzed(session.handle()));
+}
+
+TEST(SessionLifeTest, PreCheckIsIgnoredWithoutKeyDetection) {
+    StereoTrack track = tone(5000);
+    HostSession fedTwice({}, 5000);
+    fedTwice.feedPre(track, 0, 5000);
+    fedTwice.feed(track, 0, 5000);
+    HostSession fedOnce({}, 5000);
+    fedOnce.feed(track, 0, 5000);
+    EXPECT_TRUE(sameBits(fedTwice.results(), fedOnce.results()));
+}
+
+TEST(SessionLifeTest, NoBeatAnalysisStillAnalysesAndFeedsTheViews) {
+    StereoTrack track = tone(5000);
+    HostSession session({.sectionBeats = 0}, 5000);
+    session.feed(track, 0, 5000);
+    EXPECT_TRUE(BA_Analyzed(session.handle()));
+    EXPECT_EQ(BA_GetBpm(session.handle()), 0);
+    EXPECT_EQ(BA_GetBeatNum(session.handle()), 0);
+    EXPECT_EQ(session.results().loud.size(), 400U);
+    EXPECT_EQ(session.results().zoom.size(), 18U);  // 5000 / 294, rounded up
+}
+
+TEST(SessionLifeTest, EmptyBeatListWritesNothing) {
+    HostSession session({}, 1000);
+    BA_BeatInfo beat{1, 2, 3};
+    BA_GetBeatList(session.handle(), &beat);
+    EXPECT_EQ(beat.pos, 1);
+}
+
+TEST(SessionLifeTest, CountsOfZeroAndLessAndNullArraysDoNothing) {
+    StereoTrack track = tone(1000);
+    HostSession session({.key = true}, 1000);
+    float* samples = track.left.data();
+    for (int count : {0, -1, std::numeric_limits<int>::min()}) {
+        BA_SetSamplePre(session.handle(), samples, samples, count);
+        BA_SetSample(session.handle(), samples, samples, count);
+    }
+    BA_SetSamplePre(session.handle(), nullptr, samples, 1000);
+    BA_SetSamplePre(session.handle(), samples, nullptr, 1000);
+    BA_SetSample(session.handle(), samples, samples, 1000);
+    EXPECT_FALSE(BA_Analyzed(session.handle()))
+        << "the pre-check must not have counted these calls";
+    BA_SetSamplePre(session.handle(), samples, samples, 1000);
+    BA_SetSample(session.handle(), nullptr, samples, 1000);
+    BA_SetSample(session.handle(), samples, nullptr, 1000);
+    EXPECT_FALSE(BA_Analyzed(session.handle()));
+    BA_SetSample(session.handle(), samples, samples, 1000);
+    EXPECT_TRUE(BA_Analyzed(session.handle()));
+}
+
+TEST(SessionLifeTest, OneFrameIsATrack) {
+    StereoTrack track = tone(1);
+    for (SessionKind kind : {SessionKind::constant, SessionKind::varied, SessionKind::simple}) {
+        for (int rate : {44100, 48000}) {
+            HostSession session({.kind = kind, .rate = rate, .key = true}, 1);
+            session.feedPre(track, 0, 1);
+            session.feed(track, 0, 1);
+            EXPECT_TRUE(BA_Analyzed(session.handle()));
+            EXPECT_EQ(BA_GetZoomWave(session.handle(), nullptr), 1);
+        }
+    }
+}
+
+using CreateFunction = void* (*)(int, int, bool, bool, bool);
+
+std::vector<BA_WaveInfo> zoomWaveOf(CreateFunction create, StereoTrack& track, int& bpm) {
+    void* session = create(track.frames(), 16, true, true, false);
+    BA_SetSample(session, track.left.data(), track.right.data(), track.frames());
+    std::vector<BA_WaveInfo> zoom(static_cast<std::size_t>(BA_GetZoomWave(session, nullptr)));
+    BA_GetZoomWave(session, zoom.data());
+    bpm = BA_GetBpm(session);
+    BA_Release(session);
+    std::fesetround(FE_TONEAREST);
+    return zoom;
+}
+
+TEST(SessionLifeTest, CreateAndVariedSessionsBehaveIdentically) {
+    StereoTrack track = tone(48000);
+    const std::vector<std::array<CreateFunction, 2>> twins{{BA_Create48k, BA_CreateVaried48k},
+                                                           {BA_Create44k, BA_CreateVaried44k}};
+    for (const auto& [plain, varied] : twins) {
+        int plainBpm = -1;
+        int variedBpm = -2;
+        const std::vector<BA_WaveInfo> a = zoomWaveOf(plain, track, plainBpm);
+        const std::vector<BA_WaveInfo> b = zoomWaveOf(varied, track, variedBpm);
+        EXPECT_EQ(plainBpm, variedBpm);
+        ASSERT_EQ(a.size(), b.size());
+        for (std::size_t i = 0; i < a.size(); ++i) EXPECT_EQ(a[i].level, b[i].level);
+    }
+}
+
+// Values no decoder should yield, but some do.
+TEST(SessionLifeTest, ImpossibleSamplesDoNoHarm) {
+    constexpr float kInfinity = std::numeric_limits<float>::infinity();
+    StereoTrack track = tone(30000);
+    const float odd[] = {std::nanf(""), kInfinity, -kInfinity,    1e38F,
+                         -1e38F,        1e-42F,    2147483648.0F, -3e9F};
+    for (std::size_t i = 0; i < 16000; ++i) {
+        track.left[i] = odd[i % 8];
+        track.right[i] = odd[i / 8 % 8];
+    }
+    for (SessionKind kind : {SessionKind::constant, SessionKind::varied, SessionKind::simple}) {
+        const SessionResults results = analyseTrack({.kind = kind, .key = true}, track, {1000});
+        EXPECT_TRUE(results.analyzed);
+        EXPECT_EQ(results.zoom.size(), 103U);  // 30000 / 294, rounded up
+    }
+}
+
+TEST(SessionLifeTest, ASessionCanBeReleasedAtEveryStage) {
+    StereoTrack track = tone(3000);
+    { HostSession created({.key = true}, 3000); }
+    {
+        HostSession preChecking({.key = true}, 3000);
+        preChecking.feedPre(track, 0, 1000);
+    }
+    {
+        HostSession preChecked({.key = true}, 3000);
+        preChecked.feedPre(track, 0, 3000);
+    }
+    {
+        HostSession feeding({.key = true}, 3000);
+        feeding.feedPre(track, 0, 3000);
+        feeding.feed(track, 0, 1500);
+    }
+}
+
+}  // namespace

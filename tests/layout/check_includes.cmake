@@ -1,0 +1,40 @@
+# SPDX-License-Identifier: MIT
+# Which room may include which. Rooms of the library never look up, and the program sees public headers only.
+cmake_minimum_required(VERSION 3.25)
+
+set(may_dsp dsp)
+set(may_view view dsp)
+set(may_peakss peakss dsp view/LVMakeBase.h)
+set(may_envelope envelope dsp peakss/BeatInfo.h)
+set(may_key key dsp)
+set(may_util util dsp)
+set(may_session session peakss envelope key view dsp util)
+set(may_api api session peakss/BeatInfo.h view dsp util key)
+
+set(faults "")
+foreach(room dsp view peakss envelope key util session api)
+    file(GLOB files ${SOURCE_DIR}/src/${room}/*.h ${SOURCE_DIR}/src/${room}/*.cpp)
+    foreach(file ${files})
+        file(STRINGS ${file} lines REGEX "^#include \"")
+        foreach(line ${lines})
+            string(REGEX REPLACE "^#include \"([^\"]+)\".*" "\\1" target "${line}")
+            string(REGEX REPLACE "/.*" "" target_room "${target}")
+            if(NOT target_room STREQUAL "beatatlas" AND NOT target_room IN_LIST may_${room}
+               AND NOT target IN_LIST may_${room})
+                string(APPEND faults "${file}: ${target}\n")
+            endif()
+        endforeach()
+    endforeach()
+endforeach()
+
+file(GLOB_RECURSE program ${SOURCE_DIR}/app/*.h ${SOURCE_DIR}/app/*.cpp)
+foreach(file ${program})
+    file(STRINGS ${file} lines REGEX "^#include \"(dsp|view|peakss|envelope|key|util|session|api)/")
+    foreach(line ${lines})
+        string(APPEND faults "${file}: ${line}\n")
+    endforeach()
+endforeach()
+
+if(faults)
+    message(FATAL_ERROR "Includes that point the wrong way:\n${faults}")
+endif()

@@ -1,0 +1,64 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <array>
+#include <vector>
+
+#include "beatatlas/beatatlas.hpp"
+#include "support/StereoTrack.h"
+
+namespace beatatlas::test {
+
+enum class SessionKind { constant, varied, simple };
+
+/** What a host asks of a session. */
+struct SessionSpec {
+    SessionKind kind = SessionKind::constant;
+    int rate = 44100;
+    int sectionBeats = 32;  ///< for simple sessions the end of the sensing range in frames
+    bool loud = true;
+    bool zoom = true;
+    bool key = false;
+};
+
+/** Everything a host can read of a session, bit for bit comparable. */
+struct SessionResults {
+    bool analyzed = false;
+    int bpm = 0;
+    std::vector<BA_BeatInfo> beats;
+    std::vector<BA_WaveInfo> loud;
+    std::vector<BA_WaveInfo> dots;
+    std::vector<BA_WaveInfo> zoom;
+    int mainKey = 0;
+    std::array<double, 24> keyPoints{};
+    std::array<int, 24> keyRanks{};
+    std::array<int, 12> noteCounts{};
+    std::array<double, 12> noteValues{};
+};
+
+bool sameBits(const SessionResults& a, const SessionResults& b);
+
+/** A session as a host holds it; releases it, and gives the thread its rounding mode back. */
+class HostSession {
+public:
+    HostSession(const SessionSpec& spec, int totalSamples);
+    ~HostSession();
+    HostSession(const HostSession&) = delete;
+    HostSession& operator=(const HostSession&) = delete;
+
+    void* handle() const { return handle_; }
+    /** Feeds frames first … first + count − 1 of the track. */
+    void feedPre(const StereoTrack& track, int first, int count);
+    void feed(const StereoTrack& track, int first, int count);
+    SessionResults results() const;
+
+private:
+    void* handle_;
+    int callersMode_;
+};
+
+/** A whole analysis, fed in calls whose lengths follow blockSizes in turn, over and over. */
+SessionResults analyseTrack(const SessionSpec& spec, const StereoTrack& track,
+                            const std::vector<int>& blockSizes);
+
+}  // namespace beatatlas::test
