@@ -38,7 +38,7 @@ TEST_F(HighPathFilter1DTest, ACornerOfZeroReproducesItsInput) {
     EXPECT_EQ(filter.b0(), 1.0);
     EXPECT_EQ(filter.b1(), -1.0);
     EXPECT_EQ(filter.a1(), -1.0);
-    const std::vector<double> in = noise(300);  // whole numbers: every sum is exact
+    const std::vector<double> in = noise(300);  // 24 bits each: every sum is exact
     EXPECT_EQ(runWhole(filter, in), in);
 }
 

@@ -4,22 +4,18 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
-#include <cstdint>
 #include <vector>
 
 #include <gtest/gtest.h>
 
+#include "dsp/TestNoise.h"
+
 namespace beatatlas::test {
 
-/** White noise in 16-bit scale from a fixed linear congruential generator. */
+/** White noise of one seed, widened. */
 inline std::vector<double> noise(std::size_t count) {
-    std::vector<double> values(count);
-    std::uint32_t state = 12345;
-    for (double& value : values) {
-        state = state * 1664525U + 1013904223U;
-        value = static_cast<double>(state >> 16U) - 32768.0;
-    }
-    return values;
+    const std::vector<float> narrow = whiteNoise(count, 12345);
+    return {narrow.begin(), narrow.end()};
 }
 
 template <class Filter>
