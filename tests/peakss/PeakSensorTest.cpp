@@ -15,8 +15,8 @@ using peakss::PeakSensor;
 
 constexpr int kMaxPos = std::numeric_limits<int>::max();
 
-// At 48 kHz with 8 samples per level: a peak is confirmed 13919 samples (0.29 s) after its maximum, the line holds for
-// 81599 (1.7 s) and falls for 62400 (1.3 s) at a time.
+// At 48 kHz with 8 samples per level: a peak is confirmed 13919 samples (0.29 s) after its maximum, the line holds
+// for 81599 (1.7 s) and falls for 62400 (1.3 s) at a time.
 class PeakSensorTest : public beatatlas::test::RoundTowardZero {
 protected:
     static constexpr int kStep = 8;
