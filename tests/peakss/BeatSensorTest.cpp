@@ -208,6 +208,22 @@ TEST_F(BeatSensorTest, BandsReportInBandOrder) {
     EXPECT_GT(known, 0U);
 }
 
+// Two bands without filters see the same, so their beats are equally steady.
+TEST_F(BeatSensorTest, FirstOfEquallySteadyBandsIsTheBest) {
+    sensor_.create(kRate, 0, kNoEnd, 8, 2);
+    std::vector<float> clicks = silence(kRate, 4);
+    for (std::size_t i = 24000; i < clicks.size(); i += 24000) clicks[i] = 0.9F;
+    bool chosen = false;
+    for (std::size_t i = 0; i < clicks.size() && !chosen; ++i)
+        chosen = sensor_.put(&clicks[i], 1, nullptr);
+    ASSERT_TRUE(chosen);
+    ASSERT_EQ(recorder_.beats.size(), 2U);
+    // The bands keep their beats until the next level.
+    const PeakBuffer* best = sensor_.selectBand();
+    ASSERT_NE(best, nullptr);
+    EXPECT_EQ(best->band(), 0);
+}
+
 // One band without a filter sees the signal itself. Pulses of 8 samples, each one level high.
 class OneBandSensorTest : public BeatSensorTest {
 protected:

@@ -137,7 +137,10 @@ TEST_F(PeakSensorTest, LaterFallsLeaveFromTheLine) {
     put(1.0F);
     EXPECT_EQ(sensor_.line(), 0.8F);
     silenceUntil(8 + 24000);
+    put(0.0F);  // more than 24000 after the peak only here: the fall is planned, and begins with the next level
     EXPECT_EQ(sensor_.line(), 0.8F);
+    put(0.0F);
+    EXPECT_LT(sensor_.line(), 0.8F);
     silenceUntil(8 + 24008 + 24000);
     EXPECT_NEAR(sensor_.line(), 0.4F, 1e-3F);
     silenceUntil(8 + 24008 + 24008 + 20000);
