@@ -69,7 +69,8 @@ protected:
     BeatListSignal signal_;
 };
 
-// Five peaks 500 ms apart: three intervals agree (the first peak has none), so the weight is 5 and all five peaks enter.
+// Five peaks 500 ms apart: three intervals agree (the first peak has none), so the weight is 5 and all five peaks
+// enter.
 TEST_F(BeatListSignalTest, WritesEveryAgreeingPeakOldestFirst) {
     PeakTrain train(2);
     report(feed(train, {500, 500, 500, 500}));

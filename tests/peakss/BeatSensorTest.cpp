@@ -208,6 +208,22 @@ TEST_F(BeatSensorTest, BandsReportInBandOrder) {
     EXPECT_GT(known, 0U);
 }
 
+// Two bands without filters see the same, so their beats are equally steady.
+TEST_F(BeatSensorTest, FirstOfEquallySteadyBandsIsTheBest) {
+    sensor_.create(kRate, 0, kNoEnd, 8, 2);
+    std::vector<float> clicks = silence(kRate, 4);
+    for (std::size_t i = 24000; i < clicks.size(); i += 24000) clicks[i] = 0.9F;
+    bool chosen = false;
+    for (std::size_t i = 0; i < clicks.size() && !chosen; ++i)
+        chosen = sensor_.put(&clicks[i], 1, nullptr);
+    ASSERT_TRUE(chosen);
+    ASSERT_EQ(recorder_.beats.size(), 2U);
+    // The bands keep their beats until the next level.
+    const PeakBuffer* best = sensor_.selectBand();
+    ASSERT_NE(best, nullptr);
+    EXPECT_EQ(best->band(), 0);
+}
+
 // One band without a filter sees the signal itself. Pulses of 8 samples, each one level high.
 class OneBandSensorTest : public BeatSensorTest {
 protected:
@@ -230,7 +246,8 @@ protected:
     }
 };
 
-// Levels end at multiples of 8 samples and are placed at their end; the pulses begin 200 ms, 9600 samples, after a beat.
+// Levels end at multiples of 8 samples and are placed at their end; the pulses begin 200 ms, 9600 samples, after a
+// beat.
 TEST_F(OneBandSensorTest, PeakLiesAtTheEndOfItsLevel) {
     pulsesAfterMs({500, 500, 500, 500, 500});
     ASSERT_FALSE(recorder_.beats.empty());
@@ -253,8 +270,8 @@ TEST_F(OneBandSensorTest, SteadyBeatIsChosenAtItsFirstVote) {
     EXPECT_TRUE(pulseAfterMs(500));
 }
 
-// Every other interval is 10 ms longer: from the mean of 500 ms each beat is 5 ms off, one vote each. Beats are found from
-// the fifth pulse on; the third vote for 120 BPM comes with the seventh.
+// Every other interval is 10 ms longer: from the mean of 500 ms each beat is 5 ms off, one vote each. Beats are
+// found from the fifth pulse on; the third vote for 120 BPM comes with the seventh.
 TEST_F(OneBandSensorTest, NoBeatIsChosenUntilATempoHasMoreThanTwoVotes) {
     EXPECT_FALSE(pulsesAfterMs({500, 495, 505, 495, 505}));
     EXPECT_FALSE(pulseAfterMs(495));
@@ -263,9 +280,10 @@ TEST_F(OneBandSensorTest, NoBeatIsChosenUntilATempoHasMoreThanTwoVotes) {
     EXPECT_EQ(recorder_.beats.size(), 1U);
 }
 
-// 120 BPM has the majority. After a break that no reading holds, intervals of 715 and 725 ms: the second and third pulse tell
-// 360 ms (two beats each), from the fourth on 720 ms fill a bar. Neither agrees with 120 BPM, its double or half, and each
-// beat, some ms off its mean, has one vote: 167 BPM two, then 83 BPM one, two, and with the third it takes the vote over.
+// 120 BPM has the majority. After a break that no reading holds, intervals of 715 and 725 ms: the second and third
+// pulse tell 360 ms (two beats each), from the fourth on 720 ms fill a bar. Neither agrees with 120 BPM, its
+// double or half, and each beat, some ms off its mean, has one vote: 167 BPM two, then 83 BPM one, two, and with
+// the third it takes the vote over.
 TEST_F(OneBandSensorTest, NewTempoIsRefusedUntilItHasMoreThanTwoVotes) {
     pulsesAfterMs(std::vector<int>(10, 500));
     const std::size_t before = recorder_.beats.size();
@@ -277,8 +295,8 @@ TEST_F(OneBandSensorTest, NewTempoIsRefusedUntilItHasMoreThanTwoVotes) {
     EXPECT_EQ(recorder_.beats.back().interval, 720.0F);
 }
 
-// Twenty steady pulses at 120 BPM have dozens of votes; after ten at 83 BPM these are gone, and unsteady ones at 120 BPM, found
-// from the fourth interval on, must gather three votes anew.
+// Twenty steady pulses at 120 BPM have dozens of votes; after ten at 83 BPM these are gone, and unsteady ones at
+// 120 BPM, found from the fourth interval on, must gather three votes anew.
 TEST_F(OneBandSensorTest, OldTempoHasLostItsVotesAfterTheChange) {
     pulsesAfterMs(std::vector<int>(20, 500));
     pulseAfterMs(5000);
@@ -324,7 +342,8 @@ TEST_F(OneBandSensorTest, StepsAreCountedAcrossCalls) {
     EXPECT_EQ(recorder_.beats[0].level, 1.0F);
 }
 
-// The sample at index i is used when start ≤ i + 1 < end. With one sample per level a lone sample is a peak or nothing.
+// The sample at index i is used when start ≤ i + 1 < end. With one sample per level a lone sample is a peak or
+// nothing.
 class RangeTest : public BeatSensorTest {
 protected:
     // Whether the first of five equal pulses is sensed: if it is, the fifth closes a beat.

@@ -265,8 +265,9 @@ TEST_F(PeakBufferTest, OldestStoredIntervalNeverFillsTheBar) {
     EXPECT_EQ(search(700.0F, {700, 700, 700, 700}, 4).avg, 700.0F);
 }
 
-// 2000 ms are four beats of 500, so the bar to fill is the double one. 1500 (3) makes 7; 1000 (2) makes 9, too many, and
-// the target becomes 16; three more of 1000 make 15, and 500 fills it. (As 2.5 beats of 800 nothing fits 1500.)
+// 2000 ms are four beats of 500, so the bar to fill is the double one. 1500 (3) makes 7; 1000 (2) makes 9, too
+// many, and the target becomes 16; three more of 1000 make 15, and 500 fills it. (As 2.5 beats of 800 nothing fits
+// 1500.)
 TEST_F(PeakBufferTest, OverfullDoubleBarBecomesAFourfoldOne) {
     const BeatSearchResult found = search(2000.0F, {1500, 1000, 1000, 1000, 1000, 500, 3000, 0});
     EXPECT_EQ(found.row, 8);
@@ -301,8 +302,8 @@ TEST_F(PeakBufferTest, AgreementExactlyAtTheToleranceEnds) {
     EXPECT_EQ(search(500.0F, {500, 500, 500, 519, 400, 500, 500}, 4).count, 4);
 }
 
-// Beyond 2.5 beats only whole ones are known: 2.75 × 500 = 1375 becomes 3 beats of 458.3 and disagrees; 5 beats become
-// 4 of 625. 1250 is 2.5 beats, 2000 four.
+// Beyond 2.5 beats only whole ones are known: 2.75 × 500 = 1375 becomes 3 beats of 458.3 and disagrees; 5 beats
+// become 4 of 625. 1250 is 2.5 beats, 2000 four.
 TEST_F(PeakBufferTest, AgreementKnowsQuarterBeatsUpToTwoAndAHalfAndWholeOnesToFour) {
     const auto countBehindBar = [](float interval) {
         return search(500.0F, {500, 500, 500, interval, 100, 100}, 4).count;

@@ -15,8 +15,8 @@ using peakss::PeakSensor;
 
 constexpr int kMaxPos = std::numeric_limits<int>::max();
 
-// At 48 kHz with 8 samples per level: a peak is confirmed 13919 samples (0.29 s) after its maximum, the line holds for
-// 81599 (1.7 s) and falls for 62400 (1.3 s) at a time.
+// At 48 kHz with 8 samples per level: a peak is confirmed 13919 samples (0.29 s) after its maximum, the line holds
+// for 81599 (1.7 s) and falls for 62400 (1.3 s) at a time.
 class PeakSensorTest : public beatatlas::test::RoundTowardZero {
 protected:
     static constexpr int kStep = 8;
@@ -137,7 +137,10 @@ TEST_F(PeakSensorTest, LaterFallsLeaveFromTheLine) {
     put(1.0F);
     EXPECT_EQ(sensor_.line(), 0.8F);
     silenceUntil(8 + 24000);
+    put(0.0F);  // more than 24000 after the peak only here: the fall is planned, and begins with the next level
     EXPECT_EQ(sensor_.line(), 0.8F);
+    put(0.0F);
+    EXPECT_LT(sensor_.line(), 0.8F);
     silenceUntil(8 + 24008 + 24000);
     EXPECT_NEAR(sensor_.line(), 0.4F, 1e-3F);
     silenceUntil(8 + 24008 + 24008 + 20000);
