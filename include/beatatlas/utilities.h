@@ -46,3 +46,35 @@ struct S_KEY_SCALE_RESULT {
  *          (A, A♯, B, C …); 12 to 23: the minor keys in the same order. _key_table of key_tables.h names them. */
 BA_API int KeyCodeScale(S_KEY_SCALE_RESULT* result, float* samples, long n, float rate, float ref,
                         int hopDivisor, int mode, const char* text);
+
+/** @name Resampler
+ *  @{ */
+
+/** Thins out a buffer: low-passes it at about a twentieth of its rate and takes every step-th filtered sample.
+ *
+ *  Made for step 10 (44,100 Hz to 4,410 Hz, say). The filter's response, with f as a part of the input rate: ripple
+ *  of about 0.3 dB up to 0.04, -2.8 dB at 0.05, -24 dB at 0.07, -50 dB at 0.1; a constant comes out about 1.04 times
+ *  as large. out[i] is the filtered sample 7 + i × step: the first seven only begin to rise.
+ *
+ *  @param out       receives at most outCount samples: as many as there are filtered samples to take; the rest of it
+ *                   stays untouched. May be in itself. Null: nothing is done
+ *  @param in        inCount samples. Null: nothing is done
+ *  @param ratio     not looked at
+ *  @param step      1 and more; 0 takes sample 7 again and again, less than 0 goes backward as far as sample 0
+ *  @param reserved  not looked at
+ *  @note Working memory: inCount floats. */
+BA_API void resample2(float* out, long outCount, float* in, long inCount, float ratio, int step,
+                      long reserved);
+
+/** The resampler's filter: writes nine denominator coefficients to a (a[0] = 1), nine numerator coefficients to b.
+ *  @return a */
+BA_API float* make_8(float* a, float* b);
+
+/** An eighth-order section in direct form II over n samples, in single precision, from silence.
+ *
+ *  Nothing is done for n ≤ 0. No array is checked for null.
+ *  @param out  may be in itself
+ *  @param a    nine denominator coefficients; a[0] counts as 1 and is not looked at
+ *  @param b    nine numerator coefficients */
+BA_API void filter8_mono(float* in, float* out, long n, float* a, float* b);
+/** @} */
