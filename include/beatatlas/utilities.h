@@ -78,3 +78,21 @@ BA_API float* make_8(float* a, float* b);
  *  @param b    nine numerator coefficients */
 BA_API void filter8_mono(float* in, float* out, long n, float* a, float* b);
 /** @} */
+
+/** Finds what A4 is tuned to in a mono recording, in whole hertz.
+ *
+ *  Gives each candidate reference two octaves of semitone bins and rewards it for strong bins that stay strongest
+ *  from frame to frame. Silence, a buffer shorter than one frame and one hop (a frame is 2 × rate / 25.8 samples at
+ *  the lowest reference), hopDivisor < 1 or above the hop, a null array and a rate without meaning give 434. The
+ *  lower of two equally good references wins.
+ *
+ *  @param samples     n mono samples, any scale
+ *  @param rate        sampling rate in Hz; a recording thinned out by resample2 is looked through in a tenth of
+ *                     the time
+ *  @param hopDivisor  divides the hop between frames: 1 is fastest
+ *  @param mode        how closely to look. 0 and any value not listed: hop 2048, all candidates. 1: buffers of 30 s
+ *                     and more have a hop of 3072, shorter ones try every other candidate and then beside the best.
+ *                     2: hop 3072, where 30 s and more try every other candidate. 3 and 4: hop 3072, every other
+ *                     candidate
+ *  @return 434 to 446 */
+BA_API int PitchDetect(float* samples, int n, float rate, int hopDivisor, int mode);
