@@ -79,6 +79,23 @@ BA_API float* make_8(float* a, float* b);
 BA_API void filter8_mono(float* in, float* out, long n, float* a, float* b);
 /** @} */
 
+/** Removes percussive beats from a mono buffer: silences in its short-time spectrum whatever does not stand out of
+ *  the octave around it, and holds the 20 lowest bins down to their slow envelope, which takes the bass drum out.
+ *
+ *  Frames of N = 4096 / div samples lie H apart, F = (n - N) / H of them (whole divisions). Only their stretch, the
+ *  first (F - 1) × H + N samples of out, is written. Nothing is written when there is no frame, and for div ≤ 0, a
+ *  hop below 1, an N that is no power of two, or a null array.
+ *
+ *  @param out   n samples; may be in itself
+ *  @param in    n samples, any scale
+ *  @param rate  sampling rate in Hz
+ *  @param div   divides the lengths of frame and hop; 1, 2, 4 … make sense
+ *  @param mode  H × div. 0 and any value not listed: 512. For buffers of 30 s and more 1: 1024, 2: 1488, 3: 1720,
+ *               4: 2304; for shorter ones 1: 512, 2: 1128, 3: 1184, 4: 1464
+ *  @note Working memory: about 32 bytes per sample at a hop of 512, the less the longer the hop. When there is none
+ *        for the spectrum, out is untouched; when it runs out later, part of out may have been written. */
+BA_API void CutBeats(float* out, float* in, int n, float rate, int div, int mode);
+
 /** Finds what A4 is tuned to in a mono recording, in whole hertz.
  *
  *  Gives each candidate reference two octaves of semitone bins and rewards it for strong bins that stay strongest
