@@ -4,10 +4,9 @@
 #include <array>
 
 #include "key/LengthClass.h"
+#include "key/pitchClasses.h"
 
 namespace beatatlas {
-
-constexpr int kPitchClasses = 12;
 
 /** One strength per pitch class, counted in semitones from the reference pitch. */
 using PitchClassStrengths = std::array<float, kPitchClasses>;

@@ -439,9 +439,9 @@ TEST_F(ZoomViewMakerTest, AllocatesNothingWhileFeeding) {
     ZoomViewMaker maker;
     ASSERT_TRUE(maker.create(48000, 9000, 150, true));
     const Stereo track = stereoNoise(9000, 12);
-    const std::size_t before = test::allocationCount;
+    const std::size_t before = test::allocationCount();
     feed(maker, track, 640);
-    EXPECT_EQ(test::allocationCount, before);
+    EXPECT_EQ(test::allocationCount(), before);
     EXPECT_EQ(maker.count(), 29);
 }
 

@@ -1,0 +1,31 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <cstdint>
+#include <memory>
+
+namespace beatatlas {
+
+/** Radix-2 transform in double precision that keeps its tables from call to call. */
+class CachedFft {
+public:
+    /** Transforms re + i·im in place.
+     *
+     *  @param n  n > 0: forward with e^(-2πi jk / n), every output divided by n. n < 0: inverse of |n| points with
+     *            e^(+2πi jk / |n|), not divided. |n| is a power of two from 4 up; other lengths give numbers
+     *            without meaning. 0: frees the tables.
+     *  @return 0; or 1 with a message on standard error when there is no memory for the tables: the arrays are as
+     *          they were then */
+    int fft(int n, double* re, double* im);
+
+    void release();
+
+private:
+    bool makeTables(std::int64_t size);
+
+    std::int64_t size_ = 0;  // of the cached tables; 0: none
+    std::unique_ptr<double[]> sineTable_;
+    std::unique_ptr<int[]> bitReversal_;
+};
+
+}  // namespace beatatlas

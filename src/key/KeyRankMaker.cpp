@@ -1,0 +1,159 @@
+// SPDX-License-Identifier: MIT
+// The key of a track, block by block:
+//   1. duck the loudest transients        4. a 4096-point spectrum every 0.3 s
+//   2. band-limit                         5. the peak of every semitone band
+//   3. take every fourth sample           6. when all has come: note encounters, chroma, key ranking
+#include "key/KeyRankMaker.h"
+
+#include <algorithm>
+#include <cstddef>
+
+#include "dsp/truncation.h"
+#include "key/ChromaFolder.h"
+#include "key/frameTiming.h"
+
+namespace beatatlas {
+
+namespace {
+
+constexpr int kInputFrames = 16384;  // besides the windows of the transient suppression
+
+template <typename Range, typename T>
+int copyResults(const Range& from, T* out) {
+    if (out != nullptr) std::copy(from.begin(), from.end(), out);
+    return static_cast<int>(from.size());
+}
+
+}  // namespace
+
+int KeyRankMaker::create(int rate, int len) {
+    release();
+    rate_ = rate;
+    length_ = len;
+    analysisRate_ = static_cast<double>(rate / kDecimation);
+    suppressor_.create(rate);
+    capacity_ = suppressor_.preWindow() + suppressor_.postWindow() + kInputFrames;
+    filter_.create(rate);
+    decimation_.create(rate);
+    reset();
+    input_ = std::make_unique<std::int16_t[]>(2 * static_cast<std::size_t>(capacity_));
+    return 1;
+}
+
+void KeyRankMaker::reset() {
+    maxFrames_ = maximumFramesOf(length_);
+    frames_ = 0;
+    complete_ = false;
+    fill_ = 0;
+    received_ = 0;
+    suppressor_.setLevels(0.0, 0.0);
+    filter_.reset();
+    decimation_.reset();
+    spectrum_.create(analysisRate_);
+    spectrogram_.create(maxFrames_, spectrum_.bands().count());
+    bandTotals_.assign(static_cast<std::size_t>(spectrum_.bands().count()), 0.0);
+    encounters_ = {};
+    ranking_.reset();
+}
+
+void KeyRankMaker::release() {
+    input_.reset();
+    decimation_.release();
+    spectrum_.release();
+    spectrogram_.release();
+}
+
+/** Whole seconds first: the last fraction of a second of a track gets no frames of its own. */
+int KeyRankMaker::maximumFramesOf(int frames) const {
+    const int quarterRate = static_cast<int>(analysisRate_);
+    if (quarterRate <= 0) return 0;
+    const int seconds = (frames / kDecimation) / quarterRate;
+    return truncToInt32(static_cast<double>(seconds) / kSecondsPerFrame);
+}
+
+int KeyRankMaker::setPreCheckData(int count, double sum, double peak, int /*quietCount*/,
+                                  double /*quietSum*/, double /*quietPeak*/) {
+    const double average = count > 0 ? (sum * 0.5) / static_cast<double>(count) : 0.0;
+    suppressor_.setLevels(average, peak);
+    maxFrames_ = maximumFramesOf(count);
+    return maxFrames_;
+}
+
+void KeyRankMaker::putSample(const std::int16_t* frames, int n) {
+    if (input_ == nullptr || complete_ || frames == nullptr || n <= 0) return;
+    int taken = 0;
+    while (taken < n) {
+        taken += takeFrames(frames + (2 * static_cast<std::ptrdiff_t>(taken)), n - taken);
+        if (!isFull() && received_ < length_) continue;
+        analyzeAC(false);
+        keepTail();
+    }
+    if (received_ < length_) return;
+    analyzeAC(true);
+    analyzeKEY();
+    complete_ = true;
+}
+
+/** Copies frames until the input buffer is full or the input used up; returns how many. */
+int KeyRankMaker::takeFrames(const std::int16_t* frames, int n) {
+    const int count = std::min(n, capacity_ - fill_);
+    std::copy_n(frames, 2 * static_cast<std::size_t>(count),
+                input_.get() + (2 * static_cast<std::ptrdiff_t>(fill_)));
+    fill_ += count;
+    received_ += count;
+    return count;
+}
+
+/** What may still be ducked by frames to come moves to the front. A track shorter than that is kept whole. */
+void KeyRankMaker::keepTail() {
+    const int kept = std::min(fill_, suppressor_.preWindow() + suppressor_.postWindow());
+    const std::ptrdiff_t begin = 2 * static_cast<std::ptrdiff_t>(fill_ - kept);
+    std::copy_n(input_.get() + begin, 2 * static_cast<std::size_t>(kept), input_.get());
+    fill_ = kept;
+}
+
+void KeyRankMaker::analyzeAC(bool last) {
+    if (frames_ >= maxFrames_) return;
+    suppressor_.suppress(input_.get(), fill_);
+    const int count = last ? fill_ : fill_ - suppressor_.preWindow() - suppressor_.postWindow();
+    const std::int16_t* frame = input_.get();
+    for (int i = 0; i < count; ++i, frame += 2) {
+        const int sum = static_cast<int>(frame[0]) + static_cast<int>(frame[1]);
+        const double filtered = filter_.filter(static_cast<double>(sum) * 0.5);
+        if (!decimation_.put(truncToInt16(filtered))) continue;
+        analyzeFFT();
+        decimation_.hop();
+        if (frames_ >= maxFrames_) return;
+    }
+}
+
+void KeyRankMaker::analyzeFFT() {
+    const std::vector<double>& magnitudes = spectrum_.measure(decimation_);
+    for (std::size_t b = 0; b < magnitudes.size(); ++b) bandTotals_[b] += magnitudes[b];
+    spectrogram_.write(frames_, magnitudes.data());
+    ++frames_;
+}
+
+// The mean and the maximum of the spectrogram are not taken: no result depends on them.
+void KeyRankMaker::analyzeKEY() {
+    encounters_ = encounterNotes(bandTotals_);
+    ranking_.rank(foldChroma(spectrogram_, maxFrames_));
+}
+
+int KeyRankMaker::getKeyRank(int* out) const {
+    return copyResults(ranking_.keys(), out);
+}
+
+int KeyRankMaker::getKeyPoint(double* out) const {
+    return copyResults(ranking_.scores(), out);
+}
+
+int KeyRankMaker::getNoteEncount(int* out) const {
+    return copyResults(encounters_.counts, out);
+}
+
+int KeyRankMaker::getNoteEncountVal(double* out) const {
+    return copyResults(encounters_.values, out);
+}
+
+}  // namespace beatatlas

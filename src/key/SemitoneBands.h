@@ -1,0 +1,39 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <cstddef>
+#include <vector>
+
+namespace beatatlas {
+
+/** The bands a spectrum is read by: one per semitone, centred on 110 × 2^(b/12) Hz, from A2 to 20 kHz. Band b
+ *  holds the pitch class b mod 12. */
+class SemitoneBands {
+public:
+    /** Lays out the bands for a spectrum of bins bins, binHz apart. */
+    void create(int bins, double binHz);
+    void release();
+
+    int count() const { return static_cast<int>(lower_.size()); }
+    double lowerHz(int band) const { return lower_[static_cast<std::size_t>(band)]; }
+    double upperHz(int band) const { return upper_[static_cast<std::size_t>(band)]; }
+
+    /** Fills out with the largest magnitude inside each band, 0 where no bin falls into it. */
+    void measure(const double* re, const double* im, double* out) const;
+
+private:
+    /** Consecutive bins first … end − 1. */
+    struct Bins {
+        int first;
+        int end;
+    };
+
+    void layBands();
+    void findBins(int bins, double binHz);
+
+    std::vector<double> lower_;  // Hz
+    std::vector<double> upper_;  // Hz
+    std::vector<Bins> bins_;
+};
+
+}  // namespace beatatlas

@@ -1,0 +1,72 @@
+// SPDX-License-Identifier: MIT
+#include "key/TransientSuppressor.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdlib>
+
+#include "dsp/truncation.h"
+
+namespace beatatlas {
+
+namespace {
+
+constexpr int kPreWindowMs = 10;
+constexpr int kPostWindowMs = 40;
+constexpr double kThresholdShare = 0.75;  // of the way from the average level to the peak
+constexpr double kFloorGain = 0.125;
+constexpr double kGainRange = 1.0 - kFloorGain;
+
+int framesOf(int rate, int milliseconds) {
+    const std::int64_t frames = static_cast<std::int64_t>(rate) * milliseconds / 1000;
+    return static_cast<int>(std::max<std::int64_t>(frames, 0));
+}
+
+// In int, so that −32768 has its true magnitude.
+int magnitude(const std::int16_t* frame) {
+    return std::max(std::abs(static_cast<int>(frame[0])), std::abs(static_cast<int>(frame[1])));
+}
+
+void scale(std::int16_t* frame, double gain) {
+    frame[0] = truncToInt16(static_cast<double>(frame[0]) * gain);
+    frame[1] = truncToInt16(static_cast<double>(frame[1]) * gain);
+}
+
+}  // namespace
+
+void TransientSuppressor::create(int rate) {
+    preWindow_ = framesOf(rate, kPreWindowMs);
+    postWindow_ = framesOf(rate, kPostWindowMs);
+    threshold_ = 0.0;
+}
+
+void TransientSuppressor::setLevels(double average, double peak) {
+    threshold_ = ((peak - average) * kThresholdShare) + average;
+}
+
+void TransientSuppressor::suppress(std::int16_t* frames, int count) const {
+    for (std::ptrdiff_t p = preWindow_; p < count - postWindow_; ++p)
+        if (static_cast<double>(magnitude(frames + (2 * p))) > threshold_)
+            duck(frames + (2 * (p - preWindow_)));
+}
+
+void TransientSuppressor::duck(std::int16_t* frames) const {
+    const double fall = kGainRange / static_cast<double>(preWindow_);
+    const double rise = kGainRange / static_cast<double>(postWindow_);
+    double gain = 1.0;
+    bool falling = true;
+    const std::ptrdiff_t count = preWindow_ + postWindow_;
+    for (std::ptrdiff_t i = 0; i < count; ++i) {
+        scale(frames + (2 * i), gain);
+        if (falling) {
+            gain -= fall;
+            // The steps do not add up exactly: the floor is met when it is reached, not at the loud frame.
+            falling = gain > kFloorGain;
+            if (!falling) gain = kFloorGain;
+        } else {
+            gain = std::min(gain + rise, 1.0);
+        }
+    }
+}
+
+}  // namespace beatatlas

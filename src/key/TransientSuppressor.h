@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <cstdint>
+
+namespace beatatlas {
+
+/** Ducks the signal around its loudest frames: a drum hit fills the whole spectrum and would count for every key.
+ *
+ *  Around each frame above the threshold the gain falls from 1 to an eighth within 10 ms and is back after 40 ms.
+ *  Life: create → setLevels once the track's levels are known → suppress per stretch of signal. */
+class TransientSuppressor {
+public:
+    /** @param rate  frames per second */
+    void create(int rate);
+
+    /** No threshold is known before: with both levels 0 every sounding frame is ducked.
+     *  @param average,peak  of the track, in the scale of 16-bit samples */
+    void setLevels(double average, double peak);
+
+    int preWindow() const { return preWindow_; }    ///< frames ducked before a loud one
+    int postWindow() const { return postWindow_; }  ///< frames ducked from the loud one on
+
+    /** Works in place on count interleaved stereo frames. The first preWindow() and the last postWindow() frames
+     *  are ducked but not examined: the caller hands them in again with their neighbours. Windows that overlap
+     *  multiply. */
+    void suppress(std::int16_t* frames, int count) const;
+
+private:
+    void duck(std::int16_t* frames) const;
+
+    int preWindow_ = 0;
+    int postWindow_ = 0;
+    double threshold_ = 0.0;
+};
+
+}  // namespace beatatlas

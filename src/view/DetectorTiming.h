@@ -1,0 +1,26 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <cstdint>
+
+namespace beatatlas {
+
+/** The time constants that the peak detectors of a loudness view share, in samples. */
+struct DetectorTiming {
+    DetectorTiming() = default;
+    DetectorTiming(int rate, int len);
+
+    /** Where in the coming chunk the declared track ends; outside the chunk when it does not end there. Every chunk
+     *  before is taken to have been a full block. */
+    std::int64_t lastSampleInChunk(std::int64_t chunksSeen) const {
+        return (trackLen - 1) - (chunksSeen * blockLen);
+    }
+
+    std::int32_t blockLen = 0;     ///< 1/75 s
+    std::int64_t trackLen = 0;     ///< declared
+    std::int64_t minInterval = 0;  ///< least count at which a further peak is accepted
+    std::int64_t holdTime = 0;     ///< largest count at which a held level does not decay yet
+    std::int32_t decayStep = 0;    ///< samples from one decay to the next
+};
+
+}  // namespace beatatlas

@@ -1,0 +1,55 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+#include "dsp/IirPassFilter.h"
+#include "view/DetectorTiming.h"
+#include "view/LevelDetector.h"
+#include "view/PeakRecords.h"
+#include "view/PeakSum.h"
+
+namespace beatatlas {
+
+/** One band's way from the samples to its strip of peak sums. */
+class LoudBand {
+public:
+    /** @param ratio  share of the held level from which a sample is a peak candidate
+     *  @param chunksPerSlot  chunks to two points of the strip, may be a fraction */
+    void create(const DetectorTiming& timing, float ratio, float chunksPerSlot);
+
+    /** Back to the state after create(); the band's filter is dropped. */
+    void reset();
+
+    void release();
+
+    /** A fresh filter for the band, still to be designed. */
+    IirPassFilter& makeFilter() { return filter_.emplace(); }
+
+    /** Takes one chunk, m samples and at most a block, and follows its level peaks.
+     *  @param in  full scale ±1.0
+     *  @param given  the same samples' rectified band, or null to filter and rectify them here */
+    void put(const float* in, const float* given, int m);
+
+    /** Enters the peaks of the chunk into the strip.
+     *  @param chunk  chunks fed so far, this one included */
+    void sumPeaks(std::int64_t chunk) {
+        sum_.put(records_, detector_.recordCount(), detector_.ended(), chunk);
+    }
+
+    const LevelDetector& detector() const { return detector_; }
+    const PeakSum& sum() const { return sum_; }
+    const float* scaled() const { return scaled_.data(); }  ///< last chunk, rectified, 16-bit scale
+    PeakRecords& records() { return records_; }
+
+private:
+    std::optional<IirPassFilter> filter_;
+    std::vector<float> scaled_;
+    PeakRecords records_;
+    LevelDetector detector_;
+    PeakSum sum_;
+};
+
+}  // namespace beatatlas
