@@ -11,15 +11,12 @@ namespace beatatlas::api {
 
 namespace {
 
-constexpr int kKeys = 24;
-constexpr int kPitchClasses = 12;
-
 Analyzer* analyzerOf(void* session) {
     return static_cast<Analyzer*>(session);
 }
 
 // Copies the points the host does not hold yet to their own places in its array; the result is how many exist.
-int copyNewPoints(const LoudViewMaker::Point* points, int count, BA_WaveInfo* out, int have) {
+int copyNewPoints(const WavePoint* points, int count, BA_WaveInfo* out, int have) {
     for (int i = std::max(have, 0); i < count; ++i) out[i] = {points[i].level, points[i].color};
     return count;
 }
@@ -100,32 +97,24 @@ int getZoomWave(void* session, BA_WaveInfo* out) {
     return count;
 }
 
-int getMainKey(void*) {
-    return 0;
+int getMainKey(void* session) {
+    return session == nullptr ? 0 : analyzerOf(session)->getMainKey();
 }
 
 int getKeyPoint(void* session, double* out) {
-    if (session == nullptr) return 0;
-    if (out != nullptr) std::fill_n(out, kKeys, 0.0);
-    return kKeys;
+    return session == nullptr ? 0 : analyzerOf(session)->getKeyPoint(out);
 }
 
 int getKeyRank(void* session, int* out) {
-    if (session == nullptr) return 0;
-    if (out != nullptr) std::fill_n(out, kKeys, 0);
-    return kKeys;
+    return session == nullptr ? 0 : analyzerOf(session)->getKeyRank(out);
 }
 
 int getNoteEncount(void* session, int* out) {
-    if (session == nullptr) return 0;
-    if (out != nullptr) std::fill_n(out, kPitchClasses, 0);
-    return kPitchClasses;
+    return session == nullptr ? 0 : analyzerOf(session)->getNoteEncount(out);
 }
 
 int getNoteEncountVal(void* session, double* out) {
-    if (session == nullptr) return 0;
-    if (out != nullptr) std::fill_n(out, kPitchClasses, 0.0);
-    return kPitchClasses;
+    return session == nullptr ? 0 : analyzerOf(session)->getNoteEncountVal(out);
 }
 
 void resample(void*, float*, long, float*, long, float, int, long) {}

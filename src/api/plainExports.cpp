@@ -135,14 +135,12 @@ void BA_CutBeats(void* session, float* out, float* in, int n, float rate, int di
 }
 
 float BA_PitchDetect(void* session, float* samples, int n, float rate, int hopDivisor, int mode) {
-    return shieldedResult<float>([=] {
-        return beatatlas::api::pitchDetect(session, samples, n, rate, hopDivisor, mode);
-    });
+    return shieldedResult<float>(
+        [=] { return beatatlas::api::pitchDetect(session, samples, n, rate, hopDivisor, mode); });
 }
 
 int BA_GetKey(void* session, float* samples, long n, float rate, float ref, int hopDivisor,
               int mode) {
-    return shieldedResult<int>([=] {
-        return beatatlas::api::getKey(session, samples, n, rate, ref, hopDivisor, mode);
-    });
+    return shieldedResult<int>(
+        [=] { return beatatlas::api::getKey(session, samples, n, rate, ref, hopDivisor, mode); });
 }

@@ -29,6 +29,8 @@ public:
     /** The candidates found so far, ordered by position. */
     const BeatList& list() const { return list_; }
 
+    int bandNum() const { return sensor_.bandNum(); }
+
 private:
     BeatList list_;
     BeatSensor sensor_;

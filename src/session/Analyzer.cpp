@@ -104,10 +104,16 @@ void Analyzer::limitSensingRange(int startSample, int rangeSamples) {
     startSample_ = startSample < 0 || startSample >= rangeSamples_ ? 0 : startSample;
 }
 
-// Every analyser is made, whatever the switches say: a getter of one that is off answers as an empty one does.
+// Every analyser is made, whatever the switches say: a getter of one that is off answers as an empty one does. The
+// fine adjustment alone has no place in a session of varied tempo.
 void Analyzer::createAnalysers() {
+    beatListMaker_.create(rate_, startSample_, rangeSamples_);
+    simpleEnvelopeMaker_.create(rate_, totalSamples_);
+    unitEnvelopeMaker_.create(rate_, totalSamples_);
+    if (!varied_) unitBeatAdjust_.create(rate_, totalSamples_);
     loudViewMaker_.create(rate_, totalSamples_);
     zoomViewMaker_.create(rate_, totalSamples_, kZoomPointsPerSecond, true);
+    keyRankMaker_.create(rate_, totalSamples_);
 }
 
 void Analyzer::setSamplePre(const float* left, const float* right, int count) {
@@ -117,6 +123,9 @@ void Analyzer::setSamplePre(const float* left, const float* right, int count) {
     preChecker_.putSample(left, right, count);
     fedSamples_ += count;
     if (fedSamples_ < totalSamples_) return;
+    keyRankMaker_.setPreCheckData(preChecker_.loudCount(), preChecker_.loudSum(),
+                                  preChecker_.loudMax(), preChecker_.quietCount(),
+                                  preChecker_.quietSum(), preChecker_.quietMax());
     preChecked_ = true;
     fedSamples_ = 0;
 }
@@ -157,13 +166,24 @@ int Analyzer::fillBlock(const float* left, const float* right, int count) {
 }
 
 void Analyzer::dispatchBlock() {
+    const std::int16_t* stereo = stereoBlock_.get();
     dispatchToBeatSensing();
-    if (zoomOn_) zoomViewMaker_.putSample(stereoBlock_.get(), blockFill_);
+    if (beatOn_) unitEnvelopeMaker_.putSample(stereo, blockFill_);
+    if (beatOn_ && !varied_) unitBeatAdjust_.putSample(stereo, blockFill_);
+    if (zoomOn_) zoomViewMaker_.putSample(stereo, blockFill_);
+    if (keyOn_) keyRankMaker_.putSample(stereo, blockFill_);
 }
 
+// The loudness wave takes two of the beat sensor's bands where the sensor runs over the whole track; in a simple
+// session, whose sensor stops early, it filters for itself.
 void Analyzer::dispatchToBeatSensing() {
     const float* mono = monoBlock_.get();
-    if (loudOn_) loudViewMaker_.analyzePeak(mono, nullptr, nullptr, nullptr, blockFill_);
+    const bool sharesBands = beatOn_ && !simple_;
+    if (beatOn_)
+        beatListMaker_.put(mono, blockFill_, sharesBands && loudOn_ ? &loudViewMaker_ : nullptr);
+    if (loudOn_ && !sharesBands)
+        loudViewMaker_.analyzePeak(mono, nullptr, nullptr, nullptr, blockFill_);
+    if (simple_) simpleEnvelopeMaker_.putSample(stereoBlock_.get(), blockFill_);
 }
 
 void Analyzer::analyze() {
@@ -179,14 +199,14 @@ int Analyzer::getBpm() const {
     return hundredths;
 }
 
-const LoudViewMaker::Point* Analyzer::getLoudWave() {
+const WavePoint* Analyzer::getLoudWave() {
     const int count = getLoudNum();
     if (loudColored_ < count) loudViewMaker_.analyzeLoudColor(loudColored_, count);
     loudColored_ = count;
     return loudViewMaker_.loudWave();
 }
 
-const LoudViewMaker::Point* Analyzer::getDotsWave() {
+const WavePoint* Analyzer::getDotsWave() {
     const int count = getDotsNum();
     if (dotsColored_ < count) loudViewMaker_.analyzeDotsColor(dotsColored_, count);
     dotsColored_ = count;

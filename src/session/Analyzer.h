@@ -4,7 +4,12 @@
 #include <cstdint>
 #include <memory>
 
+#include "envelope/SimpleEnvelopeMaker.h"
+#include "envelope/UnitBeatAdjust.h"
+#include "envelope/UnitEnvelopeMaker.h"
+#include "key/KeyRankMaker.h"
 #include "peakss/BeatInfo.h"
+#include "peakss/BeatListMaker.h"
 #include "session/PreChecker.h"
 #include "view/LoudViewMaker.h"
 #include "view/ZoomViewMaker.h"
@@ -56,10 +61,15 @@ public:
     int getLoudNum() const { return loudViewMaker_.loudNum(); }
     int getDotsNum() const { return loudViewMaker_.dotsNum(); }
     int getZoomNum() const { return zoomViewMaker_.count(); }
-    const LoudViewMaker::Point*
-    getLoudWave();  ///< colours the points finalised since the last call first
-    const LoudViewMaker::Point* getDotsWave();
+    const WavePoint* getLoudWave();  ///< colours the points finalised since the last call first
+    const WavePoint* getDotsWave();
     const ZoomPoint* getZoomWave();
+
+    int getMainKey() const { return keyRankMaker_.getMainKey(); }
+    int getKeyPoint(double* out) const { return keyRankMaker_.getKeyPoint(out); }
+    int getKeyRank(int* out) const { return keyRankMaker_.getKeyRank(out); }
+    int getNoteEncount(int* out) const { return keyRankMaker_.getNoteEncount(out); }
+    int getNoteEncountVal(double* out) const { return keyRankMaker_.getNoteEncountVal(out); }
 
 private:
     void reset();
@@ -99,8 +109,13 @@ private:
 
     PreChecker preChecker_;
     peakss::BeatList beatList_;
+    peakss::BeatListMaker beatListMaker_;
+    SimpleEnvelopeMaker simpleEnvelopeMaker_;
+    UnitEnvelopeMaker unitEnvelopeMaker_;
+    UnitBeatAdjust unitBeatAdjust_;
     LoudViewMaker loudViewMaker_;
     ZoomViewMaker zoomViewMaker_;
+    KeyRankMaker keyRankMaker_;
 };
 
 }  // namespace beatatlas
