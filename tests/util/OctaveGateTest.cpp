@@ -72,6 +72,30 @@ TEST_F(OctaveGateTest, SumsOneBinMoreThanItDividesBy) {
     EXPECT_EQ(gated(octaveAround12(x + 1.0F))[12], x + 1.0F);
 }
 
+/** Whether bin k counts bin m to its octave: then it cannot stand out beside it. */
+bool hears(std::size_t k, std::size_t m) {
+    std::vector<float> magnitudes(2048, 0.0F);
+    magnitudes[k] = 1.0F;
+    magnitudes[m] = 1e9F;
+    return gated(magnitudes)[k] == 0.0F;
+}
+
+// 1393 × 0.70711356 = 985.009, where half an octave down would be 984.9997; 985 × 1.4142 = 1392.99, where half an
+// octave up would be 1393.0004.
+TEST_F(OctaveGateTest, OctavesAreANarrowShadeOffTheSquareRootOfTwo) {
+    EXPECT_TRUE(hears(1393, 985));
+    EXPECT_FALSE(hears(1393, 984));
+    EXPECT_TRUE(hears(985, 1392));
+    EXPECT_FALSE(hears(985, 1393));
+}
+
+TEST_F(OctaveGateTest, HighestOctavesEndAtTheLastBin) {
+    EXPECT_TRUE(hears(1500, 2047));
+    EXPECT_TRUE(hears(2046, 2047));
+    EXPECT_TRUE(hears(2047, 1447));
+    EXPECT_FALSE(hears(2047, 1446));
+}
+
 TEST_F(OctaveGateTest, NeverTouchesTheLowestFourBins) {
     std::vector<float> magnitudes(32, 1000.0F);
     for (std::size_t k = 0; k < 5; ++k) magnitudes[k] = 0.001F;
