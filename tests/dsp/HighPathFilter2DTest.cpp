@@ -16,9 +16,7 @@ using HighPathFilter2DTest = RoundTowardZero;
 constexpr double kHalfGain = 0.70710678118654752;
 
 TEST_F(HighPathFilter2DTest, NeverDesignedCopiesItsInput) {
-    HighPathFilter2D filter;
-    const std::vector<double> in = noise(100);
-    EXPECT_EQ(runInBlocks(filter, in, 7), in);
+    expectCopiesItsInput<HighPathFilter2D>();
 }
 
 // A corner at a quarter of the rate mirrors the low-pass: the same b0, b1 with the sign turned.
@@ -48,15 +46,11 @@ TEST_F(HighPathFilter2DTest, LosesThreeDecibelsAtItsCornerAndPassesTheTop) {
 }
 
 TEST_F(HighPathFilter2DTest, BlocksOfAnySizeGiveTheSameBits) {
-    const std::vector<double> in = noise(1000);
-    HighPathFilter2D whole;
-    whole.create(2000.0, 11025.0);
-    const std::vector<double> expected = runWhole(whole, in);
-    for (const std::size_t block : {1, 2, 3, 7, 128}) {
-        HighPathFilter2D filter;
-        filter.create(2000.0, 11025.0);
-        EXPECT_EQ(runInBlocks(filter, in, block), expected) << "blocks of " << block;
-    }
+    expectBlocksLeaveNoTrace<HighPathFilter2D>(2000.0, 11025.0);
+}
+
+TEST_F(HighPathFilter2DTest, AnEmptyBlockWritesNothing) {
+    expectEmptyBlocksWriteNothing<HighPathFilter2D>();
 }
 
 }  // namespace

@@ -16,9 +16,7 @@ using LowPathFilter2DTest = RoundTowardZero;
 constexpr double kHalfGain = 0.70710678118654752;
 
 TEST_F(LowPathFilter2DTest, NeverDesignedCopiesItsInput) {
-    LowPathFilter2D filter;
-    const std::vector<double> in = noise(100);
-    EXPECT_EQ(runInBlocks(filter, in, 7), in);
+    expectCopiesItsInput<LowPathFilter2D>();
 }
 
 // A corner at a quarter of the rate: angle π/2, sine 1, cosine 0, alpha 1/√2, norm 1.70710678.
@@ -66,15 +64,7 @@ TEST_F(LowPathFilter2DTest, FollowsItsDifferenceEquation) {
 }
 
 TEST_F(LowPathFilter2DTest, BlocksOfAnySizeGiveTheSameBits) {
-    const std::vector<double> in = noise(1000);
-    LowPathFilter2D whole;
-    whole.create(150.0, 44100.0);
-    const std::vector<double> expected = runWhole(whole, in);
-    for (const std::size_t block : {1, 2, 3, 7, 128}) {
-        LowPathFilter2D filter;
-        filter.create(150.0, 44100.0);
-        EXPECT_EQ(runInBlocks(filter, in, block), expected) << "blocks of " << block;
-    }
+    expectBlocksLeaveNoTrace<LowPathFilter2D>(150.0, 44100.0);
 }
 
 TEST_F(LowPathFilter2DTest, DesigningAgainKeepsTheState) {
@@ -86,12 +76,7 @@ TEST_F(LowPathFilter2DTest, DesigningAgainKeepsTheState) {
 }
 
 TEST_F(LowPathFilter2DTest, AnEmptyBlockWritesNothing) {
-    LowPathFilter2D filter;
-    const double in = 1.0;
-    double out = -7.0;
-    filter.operate(&in, &out, 0);
-    filter.operate(&in, &out, -1);
-    EXPECT_EQ(out, -7.0);
+    expectEmptyBlocksWriteNothing<LowPathFilter2D>();
 }
 
 }  // namespace

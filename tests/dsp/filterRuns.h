@@ -4,20 +4,18 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
-#include <cstdint>
 #include <vector>
+
+#include <gtest/gtest.h>
+
+#include "dsp/TestNoise.h"
 
 namespace beatatlas::test {
 
-/** White noise in 16-bit scale from a fixed linear congruential generator. */
+/** White noise of one seed, widened. */
 inline std::vector<double> noise(std::size_t count) {
-    std::vector<double> values(count);
-    std::uint32_t state = 12345;
-    for (double& value : values) {
-        state = state * 1664525U + 1013904223U;
-        value = static_cast<double>(state >> 16U) - 32768.0;
-    }
-    return values;
+    const std::vector<float> narrow = whiteNoise(count, 12345);
+    return {narrow.begin(), narrow.end()};
 }
 
 template <class Filter>
@@ -33,6 +31,39 @@ std::vector<double> runInBlocks(Filter& filter, const std::vector<double>& in, s
 template <class Filter>
 std::vector<double> runWhole(Filter& filter, const std::vector<double>& in) {
     return runInBlocks(filter, in, in.size());
+}
+
+/** A filter that was never designed must copy its input. */
+template <class Filter>
+void expectCopiesItsInput() {
+    Filter filter;
+    const std::vector<double> in = noise(100);
+    EXPECT_EQ(runInBlocks(filter, in, 7), in);
+}
+
+/** Blocks of any size must give the bits of one call over the whole signal. */
+template <class Filter>
+void expectBlocksLeaveNoTrace(double freq, double sampleRate) {
+    const std::vector<double> in = noise(1000);
+    Filter whole;
+    whole.create(freq, sampleRate);
+    const std::vector<double> expected = runWhole(whole, in);
+    for (const std::size_t block : {1, 2, 3, 7, 128}) {
+        Filter filter;
+        filter.create(freq, sampleRate);
+        EXPECT_EQ(runInBlocks(filter, in, block), expected) << "blocks of " << block;
+    }
+}
+
+/** Blocks of no samples must leave the output alone. */
+template <class Filter>
+void expectEmptyBlocksWriteNothing() {
+    Filter filter;
+    const double in = 1.0;
+    double out = -7.0;
+    filter.operate(&in, &out, 0);
+    filter.operate(&in, &out, -1);
+    EXPECT_EQ(out, -7.0);
 }
 
 /** Gain of a settled filter for a sine, from the energies of its second half. */

@@ -7,6 +7,8 @@
 #include <cstdint>
 #include <vector>
 
+#include <gtest/gtest.h>
+
 #include "peakss/BeatInfo.h"
 
 namespace beatatlas::test {
@@ -96,6 +98,18 @@ inline Stereo stereoNoise(int frames) {
         sample = static_cast<std::int16_t>(static_cast<int>(state >> 16U) - 32768);
     }
     return audio;
+}
+
+/** Noise fed to makers in blocks of any size must leave the envelope that one whole block leaves.
+ *
+ *  @param envelopeOf  (audio, length in frames, frames per block) → envelope of a new maker */
+template <class EnvelopeOf>
+void expectBlocksLeaveNoTrace(EnvelopeOf envelopeOf) {
+    const Stereo audio = stereoNoise(20005);
+    const auto whole = envelopeOf(audio, 20005, 20005);
+    for (const int block : {1, 2, 3, 587, 588, 589, 640, 4096}) {
+        EXPECT_EQ(envelopeOf(audio, 20005, block), whole) << "blocks of " << block;
+    }
 }
 
 }  // namespace beatatlas::test
