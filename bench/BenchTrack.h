@@ -1,0 +1,43 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <algorithm>
+#include <cstdint>
+#include <vector>
+
+#include <benchmark/benchmark.h>
+
+#include "peakss/BeatInfo.h"
+#include "support/TrackSynth.h"
+
+namespace beatatlas::bench {
+
+constexpr int kRate = 44100;
+constexpr int kSeconds = 120;
+constexpr int kFrames = kRate * kSeconds;
+constexpr int kBlockFrames = kRate / 75;  // as a session cuts a track
+constexpr float kBpm = 126.0F;
+
+/** Two minutes of synthesised music in every form that a component takes. */
+struct BenchTrack {
+    test::StereoTrack stereo;               ///< 16-bit scale
+    std::vector<float> mono;                ///< full scale ±1.0
+    std::vector<std::int16_t> interleaved;  ///< left first
+    peakss::BeatList beats;                 ///< the true grid
+};
+
+/** Made once, at the first call. Two minutes hold too many events for a processor to learn by heart, so the same
+ *  track may be played again and again. */
+const BenchTrack& benchTrack();
+
+/** Calls feed(first frame, frames) for block after block of the track. */
+template <typename Feed>
+void forEachBlock(Feed feed) {
+    for (int from = 0; from < kFrames; from += kBlockFrames)
+        feed(from, std::min(kBlockFrames, kFrames - from));
+}
+
+/** Reports what was done per iteration as seconds of audio per second of CPU, and CPU time per frame. */
+void reportAudio(benchmark::State& state, double frames, double rate = kRate);
+
+}  // namespace beatatlas::bench
