@@ -41,6 +41,8 @@ struct S_KEY_SCALE_RESULT {
  *  @param mode        hop and weights. 0 and any value not listed: hop 2048. 1: 2048, long tracks 16384.
  *                     2: 4096, long 16384. 3 and 4: 8192, long 16384. In modes 1 to 4 long tracks at a rate of
  *                     exactly 4000 have a hop of 8192. Modes 2 and 3 weigh the octaves of short tracks otherwise.
+ *                     Keep rate / (hop / hopDivisor) above 2 frames a second: the smoothing over time is made
+ *                     for that, and from 1 to 2 it diverges, so that the answer means nothing.
  *  @param text        untouched; may be null
  *  @return 0 to 11: major keys whose tonic is pitch class 0 to 11, counted in semitones from the reference pitch
  *          (A, A♯, B, C …); 12 to 23: the minor keys in the same order. _key_table of key_tables.h names them. */

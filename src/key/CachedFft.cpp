@@ -1,24 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "key/CachedFft.h"
 
-#include <cstddef>
 #include <cstdio>
 #include <cstdlib>
-#include <new>
 
 #include "dsp/fftCore.h"
 
 namespace beatatlas {
-
-namespace {
-
-/** Null instead of an exception when there is no memory; zeroed. */
-template <typename T>
-std::unique_ptr<T[]> allocate(std::int64_t entries) {
-    return std::unique_ptr<T[]>(new (std::nothrow) T[static_cast<std::size_t>(entries)]());
-}
-
-}  // namespace
 
 int CachedFft::fft(int n, double* re, double* im) {
     const std::int64_t size = std::abs(static_cast<std::int64_t>(n));
@@ -40,8 +28,8 @@ int CachedFft::fft(int n, double* re, double* im) {
 
 bool CachedFft::makeTables(std::int64_t size) {
     release();
-    sineTable_ = allocate<double>(fft::sineTableLength(size));
-    bitReversal_ = allocate<int>(size);
+    sineTable_ = allocateOrNull<double>(fft::sineTableLength(size));
+    bitReversal_ = allocateOrNull<int>(size);
     if (sineTable_ == nullptr || bitReversal_ == nullptr) {
         release();
         return false;

@@ -2,7 +2,8 @@
 #pragma once
 
 #include <cstdint>
-#include <memory>
+
+#include "dsp/CArray.h"
 
 namespace beatatlas {
 
@@ -24,8 +25,8 @@ private:
     bool makeTables(std::int64_t size);
 
     std::int64_t size_ = 0;  // of the cached tables; 0: none
-    std::unique_ptr<double[]> sineTable_;
-    std::unique_ptr<int[]> bitReversal_;
+    CArray<double> sineTable_;
+    CArray<int> bitReversal_;
 };
 
 }  // namespace beatatlas

@@ -1,0 +1,107 @@
+// SPDX-License-Identifier: MIT
+#include "dsp/ConstantQBank.h"
+
+#include <cmath>
+#include <limits>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "beatatlas/dsp.h"
+#include "support/RoundTowardZero.h"
+#include "support/signals.h"
+
+namespace {
+
+using beatatlas::ConstantQBank;
+
+constexpr double kPi = 3.141592653589793;
+
+class ConstantQBankTest : public beatatlas::test::RoundTowardZero {};
+
+// One window at a time, one product at a time: the order in which the sums must come out.
+float plainMagnitude(const float* x, int len, float hz, float rate, int frameLength) {
+    std::vector<float> window(static_cast<std::size_t>(len));
+    hanning(len, window.data());
+    float re = 0.0F;
+    float im = 0.0F;
+    for (int i = 0; i < len; ++i) {
+        const float seconds = static_cast<float>(i + 1) / rate;
+        const double angle = 2.0 * kPi * static_cast<double>(hz) * static_cast<double>(seconds);
+        const float w = window[static_cast<std::size_t>(i)];
+        re += x[i] * (w * static_cast<float>(std::cos(angle)));
+        im += x[i] * (w * static_cast<float>(std::sin(angle)));
+    }
+    return std::sqrt(re * re + im * im) *
+           (static_cast<float>(frameLength) / static_cast<float>(len));
+}
+
+// 2 · 4000 Hz over the distance to the next semitone: 27.5 · (2^(1/12) − 1) = 1.635225 Hz for the lowest bin,
+// 8000 / 1.635225 = 4892.3; an octave higher half of that, 2446.1.
+TEST_F(ConstantQBankTest, WindowsSpanTheBeatingOfNeighbouringSemitones) {
+    const ConstantQBank bank(72, 27.5F, 4000.0F);
+    ASSERT_TRUE(bank.isUsable());
+    EXPECT_EQ(bank.frameLength(), 4892);
+    EXPECT_EQ(bank.windowLength(12), 2446);
+    EXPECT_EQ(bank.windowLength(24), 1223);
+}
+
+TEST_F(ConstantQBankTest, EqualsThePlainSumInEveryFrame) {
+    const std::vector<float> x = beatatlas::test::whiteNoise(9000, 1.0, 5);
+    ConstantQBank bank(24, 220.0F, 8000.0F);
+    const int hop = 333;
+    const int frames = bank.frameCount(static_cast<long>(x.size()), hop);
+    ASSERT_GT(frames, 8);
+    ASSERT_NE(frames % 4, 0) << "the frames left over are to be met too";
+    for (int k : {0, 1, 11, 23}) {
+        std::vector<float> out(static_cast<std::size_t>(frames));
+        bank.magnitudes(k, x.data(), hop, frames, out.data());
+        const float hz = static_cast<float>(220.0 * std::pow(2.0, k / 12.0));
+        for (int j = 0; j < frames; ++j)
+            ASSERT_EQ(out[static_cast<std::size_t>(j)],
+                      plainMagnitude(x.data() + j * hop, bank.windowLength(k), hz, 8000.0F,
+                                     bank.frameLength()))
+                << "bin " << k << " frame " << j;
+    }
+}
+
+// A sine of amplitude 1 on the bin gives half of the window's sum, which is (N + 1) / 2; the weight brings every
+// bin to the frame's length: N₀ / 4.
+TEST_F(ConstantQBankTest, APureToneGivesTheSameMagnitudeInEveryBin) {
+    ConstantQBank bank(72, 27.5F, 4000.0F);
+    for (int k : {12, 30, 48, 60}) {
+        const double hz = 27.5 * std::pow(2.0, k / 12.0);
+        const std::vector<float> x = beatatlas::test::sine(6000, hz, 4000, 1.0);
+        float out = 0.0F;
+        bank.magnitudes(k, x.data(), 1, 1, &out);
+        EXPECT_NEAR(out, bank.frameLength() / 4.0, 0.03 * bank.frameLength() / 4.0) << k;
+    }
+}
+
+TEST_F(ConstantQBankTest, CountsWholeFramesAndNoneWhereThereIsNoHop) {
+    const ConstantQBank bank(72, 27.5F, 4000.0F);
+    EXPECT_EQ(bank.frameCount(4892 + 1000, 100), 10);
+    EXPECT_EQ(bank.frameCount(4892 + 99, 100), 0);
+    EXPECT_EQ(bank.frameCount(4892, 100), 0);
+    EXPECT_EQ(bank.frameCount(100, 1), 0);
+    EXPECT_EQ(bank.frameCount(0, 1), 0);
+    EXPECT_EQ(bank.frameCount(-5, 1), 0);
+    EXPECT_EQ(bank.frameCount(100000, 0), 0);
+    EXPECT_EQ(bank.frameCount(100000, -7), 0);
+    EXPECT_EQ(bank.frameCount(std::numeric_limits<long>::max(), 1),
+              std::numeric_limits<int>::max());
+}
+
+TEST_F(ConstantQBankTest, IsNotUsableWithoutMeaning) {
+    const float nan = std::numeric_limits<float>::quiet_NaN();
+    const float infinity = std::numeric_limits<float>::infinity();
+    for (float bad : {nan, infinity, -infinity, 0.0F, -440.0F, 1e-44F, 1e38F}) {
+        EXPECT_FALSE(ConstantQBank(72, bad, 44100.0F).isUsable()) << bad;
+        EXPECT_EQ(ConstantQBank(72, bad, 44100.0F).frameCount(1L << 40, 1), 0) << bad;
+    }
+    for (float bad : {nan, infinity, -infinity, 0.0F, -44100.0F, 1e-44F, 1e38F})
+        EXPECT_FALSE(ConstantQBank(72, 27.5F, bad).isUsable()) << bad;
+    EXPECT_FALSE(ConstantQBank(0, 27.5F, 44100.0F).isUsable());
+}
+
+}  // namespace
