@@ -7,6 +7,8 @@
 
 #include "beatatlas/key_tables.h"
 
+extern "C" const char* keyNameSeenFromC(int key);
+
 namespace {
 
 std::string bytes(const char* begin, std::size_t size) {
@@ -57,6 +59,10 @@ TEST(KeyTablesTest, LieInMemoryAsHostsReadThem) {
     EXPECT_EQ(sizeof _scale_name_list, 31U * 8U * 4U);
     EXPECT_EQ(sizeof _table_1st_maj, 5U * 2U * 5U * 4U);
     EXPECT_EQ(sizeof _table_3rd, 5U * 2U * 7U * 4U);
+}
+
+TEST(KeyTablesTest, AreTheSameTablesFromC) {
+    for (int key = 0; key < 24; ++key) EXPECT_EQ(keyNameSeenFromC(key), _key_table[key]);
 }
 
 TEST(KeyTablesTest, ChordNamesFillFiveCharacters) {
