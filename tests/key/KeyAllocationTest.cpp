@@ -58,13 +58,13 @@ TEST_F(KeyAllocationTest, FeedingAllocatesTheTransformsTablesAndNothingElse) {
     const KeyTrack music = track();
     KeyRankMaker maker;
     begin(maker, music);
-    const std::size_t before = beatatlas::test::allocationCount;
+    const std::size_t before = beatatlas::test::allocationCount();
     maker.putSample(music.samples.data(), kRate);
     {
         const CallocFailsAfter tablesAreThere(0);
         maker.putSample(music.samples.data() + 2 * kRate, kRate);
     }
-    EXPECT_EQ(beatatlas::test::allocationCount, before);
+    EXPECT_EQ(beatatlas::test::allocationCount(), before);
 }
 
 TEST_F(KeyAllocationTest, ATransformWithoutMemorySaysSoAndLeavesTheArrays) {
