@@ -3,6 +3,7 @@
 
 #include <algorithm>
 
+#include "beatatlas/utilities.h"
 #include "dsp/RoundingMode.h"
 #include "session/Analyzer.h"
 #include "session/tempoHundredths.h"
@@ -117,16 +118,24 @@ int getNoteEncountVal(void* session, double* out) {
     return session == nullptr ? 0 : analyzerOf(session)->getNoteEncountVal(out);
 }
 
-void resample(void*, float*, long, float*, long, float, int, long) {}
-
-void cutBeats(void*, float*, float*, int, float, int, int) {}
-
-float pitchDetect(void*, float*, int, float, int, int) {
-    return 0.0F;
+void resample(void* session, float* out, long outCount, float* in, long inCount, float ratio,
+              int step, long reserved) {
+    if (session != nullptr) resample2(out, outCount, in, inCount, ratio, step, reserved);
 }
 
-int getKey(void*, float*, long, float, float, int, int) {
-    return 0;
+void cutBeats(void* session, float* out, float* in, int n, float rate, int div, int mode) {
+    if (session != nullptr) CutBeats(out, in, n, rate, div, mode);
+}
+
+float pitchDetect(void* session, float* samples, int n, float rate, int hopDivisor, int mode) {
+    if (session == nullptr) return 0.0F;
+    return static_cast<float>(PitchDetect(samples, n, rate, hopDivisor, mode));
+}
+
+int getKey(void* session, float* samples, long n, float rate, float ref, int hopDivisor, int mode) {
+    if (session == nullptr) return 0;
+    S_KEY_SCALE_RESULT unused{};
+    return KeyCodeScale(&unused, samples, n, rate, ref, hopDivisor, mode, nullptr);
 }
 
 }  // namespace beatatlas::api
