@@ -21,16 +21,16 @@ void AverageStrip::reset() {
 
 void AverageStrip::put(std::int64_t chunk, bool ended,
                        const std::optional<AverageLevel::Average>& average) {
-    if (index_ >= kPoints) return;
+    if (index_ >= kLoudPoints) return;
     const int reached = truncToInt32(static_cast<float>(chunk) / chunksPerPoint_);
-    const int target = ended ? kPoints : std::min(reached, kPoints - 1);
+    const int target = ended ? kLoudPoints : std::min(reached, kLoudPoints - 1);
     if (target > index_) moveTo(target);
-    if (average && index_ < kPoints) add(*average);
+    if (average && index_ < kLoudPoints) add(*average);
 }
 
 void AverageStrip::moveTo(int target) {
     at(index_) = perHalfSecond(at(index_), chunksPerPoint_);
-    const int end = std::min(target + 1, kPoints);
+    const int end = std::min(target + 1, kLoudPoints);
     std::fill(points_.begin() + index_ + 1, points_.begin() + end, 0.0F);
     index_ = target;
 }

@@ -7,14 +7,13 @@
 #include <optional>
 
 #include "view/AverageLevel.h"
+#include "view/WavePoint.h"
 
 namespace beatatlas {
 
 /** Spreads the averages over the 400 points of the loudness wave, by the number of chunks fed. */
 class AverageStrip {
 public:
-    static constexpr int kPoints = 400;
-
     /** @param chunksPerPoint  may be a fraction */
     void create(float chunksPerPoint);
     void reset();
@@ -35,7 +34,7 @@ private:
     float& at(int point) { return points_[static_cast<std::size_t>(point)]; }
 
     float chunksPerPoint_ = 0.0F;
-    std::array<float, kPoints> points_{};
+    std::array<float, kLoudPoints> points_{};
     int index_ = 0;
     int lastAveraged_ = 0;  // point that took the last average that did not merge
 };

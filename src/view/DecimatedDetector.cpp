@@ -20,7 +20,11 @@ void DecimatedDetector::put(PeakRecords& records, const float* samples, int m) {
     const std::int64_t last = timing_.lastSampleInChunk(chunksSeen_);
     const int upToLast = last >= 0 && last < m ? static_cast<int>(last) + 1 : 0;
     if (upToLast > 0) followToEnd(all, samples, upToLast, m < timing_.blockLen);
-    follow(all, samples, upToLast, m);
+    if (upToLast == 0 && passesUnnoticed(samples, m, all[0].level900)) {
+        count_ += m;
+    } else {
+        follow(all, samples, upToLast, m);
+    }
     all[recordCount_].level900 = held_;
     ++chunksSeen_;
 }

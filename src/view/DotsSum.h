@@ -6,14 +6,13 @@
 #include <cstdint>
 
 #include "view/PeakRecords.h"
+#include "view/WavePoint.h"
 
 namespace beatatlas {
 
 /** Sums the peaks of one band's decimated detector into the 100 dots. */
 class DotsSum {
 public:
-    static constexpr int kDots = 100;
-
     void create(std::int32_t chunksPerDot);
     void reset();
 

@@ -17,7 +17,11 @@ void LevelDetector::put(PeakRecords& records, const float* samples, int m) {
         follow(all, samples, 0, upToLast);
         closeTrack(all);
     }
-    follow(all, samples, upToLast, m);
+    if (upToLast == 0 && passesUnnoticed(samples, m, all[0].level)) {
+        count_ += m;
+    } else {
+        follow(all, samples, upToLast, m);
+    }
     // Provisional, yet it stays when the track ends before the peak that would have replaced it.
     all[recordCount_].level = held_;
     ++chunksSeen_;

@@ -25,9 +25,6 @@ namespace beatatlas {
  *  first block, and to double the records of a track of more than three hours. */
 class LoudViewMaker : public LVMakeBase {
 public:
-    static constexpr int kLoudPoints = 400;
-    static constexpr int kDots = 100;
-
     LoudViewMaker() = default;
     ~LoudViewMaker() override { release(); }
 

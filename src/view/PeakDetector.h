@@ -27,6 +27,11 @@ protected:
     explicit PeakDetector(float floor) : floor_(floor) {}
     ~PeakDetector() = default;
 
+    /** Whether a chunk passes without a trace but for the time it takes. Before the least interval only a sample above
+     *  the held level has an effect, after it every candidate; past the hold time silence itself has one.
+     *  @param recordZero  what record 0 holds: the mark of no peak yet, or any level */
+    bool passesUnnoticed(const float* samples, int m, float recordZero) const;
+
     float candidateLevel(float held) const { return held > floor_ ? ratio_ * held : floor_; }
     float decayed(float held) const {
         const float lower = held * kDecay;

@@ -23,7 +23,7 @@ void PeakSum::reset() {
 
 void PeakSum::put(const PeakRecords& records, std::int32_t recordCount, bool ended,
                   std::int64_t chunk) {
-    if (index_ >= kPoints) return;
+    if (index_ >= kLoudPoints) return;
     const std::int32_t to = ended ? recordCount : recordCount - 1;
     if (!ended && to - firstUnsummed_ < 1) return;
     sumUpTo(to, records, ended, chunk);
@@ -37,7 +37,7 @@ void PeakSum::sumUpTo(std::int32_t to, const PeakRecords& records, bool ended, s
     previousChunk_ = chunk;
     for (std::int32_t i = firstUnsummed_; i < to; ++i) {
         if (carry_ >= chunksPerSlot_) closeSlot();
-        if (index_ >= kPoints) return;
+        if (index_ >= kLoudPoints) return;
         if (ended && i == to - 1) return;
         at(index_) += static_cast<float>(truncToInt32(records[i].level));
     }
@@ -48,11 +48,11 @@ void PeakSum::closeSlot() {
     fillSlot(index_, perHalfSecond(at(index_), chunksPerSlot_));
     carry_ -= chunksPerSlot_;
     index_ += kPointsPerSlot;
-    for (; carry_ >= chunksPerSlot_ && index_ < kPoints; index_ += kPointsPerSlot) {
+    for (; carry_ >= chunksPerSlot_ && index_ < kLoudPoints; index_ += kPointsPerSlot) {
         fillSlot(index_, 0.0F);
         carry_ -= chunksPerSlot_;
     }
-    if (index_ < kPoints) at(index_) = 0.0F;
+    if (index_ < kLoudPoints) at(index_) = 0.0F;
 }
 
 void PeakSum::fillSlot(int first, float level) {

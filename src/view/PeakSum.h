@@ -6,6 +6,7 @@
 #include <cstdint>
 
 #include "view/PeakRecords.h"
+#include "view/WavePoint.h"
 
 namespace beatatlas {
 
@@ -13,8 +14,6 @@ namespace beatatlas {
  *  would be shorter than the time between two beats. */
 class PeakSum {
 public:
-    static constexpr int kPoints = 400;
-
     /** @param chunksPerSlot  may be a fraction */
     void create(float chunksPerSlot);
     void reset();
@@ -37,7 +36,7 @@ private:
     float& at(int point) { return points_[static_cast<std::size_t>(point)]; }
 
     float chunksPerSlot_ = 0.0F;
-    std::array<float, kPoints> points_{};
+    std::array<float, kLoudPoints> points_{};
     std::int32_t firstUnsummed_ = 0;
     int index_ = 0;
     float carry_ = 0.0F;              // chunks since the slot began

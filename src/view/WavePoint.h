@@ -11,4 +11,10 @@ struct WavePoint {
     std::int32_t color;  ///< 0..5
 };
 
+/** Points of the loudness wave: a whole track. */
+inline constexpr int kLoudPoints = 400;
+
+/** Points of the dots wave: a whole track. */
+inline constexpr int kDots = 100;
+
 }  // namespace beatatlas

@@ -41,8 +41,9 @@ TEST_F(DecimatedDetectorTest, IsDeafToAHundredthOfFullScale) {
     f.level(327.68F, 400);
     EXPECT_EQ(f.detector.recordCount(), 0);
     EXPECT_EQ(f.records[0].level900, 0.01F);
-    f.level(327.7F, 4);
+    f.chunk({327.68F, 327.68F, 327.68F, 327.68F, 327.7F, 0.0F, 0.0F, 0.0F});
     EXPECT_EQ(f.detector.recordCount(), 1);
+    EXPECT_EQ(f.records[0].level900, 327.7F);
 }
 
 TEST_F(DecimatedDetectorTest, LeavesTheFieldsOfTheFullRateDetectorAlone) {
@@ -195,6 +196,19 @@ TEST_F(DecimatedDetectorTest, ClosesASilentTrackWithoutAPeak) {
     EXPECT_TRUE(f.detector.ended());
     EXPECT_EQ(f.detector.recordCount(), 1);
     EXPECT_EQ(f.records[0].level900, 0.01F);
+}
+
+// The end is the eighth sample of a chunk of ten. The record opened with the fourth sample, so the least interval of
+// 240 is over with the 244th and not sooner.
+TEST_F(DecimatedDetectorTest, GoesOnAfterTheEnd) {
+    Feed f(8);
+    f.chunk({900.0F, 0.0F, 0.0F, 0.0F, 0.0F, 0.0F, 0.0F, 0.0F, 0.0F, 0.0F});
+    EXPECT_EQ(f.detector.recordCount(), 2);
+    f.level(0.0F, 226);
+    f.level(900.0F, 4, 4);
+    EXPECT_EQ(f.detector.recordCount(), 2);
+    f.level(900.0F, 4, 4);
+    EXPECT_EQ(f.detector.recordCount(), 3);
 }
 
 TEST_F(DecimatedDetectorTest, ResetEqualsNew) {

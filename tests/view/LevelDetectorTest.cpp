@@ -32,6 +32,19 @@ TEST_F(LevelDetectorTest, OpensNoRecordInSilence) {
     EXPECT_EQ(f.detector.peakPosition(), 0);
 }
 
+// Chunks without a trace take their time all the same: the count is the same however the silence is cut.
+TEST_F(LevelDetectorTest, CountsTheTimeOfChunksThatPassUnnoticed) {
+    for (const std::size_t chunkLen : {1U, 7U, 10U}) {
+        Feed f(kLong);
+        f.level(0.0F, 500, chunkLen);
+        f.level(100.0F, 1);
+        f.level(1.0F, 700, chunkLen);
+        f.level(99.0F, 1);
+        EXPECT_EQ(f.records[0].interval, 501);
+        EXPECT_EQ(f.records[1].interval, 701);
+    }
+}
+
 TEST_F(LevelDetectorTest, MarksThePeakOfTheLastChunkOnly) {
     Feed f(kLong);
     f.chunk({0.0F, 5.0F});
@@ -110,13 +123,13 @@ TEST_F(LevelDetectorTest, MarksThePositionOfAnAcceptedPeak) {
     EXPECT_EQ(f.detector.peakPosition(), 3);
 }
 
-// Count 1285 is still held. Sample 1287 has count 1286 and is the first step towards a decay, which comes with the
-// eighth: in one chunk of samples 1287 to 1294.
+// Count 1285 is still held; 1286 is the first step towards a decay, which comes with the eighth. A chunk of counts
+// 1285 to 1292 thus sees seven steps, one of 1286 to 1293 all eight.
 TEST_F(LevelDetectorTest, HoldsALevelForItsTimeAndThenDecays) {
     Feed held(kLong);
     held.level(100.0F, 1);
-    held.level(0.0F, 1285, 1);
-    held.level(0.0F, 7);
+    held.level(0.0F, 1284, 1);
+    held.level(0.0F, 8);
     EXPECT_EQ(held.records[1].level, 100.0F);
 
     Feed decayed(kLong);
@@ -253,13 +266,15 @@ TEST_F(LevelDetectorTest, LeavesTheNewestRecordItsProvisionalLevelWhenTheTrackEn
     EXPECT_EQ(f.records[2].level, 90.0F);
 }
 
+// The end is the fifth sample of a chunk whose rest is silent; the peak comes 310 samples after the first.
 TEST_F(LevelDetectorTest, GoesOnAfterTheEnd) {
-    Feed f(10);
-    f.level(100.0F, 10);
+    Feed f(5);
+    f.chunk({100.0F, 0.0F, 0.0F, 0.0F, 0.0F, 0.0F, 0.0F, 0.0F, 0.0F, 0.0F});
+    EXPECT_TRUE(f.detector.ended());
     f.level(0.0F, 300);
     f.chunk({200.0F});
     EXPECT_EQ(f.detector.recordCount(), 3);
-    EXPECT_TRUE(f.detector.ended());
+    EXPECT_EQ(f.records[2].interval, 310);
 }
 
 TEST_F(LevelDetectorTest, ResetEqualsNew) {

@@ -32,6 +32,12 @@ TEST_F(LoudPointTest, StartsTheFirstStepAtTwentyNineAndAHalfDecibelsBelowFullSca
     EXPECT_EQ(decibelStep(1098.0F), 1);
 }
 
+// 20 log10(15504.2197 / 32768) = -6.50000041, which the cut to float makes -6.5, so that 24.0 is reached; in double it
+// would stay below. A float's step is 0.0000005 there.
+TEST_F(LoudPointTest, CutsTheLogarithmToFloatBeforeItAddsTheOffset) {
+    EXPECT_EQ(decibelStep(0x1.e481c2p+13F), 24);
+}
+
 TEST_F(LoudPointTest, GivesStepZeroToNothingAndLess) {
     EXPECT_EQ(decibelStep(0.0F), 0);
     EXPECT_EQ(decibelStep(-32768.0F), 0);

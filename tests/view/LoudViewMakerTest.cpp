@@ -56,11 +56,11 @@ protected:
     }
 
     static std::vector<WavePoint> loudWave(const LoudViewMaker& maker) {
-        return {maker.loudWave(), maker.loudWave() + LoudViewMaker::kLoudPoints};
+        return {maker.loudWave(), maker.loudWave() + kLoudPoints};
     }
 
     static std::vector<WavePoint> dotsWave(const LoudViewMaker& maker) {
-        return {maker.dotsWave(), maker.dotsWave() + LoudViewMaker::kDots};
+        return {maker.dotsWave(), maker.dotsWave() + kDots};
     }
 
     static void expectPlainView(const LoudViewMaker& maker, const test::PlainLoudView& plain);

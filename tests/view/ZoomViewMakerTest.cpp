@@ -183,6 +183,14 @@ TEST_F(ZoomViewMakerTest, ColorsADeepToneZero) {
     EXPECT_GE(zeros, 100);
 }
 
+// A constant c passes the low-pass at gain 1, but every step is cut toward zero: the bass settles just below c and is
+// truncated to c - 1. The ratios 0/1, 1/2, 3/4 and 7/8 each lie exactly on a class's lower bound and belong to it.
+TEST_F(ZoomViewMakerTest, OpensEachColorClassAtItsLowerBound) {
+    const int colors[4][2] = {{1, 7}, {2, 3}, {4, 1}, {8, 0}};
+    for (const auto& [value, color] : colors)
+        EXPECT_EQ(waveOf(constant(value, 9600)).back().color, color) << value;
+}
+
 TEST_F(ZoomViewMakerTest, EndsASilentTrackWithAllLevelsZero) {
     EXPECT_THAT(waveOf(constant(0, 3200)), ::testing::Each(ZoomPoint{0, 7}));
 }
@@ -296,6 +304,18 @@ TEST_F(ZoomViewMakerTest, AgreesWithAPlainWaveOfTheWholeTrack) {
     append(track, tone(400.0, 48000.0, 25000.0, 7001));
     EXPECT_THAT(waveOf(track), ElementsAreArray(plainWave(track, 48000.0, 320)));
     EXPECT_THAT(waveOf(track, true, 44100), ElementsAreArray(plainWave(track, 44100.0, 294)));
+}
+
+// From 40 to 400 Hz in 20 s: thousands of frames, of which some lie so near a class's bound that a corner one hertz
+// off would move them over it.
+TEST_F(ZoomViewMakerTest, AgreesWithAPlainWaveOfASweep) {
+    Stereo sweep;
+    double angle = 0.0;
+    for (int i = 0; i < 20 * 48000; ++i) {
+        angle += 2.0 * kPi * (40.0 + (360.0 * i) / (20.0 * 48000.0)) / 48000.0;
+        sweep.insert(sweep.end(), 2, static_cast<std::int16_t>(30000.0 * std::sin(angle)));
+    }
+    EXPECT_THAT(waveOf(sweep), ElementsAreArray(plainWave(sweep, 48000.0, 320)));
 }
 
 TEST_F(ZoomViewMakerTest, UsesEveryColorClass) {
