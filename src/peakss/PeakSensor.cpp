@@ -76,13 +76,45 @@ void PeakSensor::setDiffAnalyze(float ms, int source) {
     diffOn_ = true;
 }
 
+// What is stored per sample and what is divided goes by the block; only the running sum has to wait for itself.
+void PeakSensor::getDiffs(const float* in, float* out, int n) {
+    float* ring = diffRing_.get();
+    const int fromRing = std::min(n, diffLen_);
+    int slot = diffIdx_;
+    for (int i = 0; i < fromRing; ++i) {
+        out[i] = in[i] - ring[slot];
+        ring[slot] = in[i];
+        slot = slot + 1 == diffLen_ ? 0 : slot + 1;
+    }
+    for (int i = fromRing; i < n; ++i) out[i] = in[i] - in[i - diffLen_];
+    if (n > fromRing) slot = keepLastInputs(in, n);
+    diffIdx_ = slot;
+    float sum = diffSum_;
+    for (int i = 0; i < n; ++i) {
+        sum = sum + out[i];
+        out[i] = sum;
+    }
+    diffSum_ = sum;
+    const auto length = static_cast<float>(diffLen_);
+    for (int i = 0; i < n; ++i) {
+        const float y = in[i] - (out[i] / length);
+        out[i] = y >= 0.0F ? y : 0.0F;
+    }
+}
+
+// The ring holds the last inputs wherever it begins: the oldest comes first.
+int PeakSensor::keepLastInputs(const float* in, int n) {
+    std::copy_n(in + (n - diffLen_), diffLen_, diffRing_.get());
+    return 0;
+}
+
 // The end of a peak and the start of the next may fall on the same level: both are looked at in turn.
 void PeakSensor::putLevel(float level, PeakBuffer& buffer) {
     pos_ = wrappingAdd(pos_, step_);
     line_ -= slopeStep_;
     if (state_ == kTracking) {
         if (level > peakLevel_) startPeak(level);
-        if (isPeakOver()) {
+        if (isPeakOverAt(pos_)) {
             state_ = kFollowing;
             buffer.put(this);
         }
@@ -90,8 +122,65 @@ void PeakSensor::putLevel(float level, PeakBuffer& buffer) {
     if (state_ == kFollowing) followLine(level);
 }
 
-bool PeakSensor::isPeakOver() const {
-    const std::int32_t sinceMaximum = wrappingSubtract(pos_, peakPos2_);
+int PeakSensor::putQuietLevels(const float* levels, int from, int to) {
+    int i = from;
+    while (i < to) {
+        if (state_ == kFollowing) {
+            i = followUntilPeak(levels, i, to);
+        } else {
+            const int moved = trackUntilMoved(levels, i, to);
+            if (moved < 0) return ~moved;
+            i = moved;
+        }
+    }
+    return to;
+}
+
+// Most levels lie below the line and change nothing but the line and the time.
+int PeakSensor::followUntilPeak(const float* levels, int from, int to) {
+    for (int i = from; i < to; ++i) {
+        std::int32_t pos = pos_;
+        float line = line_;
+        const float fall = slopeStep_;
+        for (; i < to; ++i) {
+            pos = wrappingAdd(pos, step_);
+            line -= fall;
+            if (line < floor_) line = floor_;
+            if (levels[i] >= line || wrappingSubtract(pos, lineStart_) > holdLen_) break;
+        }
+        pos_ = pos;
+        line_ = line;
+        if (i == to) break;
+        followLine(levels[i]);
+        if (state_ == kTracking) return i + 1;
+    }
+    return to;
+}
+
+// While a peak is tracked the line stands still. Returns where to go on, or ~i when level i confirms the peak.
+int PeakSensor::trackUntilMoved(const float* levels, int from, int to) {
+    const float peakLevel = peakLevel_;
+    std::int32_t before = pos_;
+    for (int i = from; i < to; ++i) {
+        const std::int32_t pos = wrappingAdd(before, step_);
+        const bool higher = levels[i] > peakLevel;
+        // A higher value starts the time anew: it confirms itself only where no time is needed.
+        if (higher ? confirmLen_ == 0 : isPeakOverAt(pos)) {
+            pos_ = before;
+            return ~i;
+        }
+        before = pos;
+        if (!higher) continue;
+        pos_ = pos;
+        startPeak(levels[i]);
+        return i + 1;
+    }
+    pos_ = before;
+    return to;
+}
+
+bool PeakSensor::isPeakOverAt(std::int32_t pos) const {
+    const std::int32_t sinceMaximum = wrappingSubtract(pos, peakPos2_);
     // Unsigned: a peak that lies behind a wrapped position is over at once.
     return static_cast<std::uint32_t>(sinceMaximum) >= static_cast<std::uint32_t>(confirmLen_);
 }

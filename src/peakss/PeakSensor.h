@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 
@@ -52,8 +53,15 @@ public:
         return y >= 0.0F ? y : 0.0F;
     }
 
+    /** As n calls of getDiff() in turn; `out` is another array. Needs difference analysis. */
+    void getDiffs(const float* in, float* out, int n);
+
     /** Takes the next level of the band; a peak it confirms goes into buffer at once. */
     void putLevel(float level, PeakBuffer& buffer);
+
+    /** Takes levels from..to-1 as putLevel() does, as long as none confirms a peak.
+     *  @return the index of the first that does, not taken yet, or `to` */
+    int putQuietLevels(const float* levels, int from, int to);
 
     std::int32_t peakPos() const { return peakPos_; }  ///< of the tracked or last confirmed peak
     float peakLevel() const { return peakLevel_; }
@@ -71,7 +79,10 @@ private:
     static constexpr std::int32_t kFollowing = 0;
     static constexpr std::int32_t kTracking = 1;
 
-    bool isPeakOver() const;
+    bool isPeakOverAt(std::int32_t pos) const;
+    int keepLastInputs(const float* in, int n);
+    int followUntilPeak(const float* levels, int from, int to);
+    int trackUntilMoved(const float* levels, int from, int to);
     void followLine(float level);
     void planFall();
     void startPeak(float level);

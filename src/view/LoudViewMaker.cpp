@@ -77,7 +77,7 @@ void LoudViewMaker::startOver() {
 void LoudViewMaker::designFilters() {
     constexpr float kButterworthQ = 0.70710677F;
     const float rate = static_cast<float>(rate_);
-    low_.makeFilter().createBandPathFilterQ(150.0F, rate, 0.9F);
+    low_.makeFilter().createBandPathFilterQ(kLowBandHz, rate, kLowBandQ);
     mid_.makeFilter().createMidPathFilterB(283.0F, 6000.0F, rate, kButterworthQ);
     high_.makeFilter().createHiPathFilter(6000.0F, rate, kButterworthQ);
 }
