@@ -8,6 +8,7 @@
 #include "dsp/truncation.h"
 #include "peakss/BeatSensorSignal.h"
 #include "peakss/SensorBand.h"
+#include "peakss/StepMeans.h"
 #include "peakss/bandDesigns.h"
 #include "peakss/beatInterval.h"
 #include "view/LVMakeBase.h"
@@ -24,17 +25,6 @@ constexpr int kMinVotes = 3;
 
 void rectify(float* samples, int n) {
     for (int i = 0; i < n; ++i) samples[i] = std::fabs(samples[i]);
-}
-
-/** Adds n samples to acc in order of time. */
-float sumOf(const float* samples, int n, float acc) {
-    constexpr int kUsualStep = 8;
-    if (n == kUsualStep) {
-        for (int i = 0; i < kUsualStep; ++i) acc += samples[i];
-        return acc;
-    }
-    for (int i = 0; i < n; ++i) acc += samples[i];
-    return acc;
 }
 
 void runAhead(SensorBand& band, int from, int steps) {
@@ -151,12 +141,14 @@ void BeatSensor::filterEachBand(const float* chunk, int n) {
 }
 
 void BeatSensor::makeOnsets(int n) {
-    for (int b = 0; b < bandNum_; ++b) {
-        SensorBand& band = bands_[static_cast<std::size_t>(b)];
-        if (!band.sensor.isDiffOn()) continue;
-        const SensorBand& source = bands_[static_cast<std::size_t>(band.sensor.diffSource())];
-        band.sensor.getDiffs(source.samples.get(), band.samples.get(), n);
-    }
+    if (bandNum_ != 6) return;
+    const SensorBand& low = bands_[0];
+    const SensorBand& high = bands_[3];
+    SensorBand& lowOnsets = bands_[4];
+    SensorBand& highOnsets = bands_[5];
+    PeakSensor::getDiffs({{{&lowOnsets.sensor, low.samples.get(), lowOnsets.samples.get()},
+                           {&highOnsets.sensor, high.samples.get(), highOnsets.samples.get()}}},
+                         n);
 }
 
 // The mid and high bands are those the view would make; its low band is of another width than those of the sensor.
@@ -187,25 +179,16 @@ bool BeatSensor::senseBeats(int n) {
 
 /** Averages samples from..to-1 over steps, in every band; the last step may stay open. Returns how many closed. */
 int BeatSensor::closeSteps(int from, int to) {
-    std::int32_t open = decimCount_;
+    StepMeans means{decim_, decimCount_};
     int steps = 0;
     for (int b = 0; b < bandNum_; ++b) {
         SensorBand& band = bands_[static_cast<std::size_t>(b)];
-        open = decimCount_;
-        steps = 0;
-        const auto samplesPerStep = static_cast<float>(decim_);
-        for (int i = from; i < to;) {
-            const int part = std::min(decim_ - open, to - i);
-            band.acc = sumOf(band.samples.get() + i, part, band.acc);
-            i += part;
-            open += part;
-            if (open < decim_) break;
-            band.levels[static_cast<std::size_t>(steps++)] = band.acc / samplesPerStep;
-            band.acc = 0.0F;
-            open = 0;
-        }
+        means.open = decimCount_;
+        means.sum = band.acc;
+        steps = means.put(band.samples.get() + from, to - from, band.levels.get());
+        band.acc = means.sum;
     }
-    decimCount_ = open;
+    decimCount_ = means.open;
     return steps;
 }
 

@@ -76,25 +76,56 @@ void PeakSensor::setDiffAnalyze(float ms, int source) {
     diffOn_ = true;
 }
 
-// What is stored per sample and what is divided goes by the block; only the running sum has to wait for itself.
 void PeakSensor::getDiffs(const float* in, float* out, int n) {
-    float* ring = diffRing_.get();
-    const int fromRing = std::min(n, diffLen_);
-    int slot = diffIdx_;
-    for (int i = 0; i < fromRing; ++i) {
-        out[i] = in[i] - ring[slot];
-        ring[slot] = in[i];
-        slot = slot + 1 == diffLen_ ? 0 : slot + 1;
-    }
-    for (int i = fromRing; i < n; ++i) out[i] = in[i] - in[i - diffLen_];
-    if (n > fromRing) slot = keepLastInputs(in, n);
-    diffIdx_ = slot;
+    changes(in, out, n);
     float sum = diffSum_;
     for (int i = 0; i < n; ++i) {
         sum = sum + out[i];
         out[i] = sum;
     }
     diffSum_ = sum;
+    lessMean(in, out, n);
+}
+
+// A running sum waits for itself with every sample; two of them wait together.
+void PeakSensor::getDiffs(const std::array<DiffBlock, 2>& blocks, int n) {
+    for (const DiffBlock& block : blocks) block.sensor->changes(block.in, block.out, n);
+    float* first = blocks[0].out;
+    float* second = blocks[1].out;
+    float firstSum = blocks[0].sensor->diffSum_;
+    float secondSum = blocks[1].sensor->diffSum_;
+    const auto add = [&](int i) {
+        firstSum = firstSum + first[i];
+        secondSum = secondSum + second[i];
+        first[i] = firstSum;
+        second[i] = secondSum;
+    };
+    int i = 0;
+    for (; i + 4 <= n; i += 4)
+        for (int k = 0; k < 4; ++k) add(i + k);
+    for (; i < n; ++i) add(i);
+    blocks[0].sensor->diffSum_ = firstSum;
+    blocks[1].sensor->diffSum_ = secondSum;
+    for (const DiffBlock& block : blocks) block.sensor->lessMean(block.in, block.out, n);
+}
+
+/** By how much each input changes the sum over the moving mean's length. */
+void PeakSensor::changes(const float* in, float* out, int n) {
+    float* ring = diffRing_.get();
+    const int length = diffLen_;
+    const int fromRing = std::min(n, length);
+    int slot = diffIdx_;
+    for (int i = 0; i < fromRing; ++i) {
+        out[i] = in[i] - ring[slot];
+        ring[slot] = in[i];
+        slot = slot + 1 == length ? 0 : slot + 1;
+    }
+    for (int i = fromRing; i < n; ++i) out[i] = in[i] - in[i - length];
+    diffIdx_ = n > fromRing ? keepLastInputs(in, n) : slot;
+}
+
+/** Turns the sums in `out` into what the inputs have above their means. */
+void PeakSensor::lessMean(const float* in, float* out, int n) const {
     const auto length = static_cast<float>(diffLen_);
     for (int i = 0; i < n; ++i) {
         const float y = in[i] - (out[i] / length);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -56,6 +57,16 @@ public:
     /** As n calls of getDiff() in turn; `out` is another array. Needs difference analysis. */
     void getDiffs(const float* in, float* out, int n);
 
+    /** One sensor's part in a common call of getDiffs(). */
+    struct DiffBlock {
+        PeakSensor* sensor;
+        const float* in;
+        float* out;
+    };
+
+    /** getDiffs() of two different sensors at once. */
+    static void getDiffs(const std::array<DiffBlock, 2>& blocks, int n);
+
     /** Takes the next level of the band; a peak it confirms goes into buffer at once. */
     void putLevel(float level, PeakBuffer& buffer);
 
@@ -80,6 +91,8 @@ private:
     static constexpr std::int32_t kTracking = 1;
 
     bool isPeakOverAt(std::int32_t pos) const;
+    void changes(const float* in, float* out, int n);
+    void lessMean(const float* in, float* out, int n) const;
     int keepLastInputs(const float* in, int n);
     int followUntilPeak(const float* levels, int from, int to);
     int trackUntilMoved(const float* levels, int from, int to);

@@ -310,6 +310,35 @@ TEST_F(PeakSensorTest, DifferencesByTheBlockAreThoseSampleBySample) {
     }
 }
 
+TEST_F(PeakSensorTest, DifferencesOfTwoSensorsAtOnceAreThoseOfEach) {
+    PeakSensor other;
+    PeakSensor plain;
+    PeakSensor plainOther;
+    for (PeakSensor* sensor : {&sensor_, &plain}) sensor->setDiffAnalyze(1.0F, 0);
+    for (PeakSensor* sensor : {&other, &plainOther}) {
+        sensor->setSamplingRate(48000);
+        sensor->setDiffAnalyze(0.2F, 3);
+    }
+    plain.setSamplingRate(48000);
+    plain.setDiffAnalyze(1.0F, 0);
+    const std::vector<float> in = whiteNoise(700, 11);
+    const std::vector<float> otherIn = whiteNoise(700, 12);
+    std::vector<float> out(700);
+    std::vector<float> otherOut(700);
+    int at = 0;
+    for (const int count : {1, 2, 3, 5, 640, 49}) {
+        PeakSensor::getDiffs({{{&sensor_, in.data() + at, out.data() + at},
+                               {&other, otherIn.data() + at, otherOut.data() + at}}},
+                             count);
+        at += count;
+    }
+    ASSERT_EQ(at, 700);
+    for (std::size_t i = 0; i < 700; ++i) {
+        ASSERT_EQ(out[i], plain.getDiff(in[i])) << i;
+        ASSERT_EQ(otherOut[i], plainOther.getDiff(otherIn[i])) << i;
+    }
+}
+
 /** Takes levels as a host of putQuietLevels() has to: the confirming ones by putLevel(). */
 void putInRuns(PeakSensor& sensor, PeakBuffer& buffer, const std::vector<float>& levels, int run) {
     const int count = static_cast<int>(levels.size());
