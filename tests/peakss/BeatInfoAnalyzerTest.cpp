@@ -23,20 +23,15 @@ using beatatlas::test::beatsAt;
 using beatatlas::test::beatsOfIntervals;
 using beatatlas::test::evenBeats;
 using beatatlas::test::groupsOf;
+using beatatlas::test::joined;
+using beatatlas::test::kHighest;
+using beatatlas::test::kLowest;
 using beatatlas::test::kRate;
 using beatatlas::test::positionsOf;
 using peakss::BeatInfo;
 using peakss::BeatInfoAnalyzeInfo;
 using peakss::BeatInfoAnalyzer;
 using peakss::BeatList;
-
-constexpr int kLowest = std::numeric_limits<int>::min();
-constexpr int kHighest = std::numeric_limits<int>::max();
-
-BeatList operator+(BeatList a, const BeatList& b) {
-    a.insert(a.end(), b.begin(), b.end());
-    return a;
-}
 
 struct Analysis {
     float bpm = 0.0F;
@@ -116,7 +111,7 @@ TEST_F(BeatInfoAnalyzerTest, TrimmingBehindNumberingMayLeaveAFirstBeatThatIsNotN
 // 120 BPM for 32 beats, then 150. The grids join at 743856 and 748656; of the four beats around, the middle gap of
 // 4800 is too short, its beat goes, and 24000 samples lead up to 767856. Beat 1 is the first segment's origin, −144.
 TEST_F(BeatInfoAnalyzerTest, VariedTempoFollowsAChangeAndTellsTheLongestSegmentsTempo) {
-    const BeatList raw = evenBeats(0, 24000, 32) + evenBeats(768000, 19200, 40, 400.0F);
+    const BeatList raw = joined(evenBeats(0, 24000, 32), evenBeats(768000, 19200, 40, 400.0F));
     for (const auto& [front, back] : {std::pair{16, 12}, {8, 4}, {0, 0}}) {
         front_ = front;
         back_ = back;

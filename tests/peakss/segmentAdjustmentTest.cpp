@@ -13,19 +13,14 @@ namespace {
 using beatatlas::test::beatAt;
 using beatatlas::test::beatsAt;
 using beatatlas::test::evenBeats;
+using beatatlas::test::joined;
+using beatatlas::test::kHighest;
+using beatatlas::test::kLowest;
 using beatatlas::test::kRate;
 using beatatlas::test::segmentAt;
 using beatatlas::test::yieldCount;
 using peakss::BeatInfo;
 using peakss::BeatList;
-
-constexpr int kLowest = std::numeric_limits<int>::min();
-constexpr int kHighest = std::numeric_limits<int>::max();
-
-BeatList operator+(BeatList a, const BeatList& b) {
-    a.insert(a.end(), b.begin(), b.end());
-    return a;
-}
 
 class SegmentAdjustmentTest : public beatatlas::test::RoundTowardZero {
 protected:
@@ -57,7 +52,7 @@ TEST_F(SegmentAdjustmentTest, LateListIsExtendedBackByWholeBeats) {
 }
 
 TEST_F(SegmentAdjustmentTest, ListWithAGapIsFoundAllTheSame) {
-    const BeatList raw = evenBeats(0, 24000, 10) + evenBeats(15 * 24000, 24000, 29);
+    const BeatList raw = joined(evenBeats(0, 24000, 10), evenBeats(15 * 24000, 24000, 29));
     expectSegment(adjusted({segmentAt(0)}, raw, 1056000)[0], 0, 500.0F, 16, 0);
 }
 
@@ -66,7 +61,7 @@ TEST_F(SegmentAdjustmentTest, ListWithAGapIsFoundAllTheSame) {
 // first origin whose walk (748800 + 76800 n) meets ten beats exactly; 768000 itself would, too, but comes later.
 // The first beat met is 825600: (825600 − 746400) / 19200 = 4.125, skip 4, start 825600 − 4 × 19200.
 TEST_F(SegmentAdjustmentTest, SegmentBehindATempoChangeReachesBackToThePreviousBeat) {
-    const BeatList raw = evenBeats(0, 24000, 32) + evenBeats(768000, 19200, 40, 400.0F);
+    const BeatList raw = joined(evenBeats(0, 24000, 32), evenBeats(768000, 19200, 40, 400.0F));
     const BeatList segments = adjusted({segmentAt(0), segmentAt(768000, 400.0F)}, raw, 1536000);
     expectSegment(segments[0], 0, 500.0F, 16, 0);
     expectSegment(segments[1], 748800, 400.0F, 16, 4);
