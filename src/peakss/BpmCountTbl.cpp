@@ -64,7 +64,7 @@ int BpmCountTbl::getAverageIndex() const {
 
 int BpmCountTbl::getAverageIndex(int around, int aroundDigits) const {
     if (aroundDigits >= digits_) return getAverageIndex();
-    const double centre = static_cast<double>(around);
+    const auto centre = static_cast<double>(around);
     const double aroundScale = powerOfTen(aroundDigits);
     const int low = truncToInt32(((centre - 1.0) * scale_) / aroundScale);
     const int high = truncToInt32(((centre + 1.0) * scale_) / aroundScale);

@@ -1,0 +1,38 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <algorithm>
+#include <cmath>
+
+#include "dsp/truncation.h"
+
+namespace peakss {
+
+/** How far an interval may lie from a reference (both in ms) and still tell the same tempo: 4 % of the
+ *  reference, at most 20 ms. Cut to single precision only once the cap has been applied. */
+inline float intervalTolerance(float referenceMs) {
+    const double share = (static_cast<double>(referenceMs) * 2400.0) / 60000.0;
+    return static_cast<float>(std::min(share, 20.0));
+}
+
+/** True when neither the interval, nor its double, nor its half tells the tempo of the reference. Exactly at
+ *  the tolerance is not a miss; what is not a number misses nothing. */
+inline bool missesTempoOf(float intervalMs, float referenceMs) {
+    const float tolerance = intervalTolerance(referenceMs);
+    return std::fabs(intervalMs - referenceMs) > tolerance &&
+           std::fabs((intervalMs * 2.0F) - referenceMs) > tolerance &&
+           std::fabs((intervalMs * 0.5F) - referenceMs) > tolerance;
+}
+
+/** The interval of whole BPM, in ms; endless for 0 BPM. */
+inline float intervalOfBpm(int bpm) {
+    return 60000.0F / static_cast<float>(bpm);
+}
+
+/** An interval as a number of beats, rounded half up to quarter beats. */
+inline float quarterBeats(float intervalMs, float beatMs) {
+    const int quarters = beatatlas::truncToInt32(((intervalMs / beatMs) * 4.0F) + 0.5F);
+    return static_cast<float>(quarters) * 0.25F;
+}
+
+}  // namespace peakss
