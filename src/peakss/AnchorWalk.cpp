@@ -11,6 +11,7 @@ namespace peakss {
 namespace {
 
 constexpr int kQuartersPerBeat = 4;
+constexpr double kBehindNumberRange = 2147483648.0;  // of positions
 
 }  // namespace
 
@@ -42,6 +43,8 @@ int AnchorWalk::bandAt(std::int64_t place) const {
 }
 
 int AnchorWalk::snap() {
+    // A walk that has just left the number range would come out at its other end.
+    if (position_ >= kBehindNumberRange) return kNoBand;
     int beat = -1;
     const std::int32_t pos =
         findNearPos(raw_, beatatlas::truncToInt32(position_), tolerance_, &beat);

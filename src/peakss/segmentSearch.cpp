@@ -9,6 +9,7 @@
 #include "dsp/processorYield.h"
 #include "dsp/truncation.h"
 #include "peakss/TempoWindow.h"
+#include "peakss/beatInterval.h"
 #include "peakss/beatSearch.h"
 #include "peakss/tempoMatch.h"
 #include "peakss/tempoSegments.h"
@@ -35,7 +36,7 @@ int windowSpan(int samplingRate) {
 // The coarse slots within the tolerance of half the interval, of itself and of its double. The half millisecond
 // shifts both limits toward slower tempi.
 std::array<SlotRange, 3> relatedSlots(float interval) {
-    const float tolerance = tempoTolerance(interval);
+    const float tolerance = intervalTolerance(interval);
     const auto around = [interval, tolerance](float factor) {
         const float centre = interval * factor;
         return SlotRange{truncToInt32(60000.0F / ((tolerance + centre) + 0.5F)),
@@ -72,7 +73,7 @@ BeatList segmentSearch(const BeatList& raw, int samplingRate) {
         window.moveTo(i, span);
         const int peak = window.commonestSlot();
         if (peak >= 0) {
-            const float interval = coarseSlotInterval(peak);
+            const float interval = intervalOfBpm(peak);
             if (!matchesTempo(interval, previous)) {
                 const int start = findFirstIdx(raw, i, peak, window.table());
                 const int best = earliestRelated(window, i, start, interval);

@@ -4,6 +4,7 @@
 #include <cstddef>
 
 #include "dsp/processorYield.h"
+#include "peakss/beatInterval.h"
 #include "peakss/tempoMatch.h"
 
 namespace peakss {
@@ -11,7 +12,7 @@ namespace peakss {
 void tempoMismatchRemoval(BeatList& raw, float trackInterval) {
     // The walk begins with the tolerance itself where an interval is meant: in effect the first beat must match
     // the track. Kept, since a very fast track's first beat may pass by it.
-    float previous = tempoTolerance(trackInterval);
+    float previous = intervalTolerance(trackInterval);
     std::size_t kept = 0;
     for (std::size_t i = 0; i < raw.size(); ++i) {
         beatatlas::yieldProcessor();

@@ -11,11 +11,6 @@ inline constexpr int kFineSlots = 4000;
 inline constexpr int kFineDigits = 1;
 inline constexpr int kFineSlotsPerCoarseSlot = 10;
 
-/** The beat interval in ms of a slot of the coarse table; infinite for slot 0. */
-inline float coarseSlotInterval(int slot) {
-    return 60000.0F / static_cast<float>(slot);
-}
-
 /** The beat interval in ms of a slot of the fine table; infinite for slot 0. */
 inline float fineSlotInterval(int slot) {
     return static_cast<float>(60000.0 / (static_cast<double>(slot) / 10.0));

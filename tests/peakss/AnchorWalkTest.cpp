@@ -77,6 +77,16 @@ TEST_F(AnchorWalkTest, PlacesNotReachedHaveNoBand) {
     EXPECT_EQ(walk.bandAt(-4), AnchorWalk::kNoBand);
 }
 
+// Truncation answers the lowest number for a position beyond the highest one: the beat there is not near.
+TEST_F(AnchorWalkTest, WalkOutOfTheNumberRangeMeetsNothing) {
+    const BeatList far{beatAt(std::numeric_limits<int>::min())};
+    AnchorWalk walk(far, kBeat, 4, kTolerance);
+    walk.begin(std::numeric_limits<int>::max());
+    walk.walkBeat();
+    EXPECT_EQ(walk.position(), std::numeric_limits<int>::max() + kBeat);
+    EXPECT_EQ(walk.bandAt(4), AnchorWalk::kNoBand);
+}
+
 // Places 0 4 8 12 hold bands 0 1 2 3. With one beat of front and one of bar, beat 1 becomes the origin: place 4, the
 // front's, takes the band of place 8, and place 8 that of 12; place 0 keeps its own.
 TEST_F(AnchorWalkTest, SlidingMovesThePlacesBehindTheFront) {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <limits>
 #include <vector>
 
 #include "peakss/BeatInfo.h"
@@ -9,6 +10,8 @@
 namespace beatatlas::test {
 
 inline constexpr int kRate = 48000;
+inline constexpr int kLowest = std::numeric_limits<int>::min();
+inline constexpr int kHighest = std::numeric_limits<int>::max();
 
 /** A candidate of band 2, whose offset is −3 ms: 144 samples at 48 kHz. */
 inline peakss::BeatInfo beatAt(std::int32_t pos, float interval = 500.0F, int group = 0,
@@ -46,6 +49,12 @@ inline peakss::BeatList evenBeats(std::int32_t first, std::int32_t distance, int
     std::vector<std::int32_t> positions;
     for (int i = 0; i < count; ++i) positions.push_back(first + i * distance);
     return beatsAt(positions, interval);
+}
+
+/** One list behind the other. */
+inline peakss::BeatList joined(peakss::BeatList list, const peakss::BeatList& behind) {
+    list.insert(list.end(), behind.begin(), behind.end());
+    return list;
 }
 
 /** A segment record as it stands before adjustment. */

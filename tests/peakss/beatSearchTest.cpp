@@ -13,13 +13,13 @@ namespace {
 using beatatlas::test::beatAt;
 using beatatlas::test::beatsAt;
 using beatatlas::test::beatsOfIntervals;
+using beatatlas::test::kHighest;
+using beatatlas::test::kLowest;
 using beatatlas::test::kRate;
 using peakss::BeatList;
 using peakss::BpmCountTbl;
 
 constexpr int kUntouched = 77;
-constexpr int kLowest = std::numeric_limits<int>::min();
-constexpr int kHighest = std::numeric_limits<int>::max();
 
 class BeatSearchTest : public beatatlas::test::RoundTowardZero {
 protected:

@@ -14,15 +14,14 @@ using beatatlas::test::bandsOf;
 using beatatlas::test::beatAt;
 using beatatlas::test::beatsAt;
 using beatatlas::test::evenBeats;
+using beatatlas::test::kHighest;
+using beatatlas::test::kLowest;
 using beatatlas::test::kRate;
 using beatatlas::test::positionsOf;
 using peakss::BeatInfo;
 using peakss::BeatList;
 using peakss::gapCorrectConstant;
 using Positions = std::vector<int>;
-
-constexpr int kHighest = std::numeric_limits<int>::max();
-constexpr int kLowest = std::numeric_limits<int>::min();
 
 class GapCorrectConstantTest : public beatatlas::test::RoundTowardZero {};
 

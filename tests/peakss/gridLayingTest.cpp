@@ -18,6 +18,9 @@ using beatatlas::test::bandsOf;
 using beatatlas::test::beatAt;
 using beatatlas::test::beatsAt;
 using beatatlas::test::evenBeats;
+using beatatlas::test::joined;
+using beatatlas::test::kHighest;
+using beatatlas::test::kLowest;
 using beatatlas::test::kRate;
 using beatatlas::test::positionsOf;
 using beatatlas::test::segmentAt;
@@ -30,17 +33,9 @@ using peakss::LaidGrid;
 using Positions = std::vector<int>;
 using Bands = std::vector<int>;
 
-constexpr int kLowest = std::numeric_limits<int>::min();
-constexpr int kHighest = std::numeric_limits<int>::max();
-
 constexpr GridPhrase kPhraseOf32{4, 16, 12};
 constexpr GridPhrase kPhraseOf16{4, 8, 4};
 constexpr GridPhrase kPhraseOf4{4, 0, 0};
-
-BeatList operator+(BeatList a, const BeatList& b) {
-    a.insert(a.end(), b.begin(), b.end());
-    return a;
-}
 
 Positions operator+(Positions a, const Positions& b) {
     a.insert(a.end(), b.begin(), b.end());
@@ -111,7 +106,7 @@ TEST_P(GridLayingInAnyPhraseTest, IdealListGivesTheIdealGrid) {
 
 // Beats 10 to 14 are missing: the walk goes on at its own pace and meets beat 16 where it expects it.
 TEST_P(GridLayingInAnyPhraseTest, GapIsCrossedAtTheSegmentsTempo) {
-    const BeatList raw = evenBeats(0, 24000, 10) + evenBeats(15 * 24000, 24000, 29);
+    const BeatList raw = joined(evenBeats(0, 24000, 10), evenBeats(15 * 24000, 24000, 29));
     const LaidGrid grid = laid({fitted(0, 500.0F, 16, 0)}, raw, GetParam(), 44 * 24000);
     EXPECT_EQ(positionsOf(grid.beats), evenPositions(-144, 24000, 45));
     Bands bands = bandsEvery(4, 0, 40, 45);
@@ -136,7 +131,7 @@ TEST_P(GridLayingInAnyPhraseTest, LateListIsFilledBackToTheStart) {
 // beats stop before 748800, at 743856. The second's origin is 825600 − 144; five beats back from it would begin at
 // 729456, before the grid's last beat, so four are filled in, from 748656 on.
 TEST_P(GridLayingInAnyPhraseTest, TempoChangeJoinsTwoGrids) {
-    const BeatList raw = evenBeats(0, 24000, 32) + evenBeats(768000, 19200, 40, 400.0F);
+    const BeatList raw = joined(evenBeats(0, 24000, 32), evenBeats(768000, 19200, 40, 400.0F));
     const LaidGrid grid =
         laid({fitted(0, 500.0F, 16, 0), fitted(748800, 400.0F, 16, 4)}, raw, GetParam(), 1536000);
     EXPECT_EQ(positionsOf(grid.beats),
@@ -152,7 +147,7 @@ TEST_P(GridLayingInAnyPhraseTest, TempoChangeJoinsTwoGrids) {
 // as before (no candidate there); from 287856 to the late beat 16 there are
 // ((386000 − 287856) × 4 − 576) / 16 = 24500 a beat, told by the beat before the bar. Behind that all is even again.
 TEST_F(GridLayingTest, LateReturnBehindAGapIsMeasuredInItsBar) {
-    const BeatList raw = evenBeats(0, 24000, 10) + evenBeats(15 * 24000 + 2000, 24000, 29);
+    const BeatList raw = joined(evenBeats(0, 24000, 10), evenBeats(15 * 24000 + 2000, 24000, 29));
     const LaidGrid grid = laid({fitted(0, 500.0F, 16, 0)}, raw, kPhraseOf4, 44 * 24000);
     EXPECT_EQ(positionsOf(grid.beats), evenPositions(-144, 24000, 13) +
                                            evenPositions(312356, 24500, 3) +
@@ -170,7 +165,7 @@ TEST_F(GridLayingTest, LateReturnBehindAGapIsMeasuredInItsBar) {
 //   ((1058000 − 384856) × 4 − 576) / 112 = 24035.714…
 // for the beats behind 32, the first at 769667 + 24035.71 = 793702.7.
 TEST_F(GridLayingTest, LateReturnBehindAGapIsSpreadOverAPhraseOf32) {
-    const BeatList raw = evenBeats(0, 24000, 10) + evenBeats(15 * 24000 + 2000, 24000, 29);
+    const BeatList raw = joined(evenBeats(0, 24000, 10), evenBeats(15 * 24000 + 2000, 24000, 29));
     const LaidGrid grid = laid({fitted(0, 500.0F, 16, 0)}, raw, kPhraseOf32, 44 * 24000);
     EXPECT_EQ(positionsOf(grid.beats),
               (Positions{-144,   23918,  47981,  72043,  96106,  120168, 144231,  168293, 192356,
@@ -192,7 +187,7 @@ TEST_F(GridLayingTest, LateReturnBehindAGapIsSpreadOverAPhraseOf32) {
 // first phrase ending at the late beat 16; then from 96356 to 482000: 24093.75 for beats 13 to 16; from 192856 to
 // 578000: 24062.5; from 289356 to 674000: 24031.25; from 385731 to 770000: 24007.8125.
 TEST_F(GridLayingTest, LateReturnBehindAGapIsSpreadOverAPhraseOf16) {
-    const BeatList raw = evenBeats(0, 24000, 10) + evenBeats(15 * 24000 + 2000, 24000, 29);
+    const BeatList raw = joined(evenBeats(0, 24000, 10), evenBeats(15 * 24000 + 2000, 24000, 29));
     const LaidGrid grid = laid({fitted(0, 500.0F, 16, 0)}, raw, kPhraseOf16, 44 * 24000);
     const Positions positions = positionsOf(grid.beats);
     const Positions head(positions.begin(), positions.begin() + 29);
@@ -222,8 +217,8 @@ TEST_F(GridLayingTest, SegmentShorterThanAPhraseIsMeasuredAsFarAsItGoes) {
 TEST_F(GridLayingTest, MeasurementAllowsForTheBandsOfBothAnchors) {
     const BeatList raw{beatAt(1440, 500.0F, 0, 20, 0), beatAt(96144, 500.0F, 1, 20, 2)};
     const LaidGrid grid = laid({fitted(0, 500.0F, 16, 0)}, raw, kPhraseOf4, 90000);
-    EXPECT_EQ(positionsOf(grid.beats), (Positions{0, 0, 24000, 48000, 72000}));
-    EXPECT_EQ(bandsOf(grid.beats), (Bands{-1, 0, -1, -1, -1}));
+    EXPECT_EQ(positionsOf(grid.beats), (Positions{0, 24000, 48000, 72000}));
+    EXPECT_EQ(bandsOf(grid.beats), (Bands{0, -1, -1, -1}));
 }
 
 // The beat filled in before the origin, 24143 − 24143.5, truncates to 0, which is not before the track.
@@ -268,7 +263,7 @@ TEST_F(GridLayingTest, OffsetOfAWholePhrasesEndIsNotCarried) {
 // The candidate at 126100 draws the second segment's walk past its end, 126000: no head, no front. The grid goes on
 // from the first segment's last beat, 119856, at the second's own 4800 samples.
 TEST_F(GridLayingTest, SegmentWalkedPastItsEndOnlyContinuesTheGrid) {
-    const BeatList raw = evenBeats(0, 24000, 5) + beatsAt({126100});
+    const BeatList raw = joined(evenBeats(0, 24000, 5), beatsAt({126100}));
     const LaidGrid grid =
         laid({fitted(0, 500.0F, 4, 0), fitted(124000, 100.0F, 4, 0), fitted(126000, 500.0F, 4, 0)},
              raw, kPhraseOf4, 126001);

@@ -13,19 +13,14 @@ namespace {
 using beatatlas::test::beatAt;
 using beatatlas::test::beatsAt;
 using beatatlas::test::evenBeats;
+using beatatlas::test::joined;
+using beatatlas::test::kHighest;
+using beatatlas::test::kLowest;
 using beatatlas::test::kRate;
 using beatatlas::test::segmentAt;
 using beatatlas::test::yieldCount;
 using peakss::BeatInfo;
 using peakss::BeatList;
-
-constexpr int kLowest = std::numeric_limits<int>::min();
-constexpr int kHighest = std::numeric_limits<int>::max();
-
-BeatList operator+(BeatList a, const BeatList& b) {
-    a.insert(a.end(), b.begin(), b.end());
-    return a;
-}
 
 class SegmentAdjustmentTest : public beatatlas::test::RoundTowardZero {
 protected:
@@ -57,7 +52,7 @@ TEST_F(SegmentAdjustmentTest, LateListIsExtendedBackByWholeBeats) {
 }
 
 TEST_F(SegmentAdjustmentTest, ListWithAGapIsFoundAllTheSame) {
-    const BeatList raw = evenBeats(0, 24000, 10) + evenBeats(15 * 24000, 24000, 29);
+    const BeatList raw = joined(evenBeats(0, 24000, 10), evenBeats(15 * 24000, 24000, 29));
     expectSegment(adjusted({segmentAt(0)}, raw, 1056000)[0], 0, 500.0F, 16, 0);
 }
 
@@ -66,7 +61,7 @@ TEST_F(SegmentAdjustmentTest, ListWithAGapIsFoundAllTheSame) {
 // first origin whose walk (748800 + 76800 n) meets ten beats exactly; 768000 itself would, too, but comes later.
 // The first beat met is 825600: (825600 − 746400) / 19200 = 4.125, skip 4, start 825600 − 4 × 19200.
 TEST_F(SegmentAdjustmentTest, SegmentBehindATempoChangeReachesBackToThePreviousBeat) {
-    const BeatList raw = evenBeats(0, 24000, 32) + evenBeats(768000, 19200, 40, 400.0F);
+    const BeatList raw = joined(evenBeats(0, 24000, 32), evenBeats(768000, 19200, 40, 400.0F));
     const BeatList segments = adjusted({segmentAt(0), segmentAt(768000, 400.0F)}, raw, 1536000);
     expectSegment(segments[0], 0, 500.0F, 16, 0);
     expectSegment(segments[1], 748800, 400.0F, 16, 4);
@@ -94,26 +89,19 @@ TEST_F(SegmentAdjustmentTest, NarrowerSpacingMustMoreThanDoubleTheScore) {
     EXPECT_EQ(segments[0].group, 16);
 }
 
-// Four beats from 8 × 24000 on, one beat apart. Every 4 beats: one met, 3000. Every 2: two, 6000, no more than
-// 2 × 3000. Every beat: four, 12000 = 4 × 3000. With wandering beats, 2800 and 2800 samples off the pulse, a walk of 4
-// beats loses them and one of single beats keeps them.
+// Beats 26000 apart where 24000 are measured: one beat on, the walk finds the next 2000 away and snaps to it. Two or
+// four beats on it is 4000 or 8000 away, out of reach, and meets a beat only by chance.
 TEST_F(SegmentAdjustmentTest, WanderingBeatsAreTiedMoreNarrowly) {
-    std::vector<int> positions;
-    int pos = 240000;
-    for (int i = 0; i < 12; ++i) {
-        positions.push_back(pos);
-        pos += 24000 + 2000;
-    }
-    const BeatList segments = adjusted({segmentAt(240000)}, beatsAt(positions), 2400000);
-    EXPECT_LT(segments[0].group, 16);
+    const BeatList segments = adjusted({segmentAt(0)}, evenBeats(0, 26000, 60), 60 * 26000);
+    EXPECT_EQ(segments[0].group, 4);
+    EXPECT_EQ(segments[0].interval, 502.0F);  // the slowest on trial is the nearest
 }
 
-// Origins end one anchor distance behind the lower bound, at 4 × 24000 = 96000, and the beat at 300000 is met by a
-// walk from 12000 after three steps: the origins 11904 and 12000 lie 96 and 0 from it.
+// One beat far from the start. At 500 ms the walk from 12000 (125 × 96) meets it exactly for 3000 points, no clear hit;
+// the tolerance of 502 ms, 24096 / 8, gives 3012. (300000 − 0) / 24096 = 12.45: twelve whole beats.
 TEST_F(SegmentAdjustmentTest, StartIsCountedBackFromTheFirstBeatMet) {
     const BeatList segments = adjusted({segmentAt(300000)}, beatsAt({300000}), 400000);
-    // (300000 − 0) / 24000 = 12.5: 12 whole beats, start 12000.
-    expectSegment(segments[0], 12000, 500.0F, 16, 12);
+    expectSegment(segments[0], 300000 - 12 * 24096, 502.0F, 16, 12);
 }
 
 TEST_F(SegmentAdjustmentTest, SegmentThatMeetsNothingStaysAsItIs) {
@@ -143,12 +131,12 @@ TEST_F(SegmentAdjustmentTest, AbsurdSegmentsEndAndAreSafe) {
     }
 }
 
-TEST_F(SegmentAdjustmentTest, BeatsAtTheFarEndOfTheNumberRangeAreMet) {
+TEST_F(SegmentAdjustmentTest, BeatAtTheFarEndOfTheNumberRangeIsMet) {
     const int last = kHighest - 1000;
-    const BeatList segments = adjusted({segmentAt(last)}, beatsAt({last - 24000, last}), kHighest);
-    // The last beat lies a whole number of beats behind the start.
-    EXPECT_EQ((last - segments[0].pos) % 24000, 0);
-    EXPECT_GT(segments[0].band, 0);
+    const BeatInfo segment = adjusted({segmentAt(last)}, beatsAt({last}), kHighest)[0];
+    const int beat = static_cast<int>(segment.interval) * 48;
+    EXPECT_EQ(segment.band, last / beat);
+    EXPECT_EQ(segment.pos, last % beat);
 }
 
 TEST_F(SegmentAdjustmentTest, YieldsOncePerSegment) {

@@ -11,22 +11,11 @@
 namespace {
 
 using peakss::matchesTempo;
-using peakss::tempoTolerance;
 
 constexpr float kInfinite = std::numeric_limits<float>::infinity();
 constexpr float kNoNumber = std::numeric_limits<float>::quiet_NaN();
 
 class TempoMatchTest : public beatatlas::test::RoundTowardZero {};
-
-TEST_F(TempoMatchTest, ToleranceIsFourPercentUpToTwentyMs) {
-    EXPECT_EQ(tempoTolerance(100.0F), 4.0F);
-    EXPECT_EQ(tempoTolerance(250.0F), 10.0F);
-    EXPECT_EQ(tempoTolerance(500.0F), 20.0F);
-    EXPECT_EQ(tempoTolerance(2000.0F), 20.0F);
-    EXPECT_EQ(tempoTolerance(kInfinite), 20.0F);
-    EXPECT_EQ(tempoTolerance(-250.0F), -10.0F);  // no reference of this kind matches anything
-    EXPECT_TRUE(std::isnan(tempoTolerance(kNoNumber)));
-}
 
 TEST_F(TempoMatchTest, MatchIsStrictAtBothEdges) {
     EXPECT_TRUE(matchesTempo(500.0F, 500.0F));
