@@ -6,6 +6,8 @@
 
 #include "dsp/RoundingMode.h"
 #include "dsp/processorYield.h"
+#include "peakss/BeatInfoAnalyzeInfo.h"
+#include "peakss/BeatInfoAnalyzer.h"
 #include "session/frameKernels.h"
 #include "session/tempoHundredths.h"
 
@@ -179,10 +181,29 @@ void Analyzer::dispatchToBeatSensing() {
     if (simple_) simpleEnvelopeMaker_.putSample(stereoBlock_.get(), blockFill_);
 }
 
+// A fixed chain, no vote: each stage takes the tempo and the grid of the one before.
 void Analyzer::analyze() {
     if (!created_ || failed_ || analyzed_) return;
     setRoundTowardZero();
     analyzed_ = true;
+    if (!beatOn_) return;
+    bpm_ = proposeGrid();
+    if (simple_) bpm_ = simpleEnvelopeMaker_.analyze(bpm_, beatList_);
+    unitEnvelopeMaker_.analyze(bpm_, beatList_, varied_);
+    yieldProcessor();
+    if (!varied_) unitBeatAdjust_.analyze(bpm_, beatList_);
+}
+
+// Lays the grid from the raw candidates; the result is the tempo in BPM, 0 when there is none.
+float Analyzer::proposeGrid() {
+    peakss::BeatList candidates = beatListMaker_.list();
+    peakss::BeatInfoAnalyzeInfo info{beatListMaker_.bandNum(), &candidates};
+    peakss::BeatInfoAnalyzer analyzer;
+    analyzer.setSamplingRate(rate_);
+    const bool hasPhrase = sectionBeats_ >= 2 * kBeatsPerBar;
+    const int front = hasPhrase ? sectionBeats_ / 2 : 0;
+    const int back = hasPhrase ? front - kBeatsPerBar : 0;
+    return analyzer.analyze(&info, beatList_, totalSamples_, kBeatsPerBar, front, back, varied_);
 }
 
 int Analyzer::getBpm() const {

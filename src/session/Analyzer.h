@@ -80,6 +80,7 @@ private:
     int fillBlock(const float* left, const float* right, int count);
     void dispatchBlock();
     void dispatchToBeatSensing();
+    float proposeGrid();
 
     bool created_ = false;
     bool failed_ = false;  // a guard for an error state that nothing enters
