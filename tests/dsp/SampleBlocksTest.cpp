@@ -81,10 +81,30 @@ TEST_F(SampleBlocksTest, TruncationOfABlockIsThatOfEachValueInEveryForm) {
     }
 }
 
+TEST_F(SampleBlocksTest, TheLargestMagnitudeIsFoundAtEveryPlaceInEveryForm) {
+    const double nan = std::numeric_limits<double>::quiet_NaN();
+    for (auto form : beatatlas::test::formsOfThisMachine()) {
+        const beatatlas::test::FormScope scope(form);
+        for (std::size_t n = 1; n <= 50; ++n) {
+            for (std::size_t at = 0; at < n; ++at) {
+                std::vector<double> values(n + 1, -0.5);
+                values[(at + 1) % n] = nan;
+                values[at] = at % 2 == 0 ? -7.25 : 7.25;
+                values[n] = 9.0;
+                ASSERT_EQ(beatatlas::largestMagnitude(values.data(), static_cast<int>(n)), 7.25)
+                    << at << " of " << n << ' ' << beatatlas::test::nameOf(form);
+            }
+        }
+        const std::vector<double> without(40, nan);
+        EXPECT_EQ(beatatlas::largestMagnitude(without.data(), 40), 0.0);
+    }
+}
+
 TEST_F(SampleBlocksTest, EmptyBlocksDoNothing) {
     for (int n : {0, -1}) {
         beatatlas::monoOfBlock(nullptr, nullptr, n);
         beatatlas::truncateBlock(nullptr, nullptr, n);
+        EXPECT_EQ(beatatlas::largestMagnitude(nullptr, n), 0.0);
     }
 }
 
