@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 
@@ -38,6 +39,9 @@ public:
     /** Filters one block of len samples; in and out may be the same array. len ≤ 0 does nothing.
      *  Throws std::bad_alloc, with everything as it was, when a longer block finds no memory. */
     void operate(const float* in, float* out, int len);
+
+    std::int32_t stageCount() const { return stageCount_; }
+    const IirFilter& stage(int i) const { return stages_[static_cast<std::size_t>(i)]; }
 
 private:
     /** A fresh cascade whose section i is given its coefficients by design(section, i). */

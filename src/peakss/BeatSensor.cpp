@@ -8,6 +8,7 @@
 #include "dsp/truncation.h"
 #include "peakss/BeatSensorSignal.h"
 #include "peakss/SensorBand.h"
+#include "peakss/StepMeans.h"
 #include "peakss/bandDesigns.h"
 #include "peakss/beatInterval.h"
 #include "view/LVMakeBase.h"
@@ -26,6 +27,10 @@ void rectify(float* samples, int n) {
     for (int i = 0; i < n; ++i) samples[i] = std::fabs(samples[i]);
 }
 
+void runAhead(SensorBand& band, int from, int steps) {
+    band.nextPeak = band.sensor.putQuietLevels(band.levels.get(), from, steps);
+}
+
 }  // namespace
 
 BeatSensor::BeatSensor() = default;
@@ -41,6 +46,8 @@ bool BeatSensor::create(int rate, int start, int end, int decim, int bands) {
     decim_ = std::max(decim, 1);
     bands_ = makeBands(rate, blockLen, decim_, bandNum);
     bandNum_ = bandNum;
+    if (bandNum == 4 || bandNum == 6) createBank(static_cast<float>(rate));
+    viewLow_ = std::make_unique<float[]>(static_cast<std::size_t>(blockLen));
     blockLen_ = blockLen;
     start_ = start;
     end_ = end;
@@ -53,6 +60,7 @@ std::unique_ptr<SensorBand[]> BeatSensor::makeBands(int rate, int blockLen, int 
     for (int b = 0; b < bands; ++b) {
         SensorBand& band = made[static_cast<std::size_t>(b)];
         band.samples = std::make_unique<float[]>(static_cast<std::size_t>(blockLen));
+        band.levels = std::make_unique<float[]>(static_cast<std::size_t>(blockLen));
         band.buffer.create(b);
         band.sensor.setSamplingRate(rate);
         band.sensor.setStep(decim);
@@ -78,6 +86,8 @@ void BeatSensor::reset() {
 
 void BeatSensor::release() {
     bands_.reset();
+    bank_.reset();
+    viewLow_.reset();
     bandNum_ = 0;
     blockLen_ = 0;
 }
@@ -89,7 +99,7 @@ bool BeatSensor::put(const float* mono, int n, beatatlas::LVMakeBase* loudView) 
     for (int done = 0; done < n;) {
         if (counter_ >= end_ && loudView == nullptr) return chosen;
         const int count = std::min(n - done, blockLen_);
-        filterBands(mono + done, count);
+        filterBands(mono + done, count, loudView != nullptr);
         if (loudView != nullptr) sendBands(mono + done, count, *loudView);
         if (senseBeats(count)) chosen = true;
         done += count;
@@ -97,23 +107,51 @@ bool BeatSensor::put(const float* mono, int n, beatatlas::LVMakeBase* loudView) 
     return chosen;
 }
 
-void BeatSensor::filterBands(const float* chunk, int n) {
+// In the order of FilterBank's cascades: the mid band is the long one, band 3 the high one.
+void BeatSensor::createBank(float rate) {
+    bank_.emplace();
+    bank_->design(0, bands_[0].filter);
+    bank_->design(1, bands_[1].filter);
+    bank_->design(2, bands_[3].filter);
+    beatatlas::IirPassFilter viewLow;
+    viewLow.createBandPathFilterQ(beatatlas::LVMakeBase::kLowBandHz, rate,
+                                  beatatlas::LVMakeBase::kLowBandQ);
+    bank_->design(3, viewLow);
+    bank_->design(beatatlas::FilterBank::kLongCascade, bands_[2].filter);
+}
+
+void BeatSensor::filterBands(const float* chunk, int n, bool forView) {
+    if (bank_) {
+        bank_->operate(chunk,
+                       {bands_[0].samples.get(), bands_[1].samples.get(), bands_[3].samples.get(),
+                        forView ? viewLow_.get() : nullptr, bands_[2].samples.get()},
+                       n);
+    } else {
+        filterEachBand(chunk, n);
+    }
+    makeOnsets(n);
+}
+
+void BeatSensor::filterEachBand(const float* chunk, int n) {
     for (int b = 0; b < bandNum_; ++b) {
         SensorBand& band = bands_[static_cast<std::size_t>(b)];
-        float* samples = band.samples.get();
-        if (band.sensor.diffSource() < 0) {
-            band.filter.operate(chunk, samples, n);
-            rectify(samples, n);
-        } else {
-            const SensorBand& source = bands_[static_cast<std::size_t>(band.sensor.diffSource())];
-            std::copy_n(source.samples.get(), n, samples);
-        }
-        if (!band.sensor.isDiffOn()) continue;
-        for (int i = 0; i < n; ++i) samples[i] = band.sensor.getDiff(samples[i]);
+        band.filter.operate(chunk, band.samples.get(), n);
+        rectify(band.samples.get(), n);
     }
 }
 
-// The mid and high bands are those the view would make; its low band is of another width, so it makes that itself.
+void BeatSensor::makeOnsets(int n) {
+    if (bandNum_ != 6) return;
+    const SensorBand& low = bands_[0];
+    const SensorBand& high = bands_[3];
+    SensorBand& lowOnsets = bands_[4];
+    SensorBand& highOnsets = bands_[5];
+    PeakSensor::getDiffs({{{&lowOnsets.sensor, low.samples.get(), lowOnsets.samples.get()},
+                           {&highOnsets.sensor, high.samples.get(), highOnsets.samples.get()}}},
+                         n);
+}
+
+// The mid and high bands are those the view would make; its low band is of another width than those of the sensor.
 void BeatSensor::sendBands(const float* chunk, int n, beatatlas::LVMakeBase& loudView) {
     const int mid = bandNum_ < 4 ? 1 : 2;
     if (mid + 1 >= bandNum_) {
@@ -121,7 +159,8 @@ void BeatSensor::sendBands(const float* chunk, int n, beatatlas::LVMakeBase& lou
         return;
     }
     SensorBand* bands = bands_.get() + mid;
-    loudView.analyzePeak(chunk, nullptr, bands[0].samples.get(), bands[1].samples.get(), n);
+    loudView.analyzePeak(chunk, bank_ ? viewLow_.get() : nullptr, bands[0].samples.get(),
+                         bands[1].samples.get(), n);
 }
 
 // The sample at index i counts as the one behind it, i + 1, on both borders of the range: the range thus begins one
@@ -134,37 +173,63 @@ bool BeatSensor::senseBeats(int n) {
     // Stops at the end of the range, so that it cannot wrap and enter the range again.
     counter_ =
         static_cast<std::int32_t>(std::min(seen + count, std::max<std::int64_t>(end_, seen)));
-    bool chosen = false;
-    for (int i = first; i < last;) {
-        const int part = std::min(decim_ - decimCount_, last - i);
-        accumulate(i, part);
-        i += part;
-        decimCount_ += part;
-        if (decimCount_ == decim_ && closeStep()) chosen = true;
+    if (first >= last) return false;
+    return followPeaks(closeSteps(first, last));
+}
+
+/** Averages samples from..to-1 over steps, in every band; the last step may stay open. Returns how many closed. */
+int BeatSensor::closeSteps(int from, int to) {
+    StepMeans means{decim_, decimCount_};
+    int steps = 0;
+    for (int b = 0; b < bandNum_; ++b) {
+        SensorBand& band = bands_[static_cast<std::size_t>(b)];
+        means.open = decimCount_;
+        means.sum = band.acc;
+        steps = means.put(band.samples.get() + from, to - from, band.levels.get());
+        band.acc = means.sum;
     }
+    decimCount_ = means.open;
+    return steps;
+}
+
+// Peaks are rare and every band knows of its own alone, so each runs ahead to the next level that confirms one; the
+// confirming levels of all bands are then taken in order of time.
+bool BeatSensor::followPeaks(int steps) {
+    bool chosen = false;
+    int next = 0;
+    for (int b = 0; b < bandNum_; ++b) runAhead(bands_[static_cast<std::size_t>(b)], 0, steps);
+    for (;;) {
+        int step = steps;
+        for (int b = 0; b < bandNum_; ++b)
+            step = std::min(step, bands_[static_cast<std::size_t>(b)].nextPeak);
+        if (step == steps) break;
+        if (takePeaks(step, steps)) chosen = true;
+        next = step + 1;
+    }
+    if (next < steps) clearBeats();
     return chosen;
 }
 
-void BeatSensor::accumulate(int from, int count) {
+/** Closes a step in which at least one band confirms a peak; whether a beat was chosen in it. */
+bool BeatSensor::takePeaks(int step, int steps) {
+    clearBeats();
+    bool found = false;
     for (int b = 0; b < bandNum_; ++b) {
         SensorBand& band = bands_[static_cast<std::size_t>(b)];
-        const float* samples = band.samples.get() + from;
-        float acc = band.acc;
-        for (int i = 0; i < count; ++i) acc += samples[i];
-        band.acc = acc;
+        if (band.nextPeak != step) continue;
+        band.sensor.putLevel(band.levels[static_cast<std::size_t>(step)], band.buffer);
+        found = found || band.buffer.beatFound();
+        runAhead(band, step + 1, steps);
     }
+    return found && chooseBeat();
 }
 
-bool BeatSensor::closeStep() {
-    decimCount_ = 0;
-    const auto samplesPerStep = static_cast<float>(decim_);
-    for (int b = 0; b < bandNum_; ++b) {
-        SensorBand& band = bands_[static_cast<std::size_t>(b)];
-        const float level = band.acc / samplesPerStep;
-        band.acc = 0.0F;
-        band.buffer.clearBeat();
-        band.sensor.putLevel(level, band.buffer);
-    }
+// A beat found lasts until the next level.
+void BeatSensor::clearBeats() {
+    for (int b = 0; b < bandNum_; ++b) bands_[static_cast<std::size_t>(b)].buffer.clearBeat();
+}
+
+bool BeatSensor::chooseBeat() {
     const PeakBuffer* chosen = selectBand();
     if (chosen == nullptr) return false;
     lastInterval_ = chosen->interval();

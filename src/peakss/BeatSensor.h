@@ -3,7 +3,9 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 
+#include "dsp/FilterBank.h"
 #include "peakss/TempoVote.h"
 
 namespace beatatlas {
@@ -66,17 +68,26 @@ public:
 
 private:
     static std::unique_ptr<SensorBand[]> makeBands(int rate, int blockLen, int decim, int bands);
-    void filterBands(const float* chunk, int n);
+    void createBank(float rate);
+    void filterBands(const float* chunk, int n, bool forView);
+    void filterEachBand(const float* chunk, int n);
+    void makeOnsets(int n);
     void sendBands(const float* chunk, int n, beatatlas::LVMakeBase& loudView);
     bool senseBeats(int n);
-    void accumulate(int from, int count);
-    bool closeStep();
+    int closeSteps(int from, int to);
+    bool followPeaks(int steps);
+    bool takePeaks(int step, int steps);
+    void clearBeats();
+    bool chooseBeat();
     void signalBeats();
     PeakBuffer* voteOfBands();
     bool settleVote(float interval);
 
     std::int32_t bandNum_ = 0;
     std::unique_ptr<SensorBand[]> bands_;
+    std::optional<beatatlas::FilterBank>
+        bank_;  // the first four of four and six bands, and the view's low band
+    std::unique_ptr<float[]> viewLow_;
     BeatSensorSignal* signal_ = nullptr;
     std::int32_t decim_ = 1;
     std::int32_t decimCount_ = 0;  // samples in the current step

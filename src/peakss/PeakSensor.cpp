@@ -76,13 +76,76 @@ void PeakSensor::setDiffAnalyze(float ms, int source) {
     diffOn_ = true;
 }
 
+void PeakSensor::getDiffs(const float* in, float* out, int n) {
+    changes(in, out, n);
+    float sum = diffSum_;
+    for (int i = 0; i < n; ++i) {
+        sum = sum + out[i];
+        out[i] = sum;
+    }
+    diffSum_ = sum;
+    lessMean(in, out, n);
+}
+
+// A running sum waits for itself with every sample; two of them wait together.
+void PeakSensor::getDiffs(const std::array<DiffBlock, 2>& blocks, int n) {
+    for (const DiffBlock& block : blocks) block.sensor->changes(block.in, block.out, n);
+    float* first = blocks[0].out;
+    float* second = blocks[1].out;
+    float firstSum = blocks[0].sensor->diffSum_;
+    float secondSum = blocks[1].sensor->diffSum_;
+    const auto add = [&](int i) {
+        firstSum = firstSum + first[i];
+        secondSum = secondSum + second[i];
+        first[i] = firstSum;
+        second[i] = secondSum;
+    };
+    int i = 0;
+    for (; i + 4 <= n; i += 4)
+        for (int k = 0; k < 4; ++k) add(i + k);
+    for (; i < n; ++i) add(i);
+    blocks[0].sensor->diffSum_ = firstSum;
+    blocks[1].sensor->diffSum_ = secondSum;
+    for (const DiffBlock& block : blocks) block.sensor->lessMean(block.in, block.out, n);
+}
+
+/** By how much each input changes the sum over the moving mean's length. */
+void PeakSensor::changes(const float* in, float* out, int n) {
+    float* ring = diffRing_.get();
+    const int length = diffLen_;
+    const int fromRing = std::min(n, length);
+    int slot = diffIdx_;
+    for (int i = 0; i < fromRing; ++i) {
+        out[i] = in[i] - ring[slot];
+        ring[slot] = in[i];
+        slot = slot + 1 == length ? 0 : slot + 1;
+    }
+    for (int i = fromRing; i < n; ++i) out[i] = in[i] - in[i - length];
+    diffIdx_ = n > fromRing ? keepLastInputs(in, n) : slot;
+}
+
+/** Turns the sums in `out` into what the inputs have above their means. */
+void PeakSensor::lessMean(const float* in, float* out, int n) const {
+    const auto length = static_cast<float>(diffLen_);
+    for (int i = 0; i < n; ++i) {
+        const float y = in[i] - (out[i] / length);
+        out[i] = y >= 0.0F ? y : 0.0F;
+    }
+}
+
+// The ring holds the last inputs wherever it begins: the oldest comes first.
+int PeakSensor::keepLastInputs(const float* in, int n) {
+    std::copy_n(in + (n - diffLen_), diffLen_, diffRing_.get());
+    return 0;
+}
+
 // The end of a peak and the start of the next may fall on the same level: both are looked at in turn.
 void PeakSensor::putLevel(float level, PeakBuffer& buffer) {
     pos_ = wrappingAdd(pos_, step_);
     line_ -= slopeStep_;
     if (state_ == kTracking) {
         if (level > peakLevel_) startPeak(level);
-        if (isPeakOver()) {
+        if (isPeakOverAt(pos_)) {
             state_ = kFollowing;
             buffer.put(this);
         }
@@ -90,8 +153,65 @@ void PeakSensor::putLevel(float level, PeakBuffer& buffer) {
     if (state_ == kFollowing) followLine(level);
 }
 
-bool PeakSensor::isPeakOver() const {
-    const std::int32_t sinceMaximum = wrappingSubtract(pos_, peakPos2_);
+int PeakSensor::putQuietLevels(const float* levels, int from, int to) {
+    int i = from;
+    while (i < to) {
+        if (state_ == kFollowing) {
+            i = followUntilPeak(levels, i, to);
+        } else {
+            const int moved = trackUntilMoved(levels, i, to);
+            if (moved < 0) return ~moved;
+            i = moved;
+        }
+    }
+    return to;
+}
+
+// Most levels lie below the line and change nothing but the line and the time.
+int PeakSensor::followUntilPeak(const float* levels, int from, int to) {
+    for (int i = from; i < to; ++i) {
+        std::int32_t pos = pos_;
+        float line = line_;
+        const float fall = slopeStep_;
+        for (; i < to; ++i) {
+            pos = wrappingAdd(pos, step_);
+            line -= fall;
+            if (line < floor_) line = floor_;
+            if (levels[i] >= line || wrappingSubtract(pos, lineStart_) > holdLen_) break;
+        }
+        pos_ = pos;
+        line_ = line;
+        if (i == to) break;
+        followLine(levels[i]);
+        if (state_ == kTracking) return i + 1;
+    }
+    return to;
+}
+
+// While a peak is tracked the line stands still. Returns where to go on, or ~i when level i confirms the peak.
+int PeakSensor::trackUntilMoved(const float* levels, int from, int to) {
+    const float peakLevel = peakLevel_;
+    std::int32_t before = pos_;
+    for (int i = from; i < to; ++i) {
+        const std::int32_t pos = wrappingAdd(before, step_);
+        const bool higher = levels[i] > peakLevel;
+        // A higher value starts the time anew: it confirms itself only where no time is needed.
+        if (higher ? confirmLen_ == 0 : isPeakOverAt(pos)) {
+            pos_ = before;
+            return ~i;
+        }
+        before = pos;
+        if (!higher) continue;
+        pos_ = pos;
+        startPeak(levels[i]);
+        return i + 1;
+    }
+    pos_ = before;
+    return to;
+}
+
+bool PeakSensor::isPeakOverAt(std::int32_t pos) const {
+    const std::int32_t sinceMaximum = wrappingSubtract(pos, peakPos2_);
     // Unsigned: a peak that lies behind a wrapped position is over at once.
     return static_cast<std::uint32_t>(sinceMaximum) >= static_cast<std::uint32_t>(confirmLen_);
 }

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <array>
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 
@@ -52,8 +54,25 @@ public:
         return y >= 0.0F ? y : 0.0F;
     }
 
+    /** As n calls of getDiff() in turn; `out` is another array. Needs difference analysis. */
+    void getDiffs(const float* in, float* out, int n);
+
+    /** One sensor's part in a common call of getDiffs(). */
+    struct DiffBlock {
+        PeakSensor* sensor;
+        const float* in;
+        float* out;
+    };
+
+    /** getDiffs() of two different sensors at once. */
+    static void getDiffs(const std::array<DiffBlock, 2>& blocks, int n);
+
     /** Takes the next level of the band; a peak it confirms goes into buffer at once. */
     void putLevel(float level, PeakBuffer& buffer);
+
+    /** Takes levels from..to-1 as putLevel() does, as long as none confirms a peak.
+     *  @return the index of the first that does, not taken yet, or `to` */
+    int putQuietLevels(const float* levels, int from, int to);
 
     std::int32_t peakPos() const { return peakPos_; }  ///< of the tracked or last confirmed peak
     float peakLevel() const { return peakLevel_; }
@@ -71,7 +90,12 @@ private:
     static constexpr std::int32_t kFollowing = 0;
     static constexpr std::int32_t kTracking = 1;
 
-    bool isPeakOver() const;
+    bool isPeakOverAt(std::int32_t pos) const;
+    void changes(const float* in, float* out, int n);
+    void lessMean(const float* in, float* out, int n) const;
+    int keepLastInputs(const float* in, int n);
+    int followUntilPeak(const float* levels, int from, int to);
+    int trackUntilMoved(const float* levels, int from, int to);
     void followLine(float level);
     void planFall();
     void startPeak(float level);

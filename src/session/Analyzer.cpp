@@ -6,9 +6,9 @@
 
 #include "dsp/RoundingMode.h"
 #include "dsp/processorYield.h"
-#include "dsp/truncation.h"
 #include "peakss/BeatInfoAnalyzeInfo.h"
 #include "peakss/BeatInfoAnalyzer.h"
+#include "session/frameKernels.h"
 #include "session/tempoHundredths.h"
 
 namespace beatatlas {
@@ -21,8 +21,6 @@ constexpr int kBeatsPerBar = 4;
 constexpr int kDefaultSectionBeats = 32;
 constexpr int kSimpleRangeSeconds = 60;
 constexpr int kFeedsPerYield = 4;
-// The mean of both channels, with 16-bit full scale brought to ±1.0: a power of two, so the product is exact.
-constexpr float kMonoScale = 1.0F / 65536.0F;
 
 // Grid phrases are bars of four times a power of two, or the bar itself.
 bool isPhraseLength(int beats) {
@@ -155,13 +153,8 @@ void Analyzer::setSample(const float* left, const float* right, int count) {
 // Takes frames until the block is full or the input used up; returns how many.
 int Analyzer::fillBlock(const float* left, const float* right, int count) {
     const int frames = std::min(count, blockLen_ - blockFill_);
-    float* mono = monoBlock_.get() + blockFill_;
-    std::int16_t* stereo = stereoBlock_.get() + 2 * blockFill_;
-    for (int i = 0; i < frames; ++i) {
-        mono[i] = (left[i] + right[i]) * kMonoScale;
-        stereo[2 * i] = truncToInt16(left[i]);
-        stereo[2 * i + 1] = truncToInt16(right[i]);
-    }
+    convertFrames(left, right, frames, monoBlock_.get() + blockFill_,
+                  stereoBlock_.get() + 2 * blockFill_);
     blockFill_ += frames;
     fedSamples_ += frames;
     return frames;

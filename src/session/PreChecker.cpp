@@ -2,10 +2,9 @@
 #include "session/PreChecker.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <limits>
 
-#include "dsp/truncation.h"
+#include "session/frameKernels.h"
 
 namespace beatatlas {
 
@@ -14,30 +13,43 @@ namespace {
 // About −70 dB of full scale: below it in both channels a frame is near-silent.
 constexpr int kSoundingLevel = 10;
 
-// In int, so that −32768 has its true magnitude.
-int magnitude(float sample) {
-    return std::abs(static_cast<int>(truncToInt16(sample)));
+// Short enough that a search for the last sounding frame of a stretch is soon over.
+constexpr int kStretchFrames = 1024;
+
+bool sounds(float left, float right) {
+    return magnitude(left) >= kSoundingLevel || magnitude(right) >= kSoundingLevel;
 }
 
 }  // namespace
 
 void PreChecker::putSample(const float* left, const float* right, int count) {
-    for (int i = 0; i < count; ++i) {
-        const int a = magnitude(left[i]);
-        const int b = magnitude(right[i]);
-        const auto sum = static_cast<double>(a + b);
-        const auto peak = static_cast<double>(std::max(a, b));
-        if (a >= kSoundingLevel || b >= kSoundingLevel) {
-            if (quietCount_ != 0) foldQuietRun();
-            loudSum_ += sum;
-            loudMax_ = std::max(loudMax_, peak);
-            ++loudCount_;
-        } else {
-            quietSum_ += sum;
-            quietMax_ = std::max(quietMax_, peak);
-            ++quietCount_;
-        }
+    for (int i = 0; i < count;) {
+        const int frames = std::min(count - i, kStretchFrames);
+        putStretch(left + i, right + i, frames);
+        i += frames;
     }
+}
+
+// Up to its last sounding frame a stretch is music, quiet frames and all. The sums are whole numbers far below 2^53:
+// they come out the same in any order.
+void PreChecker::putStretch(const float* left, const float* right, int count) {
+    const LevelTotals all = levelTotals(left, right, count);
+    int tailStart = 0;
+    if (all.max >= kSoundingLevel) {
+        tailStart = count;
+        while (!sounds(left[tailStart - 1], right[tailStart - 1])) --tailStart;
+    }
+    const LevelTotals tail =
+        tailStart == 0 ? all : levelTotals(left + tailStart, right + tailStart, count - tailStart);
+    if (tailStart > 0) {
+        if (quietCount_ != 0) foldQuietRun();
+        loudSum_ += static_cast<double>(all.sum - tail.sum);
+        loudMax_ = std::max(loudMax_, static_cast<double>(all.max));
+        loudCount_ += tailStart;
+    }
+    quietSum_ += static_cast<double>(tail.sum);
+    quietMax_ = std::max(quietMax_, static_cast<double>(tail.max));
+    quietCount_ += count - tailStart;
 }
 
 int PreChecker::capped(std::int64_t frames) {

@@ -29,6 +29,7 @@ public:
 
 private:
     static int capped(std::int64_t frames);
+    void putStretch(const float* left, const float* right, int count);
     void foldQuietRun();
 
     std::int64_t loudCount_ = 0;

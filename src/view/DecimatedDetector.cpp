@@ -11,7 +11,7 @@ constexpr int kGroupSamples = 4;
 
 }  // namespace
 
-void DecimatedDetector::put(PeakRecords& records, const float* samples, int m) {
+void DecimatedDetector::put(PeakRecords& records, const float* samples, int m, float loudest) {
     records.makeRoom(recordCount_);
     peak* all = records.data();
     held_ = all[recordCount_].level900;
@@ -20,7 +20,7 @@ void DecimatedDetector::put(PeakRecords& records, const float* samples, int m) {
     const std::int64_t last = timing_.lastSampleInChunk(chunksSeen_);
     const int upToLast = last >= 0 && last < m ? static_cast<int>(last) + 1 : 0;
     if (upToLast > 0) followToEnd(all, samples, upToLast, m < timing_.blockLen);
-    if (upToLast == 0 && passesUnnoticed(samples, m, all[0].level900)) {
+    if (upToLast == 0 && passesUnnoticed(m, loudest, all[0].level900)) {
         count_ += m;
     } else {
         follow(all, samples, upToLast, m);

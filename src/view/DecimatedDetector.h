@@ -11,8 +11,9 @@ class DecimatedDetector : public PeakDetector {
 public:
     DecimatedDetector() : PeakDetector(kFloor) {}
 
-    /** Takes the m samples (16-bit scale, not negative) of one chunk of at most a block. */
-    void put(PeakRecords& records, const float* samples, int m);
+    /** Takes the m samples (16-bit scale, not negative) of one chunk of at most a block.
+     *  @param loudest  of these samples, 0 at the least; NaN counts for nothing */
+    void put(PeakRecords& records, const float* samples, int m, float loudest);
 
 private:
     static constexpr float kFloor = 327.68F;

@@ -24,7 +24,9 @@ public:
     }
 
     /** Follows the m samples that the band has taken last. */
-    void put(LoudBand& band, int m) { detector_.put(band.records(), band.scaled(), m); }
+    void put(LoudBand& band, int m) {
+        detector_.put(band.records(), band.scaled(), m, band.loudest());
+    }
 
     /** Enters the peaks of the chunk into the dots.
      *  @param chunk  chunks fed so far, this one included */

@@ -5,7 +5,7 @@
 
 namespace beatatlas {
 
-void LevelDetector::put(PeakRecords& records, const float* samples, int m) {
+void LevelDetector::put(PeakRecords& records, const float* samples, int m, float loudest) {
     records.makeRoom(recordCount_);
     peak* all = records.data();
     peakPosition_ = 0;
@@ -17,7 +17,7 @@ void LevelDetector::put(PeakRecords& records, const float* samples, int m) {
         follow(all, samples, 0, upToLast);
         closeTrack(all);
     }
-    if (upToLast == 0 && passesUnnoticed(samples, m, all[0].level)) {
+    if (upToLast == 0 && passesUnnoticed(m, loudest, all[0].level)) {
         count_ += m;
     } else {
         follow(all, samples, upToLast, m);

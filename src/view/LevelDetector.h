@@ -13,8 +13,9 @@ class LevelDetector : public PeakDetector {
 public:
     LevelDetector() : PeakDetector(kFloor) {}
 
-    /** Takes the m samples (16-bit scale, not negative) of one chunk of at most a block. */
-    void put(PeakRecords& records, const float* samples, int m);
+    /** Takes the m samples (16-bit scale, not negative) of one chunk of at most a block.
+     *  @param loudest  of these samples, 0 at the least; NaN counts for nothing */
+    void put(PeakRecords& records, const float* samples, int m, float loudest);
 
     /** Where in the last chunk its last peak lies, counted from 1; 0 when it had none. */
     int peakPosition() const { return peakPosition_; }

@@ -1,10 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "view/LoudBand.h"
 
-#include <cmath>
 #include <cstddef>
 
-#include "view/fullScale.h"
+#include "view/scaleBand.h"
 
 namespace beatatlas {
 
@@ -15,27 +14,19 @@ void LoudBand::create(const DetectorTiming& timing, float ratio, float chunksPer
 }
 
 void LoudBand::reset() {
-    filter_.reset();
     records_.reset();
     detector_.reset();
     sum_.reset();
 }
 
 void LoudBand::release() {
-    filter_.reset();
     scaled_ = {};
     records_.release();
 }
 
-void LoudBand::put(const float* in, const float* given, int m) {
-    float* scaled = scaled_.data();
-    if (given != nullptr) {
-        for (int i = 0; i < m; ++i) scaled[i] = given[i] * kFullScale;
-    } else {
-        filter_->operate(in, scaled, m);
-        for (int i = 0; i < m; ++i) scaled[i] = std::abs(scaled[i]) * kFullScale;
-    }
-    detector_.put(records_, scaled, m);
+void LoudBand::put(const float* band, int m) {
+    loudest_ = scaleBand(band, scaled_.data(), m);
+    detector_.put(records_, scaled_.data(), m, loudest_);
 }
 
 }  // namespace beatatlas

@@ -2,10 +2,8 @@
 #pragma once
 
 #include <cstdint>
-#include <optional>
 #include <vector>
 
-#include "dsp/IirPassFilter.h"
 #include "view/DetectorTiming.h"
 #include "view/LevelDetector.h"
 #include "view/PeakRecords.h"
@@ -20,18 +18,17 @@ public:
      *  @param chunksPerSlot  chunks to two points of the strip, may be a fraction */
     void create(const DetectorTiming& timing, float ratio, float chunksPerSlot);
 
-    /** Back to the state after create(); the band's filter is dropped. */
+    /** Back to the state after create(). */
     void reset();
 
     void release();
 
-    /** A fresh filter for the band, still to be designed. */
-    IirPassFilter& makeFilter() { return filter_.emplace(); }
+    /** Takes one chunk of the rectified band, full scale ±1.0, m samples and at most a block, and follows its level
+     *  peaks. It may lie in ownSamples(). */
+    void put(const float* band, int m);
 
-    /** Takes one chunk, m samples and at most a block, and follows its level peaks.
-     *  @param in  full scale ±1.0
-     *  @param given  the same samples' rectified band, or null to filter and rectify them here */
-    void put(const float* in, const float* given, int m);
+    /** Room for one block, where the band may be made; put() overwrites it. */
+    float* ownSamples() { return scaled_.data(); }
 
     /** Enters the peaks of the chunk into the strip.
      *  @param chunk  chunks fed so far, this one included */
@@ -42,11 +39,12 @@ public:
     const LevelDetector& detector() const { return detector_; }
     const PeakSum& sum() const { return sum_; }
     const float* scaled() const { return scaled_.data(); }  ///< last chunk, rectified, 16-bit scale
+    float loudest() const { return loudest_; }              ///< of that chunk, 0 at the least
     PeakRecords& records() { return records_; }
 
 private:
-    std::optional<IirPassFilter> filter_;
     std::vector<float> scaled_;
+    float loudest_ = 0.0F;
     PeakRecords records_;
     LevelDetector detector_;
     PeakSum sum_;

@@ -12,6 +12,7 @@
 #include <cmath>
 #include <cstddef>
 
+#include "dsp/IirPassFilter.h"
 #include "view/Dot.h"
 #include "view/fullScale.h"
 
@@ -25,6 +26,10 @@ constexpr std::int32_t kUncolored = 5;
 /** Shares of the held level that make a peak candidate: in the high band hats fall off faster than bass notes. */
 constexpr float kRatio = 0.75F;
 constexpr float kHighRatio = 0.66F;
+
+// Of the filter bank; the mid band has twice the sections.
+constexpr int kLowCascade = 0;
+constexpr int kHighCascade = 1;
 
 const float* after(const float* samples, std::ptrdiff_t offset) {
     return samples == nullptr ? nullptr : samples + offset;
@@ -77,9 +82,13 @@ void LoudViewMaker::startOver() {
 void LoudViewMaker::designFilters() {
     constexpr float kButterworthQ = 0.70710677F;
     const float rate = static_cast<float>(rate_);
-    low_.makeFilter().createBandPathFilterQ(150.0F, rate, 0.9F);
-    mid_.makeFilter().createMidPathFilterB(283.0F, 6000.0F, rate, kButterworthQ);
-    high_.makeFilter().createHiPathFilter(6000.0F, rate, kButterworthQ);
+    IirPassFilter filter;
+    filter.createBandPathFilterQ(kLowBandHz, rate, kLowBandQ);
+    filters_.design(kLowCascade, filter);
+    filter.createHiPathFilter(6000.0F, rate, kButterworthQ);
+    filters_.design(kHighCascade, filter);
+    filter.createMidPathFilterB(283.0F, 6000.0F, rate, kButterworthQ);
+    filters_.design(FilterBank::kLongCascade, filter);
 }
 
 void LoudViewMaker::clearWaves() {
@@ -111,9 +120,10 @@ int LoudViewMaker::analyzePeak(const float* in, float* low, float* mid, float* h
 void LoudViewMaker::takeChunk(const float* in, const float* low, const float* mid,
                               const float* high, int m) {
     ++chunk_;
-    low_.put(in, low, m);
-    mid_.put(in, mid, m);
-    high_.put(in, high, m);
+    filterBands(in, low, mid, high, m);
+    low_.put(low, m);
+    mid_.put(mid, m);
+    high_.put(high, m);
     lowDots_.put(low_, m);
     midDots_.put(mid_, m);
     fillAverageStrip(in, m);
@@ -122,6 +132,21 @@ void LoudViewMaker::takeChunk(const float* in, const float* low, const float* mi
     lowDots_.sumPeaks(low_, chunk_);
     midDots_.sumPeaks(mid_, chunk_);
     finishDots(dotsReady());
+}
+
+/** Makes the bands that are null and points to them; the filters of the others do not hear the chunk. */
+void LoudViewMaker::filterBands(const float* in, const float*& low, const float*& mid,
+                                const float*& high, int m) {
+    if (low != nullptr && mid != nullptr && high != nullptr) return;
+    FilterBank::Outputs outputs{};
+    const auto make = [&outputs](std::size_t cascade, LoudBand& own, const float*& band) {
+        if (band != nullptr) return;
+        band = outputs[cascade] = own.ownSamples();
+    };
+    make(kLowCascade, low_, low);
+    make(kHighCascade, high_, high);
+    make(FilterBank::kLongCascade, mid_, mid);
+    filters_.operate(in, outputs, m);
 }
 
 void LoudViewMaker::fillAverageStrip(const float* in, int m) {

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <vector>
 
+#include "dsp/FilterBank.h"
 #include "view/AverageLevel.h"
 #include "view/AverageStrip.h"
 #include "view/DotsBand.h"
@@ -67,6 +68,8 @@ private:
     void designFilters();
     void clearWaves();
     void takeChunk(const float* in, const float* low, const float* mid, const float* high, int m);
+    void filterBands(const float* in, const float*& low, const float*& mid, const float*& high,
+                     int m);
     void fillAverageStrip(const float* in, int m);
     void finishLoudPoints(int ready);
     void finishDots(int ready);
@@ -77,6 +80,7 @@ private:
     int blockLen_ = 0;  // 0: not created
     std::int64_t chunk_ = 0;
     std::vector<float> scaled_;  // the input of one chunk, 16-bit scale
+    FilterBank filters_;         // of the bands that are not handed over
     LoudBand low_;
     LoudBand mid_;
     LoudBand high_;

@@ -29,8 +29,10 @@ protected:
 
     /** Whether a chunk passes without a trace but for the time it takes. Before the least interval only a sample above
      *  the held level has an effect, after it every candidate; past the hold time silence itself has one.
+     *  @param m           samples of the chunk
+     *  @param loudest     the loudest of them; NaN counts for nothing, as in every comparison of the detectors
      *  @param recordZero  what record 0 holds: the mark of no peak yet, or any level */
-    bool passesUnnoticed(const float* samples, int m, float recordZero) const;
+    bool passesUnnoticed(int m, float loudest, float recordZero) const;
 
     float candidateLevel(float held) const { return held > floor_ ? ratio_ * held : floor_; }
     float decayed(float held) const {

@@ -14,6 +14,7 @@
 #include "peakss/BeatSensorSignal.h"
 #include "peakss/PeakBuffer.h"
 #include "support/RoundTowardZero.h"
+#include "support/VectorForms.h"
 #include "view/LVMakeBase.h"
 
 namespace {
@@ -54,7 +55,7 @@ public:
     int analyzePeak(const float* in, float* low, float* mid, float* high, int n) override {
         lengths.push_back(n);
         input.insert(input.end(), in, in + n);
-        hadLow = hadLow || low != nullptr;
+        if (low != nullptr) lows.insert(lows.end(), low, low + n);
         if (mid != nullptr) mids.insert(mids.end(), mid, mid + n);
         if (high != nullptr) highs.insert(highs.end(), high, high + n);
         return 1;
@@ -62,9 +63,9 @@ public:
 
     std::vector<int> lengths;
     std::vector<float> input;
+    std::vector<float> lows;
     std::vector<float> mids;
     std::vector<float> highs;
-    bool hadLow = false;
 };
 
 class BeatSensorTest : public beatatlas::test::RoundTowardZero {
@@ -163,6 +164,16 @@ TEST_F(BeatSensorTest, AgreesWithThePlainSensorBitForBit) {
         EXPECT_EQ(put(signal), plainChosen);
         EXPECT_EQ(recorder_.beats, plainRecorder.beats);
         EXPECT_GT(recorder_.beats.size(), 50U);
+    }
+}
+
+TEST_F(BeatSensorTest, EveryVectorFormGivesTheSameBeats) {
+    const std::vector<float> signal = drumLoop(kRate, 10, 126.0);
+    const std::vector<Beat> expected = beatsInBlocks(signal, kRate, kBlock);
+    ASSERT_FALSE(expected.empty());
+    for (const beatatlas::VectorForm form : beatatlas::test::formsOfThisMachine()) {
+        const beatatlas::test::FormScope scope(form);
+        EXPECT_EQ(beatsInBlocks(signal, kRate, kBlock), expected) << beatatlas::test::nameOf(form);
     }
 }
 
@@ -392,25 +403,30 @@ protected:
     RecordingView view_;
 };
 
-// The view's bands are the rectified outputs of the third and fourth filter, as one long block.
-TEST_F(ForwardingTest, ViewReceivesInputAndTheRectifiedMidAndHighBands) {
+// The view's mid and high bands are the rectified outputs of the third and fourth filter, as one long block; its low
+// band is that of a filter of its own.
+TEST_F(ForwardingTest, ViewReceivesInputAndItsRectifiedBands) {
     const std::vector<float> signal = drumLoop(kRate, 1, 120.0);
     sensor_.create(kRate, 0, kNoEnd, 8, 6);
     put(signal, &view_);
+    beatatlas::IirPassFilter low;
     beatatlas::IirPassFilter mid;
     beatatlas::IirPassFilter high;
+    low.createBandPathFilterQ(150.0F, 48000.0F, 0.9F);
     mid.createMidPathFilterB(283.0F, 6000.0F, 48000.0F, 0.70710677F);
     high.createHiPathFilter(6000.0F, 48000.0F, 0.70710677F);
+    std::vector<float> lows(signal.size());
     std::vector<float> mids(signal.size());
     std::vector<float> highs(signal.size());
+    low.operate(signal.data(), lows.data(), kRate);
     mid.operate(signal.data(), mids.data(), kRate);
     high.operate(signal.data(), highs.data(), kRate);
-    for (float& x : mids) x = std::fabs(x);
-    for (float& x : highs) x = std::fabs(x);
+    for (std::vector<float>* band : {&lows, &mids, &highs})
+        for (float& x : *band) x = std::fabs(x);
     EXPECT_EQ(view_.input, signal);
+    EXPECT_EQ(view_.lows, lows);
     EXPECT_EQ(view_.mids, mids);
     EXPECT_EQ(view_.highs, highs);
-    EXPECT_FALSE(view_.hadLow);
 }
 
 TEST_F(ForwardingTest, ThreeBandsSendTheSecondAndThird) {
@@ -422,11 +438,30 @@ TEST_F(ForwardingTest, ThreeBandsSendTheSecondAndThird) {
     put(signal, &viewOfThree);
     EXPECT_EQ(viewOfThree.mids, view_.mids);
     EXPECT_EQ(viewOfThree.highs, view_.highs);
+    EXPECT_TRUE(viewOfThree.lows.empty());
     RecordingView viewOfFour;
     sensor_.create(kRate, 0, kNoEnd, 8, 4);
     put(signal, &viewOfFour);
+    EXPECT_EQ(viewOfFour.lows, view_.lows);
     EXPECT_EQ(viewOfFour.mids, view_.mids);
     EXPECT_EQ(viewOfFour.highs, view_.highs);
+}
+
+// The view's own filter would not hear what passes while no view is attached; the beat sensor's filters do.
+TEST_F(ForwardingTest, LowBandIsThatOfTheSamplesSentToAView) {
+    const std::vector<float> signal = drumLoop(kRate, 1, 120.0);
+    sensor_.create(kRate, 0, kNoEnd, 8, 6);
+    put(signal, &view_);
+    const std::vector<float> others(5000, 0.3F);
+    put(others);
+    put(signal, &view_);
+    beatatlas::IirPassFilter low;
+    low.createBandPathFilterQ(150.0F, 48000.0F, 0.9F);
+    std::vector<float> lows(signal);
+    lows.insert(lows.end(), signal.begin(), signal.end());
+    low.operate(lows.data(), lows.data(), 2 * kRate);
+    for (float& x : lows) x = std::fabs(x);
+    EXPECT_EQ(view_.lows, lows);
 }
 
 TEST_F(ForwardingTest, TooFewBandsSendTheInputAlone) {

@@ -1,15 +1,21 @@
 // SPDX-License-Identifier: MIT
 #include "peakss/PeakSensor.h"
 
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
 #include <limits>
+#include <vector>
 
 #include <gtest/gtest.h>
 
+#include "dsp/TestNoise.h"
 #include "peakss/PeakBuffer.h"
 #include "support/RoundTowardZero.h"
 
 namespace {
 
+using beatatlas::test::whiteNoise;
 using peakss::PeakBuffer;
 using peakss::PeakSensor;
 
@@ -278,6 +284,131 @@ TEST_F(PeakSensorTest, DifferenceOfNoNumberIsZero) {
     EXPECT_EQ(sensor_.getDiff(1.0F), 0.0F);
     sensor_.reset(0);
     EXPECT_EQ(sensor_.getDiff(48.0F), 47.0F);
+}
+
+// Blocks as short as the ring and shorter, longer and much longer; the oracle is getDiff().
+TEST_F(PeakSensorTest, DifferencesByTheBlockAreThoseSampleBySample) {
+    for (const float ms : {0.2F, 1.0F}) {
+        PeakSensor plain;
+        for (PeakSensor* sensor : {&plain, &sensor_}) {
+            sensor->setSamplingRate(48000);
+            sensor->setDiffAnalyze(ms, 0);
+        }
+        std::vector<float> in = whiteNoise(6000, 11);
+        for (float& x : in) x = std::fabs(x);
+        in[3000] = std::numeric_limits<float>::infinity();
+        std::size_t at = 0;
+        for (const std::size_t count :
+             {1U, 9U, 10U, 11U, 47U, 48U, 49U, 2U, 640U, 100U, 3U, 5080U}) {
+            std::vector<float> out(count);
+            sensor_.getDiffs(in.data() + at, out.data(), static_cast<int>(count));
+            for (std::size_t i = 0; i < count; ++i)
+                ASSERT_EQ(out[i], plain.getDiff(in[at + i])) << "sample " << at + i;
+            at += count;
+        }
+        ASSERT_EQ(at, in.size());
+    }
+}
+
+TEST_F(PeakSensorTest, DifferencesOfTwoSensorsAtOnceAreThoseOfEach) {
+    PeakSensor other;
+    PeakSensor plain;
+    PeakSensor plainOther;
+    for (PeakSensor* sensor : {&sensor_, &plain}) sensor->setDiffAnalyze(1.0F, 0);
+    for (PeakSensor* sensor : {&other, &plainOther}) {
+        sensor->setSamplingRate(48000);
+        sensor->setDiffAnalyze(0.2F, 3);
+    }
+    plain.setSamplingRate(48000);
+    plain.setDiffAnalyze(1.0F, 0);
+    const std::vector<float> in = whiteNoise(700, 11);
+    const std::vector<float> otherIn = whiteNoise(700, 12);
+    std::vector<float> out(700);
+    std::vector<float> otherOut(700);
+    int at = 0;
+    for (const int count : {1, 2, 3, 5, 640, 49}) {
+        PeakSensor::getDiffs({{{&sensor_, in.data() + at, out.data() + at},
+                               {&other, otherIn.data() + at, otherOut.data() + at}}},
+                             count);
+        at += count;
+    }
+    ASSERT_EQ(at, 700);
+    for (std::size_t i = 0; i < 700; ++i) {
+        ASSERT_EQ(out[i], plain.getDiff(in[i])) << i;
+        ASSERT_EQ(otherOut[i], plainOther.getDiff(otherIn[i])) << i;
+    }
+}
+
+/** Takes levels as a host of putQuietLevels() has to: the confirming ones by putLevel(). */
+void putInRuns(PeakSensor& sensor, PeakBuffer& buffer, const std::vector<float>& levels, int run) {
+    const int count = static_cast<int>(levels.size());
+    for (int from = 0; from < count; from += run) {
+        const int to = std::min(from + run, count);
+        for (int i = from; i < to;) {
+            i = sensor.putQuietLevels(levels.data(), i, to);
+            if (i < to) sensor.putLevel(levels[static_cast<std::size_t>(i++)], buffer);
+        }
+    }
+}
+
+void expectSameState(const PeakSensor& plain, const PeakSensor& fast) {
+    EXPECT_EQ(fast.pos(), plain.pos());
+    EXPECT_EQ(fast.line(), plain.line());
+    EXPECT_EQ(fast.peakPos(), plain.peakPos());
+    EXPECT_EQ(fast.peakLevel(), plain.peakLevel());
+    EXPECT_EQ(fast.isTracking(), plain.isTracking());
+}
+
+// Hits that die away, a break in which the line falls to the floor, and a wrap of the positions; the oracle is
+// putLevel() alone.
+TEST_F(PeakSensorTest, QuietRunsChangeNothing) {
+    std::vector<float> levels = whiteNoise(200000, 17);
+    float swell = 0.0F;
+    for (std::size_t i = 0; i < levels.size(); ++i) {
+        if (i % 3701 == 0 && i % 90000 < 30000) swell = 1.0F + levels[i];
+        swell *= 0.998F;
+        levels[i] = swell * (1.0F + 0.2F * levels[i]);
+    }
+    levels[77] = std::numeric_limits<float>::quiet_NaN();
+    levels[150001] = 1e38F;
+    for (const int start : {0, kMaxPos - 50000}) {
+        for (const int run : {1, 2, 79, 80, 73, 200000}) {
+            PeakSensor plain;
+            PeakBuffer plainBuffer;
+            plainBuffer.create(0);
+            buffer_.create(0);
+            for (PeakSensor* sensor : {&plain, &sensor_}) {
+                sensor->setSamplingRate(48000);
+                sensor->setStep(kStep);
+                sensor->reset(start);
+            }
+            for (const float level : levels) plain.putLevel(level, plainBuffer);
+            putInRuns(sensor_, buffer_, levels, run);
+            expectSameState(plain, sensor_);
+            ASSERT_EQ(confirmed(), plainBuffer.ring().count());
+            ASSERT_GT(confirmed(), 10);
+            for (int k = 0; k < confirmed(); ++k) {
+                EXPECT_EQ(buffer_.ring().back(k).pos, plainBuffer.ring().back(k).pos);
+                EXPECT_EQ(buffer_.ring().back(k).level, plainBuffer.ring().back(k).level);
+            }
+        }
+    }
+}
+
+// A rate so low that a peak needs no time: every tracked level confirms one.
+TEST_F(PeakSensorTest, QuietRunsStopWhereAPeakNeedsNoTime) {
+    sensor_.setSamplingRate(3);
+    PeakSensor plain;
+    plain.setSamplingRate(3);
+    plain.setStep(kStep);
+    PeakBuffer plainBuffer;
+    plainBuffer.create(0);
+    const std::vector<float> levels = {0.1F, 0.2F, 0.3F, 0.0F, 0.5F, 0.5F, 0.9F, 0.1F};
+    for (const float level : levels) plain.putLevel(level, plainBuffer);
+    putInRuns(sensor_, buffer_, levels, 8);
+    expectSameState(plain, sensor_);
+    EXPECT_EQ(confirmed(), plainBuffer.ring().count());
+    EXPECT_GT(confirmed(), 2);
 }
 
 }  // namespace

@@ -123,12 +123,12 @@ float heldAfterAChunkPastTheHold(int samples) {
     detector.create(DetectorTiming(48000, kLong), 0.75F);
     std::vector<float> chunk(640, 0.0F);
     chunk[3] = 20000.0F;
-    detector.put(records, chunk.data(), 640);
+    test::putChunk(detector, records, chunk.data(), 640);
     chunk[3] = 0.0F;
     // Count 636 after the first chunk and 82556 after 128 more; the hold ends at 82271.
-    for (int i = 0; i < 128; ++i) detector.put(records, chunk.data(), 640);
+    for (int i = 0; i < 128; ++i) test::putChunk(detector, records, chunk.data(), 640);
     EXPECT_EQ(records[1].level900, 20000.0F);
-    detector.put(records, chunk.data(), samples);
+    test::putChunk(detector, records, chunk.data(), samples);
     return records[1].level900;
 }
 

@@ -15,6 +15,15 @@ namespace beatatlas::test {
 inline constexpr int kSmallRate = 750;
 inline constexpr int kSmallBlock = 10;
 
+/** One chunk for a detector, its loudest sample looked up. */
+template <typename Detector>
+void putChunk(Detector& detector, PeakRecords& records, const float* samples, int m) {
+    float loudest = 0.0F;
+    for (int i = 0; i < m; ++i)
+        if (samples[i] > loudest) loudest = samples[i];
+    detector.put(records, samples, m, loudest);
+}
+
 /** A detector with its records, fed chunk by chunk. */
 template <typename Detector>
 class DetectorFeed {
@@ -26,7 +35,7 @@ public:
 
     /** One chunk as it is. */
     void chunk(const std::vector<float>& samples) {
-        detector.put(records, samples.data(), static_cast<int>(samples.size()));
+        putChunk(detector, records, samples.data(), static_cast<int>(samples.size()));
     }
 
     /** Chunks of the given length, the last one as short as it comes. */

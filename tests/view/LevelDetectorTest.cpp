@@ -158,14 +158,14 @@ TEST_F(LevelDetectorTest, DecaysAtMostOncePerChunkAt44100) {
     detector.create(DetectorTiming(44100, kLong), 0.75F);
     std::vector<float> chunk(588, 0.0F);
     chunk[0] = 1000.0F;
-    detector.put(records, chunk.data(), 588);
+    test::putChunk(detector, records, chunk.data(), 588);
     chunk[0] = 0.0F;
     // Count 587 after the first chunk; past the hold (75587) in the 129th further one, 128 × 588 = 75264.
-    for (int i = 0; i < 128; ++i) detector.put(records, chunk.data(), 588);
+    for (int i = 0; i < 128; ++i) test::putChunk(detector, records, chunk.data(), 588);
     EXPECT_EQ(records[1].level, 1000.0F);
     float expected = 1000.0F;
     for (int i = 0; i < 50; ++i) {
-        detector.put(records, chunk.data(), 588);
+        test::putChunk(detector, records, chunk.data(), 588);
         expected *= 0.9938303F;
         ASSERT_EQ(records[1].level, expected);
     }

@@ -2,6 +2,7 @@
 #include "view/LoudViewMaker.h"
 
 #include <algorithm>
+#include <array>
 #include <climits>
 #include <cmath>
 #include <limits>
@@ -12,6 +13,7 @@
 #include "dsp/AllocationCounter.h"
 #include "dsp/TestNoise.h"
 #include "support/RoundTowardZero.h"
+#include "support/VectorForms.h"
 #include "view/PlainLoudView.h"
 
 namespace beatatlas {
@@ -150,6 +152,30 @@ TEST_F(LoudViewMakerTest, AgreesWithAPlainViewThroughALongDecay) {
     test::PlainLoudView plain(kRate, static_cast<std::int64_t>(track.size()));
     plain.feed(track);
     expectPlainView(maker, plain);
+}
+
+// Handed over or filtered here, in any mixture: the band is the same.
+TEST_F(LoudViewMakerTest, FiltersWhicheverBandsAreMissing) {
+    const Samples in = test::whiteNoise(4 * kRate + 100, 77);
+    LoudViewMaker plain;
+    makeViewOf(plain, in, kRate, kBlock);
+    std::array<Samples, 3> bands;
+    for (int band = 0; band < 3; ++band)
+        bands[static_cast<std::size_t>(band)] = test::plainBand(band, kRate, in);
+    for (unsigned given = 0; given < 8; ++given) {
+        std::array<float*, 3> handed{};
+        for (std::size_t band = 0; band < 3; ++band)
+            if (given & (1U << band)) handed[band] = bands[band].data();
+        for (const VectorForm form : test::formsOfThisMachine()) {
+            const test::FormScope scope(form);
+            LoudViewMaker maker;
+            ASSERT_EQ(maker.create(kRate, static_cast<int>(in.size())), 1);
+            maker.analyzePeak(in.data(), handed[0], handed[1], handed[2],
+                              static_cast<int>(in.size()));
+            maker.analyzeLoudColor(0, maker.loudNum());
+            EXPECT_THAT(loudWave(maker), ElementsAreArray(loudWave(plain))) << given;
+        }
+    }
 }
 
 TEST_F(LoudViewMakerTest, UsesTheCallersBandsAsGiven) {

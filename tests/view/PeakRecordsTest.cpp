@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include "view/DetectorFeed.h"
 #include "view/LevelDetector.h"
 
 namespace beatatlas {
@@ -48,7 +49,7 @@ TEST(PeakRecords, HoldsThePeaksOfAVeryLongTrack) {
     LevelDetector detector;
     detector.create(DetectorTiming(750, 2000000000), 0.75F);
     const std::vector<float> chunk(10, 1000.0F);
-    for (int i = 0; i < 24 * 40000; ++i) detector.put(records, chunk.data(), 10);
+    for (int i = 0; i < 24 * 40000; ++i) test::putChunk(detector, records, chunk.data(), 10);
     EXPECT_EQ(detector.recordCount(), 40000);
     EXPECT_EQ(records[39998].level, 1000.0F);
     EXPECT_EQ(records[39998].interval, 240);

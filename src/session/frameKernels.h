@@ -1,0 +1,25 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <cstdint>
+
+namespace beatatlas {
+
+/** Sum and maximum of sample magnitudes, 16-bit scale. */
+struct LevelTotals {
+    std::int64_t sum = 0;  ///< of both channels
+    std::int32_t max = 0;  ///< of one channel
+};
+
+/** Magnitude of a sample cut to 16 bits; in int, so that −32768 has its true one. */
+std::int32_t magnitude(float sample);
+
+/** The magnitudes of n frames, each sample by magnitude(); in vector lanes, where whole numbers sum up the same. */
+LevelTotals levelTotals(const float* left, const float* right, int n);
+
+/** The two forms in which the analysers take n frames of full scale ±32768.
+ *  @param mono    receives the mean of both channels, full scale ±1.0
+ *  @param stereo  receives both channels in turn, each by truncToInt16() */
+void convertFrames(const float* left, const float* right, int n, float* mono, std::int16_t* stereo);
+
+}  // namespace beatatlas

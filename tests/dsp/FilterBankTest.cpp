@@ -1,0 +1,216 @@
+// SPDX-License-Identifier: MIT
+// Oracle: IirPassFilter, one per cascade, fed sample by sample and rectified.
+#include "dsp/FilterBank.h"
+
+#include <algorithm>
+#include <array>
+#include <bit>
+#include <cmath>
+#include <cstdint>
+#include <limits>
+#include <memory>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "dsp/IirPassFilter.h"
+#include "dsp/TestNoise.h"
+#include "support/RoundTowardZero.h"
+#include "support/VectorForms.h"
+
+namespace {
+
+using namespace beatatlas;
+using beatatlas::test::FormScope;
+using beatatlas::test::formsOfThisMachine;
+using beatatlas::test::nameOf;
+using beatatlas::test::whiteNoise;
+
+constexpr int kCascades = FilterBank::kCascades;
+using Signals = std::array<std::vector<float>, kCascades>;
+
+/** A different filter in each cascade, so that no two lanes can be taken for each other. */
+void design(int cascade, IirPassFilter& filter) {
+    constexpr float kRate = 44100.0F;
+    constexpr float kQ = 0.70710677F;
+    switch (cascade) {
+    case 0:
+        filter.createLowPathFilter(283.0F, kRate, kQ);
+        break;
+    case 1:
+        filter.createBandPathFilterW(150.0F, kRate, 1.5F);
+        break;
+    case 2:
+        filter.createHiPathFilter(6000.0F, kRate, kQ);
+        break;
+    case 3:
+        filter.createBandPathFilterQ(150.0F, kRate, 0.9F);
+        break;
+    default:
+        filter.createMidPathFilterB(283.0F, 6000.0F, kRate, kQ);
+        break;
+    }
+}
+
+void designAll(FilterBank& bank) {
+    for (int c = 0; c < kCascades; ++c) {
+        IirPassFilter plain;
+        design(c, plain);
+        bank.design(c, plain);
+    }
+}
+
+Signals plainOutputs(const std::vector<float>& in) {
+    Signals outputs;
+    for (int c = 0; c < kCascades; ++c) {
+        IirPassFilter filter;
+        design(c, filter);
+        std::vector<float>& out = outputs[static_cast<std::size_t>(c)];
+        out.resize(in.size());
+        for (std::size_t i = 0; i < in.size(); ++i) {
+            filter.operate(&in[i], &out[i], 1);
+            out[i] = std::fabs(out[i]);
+        }
+    }
+    return outputs;
+}
+
+/** Feeds the signal in blocks whose lengths follow `blocks` in turn. */
+Signals bankOutputs(const std::vector<float>& in, const std::vector<std::size_t>& blocks) {
+    FilterBank bank;
+    designAll(bank);
+    Signals outputs;
+    for (std::vector<float>& out : outputs) out.resize(in.size());
+    std::size_t turn = 0;
+    for (std::size_t at = 0; at < in.size();) {
+        const std::size_t count = std::min(blocks[turn++ % blocks.size()], in.size() - at);
+        FilterBank::Outputs sinks{};
+        for (std::size_t c = 0; c < kCascades; ++c) sinks[c] = outputs[c].data() + at;
+        bank.operate(in.data() + at, sinks, static_cast<int>(count));
+        at += count;
+    }
+    return outputs;
+}
+
+bool sameNumber(float a, float b) {
+    return (std::isnan(a) && std::isnan(b)) ||
+           std::bit_cast<std::uint32_t>(a) == std::bit_cast<std::uint32_t>(b);
+}
+
+void expectSame(const Signals& expected, const Signals& got) {
+    for (std::size_t c = 0; c < kCascades; ++c)
+        for (std::size_t i = 0; i < expected[c].size(); ++i)
+            ASSERT_TRUE(sameNumber(expected[c][i], got[c][i]))
+                << "cascade " << c << ", sample " << i << ": " << expected[c][i] << ", "
+                << got[c][i];
+}
+
+class FilterBankTest : public beatatlas::test::RoundTowardZero {};
+
+TEST_F(FilterBankTest, GivesTheBitsOfThePlainFiltersInEveryForm) {
+    const std::vector<float> in = whiteNoise(5000, 7);
+    const Signals expected = plainOutputs(in);
+    for (const VectorForm form : formsOfThisMachine()) {
+        SCOPED_TRACE(nameOf(form));
+        const FormScope scope(form);
+        for (const std::size_t block :
+             {1U, 2U, 3U, 4U, 5U, 6U, 7U, 8U, 587U, 588U, 589U, 640U, 5000U})
+            expectSame(expected, bankOutputs(in, {block}));
+        expectSame(expected, bankOutputs(in, {1, 640, 2, 3, 100, 4, 5}));
+    }
+}
+
+TEST_F(FilterBankTest, DecaysIntoSilenceAsThePlainFilters) {
+    std::vector<float> in(20000, 0.0F);
+    const std::vector<float> burst = whiteNoise(50, 3);
+    std::copy(burst.begin(), burst.end(), in.begin() + 11);
+    const Signals expected = plainOutputs(in);
+    for (const VectorForm form : formsOfThisMachine()) {
+        SCOPED_TRACE(nameOf(form));
+        const FormScope scope(form);
+        expectSame(expected, bankOutputs(in, {640}));
+    }
+}
+
+TEST_F(FilterBankTest, AbsurdSamplesDoAsInThePlainFilters) {
+    for (const float absurd : {1e38F, -1e38F, std::numeric_limits<float>::infinity(),
+                               std::numeric_limits<float>::quiet_NaN()}) {
+        std::vector<float> in = whiteNoise(400, 9);
+        in[201] = absurd;
+        const Signals expected = plainOutputs(in);
+        for (const VectorForm form : formsOfThisMachine()) {
+            SCOPED_TRACE(nameOf(form));
+            const FormScope scope(form);
+            expectSame(expected, bankOutputs(in, {64}));
+        }
+    }
+}
+
+// A cascade without an output goes on, afterwards, as if the block had never been.
+TEST_F(FilterBankTest, CascadeWithoutOutputDoesNotHearTheBlock) {
+    const std::vector<float> in = whiteNoise(900, 21);
+    for (const VectorForm form : formsOfThisMachine()) {
+        const FormScope scope(form);
+        for (std::size_t deaf = 0; deaf < kCascades; ++deaf) {
+            FilterBank bank;
+            FilterBank skipped;
+            designAll(bank);
+            designAll(skipped);
+            Signals whole;
+            Signals partly;
+            for (int third = 0; third < 3; ++third) {
+                FilterBank::Outputs all{};
+                FilterBank::Outputs some{};
+                for (std::size_t c = 0; c < kCascades; ++c) {
+                    whole[c].assign(300, -1.0F);
+                    partly[c].assign(300, -1.0F);
+                    all[c] = whole[c].data();
+                    some[c] = third == 1 && c == deaf ? nullptr : partly[c].data();
+                }
+                // The other bank's deaf cascade is to be compared over what it hears: thirds 0 and 2.
+                bank.operate(in.data() + 300 * third, some, 300);
+                if (third != 1) skipped.operate(in.data() + 300 * third, all, 300);
+                if (third == 1) {
+                    EXPECT_EQ(partly[deaf], std::vector<float>(300, -1.0F));
+                } else {
+                    EXPECT_EQ(partly[deaf], whole[deaf]) << nameOf(form) << ", " << deaf;
+                }
+            }
+        }
+    }
+}
+
+TEST_F(FilterBankTest, DesignStartsACascadeFromSilence) {
+    const std::vector<float> in = whiteNoise(300, 5);
+    FilterBank bank;
+    designAll(bank);
+    Signals out;
+    FilterBank::Outputs sinks{};
+    for (std::size_t c = 0; c < kCascades; ++c) {
+        out[c].resize(in.size());
+        sinks[c] = out[c].data();
+    }
+    bank.operate(in.data(), sinks, 300);
+    designAll(bank);
+    bank.operate(in.data(), sinks, 300);
+    expectSame(plainOutputs(in), out);
+}
+
+TEST_F(FilterBankTest, BlockWithoutSamplesChangesNothing) {
+    FilterBank bank;
+    designAll(bank);
+    float untouched = -3.0F;
+    bank.operate(&untouched, {&untouched, &untouched, &untouched, &untouched, &untouched}, 0);
+    bank.operate(&untouched, {&untouched, &untouched, &untouched, &untouched, &untouched}, -5);
+    EXPECT_EQ(untouched, -3.0F);
+}
+
+TEST_F(FilterBankTest, LimitedFormIsTheOneThatRuns) {
+    for (const VectorForm form : formsOfThisMachine()) {
+        const FormScope scope(form);
+        EXPECT_EQ(vectorForm(), form);
+    }
+    EXPECT_EQ(vectorForm(), widestVectorForm());
+}
+
+}  // namespace
