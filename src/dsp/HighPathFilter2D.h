@@ -26,6 +26,7 @@ public:
     void operate(const double* in, double* out, int len) { section_.operate(in, out, len); }
 
     const SecondOrderSection& section() const { return section_; }
+    SecondOrderSection& section() { return section_; }
 
 private:
     SecondOrderSection section_;

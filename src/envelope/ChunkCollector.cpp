@@ -3,6 +3,8 @@
 
 #include <algorithm>
 
+#include "dsp/sampleBlocks.h"
+
 namespace beatatlas {
 
 std::size_t ChunkCollector::valueCount(int lengthFrames) {
@@ -22,8 +24,7 @@ void ChunkCollector::rewind() {
 
 int ChunkCollector::take(const std::int16_t* samples, int frames) {
     const int count = std::min(frames, kChunkFrames - fill_);
-    double* mono = chunkBuffer_.data() + fill_;
-    for (int j = 0; j < count; ++j) mono[j] = monoOfFrame(samples + 2 * j);
+    monoOfBlock(samples, chunkBuffer_.data() + fill_, count);
     consumed_ += count;
     fill_ += count;
     return count;

@@ -73,16 +73,19 @@ void UnitBeatAdjust::appendLevels(const std::int16_t* samples, std::int64_t fram
     constexpr std::int64_t kBatchFrames = 256;
     std::array<double, kBatchFrames / kDecimation> mono{};
     std::array<double, kBatchFrames / kDecimation> filtered{};
+    std::array<std::int16_t, kBatchFrames / kDecimation> levels{};
     for (std::int64_t start = 0; start < frames; start += kBatchFrames) {
         const std::int64_t end = std::min(frames, start + kBatchFrames);
         std::size_t count = 0;
         for (std::int64_t i = start; i < end; i += kDecimation) {
             mono[count++] = monoOfFrame(samples + 2 * i);
         }
-        highPass_->operate(mono.data(), filtered.data(), static_cast<int>(count));
-        for (std::size_t i = 0; i < count; ++i) filtered[i] = std::fabs(filtered[i]);
-        lowPass_->operate(filtered.data(), mono.data(), static_cast<int>(count));
-        for (std::size_t i = 0; i < count; ++i) level_.push_back(storedLevel(mono[i]));
+        operateInTurn(
+            highPass_->section(), [](double x) { return std::fabs(x); }, lowPass_->section(),
+            mono.data(), filtered.data(), static_cast<int>(count));
+        for (std::size_t i = 0; i < count; ++i) levels[i] = storedLevel(filtered[i]);
+        level_.insert(level_.end(), levels.begin(),
+                      levels.begin() + static_cast<std::ptrdiff_t>(count));
         taken_ += static_cast<int>(count);
     }
 }

@@ -91,10 +91,11 @@ void UnitEnvelopeMaker::putSample(const std::int16_t* samples, int frames) {
 }
 
 void UnitEnvelopeMaker::closeChunk(const double* mono, int frames, std::size_t index) {
-    audioLowPassA_->operate(mono, filteredBuffer_.data(), frames);
-    audioLowPassB_->operate(filteredBuffer_.data(), smoothedBuffer_.data(), frames);
+    const auto untouched = [](double x) { return x; };
+    operateInTurn(audioLowPassA_->section(), untouched, audioLowPassB_->section(), mono,
+                  filteredBuffer_.data(), frames);
     // One value stands for the chunk: the filtered first frame. The others only carry the state on.
-    const double level = filterValue(*envelopeLowPass_, std::fabs(smoothedBuffer_[0]));
+    const double level = filterValue(*envelopeLowPass_, std::fabs(filteredBuffer_[0]));
     envelope_[index] = truncToInt16(filterValue(*envelopeHighPass_, level));
 }
 

@@ -67,7 +67,6 @@ private:
     int sampleRate_ = 0;
     ChunkCollector chunks_;
     ChunkBuffer filteredBuffer_{};
-    ChunkBuffer smoothedBuffer_{};
     std::unique_ptr<LowPathFilter2D> audioLowPassA_;
     std::unique_ptr<LowPathFilter2D> audioLowPassB_;
     std::unique_ptr<LowPathFilter2D> envelopeLowPass_;

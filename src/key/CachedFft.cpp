@@ -18,12 +18,24 @@ int CachedFft::fft(int n, double* re, double* im) {
         std::fputs("記憶領域不足\n", stderr);
         return 1;
     }
-    fft::transform(size, n < 0, sineTable_.get(), bitReversal_.get(), re, im);
-    for (std::int64_t i = 0; i < n; ++i) {
-        re[i] /= static_cast<double>(n);
-        im[i] /= static_cast<double>(n);
-    }
+    transform(n < 0, re, im);
+    if (n > 0) divideByLength(re, im);
     return 0;
+}
+
+void CachedFft::transform(bool inverse, double* re, double* im) const {
+    if (fft::LaneTransform::takes(size_))
+        lanes_.run(inverse, re, im);
+    else
+        fft::transform(size_, inverse, sineTable_.get(), bitReversal_.get(), re, im);
+}
+
+void CachedFft::divideByLength(double* re, double* im) const {
+    if (fft::LaneTransform::takes(size_)) return lanes_.divideByLength(re, im);
+    for (std::int64_t i = 0; i < size_; ++i) {
+        re[i] /= static_cast<double>(size_);
+        im[i] /= static_cast<double>(size_);
+    }
 }
 
 bool CachedFft::makeTables(std::int64_t size) {
@@ -36,6 +48,11 @@ bool CachedFft::makeTables(std::int64_t size) {
     }
     fft::fillSineTable(size, sineTable_.get());
     fft::fillBitReversal(size, bitReversal_.get());
+    if (fft::LaneTransform::takes(size) &&
+        !lanes_.create(size, sineTable_.get(), bitReversal_.get())) {
+        release();
+        return false;
+    }
     size_ = size;
     return true;
 }
@@ -44,6 +61,7 @@ void CachedFft::release() {
     size_ = 0;
     sineTable_.reset();
     bitReversal_.reset();
+    lanes_.release();
 }
 
 }  // namespace beatatlas

@@ -4,6 +4,7 @@
 #include <cstdint>
 
 #include "dsp/CArray.h"
+#include "dsp/fftLanes.h"
 
 namespace beatatlas {
 
@@ -23,10 +24,13 @@ public:
 
 private:
     bool makeTables(std::int64_t size);
+    void transform(bool inverse, double* re, double* im) const;
+    void divideByLength(double* re, double* im) const;
 
     std::int64_t size_ = 0;  // of the cached tables; 0: none
     CArray<double> sineTable_;
     CArray<int> bitReversal_;
+    fft::LaneTransform lanes_;  // for the lengths that it takes
 };
 
 }  // namespace beatatlas

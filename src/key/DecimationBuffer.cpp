@@ -4,35 +4,35 @@
 #include <algorithm>
 #include <cstddef>
 
+#include "dsp/sampleBlocks.h"
 #include "dsp/truncation.h"
 #include "key/frameTiming.h"
 
 namespace beatatlas {
 
 void DecimationBuffer::create(int rate) {
-    entries_ = std::make_unique<std::int16_t[]>(index(kEntries));
-    hopEntries_ = 2 * truncToInt32(static_cast<double>(rate) * kSecondsPerFrame);
+    samples_ = std::make_unique<std::int16_t[]>(index(kSamples));
+    hopSamples_ = truncToInt32(static_cast<double>(rate) * kSecondsPerFrame);
     reset();
 }
 
 void DecimationBuffer::reset() {
-    if (entries_ != nullptr) std::fill_n(entries_.get(), kEntries, std::int16_t{0});
+    if (samples_ != nullptr) std::fill_n(samples_.get(), kSamples, std::int16_t{0});
     position_ = 0;
 }
 
-bool DecimationBuffer::put(std::int16_t sample) {
-    if (position_ >= 0) {
-        entries_[index(position_)] = sample;
-        entries_[index(position_ + 1)] = sample;
-    }
-    position_ += 2;
-    return position_ >= kEntries;
+void DecimationBuffer::put(const double* filtered, int n) {
+    const int passedOver = std::min(n, std::max(-position_, 0));
+    if (n > passedOver)
+        truncateBlock(filtered + passedOver, samples_.get() + (position_ + passedOver),
+                      n - passedOver);
+    position_ += n;
 }
 
 void DecimationBuffer::hop() {
-    position_ -= hopEntries_;
+    position_ -= hopSamples_;
     if (position_ > 0)
-        std::copy(entries_.get() + hopEntries_, entries_.get() + kEntries, entries_.get());
+        std::copy(samples_.get() + hopSamples_, samples_.get() + kSamples, samples_.get());
 }
 
 }  // namespace beatatlas

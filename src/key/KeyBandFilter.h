@@ -18,7 +18,12 @@ public:
     /** Back to silence. */
     void reset();
 
+    /** The plain form: one sample through one section after the other. */
     double filter(double x);
+
+    /** As filter(x) for n samples in a row, with all sections at work at once. in and out may be the same array;
+     *  n ≤ 0 does nothing. */
+    void filter(const double* in, double* out, int n);
 
 private:
     struct Section {
@@ -27,10 +32,6 @@ private:
         double a1 = 0.0;
         double a2 = 0.0;
     };
-    struct State {
-        double s1 = 0.0;
-        double s2 = 0.0;
-    };
     struct Design {
         Section lowPass;
         Section highPass;
@@ -38,27 +39,23 @@ private:
     static const Design k44100;
     static const Design k48000;
 
-    static constexpr std::size_t kLowPasses = 8;
-    static constexpr std::size_t kHighPasses = 2;
+    static constexpr int kLowPasses = 8;
+    static constexpr int kHighPasses = 2;
+    static constexpr int kStages = kLowPasses + kHighPasses;
 
-    static double run(const Section& section, State& state, double x);
+    /** One value per section, in the order that the signal passes them. */
+    using PerStage = std::array<double, kStages>;
+
+    /** All sections side by side in lanes. */
+    template <std::size_t kWidth>
+    struct Wavefront;
+
+    double runStage(int stage, double x);
+    void stepStages(int first, int last, double x, PerStage& reached);
 
     Design design_;
-    std::array<State, kLowPasses> lowPasses_;
-    std::array<State, kHighPasses> highPasses_;
+    PerStage s1_{};
+    PerStage s2_{};
 };
-
-inline double KeyBandFilter::run(const Section& section, State& state, double x) {
-    const double y = state.s1 + (section.b0 * x);
-    state.s1 = ((section.b1 * x) - (section.a1 * y)) + state.s2;
-    state.s2 = (section.b0 * x) - (section.a2 * y);
-    return y;
-}
-
-inline double KeyBandFilter::filter(double x) {
-    for (State& state : lowPasses_) x = run(design_.lowPass, state, x);
-    for (State& state : highPasses_) x = run(design_.highPass, state, x);
-    return x;
-}
 
 }  // namespace beatatlas

@@ -6,8 +6,10 @@
 #include "key/KeyRankMaker.h"
 
 #include <algorithm>
+#include <array>
 #include <cstddef>
 
+#include "dsp/sampleBlocks.h"
 #include "dsp/truncation.h"
 #include "key/ChromaFolder.h"
 #include "key/frameTiming.h"
@@ -17,6 +19,7 @@ namespace beatatlas {
 namespace {
 
 constexpr int kInputFrames = 16384;  // besides the windows of the transient suppression
+constexpr int kBatchFrames = 1024;   // filtered at once: stays in the nearest cache
 
 template <typename Range, typename T>
 int copyResults(const Range& from, T* out) {
@@ -115,16 +118,26 @@ void KeyRankMaker::keepTail() {
 void KeyRankMaker::analyzeAC(bool last) {
     if (frames_ >= maxFrames_) return;
     suppressor_.suppress(input_.get(), fill_);
-    const int count = last ? fill_ : fill_ - suppressor_.preWindow() - suppressor_.postWindow();
-    const std::int16_t* frame = input_.get();
-    for (int i = 0; i < count; ++i, frame += 2) {
-        const int sum = static_cast<int>(frame[0]) + static_cast<int>(frame[1]);
-        const double filtered = filter_.filter(static_cast<double>(sum) * 0.5);
-        if (!decimation_.put(truncToInt16(filtered))) continue;
+    int left = last ? fill_ : fill_ - suppressor_.preWindow() - suppressor_.postWindow();
+    const std::int16_t* frames = input_.get();
+    while (left > 0) {
+        // Never past the end of an analysis frame: it may be the last one.
+        const int batch = std::min({left, decimation_.missing(), kBatchFrames});
+        filterBatch(frames, batch);
+        frames += 2 * static_cast<std::ptrdiff_t>(batch);
+        left -= batch;
+        if (decimation_.missing() > 0) continue;
         analyzeFFT();
         decimation_.hop();
         if (frames_ >= maxFrames_) return;
     }
+}
+
+void KeyRankMaker::filterBatch(const std::int16_t* frames, int n) {
+    std::array<double, kBatchFrames> signal;
+    monoOfBlock(frames, signal.data(), n);
+    filter_.filter(signal.data(), signal.data(), n);
+    decimation_.put(signal.data(), n);
 }
 
 void KeyRankMaker::analyzeFFT() {

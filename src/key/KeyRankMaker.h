@@ -74,6 +74,7 @@ private:
     int takeFrames(const std::int16_t* frames, int n);
     void keepTail();
     void analyzeAC(bool last);
+    void filterBatch(const std::int16_t* frames, int n);
     void analyzeFFT();
     void analyzeKEY();
 

@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "dsp/constants.h"
+#include "dsp/sampleBlocks.h"
 #include "dsp/truncation.h"
 
 namespace beatatlas {
@@ -143,31 +144,32 @@ int ZoomViewMaker::framePeak() const {
     return std::min(peak, kFullScale);
 }
 
-// The feed-forward part has no feedback and goes first, in lanes; each value still gets its terms in the order
-// b0, b1, b2, a1, a2.
+// One pass: the feed-forward terms of the next values are ready while the feedback waits for the last one.
 void ZoomViewMaker::filterFrame() {
-    const std::int16_t* x = mono_.get() + kHistory;
-    double* y = low_.get() + kHistory;
+    const std::int16_t* in = mono_.get() + kHistory;
+    double* out = low_.get() + kHistory;
     const double b0 = b0_;
     const double b1 = b1_;
     const double b2 = b2_;
-    for (int i = 0; i < fill_; ++i) y[i] = ((b0 * x[i]) + (b1 * x[i - 1])) + (b2 * x[i - 2]);
     const double a1 = a1_;
     const double a2 = a2_;
-    double y1 = y[-1];
-    double y2 = y[-2];
+    double x1 = in[-1];
+    double x2 = in[-2];
+    double y1 = out[-1];
+    double y2 = out[-2];
     for (int i = 0; i < fill_; ++i) {
-        const double value = (y[i] - (a1 * y1)) - (a2 * y2);
-        y[i] = value;
+        const double x = in[i];
+        const double y = ((((b0 * x) + (b1 * x1)) + (b2 * x2)) - (a1 * y1)) - (a2 * y2);
+        out[i] = y;
+        x2 = x1;
+        x1 = x;
         y2 = y1;
-        y1 = value;
+        y1 = y;
     }
 }
 
 int ZoomViewMaker::lowPeak() const {
-    const double* low = low_.get() + kHistory;
-    double peak = 0.0;
-    for (int i = 0; i < fill_; ++i) peak = std::max(peak, std::abs(low[i]));
+    const double peak = largestMagnitude(low_.get() + kHistory, fill_);
     return std::min(truncToInt32(peak), kFullScale);
 }
 

@@ -85,13 +85,26 @@ void record(std::FILE* out, const SessionResults& r) {
     std::fprintf(out, "zoom %zu %016" PRIx64 "\n", r.zoom.size(), digestOf(r.zoom));
 }
 
+// A phrase of 16 beats where the tempo may vary; in a simple session the number is the sensing range, 0 the default.
+int sectionBeatsOf(SessionKind kind) {
+    switch (kind) {
+    case SessionKind::varied:
+        return 16;
+    case SessionKind::simple:
+        return 0;
+    case SessionKind::constant:
+        break;
+    }
+    return 32;
+}
+
 void recordTrack(std::FILE* out, const RecordedTrack& recorded) {
     const StereoTrack track = TrackSynth(recorded.plan).renderAll();
     for (SessionKind kind : {SessionKind::constant, SessionKind::varied, SessionKind::simple}) {
         const bool withKey = kind == SessionKind::constant;
         const SessionSpec spec{.kind = kind,
                                .rate = recorded.plan.sampleRate,
-                               .sectionBeats = kind == SessionKind::varied ? 16 : 32,
+                               .sectionBeats = sectionBeatsOf(kind),
                                .key = withKey};
         const SessionResults results = analyseTrack(spec, track, {4096, 1000});
         const char* names[] = {"constant", "varied", "simple"};

@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "key/DecimationBuffer.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <utility>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -21,7 +23,9 @@ protected:
     /** Puts samples until a frame is complete; returns how many it took. */
     int fill() {
         const int before = fed;
-        while (!buffer.put(sampleOf(fed++))) {
+        while (buffer.missing() > 0) {
+            const double sample = sampleOf(fed++);
+            buffer.put(&sample, 1);
         }
         return fed - before;
     }
@@ -65,6 +69,41 @@ TEST_F(DecimationBufferTest, AtHighRatesSamplesBetweenTheFramesArePassedOver) {
         EXPECT_EQ(fill(), hop) << rate;
         expectFrameFrom(hop);
     }
+}
+
+// The second frame of the high rate starts in the middle of a block that is passed over in part.
+TEST_F(DecimationBufferTest, BlocksOfAnyLengthGiveTheSameFrames) {
+    for (int rate : {48000, 192000}) {
+        for (int length : {1, 3, 1000, 100000}) {
+            buffer.create(rate);
+            fed = 0;
+            for (int frame = 0; frame < 3; ++frame) {
+                while (buffer.missing() > 0) {
+                    std::vector<double> block;
+                    for (int n = std::min(length, buffer.missing()); n > 0; --n)
+                        block.push_back(sampleOf(fed++));
+                    buffer.put(block.data(), static_cast<int>(block.size()));
+                }
+                expectFrameFrom(fed - DecimationBuffer::kSamples);
+                buffer.hop();
+            }
+        }
+    }
+}
+
+// Toward zero; the low 16 bits of what does not fit.
+TEST_F(DecimationBufferTest, SamplesAreCutToSixteenBits) {
+    buffer.create(48000);
+    std::vector<double> samples(DecimationBuffer::kSamples);
+    samples[0] = 1.999;
+    samples[4] = -1.999;
+    samples[8] = 32768.0;
+    samples[12] = 1e300;
+    buffer.put(samples.data(), DecimationBuffer::kSamples);
+    EXPECT_EQ(buffer.frameSample(0), 1);
+    EXPECT_EQ(buffer.frameSample(1), -1);
+    EXPECT_EQ(buffer.frameSample(2), -32768);
+    EXPECT_EQ(buffer.frameSample(3), 0);
 }
 
 TEST_F(DecimationBufferTest, ResetStartsOver) {

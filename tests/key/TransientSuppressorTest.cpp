@@ -1,7 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "key/TransientSuppressor.h"
 
+#include <algorithm>
+#include <cmath>
 #include <cstdint>
+#include <cstdlib>
+#include <random>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -173,6 +177,48 @@ TEST_F(TransientSuppressorTest, ARateWithoutWindowsDoesNoHarm) {
         Frames frames = steady(50, 100);
         suppress(frames);
         EXPECT_EQ(frames.size(), 100U);
+    }
+}
+
+/** Frame by frame, with the gain as the other tests of this file spell it out. */
+void suppressPlainly(Frames& frames, std::ptrdiff_t pre, std::ptrdiff_t post, double threshold) {
+    const auto count = static_cast<std::ptrdiff_t>(frames.size() / 2);
+    for (std::ptrdiff_t p = pre; p < count - post; ++p) {
+        const std::int16_t* frame = frames.data() + 2 * p;
+        const int magnitude = std::max(std::abs(int{frame[0]}), std::abs(int{frame[1]}));
+        if (!(magnitude > threshold)) continue;
+        for (std::ptrdiff_t i = 0; i < pre + post; ++i) {
+            const double fallen = 1.0 - 0.875 / static_cast<double>(pre) * static_cast<double>(i);
+            const double risen =
+                0.125 + 0.875 / static_cast<double>(post) * static_cast<double>(i - pre);
+            const double gain = i < pre ? fallen : risen;
+            for (std::ptrdiff_t c = 0; c < 2; ++c) {
+                std::int16_t& sample = frames[static_cast<std::size_t>(2 * (p - pre + i) + c)];
+                sample = static_cast<std::int16_t>(sample * gain);
+            }
+        }
+    }
+}
+
+// Whole stretches are passed over where nothing in them is loud: wherever a loud frame stands and wherever the
+// threshold lies between the levels, nothing is passed over that a look at each frame would find.
+TEST_F(TransientSuppressorTest, FindsWhatALookAtEachFrameFinds) {
+    std::mt19937 random(11);
+    for (double threshold : {-1e300, -1.0, -0.5, 0.0, 0.5, 5999.0, 5999.5, 6000.0, 32766.5, 32767.0,
+                             32767.5, 32768.0, 1e300, std::nan("")}) {
+        for (std::size_t at = 0; at < 300; at += 1 + at / 40) {
+            Frames frames(600);
+            for (std::int16_t& sample : frames)
+                sample = static_cast<std::int16_t>(random() % 3U) - 1;
+            frames[2 * at + at % 2] = 6000;
+            frames[2 * ((at * 7) % 300)] = -6000;
+            frames[2 * ((at * 11) % 300) + 1] = at % 3 == 0 ? -32768 : 32767;
+            Frames expected = frames;
+            suppressPlainly(expected, 7, 28, threshold);
+            suppressor.setLevels(threshold, threshold);
+            suppress(frames);
+            ASSERT_EQ(frames, expected) << threshold << ' ' << at;
+        }
     }
 }
 

@@ -1,0 +1,75 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+#include "audio/Container.h"
+#include "audio/DecodeTally.h"
+#include "audio/EncoderDelay.h"
+#include "audio/FileInput.h"
+#include "audio/StereoChain.h"
+#include "audio/StreamDecoder.h"
+#include "audio/TrackSink.h"
+
+namespace app {
+
+/** What a track's file says about itself. */
+struct TrackFormat {
+    std::string container;  ///< FFmpeg's short name, "mov,mp4,m4a,3gp,3g2,mj2" for MP4
+    std::string codec;      ///< FFmpeg's short name
+    int channels = 0;
+    int trackRate = 0;    ///< Hz, of the file
+    int sessionRate = 0;  ///< Hz, of the analysis
+};
+
+/** Decodes a track from its first frame of music to its last, once. For another pass make another decoder: the same
+ *  file gives the same samples every time, and so no length of track has to be held in memory. */
+class TrackDecoder {
+public:
+    /** @throws TrackError when the file holds no audio that can be decoded */
+    explicit TrackDecoder(const std::string& path);
+
+    /** Decodes everything that can be decoded. Damage is counted, not thrown. */
+    void run(TrackSink& sink);
+
+    /** Known after run(). */
+    const DecodeTally& tally() const { return tally_; }
+    const TrackFormat& format() const { return format_; }
+
+    /** Length by the file's own account, seconds. */
+    std::optional<double> declaredSeconds() const { return container_.declaredSeconds(); }
+
+    /** Whether the file ends before its own account of itself does: what was decoded is not the whole track. After
+     *  run(). */
+    bool isCutOff() const;
+
+private:
+    /** Packets that could not be decoded since the last one that could. */
+    struct PendingDamage {
+        std::int64_t packets = 0;
+        std::int64_t duration = 0;  ///< in the stream's time base
+    };
+
+    void decode(const AVPacket* packet, StereoChain& chain);
+    bool isIncomplete(const AVPacket& packet) const;
+    void noteDamage(const AVPacket* packet);
+    void fillDamage(StereoChain& chain);
+    void deliver(AVFrame& frame, StereoChain& chain);
+    void dropPadding(AVFrame& frame) const;
+    bool tellsPacketLengths() const;
+    bool isShorterThanDeclared() const;
+
+    FileInput input_;
+    Container container_;
+    EncoderDelay delay_;
+    StreamDecoder decoder_;
+    PacketPointer packet_;
+    FramePointer frame_;
+    DecodeTally tally_;
+    PendingDamage pendingDamage_;
+    TrackFormat format_;
+};
+
+}  // namespace app

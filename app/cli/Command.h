@@ -1,0 +1,30 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <string>
+
+#include "cli/ExitCode.h"
+#include "io/ResultStream.h"
+
+namespace CLI {
+class App;
+}
+
+namespace app {
+
+/** One of the tool's commands: the word after `beatatlas`. */
+class Command {
+public:
+    virtual ~Command() = default;
+
+    virtual std::string name() const = 0;
+    virtual std::string description() const = 0;
+
+    /** Declares the command's arguments; they are filled in when the command line is parsed. */
+    virtual void declare(CLI::App& arguments) = 0;
+
+    /** Does the work. @throws UsageError, OutputError, Interrupted */
+    virtual ExitCode run(ResultStream& results) = 0;
+};
+
+}  // namespace app

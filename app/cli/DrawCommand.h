@@ -1,0 +1,27 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <string>
+
+#include "cli/AnalysisArguments.h"
+#include "cli/Command.h"
+#include "picture/PictureOptions.h"
+
+namespace app {
+
+/** `beatatlas draw FILE -o OUT`: a picture of a track. */
+class DrawCommand : public Command {
+public:
+    std::string name() const override { return "draw"; }
+    std::string description() const override { return "Draw a track's waveforms and beat grid as a picture"; }
+    void declare(CLI::App& arguments) override;
+    ExitCode run(ResultStream& results) override;
+
+private:
+    AnalysisArguments analysis_;
+    PictureOptions picture_;
+    std::string path_;
+    std::string outputPath_;
+};
+
+}  // namespace app

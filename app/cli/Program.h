@@ -1,0 +1,23 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "cli/ExitCode.h"
+#include "io/ResultStream.h"
+
+namespace app {
+
+/** The whole tool behind its main function. */
+class Program {
+public:
+    explicit Program(ResultStream& results) : results_(results) {}
+
+    /** Parses the command line, runs the command, turns every failure into a message and an exit status. */
+    int run(int argc, const char* const* argv);
+
+private:
+    ExitCode parseAndRun(int argc, const char* const* argv);
+
+    ResultStream& results_;
+};
+
+}  // namespace app

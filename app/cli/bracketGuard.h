@@ -1,0 +1,16 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <string>
+
+namespace app {
+
+/** @name File names in brackets
+ *  CLI11 takes an argument such as "[a,b]" for a list of two. Such arguments are marked before it sees them, and the
+ *  mark is taken off the names it hands back.
+ *  @{ */
+std::string guarded(const std::string& argument);
+std::string unguarded(const std::string& argument);
+/** @} */
+
+}  // namespace app

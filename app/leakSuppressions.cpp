@@ -1,0 +1,18 @@
+// SPDX-License-Identifier: MIT
+// Part of builds with a leak checker only.
+
+extern "C" {
+
+const char* __lsan_default_suppressions();
+const char* __lsan_default_options();
+
+/** Fontconfig, which cairo asks for fonts, keeps its tables until the process ends. */
+const char* __lsan_default_suppressions() {
+    return "leak:libfontconfig";
+}
+
+/** Standard error is for the tool's own messages. */
+const char* __lsan_default_options() {
+    return "print_suppressions=0";
+}
+}

@@ -1,0 +1,43 @@
+// SPDX-License-Identifier: MIT
+#include "report/JsonReport.h"
+
+#include <fmt/format.h>
+#include <nlohmann/json.hpp>
+
+#include "report/toolVersion.h"
+#include "report/trackJson.h"
+
+namespace app {
+
+namespace {
+
+// Raised when a member changes its meaning or goes; members may be added without.
+constexpr int kFormatVersion = 1;
+
+}  // namespace
+
+void JsonReport::begin() {
+    results_.write(
+        fmt::format(R"({{"format":"beatatlas.analysis","version":{},"tool":"{}","tracks":[)",
+                    kFormatVersion, toolVersion()));
+}
+
+void JsonReport::add(const TrackReport& report) {
+    addEntry(trackJson(report, withWaves_));
+}
+
+void JsonReport::addFailure(const std::string& path, const std::string& reason) {
+    addEntry(failureJson(path, reason));
+}
+
+void JsonReport::addEntry(const nlohmann::ordered_json& entry) {
+    results_.write(isFirst_ ? "\n" : ",\n");
+    results_.write(entry.dump());
+    isFirst_ = false;
+}
+
+void JsonReport::end() {
+    results_.write("\n]}\n");
+}
+
+}  // namespace app

@@ -1,0 +1,71 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <cstddef>
+#include <cstring>
+#include <utility>
+
+#include "dsp/VectorForm.h"
+
+/** Values side by side in one register, for kernels that are written once for every width.
+ *
+ *  An operation on lanes acts on each of them as it would on a value of its own, rounding included: a kernel that gives
+ *  every value the operations of the plain form in the same order gives its bits, whatever the width. */
+namespace beatatlas {
+
+template <typename T, std::size_t kCount>
+struct LaneVector {
+    typedef T Type __attribute__((vector_size(sizeof(T) * kCount)));
+};
+
+/** kCount values of T, kCount a power of two. */
+template <typename T, std::size_t kCount>
+using Lanes = typename LaneVector<T, kCount>::Type;
+
+// By reference: how a wide vector is passed by value depends on the vector unit.
+template <typename Vector, typename T>
+BEATATLAS_LANES void loadLanes(Vector& lanes, const T* from) {
+    std::memcpy(&lanes, from, sizeof(Vector));
+}
+
+template <typename Vector, typename T>
+BEATATLAS_LANES void storeLanes(const Vector& lanes, T* to) {
+    std::memcpy(to, &lanes, sizeof(Vector));
+}
+
+template <typename Vector, typename T, std::size_t... kLane>
+BEATATLAS_LANES void fillLanes(Vector& lanes, T value, std::index_sequence<kLane...>) {
+    lanes = Vector{(static_cast<void>(kLane), value)...};
+}
+
+/** The same value in every lane. */
+template <typename Vector, typename T>
+BEATATLAS_LANES void fillLanes(Vector& lanes, T value) {
+    fillLanes(lanes, value, std::make_index_sequence<sizeof(Vector) / sizeof(T)>{});
+}
+
+#if BEATATLAS_WIDE_FORMS
+template <class Kernel, class... Arguments>
+BEATATLAS_AVX512 void runForAvx512(Arguments... arguments) {
+    Kernel::run(arguments...);
+}
+
+template <class Kernel, class... Arguments>
+BEATATLAS_AVX2 void runForAvx2(Arguments... arguments) {
+    Kernel::run(arguments...);
+}
+#endif
+
+/** Calls Kernel<W>::run(arguments…), W being the doubles in a register of the form in use: 2, 4 or 8. run() is marked
+ *  BEATATLAS_LANES, so that it takes on the registers of its caller. */
+template <template <std::size_t> class Kernel, class... Arguments>
+void runInLanes(Arguments... arguments) {
+#if BEATATLAS_WIDE_FORMS
+    const VectorForm form = vectorForm();
+    if (form == VectorForm::avx512) return runForAvx512<Kernel<8>, Arguments...>(arguments...);
+    if (form == VectorForm::avx2) return runForAvx2<Kernel<4>, Arguments...>(arguments...);
+#endif
+    Kernel<2>::run(arguments...);
+}
+
+}  // namespace beatatlas

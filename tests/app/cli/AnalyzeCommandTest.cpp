@@ -1,0 +1,196 @@
+// SPDX-License-Identifier: MIT
+#include <csignal>
+
+#include <algorithm>
+#include <filesystem>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+#include "support/AudioFileWriter.h"
+#include "support/TemporaryFolder.h"
+#include "support/ToolRun.h"
+
+namespace app {
+namespace {
+
+using test::OutputPlace;
+using test::runTool;
+using test::ToolRun;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+using testing::StartsWith;
+
+using Json = nlohmann::json;
+
+class AnalyzeCommand : public testing::Test {
+protected:
+    std::string writeTrack(const std::string& name) {
+        const std::string path = folder_.file(name);
+        test::writeAudioFile(path, {"wav", "pcm_s16le"},
+                             test::clicks(44100, 2, 5.0, {0.5, 1.0, 1.5, 2.0, 2.5}));
+        return path;
+    }
+
+    ToolRun runInFolder(const std::vector<std::string>& arguments) {
+        ToolRun run;
+        run.arguments = arguments;
+        run.folder = folder_.path();
+        return run.run();
+    }
+
+    test::TemporaryFolder folder_;
+};
+
+TEST_F(AnalyzeCommand, PrintsASummaryAndNothingElse) {
+    const std::string track = writeTrack("track.wav");
+    const ToolRun run = runTool({"analyze", track});
+    EXPECT_EQ(run.exitStatus, 0);
+    EXPECT_EQ(run.err, "");
+    EXPECT_THAT(run.out, StartsWith(track + "\n  audio    pcm_s16le, 44,100 Hz, stereo\n"));
+    EXPECT_THAT(run.out, HasSubstr("0:05.00  (220,500 frames)"));
+    // Nine out of ten lines that the library prints are not ASCII: none of them is here.
+    EXPECT_TRUE(std::all_of(run.out.begin(), run.out.end(),
+                            [](char c) { return static_cast<unsigned char>(c) < 128; }));
+}
+
+TEST_F(AnalyzeCommand, PrintsOneJsonDocumentForAllTracks) {
+    const ToolRun run = runTool(
+        {"analyze", "--json", writeTrack("a.wav"), folder_.file("none"), writeTrack("b.wav")});
+    EXPECT_EQ(run.exitStatus, 1);
+    const Json document = Json::parse(run.out);
+    EXPECT_EQ(document["format"], "beatatlas.analysis");
+    EXPECT_EQ(document["version"], 1);
+    ASSERT_EQ(document["tracks"].size(), 3U);
+    EXPECT_EQ(document["tracks"][0]["frames"], 220500);
+    EXPECT_EQ(document["tracks"][1]["file"], folder_.file("none"));
+    EXPECT_EQ(document["tracks"][1]["error"], "cannot be opened: No such file or directory");
+    EXPECT_EQ(document["tracks"][2]["frames"], 220500);
+    EXPECT_FALSE(document["tracks"][0].contains("waves"));
+}
+
+TEST_F(AnalyzeCommand, AddsTheWavesWhenAsked) {
+    const ToolRun run = runTool({"analyze", "--json", "--waves", writeTrack("a.wav")});
+    const Json waves = Json::parse(run.out)["tracks"][0]["waves"];
+    EXPECT_EQ(waves["loud"]["levels"].size(), 400U);
+    EXPECT_EQ(waves["dots"]["levels"].size(), 100U);
+    EXPECT_EQ(waves["zoom"]["levels"].size(), 750U);
+}
+
+TEST_F(AnalyzeCommand, AnalysesTheOtherTracksWhenOneFails) {
+    test::writeFile(folder_.file("empty.mp3"), "");
+    const ToolRun run = runTool({"analyze", writeTrack("a.wav"), folder_.file("empty.mp3"),
+                                 folder_.path(), writeTrack("b.wav")});
+    EXPECT_EQ(run.exitStatus, 1);
+    EXPECT_THAT(run.out, HasSubstr(folder_.file("a.wav") + "\n"));
+    EXPECT_THAT(run.out, HasSubstr("\n\n" + folder_.file("b.wav") + "\n"));
+    EXPECT_EQ(run.err, "beatatlas: " + folder_.file("empty.mp3") + ": is empty\n" +
+                           "beatatlas: " + folder_.path() + ": is a folder, not an audio file\n");
+}
+
+TEST_F(AnalyzeCommand, RefusesACutOffTrackUnlessAskedToTakeIt) {
+    test::copyShortened(writeTrack("a.wav"), folder_.file("cut.wav"), 200000);
+    const ToolRun refused = runTool({"analyze", folder_.file("cut.wav")});
+    EXPECT_EQ(refused.exitStatus, 1);
+    EXPECT_EQ(refused.out, "");
+    EXPECT_THAT(refused.err, HasSubstr("cut.wav: is cut off"));
+    const ToolRun taken = runTool({"analyze", "--partial", "--json", folder_.file("cut.wav")});
+    EXPECT_EQ(taken.exitStatus, 0);
+    EXPECT_THAT(taken.err, HasSubstr("cut.wav: warning: is cut off"));
+    EXPECT_EQ(Json::parse(taken.out)["tracks"][0]["partial"], true);
+    EXPECT_EQ(Json::parse(taken.out)["tracks"][0]["frames"], 220500 - 50000);
+}
+
+TEST_F(AnalyzeCommand, ShowsTheLibrarysLinesOnStandardErrorWhenAsked) {
+    const std::string track = writeTrack("a.wav");
+    const ToolRun quiet = runTool({"analyze", "--json", track});
+    const ToolRun verbose = runTool({"analyze", "--json", "--verbose", track});
+    EXPECT_EQ(verbose.out, quiet.out);
+    EXPECT_EQ(quiet.err, "");
+}
+
+TEST_F(AnalyzeCommand, TakesNamesThatLookLikeOptionsCommandsOrPatterns) {
+    const std::vector<std::string> names = {"-x.wav", "--json", "-",     "draw", "analyze",
+                                            "++",     "--",     "[a,b]", "{a}",  "a=b",
+                                            "a b",    "a\nb",   "'q\"",  "$(x)"};
+    for (const std::string& name : names) {
+        writeTrack(name);
+        const ToolRun run = runInFolder({"analyze", "--json", "--", name});
+        EXPECT_EQ(run.exitStatus, 0) << name << ": " << run.err;
+        EXPECT_EQ(Json::parse(run.out)["tracks"][0]["file"], name);
+    }
+}
+
+TEST_F(AnalyzeCommand, TakesAllTheseNamesAtOnceToo) {
+    std::vector<std::string> arguments = {"analyze", "--json", "--"};
+    for (const char* name : {"[a,b]", "a,b", "-x", "[]", ""}) arguments.emplace_back(name);
+    for (const char* name : {"[a,b]", "a,b", "-x", "[]"}) writeTrack(name);
+    const Json tracks = Json::parse(runInFolder(arguments).out)["tracks"];
+    ASSERT_EQ(tracks.size(), 5U);
+    for (std::size_t i = 0; i < 5; ++i) EXPECT_EQ(tracks[i]["file"], arguments[i + 3]);
+    EXPECT_TRUE(tracks[4].contains("error"));
+}
+
+TEST_F(AnalyzeCommand, StaysUtf8WithNamesThatAreNot) {
+    writeTrack("caf\xE9.wav");
+    const ToolRun run = runInFolder({"analyze", "--json", "caf\xE9.wav", "\xFF.wav"});
+    EXPECT_EQ(run.exitStatus, 1);
+    const Json tracks = Json::parse(run.out)["tracks"];
+    EXPECT_EQ(tracks[0]["fileBytes"], "636166e92e776176");
+    EXPECT_EQ(tracks[1]["fileBytes"], "ff2e776176");
+    EXPECT_EQ(run.err, "beatatlas: \\xFF.wav: cannot be opened: No such file or directory\n");
+}
+
+TEST_F(AnalyzeCommand, TellsWhenItsResultsCannotBeWritten) {
+    const std::string track = writeTrack("a.wav");
+    for (const auto place : {OutputPlace::fullDisk, OutputPlace::closedPipe, OutputPlace::closed}) {
+        for (const char* form : {"--json", "--quiet"}) {
+            ToolRun run;
+            run.arguments = {"analyze", form, track};
+            run.output = place;
+            run.run();
+            EXPECT_EQ(run.exitStatus, 1);
+            EXPECT_THAT(run.err, StartsWith("beatatlas: standard output cannot be written: "));
+        }
+    }
+}
+
+TEST_F(AnalyzeCommand, ShowsProgressOnATerminalOnly) {
+    const std::string track = writeTrack("a.wav");
+    ToolRun watched;
+    watched.arguments = {"analyze", track};
+    watched.hasTerminal = true;
+    watched.run();
+    EXPECT_THAT(watched.err, HasSubstr(" %  measuring"));
+    EXPECT_THAT(watched.out, Not(HasSubstr("measuring")));
+    ToolRun quiet = watched;
+    quiet.arguments = {"analyze", "--quiet", track};
+    quiet.err.clear();
+    quiet.run();
+    EXPECT_EQ(quiet.err, "");
+}
+
+TEST_F(AnalyzeCommand, StopsOnRequestAndCompletesItsDocument) {
+    // Long enough that the first progress comes hours before its end.
+    const std::string track = writeTrack("long.wav");
+    std::string header = test::readFile(track).substr(0, 44);
+    constexpr std::uint32_t kBytes = 2000000000U;
+    for (int i = 0; i < 4; ++i)
+        header[40 + static_cast<std::size_t>(i)] = static_cast<char>((kBytes >> (8 * i)) & 0xFF);
+    test::writeFile(track, header);
+    std::filesystem::resize_file(track, 44ULL + kBytes);
+    for (const int signalNumber : {SIGINT, SIGTERM, SIGHUP}) {
+        ToolRun run;
+        run.arguments = {"analyze", "--json", writeTrack("a.wav"), track};
+        run.hasTerminal = true;
+        run.signalAtProgress = signalNumber;
+        run.run();
+        EXPECT_EQ(run.exitStatus, 128 + signalNumber);
+        EXPECT_TRUE(Json::accept(run.out)) << run.out;
+    }
+}
+
+}  // namespace
+}  // namespace app

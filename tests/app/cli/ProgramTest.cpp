@@ -1,0 +1,90 @@
+// SPDX-License-Identifier: MIT
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "support/TemporaryFolder.h"
+#include "support/ToolRun.h"
+
+namespace app {
+namespace {
+
+using test::OutputPlace;
+using test::runTool;
+using test::ToolRun;
+using testing::HasSubstr;
+using testing::StartsWith;
+
+TEST(Program, PrintsHelpAsAResult) {
+    const ToolRun run = runTool({"--help"});
+    EXPECT_EQ(run.exitStatus, 0);
+    EXPECT_EQ(run.err, "");
+    for (const char* part : {"analyze", "draw", "--version", "Exit status", "130"}) {
+        EXPECT_THAT(run.out, HasSubstr(part));
+    }
+}
+
+TEST(Program, PrintsHelpForEachCommand) {
+    const ToolRun analyze = runTool({"analyze", "--help"});
+    EXPECT_EQ(analyze.exitStatus, 0);
+    for (const char* part : {"FILE", "--json", "--waves", "--tempo", "--section", "--range",
+                             "--no-key", "--partial", "--quiet", "--verbose"}) {
+        EXPECT_THAT(analyze.out, HasSubstr(part));
+    }
+    const ToolRun draw = runTool({"draw", "--help"});
+    EXPECT_EQ(draw.exitStatus, 0);
+    for (const char* part : {"--output", "--from", "--span", "--width"})
+        EXPECT_THAT(draw.out, HasSubstr(part));
+}
+
+TEST(Program, PrintsItsVersion) {
+    const ToolRun run = runTool({"--version"});
+    EXPECT_EQ(run.exitStatus, 0);
+    EXPECT_THAT(run.out, StartsWith("beatatlas "));
+    EXPECT_THAT(run.out, HasSubstr("FFmpeg"));
+}
+
+TEST(Program, RefusesACommandLineItDoesNotUnderstand) {
+    const std::vector<std::vector<std::string>> wrong = {
+        {},
+        {"sing"},
+        {"analyze"},
+        {"analyze", "--loud", "x"},
+        {"analyze", "--tempo", "fast", "x"},
+        {"analyze", "--section", "12", "x"},
+        {"analyze", "--range", "-1", "x"},
+        {"analyze", "--range", "nan", "x"},
+        {"analyze", "--range", "5", "x"},
+        {"analyze", "--section", "8", "x"},
+        {"analyze", "--waves", "x"},
+        {"draw", "x"},
+        {"draw", "x", "-o", "y.jpg"},
+        {"draw", "x", "y", "-o", "z.png"},
+        {"draw", "x", "-o", "y.png", "--width", "5"},
+        {"draw", "x", "-o", "y.png", "--span", "0"}};
+    for (const auto& arguments : wrong) {
+        const ToolRun run = runTool(arguments);
+        EXPECT_EQ(run.exitStatus, 2) << testing::PrintToString(arguments);
+        EXPECT_EQ(run.out, "");
+        EXPECT_THAT(run.err, StartsWith("beatatlas: ")) << testing::PrintToString(arguments);
+        EXPECT_EQ(std::count(run.err.begin(), run.err.end(), '\n'), 1) << run.err;
+    }
+}
+
+TEST(Program, NamesTheCommandItDoesNotKnow) {
+    EXPECT_EQ(runTool({"si\nng"}).err,
+              "beatatlas: there is no command si\\nng (see beatatlas --help)\n");
+}
+
+TEST(Program, TellsWhenItsResultsCannotBeWritten) {
+    for (const auto place : {OutputPlace::fullDisk, OutputPlace::closedPipe, OutputPlace::closed}) {
+        ToolRun run;
+        run.arguments = {"--help"};
+        run.output = place;
+        run.run();
+        EXPECT_EQ(run.exitStatus, 1);
+        EXPECT_THAT(run.err, StartsWith("beatatlas: standard output cannot be written: "));
+    }
+}
+
+}  // namespace
+}  // namespace app

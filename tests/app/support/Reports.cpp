@@ -1,0 +1,53 @@
+// SPDX-License-Identifier: MIT
+#include "support/Reports.h"
+
+namespace app::test {
+
+namespace {
+
+constexpr int kRate = 48000;
+constexpr int kSeconds = 8;
+constexpr int kFramesPerBeat = kRate / 2;
+constexpr int kFirstBeat = 4800;  // a tenth of a second
+
+KeyRanking aMinorAheadOfCMajor() {
+    KeyRanking key;
+    for (int i = 0; i < kKeyCount; ++i) {
+        const auto at = static_cast<std::size_t>(i);
+        key.keys[at] = (12 + 15 * i) % kKeyCount;
+        key.scores[at] = 200.0 - 5.0 * i;
+    }
+    // 12 + 15 i modulo 24 meets each of its eight values three times: the rest of the ranking does not matter here.
+    key.noteCounts.fill(1);
+    key.noteShares.fill(1.0 / kPitchClassCount);
+    return key;
+}
+
+}  // namespace
+
+TrackReport emptyReport() {
+    TrackReport report;
+    report.path = "music/track.flac";
+    report.format = {"flac", "flac", 2, kRate, kRate};
+    report.analysis.rate = kRate;
+    report.analysis.frames = kRate * kSeconds;
+    return report;
+}
+
+TrackReport exampleReport() {
+    TrackReport report = emptyReport();
+    AnalysisResult& analysis = report.analysis;
+    analysis.bpm100 = 12000;
+    for (int i = 0; i < 15; ++i)
+        analysis.beats.push_back({kFirstBeat + i * kFramesPerBeat, (i + 3) % 4 + 1, 12000});
+    for (int i = 0; i < 400; ++i)
+        analysis.loudWave.push_back({i < 200 ? 8000.0F : 16000.0F, i % 6});
+    for (int i = 0; i < 100; ++i) analysis.dotsWave.push_back({i < 50 ? 0.0F : 20000.0F, 5});
+    for (int i = 0; i < 150 * kSeconds; ++i) {
+        analysis.zoomWave.push_back({static_cast<float>(i % 32), i % 8});
+    }
+    analysis.key = aMinorAheadOfCMajor();
+    return report;
+}
+
+}  // namespace app::test

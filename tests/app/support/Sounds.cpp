@@ -1,0 +1,65 @@
+// SPDX-License-Identifier: MIT
+#include "support/Sounds.h"
+
+#include <algorithm>
+#include <cmath>
+#include <numbers>
+
+namespace app::test {
+
+namespace {
+
+constexpr int kClickReach = 10;
+constexpr double kClickHeight = 0.6;
+constexpr double kSearchSeconds = 0.05;
+constexpr float kAudible = 1000.0F;
+
+}  // namespace
+
+Sound clicks(int rate, int channels, double seconds, const std::vector<double>& places) {
+    std::vector<float> channel(static_cast<std::size_t>(std::lround(seconds * rate)));
+    for (const double place : places) {
+        const long middle = std::lround(place * rate);
+        for (int k = -kClickReach; k <= kClickReach; ++k) {
+            const double height = 0.5 + 0.5 * std::cos(std::numbers::pi * k / (kClickReach + 1));
+            channel.at(static_cast<std::size_t>(middle + k)) =
+                static_cast<float>(kClickHeight * height);
+        }
+    }
+    return {rate, std::vector<std::vector<float>>(static_cast<std::size_t>(channels), channel)};
+}
+
+Sound tone(int rate, int channels, double seconds, double hertz, double amplitude) {
+    std::vector<float> channel(static_cast<std::size_t>(std::lround(seconds * rate)));
+    for (std::size_t i = 0; i < channel.size(); ++i) {
+        const double phase = 2.0 * std::numbers::pi * hertz * static_cast<double>(i) / rate;
+        channel[i] = static_cast<float>(amplitude * std::sin(phase));
+    }
+    return {rate, std::vector<std::vector<float>>(static_cast<std::size_t>(channels), channel)};
+}
+
+void Recorder::put(StereoBlock& block) {
+    left.insert(left.end(), block.left.begin(), block.left.end());
+    right.insert(right.end(), block.right.begin(), block.right.end());
+}
+
+double clickNear(const std::vector<float>& channel, int rate, double seconds) {
+    const auto size = static_cast<long>(channel.size());
+    const long from = std::clamp(std::lround((seconds - kSearchSeconds) * rate), 0L, size);
+    const long to = std::clamp(std::lround((seconds + kSearchSeconds) * rate), 0L, size);
+    float loudest = 0.0F;
+    for (long i = from; i < to; ++i)
+        loudest = std::max(loudest, channel[static_cast<std::size_t>(i)]);
+    if (loudest < kAudible) return -1.0;
+    double sum = 0.0;
+    double weighted = 0.0;
+    for (long i = from; i < to; ++i) {
+        const float sample = channel[static_cast<std::size_t>(i)];
+        if (sample < 0.4F * loudest) continue;
+        sum += static_cast<double>(sample);
+        weighted += static_cast<double>(sample) * static_cast<double>(i);
+    }
+    return weighted / sum;
+}
+
+}  // namespace app::test

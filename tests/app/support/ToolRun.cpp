@@ -1,0 +1,101 @@
+// SPDX-License-Identifier: MIT
+#include "support/ToolRun.h"
+
+#include <array>
+#include <cerrno>
+#include <csignal>
+#include <stdexcept>
+#include <thread>
+#include <utility>
+
+#include <fcntl.h>
+#include <stdlib.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace app::test {
+
+namespace {
+
+struct Channel {
+    int readEnd = -1;
+    int writeEnd = -1;
+};
+
+Channel makePipe() {
+    std::array<int, 2> ends{};
+    if (pipe2(ends.data(), O_CLOEXEC) != 0) throw std::runtime_error("no pipe");
+    return {ends[0], ends[1]};
+}
+
+Channel makeTerminal() {
+    const int controller = posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
+    if (controller == -1 || grantpt(controller) != 0 || unlockpt(controller) != 0) {
+        throw std::runtime_error("no terminal");
+    }
+    return {controller, open(ptsname(controller), O_RDWR | O_NOCTTY | O_CLOEXEC)};
+}
+
+Channel makeOutput(OutputPlace place) {
+    if (place == OutputPlace::fullDisk) return {-1, open("/dev/full", O_WRONLY | O_CLOEXEC)};
+    if (place == OutputPlace::closed) return {};
+    Channel output = makePipe();
+    if (place == OutputPlace::closedPipe) close(std::exchange(output.readEnd, -1));
+    return output;
+}
+
+[[noreturn]] void becomeTool(const ToolRun& run, int output, int error) {
+    if (!run.folder.empty() && chdir(run.folder.c_str()) != 0) _exit(126);
+    if (output == -1)
+        close(STDOUT_FILENO);
+    else
+        dup2(output, STDOUT_FILENO);
+    dup2(error, STDERR_FILENO);
+    std::string tool = BEATATLAS_TOOL;
+    std::vector<std::string> words = run.arguments;
+    std::vector<char*> argv = {tool.data()};
+    for (std::string& word : words) argv.push_back(word.data());
+    argv.push_back(nullptr);
+    execv(tool.c_str(), argv.data());
+    _exit(127);
+}
+
+/** Everything up to the end, which for a terminal is an error. */
+void drain(int descriptor, std::string& text, pid_t process, std::optional<int> signalAtFirst) {
+    std::array<char, 4096> buffer{};
+    for (;;) {
+        const ssize_t count = read(descriptor, buffer.data(), buffer.size());
+        if (count < 0 && errno == EINTR) continue;
+        if (count <= 0) return;
+        if (text.empty() && signalAtFirst) kill(process, *signalAtFirst);
+        text.append(buffer.data(), static_cast<std::size_t>(count));
+    }
+}
+
+}  // namespace
+
+ToolRun& ToolRun::run() {
+    const Channel results = makeOutput(output);
+    const Channel error = hasTerminal ? makeTerminal() : makePipe();
+    const pid_t process = fork();
+    if (process == 0) becomeTool(*this, results.writeEnd, error.writeEnd);
+    if (results.writeEnd != -1) close(results.writeEnd);
+    close(error.writeEnd);
+    std::thread errorReader([&] { drain(error.readEnd, err, process, signalAtProgress); });
+    if (results.readEnd != -1) drain(results.readEnd, out, process, std::nullopt);
+    errorReader.join();
+    int status = 0;
+    waitpid(process, &status, 0);
+    exitStatus = WIFEXITED(status) ? WEXITSTATUS(status) : 1000 + WTERMSIG(status);
+    if (results.readEnd != -1) close(results.readEnd);
+    close(error.readEnd);
+    return *this;
+}
+
+ToolRun runTool(const std::vector<std::string>& arguments) {
+    ToolRun run;
+    run.arguments = arguments;
+    return run.run();
+}
+
+}  // namespace app::test

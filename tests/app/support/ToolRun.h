@@ -1,0 +1,33 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace app::test {
+
+/** Where the tool's standard output leads in a run. */
+enum class OutputPlace { captured, fullDisk, closedPipe, closed };
+
+/** How the tool is run, and what it did. */
+struct ToolRun {
+    std::vector<std::string> arguments;
+    std::string folder;  ///< working folder; empty: the test's own
+    OutputPlace output = OutputPlace::captured;
+    bool hasTerminal = false;  ///< standard error is a terminal
+    std::optional<int>
+        signalAtProgress;  ///< sent once the first progress is shown; needs the terminal
+
+    int exitStatus = -1;  ///< 1000 and the signal's number when a signal killed it
+    std::string out;
+    std::string err;
+
+    /** Runs the built program and waits for its end. */
+    ToolRun& run();
+};
+
+/** The tool with these arguments, run. */
+ToolRun runTool(const std::vector<std::string>& arguments);
+
+}  // namespace app::test
