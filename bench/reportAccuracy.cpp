@@ -125,12 +125,12 @@ Agreement compare(const Case& c, const std::vector<BA_BeatInfo>& found) {
 void report(std::FILE* out, const Case& c) {
     const char* names[] = {"constant", "varied", "simple"};
     for (SessionKind kind : {SessionKind::constant, SessionKind::varied, SessionKind::simple}) {
-        const SessionSpec spec{.kind = kind,
-                               .rate = c.rate,
-                               .sectionBeats = kind == SessionKind::simple ? 0 : 32,
-                               .loud = false,
-                               .zoom = false};
-        const SessionResults results = analyseTrack(spec, c.track, {4096});
+        const SessionRequest request{.kind = kind,
+                                     .rate = c.rate,
+                                     .sectionBeats = kind == SessionKind::simple ? 0 : 32,
+                                     .loud = false,
+                                     .zoom = false};
+        const SessionResults results = analyseTrack(request, c.track, {4096});
         const Agreement a = compare(c, results.beats);
         std::fprintf(out, "| %s, %d | %s | %s | %.2f | %zu/%zu | %.1f | %d | %d/%d |\n",
                      c.name.c_str(), c.rate, names[static_cast<int>(kind)], c.truth.c_str(),

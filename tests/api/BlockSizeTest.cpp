@@ -28,12 +28,12 @@ class BlockSizeTest : public ::testing::TestWithParam<int> {};
 TEST_P(BlockSizeTest, GivesTheSameBitsAsTheWholeTrackInOneCall) {
     static const StereoTrack track = burstyTrack(230001);
     for (int rate : {44100, 48000}) {
-        const SessionSpec spec{.rate = rate, .key = true};
+        const SessionRequest request{.rate = rate, .key = true};
         static std::array<SessionResults, 2> whole;
         SessionResults& reference = whole.at(rate == 44100 ? 0 : 1);
-        if (!reference.analyzed) reference = analyseTrack(spec, track, {track.frames()});
+        if (!reference.analyzed) reference = analyseTrack(request, track, {track.frames()});
         ASSERT_EQ(reference.loud.size(), 400U);
-        EXPECT_TRUE(sameBits(analyseTrack(spec, track, {GetParam()}), reference)) << rate;
+        EXPECT_TRUE(sameBits(analyseTrack(request, track, {GetParam()}), reference)) << rate;
     }
 }
 
@@ -43,9 +43,9 @@ INSTANTIATE_TEST_SUITE_P(Frames, BlockSizeTest,
 TEST(MixedBlockSizeTest, CallsOfUnequalLengthGiveTheSameBits) {
     const StereoTrack track = burstyTrack(230001);
     for (SessionKind kind : {SessionKind::constant, SessionKind::varied, SessionKind::simple}) {
-        const SessionSpec spec{.kind = kind, .key = true};
-        EXPECT_TRUE(sameBits(analyseTrack(spec, track, {1, 9000, 2, 587, 13}),
-                             analyseTrack(spec, track, {track.frames()})));
+        const SessionRequest request{.kind = kind, .key = true};
+        EXPECT_TRUE(sameBits(analyseTrack(request, track, {1, 9000, 2, 587, 13}),
+                             analyseTrack(request, track, {track.frames()})));
     }
 }
 

@@ -102,11 +102,11 @@ void recordTrack(std::FILE* out, const RecordedTrack& recorded) {
     const StereoTrack track = TrackSynth(recorded.plan).renderAll();
     for (SessionKind kind : {SessionKind::constant, SessionKind::varied, SessionKind::simple}) {
         const bool withKey = kind == SessionKind::constant;
-        const SessionSpec spec{.kind = kind,
-                               .rate = recorded.plan.sampleRate,
-                               .sectionBeats = sectionBeatsOf(kind),
-                               .key = withKey};
-        const SessionResults results = analyseTrack(spec, track, {4096, 1000});
+        const SessionRequest request{.kind = kind,
+                                     .rate = recorded.plan.sampleRate,
+                                     .sectionBeats = sectionBeatsOf(kind),
+                                     .key = withKey};
+        const SessionResults results = analyseTrack(request, track, {4096, 1000});
         const char* names[] = {"constant", "varied", "simple"};
         std::fprintf(out, "== %s, %s\n", recorded.name.c_str(), names[static_cast<int>(kind)]);
         record(out, results);

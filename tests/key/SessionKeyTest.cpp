@@ -11,12 +11,12 @@ namespace {
 
 using beatatlas::test::analyseTrack;
 using beatatlas::test::HostSession;
+using beatatlas::test::SessionRequest;
 using beatatlas::test::SessionResults;
-using beatatlas::test::SessionSpec;
 using beatatlas::test::stereoProgression;
 using beatatlas::test::StereoTrack;
 
-SessionSpec keyOnly(int rate) {
+SessionRequest keyOnly(int rate) {
     return {.rate = rate, .sectionBeats = 0, .loud = false, .zoom = false, .key = true};
 }
 
@@ -51,9 +51,9 @@ TEST(SessionKeyTest, ASilentTailDoesNotChangeTheKey) {
 }
 
 TEST(SessionKeyTest, WithoutKeyDetectionTheKeyIsNeutral) {
-    SessionSpec spec = keyOnly(44100);
-    spec.key = false;
-    const SessionResults results = analyseTrack(spec, stereoProgression(5, 44100, 2), {4096});
+    SessionRequest request = keyOnly(44100);
+    request.key = false;
+    const SessionResults results = analyseTrack(request, stereoProgression(5, 44100, 2), {4096});
     EXPECT_EQ(results.mainKey, 0);
     for (double points : results.keyPoints) EXPECT_EQ(points, 0.0);
 }

@@ -24,9 +24,9 @@ StereoTrack trackAt(int rate) {
     return TrackSynth(plan).renderAll();
 }
 
-SessionResults resultsIn(VectorForm form, const SessionSpec& spec, const StereoTrack& track) {
+SessionResults resultsIn(VectorForm form, const SessionRequest& request, const StereoTrack& track) {
     const FormScope scope(form);
-    return analyseTrack(spec, track, {4096, 1, 577});
+    return analyseTrack(request, track, {4096, 1, 577});
 }
 
 TEST(SessionFormsTest, EveryKindOfSessionGivesTheSameBitsInEveryForm) {
@@ -34,12 +34,12 @@ TEST(SessionFormsTest, EveryKindOfSessionGivesTheSameBitsInEveryForm) {
         const StereoTrack track = trackAt(rate);
         for (const SessionKind kind :
              {SessionKind::constant, SessionKind::varied, SessionKind::simple}) {
-            const SessionSpec spec{.kind = kind, .rate = rate, .key = true};
-            const SessionResults expected = resultsIn(VectorForm::baseline, spec, track);
+            const SessionRequest request{.kind = kind, .rate = rate, .key = true};
+            const SessionResults expected = resultsIn(VectorForm::baseline, request, track);
             ASSERT_TRUE(expected.analyzed);
             ASSERT_FALSE(expected.loud.empty());
             for (const VectorForm form : formsOfThisMachine())
-                EXPECT_TRUE(sameBits(resultsIn(form, spec, track), expected))
+                EXPECT_TRUE(sameBits(resultsIn(form, request, track), expected))
                     << nameOf(form) << ", rate " << rate << ", kind " << static_cast<int>(kind);
         }
     }
@@ -48,11 +48,11 @@ TEST(SessionFormsTest, EveryKindOfSessionGivesTheSameBitsInEveryForm) {
 // Without beats the loudness view filters for itself.
 TEST(SessionFormsTest, ViewsAloneGiveTheSameBitsInEveryForm) {
     const StereoTrack track = trackAt(44100);
-    const SessionSpec spec{.kind = SessionKind::constant, .sectionBeats = 0};
-    const SessionResults expected = resultsIn(VectorForm::baseline, spec, track);
+    const SessionRequest request{.kind = SessionKind::constant, .sectionBeats = 0};
+    const SessionResults expected = resultsIn(VectorForm::baseline, request, track);
     for (const VectorForm form : formsOfThisMachine())
-        EXPECT_TRUE(sameBits(resultsIn(form, spec, track), expected)) << nameOf(form);
-    const SessionSpec withBeats{.kind = SessionKind::constant};
+        EXPECT_TRUE(sameBits(resultsIn(form, request, track), expected)) << nameOf(form);
+    const SessionRequest withBeats{.kind = SessionKind::constant};
     const SessionResults shared = resultsIn(VectorForm::baseline, withBeats, track);
     ASSERT_EQ(shared.loud.size(), expected.loud.size());
     for (std::size_t i = 0; i < shared.loud.size(); ++i)

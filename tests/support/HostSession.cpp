@@ -11,9 +11,9 @@ namespace {
 
 using CreateFunction = void* (*)(int, int, bool, bool, bool);
 
-CreateFunction createFunctionOf(const SessionSpec& spec) {
-    const bool is48k = spec.rate == 48000;
-    switch (spec.kind) {
+CreateFunction createFunctionOf(const SessionRequest& request) {
+    const bool is48k = request.rate == 48000;
+    switch (request.kind) {
     case SessionKind::constant:
         return is48k ? BA_CreateConst48k : BA_CreateConst44k;
     case SessionKind::varied:
@@ -51,10 +51,10 @@ bool sameBits(const SessionResults& a, const SessionResults& b) {
            sameArray(a.noteValues, b.noteValues);
 }
 
-HostSession::HostSession(const SessionSpec& spec, int totalSamples)
+HostSession::HostSession(const SessionRequest& request, int totalSamples)
     : handle_(nullptr), callersMode_(std::fegetround()) {
-    handle_ =
-        createFunctionOf(spec)(totalSamples, spec.sectionBeats, spec.loud, spec.zoom, spec.key);
+    handle_ = createFunctionOf(request)(totalSamples, request.sectionBeats, request.loud,
+                                        request.zoom, request.key);
 }
 
 HostSession::~HostSession() {
@@ -93,10 +93,10 @@ SessionResults HostSession::results() const {
     return r;
 }
 
-SessionResults analyseTrack(const SessionSpec& spec, const StereoTrack& track,
+SessionResults analyseTrack(const SessionRequest& request, const StereoTrack& track,
                             const std::vector<int>& blockSizes) {
-    HostSession session(spec, track.frames());
-    if (spec.key)
+    HostSession session(request, track.frames());
+    if (request.key)
         inBlocks(track.frames(), blockSizes,
                  [&](int first, int count) { session.feedPre(track, first, count); });
     inBlocks(track.frames(), blockSizes,

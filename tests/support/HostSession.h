@@ -12,7 +12,7 @@ namespace beatatlas::test {
 enum class SessionKind { constant, varied, simple };
 
 /** What a host asks of a session. */
-struct SessionSpec {
+struct SessionRequest {
     SessionKind kind = SessionKind::constant;
     int rate = 44100;
     int sectionBeats = 32;  ///< for simple sessions the end of the sensing range in frames
@@ -41,7 +41,7 @@ bool sameBits(const SessionResults& a, const SessionResults& b);
 /** A session as a host holds it; releases it, and gives the thread its rounding mode back. */
 class HostSession {
 public:
-    HostSession(const SessionSpec& spec, int totalSamples);
+    HostSession(const SessionRequest& request, int totalSamples);
     ~HostSession();
     HostSession(const HostSession&) = delete;
     HostSession& operator=(const HostSession&) = delete;
@@ -58,7 +58,7 @@ private:
 };
 
 /** A whole analysis, fed in calls whose lengths follow blockSizes in turn, over and over. */
-SessionResults analyseTrack(const SessionSpec& spec, const StereoTrack& track,
+SessionResults analyseTrack(const SessionRequest& request, const StereoTrack& track,
                             const std::vector<int>& blockSizes);
 
 }  // namespace beatatlas::test
