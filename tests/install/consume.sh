@@ -14,7 +14,7 @@ mv "$work/prefix" "$work/moved"
 prefix=$work/moved
 libdir=$(dirname "$(find "$prefix" -name 'libbeatatlas.so' | head -1)")
 
-"$cmake" -S "$source/examples" -B "$work/cmake-host" -DCMAKE_PREFIX_PATH="$prefix" -DCMAKE_C_COMPILER="$cc" >"$work/configure.log"
+"$cmake" -G Ninja -S "$source/examples" -B "$work/cmake-host" -DCMAKE_PREFIX_PATH="$prefix" -DCMAKE_C_COMPILER="$cc" >"$work/configure.log"
 "$cmake" --build "$work/cmake-host" >"$work/build.log"
 
 # shellcheck disable=SC2046
