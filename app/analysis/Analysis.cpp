@@ -19,22 +19,27 @@ using CreateCall = void* (*)(int, int, bool, bool, bool);
 CreateCall createCall(TempoMode mode, int rate) {
     const bool isCd = rate == kCdRate;
     switch (mode) {
-    case TempoMode::varied: return isCd ? BA_CreateVaried44k : BA_CreateVaried48k;
-    case TempoMode::simple: return isCd ? BA_CreateSimple44k : BA_CreateSimple48k;
-    default: return isCd ? BA_CreateConst44k : BA_CreateConst48k;
+    case TempoMode::varied:
+        return isCd ? BA_CreateVaried44k : BA_CreateVaried48k;
+    case TempoMode::simple:
+        return isCd ? BA_CreateSimple44k : BA_CreateSimple48k;
+    default:
+        return isCd ? BA_CreateConst44k : BA_CreateConst48k;
     }
 }
 
 /** The second argument of the create call: it means something else in every mode. */
 int secondArgument(const AnalysisOptions& options, int rate, int frames) {
     switch (options.tempo) {
-    case TempoMode::off: return 0;
+    case TempoMode::off:
+        return 0;
     case TempoMode::simple: {
         // The library takes one minute for a range that is longer than the track; the whole track is meant then.
         const double range = std::floor(options.rangeSeconds * static_cast<double>(rate));
         return range >= static_cast<double>(frames) ? frames : static_cast<int>(range);
     }
-    default: return options.sectionBeats;
+    default:
+        return options.sectionBeats;
     }
 }
 
@@ -70,12 +75,14 @@ void* Analysis::createSession() const {
 
 void Analysis::putLevels(StereoBlock& block) {
     const int count = static_cast<int>(block.frames());
-    libraryCall([&] { BA_SetSamplePre(session_.get(), block.left.data(), block.right.data(), count); });
+    libraryCall(
+        [&] { BA_SetSamplePre(session_.get(), block.left.data(), block.right.data(), count); });
 }
 
 void Analysis::put(StereoBlock& block) {
     const int count = static_cast<int>(block.frames());
-    libraryCall([&] { BA_SetSample(session_.get(), block.left.data(), block.right.data(), count); });
+    libraryCall(
+        [&] { BA_SetSample(session_.get(), block.left.data(), block.right.data(), count); });
 }
 
 bool Analysis::isFinished() const {
@@ -103,19 +110,22 @@ std::vector<Beat> Analysis::beats() const {
     libraryCall([&] { BA_GetBeatList(session_.get(), records.data()); });
     std::vector<Beat> beats;
     beats.reserve(records.size());
-    for (const BA_BeatInfo& record : records) beats.push_back({record.pos, record.beatNum, record.bpm});
+    for (const BA_BeatInfo& record : records)
+        beats.push_back({record.pos, record.beatNum, record.bpm});
     return beats;
 }
 
 std::vector<WavePoint> Analysis::loudWave() const {
     std::vector<BA_WaveInfo> records(kLoudPoints);
-    const int count = libraryCall([&] { return BA_GetLoudWave(session_.get(), records.data(), 0); });
+    const int count =
+        libraryCall([&] { return BA_GetLoudWave(session_.get(), records.data(), 0); });
     return toWavePoints(records, count);
 }
 
 std::vector<WavePoint> Analysis::dotsWave() const {
     std::vector<BA_WaveInfo> records(kDotsPoints);
-    const int count = libraryCall([&] { return BA_GetDotsWave(session_.get(), records.data(), 0); });
+    const int count =
+        libraryCall([&] { return BA_GetDotsWave(session_.get(), records.data(), 0); });
     return toWavePoints(records, count);
 }
 

@@ -13,7 +13,8 @@ enum class TempoMode {
 /** What is to be found out about a track. */
 struct AnalysisOptions {
     TempoMode tempo = TempoMode::constant;
-    int sectionBeats = 32;    ///< varied tempo: length in beats of the phrase over which the tempo is measured
+    int sectionBeats =
+        32;  ///< varied tempo: length in beats of the phrase over which the tempo is measured
     double rangeSeconds = 0;  ///< simple: how much of the beginning is sensed; 0: one minute
     bool wantsKey = true;
 };

@@ -45,7 +45,8 @@ struct AnalysisResult {
     std::vector<Beat> beats;
     std::vector<WavePoint> loudWave;  ///< 400 points; level in 16-bit scale, colour 0 to 5
     std::vector<WavePoint> dotsWave;  ///< 100 points; level in 16-bit scale (sums, may exceed it)
-    std::vector<WavePoint> zoomWave;  ///< 150 points a second; level 0 to 31, colour 0 (all bass) to 7
+    std::vector<WavePoint>
+        zoomWave;  ///< 150 points a second; level 0 to 31, colour 0 (all bass) to 7
     std::optional<KeyRanking> key;
 
     double seconds() const { return static_cast<double>(frames) / rate; }

@@ -7,7 +7,8 @@
 
 namespace app {
 
-FeedSink::FeedSink(std::function<void(StereoBlock&)> feed, std::function<void(std::int64_t)> counted)
+FeedSink::FeedSink(std::function<void(StereoBlock&)> feed,
+                   std::function<void(std::int64_t)> counted)
     : feed_(std::move(feed)), counted_(std::move(counted)) {}
 
 void FeedSink::put(StereoBlock& block) {

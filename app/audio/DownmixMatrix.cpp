@@ -19,27 +19,34 @@ DownmixGain gainOf(AVChannel channel) {
     case AV_CHAN_FRONT_LEFT:
     case AV_CHAN_STEREO_LEFT:
     case AV_CHAN_WIDE_LEFT:
-    case AV_CHAN_FRONT_LEFT_OF_CENTER: return {1.0F, 0.0F};
+    case AV_CHAN_FRONT_LEFT_OF_CENTER:
+        return {1.0F, 0.0F};
     case AV_CHAN_FRONT_RIGHT:
     case AV_CHAN_STEREO_RIGHT:
     case AV_CHAN_WIDE_RIGHT:
-    case AV_CHAN_FRONT_RIGHT_OF_CENTER: return {0.0F, 1.0F};
+    case AV_CHAN_FRONT_RIGHT_OF_CENTER:
+        return {0.0F, 1.0F};
     case AV_CHAN_SIDE_LEFT:
     case AV_CHAN_BACK_LEFT:
     case AV_CHAN_SURROUND_DIRECT_LEFT:
     case AV_CHAN_TOP_FRONT_LEFT:
-    case AV_CHAN_TOP_BACK_LEFT: return {kMinus3dB, 0.0F};
+    case AV_CHAN_TOP_BACK_LEFT:
+        return {kMinus3dB, 0.0F};
     case AV_CHAN_SIDE_RIGHT:
     case AV_CHAN_BACK_RIGHT:
     case AV_CHAN_SURROUND_DIRECT_RIGHT:
     case AV_CHAN_TOP_FRONT_RIGHT:
-    case AV_CHAN_TOP_BACK_RIGHT: return {0.0F, kMinus3dB};
-    case AV_CHAN_FRONT_CENTER: return {kMinus3dB, kMinus3dB};
+    case AV_CHAN_TOP_BACK_RIGHT:
+        return {0.0F, kMinus3dB};
+    case AV_CHAN_FRONT_CENTER:
+        return {kMinus3dB, kMinus3dB};
     case AV_CHAN_BACK_CENTER:
     case AV_CHAN_TOP_CENTER:
     case AV_CHAN_TOP_FRONT_CENTER:
-    case AV_CHAN_TOP_BACK_CENTER: return {0.5F, 0.5F};
-    default: return {0.0F, 0.0F};
+    case AV_CHAN_TOP_BACK_CENTER:
+        return {0.5F, 0.5F};
+    default:
+        return {0.0F, 0.0F};
     }
 }
 
@@ -60,8 +67,9 @@ std::vector<DownmixGain> byPlace(const AVChannelLayout& layout) {
 }
 
 bool isSilent(const std::vector<DownmixGain>& gains) {
-    return std::all_of(gains.begin(), gains.end(),
-                       [](const DownmixGain& gain) { return gain.left == 0.0F && gain.right == 0.0F; });
+    return std::all_of(gains.begin(), gains.end(), [](const DownmixGain& gain) {
+        return gain.left == 0.0F && gain.right == 0.0F;
+    });
 }
 
 void keepBelowFullScale(std::vector<DownmixGain>& gains) {
@@ -89,7 +97,8 @@ std::vector<DownmixGain> byCount(int channels) {
 
 std::vector<DownmixGain> downmixGains(const AVChannelLayout& layout) {
     if (layout.nb_channels == 1) return {{1.0F, 1.0F}};
-    const bool hasPlaces = layout.order == AV_CHANNEL_ORDER_NATIVE || layout.order == AV_CHANNEL_ORDER_CUSTOM;
+    const bool hasPlaces =
+        layout.order == AV_CHANNEL_ORDER_NATIVE || layout.order == AV_CHANNEL_ORDER_CUSTOM;
     auto gains = hasPlaces ? byPlace(layout) : byCount(layout.nb_channels);
     if (isSilent(gains)) gains = alternating(gains.size());
     keepBelowFullScale(gains);

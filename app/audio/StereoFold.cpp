@@ -29,12 +29,14 @@ const StereoBlock& StereoFold::fold(const AVFrame& frame) {
 }
 
 bool StereoFold::isPreparedFor(const AVFrame& frame) const {
-    return context_ && frame.format == format_ && av_channel_layout_compare(&frame.ch_layout, &layout_) == 0;
+    return context_ && frame.format == format_ &&
+           av_channel_layout_compare(&frame.ch_layout, &layout_) == 0;
 }
 
 void StereoFold::prepareFor(const AVFrame& frame) {
     const auto channels = static_cast<std::size_t>(frame.ch_layout.nb_channels);
-    if (channels == 0 || av_channel_layout_copy(&layout_, &frame.ch_layout) < 0) throw std::bad_alloc();
+    if (channels == 0 || av_channel_layout_copy(&layout_, &frame.ch_layout) < 0)
+        throw std::bad_alloc();
     format_ = frame.format;
     gains_ = downmixGains(layout_);
     planes_.assign(channels, {});
@@ -59,7 +61,8 @@ void StereoFold::toPlanarFloat(const AVFrame& frame) {
         outputs.push_back(reinterpret_cast<std::uint8_t*>(plane.data()));
     }
     auto** inputs = const_cast<const std::uint8_t**>(frame.extended_data);
-    const int converted = swr_convert(context_.get(), outputs.data(), frame.nb_samples, inputs, frame.nb_samples);
+    const int converted =
+        swr_convert(context_.get(), outputs.data(), frame.nb_samples, inputs, frame.nb_samples);
     if (converted != frame.nb_samples) {
         throw TrackError("holds audio in a sample format that cannot be converted");
     }

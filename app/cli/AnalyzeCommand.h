@@ -15,7 +15,9 @@ namespace app {
 class AnalyzeCommand : public Command {
 public:
     std::string name() const override { return "analyze"; }
-    std::string description() const override { return "Tell tempo, beats, key and length of tracks"; }
+    std::string description() const override {
+        return "Tell tempo, beats, key and length of tracks";
+    }
     void declare(CLI::App& arguments) override;
     ExitCode run(ResultStream& results) override;
 

@@ -13,7 +13,9 @@ namespace app {
 class DrawCommand : public Command {
 public:
     std::string name() const override { return "draw"; }
-    std::string description() const override { return "Draw a track's waveforms and beat grid as a picture"; }
+    std::string description() const override {
+        return "Draw a track's waveforms and beat grid as a picture";
+    }
     void declare(CLI::App& arguments) override;
     ExitCode run(ResultStream& results) override;
 

@@ -38,7 +38,8 @@ void DotsPanel::draw(Canvas& canvas) const {
             continue;
         }
         const double share = strength(level);
-        canvas.fillCircle(x, area_.centerY(), kLeastRadius + share * (kLargestRadius - kLeastRadius),
+        canvas.fillCircle(x, area_.centerY(),
+                          kLeastRadius + share * (kLargestRadius - kLeastRadius),
                           palette::kDot.withAlpha(kLeastAlpha + share * (1.0 - kLeastAlpha)));
     }
 }

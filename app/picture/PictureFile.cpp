@@ -45,23 +45,28 @@ cairo_status_t writeBytes(void* closure, const unsigned char* bytes, unsigned co
 void requireSuccess(cairo_status_t status, const Output& output) {
     if (output.failure) std::rethrow_exception(output.failure);
     if (status != CAIRO_STATUS_SUCCESS) {
-        throw OutputError(std::string("the picture cannot be drawn: ") + cairo_status_to_string(status));
+        throw OutputError(std::string("the picture cannot be drawn: ") +
+                          cairo_status_to_string(status));
     }
 }
 
-void drawOn(cairo_surface_t* surface, double scale, const TrackReport& report, const PictureOptions& options) {
+void drawOn(cairo_surface_t* surface, double scale, const TrackReport& report,
+            const PictureOptions& options) {
     Canvas canvas(surface, scale);
     TrackPicture(report, options).draw(canvas);
 }
 
-void writePng(const TrackReport& report, const PictureOptions& options, double scale, Output& output) {
+void writePng(const TrackReport& report, const PictureOptions& options, double scale,
+              Output& output) {
     const int height = static_cast<int>(std::lround(TrackPicture::kHeight * scale));
-    const SurfacePointer surface(cairo_image_surface_create(CAIRO_FORMAT_RGB24, options.widthPixels, height));
+    const SurfacePointer surface(
+        cairo_image_surface_create(CAIRO_FORMAT_RGB24, options.widthPixels, height));
     drawOn(surface.get(), scale, report, options);
     requireSuccess(cairo_surface_write_to_png_stream(surface.get(), writeBytes, &output), output);
 }
 
-void writeSvg(const TrackReport& report, const PictureOptions& options, double scale, Output& output) {
+void writeSvg(const TrackReport& report, const PictureOptions& options, double scale,
+              Output& output) {
     const double height = TrackPicture::kHeight * scale;
     const SurfacePointer surface(
         cairo_svg_surface_create_for_stream(writeBytes, &output, options.widthPixels, height));
@@ -87,8 +92,10 @@ void writePicture(const TrackReport& report, const PictureOptions& options, Pict
     OutputFile file(path);
     Output output{file, nullptr};
     const double scale = options.widthPixels / TrackPicture::kWidth;
-    if (format == PictureFormat::png) writePng(report, options, scale, output);
-    else writeSvg(report, options, scale, output);
+    if (format == PictureFormat::png)
+        writePng(report, options, scale, output);
+    else
+        writeSvg(report, options, scale, output);
     file.commit();
 }
 

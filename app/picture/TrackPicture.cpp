@@ -56,8 +56,9 @@ void TrackPicture::drawHeading(Canvas& canvas) const {
     canvas.text(kMargin, kTitleY, canvas.fitted(titleOf(report_), kTitle, room), kTitle);
     const AnalysisResult& analysis = report_.analysis;
     canvas.text(kMargin, kSubtitleY,
-                fmt::format("{}   {}   {} Hz{}", clockTime(analysis.seconds()), report_.format.codec,
-                            grouped(report_.format.trackRate), report_.isCutOff ? "   cut off" : ""),
+                fmt::format("{}   {}   {} Hz{}", clockTime(analysis.seconds()),
+                            report_.format.codec, grouped(report_.format.trackRate),
+                            report_.isCutOff ? "   cut off" : ""),
                 kSubtitle);
 }
 

@@ -11,7 +11,8 @@ namespace {
 constexpr double kLeadSeconds = 0.1;
 
 double loudestStart(const std::vector<WavePoint>& wave, double spanSeconds) {
-    const auto span = std::min(static_cast<std::size_t>(spanSeconds * kZoomPointsPerSecond), wave.size());
+    const auto span =
+        std::min(static_cast<std::size_t>(spanSeconds * kZoomPointsPerSecond), wave.size());
     double sum = 0.0;
     double loudest = -1.0;
     std::size_t start = 0;
@@ -43,8 +44,10 @@ ZoomStretch chooseZoomStretch(const AnalysisResult& analysis, const PictureOptio
     const double length = analysis.seconds();
     const double span = std::min(options.zoomSpanSeconds, length);
     double from = 0.0;
-    if (options.zoomFromSeconds) from = *options.zoomFromSeconds;
-    else if (span < length) from = atDownbeat(analysis, loudestStart(analysis.zoomWave, span));
+    if (options.zoomFromSeconds)
+        from = *options.zoomFromSeconds;
+    else if (span < length)
+        from = atDownbeat(analysis, loudestStart(analysis.zoomWave, span));
     from = std::clamp(from, 0.0, length - span);
     return {from, from + span};
 }

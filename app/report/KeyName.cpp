@@ -8,15 +8,14 @@ namespace app {
 namespace {
 
 constexpr int kNotes = 12;
-constexpr int kFromAToC = 3;         // semitones; also from a minor key to its relative major
+constexpr int kFromAToC = 3;  // semitones; also from a minor key to its relative major
 constexpr int kSemitonesOfFifth = 7;
 constexpr int kCamelotHourOfC = 8;
 
 constexpr std::array<const char*, 24> kNames = {
-    "A major", "Bb major", "B major", "C major", "Db major", "D major",
-    "Eb major", "E major", "F major", "F# major", "G major", "Ab major",
-    "A minor", "Bb minor", "B minor", "C minor", "C# minor", "D minor",
-    "Eb minor", "E minor", "F minor", "F# minor", "G minor", "G# minor"};
+    "A major",  "Bb major", "B major",  "C major",  "Db major", "D major",  "Eb major", "E major",
+    "F major",  "F# major", "G major",  "Ab major", "A minor",  "Bb minor", "B minor",  "C minor",
+    "C# minor", "D minor",  "Eb minor", "E minor",  "F minor",  "F# minor", "G minor",  "G# minor"};
 
 }  // namespace
 

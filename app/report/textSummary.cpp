@@ -41,20 +41,25 @@ std::string lengthText(const AnalysisResult& analysis) {
 /** The range of the local tempos when they differ, else nothing. */
 std::string tempoRange(const std::vector<Beat>& beats) {
     if (beats.empty()) return {};
-    const auto [slowest, fastest] = std::minmax_element(
-        beats.begin(), beats.end(), [](const Beat& a, const Beat& b) { return a.bpm100 < b.bpm100; });
+    const auto [slowest, fastest] =
+        std::minmax_element(beats.begin(), beats.end(),
+                            [](const Beat& a, const Beat& b) { return a.bpm100 < b.bpm100; });
     if (slowest->bpm100 == fastest->bpm100) return {};
-    return fmt::format(", {} to {} along the track", bpmText(slowest->bpm100), bpmText(fastest->bpm100));
+    return fmt::format(", {} to {} along the track", bpmText(slowest->bpm100),
+                       bpmText(fastest->bpm100));
 }
 
 std::string beatsText(const AnalysisResult& analysis) {
     const std::vector<Beat>& beats = analysis.beats;
     if (beats.empty()) return "none found";
-    std::string text = fmt::format("{}, first at {}", counted(static_cast<std::int64_t>(beats.size()), "beat"),
-                                   clockTime(analysis.secondsAt(beats.front().frame)));
-    const auto downbeat = std::find_if(beats.begin(), beats.end(), [](const Beat& b) { return b.isDownbeat(); });
+    std::string text =
+        fmt::format("{}, first at {}", counted(static_cast<std::int64_t>(beats.size()), "beat"),
+                    clockTime(analysis.secondsAt(beats.front().frame)));
+    const auto downbeat =
+        std::find_if(beats.begin(), beats.end(), [](const Beat& b) { return b.isDownbeat(); });
     if (downbeat == beats.end()) return text;
-    const auto bars = std::count_if(beats.begin(), beats.end(), [](const Beat& b) { return b.isDownbeat(); });
+    const auto bars =
+        std::count_if(beats.begin(), beats.end(), [](const Beat& b) { return b.isDownbeat(); });
     return text + fmt::format("; {}, first at {}", counted(bars, "bar"),
                               clockTime(analysis.secondsAt(downbeat->frame)));
 }
@@ -62,14 +67,15 @@ std::string beatsText(const AnalysisResult& analysis) {
 std::string keyDetails(const KeyRanking& ranking) {
     const KeyName best(ranking.keys[0]);
     const KeyName next(ranking.keys[1]);
-    return fmt::format("{}, {}, {}, number {}; next {} ({}), {:.1f} % behind", best.musical(), best.camelot(),
-                       best.openKey(), best.number(), next.musical(), next.camelot(),
-                       ranking.runnerUpDistance() * 100.0);
+    return fmt::format("{}, {}, {}, number {}; next {} ({}), {:.1f} % behind", best.musical(),
+                       best.camelot(), best.openKey(), best.number(), next.musical(),
+                       next.camelot(), ranking.runnerUpDistance() * 100.0);
 }
 
 std::string wavesText(const AnalysisResult& analysis) {
-    return fmt::format("{} loudness, {} dots, {} zoom points", grouped(std::ssize(analysis.loudWave)),
-                       grouped(std::ssize(analysis.dotsWave)), grouped(std::ssize(analysis.zoomWave)));
+    return fmt::format(
+        "{} loudness, {} dots, {} zoom points", grouped(std::ssize(analysis.loudWave)),
+        grouped(std::ssize(analysis.dotsWave)), grouped(std::ssize(analysis.zoomWave)));
 }
 
 }  // namespace
@@ -95,7 +101,8 @@ std::string textSummary(const TrackReport& report) {
         text += line("tempo", tempoText(report) + tempoRange(analysis.beats));
         text += line("beats", beatsText(analysis));
     }
-    if (options.wantsKey) text += line("key", analysis.key ? keyDetails(*analysis.key) : keyText(report));
+    if (options.wantsKey)
+        text += line("key", analysis.key ? keyDetails(*analysis.key) : keyText(report));
     text += line("waves", wavesText(analysis));
     return text;
 }

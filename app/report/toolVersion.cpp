@@ -14,8 +14,8 @@ std::string toolVersion() {
 }
 
 std::string versionText() {
-    return fmt::format("beatatlas {}\nFFmpeg {}, {}, cairo {}\n", toolVersion(), av_version_info(), soxr_version(),
-                       cairo_version_string());
+    return fmt::format("beatatlas {}\nFFmpeg {}, {}, cairo {}\n", toolVersion(), av_version_info(),
+                       soxr_version(), cairo_version_string());
 }
 
 }  // namespace app

@@ -14,8 +14,8 @@ namespace {
 using Json = nlohmann::ordered_json;
 
 constexpr int kZoomPointsPerSecond = 150;
-constexpr std::array<const char*, kPitchClassCount> kNoteNames = {"A",  "Bb", "B", "C",  "C#", "D",
-                                                                  "Eb", "E",  "F", "F#", "G",  "G#"};
+constexpr std::array<const char*, kPitchClassCount> kNoteNames = {
+    "A", "Bb", "B", "C", "C#", "D", "Eb", "E", "F", "F#", "G", "G#"};
 
 std::string hexadecimal(const std::string& bytes) {
     std::string text;
@@ -36,10 +36,14 @@ double bpmOf(int bpm100) {
 
 const char* tempoModeName(TempoMode mode) {
     switch (mode) {
-    case TempoMode::constant: return "constant";
-    case TempoMode::varied: return "varied";
-    case TempoMode::simple: return "simple";
-    case TempoMode::off: break;
+    case TempoMode::constant:
+        return "constant";
+    case TempoMode::varied:
+        return "varied";
+    case TempoMode::simple:
+        return "simple";
+    case TempoMode::off:
+        break;
     }
     return "off";
 }
@@ -92,7 +96,8 @@ Json rankingJson(const KeyRanking& key) {
 Json notesJson(const KeyRanking& key) {
     Json notes = Json::array();
     for (std::size_t i = 0; i < kNoteNames.size(); ++i) {
-        notes.push_back({{"note", kNoteNames[i]}, {"count", key.noteCounts[i]}, {"share", key.noteShares[i]}});
+        notes.push_back(
+            {{"note", kNoteNames[i]}, {"count", key.noteCounts[i]}, {"share", key.noteShares[i]}});
     }
     return notes;
 }

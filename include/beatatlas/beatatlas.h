@@ -110,22 +110,28 @@ extern "C" {
  *  @{ */
 
 /** Tempo may vary along the track; 48,000 frames per second. The same as BA_CreateVaried48k. */
-BA_API void* BA_Create48k(int totalSamples, int sectionBeats, bool useLoud, bool useZoom, bool useKey);
+BA_API void* BA_Create48k(int totalSamples, int sectionBeats, bool useLoud, bool useZoom,
+                          bool useKey);
 
 /** Tempo may vary along the track; 44,100 frames per second. The same as BA_CreateVaried44k. */
-BA_API void* BA_Create44k(int totalSamples, int sectionBeats, bool useLoud, bool useZoom, bool useKey);
+BA_API void* BA_Create44k(int totalSamples, int sectionBeats, bool useLoud, bool useZoom,
+                          bool useKey);
 
 /** Tempo may vary along the track; 48,000 frames per second. */
-BA_API void* BA_CreateVaried48k(int totalSamples, int sectionBeats, bool useLoud, bool useZoom, bool useKey);
+BA_API void* BA_CreateVaried48k(int totalSamples, int sectionBeats, bool useLoud, bool useZoom,
+                                bool useKey);
 
 /** Tempo may vary along the track; 44,100 frames per second. */
-BA_API void* BA_CreateVaried44k(int totalSamples, int sectionBeats, bool useLoud, bool useZoom, bool useKey);
+BA_API void* BA_CreateVaried44k(int totalSamples, int sectionBeats, bool useLoud, bool useZoom,
+                                bool useKey);
 
 /** One tempo for the whole track, fine-tuned at the end; 48,000 frames per second. */
-BA_API void* BA_CreateConst48k(int totalSamples, int sectionBeats, bool useLoud, bool useZoom, bool useKey);
+BA_API void* BA_CreateConst48k(int totalSamples, int sectionBeats, bool useLoud, bool useZoom,
+                               bool useKey);
 
 /** One tempo for the whole track, fine-tuned at the end; 44,100 frames per second. */
-BA_API void* BA_CreateConst44k(int totalSamples, int sectionBeats, bool useLoud, bool useZoom, bool useKey);
+BA_API void* BA_CreateConst44k(int totalSamples, int sectionBeats, bool useLoud, bool useZoom,
+                               bool useKey);
 /** @} */
 
 /** Destroys the session and all it owns. Null: nothing. The handle must not be used again. */
@@ -207,8 +213,8 @@ BA_API int BA_GetMainKey(void* session);
  *  @param in        inCount samples
  *  @param ratio     ignored
  *  @param reserved  ignored */
-BA_API void BA_Resample(void* session, float* out, long outCount, float* in, long inCount, float ratio, int step,
-                        long reserved);
+BA_API void BA_Resample(void* session, float* out, long outCount, float* in, long inCount,
+                        float ratio, int step, long reserved);
 
 /** Removes percussive beats from a mono buffer.
  *  @param out   n samples; those past the last whole frame stay untouched
@@ -223,14 +229,16 @@ BA_API void BA_CutBeats(void* session, float* out, float* in, int n, float rate,
  *  @param hopDivisor  divides the hop between frames
  *  @param mode        0 to 4: search plan
  *  @return 434.0 for silence and for buffers too short to tell; 0.0 for a null handle */
-BA_API float BA_PitchDetect(void* session, float* samples, int n, float rate, int hopDivisor, int mode);
+BA_API float BA_PitchDetect(void* session, float* samples, int n, float rate, int hopDivisor,
+                            int mode);
 
 /** Finds the key of a mono buffer, numbered as by BA_GetMainKey.
  *  @param samples     n mono samples at rate
  *  @param ref         what A4 is tuned to, in Hz (440.0)
  *  @param hopDivisor  divides the hop between frames
  *  @param mode        0 to 4: hop rule and scoring weights */
-BA_API int BA_GetKey(void* session, float* samples, long n, float rate, float ref, int hopDivisor, int mode);
+BA_API int BA_GetKey(void* session, float* samples, long n, float rate, float ref, int hopDivisor,
+                     int mode);
 /** @} */
 
 #ifdef __cplusplus

@@ -22,20 +22,28 @@
 /** @name Creating a session
  *  As in beatatlas.h: totalSamples frames, sectionBeats (0: no beat analysis), then what is wanted.
  *  @{ */
-BA_API void* BA_Create48k(int totalSamples, int sectionBeats, bool useLoud, bool useZoom, bool useKey);
-BA_API void* BA_Create44k(int totalSamples, int sectionBeats, bool useLoud, bool useZoom, bool useKey);
-BA_API void* BA_CreateVaried48k(int totalSamples, int sectionBeats, bool useLoud, bool useZoom, bool useKey);
-BA_API void* BA_CreateVaried44k(int totalSamples, int sectionBeats, bool useLoud, bool useZoom, bool useKey);
-BA_API void* BA_CreateConst48k(int totalSamples, int sectionBeats, bool useLoud, bool useZoom, bool useKey);
-BA_API void* BA_CreateConst44k(int totalSamples, int sectionBeats, bool useLoud, bool useZoom, bool useKey);
+BA_API void* BA_Create48k(int totalSamples, int sectionBeats, bool useLoud, bool useZoom,
+                          bool useKey);
+BA_API void* BA_Create44k(int totalSamples, int sectionBeats, bool useLoud, bool useZoom,
+                          bool useKey);
+BA_API void* BA_CreateVaried48k(int totalSamples, int sectionBeats, bool useLoud, bool useZoom,
+                                bool useKey);
+BA_API void* BA_CreateVaried44k(int totalSamples, int sectionBeats, bool useLoud, bool useZoom,
+                                bool useKey);
+BA_API void* BA_CreateConst48k(int totalSamples, int sectionBeats, bool useLoud, bool useZoom,
+                               bool useKey);
+BA_API void* BA_CreateConst44k(int totalSamples, int sectionBeats, bool useLoud, bool useZoom,
+                               bool useKey);
 
 /** A simple session: beats are sensed in the first rangeSamples frames only, and the grid is strictly regular over
  *  the whole track. Beat analysis is always on.
  *
  *  @param rangeSamples  frames in which beats are sensed; below 1 or above totalSamples: one minute, or the whole
  *                       track when that is shorter */
-BA_API void* BA_CreateSimple48k(int totalSamples, int rangeSamples, bool useLoud, bool useZoom, bool useKey);
-BA_API void* BA_CreateSimple44k(int totalSamples, int rangeSamples, bool useLoud, bool useZoom, bool useKey);
+BA_API void* BA_CreateSimple48k(int totalSamples, int rangeSamples, bool useLoud, bool useZoom,
+                                bool useKey);
+BA_API void* BA_CreateSimple44k(int totalSamples, int rangeSamples, bool useLoud, bool useZoom,
+                                bool useKey);
 /** @} */
 
 /** @name As in beatatlas.h
@@ -77,11 +85,13 @@ BA_API int BA_GetNoteEncountVal(void* session, double* out);
 /** @name Utilities on a caller's buffer
  *  As in beatatlas.h.
  *  @{ */
-BA_API void BA_Resample(void* session, float* out, long outCount, float* in, long inCount, float ratio, int step,
-                        long reserved);
+BA_API void BA_Resample(void* session, float* out, long outCount, float* in, long inCount,
+                        float ratio, int step, long reserved);
 BA_API void BA_CutBeats(void* session, float* out, float* in, int n, float rate, int div, int mode);
-BA_API float BA_PitchDetect(void* session, float* samples, int n, float rate, int hopDivisor, int mode);
-BA_API int BA_GetKey(void* session, float* samples, long n, float rate, float ref, int hopDivisor, int mode);
+BA_API float BA_PitchDetect(void* session, float* samples, int n, float rate, int hopDivisor,
+                            int mode);
+BA_API int BA_GetKey(void* session, float* samples, long n, float rate, float ref, int hopDivisor,
+                     int mode);
 /** @} */
 
 #endif

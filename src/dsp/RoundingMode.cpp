@@ -5,9 +5,13 @@
 
 namespace beatatlas {
 
-void setRoundTowardZero() { std::fesetround(FE_TOWARDZERO); }
+void setRoundTowardZero() {
+    std::fesetround(FE_TOWARDZERO);
+}
 
-TowardZeroScope::TowardZeroScope() : callersMode_(std::fegetround()) { setRoundTowardZero(); }
+TowardZeroScope::TowardZeroScope() : callersMode_(std::fegetround()) {
+    setRoundTowardZero();
+}
 
 TowardZeroScope::~TowardZeroScope() {
     if (callersMode_ >= 0) std::fesetround(callersMode_);

@@ -9,4 +9,6 @@ BA_CHECK(beat_bpm_offset, offsetof(BA_BeatInfo, bpm) == 8);
 BA_CHECK(wave_size, sizeof(BA_WaveInfo) == 8);
 BA_CHECK(wave_color_offset, offsetof(BA_WaveInfo, color) == 4);
 
-void* beatatlas_header_check(void) { return BA_Create48k(1, 0, false, false, false); }
+void* beatatlas_header_check(void) {
+    return BA_Create48k(1, 0, false, false, false);
+}

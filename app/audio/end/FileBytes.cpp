@@ -5,7 +5,8 @@
 
 namespace app {
 
-FileBytes::FileBytes(const FileInput& input, std::int64_t offset, std::size_t count) : bytes_(count, '\0') {
+FileBytes::FileBytes(const FileInput& input, std::int64_t offset, std::size_t count)
+    : bytes_(count, '\0') {
     bytes_.resize(input.readAt(offset, bytes_.data(), count));
 }
 

@@ -14,7 +14,8 @@ constexpr std::uint64_t kHeaderId = 0x1A45DFA3;
 constexpr std::uint64_t kSegmentId = 0x18538067;
 
 /** An element's end; nothing when its length is unknown (all ones), as live streams have it. */
-std::optional<std::int64_t> elementEnd(const FileInput& input, std::int64_t offset, std::uint64_t id) {
+std::optional<std::int64_t> elementEnd(const FileInput& input, std::int64_t offset,
+                                       std::uint64_t id) {
     const FileBytes header(input, offset, 16);
     if (header.bigEndian(0, kIdBytes) != id || header.byte(kIdBytes) == 0) return std::nullopt;
     // The length's own length is told by the leading zeros of its first byte (RFC 8794).
