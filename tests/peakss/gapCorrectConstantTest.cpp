@@ -100,6 +100,19 @@ TEST_F(GapCorrectConstantTest, LongGridDoesNotDrift) {
     EXPECT_EQ(grid[3000].pos, 999999);
 }
 
+// The beat length has 24 bits, so that any multiple of it is exact in double. Reckoned in single precision, the start
+// of the grid would be off by up to a sixteenth of a sample, and one beat in some twenty would truncate otherwise.
+TEST_F(GapCorrectConstantTest, EveryBeatLiesAWholeNumberOfBeatsFromTheFirstAnchor) {
+    BeatList grid = beatsAt({1000001, 1168002});
+    for (int i = 0; i < 6; ++i) grid.insert(grid.begin() + 1, beatAt(1100000));
+    gapCorrectConstant(grid, 100000000, 0, 7, kRate);
+    ASSERT_GT(grid.size(), 4000U);
+    const auto beat = static_cast<double>(168001.0F / 7.0F);
+    for (int i = 0; i < static_cast<int>(grid.size()); ++i)
+        ASSERT_EQ(grid[static_cast<std::size_t>(i)].pos,
+                  static_cast<int>(1000001.0 + (i - 41) * beat));
+}
+
 // Beyond 2^24 samples single precision knows only even positions; the anchor 20000001 counts as 20000000.
 TEST_F(GapCorrectConstantTest, AnchorsAreSinglePrecision) {
     BeatList grid = beatsAt({19000000, 20000001});

@@ -212,6 +212,24 @@ TEST_F(GridLayingTest, SegmentShorterThanAPhraseIsMeasuredAsFarAsItGoes) {
     EXPECT_EQ(grid.lastAnchor, 10);
 }
 
+// Beats 0 to 44 are heard, the last of them where the track ends, and each is an anchor. Its grid beat lies 144 samples
+// before the end and is tied to it, in whatever part of a phrase the walk has ended.
+TEST_P(GridLayingInAnyPhraseTest, BeatsBehindTheLastPhraseTakeAnchorsUpToTheWalksEnd) {
+    const LaidGrid grid =
+        laid({fitted(0, 500.0F, 4, 0)}, evenBeats(0, 24000, 45), GetParam(), 44 * 24000);
+    EXPECT_EQ(bandsOf(grid.beats), Bands(45, 2));
+    EXPECT_EQ(grid.lastAnchor, 44);
+}
+
+// The end lies exactly where beat 20, or beat 10, would be laid.
+TEST_P(GridLayingInAnyPhraseTest, NoBeatStandsAtTheEnd) {
+    for (const int beats : {20, 10}) {
+        const LaidGrid grid = laid({fitted(0, 500.0F, 4, 0)}, evenBeats(0, 24000, 45), GetParam(),
+                                   beats * 24000 - 144);
+        EXPECT_EQ(positionsOf(grid.beats), evenPositions(-144, 24000, beats));
+    }
+}
+
 // A band-0 candidate is heard 30 ms late (1440 samples), the one of band 2 four beats on 3 ms (144): between the
 // beats themselves lie 4 × 24000. The walk expects 1440 + 96000 and finds 96144.
 TEST_F(GridLayingTest, MeasurementAllowsForTheBandsOfBothAnchors) {
@@ -348,6 +366,18 @@ TEST_F(GridLayingTest, CrowdedCandidatesDoNotHoldTheWalkBackForEver) {
     const LaidGrid grid = laid({fitted(0, 51.0F, 4, 0)}, raw, kPhraseOf4, 50000);
     ASSERT_FALSE(grid.beats.empty());
     EXPECT_LE(grid.beats.size(), 50000U / 2400U + 3U);
+}
+
+// From 0 the walk expects 2448 and is held back to 60, behind the end: one beat of 60 samples, or of less than nothing
+// when that candidate is heard 30 ms late. Neither is a beat; the segment's own length is laid, of which no further
+// beat lies before the end.
+TEST_F(GridLayingTest, MeasuredLengthThatIsNoBeatGivesWayToTheSegments) {
+    for (const int band : {2, 0}) {
+        const BeatList raw{beatAt(0), beatAt(60, 500.0F, 1, 20, band)};
+        const LaidGrid grid = laid({fitted(0, 51.0F, 4, 0)}, raw, kPhraseOf32, 50);
+        EXPECT_EQ(positionsOf(grid.beats), (Positions{-144}));
+        EXPECT_EQ(grid.beats[0].interval, 51.0F);
+    }
 }
 
 TEST_F(GridLayingTest, SegmentsAcrossTheWholeNumberRangeAreSafe) {

@@ -82,6 +82,39 @@ TEST_F(SegmentAdjustmentTest, ClearHitAtTheMeasuredIntervalEndsTheSearch) {
     EXPECT_EQ(segments[0].interval, 500.0F);
 }
 
+// Beats of 502 ms (24096 samples) in 40 of some 78 places. At 500 ms every beat is met, 96 samples off, for
+// 3000 + 39 × 2904 = 116256 points; half of what the range could give is 117618, so the search goes on. At 501 ms
+// 3006 + 39 × 2958 = 118368 points pass 117619, which ends nothing any more: 502 ms meet each beat exactly,
+// 10 × 3012 × 4 = 120480.
+TEST_F(SegmentAdjustmentTest, ClearHitAtAnotherIntervalEndsNothing) {
+    const BeatList segments = adjusted({segmentAt(0)}, evenBeats(0, 24096, 40), 1881898);
+    expectSegment(segments[0], 0, 502.0F, 16, 0);
+}
+
+// The list of the clear hit above, then a second segment of 156 beats without a candidate: the first is judged by its
+// own beats alone.
+TEST_F(SegmentAdjustmentTest, SegmentIsJudgedUpToTheStartOfTheNext) {
+    const BeatList segments =
+        adjusted({segmentAt(0), segmentAt(44 * 24048)}, evenBeats(0, 24048, 45), 200 * 24048);
+    EXPECT_EQ(segments[0].interval, 500.0F);
+}
+
+// The lower bound lies an eighth of the segment's beat behind the raw beat before it, 744000 + 2400. From 746304 on the
+// walk would meet ten beats as well, and an earlier origin would win, but that lies before the bound.
+TEST_F(SegmentAdjustmentTest, SegmentStaysAnEighthBehindThePreviousBeat) {
+    const BeatList raw = joined(evenBeats(0, 24000, 32), evenBeats(765500, 19200, 40, 400.0F));
+    const BeatList segments = adjusted({segmentAt(0), segmentAt(765500, 400.0F)}, raw, 1533500);
+    expectSegment(segments[1], 765500, 400.0F, 16, 0);
+}
+
+// No raw beat before the boundary: the bound lies an eighth before the first one, 100000 − 3000, and the beat is found.
+TEST_F(SegmentAdjustmentTest, SegmentAtTheFirstBeatReachesAnEighthBeforeIt) {
+    const BeatList segments = adjusted({segmentAt(0), segmentAt(110000)},
+                                       evenBeats(100000, 24000, 40), 100000 + 40 * 24000);
+    EXPECT_EQ(segments[1].pos, 100000);
+    EXPECT_EQ(segments[1].band, 0);
+}
+
 // Two beats, 2 beats apart. Every 4 beats a walk meets one of them, for 3000 points; every 2 beats both, 6000
 // against the doubled 3000, no strict gain; every beat both, 6000 against 12000. So the widest spacing stays.
 TEST_F(SegmentAdjustmentTest, NarrowerSpacingMustMoreThanDoubleTheScore) {
