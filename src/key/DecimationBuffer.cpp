@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <cstddef>
 
-#include "dsp/sampleBlocks.h"
 #include "dsp/truncation.h"
 #include "key/frameTiming.h"
 
@@ -21,11 +20,10 @@ void DecimationBuffer::reset() {
     position_ = 0;
 }
 
-void DecimationBuffer::put(const double* filtered, int n) {
+void DecimationBuffer::put(const std::int16_t* filtered, int n) {
     const int passedOver = std::min(n, std::max(-position_, 0));
     if (n > passedOver)
-        truncateBlock(filtered + passedOver, samples_.get() + (position_ + passedOver),
-                      n - passedOver);
+        std::copy(filtered + passedOver, filtered + n, samples_.get() + (position_ + passedOver));
     position_ += n;
 }
 

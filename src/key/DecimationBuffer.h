@@ -20,19 +20,18 @@ public:
     /** Samples until the next frame is complete; with none missing, take it, then hop. */
     int missing() const { return kSamples - position_; }
 
-    /** Adds n samples, cut to 16 bits; 0 ≤ n ≤ missing(). */
-    void put(const double* filtered, int n);
+    /** Adds n samples; 0 ≤ n ≤ missing(). */
+    void put(const std::int16_t* filtered, int n);
 
-    /** Sample i of the frame, 0 ≤ i < kFrameSamples. */
-    std::int16_t frameSample(int i) const { return samples_[index(i * kSpacing)]; }
+    /** The complete frame: kFrameSamples of them, each so many entries after the one before. */
+    static constexpr int kSpacing = kSamples / kFrameSamples;
+    const std::int16_t* frame() const { return samples_.get(); }
 
     /** Makes room for the next 0.3 s. At rates above 54,600 that is more than the buffer holds: the position
      *  turns negative and the samples up to 0 are passed over. */
     void hop();
 
 private:
-    static constexpr int kSpacing = kSamples / kFrameSamples;
-
     static std::size_t index(int i) { return static_cast<std::size_t>(i); }
 
     std::unique_ptr<std::int16_t[]> samples_;

@@ -9,7 +9,6 @@
 #include <array>
 #include <cstddef>
 
-#include "dsp/sampleBlocks.h"
 #include "dsp/truncation.h"
 #include "key/ChromaFolder.h"
 #include "key/frameTiming.h"
@@ -19,7 +18,7 @@ namespace beatatlas {
 namespace {
 
 constexpr int kInputFrames = 16384;  // besides the windows of the transient suppression
-constexpr int kBatchFrames = 1024;   // filtered at once: stays in the nearest cache
+constexpr int kBatchFrames = 4096;   // filtered at once: stays in the nearest cache
 
 template <typename Range, typename T>
 int copyResults(const Range& from, T* out) {
@@ -134,10 +133,9 @@ void KeyRankMaker::analyzeAC(bool last) {
 }
 
 void KeyRankMaker::filterBatch(const std::int16_t* frames, int n) {
-    std::array<double, kBatchFrames> signal;
-    monoOfBlock(frames, signal.data(), n);
-    filter_.filter(signal.data(), signal.data(), n);
-    decimation_.put(signal.data(), n);
+    std::array<std::int16_t, kBatchFrames> filtered;
+    filter_.filter(frames, filtered.data(), n);
+    decimation_.put(filtered.data(), n);
 }
 
 void KeyRankMaker::analyzeFFT() {

@@ -45,7 +45,7 @@ void KeySpectrum::release() {
 const std::vector<double>& KeySpectrum::measure(const DecimationBuffer& samples) {
     for (int i = 0; i < kPoints; ++i) {
         const auto k = static_cast<std::size_t>(i);
-        re_[k] = static_cast<double>(samples.frameSample(i)) * hann_[k];
+        re_[k] = static_cast<double>(samples.frame()[DecimationBuffer::kSpacing * i]) * hann_[k];
         im_[k] = 0.0;
     }
     if (fft(kPoints, re_.get(), im_.get()) == 0)
