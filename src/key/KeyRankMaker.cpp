@@ -60,6 +60,7 @@ void KeyRankMaker::reset() {
 
 void KeyRankMaker::release() {
     input_.reset();
+    suppressor_.release();
     decimation_.release();
     spectrum_.release();
     spectrogram_.release();
