@@ -20,13 +20,6 @@ void DecimationBuffer::reset() {
     position_ = 0;
 }
 
-void DecimationBuffer::put(const std::int16_t* filtered, int n) {
-    const int passedOver = std::min(n, std::max(-position_, 0));
-    if (n > passedOver)
-        std::copy(filtered + passedOver, filtered + n, samples_.get() + (position_ + passedOver));
-    position_ += n;
-}
-
 void DecimationBuffer::hop() {
     position_ -= hopSamples_;
     if (position_ > 0)

@@ -6,7 +6,6 @@
 #include "key/KeyRankMaker.h"
 
 #include <algorithm>
-#include <array>
 #include <cstddef>
 
 #include "dsp/truncation.h"
@@ -18,7 +17,6 @@ namespace beatatlas {
 namespace {
 
 constexpr int kInputFrames = 16384;  // besides the windows of the transient suppression
-constexpr int kBatchFrames = 4096;   // filtered at once: stays in the nearest cache
 
 template <typename Range, typename T>
 int copyResults(const Range& from, T* out) {
@@ -122,8 +120,9 @@ void KeyRankMaker::analyzeAC(bool last) {
     const std::int16_t* frames = input_.get();
     while (left > 0) {
         // Never past the end of an analysis frame: it may be the last one.
-        const int batch = std::min({left, decimation_.missing(), kBatchFrames});
-        filterBatch(frames, batch);
+        const int batch = std::min(left, decimation_.room());
+        filter_.filter(frames, decimation_.end(), batch);
+        decimation_.add(batch);
         frames += 2 * static_cast<std::ptrdiff_t>(batch);
         left -= batch;
         if (decimation_.missing() > 0) continue;
@@ -131,12 +130,6 @@ void KeyRankMaker::analyzeAC(bool last) {
         decimation_.hop();
         if (frames_ >= maxFrames_) return;
     }
-}
-
-void KeyRankMaker::filterBatch(const std::int16_t* frames, int n) {
-    std::array<std::int16_t, kBatchFrames> filtered;
-    filter_.filter(frames, filtered.data(), n);
-    decimation_.put(filtered.data(), n);
 }
 
 void KeyRankMaker::analyzeFFT() {

@@ -23,9 +23,9 @@ protected:
     /** Puts samples until a frame is complete; returns how many it took. */
     int fill() {
         const int before = fed;
-        while (buffer.missing() > 0) {
-            const std::int16_t sample = sampleOf(fed++);
-            buffer.put(&sample, 1);
+        for (; buffer.missing() > 0; buffer.add(1)) {
+            EXPECT_GT(buffer.room(), 0);
+            *buffer.end() = sampleOf(fed++);
         }
         return fed - before;
     }
@@ -79,10 +79,9 @@ TEST_F(DecimationBufferTest, BlocksOfAnyLengthGiveTheSameFrames) {
             fed = 0;
             for (int frame = 0; frame < 3; ++frame) {
                 while (buffer.missing() > 0) {
-                    std::vector<std::int16_t> block;
-                    for (int n = std::min(length, buffer.missing()); n > 0; --n)
-                        block.push_back(sampleOf(fed++));
-                    buffer.put(block.data(), static_cast<int>(block.size()));
+                    const int n = std::min(length, buffer.room());
+                    for (int i = 0; i < n; ++i) buffer.end()[i] = sampleOf(fed++);
+                    buffer.add(n);
                 }
                 expectFrameFrom(fed - DecimationBuffer::kSamples);
                 buffer.hop();
