@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <memory>
 
+#include "audio/FrameChain.h"
 #include "audio/RateConverter.h"
 #include "audio/StereoFold.h"
 #include "audio/TrackSink.h"
@@ -14,23 +15,16 @@ namespace app {
  *
  *  The first frame decides the rate; a file whose rate changes on the way (radio recordings, joined files) is
  *  converted to that of its beginning. */
-class StereoChain {
+class StereoChain : public FrameChain {
 public:
     explicit StereoChain(TrackSink& sink) : sink_(sink) {}
 
-    /** Frames at the track's own rate that are decoded but belong to the encoder's delay. Before the first put(). */
-    void dropFrames(std::int64_t frames) { framesToDrop_ = frames; }
-
-    void put(const AVFrame& frame);
-
-    /** Keeps the time where a damaged stretch could not be decoded. Before the first frame: nothing.
-     *  @param frames  at the track's own rate */
-    void putSilence(std::int64_t frames);
-
-    void finish();
-
-    int trackRate() const { return trackRate_; }      ///< 0 before the first frame
-    int sessionRate() const { return sessionRate_; }  ///< 0 before the first frame
+    void dropFrames(std::int64_t frames) override { framesToDrop_ = frames; }
+    void put(const AVFrame& frame) override;
+    void putSilence(std::int64_t frames) override;
+    void finish() override;
+    int trackRate() const override { return trackRate_; }
+    int outputRate() const override { return sessionRate_; }
 
 private:
     void setTrackRate(int rate);

@@ -73,11 +73,11 @@ TEST_F(StereoChainTest, FoldsTheChannelsOfAFrame) {
 }
 
 TEST_F(StereoChainTest, TakesItsRateFromTheFirstFrame) {
-    EXPECT_EQ(chain_.sessionRate(), 0);
+    EXPECT_EQ(chain_.outputRate(), 0);
     chain_.put(*makeFloatFrame(96000, {std::vector<float>(960, 0.1F)}));
     chain_.finish();
     EXPECT_EQ(chain_.trackRate(), 96000);
-    EXPECT_EQ(chain_.sessionRate(), 48000);
+    EXPECT_EQ(chain_.outputRate(), 48000);
     EXPECT_EQ(recorder_.left.size(), 480U);
 }
 
@@ -86,7 +86,7 @@ TEST_F(StereoChainTest, KeepsTheRateOfTheBeginningWhenTheTracksChanges) {
     chain_.put(*makeFloatFrame(22050, {std::vector<float>(22050, 0.1F)}));
     chain_.put(*makeFloatFrame(44100, {std::vector<float>(44100, 0.1F)}));
     chain_.finish();
-    EXPECT_EQ(chain_.sessionRate(), 44100);
+    EXPECT_EQ(chain_.outputRate(), 44100);
     EXPECT_NEAR(static_cast<double>(recorder_.left.size()), 3.0 * 44100, 2.0);
 }
 
