@@ -3,6 +3,8 @@
 
 #include "cli/AnalyzeCommand.h"
 #include "cli/DrawCommand.h"
+#include "cli/KeyCommand.h"
+#include "cli/PitchCommand.h"
 
 namespace app {
 
@@ -10,6 +12,8 @@ std::vector<std::unique_ptr<Command>> makeCommands() {
     std::vector<std::unique_ptr<Command>> commands;
     commands.push_back(std::make_unique<AnalyzeCommand>());
     commands.push_back(std::make_unique<DrawCommand>());
+    commands.push_back(std::make_unique<PitchCommand>());
+    commands.push_back(std::make_unique<KeyCommand>());
     return commands;
 }
 

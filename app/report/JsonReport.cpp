@@ -5,7 +5,7 @@
 #include <nlohmann/json.hpp>
 
 #include "report/toolVersion.h"
-#include "report/trackJson.h"
+#include "report/jsonParts.h"
 
 namespace app {
 
@@ -18,19 +18,19 @@ constexpr int kFormatVersion = 1;
 
 void JsonReport::begin() {
     results_.write(
-        fmt::format(R"({{"format":"beatatlas.analysis","version":{},"tool":"{}","tracks":[)",
+        fmt::format(R"({{"format":"{}","version":{},"tool":"{}","tracks":[)", format_,
                     kFormatVersion, toolVersion()));
 }
 
-void JsonReport::add(const TrackReport& report) {
-    addEntry(trackJson(report, withWaves_));
+void JsonReport::add(const ReportEntry& entry) {
+    write(entry.json());
 }
 
 void JsonReport::addFailure(const std::string& path, const std::string& reason) {
-    addEntry(failureJson(path, reason));
+    write(failureJson(path, reason));
 }
 
-void JsonReport::addEntry(const nlohmann::ordered_json& entry) {
+void JsonReport::write(const nlohmann::ordered_json& entry) {
     results_.write(isFirst_ ? "\n" : ",\n");
     results_.write(entry.dump());
     isFirst_ = false;
