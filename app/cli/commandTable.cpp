@@ -2,6 +2,7 @@
 #include "cli/commandTable.h"
 
 #include "cli/AnalyzeCommand.h"
+#include "cli/CutCommand.h"
 #include "cli/DrawCommand.h"
 #include "cli/KeyCommand.h"
 #include "cli/PitchCommand.h"
@@ -14,6 +15,7 @@ std::vector<std::unique_ptr<Command>> makeCommands() {
     commands.push_back(std::make_unique<DrawCommand>());
     commands.push_back(std::make_unique<PitchCommand>());
     commands.push_back(std::make_unique<KeyCommand>());
+    commands.push_back(std::make_unique<CutCommand>());
     return commands;
 }
 
