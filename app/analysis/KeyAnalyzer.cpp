@@ -25,7 +25,7 @@ KeyReport KeyAnalyzer::analyze(const std::string& path, ProgressLine& progress) 
         TrackAnalyzer(keyAlone(), acceptsCutOff_).analyze(path, progress, [&](StereoBlock& block) {
             gatherer.put(block);
         });
-    ThinnedTrack track = gatherer.thinOut(report.format.sessionRate);
+    MonoTrack track = gatherer.thinOut(report.format.sessionRate);
     report.wanted = options_;
     report.pitchHz = options_.pitchHz;
     if (!report.pitchHz) report.pitchHz = findPitch(track, kPitchMode);

@@ -22,10 +22,11 @@ PitchReport PitchAnalyzer::analyze(const std::string& path, ProgressLine& progre
     PitchReport report;
     static_cast<TrackFile&>(report) = usableTrack(path, decoder, sink.frames(), acceptsCutOff_);
     report.frames = static_cast<int>(sink.frames());
-    report.mode = mode_;
+    report.options = options_;
     progress.show("listening", 0.9);
-    ThinnedTrack track = gatherer.thinOut(report.format.sessionRate);
-    report.pitchHz = findPitch(track, mode_);
+    const int rate = report.format.sessionRate;
+    MonoTrack track = options_.isFullRate ? gatherer.whole(rate) : gatherer.thinOut(rate);
+    report.pitchHz = findPitch(track, options_.mode);
     return report;
 }
 

@@ -9,27 +9,31 @@
 
 namespace app {
 
+/** How closely to look for the concert pitch. */
+struct PitchOptions {
+    int mode = 0;             ///< 0 (closest) to 4
+    bool isFullRate = false;  ///< at the session's rate instead of a tenth of it
+};
+
 /** The concert pitch of one track. */
 struct PitchReport : TrackFile {
-    int frames = 0;  ///< at the session's rate
-    int mode = 0;    ///< how closely it was looked for
+    PitchOptions options;  ///< what was asked for
+    int frames = 0;        ///< at the session's rate
     std::optional<int> pitchHz;
-
-    double seconds() const { return static_cast<double>(frames) / format.sessionRate; }
 };
 
 /** Decodes one file and finds its concert pitch. */
 class PitchAnalyzer {
 public:
-    /** @param mode          0 to 4
-     *  @param acceptsCutOff  take what is left of a track that was cut off, instead of refusing it */
-    PitchAnalyzer(int mode, bool acceptsCutOff) : mode_(mode), acceptsCutOff_(acceptsCutOff) {}
+    /** @param acceptsCutOff  take what is left of a track that was cut off, instead of refusing it */
+    PitchAnalyzer(const PitchOptions& options, bool acceptsCutOff)
+        : options_(options), acceptsCutOff_(acceptsCutOff) {}
 
     /** @throws TrackError with the reason why the track cannot be analysed */
     PitchReport analyze(const std::string& path, ProgressLine& progress) const;
 
 private:
-    int mode_;
+    PitchOptions options_;
     bool acceptsCutOff_;
 };
 

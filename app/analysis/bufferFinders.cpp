@@ -8,9 +8,11 @@ namespace app {
 
 namespace {
 
-// A hop of 128 samples at 4,410 Hz, so that no window of the highest bins (90 samples) misses much. At longer hops the
-// answer for music wanders by several hertz with where the frames happen to fall.
-constexpr int kPitchHopDivisor = 16;
+// Thinned out, a hop of 128 samples: at longer ones the answer for music wanders by several hertz with where the
+// frames happen to fall. At the session's rate even the undivided hop overlaps most windows.
+constexpr int kThinnedHopDivisor = 16;
+constexpr int kSessionHopDivisor = 1;
+constexpr int kLowestSessionRate = 44100;
 
 // 8.6 frames a second at 4,410 Hz. Below 2 the smoothing over time would diverge.
 constexpr int kKeyHop = 512;
@@ -18,7 +20,7 @@ constexpr int kKeyHop = 512;
 constexpr double kShortestForPitchSeconds = 0.25;  ///< one frame and one hop
 constexpr double kShortestForKeySeconds = 2.0;     ///< the same for the lowest reference
 
-bool isShorterThan(const ThinnedTrack& track, double seconds) {
+bool isShorterThan(const MonoTrack& track, double seconds) {
     return static_cast<double>(track.samples.size()) < seconds * track.rate;
 }
 
@@ -32,15 +34,17 @@ int undividedKeyHop(int mode, bool isLong) {
 
 }  // namespace
 
-std::optional<int> findPitch(ThinnedTrack& track, int mode) {
+std::optional<int> findPitch(MonoTrack& track, int mode) {
     if (isShorterThan(track, kShortestForPitchSeconds) || track.isSilent()) return std::nullopt;
+    const int hopDivisor =
+        track.rate < kLowestSessionRate ? kThinnedHopDivisor : kSessionHopDivisor;
     return libraryCall([&] {
         return PitchDetect(track.samples.data(), static_cast<int>(track.samples.size()),
-                           static_cast<float>(track.rate), kPitchHopDivisor, mode);
+                           static_cast<float>(track.rate), hopDivisor, mode);
     });
 }
 
-std::optional<int> findKey(ThinnedTrack& track, double referenceHz, int mode) {
+std::optional<int> findKey(MonoTrack& track, double referenceHz, int mode) {
     if (isShorterThan(track, kShortestForKeySeconds) || track.isSilent()) return std::nullopt;
     const int hopDivisor = undividedKeyHop(mode, track.isLong()) / kKeyHop;
     const auto reference = static_cast<float>(referenceHz);

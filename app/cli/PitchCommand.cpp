@@ -11,15 +11,17 @@ namespace app {
 
 void PitchCommand::declareOwn(CLI::App& arguments, CLI::Option*) {
     arguments
-        .add_option("--mode", mode_,
-                    "how closely to look: 0 (closest; default), 1 and 2 (a third quicker or only\n"
-                    "half of the candidates at first, by the track's length), 3 and 4 (quickest)")
+        .add_option("--mode", options_.mode,
+                    "how closely to look: 0 (closest; default) to 4 (quickest)")
         ->check(wholeNumberBetween(kLeastFinderMode, kMostFinderMode))
         ->option_text("MODE");
+    arguments.add_flag("--full-rate", options_.isFullRate,
+                       "look at the track as it is instead of at a tenth of its rate: slower, and\n"
+                       "nearer by a hertz or two");
 }
 
 std::unique_ptr<ReportEntry> PitchCommand::examine(const std::string& path) {
-    const PitchAnalyzer analyzer(mode_, tracks().acceptsCutOff());
+    const PitchAnalyzer analyzer(options_, tracks().acceptsCutOff());
     auto report = tracks().attempt(
         path, [&](ProgressLine& progress) { return analyzer.analyze(path, progress); });
     if (!report) return nullptr;

@@ -4,6 +4,7 @@
 #include <memory>
 #include <string>
 
+#include "analysis/PitchAnalyzer.h"
 #include "cli/TracksCommand.h"
 
 namespace app {
@@ -19,7 +20,7 @@ private:
     std::string documentFormat() const override { return "beatatlas.pitch"; }
     std::unique_ptr<ReportEntry> examine(const std::string& path) override;
 
-    int mode_ = 0;
+    PitchOptions options_;
 };
 
 }  // namespace app

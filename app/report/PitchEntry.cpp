@@ -19,7 +19,8 @@ nlohmann::ordered_json PitchEntry::json() const {
     nlohmann::ordered_json track = trackFileJson(report_, report_.frames);
     const auto& pitch = report_.pitchHz;
     track["pitch"] = pitch ? nlohmann::ordered_json(*pitch) : nullptr;
-    track["mode"] = report_.mode;
+    track["mode"] = report_.options.mode;
+    track["fullRate"] = report_.options.isFullRate;
     return track;
 }
 

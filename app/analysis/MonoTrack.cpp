@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "analysis/ThinnedTrack.h"
+#include "analysis/MonoTrack.h"
 
 #include <algorithm>
 #include <cmath>
@@ -20,12 +20,12 @@ constexpr double kReservedAtMost = 4.0 * 3600 * 48000;  // a header may be wrong
 
 }  // namespace
 
-bool ThinnedTrack::isSilent() const {
+bool MonoTrack::isSilent() const {
     return std::all_of(samples.begin(), samples.end(),
                        [](float sample) { return std::fabs(sample) < kSilence; });
 }
 
-bool ThinnedTrack::isLong() const {
+bool MonoTrack::isLong() const {
     return static_cast<float>(samples.size()) >= kLongSeconds * static_cast<float>(rate);
 }
 
@@ -41,7 +41,11 @@ void MonoGatherer::put(const StereoBlock& block) {
     for (std::size_t i = 0; i < count; ++i) mono[i] = (block.left[i] + block.right[i]) * 0.5F;
 }
 
-ThinnedTrack MonoGatherer::thinOut(int sessionRate) {
+MonoTrack MonoGatherer::whole(int sessionRate) {
+    return {std::move(mono_), sessionRate};
+}
+
+MonoTrack MonoGatherer::thinOut(int sessionRate) {
     const auto count = static_cast<long>(mono_.size());
     const long taken = std::max(0L, (count - kFirstTaken + kStep - 1) / kStep);
     libraryCall([&] {

@@ -8,11 +8,10 @@
 
 namespace app {
 
-/** A whole track as mono at a tenth of the session's rate, in 16-bit scale: what the finders of a buffer's pitch and
- *  key look at. They hear nothing above 1,800 Hz. */
-struct ThinnedTrack {
+/** A whole track as mono, in 16-bit scale: what the finders of a buffer's pitch and key look at. */
+struct MonoTrack {
     std::vector<float> samples;
-    int rate;  ///< Hz, 4,410 or 4,800
+    int rate;  ///< Hz: the session's, or a tenth of it, which is enough up to 1,800 Hz
 
     /** Below one step of 16 bits throughout: at most the dither of silence. */
     bool isSilent() const;
@@ -35,7 +34,8 @@ public:
     std::int64_t frames() const { return std::ssize(mono_); }
 
     /** Ends the gathering. @param sessionRate  44,100 or 48,000 */
-    ThinnedTrack thinOut(int sessionRate);
+    MonoTrack whole(int sessionRate);
+    MonoTrack thinOut(int sessionRate);  ///< at a tenth of the rate
 
 private:
     std::vector<float> mono_;
