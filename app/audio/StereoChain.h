@@ -11,7 +11,8 @@
 
 namespace app {
 
-/** From decoded frames to what a session is fed: folded to stereo, at the session's rate, in its 16-bit scale.
+/** From decoded frames to what a session is fed: folded to stereo, at the session's rate, in its 16-bit scale, in
+ *  stretches of 16,384 frames.
  *
  *  The first frame decides the rate; a file whose rate changes on the way (radio recordings, joined files) is
  *  converted to that of its beginning. */
@@ -28,14 +29,17 @@ public:
 
 private:
     void setTrackRate(int rate);
-    void dropDelay();
-    void toSessionRate(StereoBlock& block);
-    void deliver(StereoBlock& block);
+    void dropDelay(StereoBlock& block);
+    void toSessionRate(const StereoBlock& block);
+    void deliver(const StereoBlock& block);
+    void handOn();
 
     TrackSink& sink_;
     StereoFold fold_;
     std::unique_ptr<RateConverter> converter_;  ///< none while the track has the session's rate
-    StereoBlock block_;
+    StereoBlock silence_;
+    StereoBlock stretch_;       ///< what the sink is given next
+    std::size_t gathered_ = 0;  ///< frames of it that are filled
     std::int64_t framesToDrop_ = 0;
     int trackRate_ = 0;
     int sessionRate_ = 0;

@@ -6,6 +6,7 @@ namespace app {
 namespace {
 
 void addScaled(float* sum, const float* plane, std::size_t frames, float gain) {
+    if (gain == 0.0F) return;
     for (std::size_t i = 0; i < frames; ++i) sum[i] += gain * plane[i];
 }
 
