@@ -48,9 +48,8 @@ MonoTrack MonoGatherer::whole(int sessionRate) {
 MonoTrack MonoGatherer::thinOut(int sessionRate) {
     const auto count = static_cast<long>(mono_.size());
     const long taken = std::max(0L, (count - kFirstTaken + kStep - 1) / kStep);
-    libraryCall([&] {
-        resample2(mono_.data(), taken, mono_.data(), count, 1.0F / kStep, kStep, 0);
-    });
+    libraryCall(
+        [&] { resample2(mono_.data(), taken, mono_.data(), count, 1.0F / kStep, kStep, 0); });
     mono_.resize(static_cast<std::size_t>(taken));
     mono_.shrink_to_fit();
     return {std::move(mono_), sessionRate / kStep};

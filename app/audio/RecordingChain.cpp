@@ -53,7 +53,8 @@ void RecordingChain::begin(const AVFrame& frame) {
 
 void RecordingChain::putSilence(std::int64_t frames) {
     for (auto& channel : recording_.channels)
-        channel.resize(channel.size() + static_cast<std::size_t>(std::max<std::int64_t>(frames, 0)));
+        channel.resize(channel.size() +
+                       static_cast<std::size_t>(std::max<std::int64_t>(frames, 0)));
 }
 
 }  // namespace app

@@ -83,8 +83,7 @@ using MuxerPointer = std::unique_ptr<AVFormatContext, MuxerFree>;
 IoPointer makeIo(Output& output) {
     auto* buffer = static_cast<unsigned char*>(av_malloc(kBufferBytes));
     if (buffer == nullptr) throw std::bad_alloc();
-    IoPointer io(
-        avio_alloc_context(buffer, kBufferBytes, 1, &output, nullptr, writeBytes, seekTo));
+    IoPointer io(avio_alloc_context(buffer, kBufferBytes, 1, &output, nullptr, writeBytes, seekTo));
     if (!io) {
         av_free(buffer);
         throw std::bad_alloc();
@@ -106,8 +105,8 @@ std::int16_t rounded(float sample) {
 class WaveMuxer {
 public:
     WaveMuxer(const std::string& path, const Recording& recording, WaveSamples samples)
-        : path_(path), recording_(recording), samples_(samples), file_(path),
-          output_{file_, nullptr}, io_(makeIo(output_)) {}
+        : path_(path), recording_(recording), samples_(samples),
+          file_(path), output_{file_, nullptr}, io_(makeIo(output_)) {}
 
     void write(const std::function<void(double)>& shown) {
         open();

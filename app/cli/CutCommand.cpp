@@ -45,9 +45,10 @@ void CutCommand::declare(CLI::App& arguments) {
         ->check(wholeNumberBetween(0, kMostCutMode))
         ->option_text("MODE");
     arguments
-        .add_option("--div", options_.div,
-                    "how short the frames are: 4096 samples divided by 1 (default), 2, 4, 8 or 16;\n"
-                    "the shorter, the higher reaches what is held down with the bass drum")
+        .add_option(
+            "--div", options_.div,
+            "how short the frames are: 4096 samples divided by 1 (default), 2, 4, 8 or 16;\n"
+            "the shorter, the higher reaches what is held down with the bass drum")
         ->check(CLI::Validator(requireDiv, ""))
         ->option_text("DIV");
     arguments.add_flag("--float", asFloat_, "write 32-bit floats instead of 16-bit integers");
@@ -63,9 +64,8 @@ ExitCode CutCommand::run(ResultStream&) {
     OutputFile::requireWritable(outputPath);
     if (OutputFile::isSameFile(path, outputPath))
         throw UsageError("the result would replace the track itself");
-    const auto file = tracks_.attempt(path, [&](ProgressLine& progress) {
-        return cutTrack(path, outputPath, progress);
-    });
+    const auto file = tracks_.attempt(
+        path, [&](ProgressLine& progress) { return cutTrack(path, outputPath, progress); });
     return file ? kExitDone : kExitFailed;
 }
 

@@ -4,8 +4,8 @@
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
 
-#include "report/toolVersion.h"
 #include "report/jsonParts.h"
+#include "report/toolVersion.h"
 
 namespace app {
 
@@ -17,9 +17,8 @@ constexpr int kFormatVersion = 1;
 }  // namespace
 
 void JsonReport::begin() {
-    results_.write(
-        fmt::format(R"({{"format":"{}","version":{},"tool":"{}","tracks":[)", format_,
-                    kFormatVersion, toolVersion()));
+    results_.write(fmt::format(R"({{"format":"{}","version":{},"tool":"{}","tracks":[)", format_,
+                               kFormatVersion, toolVersion()));
 }
 
 void JsonReport::add(const ReportEntry& entry) {

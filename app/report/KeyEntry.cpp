@@ -18,7 +18,8 @@ constexpr std::size_t kRanksShown = 5;
 
 std::string pitchText(const KeyReport& report) {
     if (!report.pitchHz) return "no pitch found";
-    return fmt::format("A4 = {:g} Hz{}", *report.pitchHz, report.wanted.pitchHz ? ", as given" : "");
+    return fmt::format("A4 = {:g} Hz{}", *report.pitchHz,
+                       report.wanted.pitchHz ? ", as given" : "");
 }
 
 /** The first keys of the ranking, their scores as shares of the best one's. */

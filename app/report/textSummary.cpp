@@ -67,8 +67,7 @@ std::string textSummary(const TrackReport& report) {
         text += textLine("tempo", tempoText(report) + tempoRange(analysis.beats));
         text += textLine("beats", beatsText(analysis));
     }
-    if (options.wantsKey)
-        text += textLine("key", keyDetails(analysis.key));
+    if (options.wantsKey) text += textLine("key", keyDetails(analysis.key));
     text += textLine("waves", wavesText(analysis));
     return text;
 }

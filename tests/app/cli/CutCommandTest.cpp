@@ -111,7 +111,8 @@ TEST_F(CutCommand, WritesSixteenBitsOrFloats) {
     const Recording exact = cut(sound, {"--float"});
     EXPECT_EQ(codec_, "pcm_f32le");
     for (std::size_t i = 0; i < exact.frames(); ++i)
-        ASSERT_EQ(rounded.channels[0][i], std::nearbyint(exact.channels[0][i] * 32768.0F) / 32768.0F);
+        ASSERT_EQ(rounded.channels[0][i],
+                  std::nearbyint(exact.channels[0][i] * 32768.0F) / 32768.0F);
 }
 
 TEST_F(CutCommand, FollowsModeAndDivision) {

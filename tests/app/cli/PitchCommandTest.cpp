@@ -40,15 +40,17 @@ TEST_F(PitchCommand, FindsWhatAToneIsTunedTo) {
         const int rate = hertz % 2 == 0 ? 44100 : 48000;
         const std::string track = writeTrack("tone.wav", test::tone(rate, 2, 3.0, hertz, 0.3));
         EXPECT_EQ(onlyTrack(runTool({"pitch", "--json", track}))["pitch"], hertz);
-        const ToolRun full = runTool({"pitch", "--json", "--mode", "3", "--full-rate", track});
+        const ToolRun full = runTool({"pitch", "--json", "--full-rate", track});
         EXPECT_EQ(onlyTrack(full)["pitch"], hertz);
+        // Every other candidate at first: the neighbour of the best one may never be tried.
+        const ToolRun quick = runTool({"pitch", "--json", "--mode", "3", track});
+        EXPECT_NEAR(onlyTrack(quick)["pitch"].get<double>(), hertz, 1.0);
     }
 }
 
 TEST_F(PitchCommand, FindsWhatChordsAreTunedTo) {
     for (const int hertz : {436, 440, 444}) {
-        const std::string track =
-            writeTrack("chords.wav", test::cadence(44100, 1, 12.0, 3, hertz));
+        const std::string track = writeTrack("chords.wav", test::cadence(44100, 1, 12.0, 3, hertz));
         const Json thinned = onlyTrack(runTool({"pitch", "--json", track}));
         EXPECT_NEAR(thinned["pitch"].get<double>(), hertz, 3.0);
         const Json full = onlyTrack(runTool({"pitch", "--json", "--full-rate", track}));
@@ -64,8 +66,8 @@ TEST_F(PitchCommand, PrintsASummaryOfEachTrack) {
                                 "  pitch    A4 = 442 Hz\n";
     EXPECT_EQ(run.exitStatus, 1);
     EXPECT_EQ(run.out, summary + "\n" + summary);
-    EXPECT_EQ(run.err,
-              "beatatlas: " + folder_.file("none") + ": cannot be opened: No such file or directory\n");
+    EXPECT_EQ(run.err, "beatatlas: " + folder_.file("none") +
+                           ": cannot be opened: No such file or directory\n");
 }
 
 TEST_F(PitchCommand, PrintsOneJsonDocumentOfItsOwnForAllTracks) {
@@ -85,8 +87,8 @@ TEST_F(PitchCommand, PrintsOneJsonDocumentOfItsOwnForAllTracks) {
 }
 
 TEST_F(PitchCommand, FindsNoneInSilenceNorInLessThanAQuarterOfASecond) {
-    for (const auto& sound : {test::tone(44100, 2, 3.0, 440.0, 0.0),
-                              test::tone(44100, 2, 0.2, 440.0, 0.3)}) {
+    for (const auto& sound :
+         {test::tone(44100, 2, 3.0, 440.0, 0.0), test::tone(44100, 2, 0.2, 440.0, 0.3)}) {
         const std::string track = writeTrack("a.wav", sound);
         EXPECT_TRUE(onlyTrack(runTool({"pitch", "--json", track}))["pitch"].is_null());
         const ToolRun run = runTool({"pitch", track});

@@ -18,7 +18,8 @@ TEST(Program, PrintsHelpAsAResult) {
     const ToolRun run = runTool({"--help"});
     EXPECT_EQ(run.exitStatus, 0);
     EXPECT_EQ(run.err, "");
-    for (const char* part : {"analyze", "draw", "pitch", "key", "cut", "--version", "Exit status", "130"}) {
+    for (const char* part :
+         {"analyze", "draw", "pitch", "key", "cut", "--version", "Exit status", "130"}) {
         EXPECT_THAT(run.out, HasSubstr(part));
     }
 }
