@@ -15,10 +15,7 @@ void AnalyzeCommand::declareOwn(CLI::App& arguments, CLI::Option* json) {
 
 std::unique_ptr<ReportEntry> AnalyzeCommand::examine(const std::string& path) {
     const TrackAnalyzer analyzer(analysis_.options(), tracks().acceptsCutOff());
-    auto report = tracks().attempt(
-        path, [&](ProgressLine& progress) { return analyzer.analyze(path, progress); });
-    if (!report) return nullptr;
-    return std::make_unique<TrackEntry>(std::move(*report), withWaves_);
+    return examineBy<TrackEntry>(analyzer, path, withWaves_);
 }
 
 }  // namespace app

@@ -32,10 +32,7 @@ void KeyCommand::declareOwn(CLI::App& arguments, CLI::Option*) {
 
 std::unique_ptr<ReportEntry> KeyCommand::examine(const std::string& path) {
     const KeyAnalyzer analyzer(options_, tracks().acceptsCutOff());
-    auto report = tracks().attempt(
-        path, [&](ProgressLine& progress) { return analyzer.analyze(path, progress); });
-    if (!report) return nullptr;
-    return std::make_unique<KeyEntry>(std::move(*report));
+    return examineBy<KeyEntry>(analyzer, path);
 }
 
 }  // namespace app

@@ -22,10 +22,7 @@ void PitchCommand::declareOwn(CLI::App& arguments, CLI::Option*) {
 
 std::unique_ptr<ReportEntry> PitchCommand::examine(const std::string& path) {
     const PitchAnalyzer analyzer(options_, tracks().acceptsCutOff());
-    auto report = tracks().attempt(
-        path, [&](ProgressLine& progress) { return analyzer.analyze(path, progress); });
-    if (!report) return nullptr;
-    return std::make_unique<PitchEntry>(std::move(*report));
+    return examineBy<PitchEntry>(analyzer, path);
 }
 
 }  // namespace app

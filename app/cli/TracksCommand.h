@@ -3,6 +3,7 @@
 
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "cli/Command.h"
@@ -33,10 +34,20 @@ protected:
     /** The name of the JSON document: "beatatlas.analysis". */
     virtual std::string documentFormat() const = 0;
 
-    /** Examines one track by way of tracks().attempt(). @return null when it failed */
+    /** Examines one track, by way of examineBy(). @return null when it failed */
     virtual std::unique_ptr<ReportEntry> examine(const std::string& path) = 0;
 
-    TrackArguments& tracks() { return tracks_; }
+    const TrackArguments& tracks() const { return tracks_; }
+
+    /** The work of examine(). @param analyzer  analyzes a path, with progress, to what an Entry tells */
+    template <class Entry, class Analyzer, class... Details>
+    std::unique_ptr<ReportEntry> examineBy(const Analyzer& analyzer, const std::string& path,
+                                           Details... details) {
+        auto report = tracks_.attempt(
+            path, [&](ProgressLine& progress) { return analyzer.analyze(path, progress); });
+        if (!report) return nullptr;
+        return std::make_unique<Entry>(std::move(*report), details...);
+    }
 
 private:
     std::unique_ptr<ReportWriter> makeWriter(ResultStream& results) const;
