@@ -8,8 +8,8 @@
 
 namespace beatatlas::fft {
 
-/** The power spectrum of finite real values: what transform() of fftCore.h gives with imaginary parts of zero, divided by
- *  the length, as squared magnitudes; bit for bit, in every rounding mode that treats both signs alike.
+/** The power spectrum of real, finite values: what transform() of fftCore.h gives with imaginary parts of zero,
+ *  divided by the length, as squared magnitudes; bit for bit, in every rounding mode that treats both signs alike.
  *
  *  transform() joins spectra of ever more values, from single ones upward. Of real values the spectrum is its own
  *  mirror image, bin n - b of n the conjugate of bin b: transform() computes both by operations that differ in signs
