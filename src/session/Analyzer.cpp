@@ -114,6 +114,9 @@ void Analyzer::createAnalysers() {
     loudViewMaker_.create(rate_, totalSamples_);
     zoomViewMaker_.create(rate_, totalSamples_, kZoomPointsPerSecond, true);
     keyRankMaker_.create(rate_, totalSamples_);
+    trackFilters_.create(rate_, blockLen_,
+                         {unitEnvelopeMaker_.audioFilter(), simpleEnvelopeMaker_.audioFilter(),
+                          zoomViewMaker_.bassFilter()});
 }
 
 void Analyzer::setSamplePre(const float* left, const float* right, int count) {
@@ -161,24 +164,27 @@ int Analyzer::fillBlock(const float* left, const float* right, int count) {
 }
 
 void Analyzer::dispatchBlock() {
-    const std::int16_t* stereo = stereoBlock_.get();
-    dispatchToBeatSensing();
-    if (beatOn_) unitEnvelopeMaker_.putSample(stereo, blockFill_);
-    if (beatOn_ && !varied_) unitBeatAdjust_.putSample(stereo, blockFill_);
-    if (zoomOn_) zoomViewMaker_.putSample(stereo, blockFill_);
-    if (keyOn_) keyRankMaker_.putSample(stereo, blockFill_);
+    if (beatOn_) {
+        dispatchFiltered();
+    } else {
+        if (loudOn_)
+            loudViewMaker_.analyzePeak(monoBlock_.get(), nullptr, nullptr, nullptr, blockFill_);
+        if (zoomOn_) zoomViewMaker_.putSample(stereoBlock_.get(), blockFill_);
+    }
+    if (keyOn_) keyRankMaker_.putSample(stereoBlock_.get(), blockFill_);
 }
 
-// The loudness wave takes two of the beat sensor's bands where the sensor runs over the whole track; in a simple
-// session, whose sensor stops early, it filters for itself.
-void Analyzer::dispatchToBeatSensing() {
+// With beat analysis on, one pass filters for all; without it there is too little to filter.
+void Analyzer::dispatchFiltered() {
     const float* mono = monoBlock_.get();
-    const bool sharesBands = beatOn_ && !simple_;
-    if (beatOn_)
-        beatListMaker_.put(mono, blockFill_, sharesBands && loudOn_ ? &loudViewMaker_ : nullptr);
-    if (loudOn_ && !sharesBands)
-        loudViewMaker_.analyzePeak(mono, nullptr, nullptr, nullptr, blockFill_);
-    if (simple_) simpleEnvelopeMaker_.putSample(stereoBlock_.get(), blockFill_);
+    const std::int16_t* stereo = stereoBlock_.get();
+    trackFilters_.operate(mono, stereo, blockFill_);
+    beatListMaker_.putBands(mono, trackFilters_.bands(), blockFill_,
+                            loudOn_ ? &loudViewMaker_ : nullptr);
+    if (simple_) simpleEnvelopeMaker_.putFiltered(trackFilters_.bassLine(), blockFill_);
+    unitEnvelopeMaker_.putFiltered(trackFilters_.pulses(), blockFill_);
+    if (!varied_) unitBeatAdjust_.putSample(stereo, blockFill_);
+    if (zoomOn_) zoomViewMaker_.putFiltered(stereo, trackFilters_.bass(), blockFill_);
 }
 
 // A fixed chain, no vote: each stage takes the tempo and the grid of the one before.
