@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <bit>
 
+#include "dsp/PromptSleeps.h"
 #include "dsp/RoundingMode.h"
 #include "dsp/processorYield.h"
 #include "peakss/BeatInfoAnalyzeInfo.h"
@@ -150,7 +151,9 @@ void Analyzer::setSample(const float* left, const float* right, int count) {
         }
     }
     // With calls of equal length this lets the host's other threads breathe on every fourth one.
-    if (fedSamples_ / count % kFeedsPerYield == 0) yieldProcessor();
+    if (fedSamples_ / count % kFeedsPerYield != 0) return;
+    const PromptSleeps prompt;
+    yieldProcessor();
 }
 
 // Takes frames until the block is full or the input used up; returns how many.
@@ -191,6 +194,7 @@ void Analyzer::dispatchFiltered() {
 void Analyzer::analyze() {
     if (!created_ || failed_ || analyzed_) return;
     setRoundTowardZero();
+    const PromptSleeps prompt;
     analyzed_ = true;
     if (!beatOn_) return;
     bpm_ = proposeGrid();
