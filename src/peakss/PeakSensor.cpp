@@ -5,6 +5,7 @@
 #include <cstddef>
 
 #include "dsp/truncation.h"
+#include "dsp/vectorLanes.h"
 #include "peakss/PeakBuffer.h"
 
 namespace peakss {
@@ -28,6 +29,33 @@ std::int32_t samplesOf(double seconds, std::int32_t rate) {
 
 std::int32_t samplesOf(float seconds, std::int32_t rate) {
     return truncToInt32(seconds * static_cast<float>(rate));
+}
+
+/** The largest of n levels, at least 0; what is not a number does not count. */
+template <std::size_t kWidth>
+struct LoudestLevel {
+    using Levels = beatatlas::Lanes<float, 2 * kWidth>;
+
+    BEATATLAS_LANES static void run(const float* levels, int n, float* loudest) {
+        constexpr int kStep = static_cast<int>(2 * kWidth);
+        Levels most{};
+        int i = 0;
+        for (; i + kStep <= n; i += kStep) {
+            Levels next;
+            beatatlas::loadLanes(next, levels + i);
+            most = most < next ? next : most;
+        }
+        float all = 0.0F;
+        for (std::size_t lane = 0; lane < 2 * kWidth; ++lane) all = std::max(all, most[lane]);
+        for (; i < n; ++i) all = std::max(all, levels[i]);
+        *loudest = all;
+    }
+};
+
+float loudestLevel(const float* levels, int n) {
+    float loudest = 0.0F;
+    beatatlas::runInLanes<LoudestLevel>(levels, n, &loudest);
+    return loudest;
 }
 
 }  // namespace
@@ -154,6 +182,7 @@ void PeakSensor::putLevel(float level, PeakBuffer& buffer) {
 }
 
 int PeakSensor::putQuietLevels(const float* levels, int from, int to) {
+    if (passesQuietly(levels, from, to)) return to;
     int i = from;
     while (i < to) {
         if (state_ == kFollowing) {
@@ -165,6 +194,34 @@ int PeakSensor::putQuietLevels(const float* levels, int from, int to) {
         }
     }
     return to;
+}
+
+// Most stretches hold no time at which anything is due, and no level that comes up to the lowest point of the line, or
+// to the peak; what is not a number comes up to nothing. Nothing but the line and the time then changes.
+bool PeakSensor::passesQuietly(const float* levels, int from, int to) {
+    const std::int64_t duration = std::int64_t{step_} * (to - from);
+    const bool tracking = state_ == kTracking;
+    const std::int64_t since = wrappingSubtract(pos_, tracking ? peakPos2_ : lineStart_);
+    const std::int64_t due = tracking ? confirmLen_ : std::int64_t{holdLen_} + 1;
+    if (since < 0 || duration <= 0 || since + duration >= due) return false;
+    const float loudest = loudestLevel(levels + from, to - from);
+    if (tracking) {
+        if (loudest > peakLevel_) return false;
+    } else {
+        const float line = lineAfter(to - from);
+        if (!(slopeStep_ >= 0.0F && loudest < line)) return false;
+        line_ = line;
+    }
+    pos_ = wrappingAdd(pos_, static_cast<std::int32_t>(duration));
+    return true;
+}
+
+/** Where the line will have fallen to after so many levels, if no new fall is planned. */
+float PeakSensor::lineAfter(int levels) const {
+    float line = line_;
+    if (slopeStep_ != 0.0F)
+        for (int i = 0; i < levels; ++i) line = std::max(line - slopeStep_, floor_);
+    return std::max(line, floor_);
 }
 
 // Most levels lie below the line and change nothing but the line and the time.
