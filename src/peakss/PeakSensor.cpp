@@ -52,6 +52,46 @@ struct LoudestLevel {
     }
 };
 
+template <std::size_t kWidth>
+struct Differences {
+    BEATATLAS_LANES static void run(const float* in, const float* earlier, float* out, int n) {
+        using Values = beatatlas::Lanes<float, 2 * kWidth>;
+        constexpr int kStep = static_cast<int>(2 * kWidth);
+        int i = 0;
+        for (; i + kStep <= n; i += kStep) {
+            Values now;
+            Values before;
+            beatatlas::loadLanes(now, in + i);
+            beatatlas::loadLanes(before, earlier + i);
+            beatatlas::storeLanes(now - before, out + i);
+        }
+        for (; i < n; ++i) out[i] = in[i] - earlier[i];
+    }
+};
+
+/** out[i] = what in[i] has above out[i] / length, at least 0; 0 for what is not a number. */
+template <std::size_t kWidth>
+struct LessMean {
+    BEATATLAS_LANES static void run(const float* in, float* out, int n, float length) {
+        using Values = beatatlas::Lanes<float, 2 * kWidth>;
+        constexpr int kStep = static_cast<int>(2 * kWidth);
+        int i = 0;
+        for (; i + kStep <= n; i += kStep) {
+            Values inputs;
+            Values sums;
+            beatatlas::loadLanes(inputs, in + i);
+            beatatlas::loadLanes(sums, out + i);
+            const Values y = inputs - (sums / length);
+            const Values above = y >= 0.0F ? y : Values{};
+            beatatlas::storeLanes(above, out + i);
+        }
+        for (; i < n; ++i) {
+            const float y = in[i] - (out[i] / length);
+            out[i] = y >= 0.0F ? y : 0.0F;
+        }
+    }
+};
+
 float loudestLevel(const float* levels, int n) {
     float loudest = 0.0F;
     beatatlas::runInLanes<LoudestLevel>(levels, n, &loudest);
@@ -148,17 +188,15 @@ void PeakSensor::changes(const float* in, float* out, int n) {
         ring[slot] = in[i];
         slot = slot + 1 == length ? 0 : slot + 1;
     }
-    for (int i = fromRing; i < n; ++i) out[i] = in[i] - in[i - length];
+    if (n > fromRing)
+        beatatlas::runInLanes<Differences>(in + fromRing, in + fromRing - length, out + fromRing,
+                                           n - fromRing);
     diffIdx_ = n > fromRing ? keepLastInputs(in, n) : slot;
 }
 
 /** Turns the sums in `out` into what the inputs have above their means. */
 void PeakSensor::lessMean(const float* in, float* out, int n) const {
-    const auto length = static_cast<float>(diffLen_);
-    for (int i = 0; i < n; ++i) {
-        const float y = in[i] - (out[i] / length);
-        out[i] = y >= 0.0F ? y : 0.0F;
-    }
+    beatatlas::runInLanes<LessMean>(in, out, n, static_cast<float>(diffLen_));
 }
 
 // The ring holds the last inputs wherever it begins: the oldest comes first.

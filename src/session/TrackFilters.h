@@ -18,11 +18,11 @@ namespace beatatlas {
  *  Life: create() → operate() per block, then the signals of that block. Memory: eight blocks, allocated in create(). */
 class TrackFilters {
 public:
-    /** The analysers' filters over the 16-bit signal. */
+    /** The analysers' filters over the 16-bit signal; null for an analyser that is off. */
     struct Levels {
-        const SecondOrderSection& pulses;    ///< of the unit envelope, used twice
-        const SecondOrderSection& bassLine;  ///< of the simple envelope
-        const SecondOrderSection& bass;      ///< of the zoom wave
+        const SecondOrderSection* pulses;    ///< of the unit envelope, used twice
+        const SecondOrderSection* bassLine;  ///< of the simple envelope
+        const SecondOrderSection* bass;      ///< of the zoom wave
     };
 
     void create(int rate, int blockLen, const Levels& levels);
@@ -36,6 +36,9 @@ public:
     const double* bass() const { return levels_[FilterBank::kWhole].data(); }
 
 private:
+    void createLevel(FilterBank::Level level, const SecondOrderSection* filter,
+                     std::size_t frames);
+
     static constexpr std::size_t kBands = 4;
 
     FilterBank bank_;
