@@ -22,7 +22,7 @@ void TrackFilters::createLevel(FilterBank::Level level, const SecondOrderSection
                                std::size_t frames) {
     if (filter == nullptr) return;
     bank_.designLevel(level, *filter);
-    levels_[level].assign(frames, 0.0);
+    levels_[static_cast<std::size_t>(level)].assign(frames, 0.0);
 }
 
 void TrackFilters::operate(const float* mono, const std::int16_t* stereo, int n) {
