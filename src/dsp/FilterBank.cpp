@@ -15,9 +15,14 @@ constexpr int kShortSections = 2;
 constexpr int kLongSections = 4;
 
 // By cascade, those over the 16-bit signal last.
-constexpr std::array<int, FilterBank::kCascades + FilterBank::kLevels> kSections = {
-    kShortSections, kShortSections, kShortSections, kShortSections, kLongSections,
-    kShortSections, 1,              1};
+constexpr std::array<int, FilterBank::kCascades + FilterBank::kLevels> kSections = {kShortSections,
+                                                                                    kShortSections,
+                                                                                    kShortSections,
+                                                                                    kShortSections,
+                                                                                    kLongSections,
+                                                                                    kShortSections,
+                                                                                    1,
+                                                                                    1};
 
 void startLane(FilterBankLanes& lanes, std::size_t lane) {
     for (FilterBankLanes::Row* past : {&lanes.x1, &lanes.x2, &lanes.y1, &lanes.y2})
@@ -61,8 +66,8 @@ void FilterBank::operate(const float* mono, const std::int16_t* stereo, const Ou
     FilterBankTile tile;
     for (int first = 0; first < n; first += FilterBankTile::kSteps) {
         const int left = n - first;
-        const int steps = left <= FilterBankTile::kSteps ? left + kFilterBankDepth
-                                                         : FilterBankTile::kSteps;
+        const int steps =
+            left <= FilterBankTile::kSteps ? left + kFilterBankDepth : FilterBankTile::kSteps;
         const FilterBankStretch stretch{first, steps, n};
         fillTile(tile, stretch, mono, stereo);
         runFilterBank(lanes_, tile, stretch);

@@ -100,8 +100,7 @@ struct Bank<8> {
         const Doubles<8> whole = {c, c, c, c, c, c, c, c};
         choose<8>(hearMean, mean, x);
         choose<8>(hearWhole, whole, x);
-        const Doubles<8> given =
-            __builtin_shufflevector(front.y1, late, 10, 1, 11, 3, 4, 5, 6, 7);
+        const Doubles<8> given = __builtin_shufflevector(front.y1, late, 10, 1, 11, 3, 4, 5, 6, 7);
         take(back, given);
         take(front, x);
     }
@@ -223,9 +222,8 @@ struct RunFilterBank {
                                     const FilterBankStretch* stretch) {
         Bank<kWidth> bank;
         bank.prepare(*lanes);
-        bank.forAll([lanes](auto& sections, std::size_t first) __attribute__((always_inline)) {
-            sections.load(*lanes, first);
-        });
+        bank.forAll([lanes](auto& sections, std::size_t first)
+                        __attribute__((always_inline)) { sections.load(*lanes, first); });
         // In a block shorter than the lanes are deep all steps are border.
         const int front = stretch->n > kFilterBankDepth ? kFilterBankDepth : stretch->steps;
         const int atFront = std::clamp(front - stretch->first, 0, stretch->steps);
@@ -238,9 +236,8 @@ struct RunFilterBank {
             stepInside(bank, *tile, k + 3);
         }
         stepsAtBorder(bank, *tile, *stretch, k, stretch->steps);
-        bank.forAll([lanes](auto& sections, std::size_t first) __attribute__((always_inline)) {
-            sections.store(*lanes, first);
-        });
+        bank.forAll([lanes](auto& sections, std::size_t first)
+                        __attribute__((always_inline)) { sections.store(*lanes, first); });
     }
 
     BEATATLAS_LANES static Sample sampleOf(const FilterBankTile& tile, std::size_t k) {
@@ -250,9 +247,9 @@ struct RunFilterBank {
     BEATATLAS_LANES static void stepInside(Bank<kWidth>& bank, FilterBankTile& tile, int step) {
         const auto k = static_cast<std::size_t>(step);
         const Doubles<kWidth> late = bank.inner().y2;
-        bank.step(sampleOf(tile, k), late,
-                  [](auto& sections, const auto& x)
-                      __attribute__((always_inline)) { sections.take(x); });
+        bank.step(
+            sampleOf(tile, k), late,
+            [](auto& sections, const auto& x) __attribute__((always_inline)) { sections.take(x); });
         bank.write(tile, k);
     }
 
@@ -266,9 +263,10 @@ struct RunFilterBank {
             const auto k = static_cast<std::size_t>(step);
             const std::int64_t t = stretch.first + step;
             const std::int64_t n = stretch.n;
-            bank.step(sampleOf(tile, k), late,
-                      [t, n](auto& sections, const auto& x)
-                          __attribute__((always_inline)) { sections.takeAtBorder(x, t, n); });
+            bank.step(
+                sampleOf(tile, k), late,
+                [ t, n ](auto& sections, const auto& x)
+                    __attribute__((always_inline)) { sections.takeAtBorder(x, t, n); });
             bank.write(tile, k);
             late = later;
         }

@@ -105,7 +105,8 @@ struct SplitBands {
         int i = 0;
         for (; i + 8 <= n; i += 8) splitEight(rows + i, out, i);
         for (; i < n; ++i)
-            for (std::size_t band = 0; band < 4; ++band) out[band][i] = std::fabs(rows[i][4 + band]);
+            for (std::size_t band = 0; band < 4; ++band)
+                out[band][i] = std::fabs(rows[i][4 + band]);
     }
 
     BEATATLAS_LANES static void splitEight(const Row* rows, float* const* out, int i) {
@@ -119,8 +120,10 @@ struct SplitBands {
         }
         const Eight low01 = __builtin_shufflevector(pairs[0], pairs[1], 0, 8, 1, 9, 4, 12, 5, 13);
         const Eight low23 = __builtin_shufflevector(pairs[2], pairs[3], 0, 8, 1, 9, 4, 12, 5, 13);
-        const Eight high01 = __builtin_shufflevector(pairs[0], pairs[1], 2, 10, 3, 11, 6, 14, 7, 15);
-        const Eight high23 = __builtin_shufflevector(pairs[2], pairs[3], 2, 10, 3, 11, 6, 14, 7, 15);
+        const Eight high01 =
+            __builtin_shufflevector(pairs[0], pairs[1], 2, 10, 3, 11, 6, 14, 7, 15);
+        const Eight high23 =
+            __builtin_shufflevector(pairs[2], pairs[3], 2, 10, 3, 11, 6, 14, 7, 15);
         store(__builtin_shufflevector(low01, low23, 0, 1, 8, 9, 4, 5, 12, 13), out[0] + i);
         store(__builtin_shufflevector(low01, low23, 2, 3, 10, 11, 6, 7, 14, 15), out[1] + i);
         store(__builtin_shufflevector(high01, high23, 0, 1, 8, 9, 4, 5, 12, 13), out[2] + i);

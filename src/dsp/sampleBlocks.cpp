@@ -85,6 +85,7 @@ struct TruncateBlock {
 template <std::size_t kWidth>
 struct LargestMagnitude {
     using Values = Lanes<double, kWidth>;
+    using Bits = Lanes<std::int64_t, kWidth>;
 
     BEATATLAS_LANES static void run(const double* in, int n, double* largest) {
         constexpr int kStep = static_cast<int>(kWidth);
@@ -103,10 +104,12 @@ struct LargestMagnitude {
     }
 
     BEATATLAS_LANES static void takeLarger(Values& most, const double* in) {
-        Values values;
-        loadLanes(values, in);
-        most = most < values ? values : most;
-        most = most < -values ? -values : most;
+        Bits bits;
+        loadLanes(bits, in);
+        bits &= 0x7fffffffffffffff;
+        Values magnitudes;
+        loadLanes(magnitudes, &bits);
+        most = most < magnitudes ? magnitudes : most;
     }
 };
 

@@ -138,8 +138,7 @@ void BeatSensor::sendBands(const float* chunk, const BandSignals& signals, int n
     if (mid + 1 >= bandNum_) {
         loudView.analyzePeak(chunk, nullptr, nullptr, nullptr, n);
     } else {
-        loudView.analyzePeak(chunk, signals.viewLow, signals.bands[mid], signals.bands[mid + 1],
-                             n);
+        loudView.analyzePeak(chunk, signals.viewLow, signals.bands[mid], signals.bands[mid + 1], n);
     }
 }
 

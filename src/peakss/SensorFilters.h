@@ -37,7 +37,7 @@ private:
     std::size_t blockLen_ = 0;
     std::vector<float> samples_;  // one block for each band, and one for the view's low band
     std::vector<float*> bands_;
-    std::optional<beatatlas::FilterBank> bank_;           // of four and six bands
+    std::optional<beatatlas::FilterBank> bank_;            // of four and six bands
     std::unique_ptr<beatatlas::IirPassFilter[]> filters_;  // of any other number
 };
 

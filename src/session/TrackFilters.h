@@ -36,8 +36,7 @@ public:
     const double* bass() const { return levels_[FilterBank::kWhole].data(); }
 
 private:
-    void createLevel(FilterBank::Level level, const SecondOrderSection* filter,
-                     std::size_t frames);
+    void createLevel(FilterBank::Level level, const SecondOrderSection* filter, std::size_t frames);
 
     static constexpr std::size_t kBands = 4;
 

@@ -72,8 +72,8 @@ private:
     std::int32_t fill_ = 0;
     std::int32_t rate_ = 0;
     std::int32_t frameLen_ = 0;
-    std::int64_t capacity_ = 0;  // points
-    std::unique_ptr<double[]> mono_;     // part of a frame, and its bass
+    std::int64_t capacity_ = 0;       // points
+    std::unique_ptr<double[]> mono_;  // part of a frame, and its bass
     std::unique_ptr<double[]> bass_;
     std::int32_t framePeak_ = 0;  // of the frame in hand
     double bassPeak_ = 0.0;

@@ -234,7 +234,8 @@ TEST_F(FilterBankTest, SectionsOverThe16BitSignalGiveTheirOwnBitsBesideTheBands)
     for (const VectorForm form : formsOfThisMachine()) {
         SCOPED_TRACE(nameOf(form));
         const FormScope scope(form);
-        for (const std::size_t block : {1U, 4U, 5U, 6U, 7U, 13U, 127U, 128U, 129U, 133U, 588U, 640U}) {
+        for (const std::size_t block :
+             {1U, 4U, 5U, 6U, 7U, 13U, 127U, 128U, 129U, 133U, 588U, 640U}) {
             FilterBank bank;
             designAll(bank);
             sections.design(bank);

@@ -107,9 +107,9 @@ TEST_F(TrackFiltersTest, AnalysersHearWhatTheyWouldFilterForThemselves) {
             Analysers expected(rate, length);
             Analysers got(rate, length);
             TrackFilters filters;
-            filters.create(rate, rate / 75,
-                           {&got.unit.audioFilter(), &got.simple.audioFilter(),
-                            &got.zoom.bassFilter()});
+            filters.create(
+                rate, rate / 75,
+                {&got.unit.audioFilter(), &got.simple.audioFilter(), &got.zoom.bassFilter()});
             for (int at = 0; at < length; at += rate / 75) {
                 const int n = std::min(rate / 75, length - at);
                 const float* mono = track.mono.data() + at;
