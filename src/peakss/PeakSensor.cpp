@@ -5,8 +5,8 @@
 #include <cstddef>
 
 #include "dsp/truncation.h"
-#include "dsp/vectorLanes.h"
 #include "peakss/PeakBuffer.h"
+#include "peakss/levelLanes.h"
 
 namespace peakss {
 
@@ -29,73 +29,6 @@ std::int32_t samplesOf(double seconds, std::int32_t rate) {
 
 std::int32_t samplesOf(float seconds, std::int32_t rate) {
     return truncToInt32(seconds * static_cast<float>(rate));
-}
-
-/** The largest of n levels, at least 0; what is not a number does not count. */
-template <std::size_t kWidth>
-struct LoudestLevel {
-    using Levels = beatatlas::Lanes<float, 2 * kWidth>;
-
-    BEATATLAS_LANES static void run(const float* levels, int n, float* loudest) {
-        constexpr int kStep = static_cast<int>(2 * kWidth);
-        Levels most{};
-        int i = 0;
-        for (; i + kStep <= n; i += kStep) {
-            Levels next;
-            beatatlas::loadLanes(next, levels + i);
-            most = most < next ? next : most;
-        }
-        float all = 0.0F;
-        for (std::size_t lane = 0; lane < 2 * kWidth; ++lane) all = std::max(all, most[lane]);
-        for (; i < n; ++i) all = std::max(all, levels[i]);
-        *loudest = all;
-    }
-};
-
-template <std::size_t kWidth>
-struct Differences {
-    BEATATLAS_LANES static void run(const float* in, const float* earlier, float* out, int n) {
-        using Values = beatatlas::Lanes<float, 2 * kWidth>;
-        constexpr int kStep = static_cast<int>(2 * kWidth);
-        int i = 0;
-        for (; i + kStep <= n; i += kStep) {
-            Values now;
-            Values before;
-            beatatlas::loadLanes(now, in + i);
-            beatatlas::loadLanes(before, earlier + i);
-            beatatlas::storeLanes(now - before, out + i);
-        }
-        for (; i < n; ++i) out[i] = in[i] - earlier[i];
-    }
-};
-
-/** out[i] = what in[i] has above out[i] / length, at least 0; 0 for what is not a number. */
-template <std::size_t kWidth>
-struct LessMean {
-    BEATATLAS_LANES static void run(const float* in, float* out, int n, float length) {
-        using Values = beatatlas::Lanes<float, 2 * kWidth>;
-        constexpr int kStep = static_cast<int>(2 * kWidth);
-        int i = 0;
-        for (; i + kStep <= n; i += kStep) {
-            Values inputs;
-            Values sums;
-            beatatlas::loadLanes(inputs, in + i);
-            beatatlas::loadLanes(sums, out + i);
-            const Values y = inputs - (sums / length);
-            const Values above = y >= 0.0F ? y : Values{};
-            beatatlas::storeLanes(above, out + i);
-        }
-        for (; i < n; ++i) {
-            const float y = in[i] - (out[i] / length);
-            out[i] = y >= 0.0F ? y : 0.0F;
-        }
-    }
-};
-
-float loudestLevel(const float* levels, int n) {
-    float loudest = 0.0F;
-    beatatlas::runInLanes<LoudestLevel>(levels, n, &loudest);
-    return loudest;
 }
 
 }  // namespace
@@ -189,14 +122,13 @@ void PeakSensor::changes(const float* in, float* out, int n) {
         slot = slot + 1 == length ? 0 : slot + 1;
     }
     if (n > fromRing)
-        beatatlas::runInLanes<Differences>(in + fromRing, in + fromRing - length, out + fromRing,
-                                           n - fromRing);
+        subtractLevels(in + fromRing, in + fromRing - length, out + fromRing, n - fromRing);
     diffIdx_ = n > fromRing ? keepLastInputs(in, n) : slot;
 }
 
 /** Turns the sums in `out` into what the inputs have above their means. */
 void PeakSensor::lessMean(const float* in, float* out, int n) const {
-    beatatlas::runInLanes<LessMean>(in, out, n, static_cast<float>(diffLen_));
+    subtractMeans(in, out, n, diffLen_);
 }
 
 // The ring holds the last inputs wherever it begins: the oldest comes first.
