@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <iterator>
 
+#include "dsp/turnFour.h"
 #include "dsp/vectorLanes.h"
 
 namespace beatatlas {
@@ -37,40 +38,21 @@ BEATATLAS_LANES const float* frameOfLane(const Request& request, const Group& gr
     return request.samples + (frame * request.hop);
 }
 
-/** Four samples each of four frames, turned: the four frames at one time, four times. */
-BEATATLAS_LANES void turn(const float* const* frames, std::ptrdiff_t at, float* to,
-                          std::ptrdiff_t lanes) {
-    using Four = Lanes<float, 4>;
-    Four a;
-    Four b;
-    Four c;
-    Four d;
-    loadLanes(a, frames[0] + at);
-    loadLanes(b, frames[1] + at);
-    loadLanes(c, frames[2] + at);
-    loadLanes(d, frames[3] + at);
-    const Four ab = __builtin_shufflevector(a, b, 0, 4, 1, 5);
-    const Four cd = __builtin_shufflevector(c, d, 0, 4, 1, 5);
-    const Four abHigh = __builtin_shufflevector(a, b, 2, 6, 3, 7);
-    const Four cdHigh = __builtin_shufflevector(c, d, 2, 6, 3, 7);
-    storeLanes(Four(__builtin_shufflevector(ab, cd, 0, 1, 4, 5)), to);
-    storeLanes(Four(__builtin_shufflevector(ab, cd, 2, 3, 6, 7)), to + lanes);
-    storeLanes(Four(__builtin_shufflevector(abHigh, cdHigh, 0, 1, 4, 5)), to + (2 * lanes));
-    storeLanes(Four(__builtin_shufflevector(abHigh, cdHigh, 2, 3, 6, 7)), to + (3 * lanes));
-}
-
-/** stretch[i × lanes + lane] = sample from + i of the lane's frame. */
-BEATATLAS_LANES void layOut(const Request& request, const Group& group, int from, int count) {
+/** stretch[i × lanes + lane] = sample first + i of the lane's frame. */
+BEATATLAS_LANES void layOut(const Request& request, const Group& group, int first, int count) {
     for (int lane = 0; lane < group.lanes; lane += 4) {
         const float* frames[4];
-        for (int f = 0; f < 4; ++f) frames[f] = frameOfLane(request, group, lane + f) + from;
+        for (int f = 0; f < 4; ++f) frames[f] = frameOfLane(request, group, lane + f) + first;
         float* to = request.stretch + lane;
         int i = 0;
-        for (; i + 4 <= count; i += 4)
-            turn(frames, i, to + (static_cast<std::ptrdiff_t>(i) * group.lanes), group.lanes);
-        for (; i < count; ++i)
-            for (int f = 0; f < 4; ++f)
-                to[(static_cast<std::ptrdiff_t>(i) * group.lanes) + f] = frames[f][i];
+        for (; i + 4 <= count; i += 4) {
+            const float* from[4] = {frames[0] + i, frames[1] + i, frames[2] + i, frames[3] + i};
+            float* at[4] = {to, to + group.lanes, to + (2 * group.lanes), to + (3 * group.lanes)};
+            turnFour(from, at);
+            to += 4 * group.lanes;
+        }
+        for (; i < count; ++i, to += group.lanes)
+            for (int f = 0; f < 4; ++f) to[f] = frames[f][i];
     }
 }
 
@@ -109,10 +91,10 @@ BEATATLAS_LANES void writeSums(const Request& request, const Group& group) {
     const int frames = std::min(group.lanes, request.frames - group.first);
     for (std::size_t bin = 0; bin < request.bins->size(); ++bin) {
         const float* running = runningOf(request, bin);
-        ConstantQSums* sums = request.sums +
-                              (bin * static_cast<std::size_t>(request.frames)) +
+        ConstantQSums* sums = request.sums + (bin * static_cast<std::size_t>(request.frames)) +
                               static_cast<std::size_t>(group.first);
-        for (std::ptrdiff_t f = 0; f < frames; ++f) sums[f] = {running[f], running[kMostFrames + f]};
+        for (std::ptrdiff_t f = 0; f < frames; ++f)
+            sums[f] = {running[f], running[kMostFrames + f]};
     }
 }
 
@@ -148,8 +130,7 @@ struct FrameLanes {
             correlateGroup<Vector, 4>(*request, first);
         for (; request->frames - first > kLanes; first += 2 * kLanes)
             correlateGroup<Vector, 2>(*request, first);
-        for (; request->frames > first; first += kLanes)
-            correlateGroup<Vector, 1>(*request, first);
+        for (; request->frames > first; first += kLanes) correlateGroup<Vector, 1>(*request, first);
     }
 };
 
@@ -159,8 +140,8 @@ void correlateFrames(const std::vector<ConstantQBin>& bins, int frameLength, con
                      std::ptrdiff_t hop, int frames, ConstantQSums* sums) {
     std::vector<float> stretch(static_cast<std::size_t>(kStretch * kMostFrames));
     std::vector<float> running(bins.size() * 2 * static_cast<std::size_t>(kMostFrames));
-    const Request request{&bins, frameLength,    samples,       hop, frames,
-                          sums,  stretch.data(), running.data()};
+    const Request request{&bins,  frameLength, samples,        hop,
+                          frames, sums,        stretch.data(), running.data()};
     runInLanes<FrameLanes>(&request);
 }
 

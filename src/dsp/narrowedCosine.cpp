@@ -44,7 +44,8 @@ constexpr std::array<double, 12> kCosineTerms = termsFrom(0);  // of even powers
 constexpr std::array<double, 12> kSineTerms = termsFrom(1);    // of odd ones
 
 template <class Vector>
-BEATATLAS_LANES void series(const std::array<double, 12>& terms, const Vector& square, Vector& sum) {
+BEATATLAS_LANES void series(const std::array<double, 12>& terms, const Vector& square,
+                            Vector& sum) {
     sum = square * terms[11];
     for (std::size_t i = 10; i > 0; --i) sum = (sum + terms[i]) * square;
     sum += terms[0];
@@ -70,12 +71,10 @@ struct Tone {
         s *= rest;
         Bits quadrant;
         std::memcpy(&quadrant, &counted, sizeof quadrant);
-        quadrant &= 3;
-        const Bits isOdd = (quadrant & 1) == 1;
-        cosine = isOdd ? s : c;
-        sine = isOdd ? c : s;
-        cosine = ((quadrant == 1) | (quadrant == 2)) ? -cosine : cosine;
-        sine = quadrant >= 2 ? -sine : sine;
+        cosine = (quadrant & 1) == 0 ? c : s;
+        sine = (quadrant & 1) == 0 ? s : c;
+        cosine = ((quadrant + 1) & 2) == 0 ? cosine : -cosine;
+        sine = (quadrant & 2) == 0 ? sine : -sine;
     }
 
     Vector cosine;
@@ -165,9 +164,8 @@ void narrowedHann(const double* angles, float* heights, int n) {
         const auto inRange = anglesInRange(angles + from, count);
         Bounds height;
         runInLanes<HannBounds>(inRange.data(), &height);
-        settle(height, angles + from, count, heights + from, [](double angle) {
-            return static_cast<float>(0.5 - (0.5 * std::cos(angle)));
-        });
+        settle(height, angles + from, count, heights + from,
+               [](double angle) { return static_cast<float>(0.5 - (0.5 * std::cos(angle))); });
     }
 }
 
