@@ -13,6 +13,7 @@ namespace {
 
 /** Samples of each frame that are laid out at a time: with 64 frames 32 KB. */
 constexpr int kStretch = 128;
+constexpr int kWorthLanes = 3;                // fewer frames are summed one by one
 constexpr std::ptrdiff_t kMostFrames = 64;  // four vectors of 16
 
 /** What correlateFrames() is asked. */
@@ -138,6 +139,11 @@ struct FrameLanes {
 
 void correlateFrames(const std::vector<ConstantQBin>& bins, int frameLength, const float* samples,
                      std::ptrdiff_t hop, int frames, ConstantQSums* sums) {
+    if (frames < kWorthLanes) {
+        for (const ConstantQBin& bin : bins)
+            for (int f = 0; f < frames; ++f) *sums++ = correlate(bin, samples + (f * hop));
+        return;
+    }
     std::vector<float> stretch(static_cast<std::size_t>(kStretch * kMostFrames));
     std::vector<float> running(bins.size() * 2 * static_cast<std::size_t>(kMostFrames));
     const Request request{&bins,  frameLength, samples,        hop,
