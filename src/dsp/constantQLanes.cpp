@@ -13,7 +13,7 @@ namespace {
 
 /** Samples of each frame that are laid out at a time: with 64 frames 32 KB. */
 constexpr int kStretch = 128;
-constexpr int kWorthLanes = 3;                // fewer frames are summed one by one
+constexpr int kWorthLanes = 3;              // fewer frames are summed one by one
 constexpr std::ptrdiff_t kMostFrames = 64;  // four vectors of 16
 
 /** What correlateFrames() is asked. */

@@ -66,8 +66,8 @@ std::vector<float> plainRows(const ConstantQBank& bank, int bins, const std::vec
             place == ConstantQBank::Place::start ? 0 : (bank.frameLength() / 2) - (len / 2);
         const float hz = static_cast<float>(220.0 * std::pow(2.0, k / 12.0));
         for (int j = 0; j < frames; ++j)
-            rows.push_back(plainMagnitude(x.data() + start + j * hop, len, hz, 8000.0F,
-                                          bank.frameLength()));
+            rows.push_back(
+                plainMagnitude(x.data() + start + j * hop, len, hz, 8000.0F, bank.frameLength()));
     }
     return rows;
 }
@@ -125,7 +125,9 @@ TEST_F(ConstantQBankTest, APureToneGivesTheSameMagnitudeInEveryBin) {
         const std::vector<float> x = beatatlas::test::sine(6000, hz, 4000, 1.0);
         std::vector<float> out(72);
         bank.magnitudes(x.data(), 1, 1, ConstantQBank::Place::start, out.data());
-        EXPECT_NEAR(out[static_cast<std::size_t>(k)], bank.frameLength() / 4.0, 0.03 * bank.frameLength() / 4.0) << k;
+        EXPECT_NEAR(out[static_cast<std::size_t>(k)], bank.frameLength() / 4.0,
+                    0.03 * bank.frameLength() / 4.0)
+            << k;
     }
 }
 

@@ -76,8 +76,7 @@ TEST_P(NarrowedCosineTest, GivesTheLibrarysBitsAboutQuarterTurns) {
     std::vector<double> angles;
     for (int quarters = 0; quarters < 300; ++quarters)
         for (double off = 1.0; off > 1e-17; off /= 3.0)
-            for (double side : {-off, 0.0, off})
-                angles.push_back((quarters * (kPi / 2.0)) + side);
+            for (double side : {-off, 0.0, off}) angles.push_back((quarters * (kPi / 2.0)) + side);
     expectLibraryBits(angles);
 }
 
