@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "ExportSet.h"
 #include "FuzzInput.h"
+#include "support/ExportSet.h"
 
 namespace beatatlas::fuzz {
+
+using test::ExportSet;
 
 /** One session under fire: any call in any order, and after each what the interface promises about its answers. */
 class FuzzSession {

@@ -65,7 +65,8 @@ std::string argumentOf(FuzzInput& input, const std::vector<std::string>& words) 
     return raw;
 }
 
-/** The folder that everything happens in; empty but for the track, the noise and a folder. */
+/** The folder that everything happens in; empty but for the track, the noise and a folder. The fuzzer's own folder is
+ *  the current one again between inputs, or it would not find its corpus. */
 class Scratch {
 public:
     Scratch() : folder_(std::make_unique<app::test::TemporaryFolder>()) {
@@ -73,11 +74,15 @@ public:
                                   app::test::tone(44100, 2, kTrackSeconds, 440.0, 0.5));
         app::test::writeFile(folder_->file("noise.bin"), "not an audio file, whatever it says");
         std::filesystem::create_directory(folder_->file("folder"));
-        if (chdir(folder_->path().c_str()) != 0) std::abort();
         kept_ = folder_->names();
     }
 
-    void cleanUp() const {
+    void enter() const {
+        if (chdir(folder_->path().c_str()) != 0) std::abort();
+    }
+
+    void leave() const {
+        if (fchdir(fuzzersFolder_) != 0) std::abort();
         for (const std::string& name : folder_->names()) {
             if (std::find(kept_.begin(), kept_.end(), name) == kept_.end())
                 std::filesystem::remove_all(folder_->file(name));
@@ -86,6 +91,7 @@ public:
 
 private:
     std::unique_ptr<app::test::TemporaryFolder> folder_;
+    int fuzzersFolder_ = open(".", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     std::vector<std::string> kept_;
 };
 
@@ -109,9 +115,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t cou
     for (const std::string& argument : arguments) argv.push_back(argument.c_str());
     argv.push_back(nullptr);
 
+    scratch.enter();
     app::ResultStream results(nowhere);
     const int status = app::Program(results).run(static_cast<int>(arguments.size()), argv.data());
     require(status == 0 || status == 1 || status == 2, "an exit status that the help names");
-    scratch.cleanUp();
+    scratch.leave();
     return 0;
 }

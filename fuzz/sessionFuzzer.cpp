@@ -10,6 +10,8 @@
 namespace {
 
 using namespace beatatlas::fuzz;
+using beatatlas::test::mangledExports;
+using beatatlas::test::plainExports;
 
 constexpr int kMostFrames = 250000;
 constexpr int kMostSessions = 8;

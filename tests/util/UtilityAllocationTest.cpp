@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Every allocation of every utility is refused in turn: the refusal must reach the caller as std::bad_alloc. (That
-// nothing is leaked on the way is for the address sanitizer to say.) Linked with calloc wrapped, because the Fourier
-// transform takes its tables from there.
+// nothing is leaked on the way is for the address sanitizer to say.) The Fourier transform takes its
+// tables from calloc.
 #include <climits>
 #include <functional>
 #include <new>
@@ -10,22 +10,10 @@
 #include <gmock/gmock.h>
 
 #include "beatatlas/utilities.h"
-#include "dsp/AllocationCounter.h"
+#include "support/Allocations.h"
 #include "support/signals.h"
 
-namespace {
-
-int callocsUntilRefusal = -1;  // below 0: never refuse
-
-}  // namespace
-
 extern "C" {
-void* __real_calloc(std::size_t count, std::size_t size);
-void* __wrap_calloc(std::size_t count, std::size_t size) {
-    if (callocsUntilRefusal == 0) return nullptr;
-    if (callocsUntilRefusal > 0) --callocsUntilRefusal;
-    return __real_calloc(count, size);
-}
 
 /** An absurd request is to be refused under the address sanitizer too, not reported. */
 const char* __asan_default_options() {
@@ -87,18 +75,20 @@ TEST(UtilityAllocationTest, BeatCutterPassesARefusalOfTheTransformOn) {
     ::testing::internal::CaptureStderr();
     for (int granted = 0; granted < 36; ++granted) {
         std::vector<float> out(9000, kUntouched);
-        callocsUntilRefusal = granted;
-        EXPECT_THROW(CutBeats(out.data(), in.data(), 9000, 44100.0F, 1, 0), std::bad_alloc);
-        callocsUntilRefusal = -1;
+        {
+            const CallocFailsAfter shortage(granted);
+            EXPECT_THROW(CutBeats(out.data(), in.data(), 9000, 44100.0F, 1, 0), std::bad_alloc);
+        }
         // Nothing is written while the input is still being looked at.
         if (granted < 18) {
             EXPECT_THAT(out, Each(kUntouched));
         }
     }
     std::vector<float> out(9000, kUntouched);
-    callocsUntilRefusal = 36;
-    EXPECT_NO_THROW(CutBeats(out.data(), in.data(), 9000, 44100.0F, 1, 0));
-    callocsUntilRefusal = -1;
+    {
+        const CallocFailsAfter shortage(36);
+        EXPECT_NO_THROW(CutBeats(out.data(), in.data(), 9000, 44100.0F, 1, 0));
+    }
     EXPECT_THAT(::testing::internal::GetCapturedStderr(), ::testing::StartsWith("malloc error\n"));
 }
 

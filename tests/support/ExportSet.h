@@ -3,7 +3,7 @@
 
 #include "beatatlas/records.h"
 
-namespace beatatlas::fuzz {
+namespace beatatlas::test {
 
 /** The exported functions of one interface; null where that interface lacks one. The two headers cannot be seen by one
  *  source file, so each set is filled in by its own. */
@@ -37,4 +37,4 @@ struct ExportSet {
 const ExportSet& plainExports();    ///< the 21 functions of beatatlas.h
 const ExportSet& mangledExports();  ///< the 27 functions of beatatlas.hpp
 
-}  // namespace beatatlas::fuzz
+}  // namespace beatatlas::test

@@ -1,14 +1,14 @@
 // SPDX-License-Identifier: MIT
-#include "ExportSet.h"
-#include "beatatlas/beatatlas.h"
+#include "beatatlas/beatatlas.hpp"
+#include "support/ExportSet.h"
 
-namespace beatatlas::fuzz {
+namespace beatatlas::test {
 
-const ExportSet& plainExports() {
+const ExportSet& mangledExports() {
     static constexpr ExportSet set{
-        .createCount = 6,
+        .createCount = 8,
         .create = {BA_Create48k, BA_Create44k, BA_CreateVaried48k, BA_CreateVaried44k,
-                   BA_CreateConst48k, BA_CreateConst44k, nullptr, nullptr},
+                   BA_CreateConst48k, BA_CreateConst44k, BA_CreateSimple48k, BA_CreateSimple44k},
         .release = BA_Release,
         .analyzed = BA_Analyzed,
         .setSamplePre = BA_SetSamplePre,
@@ -20,10 +20,10 @@ const ExportSet& plainExports() {
         .getDotsWave = BA_GetDotsWave,
         .getZoomWave = BA_GetZoomWave,
         .getMainKey = BA_GetMainKey,
-        .getKeyPoint = nullptr,
-        .getKeyRank = nullptr,
-        .getNoteEncount = nullptr,
-        .getNoteEncountVal = nullptr,
+        .getKeyPoint = BA_GetKeyPoint,
+        .getKeyRank = BA_GetKeyRank,
+        .getNoteEncount = BA_GetNoteEncount,
+        .getNoteEncountVal = BA_GetNoteEncountVal,
         .resample = BA_Resample,
         .cutBeats = BA_CutBeats,
         .pitchDetect = BA_PitchDetect,
@@ -32,4 +32,4 @@ const ExportSet& plainExports() {
     return set;
 }
 
-}  // namespace beatatlas::fuzz
+}  // namespace beatatlas::test
