@@ -32,6 +32,7 @@ public:
     void operate(const float* in, const Outputs& outputs, int n);
 
 private:
+    void filter(const float* in, const Outputs& outputs, int n);
     void forgetBlock(int cascade, const FilterBankLanes& before);
 
     FilterBankLanes lanes_{};
