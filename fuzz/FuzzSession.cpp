@@ -21,7 +21,7 @@ int fuzzLength(FuzzInput& input) {
     if (kind == 0) return fuzzInt(input);
     if (kind == 1) return std::numeric_limits<int>::max() - input.between(0, 255);
     if (kind < 8) return 1 + input.between(0, 700);
-    return 1 + static_cast<int>(input.bits32() % 250000U);
+    return 1 + static_cast<int>(input.bits32() % 120000U);
 }
 
 }  // namespace

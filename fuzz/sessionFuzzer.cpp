@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Any calls of both interfaces in any order, on up to three sessions at a time. An input buys at most 250,000 frames,
+// Any calls of both interfaces in any order, on up to three sessions at a time. An input buys at most 120,000 frames,
 // eight sessions and a hundred calls, so that none takes long.
 #include <array>
 #include <memory>
@@ -13,7 +13,7 @@ using namespace beatatlas::fuzz;
 using beatatlas::test::mangledExports;
 using beatatlas::test::plainExports;
 
-constexpr int kMostFrames = 250000;
+constexpr int kMostFrames = 120000;
 constexpr int kMostSessions = 8;
 constexpr int kMostCalls = 100;
 constexpr int kMostUtilityCalls = 4;

@@ -52,6 +52,10 @@ struct SecondOrderSection {
 
     /** Filters one block; `in` and `out` must not overlap. Nothing happens for len ≤ 0. */
     void operate(const double* in, double* out, int len) {
+        if (len > 1 && isConstant(in, len) && restsAt(in[0])) {
+            std::fill_n(out, len, y1);
+            return;
+        }
         const SecondOrderSection c = *this;
         double inOneBack = x1;
         double inTwoBack = x2;
@@ -73,6 +77,15 @@ struct SecondOrderSection {
         y2 = outTwoBack;
     }
 
+    /** Whether the section took x twice and gave the same value twice, to the bit, and would give it again. It then goes
+     *  on doing so for as long as x lasts. In silence every section comes to that: what feeds back becomes too small to
+     *  shrink, and very slow to compute. */
+    bool restsAt(double x) const {
+        SecondOrderSection after = *this;
+        return sameBits(x1, x) && sameBits(x2, x) && sameBits(y1, y2) &&
+               sameBits(after.step(x), y1);
+    }
+
     /** One sample, as operate() takes it. */
     double step(double x) {
         const double feedForward = ((b0 * x + b1 * x1) + b2 * x2);
@@ -85,14 +98,6 @@ struct SecondOrderSection {
     }
 };
 
-/** Whether the section took x twice and gave the same value twice, to the bit, and would give it again. It then goes on
- *  doing so for as long as x lasts. */
-inline bool restsAt(const SecondOrderSection& section, double x) {
-    SecondOrderSection after = section;
-    return sameBits(section.x1, x) && sameBits(section.x2, x) && sameBits(section.y1, section.y2) &&
-           sameBits(after.step(x), section.y1);
-}
-
 /** first.operate(), `between` of each sample, then second.operate(): the same values in one pass.
  *
  *  A section waits for its own last output, and so does the second; taken together, the processor
@@ -101,8 +106,7 @@ template <class Between>
 void operateInTurn(SecondOrderSection& first, Between between, SecondOrderSection& second,
                    const double* in, double* out, int len) {
     if (len <= 0) return;
-    // In silence what a section feeds back becomes too small to shrink, and very slow to compute.
-    if (isConstant(in, len) && restsAt(first, in[0]) && restsAt(second, between(first.y1))) {
+    if (isConstant(in, len) && first.restsAt(in[0]) && second.restsAt(between(first.y1))) {
         std::fill_n(out, len, second.y1);
         return;
     }

@@ -12,7 +12,8 @@ namespace beatatlas {
 template <class T>
 bool sameBits(T a, T b) {
     using Bits =
-        std::conditional_t<sizeof(T) == sizeof(std::uint64_t), std::uint64_t, std::uint32_t>;
+        std::conditional_t<sizeof(T) == 8, std::uint64_t,
+                           std::conditional_t<sizeof(T) == 4, std::uint32_t, std::uint16_t>>;
     return std::bit_cast<Bits>(a) == std::bit_cast<Bits>(b);
 }
 

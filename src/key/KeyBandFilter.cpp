@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "key/KeyBandFilter.h"
 
+#include <algorithm>
 #include <cstddef>
 
+#include "dsp/isConstant.h"
 #include "dsp/vectorLanes.h"
 
 namespace beatatlas {
@@ -139,11 +141,26 @@ void KeyBandFilter::stepStages(int first, int last, double x, PerStage& reached)
     }
 }
 
+// In silence the sections come to rest at numbers that are very slow to compute. A sample that leaves them all as they
+// were stands for all samples like it.
+void KeyBandFilter::filter(const double* in, double* out, int n) {
+    if (n < 2 || !isConstant(in, n)) return filterInLanes(in, out, n);
+    const PerStage s1 = s1_;
+    const PerStage s2 = s2_;
+    out[0] = filter(in[0]);
+    if (std::equal(s1.begin(), s1.end(), s1_.begin(), sameBits<double>) &&
+        std::equal(s2.begin(), s2.end(), s2_.begin(), sameBits<double>)) {
+        std::fill_n(out + 1, n - 1, out[0]);
+    } else {
+        filterInLanes(in + 1, out + 1, n - 1);
+    }
+}
+
 // A wavefront: while the first section takes sample i, section s takes sample i − s, which the sections before it have
 // left behind by then. No section waits for another within a step, so all ten go side by side; each still sees every
 // sample in turn and computes what runStage() does. The first steps start the sections one by one and the last ones
 // let them run out, so that every section has seen the whole block.
-void KeyBandFilter::filter(const double* in, double* out, int n) {
+void KeyBandFilter::filterInLanes(const double* in, double* out, int n) {
     constexpr int kLag = kStages - 1;
     if (n <= kLag) {
         for (int i = 0; i < n; ++i) out[i] = filter(in[i]);

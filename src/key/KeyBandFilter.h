@@ -50,6 +50,7 @@ private:
     template <std::size_t kWidth>
     struct Wavefront;
 
+    void filterInLanes(const double* in, double* out, int n);
     double runStage(int stage, double x);
     void stepStages(int first, int last, double x, PerStage& reached);
 

@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "dsp/constants.h"
+#include "dsp/isConstant.h"
 #include "dsp/sampleBlocks.h"
 #include "dsp/truncation.h"
 
@@ -157,6 +158,12 @@ void ZoomViewMaker::filterFrame() {
     double x2 = in[-2];
     double y1 = out[-1];
     double y2 = out[-2];
+    // In silence the output comes to rest at a number that is very slow to compute.
+    const double next = ((((b0 * x1) + (b1 * x1)) + (b2 * x2)) - (a1 * y1)) - (a2 * y2);
+    if (isConstant(mono_.get(), fill_ + 2) && sameBits(y1, y2) && sameBits(next, y1)) {
+        std::fill_n(out, fill_, y1);
+        return;
+    }
     for (int i = 0; i < fill_; ++i) {
         const double x = in[i];
         const double y = ((((b0 * x) + (b1 * x1)) + (b2 * x2)) - (a1 * y1)) - (a2 * y2);

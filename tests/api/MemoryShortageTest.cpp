@@ -4,6 +4,9 @@
 // and what is left of a session can be fed, asked and released.
 #include <cfenv>
 #include <functional>
+#include <ostream>
+#include <string>
+#include <tuple>
 #include <vector>
 
 #include <gmock/gmock.h>
@@ -35,6 +38,10 @@ struct Interface {
     const ExportSet& (*exports)();
     bool throws;
 };
+
+void PrintTo(const Interface& interface, std::ostream* out) {
+    *out << interface.name;
+}
 
 /** A session with everything on, and how many blocks it holds. */
 class Subject {
@@ -92,7 +99,11 @@ private:
 
 class MemoryShortageTest : public ::testing::TestWithParam<std::tuple<Interface, Shortage>> {
 protected:
-    void SetUp() override { mode_ = std::fegetround(); }
+    void SetUp() override {
+        mode_ = std::fegetround();
+        // Made before anything is counted.
+        for (int kind : {0, 1}) trackOf(kind);
+    }
     void TearDown() override { std::fesetround(mode_); }
 
     static const Interface& interface() { return std::get<0>(GetParam()); }

@@ -144,6 +144,26 @@ TEST_F(KeyBandFilterTest, BlocksOfAnyLengthGiveTheBitsOfThePlainFormInEveryForm)
     }
 }
 
+// A few seconds after the music the sections rest, and need not be computed; nothing may be lost when it goes on.
+TEST_F(KeyBandFilterTest, WakesFromSilenceWithTheBitsOfThePlainForm) {
+    std::vector<double> in = noise(500, 4);
+    in.resize(150000, 0.0);
+    const auto more = noise(500, 5);
+    in.insert(in.end(), more.begin(), more.end());
+    for (int rate : {44100, 48000}) {
+        KeyBandFilter plain;
+        plain.create(rate);
+        const auto expected = bitsOf(filteredPlainly(plain, in));
+        for (auto form : beatatlas::test::formsOfThisMachine()) {
+            const beatatlas::test::FormScope scope(form);
+            KeyBandFilter filter;
+            filter.create(rate);
+            EXPECT_EQ(bitsOf(filteredInBlocks(filter, in, {1024, 3, 1, 640})), expected)
+                << beatatlas::test::nameOf(form);
+        }
+    }
+}
+
 TEST_F(KeyBandFilterTest, AfterABlockThePlainFormGoesOnWithTheSameState) {
     const auto first = noise(100, 2);
     const auto second = noise(100, 3);
