@@ -86,7 +86,9 @@ void Container::chooseStream() {
 void Container::refuse(int error, const char* otherwise) const {
     Interrupt::check();
     input_.requireReadable();
-    if (error == AVERROR(ENOMEM)) throw std::bad_alloc();
+    // A damaged length field asks for gigabytes; told from a true shortage it cannot be.
+    if (error == AVERROR(ENOMEM))
+        throw TrackError("asks for more memory than there is; it may be damaged");
     throw TrackError(otherwise);
 }
 
