@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Part of builds with a leak checker only.
 
+// The checker asks for these names: NOLINTBEGIN(bugprone-reserved-identifier, cert-dcl37-c, cert-dcl51-cpp)
 extern "C" {
 
 const char* __lsan_default_suppressions();
@@ -16,3 +17,4 @@ const char* __lsan_default_options() {
     return "print_suppressions=0";
 }
 }
+// NOLINTEND(bugprone-reserved-identifier, cert-dcl37-c, cert-dcl51-cpp)

@@ -20,6 +20,10 @@ void refuseAbove(double frames) {
         "is too long: more than 2,147,483,647 frames (12.4 hours at 48,000 Hz) cannot be analysed");
 }
 
+void refuseIfChanged(const TrackDecoder& decoder, const FileState& before) {
+    if (decoder.fileState() != before) throw TrackError("has changed while it was being read");
+}
+
 }  // namespace
 
 // The passes: measure, for the key alone the levels, and the analysis proper.
@@ -53,6 +57,7 @@ TrackReport TrackAnalyzer::analyze(const std::string& path, ProgressLine& progre
 
 int TrackAnalyzer::measure(TrackReport& report, const ShowFraction& show) const {
     TrackDecoder decoder(report.path);
+    report.file = decoder.fileState();
     const double declared = decoder.declaredSeconds().value_or(0.0);
     refuseAbove(declared * kLowestSessionRate);
     const double expected = std::max(1.0, declared * kLowestSessionRate);
@@ -62,6 +67,7 @@ int TrackAnalyzer::measure(TrackReport& report, const ShowFraction& show) const 
                          show(static_cast<double>(frames) / expected);
                      });
     decoder.run(counter);
+    refuseIfChanged(decoder, report.file);
     report.format = decoder.format();
     report.isCutOff = decoder.isCutOff();
     report.damagedPackets = decoder.tally().damagedPackets;
@@ -84,9 +90,12 @@ void TrackAnalyzer::refuseUnlessUsable(const TrackReport& report, const DecodeTa
 void TrackAnalyzer::feedTrack(const TrackReport& report, int frames, const Feed& feed,
                               const ShowFraction& show) {
     TrackDecoder decoder(report.path);
+    refuseIfChanged(decoder, report.file);
     FeedSink sink(feed, [&](std::int64_t fed) { show(static_cast<double>(fed) / frames); });
     decoder.run(sink);
-    if (sink.frames() != frames) throw TrackError("has changed while it was being read");
+    refuseIfChanged(decoder, report.file);
+    if (sink.frames() != frames)
+        throw TrackError("did not give the same music twice: its decoder cannot be relied on");
 }
 
 }  // namespace app

@@ -19,7 +19,8 @@ struct TrackReport {
     AnalysisOptions options;  ///< what was asked for
     bool isCutOff = false;    ///< the file holds only the beginning of the track
     std::int64_t damagedPackets =
-        0;  ///< stretches that could not be decoded; silence stands in their place
+        0;           ///< stretches that could not be decoded; silence stands in their place
+    FileState file;  ///< in which every pass has to find it
     AnalysisResult analysis;
 };
 

@@ -86,9 +86,7 @@ void Container::chooseStream() {
 void Container::refuse(int error, const char* otherwise) const {
     Interrupt::check();
     input_.requireReadable();
-    // A damaged length field asks for gigabytes; told from a true shortage it cannot be.
-    if (error == AVERROR(ENOMEM))
-        throw TrackError("asks for more memory than there is; it may be damaged");
+    if (error == AVERROR(ENOMEM)) throw std::bad_alloc();
     throw TrackError(otherwise);
 }
 

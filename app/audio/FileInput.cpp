@@ -115,6 +115,14 @@ std::int64_t FileInput::seekCallback(void* self, std::int64_t offset, int origin
     return input.position_;
 }
 
+FileState FileInput::state() const {
+    struct stat status = {};
+    if (fstat(descriptor_, &status) != 0)
+        throw TrackError("cannot be examined: " + systemReason(errno));
+    return {status.st_dev, status.st_ino, status.st_size, status.st_mtim.tv_sec,
+            status.st_mtim.tv_nsec};
+}
+
 std::size_t FileInput::readAt(std::int64_t offset, void* bytes, std::size_t count) const {
     const ssize_t got = pread(descriptor_, bytes, count, offset);
     return got > 0 ? static_cast<std::size_t>(got) : 0;

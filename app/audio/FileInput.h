@@ -9,6 +9,17 @@ struct AVIOContext;
 
 namespace app {
 
+/** What tells one state of a file from another: a pass over a file that has changed since would hear another track. */
+struct FileState {
+    std::uint64_t device = 0;
+    std::uint64_t number = 0;  ///< the file's own on its device
+    std::int64_t size = 0;
+    std::int64_t changedSeconds = 0;
+    std::int64_t changedNanoseconds = 0;
+
+    bool operator==(const FileState&) const = default;
+};
+
 /** A regular file as FFmpeg reads it.
  *
  *  FFmpeg never sees the file's name: names such as "http:x", "concat:a" or "-" would otherwise be taken for
@@ -23,6 +34,9 @@ public:
 
     AVIOContext* context() const { return context_.get(); }
     std::int64_t size() const { return size_; }
+
+    /** As it is now. */
+    FileState state() const;
 
     /** Bytes from a place of the file, without moving the reading position. @return how many were read */
     std::size_t readAt(std::int64_t offset, void* bytes, std::size_t count) const;

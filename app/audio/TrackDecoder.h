@@ -38,6 +38,9 @@ public:
     const DecodeTally& tally() const { return tally_; }
     const TrackFormat& format() const { return format_; }
 
+    /** Of the file, as it is now. */
+    FileState fileState() const { return input_.state(); }
+
     /** Length by the file's own account, seconds. */
     std::optional<double> declaredSeconds() const { return container_.declaredSeconds(); }
 

@@ -7,8 +7,11 @@
 #include "picture/Color.h"
 #include "picture/Rect.h"
 
+// As cairo.h declares them.
+// NOLINTBEGIN(bugprone-reserved-identifier, cert-dcl37-c, cert-dcl51-cpp, modernize-use-using)
 typedef struct _cairo cairo_t;
 typedef struct _cairo_surface cairo_surface_t;
+// NOLINTEND(bugprone-reserved-identifier, cert-dcl37-c, cert-dcl51-cpp, modernize-use-using)
 
 namespace app {
 

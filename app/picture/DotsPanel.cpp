@@ -32,7 +32,7 @@ void DotsPanel::draw(Canvas& canvas) const {
     const double pitch = area_.width / static_cast<double>(std::max<std::size_t>(1, dots_.size()));
     for (std::size_t i = 0; i < dots_.size(); ++i) {
         const double x = area_.x + (static_cast<double>(i) + 0.5) * pitch;
-        const double level = static_cast<double>(dots_[i].level);
+        const auto level = static_cast<double>(dots_[i].level);
         if (level <= 0.0) {
             canvas.fillCircle(x, area_.centerY(), kLeastRadius, palette::kBaseLine);
             continue;

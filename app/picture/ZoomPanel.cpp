@@ -2,6 +2,8 @@
 #include "picture/ZoomPanel.h"
 
 #include <algorithm>
+#include <cmath>
+#include <ranges>
 
 #include <fmt/format.h>
 
@@ -57,9 +59,9 @@ void ZoomPanel::drawLegend(Canvas& canvas) const {
         x -= kLegendGap;
     };
     place("no bass");
-    for (auto color = palette::kZoom.rbegin(); color != palette::kZoom.rend(); ++color) {
+    for (const Color& color : palette::kZoom | std::views::reverse) {
         x -= kSwatchWidth;
-        canvas.fillColumn({x, y - kSwatchHeight + 1.0, kSwatchWidth, kSwatchHeight}, *color);
+        canvas.fillColumn({x, y - kSwatchHeight + 1.0, kSwatchWidth, kSwatchHeight}, color);
     }
     x -= kLegendGap;
     place("all bass");
@@ -79,7 +81,9 @@ WavePoint ZoomPanel::columnAt(double left, double right) const {
 void ZoomPanel::drawWave(Canvas& canvas) const {
     const double room = area_.height - kGridHead - kPadding;
     const double centerY = area_.y + kGridHead + room / 2.0;
-    for (double x = area_.x; x < area_.right(); x += kColumnWidth) {
+    const auto columns = static_cast<int>(std::ceil(area_.width / kColumnWidth));
+    for (int column = 0; column < columns; ++column) {
+        const double x = area_.x + column * kColumnWidth;
         const WavePoint point = columnAt(x, x + kColumnWidth);
         const double height =
             std::max(kLeastHeight, static_cast<double>(point.level) / kFullLevel * room);

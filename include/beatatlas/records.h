@@ -6,6 +6,7 @@
 #ifndef BEATATLAS_RECORDS_H
 #define BEATATLAS_RECORDS_H
 
+// C reads this as well: NOLINTBEGIN(modernize-deprecated-headers, modernize-use-using)
 #include <stddef.h>
 #include <stdint.h>
 
@@ -21,6 +22,7 @@ typedef struct BA_WaveInfo {
     float level;   /**< offset 0: height of the point */
     int32_t color; /**< offset 4: colour class of the point */
 } BA_WaveInfo;
+// NOLINTEND(modernize-deprecated-headers, modernize-use-using)
 
 #if defined(__cplusplus)
 static_assert(sizeof(BA_BeatInfo) == 12 && alignof(BA_BeatInfo) == 4, "layout of BA_BeatInfo");

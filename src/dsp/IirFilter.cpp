@@ -20,7 +20,7 @@ struct IirFilter::Corner {
           s(std::sin(w0)), c(std::cos(w0)) {}
 
     double alphaOfQ(float q) const {
-        const double wide = static_cast<double>(q);
+        const auto wide = static_cast<double>(q);
         return s / (wide + wide);
     }
 

@@ -5,57 +5,12 @@
 #include <cmath>
 #include <cstddef>
 
-#include "dsp/truncation.h"
+#include "dsp/sampleLanes.h"
 #include "dsp/vectorLanes.h"
 
 namespace beatatlas {
 
 namespace {
-
-double monoOfFrame(const std::int16_t* frame) {
-    return static_cast<double>(static_cast<int>(frame[0]) + static_cast<int>(frame[1])) * 0.5;
-}
-
-// A frame is one 32-bit lane, whichever channel lies in its upper half.
-template <std::size_t kWidth>
-struct MonoOfBlock {
-    using Frames = Lanes<std::int32_t, kWidth>;
-    using Values = Lanes<double, kWidth>;
-
-    BEATATLAS_LANES static void run(const std::int16_t* stereo, double* out, int n) {
-        constexpr int kStep = static_cast<int>(kWidth);
-        int i = 0;
-        for (; i + kStep <= n; i += kStep) {
-            Frames frames;
-            loadLanes(frames, stereo + (2 * static_cast<std::ptrdiff_t>(i)));
-            const Frames sums = (frames >> 16) + ((frames << 16) >> 16);
-            storeLanes(__builtin_convertvector(sums, Values) * 0.5, out + i);
-        }
-        for (; i < n; ++i) out[i] = monoOfFrame(stereo + (2 * static_cast<std::ptrdiff_t>(i)));
-    }
-};
-
-// What does not fit 32 bits ends with the low half of the most negative integer, which is 0: so does 0.
-template <std::size_t kWidth>
-struct TruncateBlock {
-    using Values = Lanes<double, kWidth>;
-    using Integers = Lanes<std::int32_t, kWidth>;
-    using Samples = Lanes<std::int16_t, kWidth>;
-
-    BEATATLAS_LANES static void run(const double* in, std::int16_t* out, int n) {
-        constexpr int kStep = static_cast<int>(kWidth);
-        int i = 0;
-        for (; i + kStep <= n; i += kStep) {
-            Values values;
-            loadLanes(values, in + i);
-            const Values notBelow = values > -2147483649.0 ? values : Values{};
-            const Values cut = notBelow < 2147483648.0 ? notBelow : Values{};
-            const Integers integers = __builtin_convertvector(cut, Integers);
-            storeLanes(__builtin_convertvector(integers, Samples), out + i);
-        }
-        for (; i < n; ++i) out[i] = truncToInt16(in[i]);
-    }
-};
 
 // The maximum of numbers is the same in any order.
 template <std::size_t kWidth>
@@ -96,10 +51,6 @@ double largestMagnitude(const double* in, int n) {
 
 void monoOfBlock(const std::int16_t* stereo, double* out, int n) {
     runInLanes<MonoOfBlock>(stereo, out, n);
-}
-
-void truncateBlock(const double* in, std::int16_t* out, int n) {
-    runInLanes<TruncateBlock>(in, out, n);
 }
 
 }  // namespace beatatlas

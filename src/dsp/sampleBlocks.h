@@ -10,9 +10,6 @@ namespace beatatlas {
  *  @param stereo  n frames, left and right interleaved */
 void monoOfBlock(const std::int16_t* stereo, double* out, int n);
 
-/** out[i] = truncToInt16(in[i]). n ≤ 0 does nothing. */
-void truncateBlock(const double* in, std::int16_t* out, int n);
-
 /** The largest of |in[i]|, at least 0; values that are no numbers do not count. 0 for n ≤ 0. */
 double largestMagnitude(const double* in, int n);
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <cstring>
 #include <utility>
 
@@ -42,6 +43,24 @@ BEATATLAS_LANES void fillLanes(Vector& lanes, T value, std::index_sequence<kLane
 template <typename Vector, typename T>
 BEATATLAS_LANES void fillLanes(Vector& lanes, T value) {
     fillLanes(lanes, value, std::make_index_sequence<sizeof(Vector) / sizeof(T)>{});
+}
+
+template <std::size_t kCount, std::size_t... kLane>
+BEATATLAS_LANES void convertLanes(const Lanes<std::int32_t, kCount>& from,
+                                  Lanes<double, kCount>& to, std::index_sequence<kLane...>) {
+    to = Lanes<double, kCount>{static_cast<double>(from[kLane])...};
+}
+
+/** Whole numbers as doubles. */
+template <std::size_t kCount>
+BEATATLAS_LANES void convertLanes(const Lanes<std::int32_t, kCount>& from,
+                                  Lanes<double, kCount>& to) {
+    // Each compiler makes one instruction of its own spelling and several of the other.
+#if defined(__clang__)
+    to = __builtin_convertvector(from, Lanes<double, kCount>);
+#else
+    convertLanes<kCount>(from, to, std::make_index_sequence<kCount>{});
+#endif
 }
 
 #if BEATATLAS_WIDE_FORMS

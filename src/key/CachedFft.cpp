@@ -8,34 +8,36 @@
 
 namespace beatatlas {
 
+namespace {
+
+int reportShortage() {
+    std::fputs("記憶領域不足\n", stderr);
+    return 1;
+}
+
+}  // namespace
+
 int CachedFft::fft(int n, double* re, double* im) {
     const std::int64_t size = std::abs(static_cast<std::int64_t>(n));
     if (size == 0) {
         release();
         return 0;
     }
-    if (size != size_ && !makeTables(size)) {
-        std::fputs("記憶領域不足\n", stderr);
-        return 1;
+    if (size != size_ && !makeTables(size)) return reportShortage();
+    fft::transform(size, n < 0, sineTable_.get(), bitReversal_.get(), re, im);
+    if (n < 0) return 0;
+    for (std::int64_t i = 0; i < size; ++i) {
+        re[i] /= static_cast<double>(size);
+        im[i] /= static_cast<double>(size);
     }
-    transform(n < 0, re, im);
-    if (n > 0) divideByLength(re, im);
     return 0;
 }
 
-void CachedFft::transform(bool inverse, double* re, double* im) const {
-    if (fft::LaneTransform::takes(size_))
-        lanes_.run(inverse, re, im);
-    else
-        fft::transform(size_, inverse, sineTable_.get(), bitReversal_.get(), re, im);
-}
-
-void CachedFft::divideByLength(double* re, double* im) const {
-    if (fft::LaneTransform::takes(size_)) return lanes_.divideByLength(re, im);
-    for (std::int64_t i = 0; i < size_; ++i) {
-        re[i] /= static_cast<double>(size_);
-        im[i] /= static_cast<double>(size_);
-    }
+int CachedFft::power(int n, double* values, double* power) {
+    if (n != size_ && !makeTables(n)) return reportShortage();
+    if (n != real_.size() && !real_.create(n, sineTable_.get())) return reportShortage();
+    real_.run(values, power);
+    return 0;
 }
 
 bool CachedFft::makeTables(std::int64_t size) {
@@ -48,11 +50,6 @@ bool CachedFft::makeTables(std::int64_t size) {
     }
     fft::fillSineTable(size, sineTable_.get());
     fft::fillBitReversal(size, bitReversal_.get());
-    if (fft::LaneTransform::takes(size) &&
-        !lanes_.create(size, sineTable_.get(), bitReversal_.get())) {
-        release();
-        return false;
-    }
     size_ = size;
     return true;
 }
@@ -61,7 +58,7 @@ void CachedFft::release() {
     size_ = 0;
     sineTable_.reset();
     bitReversal_.reset();
-    lanes_.release();
+    real_.release();
 }
 
 }  // namespace beatatlas

@@ -4,7 +4,7 @@
 #include <cstdint>
 
 #include "dsp/CArray.h"
-#include "dsp/fftLanes.h"
+#include "dsp/RealSpectrum.h"
 
 namespace beatatlas {
 
@@ -20,17 +20,22 @@ public:
      *          they were then */
     int fft(int n, double* re, double* im);
 
+    /** The squared magnitudes that fft(n, values, zeros) leads to, bit for bit, of the bins 0 … n / 2.
+     *
+     *  @param n       a power of four from 256 up
+     *  @param values  are used up
+     *  @return as fft() does */
+    int power(int n, double* values, double* power);
+
     void release();
 
 private:
     bool makeTables(std::int64_t size);
-    void transform(bool inverse, double* re, double* im) const;
-    void divideByLength(double* re, double* im) const;
 
     std::int64_t size_ = 0;  // of the cached tables; 0: none
     CArray<double> sineTable_;
     CArray<int> bitReversal_;
-    fft::LaneTransform lanes_;  // for the lengths that it takes
+    fft::RealSpectrum real_;  // reads the sine table; not created before power() is called
 };
 
 }  // namespace beatatlas

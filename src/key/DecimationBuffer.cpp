@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <cstddef>
 
-#include "dsp/sampleBlocks.h"
 #include "dsp/truncation.h"
 #include "key/frameTiming.h"
 
@@ -19,14 +18,6 @@ void DecimationBuffer::create(int rate) {
 void DecimationBuffer::reset() {
     if (samples_ != nullptr) std::fill_n(samples_.get(), kSamples, std::int16_t{0});
     position_ = 0;
-}
-
-void DecimationBuffer::put(const double* filtered, int n) {
-    const int passedOver = std::min(n, std::max(-position_, 0));
-    if (n > passedOver)
-        truncateBlock(filtered + passedOver, samples_.get() + (position_ + passedOver),
-                      n - passedOver);
-    position_ += n;
 }
 
 void DecimationBuffer::hop() {

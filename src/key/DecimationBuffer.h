@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <memory>
 
@@ -20,19 +21,20 @@ public:
     /** Samples until the next frame is complete; with none missing, take it, then hop. */
     int missing() const { return kSamples - position_; }
 
-    /** Adds n samples, cut to 16 bits; 0 ≤ n ≤ missing(). */
-    void put(const double* filtered, int n);
+    /** Where the next room() samples go; add() tells how many of them have been written, 0 ≤ n ≤ room(). */
+    std::int16_t* end() { return samples_.get() + std::max(position_, 0); }
+    int room() const { return position_ < 0 ? std::min(-position_, kSamples) : missing(); }
+    void add(int n) { position_ += n; }
 
-    /** Sample i of the frame, 0 ≤ i < kFrameSamples. */
-    std::int16_t frameSample(int i) const { return samples_[index(i * kSpacing)]; }
+    /** The complete frame: kFrameSamples of them, each so many entries after the one before. */
+    static constexpr int kSpacing = kSamples / kFrameSamples;
+    const std::int16_t* frame() const { return samples_.get(); }
 
     /** Makes room for the next 0.3 s. At rates above 54,600 that is more than the buffer holds: the position
-     *  turns negative and the samples up to 0 are passed over. */
+     *  turns negative, and those that come before 0 are overwritten by those that follow. */
     void hop();
 
 private:
-    static constexpr int kSpacing = kSamples / kFrameSamples;
-
     static std::size_t index(int i) { return static_cast<std::size_t>(i); }
 
     std::unique_ptr<std::int16_t[]> samples_;

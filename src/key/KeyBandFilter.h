@@ -3,6 +3,7 @@
 
 #include <array>
 #include <cstddef>
+#include <cstdint>
 
 namespace beatatlas {
 
@@ -21,9 +22,11 @@ public:
     /** The plain form: one sample through one section after the other. */
     double filter(double x);
 
-    /** As filter(x) for n samples in a row, with all sections at work at once. in and out may be the same array;
-     *  n ≤ 0 does nothing. */
-    void filter(const double* in, double* out, int n);
+    /** The mean of both channels of each frame through filter(x), cut to 16 bits; with all sections at work at once.
+     *  n ≤ 0 does nothing.
+     *  @param frames  n interleaved stereo frames
+     *  @param out     n samples; no part of frames */
+    void filter(const std::int16_t* frames, std::int16_t* out, int n);
 
 private:
     struct Section {
@@ -43,14 +46,15 @@ private:
     static constexpr int kHighPasses = 2;
     static constexpr int kStages = kLowPasses + kHighPasses;
 
-    /** One value per section, in the order that the signal passes them. */
+    /** One value per section, each at its placeOf(). */
     using PerStage = std::array<double, kStages>;
 
     /** All sections side by side in lanes. */
     template <std::size_t kWidth>
     struct Wavefront;
 
-    void filterInLanes(const double* in, double* out, int n);
+    void filterInLanes(const std::int16_t* frames, std::int16_t* out, int n);
+    static std::size_t placeOf(int stage);
     double runStage(int stage, double x);
     void stepStages(int first, int last, double x, PerStage& reached);
 

@@ -6,10 +6,8 @@
 #include "key/KeyRankMaker.h"
 
 #include <algorithm>
-#include <array>
 #include <cstddef>
 
-#include "dsp/sampleBlocks.h"
 #include "dsp/truncation.h"
 #include "key/ChromaFolder.h"
 #include "key/frameTiming.h"
@@ -19,7 +17,6 @@ namespace beatatlas {
 namespace {
 
 constexpr int kInputFrames = 16384;  // besides the windows of the transient suppression
-constexpr int kBatchFrames = 1024;   // filtered at once: stays in the nearest cache
 
 template <typename Range, typename T>
 int copyResults(const Range& from, T* out) {
@@ -61,6 +58,7 @@ void KeyRankMaker::reset() {
 
 void KeyRankMaker::release() {
     input_.reset();
+    suppressor_.release();
     decimation_.release();
     spectrum_.release();
     spectrogram_.release();
@@ -122,8 +120,9 @@ void KeyRankMaker::analyzeAC(bool last) {
     const std::int16_t* frames = input_.get();
     while (left > 0) {
         // Never past the end of an analysis frame: it may be the last one.
-        const int batch = std::min({left, decimation_.missing(), kBatchFrames});
-        filterBatch(frames, batch);
+        const int batch = std::min(left, decimation_.room());
+        filter_.filter(frames, decimation_.end(), batch);
+        decimation_.add(batch);
         frames += 2 * static_cast<std::ptrdiff_t>(batch);
         left -= batch;
         if (decimation_.missing() > 0) continue;
@@ -131,13 +130,6 @@ void KeyRankMaker::analyzeAC(bool last) {
         decimation_.hop();
         if (frames_ >= maxFrames_) return;
     }
-}
-
-void KeyRankMaker::filterBatch(const std::int16_t* frames, int n) {
-    std::array<double, kBatchFrames> signal;
-    monoOfBlock(frames, signal.data(), n);
-    filter_.filter(signal.data(), signal.data(), n);
-    decimation_.put(signal.data(), n);
 }
 
 void KeyRankMaker::analyzeFFT() {

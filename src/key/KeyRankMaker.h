@@ -74,7 +74,6 @@ private:
     int takeFrames(const std::int16_t* frames, int n);
     void keepTail();
     void analyzeAC(bool last);
-    void filterBatch(const std::int16_t* frames, int n);
     void analyzeFFT();
     void analyzeKEY();
 

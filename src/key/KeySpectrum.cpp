@@ -2,10 +2,13 @@
 #include "key/KeySpectrum.h"
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
 #include <cstddef>
+#include <cstdint>
 
 #include "dsp/constants.h"
+#include "dsp/vectorLanes.h"
 
 namespace beatatlas {
 
@@ -22,6 +25,28 @@ std::unique_ptr<double[]> makeHann() {
     return window;
 }
 
+/** out[i] = sample i of the frame times the window. */
+template <std::size_t kWidth>
+struct WindowedFrame {
+    BEATATLAS_LANES static void run(const std::int16_t* frame, const double* window, double* out) {
+        for (std::size_t i = 0; i < kPoints; i += kWidth) {
+            // A sample and those up to the next one of the frame are one 64-bit lane.
+            Lanes<std::int64_t, kWidth> samples;
+            static_assert(sizeof(samples[0]) == DecimationBuffer::kSpacing * sizeof(*frame));
+            loadLanes(samples, frame + (DecimationBuffer::kSpacing * i));
+            if constexpr (std::endian::native == std::endian::big) samples >>= 32;
+            const auto halves = __builtin_convertvector(samples, Lanes<std::int32_t, kWidth>);
+            Lanes<double, kWidth> values;
+            convertLanes<kWidth>(std::endian::native == std::endian::big ? halves >> 16
+                                                                         : (halves << 16) >> 16,
+                                 values);
+            Lanes<double, kWidth> weights;
+            loadLanes(weights, window + i);
+            storeLanes(values * weights, out + i);
+        }
+    }
+};
+
 }  // namespace
 
 void KeySpectrum::create(double analysisRate) {
@@ -29,27 +54,24 @@ void KeySpectrum::create(double analysisRate) {
     bands_.create(kPoints / 2, analysisRate / static_cast<double>(kPoints));
     magnitudes_.assign(static_cast<std::size_t>(bands_.count()), 0.0);
     hann_ = makeHann();
-    re_ = std::make_unique<double[]>(kPoints);
-    im_ = std::make_unique<double[]>(kPoints);
+    values_ = std::make_unique<double[]>(kPoints);
+    power_ = std::make_unique<double[]>((kPoints / 2) + 1);
 }
 
 void KeySpectrum::release() {
     bands_.release();
     fft_.release();
     hann_.reset();
-    re_.reset();
-    im_.reset();
+    values_.reset();
+    power_.reset();
 }
 
 // Phases are not taken: no result depends on them.
 const std::vector<double>& KeySpectrum::measure(const DecimationBuffer& samples) {
-    for (int i = 0; i < kPoints; ++i) {
-        const auto k = static_cast<std::size_t>(i);
-        re_[k] = static_cast<double>(samples.frameSample(i)) * hann_[k];
-        im_[k] = 0.0;
-    }
-    if (fft(kPoints, re_.get(), im_.get()) == 0)
-        bands_.measure(re_.get(), im_.get(), magnitudes_.data());
+    const double* hann = hann_.get();
+    runInLanes<WindowedFrame>(samples.frame(), hann, values_.get());
+    if (fft_.power(kPoints, values_.get(), power_.get()) == 0)
+        bands_.measure(power_.get(), magnitudes_.data());
     else
         std::fill(magnitudes_.begin(), magnitudes_.end(), 0.0);
     return magnitudes_;

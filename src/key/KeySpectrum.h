@@ -12,7 +12,7 @@ namespace beatatlas {
 
 /** The spectrum of one analysis frame, read by semitone bands.
  *
- *  Memory: a window and two work arrays of 4096 doubles, made in create(); the transform's tables come with the
+ *  Memory: a window and a frame of 4096 doubles and its spectrum, made in create(); the transform's tables come with the
  *  first frame. */
 class KeySpectrum {
 public:
@@ -32,8 +32,8 @@ private:
     SemitoneBands bands_;
     CachedFft fft_;
     std::unique_ptr<double[]> hann_;
-    std::unique_ptr<double[]> re_;
-    std::unique_ptr<double[]> im_;
+    std::unique_ptr<double[]> values_;
+    std::unique_ptr<double[]> power_;
     std::vector<double> magnitudes_;
 };
 

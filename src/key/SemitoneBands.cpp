@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "dsp/vectorLanes.h"
 #include "key/pitchClasses.h"
 
 namespace beatatlas {
@@ -55,14 +56,32 @@ void SemitoneBands::findBins(int bins, double binHz) {
     }
 }
 
-void SemitoneBands::measure(const double* re, const double* im, double* out) const {
-    for (const Bins& bins : bins_) {
-        // The square root rises with its argument, rounded or not: one root per band gives the same bits.
-        double largest = 0.0;
-        for (int i = bins.first; i < bins.end; ++i)
-            largest = std::max(largest, (re[i] * re[i]) + (im[i] * im[i]));
-        *out++ = std::sqrt(largest);
+/** The largest power of each band; that of numbers is the same in any order. */
+template <std::size_t kWidth>
+struct SemitoneBands::Largest {
+    BEATATLAS_LANES static void run(const Bins* bands, std::size_t count, const double* power,
+                                    double* out) {
+        constexpr int kStep = static_cast<int>(kWidth);
+        for (std::size_t b = 0; b < count; ++b) {
+            int i = bands[b].first;
+            Lanes<double, kWidth> largest{};
+            for (; i + kStep <= bands[b].end; i += kStep) {
+                Lanes<double, kWidth> values;
+                loadLanes(values, power + i);
+                largest = largest < values ? values : largest;
+            }
+            out[b] = 0.0;
+            for (std::size_t lane = 0; lane < kWidth; ++lane)
+                out[b] = std::max(out[b], largest[lane]);
+            for (; i < bands[b].end; ++i) out[b] = std::max(out[b], power[i]);
+        }
     }
+};
+
+void SemitoneBands::measure(const double* power, double* out) const {
+    runInLanes<Largest>(bins_.data(), bins_.size(), power, out);
+    // The square root rises with its argument, rounded or not: one root per band gives the same bits.
+    for (std::size_t b = 0; b < bins_.size(); ++b) out[b] = std::sqrt(out[b]);
 }
 
 }  // namespace beatatlas

@@ -18,8 +18,9 @@ public:
     double lowerHz(int band) const { return lower_[static_cast<std::size_t>(band)]; }
     double upperHz(int band) const { return upper_[static_cast<std::size_t>(band)]; }
 
-    /** Fills out with the largest magnitude inside each band, 0 where no bin falls into it. */
-    void measure(const double* re, const double* im, double* out) const;
+    /** Fills out with the largest magnitude inside each band, 0 where no bin falls into it.
+     *  @param power  squared magnitudes of the bins, none of them NaN */
+    void measure(const double* power, double* out) const;
 
 private:
     /** Consecutive bins first … end − 1. */
@@ -27,6 +28,9 @@ private:
         int first;
         int end;
     };
+
+    template <std::size_t kWidth>
+    struct Largest;
 
     void layBands();
     void findBins(int bins, double binHz);

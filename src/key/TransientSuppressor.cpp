@@ -5,8 +5,10 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdlib>
+#include <cstring>
 
 #include "dsp/truncation.h"
+#include "dsp/vectorLanes.h"
 
 namespace beatatlas {
 
@@ -18,7 +20,6 @@ constexpr double kThresholdShare = 0.75;  // of the way from the average level t
 constexpr double kFloorGain = 0.125;
 constexpr double kGainRange = 1.0 - kFloorGain;
 constexpr int kMostMagnitude = 32768;
-constexpr int kStretchFrames = 32;
 
 int framesOf(int rate, int milliseconds) {
     const std::int64_t frames = static_cast<std::int64_t>(rate) * milliseconds / 1000;
@@ -30,17 +31,6 @@ int magnitude(const std::int16_t* frame) {
     return std::max(std::abs(static_cast<int>(frame[0])), std::abs(static_cast<int>(frame[1])));
 }
 
-/** Whether one of the next kStretchFrames frames may be loud: no frame is examined by itself until one is. */
-bool exceeds(const std::int16_t* frames, int level) {
-    std::int16_t highest = 0;
-    std::int16_t lowest = 0;
-    for (int i = 0; i < 2 * kStretchFrames; ++i) {
-        highest = std::max(highest, frames[i]);
-        lowest = std::min(lowest, frames[i]);
-    }
-    return highest > level || lowest < -level;
-}
-
 /** The largest whole level that is not above the threshold; a magnitude is above both or neither. */
 int wholeLevel(double threshold) {
     // A threshold that is not a number is never exceeded.
@@ -48,7 +38,7 @@ int wholeLevel(double threshold) {
     return truncToInt32(std::floor(std::max(threshold, -1.0)));
 }
 
-void scale(std::int16_t* frame, double gain) {
+void scaleFrame(std::int16_t* frame, double gain) {
     frame[0] = truncToInt16(static_cast<double>(frame[0]) * gain);
     frame[1] = truncToInt16(static_cast<double>(frame[1]) * gain);
 }
@@ -59,34 +49,17 @@ void TransientSuppressor::create(int rate) {
     preWindow_ = framesOf(rate, kPreWindowMs);
     postWindow_ = framesOf(rate, kPostWindowMs);
     threshold_ = 0.0;
+    makeGains();
 }
 
-void TransientSuppressor::setLevels(double average, double peak) {
-    threshold_ = ((peak - average) * kThresholdShare) + average;
-}
-
-void TransientSuppressor::suppress(std::int16_t* frames, int count) const {
-    const int level = wholeLevel(threshold_);
-    const std::ptrdiff_t end = count - postWindow_;
-    std::ptrdiff_t p = preWindow_;
-    while (p < end) {
-        if (p + kStretchFrames <= end && !exceeds(frames + (2 * p), level)) {
-            p += kStretchFrames;
-            continue;
-        }
-        for (const std::ptrdiff_t next = std::min(p + kStretchFrames, end); p < next; ++p)
-            if (magnitude(frames + (2 * p)) > level) duck(frames + (2 * (p - preWindow_)));
-    }
-}
-
-void TransientSuppressor::duck(std::int16_t* frames) const {
+void TransientSuppressor::makeGains() {
     const double fall = kGainRange / static_cast<double>(preWindow_);
     const double rise = kGainRange / static_cast<double>(postWindow_);
     double gain = 1.0;
     bool falling = true;
-    const std::ptrdiff_t count = preWindow_ + postWindow_;
-    for (std::ptrdiff_t i = 0; i < count; ++i) {
-        scale(frames + (2 * i), gain);
+    gains_.resize(static_cast<std::size_t>(preWindow_) + static_cast<std::size_t>(postWindow_));
+    for (double& now : gains_) {
+        now = gain;
         if (falling) {
             gain -= fall;
             // The steps do not add up exactly: the floor is met when it is reached, not at the loud frame.
@@ -95,6 +68,91 @@ void TransientSuppressor::duck(std::int16_t* frames) const {
         } else {
             gain = std::min(gain + rise, 1.0);
         }
+    }
+}
+
+void TransientSuppressor::setLevels(double average, double peak) {
+    threshold_ = ((peak - average) * kThresholdShare) + average;
+}
+
+/** Finds the first frame from `first` to `end` that is louder than level, or end: no frame of a stretch is examined by
+ *  itself unless one of them is loud. */
+template <std::size_t kWidth>
+struct TransientSuppressor::Search {
+    // Registers of 256 bits at the most: the compiler takes comparisons in wider ones apart.
+    static constexpr std::size_t kWords = std::min<std::size_t>(kWidth, 4);
+    using Samples = Lanes<std::int16_t, 4 * kWords>;
+    static constexpr std::ptrdiff_t kStretch = 64;
+
+    BEATATLAS_LANES static void run(const std::int16_t* frames, std::ptrdiff_t first,
+                                    std::ptrdiff_t end, int level, std::ptrdiff_t* found) {
+        Samples above;
+        Samples below;
+        fillLanes(above, static_cast<std::int16_t>(level));
+        fillLanes(below, static_cast<std::int16_t>(-level));
+        std::ptrdiff_t p = first;
+        while (p + kStretch <= end && !exceeds(frames + (2 * p), above, below)) p += kStretch;
+        while (p < end && magnitude(frames + (2 * p)) <= level) ++p;
+        *found = p;
+    }
+
+    BEATATLAS_LANES static bool exceeds(const std::int16_t* frames, const Samples& above,
+                                        const Samples& below) {
+        Samples loud{};
+        for (std::size_t i = 0; i < 2 * kStretch; i += 4 * kWords) {
+            Samples samples;
+            loadLanes(samples, frames + i);
+            loud |= (samples > above) | (samples < below);
+        }
+        Lanes<std::int64_t, kWords> words;
+        std::memcpy(&words, &loud, sizeof words);
+        std::int64_t any = 0;
+        for (std::size_t i = 0; i < kWords; ++i) any |= words[i];
+        return any != 0;
+    }
+};
+
+/** Multiplies frames by gains; a frame is one 32-bit lane, whichever channel lies in its upper half. */
+template <std::size_t kWidth>
+struct TransientSuppressor::Duck {
+    using Frames = Lanes<std::int32_t, kWidth>;
+    using Values = Lanes<double, kWidth>;
+
+    BEATATLAS_LANES static void run(std::int16_t* frames, const double* gains,
+                                    std::ptrdiff_t count) {
+        constexpr auto kStep = static_cast<std::ptrdiff_t>(kWidth);
+        std::ptrdiff_t i = 0;
+        for (; i + kStep <= count; i += kStep) {
+            Frames pairs;
+            Values gain;
+            loadLanes(pairs, frames + (2 * i));
+            loadLanes(gain, gains + i);
+            Frames lower = (pairs << 16) >> 16;
+            Frames upper = pairs >> 16;
+            scale(lower, gain);
+            scale(upper, gain);
+            storeLanes((upper << 16) | (lower & 0xffff), frames + (2 * i));
+        }
+        for (; i < count; ++i) scaleFrame(frames + (2 * i), gains[i]);
+    }
+
+    /** No gain is above 1: every product fits. */
+    BEATATLAS_LANES static void scale(Frames& samples, const Values& gain) {
+        Values values;
+        convertLanes<kWidth>(samples, values);
+        samples = __builtin_convertvector(values * gain, Frames);
+    }
+};
+
+void TransientSuppressor::suppress(std::int16_t* frames, int count) const {
+    const int level = wholeLevel(threshold_);
+    if (level >= kMostMagnitude) return;
+    const std::ptrdiff_t end = count - postWindow_;
+    for (std::ptrdiff_t p = preWindow_; p < end; ++p) {
+        runInLanes<Search>(static_cast<const std::int16_t*>(frames), p, end, level, &p);
+        if (p < end)
+            runInLanes<Duck>(frames + (2 * (p - preWindow_)), gains_.data(),
+                             std::ptrdiff_t{preWindow_} + postWindow_);
     }
 }
 

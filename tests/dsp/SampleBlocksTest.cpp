@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "dsp/sampleBlocks.h"
 
-#include <cmath>
 #include <cstdint>
 #include <limits>
 #include <random>
@@ -9,7 +8,6 @@
 
 #include <gtest/gtest.h>
 
-#include "dsp/truncation.h"
 #include "support/RoundTowardZero.h"
 #include "support/VectorForms.h"
 
@@ -22,23 +20,6 @@ std::vector<std::int16_t> stereoNoise(std::size_t frames) {
     std::vector<std::int16_t> stereo(2 * frames);
     for (std::int16_t& sample : stereo) sample = static_cast<std::int16_t>(random());
     return stereo;
-}
-
-/** Every boundary that a conversion to 32 or 16 bits has, and values between. */
-std::vector<double> awkwardValues() {
-    std::vector<double> values;
-    for (double edge : {0.0, 1.0, 32767.0, 32768.0, 65535.0, 65536.0, 98304.0, 2147483647.0,
-                        2147483648.0, 2147483649.0, 4294967296.0, 1e18, 1e300})
-        for (double sign : {1.0, -1.0})
-            for (double v : {edge, edge + 0.5, edge - 0.5, std::nextafter(edge, 1e308),
-                             std::nextafter(edge, -1e308)})
-                values.push_back(sign * v);
-    using Limits = std::numeric_limits<double>;
-    for (double v : {Limits::infinity(), Limits::quiet_NaN(), Limits::denorm_min()}) {
-        values.push_back(v);
-        values.push_back(-v);
-    }
-    return values;
 }
 
 // The sum of two 16-bit samples and its half are exact in double.
@@ -65,22 +46,6 @@ TEST_F(SampleBlocksTest, MonoIsHalfTheSumOfTheChannelsInEveryForm) {
     }
 }
 
-TEST_F(SampleBlocksTest, TruncationOfABlockIsThatOfEachValueInEveryForm) {
-    const auto values = awkwardValues();
-    for (auto form : beatatlas::test::formsOfThisMachine()) {
-        const beatatlas::test::FormScope scope(form);
-        for (std::size_t first = 0; first < 9; ++first) {
-            const std::size_t n = values.size() - first;
-            std::vector<std::int16_t> cut(n + 1, 77);
-            beatatlas::truncateBlock(values.data() + first, cut.data(), static_cast<int>(n));
-            for (std::size_t i = 0; i < n; ++i)
-                ASSERT_EQ(cut[i], beatatlas::truncToInt16(values[first + i]))
-                    << values[first + i] << ' ' << beatatlas::test::nameOf(form);
-            ASSERT_EQ(cut[n], 77) << "beyond the block";
-        }
-    }
-}
-
 TEST_F(SampleBlocksTest, TheLargestMagnitudeIsFoundAtEveryPlaceInEveryForm) {
     const double nan = std::numeric_limits<double>::quiet_NaN();
     for (auto form : beatatlas::test::formsOfThisMachine()) {
@@ -103,7 +68,6 @@ TEST_F(SampleBlocksTest, TheLargestMagnitudeIsFoundAtEveryPlaceInEveryForm) {
 TEST_F(SampleBlocksTest, EmptyBlocksDoNothing) {
     for (int n : {0, -1}) {
         beatatlas::monoOfBlock(nullptr, nullptr, n);
-        beatatlas::truncateBlock(nullptr, nullptr, n);
         EXPECT_EQ(beatatlas::largestMagnitude(nullptr, n), 0.0);
     }
 }

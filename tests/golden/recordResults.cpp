@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// record_results OUT: analyses a fixed set of synthesised tracks in every kind of session and writes what a host can read,
-// as text. Floating-point results stand as hexadecimal bits; long lists as a digest of theirs.
+// record_results OUT: analyses a fixed set of synthesised tracks in every kind of session, puts one through the stand-alone
+// utilities, and writes what a host can read, as text. Floating-point results stand as hexadecimal bits; long lists as a digest of theirs.
 #include <array>
 #include <cinttypes>
 #include <cstdio>
@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "golden/utilityRecord.h"
 #include "support/Digest.h"
 #include "support/HostSession.h"
 #include "support/TrackSynth.h"
@@ -123,5 +124,6 @@ int main(int argc, char** argv) {
         return EXIT_FAILURE;
     }
     for (const RecordedTrack& track : recordedTracks()) recordTrack(out, track);
+    recordUtilities(out);
     return std::fclose(out) == 0 ? EXIT_SUCCESS : EXIT_FAILURE;
 }

@@ -93,6 +93,21 @@ TEST_F(CachedFftTest, AnotherLengthInBetweenChangesNothing) {
     EXPECT_EQ(first.im, second.im);
 }
 
+TEST_F(CachedFftTest, PowerIsThatOfTheTransformOfRealValues) {
+    for (int n : {256, 4096, 1024, 256}) {
+        Points x = noise(n);
+        x.im.assign(x.im.size(), 0.0);
+        std::vector<double> values = x.re;
+        std::vector<double> power((values.size() / 2) + 1);
+        ASSERT_EQ(fft.power(n, values.data(), power.data()), 0);
+        transform(n, x);
+        for (std::size_t bin = 0; bin < power.size(); ++bin)
+            ASSERT_EQ(power[bin], (x.re[bin] * x.re[bin]) + (x.im[bin] * x.im[bin])) << bin;
+        Points other = noise(16);
+        if (n == 4096) transform(16, other);
+    }
+}
+
 TEST_F(CachedFftTest, LengthZeroFreesTheTablesAndTouchesNothing) {
     EXPECT_EQ(fft.fft(0, nullptr, nullptr), 0);
     Points x = noise(8);

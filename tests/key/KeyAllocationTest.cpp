@@ -85,24 +85,24 @@ TEST_F(KeyAllocationTest, ATransformWithoutMemorySaysSoAndLeavesTheArrays) {
     }
 }
 
-// From 64 points on there are tables for the vector lanes as well.
-TEST_F(KeyAllocationTest, ALongTransformNeedsAllItsTables) {
-    for (int granted : {0, 1, 2, 3}) {
+// Two tables of the transform, and four more for real values.
+TEST_F(KeyAllocationTest, APowerSpectrumNeedsAllItsTables) {
+    for (int granted : {0, 1, 2, 3, 4, 5}) {
         beatatlas::CachedFft fft;
-        std::vector<double> re(64, 1.0);
-        std::vector<double> im(64, 2.0);
+        std::vector<double> values(256, 3.0);
+        std::vector<double> power(129, 2.0);
         ::testing::internal::CaptureStderr();
         int result = 0;
         {
             const CallocFailsAfter shortage(granted);
-            result = fft.fft(64, re.data(), im.data());
+            result = fft.power(256, values.data(), power.data());
         }
         EXPECT_EQ(::testing::internal::GetCapturedStderr(), "記憶領域不足\n");
         EXPECT_EQ(result, 1);
-        EXPECT_THAT(re, ::testing::Each(1.0));
-        EXPECT_THAT(im, ::testing::Each(2.0));
-        EXPECT_EQ(fft.fft(64, re.data(), im.data()), 0) << "with memory again";
-        EXPECT_EQ(re[0], 1.0);
+        EXPECT_THAT(values, ::testing::Each(3.0));
+        EXPECT_THAT(power, ::testing::Each(2.0));
+        EXPECT_EQ(fft.power(256, values.data(), power.data()), 0) << "with memory again";
+        EXPECT_EQ(power[0], 9.0);
     }
 }
 

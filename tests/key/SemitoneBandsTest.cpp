@@ -20,12 +20,10 @@ protected:
 
     /** The bands that see a spectrum of one bin, of length 5. */
     std::vector<int> bandsSeeing(int bin) const {
-        std::vector<double> re(kBins, 0.0);
-        std::vector<double> im(kBins, 0.0);
-        re[static_cast<std::size_t>(bin)] = -3.0;
-        im[static_cast<std::size_t>(bin)] = 4.0;
+        std::vector<double> power(kBins, 0.0);
+        power[static_cast<std::size_t>(bin)] = 25.0;
         std::vector<double> magnitudes(static_cast<std::size_t>(bands.count()), -1.0);
-        bands.measure(re.data(), im.data(), magnitudes.data());
+        bands.measure(power.data(), magnitudes.data());
         std::vector<int> seeing;
         for (int b = 0; b < bands.count(); ++b) {
             const double magnitude = magnitudes[static_cast<std::size_t>(b)];
@@ -86,16 +84,15 @@ TEST_F(SemitoneBandsTest, ABandWithoutABinIsZeroAndDoesNotStopTheOthers) {
 
 TEST_F(SemitoneBandsTest, TheLargestOfSeveralBinsCounts) {
     layFor(44100);
-    std::vector<double> re(kBins, 0.0);
-    std::vector<double> im(kBins, 0.0);
+    std::vector<double> power(kBins, 0.0);
     // Band 24 is centred on 440 Hz: 427.5 … 452.9, bins 159 … 168.
-    re[159] = 2.0;
-    im[163] = -7.0;
-    re[168] = 6.0;
-    re[158] = 50.0;
-    re[169] = 60.0;
+    power[159] = 4.0;
+    power[163] = 49.0;
+    power[168] = 36.0;
+    power[158] = 2500.0;
+    power[169] = 3600.0;
     std::vector<double> magnitudes(91);
-    bands.measure(re.data(), im.data(), magnitudes.data());
+    bands.measure(power.data(), magnitudes.data());
     EXPECT_EQ(magnitudes[23], 50.0);
     EXPECT_EQ(magnitudes[24], 7.0);
     EXPECT_EQ(magnitudes[25], 60.0);

@@ -9,7 +9,9 @@
 #include <utility>
 
 #include <fcntl.h>
+#include <linux/capability.h>
 #include <stdlib.h>
+#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -44,6 +46,12 @@ Channel makeOutput(OutputPlace place) {
     return output;
 }
 
+// In a container the tests run as the superuser, for whom every file can be opened.
+void obeyPermissions() {
+    prctl(PR_CAPBSET_DROP, CAP_DAC_OVERRIDE);
+    prctl(PR_CAPBSET_DROP, CAP_DAC_READ_SEARCH);
+}
+
 [[noreturn]] void becomeTool(const ToolRun& run, int output, int error) {
     if (!run.folder.empty() && chdir(run.folder.c_str()) != 0) _exit(126);
     if (output == -1)
@@ -51,6 +59,7 @@ Channel makeOutput(OutputPlace place) {
     else
         dup2(output, STDOUT_FILENO);
     dup2(error, STDERR_FILENO);
+    obeyPermissions();
     std::string tool = BEATATLAS_TOOL;
     std::vector<std::string> words = run.arguments;
     std::vector<char*> argv = {tool.data()};
@@ -61,13 +70,13 @@ Channel makeOutput(OutputPlace place) {
 }
 
 /** Everything up to the end, which for a terminal is an error. */
-void drain(int descriptor, std::string& text, pid_t process, std::optional<int> signalAtFirst) {
+void drain(int descriptor, std::string& text, const std::function<void()>& atFirst) {
     std::array<char, 4096> buffer{};
     for (;;) {
         const ssize_t count = read(descriptor, buffer.data(), buffer.size());
         if (count < 0 && errno == EINTR) continue;
         if (count <= 0) return;
-        if (text.empty() && signalAtFirst) kill(process, *signalAtFirst);
+        if (text.empty() && atFirst) atFirst();
         text.append(buffer.data(), static_cast<std::size_t>(count));
     }
 }
@@ -81,8 +90,12 @@ ToolRun& ToolRun::run() {
     if (process == 0) becomeTool(*this, results.writeEnd, error.writeEnd);
     if (results.writeEnd != -1) close(results.writeEnd);
     close(error.writeEnd);
-    std::thread errorReader([&] { drain(error.readEnd, err, process, signalAtProgress); });
-    if (results.readEnd != -1) drain(results.readEnd, out, process, std::nullopt);
+    const auto atFirstError = [&] {
+        if (signalAtProgress) kill(process, *signalAtProgress);
+        if (atProgress) atProgress();
+    };
+    std::thread errorReader([&] { drain(error.readEnd, err, atFirstError); });
+    if (results.readEnd != -1) drain(results.readEnd, out, {});
     errorReader.join();
     int status = 0;
     waitpid(process, &status, 0);

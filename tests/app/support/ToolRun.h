@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -10,7 +11,7 @@ namespace app::test {
 /** Where the tool's standard output leads in a run. */
 enum class OutputPlace { captured, fullDisk, closedPipe, closed };
 
-/** How the tool is run, and what it did. */
+/** How the tool is run, and what it did. It always runs without the superuser's right to open what it may not. */
 struct ToolRun {
     std::vector<std::string> arguments;
     std::string folder;  ///< working folder; empty: the test's own
@@ -18,6 +19,7 @@ struct ToolRun {
     bool hasTerminal = false;  ///< standard error is a terminal
     std::optional<int>
         signalAtProgress;  ///< sent once the first progress is shown; needs the terminal
+    std::function<void()> atProgress;  ///< done then, too
 
     int exitStatus = -1;  ///< 1000 and the signal's number when a signal killed it
     std::string out;
