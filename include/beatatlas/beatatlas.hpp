@@ -63,8 +63,8 @@ BA_API int BA_GetMainKey(void* session);
 
 /** @name The key in detail
  *  For sessions with key detection, after BA_Analyzed. Before that, or with key detection off, the scores and
- *  statistics are 0 and the ranking is 0, 1, 2 … 23. Keys are numbered as by BA_GetMainKey; pitch classes 0 to 11
- *  are A, A♯, B … G♯. A null out copies nothing and returns the count.
+ *  statistics are 0 and the ranking is 0, 1, 2 … 23 (in an inert session 24 zeros). Keys are numbered as by
+ *  BA_GetMainKey; pitch classes 0 to 11 are A, A♯, B … G♯. A null out copies nothing and returns the count.
  *  @{ */
 
 /** Copies the scores of all 24 keys, best first. @param out 24 doubles @return 24; 0 for a null handle */

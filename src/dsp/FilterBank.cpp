@@ -1,11 +1,15 @@
 // SPDX-License-Identifier: MIT
 #include "dsp/FilterBank.h"
 
+#include <algorithm>
 #include <cassert>
+#include <cstddef>
+#include <cstring>
 
 #include "dsp/IirPassFilter.h"
 #include "dsp/SecondOrderSection.h"
 #include "dsp/filterBankTile.h"
+#include "dsp/isConstant.h"
 
 namespace beatatlas {
 
@@ -27,6 +31,25 @@ constexpr std::array<int, FilterBank::kCascades + FilterBank::kLevels> kSections
 void startLane(FilterBankLanes& lanes, std::size_t lane) {
     for (FilterBankLanes::Row* past : {&lanes.x1, &lanes.x2, &lanes.y1, &lanes.y2})
         (*past)[lane] = 0.0;
+}
+
+bool areSameFrames(const std::int16_t* stereo, int n) {
+    constexpr std::size_t kFrameBytes = 2 * sizeof *stereo;
+    return stereo == nullptr ||
+           std::memcmp(stereo, stereo + 2, static_cast<std::size_t>(n - 1) * kFrameBytes) == 0;
+}
+
+template <class Arrays>
+void repeatFirst(const Arrays& outputs, int n) {
+    for (auto* output : outputs)
+        if (output != nullptr) std::fill_n(output + 1, n - 1, *output);
+}
+
+template <class Arrays>
+Arrays behindFirst(Arrays outputs) {
+    for (auto& output : outputs)
+        if (output != nullptr) ++output;
+    return outputs;
 }
 
 }  // namespace
@@ -59,9 +82,27 @@ void FilterBank::designLevel(Level level, const SecondOrderSection& plain) {
     }
 }
 
+// In silence the sections die away to numbers so small that a processor takes a hundred times as long for each, and
+// there they stay for ever: rounded toward zero, what feeds back equals what is there. A frame that leaves every
+// section as it was tells that all frames like it will, with the same outputs.
 void FilterBank::operate(const float* mono, const std::int16_t* stereo, const Outputs& outputs,
                          const LevelOutputs& levels, int n) {
     if (n <= 0) return;
+    if (!isConstant(mono, n) || !areSameFrames(stereo, n))
+        return filter(mono, stereo, outputs, levels, n);
+    const FilterBankLanes before = lanes_;
+    filter(mono, stereo, outputs, levels, 1);
+    if (std::memcmp(&before, &lanes_, sizeof lanes_) == 0) {
+        repeatFirst(outputs, n);
+        repeatFirst(levels, n);
+    } else if (n > 1) {
+        filter(mono + 1, stereo == nullptr ? nullptr : stereo + 2, behindFirst(outputs),
+               behindFirst(levels), n - 1);
+    }
+}
+
+void FilterBank::filter(const float* mono, const std::int16_t* stereo, const Outputs& outputs,
+                        const LevelOutputs& levels, int n) {
     const FilterBankLanes before = lanes_;
     FilterBankTile tile;
     for (int first = 0; first < n; first += FilterBankTile::kSteps) {

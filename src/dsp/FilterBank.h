@@ -57,6 +57,8 @@ public:
                  const LevelOutputs& levels, int n);
 
 private:
+    void filter(const float* mono, const std::int16_t* stereo, const Outputs& outputs,
+                const LevelOutputs& levels, int n);
     void forgetBlock(std::size_t cascade, const FilterBankLanes& before);
 
     FilterBankLanes lanes_{};

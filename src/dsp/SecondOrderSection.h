@@ -1,6 +1,10 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <algorithm>
+
+#include "dsp/isConstant.h"
+
 namespace beatatlas {
 
 /** One second-order recursive section in double: coefficients, and the last two inputs and outputs.
@@ -48,6 +52,10 @@ struct SecondOrderSection {
 
     /** Filters one block; `in` and `out` must not overlap. Nothing happens for len ≤ 0. */
     void operate(const double* in, double* out, int len) {
+        if (len > 1 && isConstant(in, len) && restsAt(in[0])) {
+            std::fill_n(out, len, y1);
+            return;
+        }
         const SecondOrderSection c = *this;
         double inOneBack = x1;
         double inTwoBack = x2;
@@ -69,6 +77,15 @@ struct SecondOrderSection {
         y2 = outTwoBack;
     }
 
+    /** Whether the section took x twice and gave the same value twice, to the bit, and would give it again. It then goes
+     *  on doing so for as long as x lasts. In silence every section comes to that: what feeds back becomes too small to
+     *  shrink, and very slow to compute. */
+    bool restsAt(double x) const {
+        SecondOrderSection after = *this;
+        return sameBits(x1, x) && sameBits(x2, x) && sameBits(y1, y2) &&
+               sameBits(after.step(x), y1);
+    }
+
     /** One sample, as operate() takes it. */
     double step(double x) {
         const double feedForward = ((b0 * x + b1 * x1) + b2 * x2);
@@ -88,6 +105,11 @@ struct SecondOrderSection {
 template <class Between>
 void operateInTurn(SecondOrderSection& first, Between between, SecondOrderSection& second,
                    const double* in, double* out, int len) {
+    if (len <= 0) return;
+    if (isConstant(in, len) && first.restsAt(in[0]) && second.restsAt(between(first.y1))) {
+        std::fill_n(out, len, second.y1);
+        return;
+    }
     SecondOrderSection a = first;
     SecondOrderSection b = second;
     for (int n = 0; n < len; ++n) out[n] = b.step(between(a.step(in[n])));

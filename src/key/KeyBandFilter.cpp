@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cstddef>
 
+#include "dsp/isConstant.h"
 #include "dsp/sampleLanes.h"
 #include "dsp/truncation.h"
 
@@ -163,13 +164,28 @@ void KeyBandFilter::stepStages(int first, int last, double x, PerStage& reached)
         reached[placeOf(stage)] = runStage(stage, stage == 0 ? x : reached[placeOf(stage - 1)]);
 }
 
+// In silence the sections come to rest at numbers that are very slow to compute. A frame that leaves them all as they
+// were stands for all frames like it.
+void KeyBandFilter::filter(const std::int16_t* frames, std::int16_t* out, int n) {
+    if (n < 2 || !isConstant(frames, 2 * n)) return filterInLanes(frames, out, n);
+    const PerStage s1 = s1_;
+    const PerStage s2 = s2_;
+    out[0] = truncToInt16(filter(monoOfFrame(frames)));
+    if (std::equal(s1.begin(), s1.end(), s1_.begin(), sameBits<double>) &&
+        std::equal(s2.begin(), s2.end(), s2_.begin(), sameBits<double>)) {
+        std::fill_n(out + 1, n - 1, out[0]);
+    } else {
+        filterInLanes(frames + 2, out + 1, n - 1);
+    }
+}
+
 // A wavefront: while the first section takes sample i, section s takes sample i − s, which the sections before it have
 // left behind by then. No section waits for another within a step, so all ten go side by side; each still sees every
 // sample in turn and computes what runStage() does. The first steps start the sections one by one and the last ones
 // let them run out, so that every section has seen the whole block.
 //
 // The magnitudes of the cascade's impulse response sum up to 2.74: no output of 16-bit samples leaves 18 bits.
-void KeyBandFilter::filter(const std::int16_t* frames, std::int16_t* out, int n) {
+void KeyBandFilter::filterInLanes(const std::int16_t* frames, std::int16_t* out, int n) {
     constexpr int kLag = kStages - 1;
     if (n <= kLag) {
         for (std::ptrdiff_t i = 0; i < n; ++i)

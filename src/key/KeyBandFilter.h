@@ -53,6 +53,7 @@ private:
     template <std::size_t kWidth>
     struct Wavefront;
 
+    void filterInLanes(const std::int16_t* frames, std::int16_t* out, int n);
     static std::size_t placeOf(int stage);
     double runStage(int stage, double x);
     void stepStages(int first, int last, double x, PerStage& reached);

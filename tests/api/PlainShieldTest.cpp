@@ -1,11 +1,13 @@
 // SPDX-License-Identifier: MIT
 // The plain interface from C++: a whole analysis, and create calls the host's memory cannot satisfy.
 #include <cfenv>
+#include <new>
 #include <vector>
 
 #include <gtest/gtest.h>
 
 #include "beatatlas/beatatlas.h"
+#include "support/Allocations.h"
 
 namespace {
 
@@ -21,6 +23,36 @@ TEST(PlainInterfaceTest, RunsAWholeAnalysis) {
     EXPECT_EQ(BA_GetZoomWave(session, nullptr), 150);
     BA_Release(session);
     std::fesetround(mode);
+}
+
+// Through the shared library, as a host's own allocator sees it. MemoryShortageTest refuses everything else as well.
+TEST(PlainInterfaceTest, ACreateCallThatRunsOutOfMemoryGivesAnInertSession) {
+    using beatatlas::test::AllocationsFailAfter;
+    const int mode = std::fegetround();
+    std::vector<float> samples(1000, 1000.0F);
+    const long before = beatatlas::test::liveBlocks();
+    long granted = 1;  // the session object itself
+    for (bool wasRefused = true; wasRefused; ++granted) {
+        void* session = nullptr;
+        {
+            const AllocationsFailAfter shortage(granted);
+            ASSERT_NO_THROW(session = BA_CreateConst48k(1000, 32, true, true, false));
+            wasRefused = shortage.refusals() > 0;
+        }
+        BA_SetSample(session, samples.data(), samples.data(), 1000);
+        EXPECT_EQ(BA_Analyzed(session), !wasRefused);
+        EXPECT_EQ(BA_GetZoomWave(session, nullptr), wasRefused ? 0 : 4);
+        BA_Release(session);
+        EXPECT_EQ(beatatlas::test::liveBlocks(), before);
+    }
+    EXPECT_GT(granted, 20);
+    std::fesetround(mode);
+}
+
+// The one exception that crosses: there is no session yet that could be inert.
+TEST(PlainInterfaceTest, WithoutMemoryForTheSessionItselfCreateThrows) {
+    const beatatlas::test::AllocationsFailAfter shortage(0);
+    EXPECT_THROW(BA_CreateConst48k(1000, 32, true, true, false), std::bad_alloc);
 }
 
 }  // namespace

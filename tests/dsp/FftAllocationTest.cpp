@@ -6,7 +6,7 @@
 #include <gtest/gtest.h>
 
 #include "beatatlas/dsp.h"
-#include "dsp/CallocShortage.h"
+#include "support/Allocations.h"
 
 namespace {
 

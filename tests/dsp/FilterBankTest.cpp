@@ -133,6 +133,24 @@ TEST_F(FilterBankTest, DecaysIntoSilenceAsThePlainFilters) {
     }
 }
 
+// Two seconds after the burst every section gives the same tiny number for ever; nothing may be lost when the music goes
+// on. A level that stays the same is no different.
+TEST_F(FilterBankTest, WakesFromSilenceAndFromALevelAsThePlainFilters) {
+    const std::vector<float> burst = whiteNoise(50, 3);
+    for (const float level : {0.0F, 0.25F}) {
+        std::vector<float> in(120000, level);
+        for (const std::ptrdiff_t at : {11, 110000})
+            std::copy(burst.begin(), burst.end(), in.begin() + at);
+        const Signals expected = plainOutputs(in);
+        for (const VectorForm form : formsOfThisMachine()) {
+            SCOPED_TRACE(nameOf(form));
+            const FormScope scope(form);
+            expectSame(expected, bankOutputs(in, {640}));
+            expectSame(expected, bankOutputs(in, {1, 2, 5000}));
+        }
+    }
+}
+
 TEST_F(FilterBankTest, AbsurdSamplesDoAsInThePlainFilters) {
     for (const float absurd : {1e38F, -1e38F, std::numeric_limits<float>::infinity(),
                                std::numeric_limits<float>::quiet_NaN()}) {

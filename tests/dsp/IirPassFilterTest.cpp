@@ -11,8 +11,8 @@
 
 #include <gmock/gmock.h>
 
-#include "dsp/AllocationCounter.h"
 #include "dsp/TestNoise.h"
+#include "support/Allocations.h"
 #include "support/RoundTowardZero.h"
 
 namespace beatatlas {

@@ -9,8 +9,8 @@
 
 #include <gtest/gtest.h>
 
-#include "dsp/CallocShortage.h"
 #include "dsp/fftCore.h"
+#include "support/Allocations.h"
 #include "support/RoundTowardZero.h"
 #include "support/VectorForms.h"
 

@@ -72,6 +72,41 @@ TEST_F(SecondOrderSectionTest, TwoInTurnGiveWhatOneAfterTheOtherGives) {
     }
 }
 
+// A section that rests may be left out of the computation; the next burst must find it as if it had not been.
+TEST_F(SecondOrderSectionTest, SectionsComeToRestInSilenceAndWakeUnchanged) {
+    const auto magnitude = [](double x) { return std::fabs(x); };
+    const auto isNegligible = [](double x) { return std::fabs(x) < 1e-300; };
+    std::vector<double> in(120000, 0.0);
+    std::copy(signal.begin(), signal.end(), in.begin());
+    std::copy(signal.begin(), signal.end(), in.end() - 700);
+    SecondOrderSection a = first;
+    SecondOrderSection b = second;
+    SecondOrderSection alone = first;
+    std::vector<double> expectedAlone;
+    for (double x : in) expectedAlone.push_back(alone.step(x));
+    std::vector<double> expected;
+    for (double x : in) expected.push_back(b.step(std::fabs(a.step(x))));
+
+    for (int block : {64, 640}) {
+        SecondOrderSection inTurnA = first;
+        SecondOrderSection inTurnB = second;
+        SecondOrderSection blocks = first;
+        std::vector<double> got(in.size());
+        std::vector<double> gotAlone(in.size());
+        int blocksAtRest = 0;
+        for (int at = 0; at < static_cast<int>(in.size()); at += block) {
+            if (inTurnA.restsAt(0.0) && inTurnB.restsAt(magnitude(inTurnA.y1))) ++blocksAtRest;
+            const int count = std::min(block, static_cast<int>(in.size()) - at);
+            operateInTurn(inTurnA, magnitude, inTurnB, in.data() + at, got.data() + at, count);
+            blocks.operate(in.data() + at, gotAlone.data() + at, count);
+        }
+        EXPECT_EQ(bitsOf(got), bitsOf(expected)) << block;
+        EXPECT_EQ(bitsOf(gotAlone), bitsOf(expectedAlone)) << block;
+        EXPECT_GT(blocksAtRest * block, 20000);
+        EXPECT_PRED1(isNegligible, got[in.size() - 701]);
+    }
+}
+
 TEST_F(SecondOrderSectionTest, AnEmptyBlockInTurnDoesNothing) {
     for (int n : {0, -1})
         operateInTurn(

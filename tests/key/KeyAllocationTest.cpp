@@ -7,11 +7,10 @@
 #include <gtest/gtest.h>
 
 #include "beatatlas/utilities.h"
-#include "dsp/AllocationCounter.h"
-#include "dsp/CallocShortage.h"
 #include "key/CachedFft.h"
 #include "key/KeyRankMaker.h"
 #include "key/Progressions.h"
+#include "support/Allocations.h"
 #include "support/RoundTowardZero.h"
 
 namespace {

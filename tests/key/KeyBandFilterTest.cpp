@@ -165,6 +165,28 @@ TEST_F(KeyBandFilterTest, AfterABlockThePlainFormGoesOnWithTheSameBits) {
     }
 }
 
+// A few seconds after the music the sections rest and are not computed; nothing may be lost when it goes on.
+TEST_F(KeyBandFilterTest, WakesFromSilenceWithTheBitsOfThePlainForm) {
+    Frames in = noise(100, 4);
+    in.resize(in.size() + 300000, 0);
+    const Frames more = noise(100, 5);
+    in.insert(in.end(), more.begin(), more.end());
+    for (int rate : {44100, 48000}) {
+        KeyBandFilter plain;
+        plain.create(rate);
+        const Samples expected = filteredPlainly(plain, in);
+        const auto after = bitsOf(impulseResponse(plain, 100));
+        for (auto form : beatatlas::test::formsOfThisMachine()) {
+            const beatatlas::test::FormScope scope(form);
+            KeyBandFilter filter;
+            filter.create(rate);
+            EXPECT_EQ(filteredInBlocks(filter, in, {1024, 3, 1, 640}), expected)
+                << beatatlas::test::nameOf(form);
+            EXPECT_EQ(bitsOf(impulseResponse(filter, 100)), after) << beatatlas::test::nameOf(form);
+        }
+    }
+}
+
 // Full scale with the signs of the impulse response, the last one first: no input of 16 bits drives the filter further.
 TEST_F(KeyBandFilterTest, TheLoudestOutputKeepsItsLowSixteenBits) {
     for (int rate : {44100, 48000}) {

@@ -10,10 +10,11 @@
 #include <gmock/gmock.h>
 
 #include "beatatlas/utilities.h"
-#include "dsp/AllocationCounter.h"
+#include "support/Allocations.h"
 #include "support/signals.h"
 
 extern "C" {
+
 /** An absurd request is to be refused under the address sanitizer too, not reported. */
 const char* __asan_default_options() {
     return "allocator_may_return_null=1";

@@ -10,8 +10,8 @@
 
 #include <gmock/gmock.h>
 
-#include "dsp/AllocationCounter.h"
 #include "dsp/TestNoise.h"
+#include "support/Allocations.h"
 #include "support/RoundTowardZero.h"
 #include "support/VectorForms.h"
 #include "view/PlainLoudView.h"

@@ -11,8 +11,8 @@
 
 #include <gmock/gmock.h>
 
-#include "dsp/AllocationCounter.h"
 #include "dsp/TestNoise.h"
+#include "support/Allocations.h"
 #include "support/RoundTowardZero.h"
 
 namespace beatatlas {
@@ -114,7 +114,8 @@ std::vector<ZoomPoint> plainWave(const Stereo& stereo, double rate, std::size_t 
             lowPeak = std::max(lowPeak, std::min(std::abs(std::trunc(low[i])), 32767.0));
         }
         int color = 0;
-        while (color < 7 && !(lowPeak / peak >= 1.0 - (color + 1) * 0.125)) ++color;
+        while (color < 7 && (peak == 0.0 || !(lowPeak / peak >= 1.0 - (color + 1) * 0.125)))
+            ++color;
         wave.push_back({0, static_cast<std::int16_t>(color)});
         peaks.push_back(peak);
     }
@@ -304,6 +305,18 @@ TEST_F(ZoomViewMakerTest, AgreesWithAPlainWaveOfTheWholeTrack) {
     append(track, tone(400.0, 48000.0, 25000.0, 7001));
     EXPECT_THAT(waveOf(track), ElementsAreArray(plainWave(track, 48000.0, 320)));
     EXPECT_THAT(waveOf(track, true, 44100), ElementsAreArray(plainWave(track, 44100.0, 294)));
+}
+
+// The bass comes to rest in silence and on a level, and must be as it was when a deep tone follows.
+TEST_F(ZoomViewMakerTest, AgreesWithAPlainWaveThatPauses) {
+    for (const int level : {0, 300}) {
+        Stereo track = tone(60.0, 48000.0, 20000.0, 1001);
+        append(track, constant(level, 100000));
+        append(track, tone(140.0, 48000.0, 9000.0, 3001));
+        append(track, constant(0, 100001));
+        append(track, tone(170.0, 48000.0, 9000.0, 3001));
+        EXPECT_THAT(waveOf(track), ElementsAreArray(plainWave(track, 48000.0, 320)));
+    }
 }
 
 // From 40 to 400 Hz in 20 s: thousands of frames, of which some lie so near a class's bound that a corner one hertz

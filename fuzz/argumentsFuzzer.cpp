@@ -1,0 +1,124 @@
+// SPDX-License-Identifier: MIT
+// The tool's command line: its own words, numbers and file names in any order, and any other bytes. Commands that parse
+// are run, in a folder of their own with a short track in it; no argument can name anything outside, because no argument
+// holds a slash.
+#include <algorithm>
+#include <cstdlib>
+#include <filesystem>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <CLI/CLI.hpp>
+#include <fcntl.h>
+#include <unistd.h>
+
+#include "FuzzInput.h"
+#include "cli/Program.h"
+#include "cli/commandTable.h"
+#include "fuzzProcess.h"
+#include "io/ResultStream.h"
+#include "require.h"
+#include "support/AudioFileWriter.h"
+#include "support/Sounds.h"
+#include "support/TemporaryFolder.h"
+
+namespace {
+
+using namespace beatatlas::fuzz;
+
+constexpr int kMostArguments = 10;
+constexpr int kMostRawBytes = 24;
+constexpr double kTrackSeconds = 0.05;
+
+/** What commands are likely to understand: their names, their options, and values for these. */
+std::vector<std::string> likelyWords() {
+    std::vector<std::string> words = {
+        "track.wav", "noise.bin", "folder", "absent.wav", "out.png",  "out.svg",  "constant",
+        "varied",    "simple",    "off",    "4",          "32",       "0",        "-1",
+        "1.5",       "1e9",       "nan",    "inf",        "0x10",     "1600",     "--",
+        "-",         "",          "[",      "[a,b]",      "--json",   "--help",   "--version",
+        "=",         "-o",        "é",      "\x01",       "-o=x.png", "--width=1"};
+    CLI::App program;
+    for (const auto& command : app::makeCommands()) {
+        CLI::App* arguments = program.add_subcommand(command->name(), "");
+        command->declare(*arguments);
+        for (int i = 0; i < 4; ++i) words.push_back(command->name());
+        for (const CLI::Option* option : arguments->get_options()) {
+            for (const std::string& name : option->get_snames()) words.push_back('-' + name);
+            for (const std::string& name : option->get_lnames()) words.push_back("--" + name);
+        }
+    }
+    return words;
+}
+
+std::string argumentOf(FuzzInput& input, const std::vector<std::string>& words) {
+    const std::uint8_t kind = input.byte();
+    if (kind < 200) return words[input.byte() % words.size()];
+    std::string raw = kind < 220 ? words[input.byte() % words.size()] : "";
+    for (int length = input.between(0, kMostRawBytes); length > 0; --length) {
+        const char character = static_cast<char>(input.byte());
+        // An argument ends at its first zero byte.
+        if (character == '\0') break;
+        raw += character == '/' ? '_' : character;
+    }
+    return raw;
+}
+
+/** The folder that everything happens in; empty but for the track, the noise and a folder. The fuzzer's own folder is
+ *  the current one again between inputs, or it would not find its corpus. */
+class Scratch {
+public:
+    Scratch() : folder_(std::make_unique<app::test::TemporaryFolder>()) {
+        app::test::writeAudioFile(folder_->file("track.wav"), {"wav", "pcm_s16le"},
+                                  app::test::tone(44100, 2, kTrackSeconds, 440.0, 0.5));
+        app::test::writeFile(folder_->file("noise.bin"), "not an audio file, whatever it says");
+        std::filesystem::create_directory(folder_->file("folder"));
+        kept_ = folder_->names();
+    }
+
+    void enter() const {
+        if (chdir(folder_->path().c_str()) != 0) std::abort();
+    }
+
+    void leave() const {
+        if (fchdir(fuzzersFolder_) != 0) std::abort();
+        for (const std::string& name : folder_->names()) {
+            if (std::find(kept_.begin(), kept_.end(), name) == kept_.end())
+                std::filesystem::remove_all(folder_->file(name));
+        }
+    }
+
+private:
+    std::unique_ptr<app::test::TemporaryFolder> folder_;
+    int fuzzersFolder_ = open(".", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    std::vector<std::string> kept_;
+};
+
+}  // namespace
+
+extern "C" int LLVMFuzzerInitialize(int*, char***) {
+    silenceStandardOutput();
+    return 0;
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t count) {
+    static const Scratch scratch;
+    static const std::vector<std::string> words = likelyWords();
+    static const int nowhere = open("/dev/null", O_WRONLY | O_CLOEXEC);
+    const FuzzersRoundingMode mode;
+    FuzzInput input(bytes, count);
+    std::vector<std::string> arguments{"beatatlas"};
+    while (!input.isEmpty() && arguments.size() <= kMostArguments)
+        arguments.push_back(argumentOf(input, words));
+    std::vector<const char*> argv;
+    for (const std::string& argument : arguments) argv.push_back(argument.c_str());
+    argv.push_back(nullptr);
+
+    scratch.enter();
+    app::ResultStream results(nowhere);
+    const int status = app::Program(results).run(static_cast<int>(arguments.size()), argv.data());
+    require(status == 0 || status == 1 || status == 2, "an exit status that the help names");
+    scratch.leave();
+    return 0;
+}

@@ -1,0 +1,97 @@
+// SPDX-License-Identifier: MIT
+// The tool's decoder on damaged files of every format. Only our code is instrumented: FFmpeg is the system's.
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+#include <new>
+#include <string>
+
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include "FuzzInput.h"
+#include "audio/TrackDecoder.h"
+#include "audio/ffmpeg.h"
+#include "fuzzProcess.h"
+#include "io/errors.h"
+#include "require.h"
+
+namespace {
+
+using namespace beatatlas::fuzz;
+
+/** A damaged header may promise days of sound; what is beyond this is not waited for. */
+constexpr std::size_t kMostFrames = 2000000;
+
+/** A file in memory, named so that it can be opened like any other. */
+class MemoryFile {
+public:
+    MemoryFile(const std::uint8_t* bytes, std::size_t count)
+        : descriptor_(memfd_create("fuzz", MFD_CLOEXEC)) {
+        if (descriptor_ == -1 || write(descriptor_, bytes, count) != static_cast<ssize_t>(count))
+            std::abort();
+    }
+    ~MemoryFile() { close(descriptor_); }
+    MemoryFile(const MemoryFile&) = delete;
+    MemoryFile& operator=(const MemoryFile&) = delete;
+
+    std::string path() const { return "/proc/self/fd/" + std::to_string(descriptor_); }
+
+private:
+    int descriptor_;
+};
+
+/** Checks what the analysis relies on, and sums the samples up for the comparison of two passes. */
+class CheckingSink : public app::TrackSink {
+public:
+    void put(app::StereoBlock& block) override {
+        require(block.left.size() == block.right.size(), "two channels of one length");
+        frames += block.frames();
+        for (const auto* channel : {&block.left, &block.right}) {
+            for (const float sample : *channel) {
+                require(sample >= -32768.0F && sample <= 32767.0F, "samples in 16-bit scale");
+                sum = sum * 31.0 / 32.0 + static_cast<double>(sample);
+            }
+        }
+        if (frames > kMostFrames) throw app::TrackError("is longer than a fuzzer waits");
+    }
+
+    std::size_t frames = 0;
+    double sum = 0.0;
+};
+
+/** Everything the tool does with a file before it is analysed. */
+CheckingSink decode(const std::string& path) {
+    CheckingSink sink;
+    try {
+        app::TrackDecoder decoder(path);
+        decoder.run(sink);
+        const app::TrackFormat& format = decoder.format();
+        if (sink.frames > 0)
+            require(format.sessionRate == 44100 || format.sessionRate == 48000, "a session's rate");
+        decoder.isCutOff();
+        decoder.declaredSeconds();
+    } catch (const app::TrackError& error) {
+        require(std::string(error.what()) != "", "a reason");
+    } catch (const std::bad_alloc&) {
+        // A damaged length may ask for more memory than there is; the tool says so.
+    }
+    return sink;
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerInitialize(int*, char***) {
+    silenceStandardOutput();
+    app::showFfmpegMessages(false);
+    return 0;
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t count) {
+    const MemoryFile file(bytes, count);
+    const CheckingSink first = decode(file.path());
+    const CheckingSink second = decode(file.path());
+    require(first.frames == second.frames && first.sum == second.sum,
+            "every pass over a file gives the same samples");
+    return 0;
+}

@@ -1,0 +1,16 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <cstdio>
+#include <cstdlib>
+
+namespace beatatlas::fuzz {
+
+/** Ends the process with a message when a promise of the interface is broken: for a fuzzer, that is a find. */
+inline void require(bool kept, const char* promise) {
+    if (kept) return;
+    std::fprintf(stderr, "broken promise: %s\n", promise);
+    std::abort();
+}
+
+}  // namespace beatatlas::fuzz

@@ -1,0 +1,89 @@
+// SPDX-License-Identifier: MIT
+// writeSeeds FOLDER: what each fuzz target starts from, in FOLDER/<target>. Noise for those that read bytes as calls,
+// a short file of every format for the decoder. The same on every run, and whatever stood there before is gone.
+#include <cstdint>
+#include <cstdio>
+#include <exception>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "support/AudioFileWriter.h"
+#include "support/Sounds.h"
+#include "support/TemporaryFolder.h"
+
+namespace {
+
+using app::test::FileKind;
+
+constexpr int kNoiseSeeds = 40;
+constexpr double kTrackSeconds = 0.12;
+
+void makeEmpty(const std::filesystem::path& folder) {
+    std::filesystem::remove_all(folder);
+    std::filesystem::create_directories(folder);
+}
+
+void writeNoise(const std::filesystem::path& folder, std::uint32_t state) {
+    makeEmpty(folder);
+    for (int i = 0; i < kNoiseSeeds; ++i) {
+        std::string bytes(std::size_t{32} << (i % 6), '\0');
+        for (char& byte : bytes) {
+            state = state * 1664525U + 1013904223U;
+            byte = static_cast<char>(state >> 24);
+        }
+        app::test::writeFile(folder / ("noise" + std::to_string(i)), bytes);
+    }
+}
+
+struct Seed {
+    const char* name;
+    FileKind kind;
+};
+
+constexpr Seed kSeeds[] = {
+    {"wave", {"wav", "pcm_s16le"}},
+    {"wave24", {"wav", "pcm_s24le"}},
+    {"wave64", {"w64", "pcm_s16le"}},
+    {"aiff", {"aiff", "pcm_s16be"}},
+    {"flac", {"flac", "flac"}},
+    {"mp3", {"mp3", "libmp3lame"}},
+    {"mp3bare", {"mp3", "libmp3lame", "write_xing=0"}},
+    {"mp3cover", {"mp3", "libmp3lame", "", true}},
+    {"vorbis", {"ogg", "libvorbis"}},
+    {"opus", {"ogg", "libopus"}},
+    {"m4a", {"ipod", "aac"}},
+    {"alac", {"ipod", "alac"}},
+    {"adts", {"adts", "aac"}},
+    {"matroska", {"matroska", "libopus"}},
+    {"wma", {"asf", "wmav2"}},
+};
+
+void writeTracks(const std::filesystem::path& folder) {
+    makeEmpty(folder);
+    for (const auto& [name, kind] : kSeeds) {
+        for (const int channels : {1, 2}) {
+            const auto file = folder / (name + std::to_string(channels));
+            app::test::writeAudioFile(file, kind,
+                                      app::test::tone(48000, channels, kTrackSeconds, 440.0, 0.5));
+        }
+    }
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    if (argc != 2) return 2;
+    try {
+        const std::filesystem::path folder = argv[1];
+        writeNoise(folder / "session", 1);
+        writeNoise(folder / "utilities", 2);
+        writeNoise(folder / "beatlist", 3);
+        writeNoise(folder / "arguments", 4);
+        writeTracks(folder / "decoder");
+    } catch (const std::exception& error) {
+        std::fprintf(stderr, "writeSeeds: %s\n", error.what());
+        return 1;
+    }
+    return 0;
+}
