@@ -31,17 +31,18 @@ struct Request {
 /** Frames first, first + 1 … of a request, as many as there are lanes. */
 struct Group {
     int first;
-    int lanes;
+    std::ptrdiff_t lanes;
 };
 
-BEATATLAS_LANES const float* frameOfLane(const Request& request, const Group& group, int lane) {
-    const std::ptrdiff_t frame = std::min(group.first + lane, request.frames - 1);
+BEATATLAS_LANES const float* frameOfLane(const Request& request, const Group& group,
+                                         std::ptrdiff_t lane) {
+    const auto frame = std::min<std::ptrdiff_t>(group.first + lane, request.frames - 1);
     return request.samples + (frame * request.hop);
 }
 
 /** stretch[i × lanes + lane] = sample first + i of the lane's frame. */
 BEATATLAS_LANES void layOut(const Request& request, const Group& group, int first, int count) {
-    for (int lane = 0; lane < group.lanes; lane += 4) {
+    for (std::ptrdiff_t lane = 0; lane < group.lanes; lane += 4) {
         const float* frames[4];
         for (int f = 0; f < 4; ++f) frames[f] = frameOfLane(request, group, lane + f) + first;
         float* to = request.stretch + lane;
@@ -68,7 +69,7 @@ BEATATLAS_LANES void addPoints(const float* kernel, const float* x, int count, f
         loadLanes(re[v], running + (static_cast<std::ptrdiff_t>(v) * kLanes));
         loadLanes(im[v], running + kMostFrames + (static_cast<std::ptrdiff_t>(v) * kLanes));
     }
-    for (int i = 0; i < count; ++i) {
+    for (std::ptrdiff_t i = 0; i < count; ++i) {
         const float cosine = kernel[2 * i];
         const float sine = kernel[(2 * i) + 1];
         for (std::size_t v = 0; v < kVectors; ++v) {
@@ -89,7 +90,7 @@ BEATATLAS_LANES float* runningOf(const Request& request, std::size_t bin) {
 }
 
 BEATATLAS_LANES void writeSums(const Request& request, const Group& group) {
-    const int frames = std::min(group.lanes, request.frames - group.first);
+    const auto frames = std::min<std::ptrdiff_t>(group.lanes, request.frames - group.first);
     for (std::size_t bin = 0; bin < request.bins->size(); ++bin) {
         const float* running = runningOf(request, bin);
         ConstantQSums* sums = request.sums + (bin * static_cast<std::size_t>(request.frames)) +
@@ -101,7 +102,7 @@ BEATATLAS_LANES void writeSums(const Request& request, const Group& group) {
 
 template <class Vector, std::size_t kVectors>
 BEATATLAS_LANES void correlateGroup(const Request& request, int first) {
-    const Group group{first, static_cast<int>(kVectors * sizeof(Vector) / sizeof(float))};
+    const Group group{first, kVectors * sizeof(Vector) / sizeof(float)};
     std::fill_n(request.running, std::ssize(*request.bins) * 2 * kMostFrames, 0.0F);
     for (int from = 0; from < request.frameLength; from += kStretch) {
         const int end = std::min(from + kStretch, request.frameLength);

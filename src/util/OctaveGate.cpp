@@ -46,7 +46,7 @@ struct Octaves {
  *  were alone; a bin is added to all sums at once, at the ends of the stretch only to those whose octave it is in. */
 template <std::size_t kWidth>
 struct SumOctaves {
-    static constexpr std::int32_t kLanes = 2 * kWidth;
+    static constexpr std::ptrdiff_t kLanes = 2 * kWidth;
     static constexpr std::int32_t kBlock = 4 * kLanes;
     using Vector = Lanes<float, 2 * kWidth>;
     using Bits = Lanes<std::int32_t, 2 * kWidth>;
@@ -63,7 +63,8 @@ struct SumOctaves {
             addToSome(*all, k, magnitudes, from, common, sums);
             addToAll(magnitudes, common, commonEnd, sums);
             addToSome(*all, k, magnitudes, commonEnd, end, sums);
-            for (std::int32_t v = 0; v < 4; ++v) storeLanes(sums[v], all->sums + k + (v * kLanes));
+            for (std::ptrdiff_t v = 0; v < 4; ++v)
+                storeLanes(sums[v], all->sums + k + (v * kLanes));
         }
     }
 
@@ -92,7 +93,7 @@ struct SumOctaves {
     BEATATLAS_LANES static void addToThese(float magnitude, std::int32_t first, std::int32_t end,
                                            Vector* sums) {
         const auto bits = std::bit_cast<std::int32_t>(magnitude);
-        for (std::int32_t v = 0; v < 4; ++v) {
+        for (std::ptrdiff_t v = 0; v < 4; ++v) {
             Bits hasBegun;
             Bits hasNotEnded;
             loadLanes(hasBegun, kStairs.data() + kLargestBlock - end + (v * kLanes));
