@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <ranges>
 
 #include <fmt/format.h>
 
@@ -59,10 +58,11 @@ void ZoomPanel::drawLegend(Canvas& canvas) const {
         x -= kLegendGap;
     };
     place("no bass");
-    for (const Color& color : palette::kZoom | std::views::reverse) {
+    const auto placeSwatch = [&](const Color& color) {
         x -= kSwatchWidth;
         canvas.fillColumn({x, y - kSwatchHeight + 1.0, kSwatchWidth, kSwatchHeight}, color);
-    }
+    };
+    std::for_each(palette::kZoom.rbegin(), palette::kZoom.rend(), placeSwatch);
     x -= kLegendGap;
     place("all bass");
 }
