@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "bench/BenchTrack.h"
 
+#include "bench/Improvisation.h"
+
 namespace beatatlas::bench {
 
 namespace {
@@ -14,17 +16,47 @@ peakss::BeatList gridOf(const test::TrackSynth& synth) {
     return beats;
 }
 
-BenchTrack makeTrack() {
+// Bars of four beats; a chorus is everything at once.
+std::vector<test::Section> songSections() {
+    const test::InstrumentLevels chorus;
+    const test::InstrumentLevels intro = {
+        .kick = 0.0, .snare = 0.0, .hats = 0.09, .bass = 0.17, .chords = 0.5};
+    const test::InstrumentLevels verse = {
+        .kick = 0.36, .snare = 0.0, .hats = 0.0, .bass = 0.25, .chords = 0.3};
+    const test::InstrumentLevels rest = {
+        .kick = 0.0, .snare = 0.0, .hats = 0.0, .bass = 0.25, .chords = 0.6};
+    return {{0, intro},   {16, verse}, {32, chorus},  {64, rest},  {80, chorus},
+            {112, verse}, {128, rest}, {136, chorus}, {150, intro}};
+}
+
+test::TrackPlan songPlan(double seconds) {
     test::TrackPlan plan;
     plan.sampleRate = kRate;
-    plan.lengthFrames = kFrames;
+    plan.lengthFrames = static_cast<std::int64_t>(seconds * kRate);
     plan.bpm = static_cast<double>(kBpm);
     plan.introFrames = 2 * kRate;
     plan.stereoWidth = 0.7;
     plan.mode = test::KeyMode::minor;
-    const test::TrackSynth synth(plan);
+    plan.progression = {0, 5, 3, 4, 0, 2, 3, 4};
+    plan.level = 0.5;
+    plan.kickPattern = test::KickPattern::firstAndThird;
+    plan.sections = songSections();
+    return plan;
+}
+
+test::StereoTrack play(const test::TrackSynth& synth) {
+    test::StereoTrack track = synth.renderAll();
+    improviseOver(track, {.sampleRate = kRate,
+                          .bpm = synth.plan().bpm,
+                          .firstFrame = static_cast<double>(synth.plan().introFrames),
+                          .tonic = synth.plan().tonic});
+    return track;
+}
+
+BenchTrack makeTrack() {
+    const test::TrackSynth synth(songPlan(kSeconds));
     BenchTrack track;
-    track.stereo = synth.renderAll();
+    track.stereo = play(synth);
     track.beats = gridOf(synth);
     for (std::size_t i = 0; i < track.stereo.left.size(); ++i) {
         const float left = track.stereo.left[i];
@@ -37,6 +69,10 @@ BenchTrack makeTrack() {
 }
 
 }  // namespace
+
+test::StereoTrack makeSong(double seconds) {
+    return play(test::TrackSynth(songPlan(seconds)));
+}
 
 const BenchTrack& benchTrack() {
     static const BenchTrack track = makeTrack();

@@ -13,12 +13,12 @@
 namespace beatatlas::bench {
 
 constexpr int kRate = 44100;
-constexpr int kSeconds = 120;
+constexpr int kSeconds = 300;
 constexpr int kFrames = kRate * kSeconds;
 constexpr int kBlockFrames = kRate / 75;  // as a session cuts a track
 constexpr float kBpm = 126.0F;
 
-/** Two minutes of synthesised music in every form that a component takes. */
+/** Five minutes of synthesised music in every form that a component takes. */
 struct BenchTrack {
     test::StereoTrack stereo;               ///< 16-bit scale
     std::vector<float> mono;                ///< full scale ±1.0
@@ -26,8 +26,14 @@ struct BenchTrack {
     peakss::BeatList beats;                 ///< the true grid
 };
 
-/** Made once, at the first call. Two minutes hold too many events for a processor to learn by heart, so the same
- *  track may be played again and again. */
+/** A song that asks of the analysis what music asks: intro, verse, chorus, break and ending, each with instruments of
+ *  its own, chords and bass under an improvised melody and percussion. Its beat list has about as many candidates a
+ *  minute as recorded dance music has (several hundred, where a drum machine alone gives three thousand), and its
+ *  closing analysis as many pauses. */
+test::StereoTrack makeSong(double seconds);
+
+/** Made once, at the first call. It holds too many events for a processor to learn by heart, so the same track may be
+ *  played again and again. */
 const BenchTrack& benchTrack();
 
 /** Calls feed(first frame, frames) for block after block of the track. */

@@ -1,7 +1,11 @@
 // SPDX-License-Identifier: MIT
+#include <array>
+#include <cmath>
+
 #include "beatatlas/dsp.h"
 #include "bench/BenchTrack.h"
 #include "dsp/ConstantQBank.h"
+#include "dsp/FilterBank.h"
 #include "dsp/IirPassFilter.h"
 #include "dsp/RoundingMode.h"
 
@@ -23,6 +27,64 @@ void iirPassFilter(benchmark::State& state) {
     reportAudio(state, kFrames);
 }
 BENCHMARK(iirPassFilter)->Unit(benchmark::kMillisecond);
+
+/** The cascades of a session's sensor: a low and a high band, a band and the view's low band of two sections each, and
+ *  a band of four. */
+using Cascades = std::array<IirPassFilter, FilterBank::kCascades>;
+
+void design(Cascades& cascades) {
+    constexpr float kQ = 0.70710677F;
+    cascades[0].createLowPathFilter(160.0F, kRate, kQ);
+    cascades[1].createMidPathFilterM(200.0F, 400.0F, kRate, kQ);
+    cascades[2].createHiPathFilter(8000.0F, kRate, kQ);
+    cascades[3].createLowPathFilter(220.0F, kRate, kQ);
+    cascades[4].createMidPathFilterB(400.0F, 3000.0F, kRate, kQ);
+}
+
+/** Twelve sections in their plain form, each waiting for its own last output. */
+void sectionsInTurn(benchmark::State& state) {
+    const BenchTrack& track = benchTrack();
+    std::vector<float> out(kBlockFrames);
+    for (auto _ : state) {
+        const TowardZeroScope mode;
+        Cascades cascades;
+        design(cascades);
+        forEachBlock([&](int from, int count) {
+            for (IirPassFilter& cascade : cascades) {
+                cascade.operate(track.mono.data() + from, out.data(), count);
+                for (float& value : out) value = std::fabs(value);
+                benchmark::DoNotOptimize(out.data());
+            }
+        });
+    }
+    reportAudio(state, kFrames);
+}
+BENCHMARK(sectionsInTurn)->Unit(benchmark::kMillisecond);
+
+/** The same twelve in vector lanes. */
+void sectionsInBank(benchmark::State& state) {
+    const BenchTrack& track = benchTrack();
+    std::array<std::vector<float>, FilterBank::kCascades> outs;
+    FilterBank::Outputs pointers{};
+    for (std::size_t c = 0; c < outs.size(); ++c) {
+        outs[c].resize(kBlockFrames);
+        pointers[c] = outs[c].data();
+    }
+    for (auto _ : state) {
+        const TowardZeroScope mode;
+        Cascades cascades;
+        design(cascades);
+        FilterBank bank;
+        for (int c = 0; c < FilterBank::kCascades; ++c)
+            bank.design(c, cascades[static_cast<std::size_t>(c)]);
+        forEachBlock([&](int from, int count) {
+            bank.operate(track.mono.data() + from, pointers, count);
+            benchmark::DoNotOptimize(pointers[0]);
+        });
+    }
+    reportAudio(state, kFrames);
+}
+BENCHMARK(sectionsInBank)->Unit(benchmark::kMillisecond);
 
 void fft(benchmark::State& state) {
     const int n = static_cast<int>(state.range(0));
@@ -46,10 +108,10 @@ void constantQBank(benchmark::State& state) {
     const float* samples = benchTrack().mono.data() + kRate;
     for (auto _ : state) {
         const TowardZeroScope mode;
-        ConstantQBank bank(24, 440.0F, kRate / 10.0F);
+        const ConstantQBank bank(24, 440.0F, kRate / 10.0F);
         const int frames = bank.frameCount(kLength, kHop);
-        std::vector<float> magnitudes(static_cast<std::size_t>(frames));
-        for (int k = 0; k < 24; ++k) bank.magnitudes(k, samples, kHop, frames, magnitudes.data());
+        std::vector<float> magnitudes(24 * static_cast<std::size_t>(frames));
+        bank.magnitudes(samples, kHop, frames, ConstantQBank::Place::start, magnitudes.data());
         benchmark::DoNotOptimize(magnitudes.data());
     }
     reportAudio(state, kLength, kRate / 10.0);

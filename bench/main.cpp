@@ -1,24 +1,84 @@
 // SPDX-License-Identifier: MIT
+// beatatlas_bench [race] [components] [utilities] [length] [--long] prints the tables named, all of them without a
+// word. With any flag of Google Benchmark it runs the benchmarks themselves.
+//
 // Each benchmark is repeated, the repetitions of all of them in random order, and the median reported: a machine that
 // is busy or warm for a while then spoils a repetition here and there and not one benchmark as a whole. Any of the
 // flags may be given again on the command line.
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <exception>
 #include <string>
 #include <vector>
 
 #include <benchmark/benchmark.h>
 
-int main(int argc, char** argv) {
-    std::vector<std::string> words = {
-        argv[0], "--benchmark_repetitions=5", "--benchmark_min_time=0.2",
-        "--benchmark_enable_random_interleaving=true", "--benchmark_report_aggregates_only=true"};
-    words.insert(words.end(), argv + 1, argv + argc);
+#include "bench/tables.h"
+
+namespace {
+
+using Words = std::vector<std::string>;
+
+bool has(const Words& words, const std::string& word) {
+    return std::find(words.begin(), words.end(), word) != words.end();
+}
+
+/** Hands Google Benchmark its flags. @return false when it does not know one */
+bool initialize(const char* program, const Words& flags) {
+    Words words = {program, "--benchmark_repetitions=5", "--benchmark_min_time=0.2",
+                   "--benchmark_enable_random_interleaving=true",
+                   "--benchmark_report_aggregates_only=true"};
+    words.insert(words.end(), flags.begin(), flags.end());
     std::vector<char*> pointers;
     for (std::string& word : words) pointers.push_back(word.data());
     int count = static_cast<int>(pointers.size());
     pointers.push_back(nullptr);
     benchmark::Initialize(&count, pointers.data());
-    if (benchmark::ReportUnrecognizedArguments(count, pointers.data())) return 2;
+    return !benchmark::ReportUnrecognizedArguments(count, pointers.data());
+}
+
+int runBenchmarks(const char* program, const Words& flags) {
+    if (!initialize(program, flags)) return 2;
     benchmark::RunSpecifiedBenchmarks();
     benchmark::Shutdown();
     return 0;
+}
+
+int printTables(const char* program, const Words& words) {
+    using namespace beatatlas::bench;
+    // Three times everything, once per vector form: fewer repetitions of each.
+    if (!initialize(program, {"--benchmark_repetitions=3", "--benchmark_min_time=0.1"})) return 2;
+    const bool longTracks = has(words, "--long");
+    const bool all = words.size() == (longTracks ? 1U : 0U);
+    if (all || has(words, "race")) printDecodeRace();
+    if (all || has(words, "components")) printComponents();
+    if (all || has(words, "utilities")) printUtilities();
+    if (all || has(words, "length")) printLengths(program, longTracks);
+    benchmark::Shutdown();
+    return 0;
+}
+
+bool isTableWord(const std::string& word) {
+    return has({"race", "components", "utilities", "length", "--long"}, word);
+}
+
+int run(const char* program, const Words& words) {
+    if (words.size() == 2 && words[0] == "--length-of") {
+        beatatlas::bench::measureLength(std::atoi(words[1].c_str()));
+        return 0;
+    }
+    if (std::all_of(words.begin(), words.end(), isTableWord)) return printTables(program, words);
+    return runBenchmarks(program, words);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    try {
+        return run(argv[0], Words(argv + 1, argv + argc));
+    } catch (const std::exception& fault) {
+        std::fprintf(stderr, "%s\n", fault.what());
+        return 1;
+    }
 }

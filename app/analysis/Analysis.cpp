@@ -70,7 +70,8 @@ void Analysis::Release::operator()(void* session) const {
 void* Analysis::createSession() const {
     const int second = secondArgument(options_, rate_, frames_);
     const CreateCall create = createCall(options_.tempo, rate_);
-    return libraryCall([&] { return create(frames_, second, true, true, options_.wantsKey); });
+    const bool waves = options_.wantsWaves;
+    return libraryCall([&] { return create(frames_, second, waves, waves, options_.wantsKey); });
 }
 
 void Analysis::putLevels(StereoBlock& block) {

@@ -17,6 +17,7 @@ struct AnalysisOptions {
         32;  ///< varied tempo: length in beats of the phrase over which the tempo is measured
     double rangeSeconds = 0;  ///< simple: how much of the beginning is sensed; 0: one minute
     bool wantsKey = true;
+    bool wantsWaves = true;
 };
 
 }  // namespace app

@@ -1,33 +1,17 @@
 // SPDX-License-Identifier: MIT
 #include "analysis/TrackAnalyzer.h"
 
-#include <limits>
-
 #include "analysis/Analysis.h"
 #include "analysis/FeedSink.h"
+#include "analysis/trackLength.h"
+#include "audio/TrackDecoder.h"
 #include "io/errors.h"
 
 namespace app {
 
-namespace {
-
-constexpr std::int64_t kMostFrames = std::numeric_limits<int>::max();
-constexpr double kLowestSessionRate = 44100.0;
-
-void refuseAbove(double frames) {
-    if (frames <= static_cast<double>(kMostFrames)) return;
-    throw TrackError(
-        "is too long: more than 2,147,483,647 frames (12.4 hours at 48,000 Hz) cannot be analysed");
-}
-
-void refuseIfChanged(const TrackDecoder& decoder, const FileState& before) {
-    if (decoder.fileState() != before) throw TrackError("has changed while it was being read");
-}
-
-}  // namespace
-
 // The passes: measure, for the key alone the levels, and the analysis proper.
-TrackReport TrackAnalyzer::analyze(const std::string& path, ProgressLine& progress) const {
+TrackReport TrackAnalyzer::analyze(const std::string& path, ProgressLine& progress,
+                                   const Feed& alongside) const {
     TrackReport report;
     report.path = path;
     report.options = options_;
@@ -40,7 +24,7 @@ TrackReport TrackAnalyzer::analyze(const std::string& path, ProgressLine& progre
         };
     };
 
-    const int frames = measure(report, stage("measuring"));
+    const int frames = measure(report, alongside, stage("measuring"));
     Analysis analysis(options_, report.format.sessionRate, frames);
     if (analysis.needsLevels()) {
         feedTrack(
@@ -55,45 +39,25 @@ TrackReport TrackAnalyzer::analyze(const std::string& path, ProgressLine& progre
     return report;
 }
 
-int TrackAnalyzer::measure(TrackReport& report, const ShowFraction& show) const {
-    TrackDecoder decoder(report.path);
-    report.file = decoder.fileState();
-    const double declared = decoder.declaredSeconds().value_or(0.0);
-    refuseAbove(declared * kLowestSessionRate);
-    const double expected = std::max(1.0, declared * kLowestSessionRate);
-    FeedSink counter([](StereoBlock&) {},
-                     [&](std::int64_t frames) {
-                         refuseAbove(static_cast<double>(frames));
-                         show(static_cast<double>(frames) / expected);
-                     });
+int TrackAnalyzer::measure(TrackFile& file, const Feed& alongside, const ShowFraction& show) const {
+    TrackDecoder decoder(file.path);
+    const double expected = expectedFrames(decoder);
+    FeedSink counter(alongside, [&](std::int64_t frames) {
+        refuseAbove(static_cast<double>(frames));
+        show(static_cast<double>(frames) / expected);
+    });
     decoder.run(counter);
-    refuseIfChanged(decoder, report.file);
-    report.format = decoder.format();
-    report.isCutOff = decoder.isCutOff();
-    report.damagedPackets = decoder.tally().damagedPackets;
-    refuseUnlessUsable(report, decoder.tally(), counter.frames());
+    file = usableTrack(file.path, decoder, counter.frames(), acceptsCutOff_);
     return static_cast<int>(counter.frames());
-}
-
-void TrackAnalyzer::refuseUnlessUsable(const TrackReport& report, const DecodeTally& tally,
-                                       std::int64_t frames) const {
-    if (frames == 0 && tally.isLastPacketDamaged)
-        throw TrackError("is damaged: nothing in it can be decoded");
-    if (frames == 0)
-        throw TrackError(report.isCutOff ? "is cut off: no sound is left in it" : "holds no audio");
-    if (report.isCutOff && !acceptsCutOff_) {
-        throw TrackError(
-            "is cut off: it ends before the track does (--partial analyses what is there)");
-    }
 }
 
 void TrackAnalyzer::feedTrack(const TrackReport& report, int frames, const Feed& feed,
                               const ShowFraction& show) {
     TrackDecoder decoder(report.path);
-    refuseIfChanged(decoder, report.file);
+    refuseUnlessUnchanged(decoder, report.state);
     FeedSink sink(feed, [&](std::int64_t fed) { show(static_cast<double>(fed) / frames); });
     decoder.run(sink);
-    refuseIfChanged(decoder, report.file);
+    refuseUnlessUnchanged(decoder, report.state);
     if (sink.frames() != frames)
         throw TrackError("did not give the same music twice: its decoder cannot be relied on");
 }

@@ -1,26 +1,20 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <cstdint>
 #include <functional>
 #include <string>
 
 #include "analysis/AnalysisOptions.h"
 #include "analysis/AnalysisResult.h"
-#include "audio/TrackDecoder.h"
+#include "analysis/TrackFile.h"
+#include "audio/StereoBlock.h"
 #include "io/ProgressLine.h"
 
 namespace app {
 
 /** Everything that is known about one file in the end. */
-struct TrackReport {
-    std::string path;
-    TrackFormat format;
+struct TrackReport : TrackFile {
     AnalysisOptions options;  ///< what was asked for
-    bool isCutOff = false;    ///< the file holds only the beginning of the track
-    std::int64_t damagedPackets =
-        0;           ///< stretches that could not be decoded; silence stands in their place
-    FileState file;  ///< in which every pass has to find it
     AnalysisResult analysis;
 };
 
@@ -35,16 +29,18 @@ public:
     TrackAnalyzer(const AnalysisOptions& options, bool acceptsCutOff)
         : options_(options), acceptsCutOff_(acceptsCutOff) {}
 
-    /** @throws TrackError with the reason why the track cannot be analysed */
-    TrackReport analyze(const std::string& path, ProgressLine& progress) const;
+    using Feed = std::function<void(StereoBlock&)>;
+
+    /** @param alongside  takes the whole track too, while it is measured
+     *  @throws TrackError with the reason why the track cannot be analysed */
+    TrackReport analyze(
+        const std::string& path, ProgressLine& progress,
+        const Feed& alongside = [](StereoBlock&) {}) const;
 
 private:
-    using Feed = std::function<void(StereoBlock&)>;
     using ShowFraction = std::function<void(double)>;
 
-    int measure(TrackReport& report, const ShowFraction& show) const;
-    void refuseUnlessUsable(const TrackReport& report, const DecodeTally& tally,
-                            std::int64_t frames) const;
+    int measure(TrackFile& file, const Feed& alongside, const ShowFraction& show) const;
     static void feedTrack(const TrackReport& report, int frames, const Feed& feed,
                           const ShowFraction& show);
 

@@ -19,6 +19,11 @@ namespace {
 
 constexpr int kBufferBytes = 64 * 1024;
 
+FileState stateOf(const struct stat& status) {
+    return {status.st_dev, status.st_ino, status.st_size, status.st_mtim.tv_sec,
+            status.st_mtim.tv_nsec};
+}
+
 }  // namespace
 
 FileInput::FileInput(const std::string& path) {
@@ -59,7 +64,7 @@ void FileInput::openRegular(const std::string& path) {
         close(std::exchange(descriptor_, -1));
         throw TrackError(refusal);
     }
-    size_ = status.st_size;
+    opened_ = stateOf(status);
 }
 
 void FileInput::makeContext() {
@@ -98,14 +103,14 @@ std::int64_t FileInput::seekCallback(void* self, std::int64_t offset, int origin
     std::int64_t base = 0;
     switch (origin & ~AVSEEK_FORCE) {
     case AVSEEK_SIZE:
-        return input.size_;
+        return input.opened_.size;
     case SEEK_SET:
         break;
     case SEEK_CUR:
         base = input.position_;
         break;
     case SEEK_END:
-        base = input.size_;
+        base = input.opened_.size;
         break;
     default:
         return AVERROR(EINVAL);
@@ -115,12 +120,9 @@ std::int64_t FileInput::seekCallback(void* self, std::int64_t offset, int origin
     return input.position_;
 }
 
-FileState FileInput::state() const {
+bool FileInput::hasChanged() const {
     struct stat status = {};
-    if (fstat(descriptor_, &status) != 0)
-        throw TrackError("cannot be examined: " + systemReason(errno));
-    return {status.st_dev, status.st_ino, status.st_size, status.st_mtim.tv_sec,
-            status.st_mtim.tv_nsec};
+    return fstat(descriptor_, &status) != 0 || stateOf(status) != opened_;
 }
 
 std::size_t FileInput::readAt(std::int64_t offset, void* bytes, std::size_t count) const {

@@ -33,10 +33,13 @@ public:
     FileInput& operator=(const FileInput&) = delete;
 
     AVIOContext* context() const { return context_.get(); }
-    std::int64_t size() const { return size_; }
+    std::int64_t size() const { return opened_.size; }
 
-    /** As it is now. */
-    FileState state() const;
+    /** As it was when it was opened. */
+    const FileState& opened() const { return opened_; }
+
+    /** Whether it is another now. */
+    bool hasChanged() const;
 
     /** Bytes from a place of the file, without moving the reading position. @return how many were read */
     std::size_t readAt(std::int64_t offset, void* bytes, std::size_t count) const;
@@ -56,7 +59,7 @@ private:
     void makeContext();
 
     int descriptor_ = -1;
-    std::int64_t size_ = 0;
+    FileState opened_;
     std::int64_t position_ = 0;
     int failure_ = 0;  ///< errno of the last failed read
     std::unique_ptr<AVIOContext, ContextFree> context_;

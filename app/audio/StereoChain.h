@@ -4,44 +4,42 @@
 #include <cstdint>
 #include <memory>
 
+#include "audio/FrameChain.h"
 #include "audio/RateConverter.h"
 #include "audio/StereoFold.h"
 #include "audio/TrackSink.h"
 
 namespace app {
 
-/** From decoded frames to what a session is fed: folded to stereo, at the session's rate, in its 16-bit scale.
+/** From decoded frames to what a session is fed: folded to stereo, at the session's rate, in its 16-bit scale, in
+ *  stretches of 16,384 frames.
  *
  *  The first frame decides the rate; a file whose rate changes on the way (radio recordings, joined files) is
  *  converted to that of its beginning. */
-class StereoChain {
+class StereoChain : public FrameChain {
 public:
     explicit StereoChain(TrackSink& sink) : sink_(sink) {}
 
-    /** Frames at the track's own rate that are decoded but belong to the encoder's delay. Before the first put(). */
-    void dropFrames(std::int64_t frames) { framesToDrop_ = frames; }
-
-    void put(const AVFrame& frame);
-
-    /** Keeps the time where a damaged stretch could not be decoded. Before the first frame: nothing.
-     *  @param frames  at the track's own rate */
-    void putSilence(std::int64_t frames);
-
-    void finish();
-
-    int trackRate() const { return trackRate_; }      ///< 0 before the first frame
-    int sessionRate() const { return sessionRate_; }  ///< 0 before the first frame
+    void dropFrames(std::int64_t frames) override { framesToDrop_ = frames; }
+    void put(const AVFrame& frame) override;
+    void putSilence(std::int64_t frames) override;
+    void finish() override;
+    int trackRate() const override { return trackRate_; }
+    int outputRate() const override { return sessionRate_; }
 
 private:
     void setTrackRate(int rate);
-    void dropDelay();
-    void toSessionRate(StereoBlock& block);
-    void deliver(StereoBlock& block);
+    void dropDelay(StereoBlock& block);
+    void toSessionRate(const StereoBlock& block);
+    void deliver(const StereoBlock& block);
+    void handOn();
 
     TrackSink& sink_;
     StereoFold fold_;
     std::unique_ptr<RateConverter> converter_;  ///< none while the track has the session's rate
-    StereoBlock block_;
+    StereoBlock silence_;
+    StereoBlock stretch_;       ///< what the sink is given next
+    std::size_t gathered_ = 0;  ///< frames of it that are filled
     std::int64_t framesToDrop_ = 0;
     int trackRate_ = 0;
     int sessionRate_ = 0;

@@ -1,82 +1,32 @@
 // SPDX-License-Identifier: MIT
 #include "audio/StereoFold.h"
 
-#include <new>
-
-extern "C" {
-#include <libswresample/swresample.h>
-}
-
-#include "io/errors.h"
-
 namespace app {
 
-StereoFold::StereoFold() = default;
+namespace {
 
-StereoFold::~StereoFold() {
-    av_channel_layout_uninit(&layout_);
+void addScaled(float* sum, const float* plane, std::size_t frames, float gain) {
+    if (gain == 0.0F) return;
+    for (std::size_t i = 0; i < frames; ++i) sum[i] += gain * plane[i];
 }
 
-void StereoFold::ContextFree::operator()(SwrContext* context) const {
-    swr_free(&context);
-}
+}  // namespace
 
-const StereoBlock& StereoFold::fold(const AVFrame& frame) {
-    if (!isPreparedFor(frame)) prepareFor(frame);
-    toPlanarFloat(frame);
-    mix(static_cast<std::size_t>(frame.nb_samples));
+StereoBlock& StereoFold::fold(const AVFrame& frame) {
+    const bool isPrepared = floats_.isPreparedFor(frame);
+    const auto& planes = floats_.convert(frame);
+    if (!isPrepared) gains_ = downmixGains(floats_.layout());
+    mix(planes);
     return stereo_;
 }
 
-bool StereoFold::isPreparedFor(const AVFrame& frame) const {
-    return context_ && frame.format == format_ &&
-           av_channel_layout_compare(&frame.ch_layout, &layout_) == 0;
-}
-
-void StereoFold::prepareFor(const AVFrame& frame) {
-    const auto channels = static_cast<std::size_t>(frame.ch_layout.nb_channels);
-    if (channels == 0 || av_channel_layout_copy(&layout_, &frame.ch_layout) < 0)
-        throw std::bad_alloc();
-    format_ = frame.format;
-    gains_ = downmixGains(layout_);
-    planes_.assign(channels, {});
-
-    // The same unplaced channels on both sides: only the sample format is converted here.
-    AVChannelLayout unplaced = {};
-    unplaced.order = AV_CHANNEL_ORDER_UNSPEC;
-    unplaced.nb_channels = frame.ch_layout.nb_channels;
-    SwrContext* context = nullptr;
-    swr_alloc_set_opts2(&context, &unplaced, AV_SAMPLE_FMT_FLTP, frame.sample_rate, &unplaced,
-                        static_cast<AVSampleFormat>(frame.format), frame.sample_rate, 0, nullptr);
-    context_.reset(context);
-    if (context == nullptr || swr_init(context) < 0) {
-        throw TrackError("holds audio in a sample format that cannot be converted");
-    }
-}
-
-void StereoFold::toPlanarFloat(const AVFrame& frame) {
-    std::vector<std::uint8_t*> outputs;
-    for (auto& plane : planes_) {
-        plane.resize(static_cast<std::size_t>(frame.nb_samples));
-        outputs.push_back(reinterpret_cast<std::uint8_t*>(plane.data()));
-    }
-    auto** inputs = const_cast<const std::uint8_t**>(frame.extended_data);
-    const int converted =
-        swr_convert(context_.get(), outputs.data(), frame.nb_samples, inputs, frame.nb_samples);
-    if (converted != frame.nb_samples) {
-        throw TrackError("holds audio in a sample format that cannot be converted");
-    }
-}
-
-void StereoFold::mix(std::size_t frames) {
+void StereoFold::mix(const std::vector<std::vector<float>>& planes) {
+    const std::size_t frames = planes.front().size();
     stereo_.assignSilence(frames);
-    for (std::size_t channel = 0; channel < planes_.size(); ++channel) {
+    for (std::size_t channel = 0; channel < planes.size(); ++channel) {
         const DownmixGain gain = gains_[channel];
-        const std::vector<float>& plane = planes_[channel];
-        for (std::size_t i = 0; i < frames; ++i) {
-            stereo_.left[i] += gain.left * plane[i];
-            stereo_.right[i] += gain.right * plane[i];
-        }
+        addScaled(stereo_.left.data(), planes[channel].data(), frames, gain.left);
+        addScaled(stereo_.right.data(), planes[channel].data(), frames, gain.right);
     }
 }
 

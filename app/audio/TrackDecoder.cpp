@@ -5,6 +5,7 @@
 #include <span>
 #include <utility>
 
+#include "audio/StereoChain.h"
 #include "audio/end/declaredEnd.h"
 #include "audio/end/packetLength.h"
 #include "io/errors.h"
@@ -31,6 +32,10 @@ TrackDecoder::TrackDecoder(const std::string& path)
 
 void TrackDecoder::run(TrackSink& sink) {
     StereoChain chain(sink);
+    run(chain);
+}
+
+void TrackDecoder::run(FrameChain& chain) {
     while (container_.next(*packet_)) {
         if (tally_.packets == 0) delay_.look(*packet_);
         decode(packet_.get(), chain);
@@ -41,10 +46,10 @@ void TrackDecoder::run(TrackSink& sink) {
     decode(nullptr, chain);
     chain.finish();
     format_.trackRate = chain.trackRate();
-    format_.sessionRate = chain.sessionRate();
+    format_.sessionRate = chain.outputRate();
 }
 
-void TrackDecoder::decode(const AVPacket* packet, StereoChain& chain) {
+void TrackDecoder::decode(const AVPacket* packet, FrameChain& chain) {
     if (packet != nullptr) {
         ++tally_.packets;
         tally_.isLastPacketDamaged = false;
@@ -82,7 +87,7 @@ void TrackDecoder::noteDamage(const AVPacket* packet) {
 }
 
 /** Damage counts once something behind it decodes; at a file's end it is a foreign tag, or the file was cut off. */
-void TrackDecoder::fillDamage(StereoChain& chain) {
+void TrackDecoder::fillDamage(FrameChain& chain) {
     const PendingDamage damage = std::exchange(pendingDamage_, {});
     tally_.damagedPackets += damage.packets;
     if (chain.trackRate() == 0) return;
@@ -93,7 +98,7 @@ void TrackDecoder::fillDamage(StereoChain& chain) {
     tally_.frames += frames;
 }
 
-void TrackDecoder::deliver(AVFrame& frame, StereoChain& chain) {
+void TrackDecoder::deliver(AVFrame& frame, FrameChain& chain) {
     dropPadding(frame);
     if (frame.nb_samples <= 0) return;
     if (tally_.frames == 0) {

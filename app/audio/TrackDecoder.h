@@ -9,7 +9,7 @@
 #include "audio/DecodeTally.h"
 #include "audio/EncoderDelay.h"
 #include "audio/FileInput.h"
-#include "audio/StereoChain.h"
+#include "audio/FrameChain.h"
 #include "audio/StreamDecoder.h"
 #include "audio/TrackSink.h"
 
@@ -32,14 +32,18 @@ public:
     explicit TrackDecoder(const std::string& path);
 
     /** Decodes everything that can be decoded. Damage is counted, not thrown. */
+    void run(FrameChain& chain);
+
+    /** The same, folded to stereo at a session's rate. */
     void run(TrackSink& sink);
 
     /** Known after run(). */
     const DecodeTally& tally() const { return tally_; }
     const TrackFormat& format() const { return format_; }
 
-    /** Of the file, as it is now. */
-    FileState fileState() const { return input_.state(); }
+    /** The file as it was opened, and whether it is another now. */
+    const FileState& fileState() const { return input_.opened(); }
+    bool hasFileChanged() const { return input_.hasChanged(); }
 
     /** Length by the file's own account, seconds. */
     std::optional<double> declaredSeconds() const { return container_.declaredSeconds(); }
@@ -55,11 +59,11 @@ private:
         std::int64_t duration = 0;  ///< in the stream's time base
     };
 
-    void decode(const AVPacket* packet, StereoChain& chain);
+    void decode(const AVPacket* packet, FrameChain& chain);
     bool isIncomplete(const AVPacket& packet) const;
     void noteDamage(const AVPacket* packet);
-    void fillDamage(StereoChain& chain);
-    void deliver(AVFrame& frame, StereoChain& chain);
+    void fillDamage(FrameChain& chain);
+    void deliver(AVFrame& frame, FrameChain& chain);
     void dropPadding(AVFrame& frame) const;
     bool tellsPacketLengths() const;
     bool isShorterThanDeclared() const;

@@ -2,18 +2,11 @@
 #include "cli/AnalysisArguments.h"
 
 #include <map>
-#include <new>
 
 #include <CLI/CLI.hpp>
-#include <fmt/format.h>
 
-#include "audio/ffmpeg.h"
-#include "cli/messages.h"
 #include "cli/numberBetween.h"
-#include "io/ProgressLine.h"
-#include "io/StandardStreams.h"
 #include "io/errors.h"
-#include "report/textFormat.h"
 
 namespace app {
 
@@ -31,14 +24,6 @@ std::string requirePhrase(const std::string& text) {
         if (text == phrase) return {};
     }
     return "takes 4, 8, 16, 32, 64, 128 or 256, not " + text;
-}
-
-void warnOf(const TrackReport& report) {
-    if (report.isCutOff)
-        printFileWarning(report.path, "is cut off; only its beginning was analysed");
-    if (report.damagedPackets == 0) return;
-    const std::string places = counted(report.damagedPackets, "damaged place");
-    printFileWarning(report.path, places + " could not be decoded; silence was put there");
 }
 
 }  // namespace
@@ -65,11 +50,6 @@ void AnalysisArguments::declare(CLI::App& arguments) {
         ->option_text("SECONDS");
     arguments.add_flag("--no-key", skipsKey_,
                        "do not look for the key (saves decoding the track once more)");
-    arguments.add_flag("--partial", acceptsCutOff_,
-                       "analyse what is there of a track that was cut off");
-    arguments.add_flag("-q,--quiet", isQuiet_, "show no progress");
-    arguments.add_flag("-v,--verbose", isVerbose_,
-                       "show on standard error what the analysis and the decoders have to say");
 }
 
 void AnalysisArguments::settle() {
@@ -81,29 +61,6 @@ void AnalysisArguments::settle() {
     options_.sectionBeats = sectionBeats_.value_or(options_.sectionBeats);
     options_.rangeSeconds = rangeSeconds_.value_or(options_.rangeSeconds);
     options_.wantsKey = !skipsKey_;
-    if (isVerbose_) StandardStreams::showLibraryLines();
-    showFfmpegMessages(isVerbose_);
-}
-
-std::optional<TrackReport> AnalysisArguments::analyze(const std::string& path) {
-    try {
-        ProgressLine progress(path, !isQuiet_ && !isVerbose_);
-        auto report = TrackAnalyzer(options_, acceptsCutOff_).analyze(path, progress);
-        progress.clear();
-        warnOf(report);
-        return report;
-    } catch (const TrackError& error) {
-        return fail(path, error.what());
-    } catch (const std::bad_alloc&) {
-        return fail(path, "there is not enough memory");
-    }
-}
-
-std::optional<TrackReport> AnalysisArguments::fail(const std::string& path,
-                                                   const std::string& reason) {
-    failure_ = reason;
-    printFileError(path, reason);
-    return std::nullopt;
 }
 
 }  // namespace app

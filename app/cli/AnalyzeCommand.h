@@ -3,31 +3,27 @@
 
 #include <memory>
 #include <string>
-#include <vector>
 
 #include "cli/AnalysisArguments.h"
-#include "cli/Command.h"
-#include "report/ReportWriter.h"
+#include "cli/TracksCommand.h"
 
 namespace app {
 
-/** `beatatlas analyze FILE…`: what is in these tracks, as text or JSON. */
-class AnalyzeCommand : public Command {
+/** `beatatlas analyze FILE…`: what is in these tracks. */
+class AnalyzeCommand : public TracksCommand {
 public:
     std::string name() const override { return "analyze"; }
     std::string description() const override {
         return "Tell tempo, beats, key and length of tracks";
     }
-    void declare(CLI::App& arguments) override;
-    ExitCode run(ResultStream& results) override;
 
 private:
-    std::unique_ptr<ReportWriter> makeWriter(ResultStream& results) const;
-    bool addTracks(ReportWriter& writer);
+    void declareOwn(CLI::App& arguments, CLI::Option* json) override;
+    void settleOwn() override { analysis_.settle(); }
+    std::string documentFormat() const override { return "beatatlas.analysis"; }
+    std::unique_ptr<ReportEntry> examine(const std::string& path) override;
 
     AnalysisArguments analysis_;
-    std::vector<std::string> paths_;
-    bool asJson_ = false;
     bool withWaves_ = false;
 };
 

@@ -35,17 +35,21 @@ void DrawCommand::declare(CLI::App& arguments) {
         ->check(numberBetween(kNarrowestPicture, kWidestPicture))
         ->option_text("PIXELS");
     analysis_.declare(arguments);
+    tracks_.declare(arguments);
 }
 
 ExitCode DrawCommand::run(ResultStream&) {
     analysis_.settle();
+    tracks_.settle();
     const std::string path = unguarded(path_);
     const std::string outputPath = unguarded(outputPath_);
     const PictureFormat format = pictureFormatOf(outputPath);
     OutputFile::requireWritable(outputPath);
     if (OutputFile::isSameFile(path, outputPath))
         throw UsageError("the picture would replace the track itself");
-    const auto report = analysis_.analyze(path);
+    const TrackAnalyzer analyzer(analysis_.options(), tracks_.acceptsCutOff());
+    const auto report = tracks_.attempt(
+        path, [&](ProgressLine& progress) { return analyzer.analyze(path, progress); });
     if (!report) return kExitFailed;
     writePicture(*report, picture_, format, outputPath);
     return kExitDone;

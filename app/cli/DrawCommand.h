@@ -5,6 +5,7 @@
 
 #include "cli/AnalysisArguments.h"
 #include "cli/Command.h"
+#include "cli/TrackArguments.h"
 #include "picture/PictureOptions.h"
 
 namespace app {
@@ -21,6 +22,7 @@ public:
 
 private:
     AnalysisArguments analysis_;
+    TrackArguments tracks_;
     PictureOptions picture_;
     std::string path_;
     std::string outputPath_;

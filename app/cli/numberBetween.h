@@ -19,4 +19,15 @@ inline CLI::Validator numberBetween(double least, double most) {
     return CLI::Validator(refusal, "");
 }
 
+/** The same for whole numbers. */
+inline CLI::Validator wholeNumberBetween(int least, int most) {
+    const auto refusal = [least, most](const std::string& text) -> std::string {
+        int number = 0;
+        const bool isNumber = CLI::detail::lexical_cast(text, number);
+        if (isNumber && number >= least && number <= most) return {};
+        return fmt::format("takes a whole number from {} to {}, not {}", least, most, text);
+    };
+    return CLI::Validator(refusal, "");
+}
+
 }  // namespace app

@@ -65,6 +65,10 @@ void OutputFile::write(const void* bytes, std::size_t count) {
     if (failure != 0) fail(failure);
 }
 
+void OutputFile::seek(std::int64_t offset) {
+    if (lseek(descriptor_, offset, SEEK_SET) == -1) fail(errno);
+}
+
 void OutputFile::commit() {
     setPermissions();
     // On some file systems a full disk is told only here.

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 
 namespace app {
@@ -18,6 +19,10 @@ public:
     OutputFile& operator=(const OutputFile&) = delete;
 
     void write(const void* bytes, std::size_t count);
+
+    /** Where the next bytes go, counted from the file's beginning. */
+    void seek(std::int64_t offset);
+
     void commit();
 
     /** Looks, before hours of work, whether the place can be written: its folder is there and lets one write, and

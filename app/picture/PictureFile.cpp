@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "picture/PictureFile.h"
 
-#include <algorithm>
-#include <cctype>
 #include <cmath>
 #include <exception>
 #include <memory>
@@ -12,6 +10,7 @@
 
 #include "io/OutputFile.h"
 #include "io/errors.h"
+#include "io/fileEnding.h"
 #include "picture/Canvas.h"
 #include "picture/TrackPicture.h"
 
@@ -79,11 +78,8 @@ void writeSvg(const TrackReport& report, const PictureOptions& options, double s
 }  // namespace
 
 PictureFormat pictureFormatOf(const std::string& path) {
-    std::string ending = path.size() < 4 ? std::string() : path.substr(path.size() - 4);
-    std::transform(ending.begin(), ending.end(), ending.begin(),
-                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-    if (ending == ".png") return PictureFormat::png;
-    if (ending == ".svg") return PictureFormat::svg;
+    if (hasEnding(path, ".png")) return PictureFormat::png;
+    if (hasEnding(path, ".svg")) return PictureFormat::svg;
     throw UsageError("the picture's name must end in .png or .svg (--output)");
 }
 

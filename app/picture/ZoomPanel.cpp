@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <ranges>
 
 #include <fmt/format.h>
 
@@ -59,9 +58,9 @@ void ZoomPanel::drawLegend(Canvas& canvas) const {
         x -= kLegendGap;
     };
     place("no bass");
-    for (const Color& color : palette::kZoom | std::views::reverse) {
+    for (auto color = palette::kZoom.rbegin(); color != palette::kZoom.rend(); ++color) {
         x -= kSwatchWidth;
-        canvas.fillColumn({x, y - kSwatchHeight + 1.0, kSwatchWidth, kSwatchHeight}, color);
+        canvas.fillColumn({x, y - kSwatchHeight + 1.0, kSwatchWidth, kSwatchHeight}, *color);
     }
     x -= kLegendGap;
     place("all bass");

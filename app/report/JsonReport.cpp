@@ -4,8 +4,8 @@
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
 
+#include "report/jsonParts.h"
 #include "report/toolVersion.h"
-#include "report/trackJson.h"
 
 namespace app {
 
@@ -17,20 +17,19 @@ constexpr int kFormatVersion = 1;
 }  // namespace
 
 void JsonReport::begin() {
-    results_.write(
-        fmt::format(R"({{"format":"beatatlas.analysis","version":{},"tool":"{}","tracks":[)",
-                    kFormatVersion, toolVersion()));
+    results_.write(fmt::format(R"({{"format":"{}","version":{},"tool":"{}","tracks":[)", format_,
+                               kFormatVersion, toolVersion()));
 }
 
-void JsonReport::add(const TrackReport& report) {
-    addEntry(trackJson(report, withWaves_));
+void JsonReport::add(const ReportEntry& entry) {
+    write(entry.json());
 }
 
 void JsonReport::addFailure(const std::string& path, const std::string& reason) {
-    addEntry(failureJson(path, reason));
+    write(failureJson(path, reason));
 }
 
-void JsonReport::addEntry(const nlohmann::ordered_json& entry) {
+void JsonReport::write(const nlohmann::ordered_json& entry) {
     results_.write(isFirst_ ? "\n" : ",\n");
     results_.write(entry.dump());
     isFirst_ = false;

@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <string>
+#include <utility>
+
 #include <nlohmann/json_fwd.hpp>
 
 #include "io/ResultStream.h"
@@ -12,18 +15,20 @@ namespace app {
  *  that a long list needs no memory. */
 class JsonReport : public ReportWriter {
 public:
-    JsonReport(ResultStream& results, bool withWaves) : results_(results), withWaves_(withWaves) {}
+    /** @param format  the document's name, "beatatlas.analysis" */
+    JsonReport(ResultStream& results, std::string format)
+        : results_(results), format_(std::move(format)) {}
 
     void begin() override;
-    void add(const TrackReport& report) override;
+    void add(const ReportEntry& entry) override;
     void addFailure(const std::string& path, const std::string& reason) override;
     void end() override;
 
 private:
-    void addEntry(const nlohmann::ordered_json& entry);
+    void write(const nlohmann::ordered_json& entry);
 
     ResultStream& results_;
-    bool withWaves_;
+    std::string format_;
     bool isFirst_ = true;
 };
 

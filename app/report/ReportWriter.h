@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "analysis/TrackAnalyzer.h"
+#include "report/ReportEntry.h"
 
 namespace app {
 
@@ -13,7 +13,7 @@ public:
     virtual ~ReportWriter() = default;
 
     virtual void begin() {}
-    virtual void add(const TrackReport& report) = 0;
+    virtual void add(const ReportEntry& entry) = 0;
     virtual void addFailure(const std::string& path, const std::string& reason) = 0;
 
     /** Also called when the work is broken off: what was written until then is complete in itself. */

@@ -1,13 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "report/TextReport.h"
 
-#include "report/textSummary.h"
-
 namespace app {
 
-void TextReport::add(const TrackReport& report) {
+void TextReport::add(const ReportEntry& entry) {
     if (!isFirst_) results_.write("\n");
-    results_.write(textSummary(report));
+    results_.write(entry.text());
     isFirst_ = false;
 }
 

@@ -11,7 +11,7 @@ class TextReport : public ReportWriter {
 public:
     explicit TextReport(ResultStream& results) : results_(results) {}
 
-    void add(const TrackReport& report) override;
+    void add(const ReportEntry& entry) override;
     void addFailure(const std::string&, const std::string&) override {}
 
 private:

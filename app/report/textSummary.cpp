@@ -6,37 +6,13 @@
 
 #include <fmt/format.h>
 
-#include "io/displayName.h"
 #include "report/KeyName.h"
 #include "report/textFormat.h"
+#include "report/textParts.h"
 
 namespace app {
 
 namespace {
-
-std::string line(const std::string& label, const std::string& value) {
-    return fmt::format("  {:<9}{}\n", label, value);
-}
-
-std::string channelsText(int channels) {
-    if (channels == 1) return "mono";
-    if (channels == 2) return "stereo";
-    return fmt::format("{} channels", channels);
-}
-
-std::string formatText(const TrackReport& report) {
-    const TrackFormat& format = report.format;
-    std::string text = fmt::format("{}, {} Hz, {}", format.codec, grouped(format.trackRate),
-                                   channelsText(format.channels));
-    if (format.trackRate != format.sessionRate) {
-        text += fmt::format(" (analysed at {} Hz)", grouped(format.sessionRate));
-    }
-    return text;
-}
-
-std::string lengthText(const AnalysisResult& analysis) {
-    return fmt::format("{}  ({} frames)", clockTime(analysis.seconds()), grouped(analysis.frames));
-}
 
 /** The range of the local tempos when they differ, else nothing. */
 std::string tempoRange(const std::vector<Beat>& beats) {
@@ -64,14 +40,6 @@ std::string beatsText(const AnalysisResult& analysis) {
                               clockTime(analysis.secondsAt(downbeat->frame)));
 }
 
-std::string keyDetails(const KeyRanking& ranking) {
-    const KeyName best(ranking.keys[0]);
-    const KeyName next(ranking.keys[1]);
-    return fmt::format("{}, {}, {}, number {}; next {} ({}), {:.1f} % behind", best.musical(),
-                       best.camelot(), best.openKey(), best.number(), next.musical(),
-                       next.camelot(), ranking.runnerUpDistance() * 100.0);
-}
-
 std::string wavesText(const AnalysisResult& analysis) {
     return fmt::format(
         "{} loudness, {} dots, {} zoom points", grouped(std::ssize(analysis.loudWave)),
@@ -86,7 +54,7 @@ std::string tempoText(const TrackReport& report) {
 }
 
 std::string keyText(const TrackReport& report) {
-    if (!report.analysis.key) return "no key found";
+    if (!report.analysis.key) return kNoKeyText;
     const KeyName best(report.analysis.key->keys[0]);
     return best.musical() + "  " + best.camelot();
 }
@@ -94,16 +62,13 @@ std::string keyText(const TrackReport& report) {
 std::string textSummary(const TrackReport& report) {
     const AnalysisResult& analysis = report.analysis;
     const AnalysisOptions& options = report.options;
-    std::string text = displayName(report.path) + "\n";
-    text += line("audio", formatText(report));
-    text += line("length", lengthText(analysis));
+    std::string text = trackFileText(report, analysis.frames);
     if (options.tempo != TempoMode::off) {
-        text += line("tempo", tempoText(report) + tempoRange(analysis.beats));
-        text += line("beats", beatsText(analysis));
+        text += textLine("tempo", tempoText(report) + tempoRange(analysis.beats));
+        text += textLine("beats", beatsText(analysis));
     }
-    if (options.wantsKey)
-        text += line("key", analysis.key ? keyDetails(*analysis.key) : keyText(report));
-    text += line("waves", wavesText(analysis));
+    if (options.wantsKey) text += textLine("key", keyDetails(analysis.key));
+    text += textLine("waves", wavesText(analysis));
     return text;
 }
 

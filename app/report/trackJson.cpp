@@ -1,11 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "report/trackJson.h"
 
-#include <fmt/format.h>
 #include <nlohmann/json.hpp>
 
-#include "io/displayName.h"
-#include "report/KeyName.h"
+#include "report/jsonParts.h"
 
 namespace app {
 
@@ -14,20 +12,6 @@ namespace {
 using Json = nlohmann::ordered_json;
 
 constexpr int kZoomPointsPerSecond = 150;
-constexpr std::array<const char*, kPitchClassCount> kNoteNames = {
-    "A", "Bb", "B", "C", "C#", "D", "Eb", "E", "F", "F#", "G", "G#"};
-
-std::string hexadecimal(const std::string& bytes) {
-    std::string text;
-    for (const char byte : bytes) text += fmt::format("{:02x}", static_cast<unsigned char>(byte));
-    return text;
-}
-
-/** JSON is UTF-8, file names need not be: then the name is shown with escapes, and its bytes are told beside it. */
-Json nameJson(const std::string& path) {
-    if (isUtf8(path)) return {{"file", path}};
-    return {{"file", displayName(path)}, {"fileBytes", hexadecimal(path)}};
-}
 
 /** The decimal number that a person would write for so many hundredths. */
 double bpmOf(int bpm100) {
@@ -48,13 +32,6 @@ const char* tempoModeName(TempoMode mode) {
     return "off";
 }
 
-Json audioJson(const TrackFormat& format) {
-    return {{"container", format.container},
-            {"codec", format.codec},
-            {"channels", format.channels},
-            {"sampleRate", format.trackRate}};
-}
-
 Json beatJson(const AnalysisResult& analysis, const Beat& beat) {
     return {{"frame", beat.frame},
             {"seconds", analysis.secondsAt(beat.frame)},
@@ -73,42 +50,6 @@ Json tempoJson(const TrackReport& report) {
     const auto& bpm100 = report.analysis.bpm100;
     tempo["bpm"] = bpm100 ? Json(bpmOf(*bpm100)) : Json(nullptr);
     return tempo;
-}
-
-Json keyNameJson(int number) {
-    const KeyName key(number);
-    return {{"number", key.number()},
-            {"name", key.musical()},
-            {"camelot", key.camelot()},
-            {"openKey", key.openKey()}};
-}
-
-Json rankingJson(const KeyRanking& key) {
-    Json ranking = Json::array();
-    for (std::size_t i = 0; i < key.keys.size(); ++i) {
-        Json entry = keyNameJson(key.keys[i]);
-        entry["score"] = key.scores[i];
-        ranking.push_back(std::move(entry));
-    }
-    return ranking;
-}
-
-Json notesJson(const KeyRanking& key) {
-    Json notes = Json::array();
-    for (std::size_t i = 0; i < kNoteNames.size(); ++i) {
-        notes.push_back(
-            {{"note", kNoteNames[i]}, {"count", key.noteCounts[i]}, {"share", key.noteShares[i]}});
-    }
-    return notes;
-}
-
-Json keyJson(const std::optional<KeyRanking>& key) {
-    if (!key) return nullptr;
-    Json json = keyNameJson(key->keys[0]);
-    json["runnerUpDistance"] = key->runnerUpDistance();
-    json["ranking"] = rankingJson(*key);
-    json["notes"] = notesJson(*key);
-    return json;
 }
 
 Json colorsJson(const std::vector<WavePoint>& wave) {
@@ -136,25 +77,13 @@ Json wavesJson(const AnalysisResult& analysis) {
 
 Json trackJson(const TrackReport& report, bool withWaves) {
     const AnalysisResult& analysis = report.analysis;
-    Json track = nameJson(report.path);
-    track["audio"] = audioJson(report.format);
-    track["partial"] = report.isCutOff;
-    track["damagedPackets"] = report.damagedPackets;
-    track["sampleRate"] = analysis.rate;
-    track["frames"] = analysis.frames;
-    track["seconds"] = analysis.seconds();
+    Json track = trackFileJson(report, analysis.frames);
     if (report.options.tempo != TempoMode::off) {
         track["tempo"] = tempoJson(report);
         track["beats"] = beatsJson(analysis);
     }
     if (report.options.wantsKey) track["key"] = keyJson(analysis.key);
     if (withWaves) track["waves"] = wavesJson(analysis);
-    return track;
-}
-
-Json failureJson(const std::string& path, const std::string& reason) {
-    Json track = nameJson(path);
-    track["error"] = reason;
     return track;
 }
 

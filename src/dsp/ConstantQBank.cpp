@@ -6,43 +6,37 @@
 #include <cmath>
 #include <cstddef>
 #include <limits>
+#include <numeric>
 
 #include "beatatlas/dsp.h"
+#include "dsp/constantQLanes.h"
 #include "dsp/constants.h"
+#include "dsp/narrowedCosine.h"
 #include "dsp/truncation.h"
 
 namespace beatatlas {
 
 namespace {
 
-/** Windows summed side by side: each sum keeps its own order, and the processor is not kept waiting for one. */
-constexpr int kFramesAtOnce = 4;
-
-/** Cosine and sine sums of kFrames stretches of x, hop samples apart, against one kernel of len points. */
-template <std::size_t kFrames>
-std::array<float, 2 * kFrames> correlate(const float* kernel, int len, const float* x,
-                                         std::ptrdiff_t hop) {
-    std::array<float, 2 * kFrames> sums{};
-    for (std::ptrdiff_t i = 0; i < len; ++i) {
-        const float cosine = kernel[2 * i];
-        const float sine = kernel[2 * i + 1];
-        for (std::size_t f = 0; f < kFrames; ++f) {
-            const float sample = x[i + static_cast<std::ptrdiff_t>(f) * hop];
-            sums[2 * f] += sample * cosine;
-            sums[2 * f + 1] += sample * sine;
+/** The kernel of one bin, cosine and sine in turn: height of the window times the tone at hz. */
+void fillKernel(float hz, float rate, int length, const float* window, float* point) {
+    const double turns = (2.0 * kPi) * static_cast<double>(hz);
+    std::array<double, 256> angles{};
+    std::array<float, 256> cosines{};
+    std::array<float, 256> sines{};
+    constexpr int kAtOnce = static_cast<int>(angles.size());
+    for (int from = 0; from < length; from += kAtOnce) {
+        const int count = std::min(kAtOnce, length - from);
+        for (int i = 0; i < count; ++i) {
+            const float seconds = (static_cast<float>(from + i) + 1.0F) / rate;
+            angles[static_cast<std::size_t>(i)] = turns * static_cast<double>(seconds);
         }
-    }
-    return sums;
-}
-
-template <std::size_t kFrames>
-void writeMagnitudes(const float* kernel, int len, const float* x, std::ptrdiff_t hop, float weight,
-                     float* out) {
-    const auto sums = correlate<kFrames>(kernel, len, x, hop);
-    for (std::size_t f = 0; f < kFrames; ++f) {
-        const float re = sums[2 * f];
-        const float im = sums[2 * f + 1];
-        out[f] = std::sqrt((re * re) + (im * im)) * weight;
+        narrowedTone(angles.data(), cosines.data(), sines.data(), count);
+        for (int i = 0; i < count; ++i) {
+            const float height = window[from + i];
+            *point++ = height * cosines[static_cast<std::size_t>(i)];
+            *point++ = height * sines[static_cast<std::size_t>(i)];
+        }
     }
 }
 
@@ -66,35 +60,38 @@ int ConstantQBank::frameCount(long n, int hop) const {
     return static_cast<int>(std::min<long>(count, std::numeric_limits<int>::max()));
 }
 
-void ConstantQBank::makeKernel(int k) {
-    const int len = windowLength(k);
-    const auto frame = static_cast<std::size_t>(frameLength());
-    window_.resize(frame);
-    kernel_.resize(2 * frame);
-    hanning(len, window_.data());
-    const double turns =
-        (2.0 * kPi) * static_cast<double>(frequencies_[static_cast<std::size_t>(k)]);
-    float* point = kernel_.data();
-    for (int i = 0; i < len; ++i) {
-        const float seconds = (static_cast<float>(i) + 1.0F) / rate_;
-        const double angle = turns * static_cast<double>(seconds);
-        const float height = window_[static_cast<std::size_t>(i)];
-        *point++ = height * static_cast<float>(std::cos(angle));
-        *point++ = height * static_cast<float>(std::sin(angle));
+std::vector<float> ConstantQBank::kernels() const {
+    const auto points = std::accumulate(lengths_.begin(), lengths_.end(), std::size_t{0});
+    std::vector<float> all(2 * points);
+    std::vector<float> window(static_cast<std::size_t>(frameLength()));
+    float* kernel = all.data();
+    for (std::size_t k = 0; k < lengths_.size(); ++k) {
+        hanning(lengths_[k], window.data());
+        fillKernel(frequencies_[k], rate_, lengths_[k], window.data(), kernel);
+        kernel += 2 * static_cast<std::ptrdiff_t>(lengths_[k]);
     }
+    return all;
 }
 
-void ConstantQBank::magnitudes(int k, const float* first, int hop, int frames, float* out) {
-    makeKernel(k);
-    const int len = windowLength(k);
-    const float weight = static_cast<float>(frameLength()) / static_cast<float>(len);
-    const std::ptrdiff_t step = hop;
-    std::ptrdiff_t j = 0;
-    for (; frames - j >= kFramesAtOnce; j += kFramesAtOnce)
-        writeMagnitudes<kFramesAtOnce>(kernel_.data(), len, first + (j * step), step, weight,
-                                       out + j);
-    for (; j < frames; ++j)
-        writeMagnitudes<1>(kernel_.data(), len, first + (j * step), step, weight, out + j);
+void ConstantQBank::magnitudes(const float* samples, int hop, int frames, Place place,
+                               float* rows) const {
+    if (frames <= 0) return;
+    const std::vector<float> points = kernels();
+    std::vector<ConstantQBin> bins;
+    const float* kernel = points.data();
+    for (const int length : lengths_) {
+        const int start = place == Place::start ? 0 : (frameLength() / 2) - (length / 2);
+        bins.push_back({kernel, start, length});
+        kernel += 2 * static_cast<std::ptrdiff_t>(length);
+    }
+    std::vector<ConstantQSums> sums(bins.size() * static_cast<std::size_t>(frames));
+    correlateFrames(bins, frameLength(), samples, hop, frames, sums.data());
+    for (std::size_t i = 0; i < sums.size(); ++i) {
+        const ConstantQBin& bin = bins[i / static_cast<std::size_t>(frames)];
+        const float weight = static_cast<float>(frameLength()) / static_cast<float>(bin.length);
+        const ConstantQSums& s = sums[i];
+        rows[i] = std::sqrt((s.re * s.re) + (s.im * s.im)) * weight;
+    }
 }
 
 }  // namespace beatatlas

@@ -14,7 +14,7 @@ namespace beatatlas {
  *  would be faster and would round otherwise.
  *
  *  Cost: per frame two products per sample of each window; about 950,000 samples for six octaves from 27.5 Hz at
- *  44,100 Hz. Memory: one kernel, two floats per sample of the longest window. */
+ *  44,100 Hz. Memory: two floats per sample of all windows. */
 class ConstantQBank {
 public:
     /** @param bins      semitone bins upward from lowestHz, above 0
@@ -33,19 +33,21 @@ public:
     int windowLength(int k) const { return lengths_[static_cast<std::size_t>(k)]; }
     int frameLength() const { return windowLength(0); }
 
-    /** Fills out with the magnitudes of bin k in frames stretches that start at first, first + hop …, each
-     *  weighed by the ratio of the frame's length to the window's. */
-    void magnitudes(int k, const float* first, int hop, int frames, float* out);
+    /** Where in the frame the windows lie that are shorter than it. */
+    enum class Place { start, middle };
+
+    /** The magnitudes of all bins in frames frames that start at samples, samples + hop …, each weighed by the ratio of
+     *  the frame's length to the window's.
+     *  @param rows  receives the frames of bin 0, then those of bin 1 … */
+    void magnitudes(const float* samples, int hop, int frames, Place place, float* rows) const;
 
 private:
-    void makeKernel(int k);
+    std::vector<float> kernels() const;
 
     float rate_;
     bool usable_ = false;
     std::vector<float> frequencies_;     // Hz, one more than bins
     std::vector<std::int32_t> lengths_;  // samples
-    std::vector<float> window_;
-    std::vector<float> kernel_;  // cosine and sine in turn, windowed
 };
 
 }  // namespace beatatlas

@@ -3,10 +3,11 @@
 
 #include <algorithm>
 #include <cassert>
-#include <cstddef>
 #include <cstring>
 
 #include "dsp/IirPassFilter.h"
+#include "dsp/SecondOrderSection.h"
+#include "dsp/filterBankTile.h"
 #include "dsp/isConstant.h"
 
 namespace beatatlas {
@@ -16,70 +17,113 @@ namespace {
 constexpr int kShortSections = 2;
 constexpr int kLongSections = 4;
 
-constexpr int sectionsOf(int cascade) {
-    return cascade == FilterBank::kLongCascade ? kLongSections : kShortSections;
+// By cascade, those over the 16-bit signal last.
+constexpr std::array<int, FilterBank::kCascades + FilterBank::kLevels> kSections = {kShortSections,
+                                                                                    kShortSections,
+                                                                                    kShortSections,
+                                                                                    kShortSections,
+                                                                                    kLongSections,
+                                                                                    kShortSections,
+                                                                                    1,
+                                                                                    1};
+
+void startLane(FilterBankLanes& lanes, std::size_t lane) {
+    for (FilterBankLanes::Row* past : {&lanes.x1, &lanes.x2, &lanes.y1, &lanes.y2})
+        (*past)[lane] = 0.0;
+}
+
+template <class Value, std::size_t count>
+void repeatFirst(const std::array<Value*, count>& outputs, int n) {
+    for (Value* out : outputs)
+        if (out != nullptr) std::fill_n(out + 1, n - 1, *out);
+}
+
+template <class Value, std::size_t count>
+std::array<Value*, count> behindFirst(std::array<Value*, count> outputs) {
+    for (Value*& out : outputs)
+        if (out != nullptr) ++out;
+    return outputs;
 }
 
 }  // namespace
 
 void FilterBank::design(int cascade, const IirPassFilter& plain) {
-    assert(plain.stageCount() == sectionsOf(cascade));
-    for (int section = 0; section < sectionsOf(cascade); ++section) {
+    const auto c = static_cast<std::size_t>(cascade);
+    assert(plain.stageCount() == kSections[c]);
+    for (int section = 0; section < kSections[c]; ++section) {
         const IirFilter& from = plain.stage(section);
-        const FilterBankPlace place = filterBankPlace(cascade, section);
-        SectionLanes& to = lanes_.*place.vector;
-        to.b0[place.lane] = from.b0();
-        to.b1[place.lane] = from.b1();
-        to.b2[place.lane] = from.b2();
-        to.a1[place.lane] = from.a1();
-        to.a2[place.lane] = from.a2();
-        for (DoubleLanes* past : {&to.x1, &to.x2, &to.y1, &to.y2}) (*past)[place.lane] = 0.0;
+        const std::size_t lane = kFilterBankPlaces[c][static_cast<std::size_t>(section)];
+        lanes_.b0[lane] = from.b0();
+        lanes_.b1[lane] = from.b1();
+        lanes_.b2[lane] = from.b2();
+        lanes_.a1[lane] = from.a1();
+        lanes_.a2[lane] = from.a2();
+        startLane(lanes_, lane);
+    }
+}
+
+void FilterBank::designLevel(Level level, const SecondOrderSection& plain) {
+    const auto c = static_cast<std::size_t>(kCascades + level);
+    for (int section = 0; section < kSections[c]; ++section) {
+        const std::size_t lane = kFilterBankPlaces[c][static_cast<std::size_t>(section)];
+        lanes_.b0[lane] = plain.b0;
+        lanes_.b1[lane] = plain.b1;
+        lanes_.b2[lane] = plain.b2;
+        lanes_.a1[lane] = plain.a1;
+        lanes_.a2[lane] = plain.a2;
+        startLane(lanes_, lane);
     }
 }
 
 // In silence the sections die away to numbers so small that a processor takes a hundred times as long for each, and
 // there they stay for ever: rounded toward zero, what feeds back equals what is there. A frame that leaves every
 // section as it was tells that all frames like it will, with the same outputs.
-void FilterBank::operate(const float* in, const Outputs& outputs, int n) {
+void FilterBank::operate(const float* mono, const std::int16_t* stereo, const Outputs& outputs,
+                         const LevelOutputs& levels, int n) {
     if (n <= 0) return;
-    if (!isConstant(in, n)) return filter(in, outputs, n);
+    const bool isSteady = isConstant(mono, n) && (stereo == nullptr || isConstant(stereo, 2 * n));
+    if (!isSteady || n == 1) return filter(mono, stereo, outputs, levels, n);
     const FilterBankLanes before = lanes_;
-    filter(in, outputs, 1);
-    const bool rests = std::memcmp(&before, &lanes_, sizeof lanes_) == 0;
-    Outputs others{};
-    for (std::size_t c = 0; c < kCascades; ++c) {
-        if (outputs[c] == nullptr) continue;
-        others[c] = outputs[c] + 1;
-        if (rests) std::fill_n(others[c], n - 1, outputs[c][0]);
+    filter(mono, stereo, outputs, levels, 1);
+    if (std::memcmp(&before, &lanes_, sizeof lanes_) == 0) {
+        repeatFirst(outputs, n);
+        repeatFirst(levels, n);
+    } else {
+        filter(mono + 1, stereo == nullptr ? nullptr : stereo + 2, behindFirst(outputs),
+               behindFirst(levels), n - 1);
     }
-    if (!rests && n > 1) filter(in + 1, others, n - 1);
 }
 
-void FilterBank::filter(const float* in, const Outputs& outputs, int n) {
-    float unread[4];
-    FilterBankSinks sinks;
-    bool allRead = true;
-    for (std::size_t c = 0; c < kCascades; ++c) {
-        sinks[c] =
-            outputs[c] != nullptr ? FilterBankSink{outputs[c], -1} : FilterBankSink{unread, 0};
-        allRead = allRead && outputs[c] != nullptr;
-    }
+void FilterBank::filter(const float* mono, const std::int16_t* stereo, const Outputs& outputs,
+                        const LevelOutputs& levels, int n) {
     const FilterBankLanes before = lanes_;
-    filterBankKernel()(lanes_, in, sinks, n);
-    if (allRead) return;
-    for (int c = 0; c < kCascades; ++c)
-        if (outputs[static_cast<std::size_t>(c)] == nullptr) forgetBlock(c, before);
+    FilterBankTile tile;
+    for (int first = 0; first < n; first += FilterBankTile::kSteps) {
+        const int left = n - first;
+        const int steps =
+            left <= FilterBankTile::kSteps ? left + kFilterBankDepth : FilterBankTile::kSteps;
+        const FilterBankStretch stretch{first, steps, n};
+        fillTile(tile, stretch, mono, stereo);
+        runFilterBank(lanes_, tile, stretch);
+        readBands(tile, stretch, {outputs[0], outputs[1], outputs[2], outputs[3]});
+        if (outputs[kLongCascade] != nullptr) readLongBand(tile, stretch, outputs[kLongCascade]);
+        if (levels[kTwice] != nullptr) readLevels(tile.p, stretch, 1, levels[kTwice]);
+        if (levels[kOnce] != nullptr) readLevels(tile.q, stretch, 0, levels[kOnce]);
+        if (levels[kWhole] != nullptr) readLevels(tile.b, stretch, 0, levels[kWhole]);
+    }
+    for (std::size_t c = 0; c < kCascades; ++c)
+        if (outputs[c] == nullptr) forgetBlock(c, before);
+    for (std::size_t c = 0; c < kLevels; ++c)
+        if (levels[c] == nullptr) forgetBlock(kCascades + c, before);
 }
 
-void FilterBank::forgetBlock(int cascade, const FilterBankLanes& before) {
-    for (int section = 0; section < sectionsOf(cascade); ++section) {
-        const FilterBankPlace place = filterBankPlace(cascade, section);
-        SectionLanes& now = lanes_.*place.vector;
-        const SectionLanes& then = before.*place.vector;
-        now.x1[place.lane] = then.x1[place.lane];
-        now.x2[place.lane] = then.x2[place.lane];
-        now.y1[place.lane] = then.y1[place.lane];
-        now.y2[place.lane] = then.y2[place.lane];
+void FilterBank::forgetBlock(std::size_t cascade, const FilterBankLanes& before) {
+    for (int section = 0; section < kSections[cascade]; ++section) {
+        const std::size_t lane = kFilterBankPlaces[cascade][static_cast<std::size_t>(section)];
+        lanes_.x1[lane] = before.x1[lane];
+        lanes_.x2[lane] = before.x2[lane];
+        lanes_.y1[lane] = before.y1[lane];
+        lanes_.y2[lane] = before.y2[lane];
     }
 }
 

@@ -8,8 +8,8 @@
 
 namespace beatatlas::fft {
 
-/** The power spectrum of real values: what transform() of fftCore.h gives with imaginary parts of zero, divided by
- *  the length, as squared magnitudes; bit for bit, in every rounding mode that treats both signs alike.
+/** The power spectrum of real, finite values: what transform() of fftCore.h gives with imaginary parts of zero,
+ *  divided by the length, as squared magnitudes; bit for bit, in every rounding mode that treats both signs alike.
  *
  *  transform() joins spectra of ever more values, from single ones upward. Of real values the spectrum is its own
  *  mirror image, bin n - b of n the conjugate of bin b: transform() computes both by operations that differ in signs
@@ -17,8 +17,8 @@ namespace beatatlas::fft {
  *  first and the last of them real. What can differ are the signs of zeros, which no square shows.
  *
  *  While spectra are short, bin b of all of them lies in two rows, one of real and one of imaginary parts; rows are
- *  joined with one twiddle factor, many spectra at a time. When eight spectra are left, their rows are turned, and the
- *  last three stages take neighbouring bins at a time.
+ *  joined with one twiddle factor, many spectra at a time (realSpectrumEarly.cpp). When eight spectra are left, their
+ *  rows are turned, and the last three stages take neighbouring bins at a time (realSpectrumLate.cpp).
  *
  *  Memory: half of a sine table and a list of rows beside the table, made in create(). */
 class RealSpectrum {
@@ -55,9 +55,12 @@ private:
     struct LateStages;
 
     static constexpr std::int64_t kLateSpectra = 8;
+    static constexpr std::int64_t kNoRow = -1;  // of imaginary parts: the bin is real
 
     std::int64_t earlyBins() const { return size_ / kLateSpectra / 2; }
     void layRows();
+    void joinEarly(double* values) const;
+    void joinLate(const double* values, double* power) const;
 
     /** For a bin where the next one lies so many entries of the sine table further on. */
     Factor factor(std::int64_t bin, std::int64_t entries) const {
@@ -67,8 +70,7 @@ private:
 
     std::int64_t size_ = 0;
     const double* sineTable_ = nullptr;
-    CArray<Rows>
-        rows_;  // complex bins in the order in which they come up: a stage has the first of them
+    CArray<Rows> rows_;           // complex bins as they come up: a stage has the first of them
     CArray<Rows> lateRows_;       // bins 0 … earlyBins() by number, after the early stages
     CArray<double> everySecond_;  // of the sine table's entries, as far as sines and cosines reach
     CArray<double> everyFourth_;

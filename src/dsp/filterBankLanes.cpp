@@ -1,160 +1,219 @@
 // SPDX-License-Identifier: MIT
+// One bank for each number of lanes in a register. They differ in how the sixteen lanes are dealt to registers, and
+// so in which exchange between registers brings each section its input; the arithmetic is the same. step() has
+// take(sections, inputs) done for every register, where `late` is what inner(), the register of Lb and Lc, gave two
+// steps ago; write() puts down what the step gave.
 #include "dsp/filterBankLanes.h"
 
-#include <cmath>
-#include <cstring>
+#include <algorithm>
 
-#include "dsp/VectorForm.h"
+#include "dsp/filterBankSections.h"
 
 namespace beatatlas {
 
 namespace {
 
-using FloatLanes = float __attribute__((vector_size(16)));
-using IntLanes = std::int32_t __attribute__((vector_size(16)));
-using LongLanes = std::int64_t __attribute__((vector_size(32)));
-
-constexpr int kGroup = 4;
-// Steps from the first section's taking a sample to the last one's.
-constexpr int kDepth = 3;
-
-/** The operations of IirFilter::operate, in its order. */
-BEATATLAS_LANES void outputOf(const SectionLanes& s, const DoubleLanes& x, DoubleLanes& y) {
-    y = ((((s.b0 * x) + (s.b1 * s.x1)) + (s.b2 * s.x2)) - (s.a1 * s.y1)) - (s.a2 * s.y2);
-}
-
-BEATATLAS_LANES void take(SectionLanes& s, const DoubleLanes& x) {
-    DoubleLanes y;
-    outputOf(s, x, y);
-    s.x2 = s.x1;
-    s.x1 = x;
-    s.y2 = s.y1;
-    s.y1 = y;
-}
-
-BEATATLAS_LANES void choose(const LongLanes& active, const DoubleLanes& yes, DoubleLanes& value) {
-    value = active ? yes : value;
-}
-
-/** As take(), in the active lanes only; the others rest. */
-BEATATLAS_LANES void takeWhere(const LongLanes& active, SectionLanes& s, const DoubleLanes& x) {
-    SectionLanes after = s;
-    take(after, x);
-    choose(active, after.x1, s.x1);
-    choose(active, after.x2, s.x2);
-    choose(active, after.y1, s.y1);
-    choose(active, after.y2, s.y2);
-}
-
-/** What the three vectors take in a step: the sample, and what other sections gave in the step before. */
-struct Inputs {
-    BEATATLAS_LANES Inputs(const FilterBankLanes& lanes, float sample) {
-        const auto x = static_cast<double>(sample);
-        first = DoubleLanes{x, x, x, x};
-        second = lanes.first.y1;
-        const DoubleLanes firstAndLb = __builtin_shufflevector(first, lanes.second.y1, 0, 7, 0, 7);
-        third = __builtin_shufflevector(firstAndLb, lanes.third.y1, 0, 1, 4, 5);
-    }
-
-    DoubleLanes first, second, third;
+/** The sample that a step brings in, one for each of the three signals. */
+struct Sample {
+    double mono;
+    double mean;
+    double whole;
 };
 
-BEATATLAS_LANES void step(FilterBankLanes& lanes, float sample) {
-    const Inputs in(lanes, sample);
-    take(lanes.third, in.third);
-    take(lanes.second, in.second);
-    take(lanes.first, in.first);
-}
+template <std::size_t kWidth>
+struct Bank;
 
-BEATATLAS_LANES void storeRectified(const FloatLanes& row, float* out) {
-    IntLanes bits;
-    std::memcpy(&bits, &row, sizeof bits);
-    bits &= 0x7fffffff;
-    std::memcpy(out, &bits, sizeof bits);
-}
-
-/** Four steps in which every lane is active, the first of them step t. */
-BEATATLAS_LANES void stepGroup(FilterBankLanes& lanes, const float* in,
-                               const FilterBankSinks& sinks, std::ptrdiff_t t) {
-    FloatLanes ends[kGroup];   // of S0 to S2, and a section in the middle of L
-    FloatLanes tails[kGroup];  // of S3 and L, in the upper half
-    for (int k = 0; k < kGroup; ++k) {
-        step(lanes, in[t + k]);
-        ends[k] = __builtin_convertvector(lanes.second.y1, FloatLanes);
-        tails[k] = __builtin_convertvector(lanes.third.y1, FloatLanes);
+/** B Pa Q La S0a … S3a; Ld Pb Lc Lb S0b … S3b. */
+template <>
+struct Bank<8> {
+    template <class Take>
+    BEATATLAS_LANES void step(const Sample& in, const Doubles<8>& late, Take take) {
+        const double a = in.mono;
+        const double b = in.mean;
+        const double c = in.whole;
+        Doubles<8> x = {a, a, a, a, a, a, a, a};
+        const Doubles<8> mean = {b, b, b, b, b, b, b, b};
+        const Doubles<8> whole = {c, c, c, c, c, c, c, c};
+        choose<8>(hearMean, mean, x);
+        choose<8>(hearWhole, whole, x);
+        const Doubles<8> given = __builtin_shufflevector(front.y1, late, 10, 1, 11, 3, 4, 5, 6, 7);
+        take(back, given);
+        take(front, x);
     }
-    const FloatLanes s01a = __builtin_shufflevector(ends[0], ends[1], 0, 4, 1, 5);
-    const FloatLanes s01b = __builtin_shufflevector(ends[2], ends[3], 0, 4, 1, 5);
-    const FloatLanes s2a = __builtin_shufflevector(ends[0], ends[1], 2, 6, 3, 7);
-    const FloatLanes s2b = __builtin_shufflevector(ends[2], ends[3], 2, 6, 3, 7);
-    const FloatLanes s3La = __builtin_shufflevector(tails[0], tails[1], 2, 6, 3, 7);
-    const FloatLanes s3Lb = __builtin_shufflevector(tails[2], tails[3], 2, 6, 3, 7);
-    storeRectified(__builtin_shufflevector(s01a, s01b, 0, 1, 4, 5), sinks[0].at(t - 1));
-    storeRectified(__builtin_shufflevector(s01a, s01b, 2, 3, 6, 7), sinks[1].at(t - 1));
-    storeRectified(__builtin_shufflevector(s2a, s2b, 0, 1, 4, 5), sinks[2].at(t - 1));
-    storeRectified(__builtin_shufflevector(s3La, s3Lb, 0, 1, 4, 5), sinks[3].at(t - 1));
-    storeRectified(__builtin_shufflevector(s3La, s3Lb, 2, 3, 6, 7), sinks[4].at(t - kDepth));
-}
 
-/** One step near the border of a block of n samples. */
-BEATATLAS_LANES void stepAtBorder(FilterBankLanes& lanes, const float* in,
-                                  const FilterBankSinks& sinks, std::ptrdiff_t t,
-                                  std::ptrdiff_t n) {
-    const auto has = [t, n](std::ptrdiff_t delay) {
-        return static_cast<std::int64_t>(-(t >= delay && t - delay < n));
-    };
-    const std::int64_t now = has(0);
-    const std::int64_t oneBack = has(1);
-    const Inputs x(lanes, t < n ? in[t] : 0.0F);
-    takeWhere(LongLanes{now, has(2), oneBack, has(kDepth)}, lanes.third, x.third);
-    takeWhere(LongLanes{oneBack, oneBack, oneBack, oneBack}, lanes.second, x.second);
-    takeWhere(LongLanes{now, now, now, now}, lanes.first, x.first);
-    if (oneBack != 0) {
-        for (int s = 0; s < 3; ++s)
-            *sinks[static_cast<std::size_t>(s)].at(t - 1) =
-                std::fabs(static_cast<float>(lanes.second.y1[s]));
-        *sinks[3].at(t - 1) = std::fabs(static_cast<float>(lanes.third.y1[2]));
+    BEATATLAS_LANES void write(FilterBankTile& tile, std::size_t k) const {
+        tile.b[k] = front.y1[0];
+        tile.q[k] = front.y1[2];
+        tile.l[k] = back.y1[0];
+        tile.p[k] = back.y1[1];
+        storeLanes(__builtin_convertvector(back.y1, Narrow), tile.s[k].data());
     }
-    if (has(kDepth) != 0)
-        *sinks[4].at(t - kDepth) = std::fabs(static_cast<float>(lanes.third.y1[3]));
-}
 
-BEATATLAS_LANES void run(FilterBankLanes& state, const float* in, const FilterBankSinks& sinks,
-                         int count) {
-    FilterBankLanes lanes = state;
-    const std::ptrdiff_t n = count;
-    std::ptrdiff_t t = 0;
-    for (; t < kDepth; ++t) stepAtBorder(lanes, in, sinks, t, n);
-    for (; t + kGroup <= n; t += kGroup) stepGroup(lanes, in, sinks, t);
-    for (; t < n + kDepth; ++t) stepAtBorder(lanes, in, sinks, t, n);
-    state = lanes;
-}
+    template <class Each>
+    BEATATLAS_LANES void forAll(Each each) {
+        each(front, 0);
+        each(back, 8);
+    }
 
-void runBaseline(FilterBankLanes& lanes, const float* in, const FilterBankSinks& sinks, int n) {
-    run(lanes, in, sinks, n);
-}
+    // From memory, so that the compiler takes the samples into chosen lanes instead of composing a register.
+    BEATATLAS_LANES void prepare(const FilterBankLanes& lanes) {
+        loadLanes(hearMean, lanes.hearMean.data());
+        loadLanes(hearWhole, lanes.hearWhole.data());
+    }
 
-#if BEATATLAS_WIDE_FORMS
-BEATATLAS_AVX2 void runAvx2(FilterBankLanes& lanes, const float* in, const FilterBankSinks& sinks,
-                            int n) {
-    run(lanes, in, sinks, n);
-}
+    BEATATLAS_LANES Sections<8>& inner() { return back; }
 
-BEATATLAS_AVX512 void runAvx512(FilterBankLanes& lanes, const float* in,
-                                const FilterBankSinks& sinks, int n) {
-    run(lanes, in, sinks, n);
-}
-#endif
+    using Narrow = Lanes<float, 8>;
+    using Integers = Lanes<std::int64_t, 8>;
+    Sections<8> front, back;
+    Integers hearMean, hearWhole;
+};
+
+/** B Pa Q La; S0a … S3a; Ld Pb Lc Lb; S0b … S3b. */
+template <>
+struct Bank<4> {
+    template <class Take>
+    BEATATLAS_LANES void step(const Sample& in, const Doubles<4>& late, Take take) {
+        const Doubles<4> mono = {in.mono, in.mono, in.mono, in.mono};
+        const Doubles<4> mean = {in.mean, in.mean, in.mean, in.mean};
+        const Doubles<4> whole = {in.whole, in.whole, in.whole, in.whole};
+        const Doubles<4> monoAndMean = __builtin_shufflevector(mono, mean, 0, 5, 6, 3);
+        const Doubles<4> x = __builtin_shufflevector(monoAndMean, whole, 4, 1, 2, 3);
+        const Doubles<4> given = __builtin_shufflevector(first.y1, late, 6, 1, 7, 3);
+        take(fourth, second.y1);
+        take(third, given);
+        take(first, x);
+        take(second, mono);
+    }
+
+    BEATATLAS_LANES void write(FilterBankTile& tile, std::size_t k) const {
+        tile.b[k] = first.y1[0];
+        tile.q[k] = first.y1[2];
+        tile.l[k] = third.y1[0];
+        tile.p[k] = third.y1[1];
+        storeLanes(__builtin_convertvector(fourth.y1, Narrow), tile.s[k].data() + 4);
+    }
+
+    template <class Each>
+    BEATATLAS_LANES void forAll(Each each) {
+        each(first, 0);
+        each(second, 4);
+        each(third, 8);
+        each(fourth, 12);
+    }
+
+    BEATATLAS_LANES void prepare(const FilterBankLanes& /*lanes*/) {}
+
+    BEATATLAS_LANES Sections<4>& inner() { return third; }
+
+    using Narrow = Lanes<float, 4>;
+    Sections<4> first, second, third, fourth;
+};
+
+/** Pairs in the order of the lanes. */
+template <>
+struct Bank<2> {
+    template <class Take>
+    BEATATLAS_LANES void step(const Sample& in, const Doubles<2>& late, Take take) {
+        const Doubles<2> wholeAndMean = {in.whole, in.mean};
+        const Doubles<2> meanAndMono = {in.mean, in.mono};
+        const Doubles<2> mono = {in.mono, in.mono};
+        const Doubles<2> givenToLdPb = __builtin_shufflevector(late, pairs[0].y1, 0, 3);
+        const Doubles<2> givenToLcLb = __builtin_shufflevector(late, pairs[1].y1, 1, 3);
+        take(pairs[6], pairs[2].y1);
+        take(pairs[7], pairs[3].y1);
+        take(pairs[4], givenToLdPb);
+        take(pairs[5], givenToLcLb);
+        take(pairs[0], wholeAndMean);
+        take(pairs[1], meanAndMono);
+        take(pairs[2], mono);
+        take(pairs[3], mono);
+    }
+
+    BEATATLAS_LANES void write(FilterBankTile& tile, std::size_t k) const {
+        tile.b[k] = pairs[0].y1[0];
+        tile.q[k] = pairs[1].y1[0];
+        tile.l[k] = pairs[4].y1[0];
+        tile.p[k] = pairs[4].y1[1];
+        storeLanes(__builtin_convertvector(pairs[6].y1, Pair), tile.s[k].data() + 4);
+        storeLanes(__builtin_convertvector(pairs[7].y1, Pair), tile.s[k].data() + 6);
+    }
+
+    template <class Each>
+    BEATATLAS_LANES void forAll(Each each) {
+        for (std::size_t i = 0; i < 8; ++i) each(pairs[i], 2 * i);
+    }
+
+    BEATATLAS_LANES void prepare(const FilterBankLanes& /*lanes*/) {}
+
+    BEATATLAS_LANES Sections<2>& inner() { return pairs[5]; }
+
+    using Pair = Lanes<float, 2>;
+    Sections<2> pairs[8];
+};
+
+template <std::size_t kWidth>
+struct RunFilterBank {
+    BEATATLAS_LANES static void run(FilterBankLanes* lanes, FilterBankTile* tile,
+                                    const FilterBankStretch* stretch) {
+        Bank<kWidth> bank;
+        bank.prepare(*lanes);
+        bank.forAll([lanes](auto& sections, std::size_t first)
+                        __attribute__((always_inline)) { sections.load(*lanes, first); });
+        // In a block shorter than the lanes are deep all steps are border.
+        const int front = stretch->n > kFilterBankDepth ? kFilterBankDepth : stretch->steps;
+        const int atFront = std::clamp(front - stretch->first, 0, stretch->steps);
+        const int inside = std::clamp(stretch->n - stretch->first, atFront, stretch->steps);
+        int k = stepsAtBorder(bank, *tile, *stretch, 0, atFront);
+        for (; k + 4 <= inside; k += 4) {
+            stepInside(bank, *tile, k);
+            stepInside(bank, *tile, k + 1);
+            stepInside(bank, *tile, k + 2);
+            stepInside(bank, *tile, k + 3);
+        }
+        stepsAtBorder(bank, *tile, *stretch, k, stretch->steps);
+        bank.forAll([lanes](auto& sections, std::size_t first)
+                        __attribute__((always_inline)) { sections.store(*lanes, first); });
+    }
+
+    BEATATLAS_LANES static Sample sampleOf(const FilterBankTile& tile, std::size_t k) {
+        return {tile.mono[k], tile.mean[k], tile.whole[k]};
+    }
+
+    BEATATLAS_LANES static void stepInside(Bank<kWidth>& bank, FilterBankTile& tile, int step) {
+        const auto k = static_cast<std::size_t>(step);
+        const Doubles<kWidth> late = bank.inner().y2;
+        bank.step(
+            sampleOf(tile, k), late,
+            [](auto& sections, const auto& x) __attribute__((always_inline)) { sections.take(x); });
+        bank.write(tile, k);
+    }
+
+    /** Steps from..to-1 of the tile, in any of which some lanes may rest; a resting lane goes on giving what it has.
+     *  Returns `to`. */
+    BEATATLAS_LANES static int stepsAtBorder(Bank<kWidth>& bank, FilterBankTile& tile,
+                                             const FilterBankStretch& stretch, int from, int to) {
+        Doubles<kWidth> late = bank.inner().y2;
+        for (int step = from; step < to; ++step) {
+            const Doubles<kWidth> later = bank.inner().y1;
+            const auto k = static_cast<std::size_t>(step);
+            const std::int64_t t = stretch.first + step;
+            const std::int64_t n = stretch.n;
+            bank.step(
+                sampleOf(tile, k), late,
+                [ t, n ](auto& sections, const auto& x)
+                    __attribute__((always_inline)) { sections.takeAtBorder(x, t, n); });
+            bank.write(tile, k);
+            late = later;
+        }
+        return to;
+    }
+};
 
 }  // namespace
 
-FilterBankKernel filterBankKernel() {
-#if BEATATLAS_WIDE_FORMS
-    const VectorForm form = vectorForm();
-    if (form == VectorForm::avx512) return runAvx512;
-    if (form == VectorForm::avx2) return runAvx2;
-#endif
-    return runBaseline;
+void runFilterBank(FilterBankLanes& lanes, FilterBankTile& tile, const FilterBankStretch& stretch) {
+    runInLanes<RunFilterBank>(&lanes, &tile, &stretch);
 }
 
 }  // namespace beatatlas

@@ -5,61 +5,70 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "dsp/vectorLanes.h"
+
 namespace beatatlas {
 
-using DoubleLanes = double __attribute__((vector_size(32)));
-
-/** One second-order section in each lane; as IirFilter, but for the lanes. */
-struct SectionLanes {
-    DoubleLanes b0, b1, b2, a1, a2;
-    DoubleLanes x1, x2, y1, y2;
-};
-
-/** The twelve sections of a FilterBank, three vectors of four.
+/** The sixteen sections of a FilterBank, one in each lane; as IirFilter, but for the lanes.
  *
- *  Successive sections of a cascade work one sample apart: while the first takes sample t, the second takes sample
- *  t − 1, which the first gave in the step before. In the same lane of the next vector that needs no exchange between
- *  lanes. S0 … S3 are the cascades of two sections, L is that of four, a to d are their sections:
+ *  Successive sections of a cascade work some samples apart: the first takes sample t, the others what the section
+ *  before them gave one or two steps ago. S0 … S3 and L are the cascades over the mono signal, P, Q and B those over
+ *  the 16-bit signal; a to d are their sections:
  *
- *      first    S0a  S1a  S2a  La       sample t
- *      second   S0b  S1b  S2b  Lb       sample t − 1
- *      third    S3a  Lc   S3b  Ld       samples t, t − 2, t − 1 and t − 3
+ *      lanes 0 to 7     B    Pa   Q    La   S0a  S1a  S2a  S3a    sample t
+ *      lanes 8 to 15    Ld   Pb   Lc   Lb   S0b  S1b  S2b  S3b    sample t − 1; Lc t − 3, Ld t − 5
  *
- *  At the borders of a block lanes whose sample lies outside it rest, so that every section has taken exactly the
- *  samples of the block when the call returns. */
+ *  Lc and Ld take an output of their own half of the lanes. A register of eight lanes is ready only when the slowest
+ *  of them is, so they take the output before the last: the one way through all five coefficients then spreads over
+ *  two steps, which the feedback of every section takes anyway. */
 struct FilterBankLanes {
-    SectionLanes first, second, third;
+    static constexpr std::size_t kLanes = 16;
+    using Row = std::array<double, kLanes>;
+
+    Row b0, b1, b2, a1, a2;
+    Row x1, x2, y1, y2;
+
+    /** All bits in those of the first eight lanes that hear the mean of the channels, or its whole part. */
+    std::array<std::int64_t, 8> hearMean = {0, -1, -1, 0, 0, 0, 0, 0};
+    std::array<std::int64_t, 8> hearWhole = {-1, 0, 0, 0, 0, 0, 0, 0};
 };
 
-/** Where a section of a cascade lives. */
-struct FilterBankPlace {
-    SectionLanes FilterBankLanes::*vector;
-    int lane;
+/** Lanes of sections 0, 1, … of a cascade: S0 to S3, L, then P, Q and B. */
+inline constexpr std::array<std::array<std::size_t, 4>, 8> kFilterBankPlaces = {
+    {{4, 12}, {5, 13}, {6, 14}, {7, 15}, {3, 11, 10, 8}, {1, 9}, {2}, {0}}};
+
+/** By how many samples each lane stays behind the step; the last step of a block of n is n − 1 + kFilterBankDepth. */
+inline constexpr std::array<std::int64_t, FilterBankLanes::kLanes> kFilterBankDelays = {
+    0, 0, 0, 0, 0, 0, 0, 0, 5, 1, 3, 1, 1, 1, 1, 1};
+inline constexpr int kFilterBankDepth = 5;
+
+/** A stretch of a block on its way through the lanes, small enough to stay in the first cache: kSteps steps, and those behind
+ *  the block's end with its last ones. */
+struct FilterBankTile {
+    static constexpr int kSteps = 128;
+    template <typename T>
+    using Steps = std::array<T, static_cast<std::size_t>(kSteps + kFilterBankDepth)>;
+
+    Steps<double> mono;   ///< the sample of each step; 0 behind the end of the block
+    Steps<double> mean;   ///< of both channels, in 16 bits
+    Steps<double> whole;  ///< whole part of it
+
+    Steps<std::array<float, 8>> s;  ///< S0 to S3 after each step, in the upper half of each row
+    Steps<double> l;
+    Steps<double> p;
+    Steps<double> q;
+    Steps<double> b;
 };
 
-/** The place of section 0 … 1, or 0 … 3 for the long cascade, 4. */
-constexpr FilterBankPlace filterBankPlace(int cascade, int section) {
-    using Lanes = FilterBankLanes;
-    if (section >= 2) return {&Lanes::third, section == 2 ? 1 : 3};
-    if (cascade == 3) return {&Lanes::third, 2 * section};
-    return {section == 0 ? &Lanes::first : &Lanes::second, cascade == 4 ? 3 : cascade};
-}
-
-/** Where the samples of a cascade go; those that nobody reads go to one place over and over. */
-struct FilterBankSink {
-    float* to;
-    std::ptrdiff_t mask;  ///< of the index: all bits, or none
-
-    float* at(std::ptrdiff_t i) const { return to + (i & mask); }
+/** Which steps of a block of n samples a tile holds. */
+struct FilterBankStretch {
+    int first;
+    int steps;
+    int n;
 };
 
-using FilterBankSinks = std::array<FilterBankSink, 5>;
-
-/** Filters n ≥ 1 samples in the given form; the sinks hold the rectified outputs. */
-using FilterBankKernel = void (*)(FilterBankLanes& lanes, const float* in,
-                                  const FilterBankSinks& sinks, int n);
-
-/** The kernel for vectorForm(). */
-FilterBankKernel filterBankKernel();
+/** Does the steps of one tile; those behind the end of the block belong into one tile with its last sample. At the borders of the block lanes whose sample lies outside it rest, so that every
+ *  section has taken exactly the samples of the block after the last step. */
+void runFilterBank(FilterBankLanes& lanes, FilterBankTile& tile, const FilterBankStretch& stretch);
 
 }  // namespace beatatlas

@@ -1,14 +1,22 @@
 // SPDX-License-Identifier: MIT
-#include <cmath>
+#include <algorithm>
+#include <array>
 
 #include "beatatlas/dsp.h"
 #include "dsp/constants.h"
+#include "dsp/narrowedCosine.h"
 
 void hanning(int n, float* w) {
     const double period = static_cast<double>(n) + 1.0;
-    for (int i = 0; i < n; ++i) {
-        const double k = static_cast<double>(i) + 1.0;
-        const double angle = ((2.0 * beatatlas::kPi) * k) / period;
-        w[i] = static_cast<float>(0.5 - (0.5 * std::cos(angle)));
+    std::array<double, 256> angles{};
+    constexpr int kAtOnce = static_cast<int>(angles.size());
+    for (int from = 0; from < n; from += kAtOnce) {
+        const int count = std::min(kAtOnce, n - from);
+        for (int i = 0; i < count; ++i) {
+            const double k = static_cast<double>(from + i) + 1.0;
+            angles[static_cast<std::size_t>(i)] = ((2.0 * beatatlas::kPi) * k) / period;
+        }
+        beatatlas::narrowedHann(angles.data(), w + from, count);
+        if (count < kAtOnce) break;  // n may lie next to the largest int
     }
 }

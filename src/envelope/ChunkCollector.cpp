@@ -22,11 +22,17 @@ void ChunkCollector::rewind() {
     fill_ = 0;
 }
 
-int ChunkCollector::take(const std::int16_t* samples, int frames) {
+int ChunkCollector::advance(int frames) {
     const int count = std::min(frames, kChunkFrames - fill_);
-    monoOfBlock(samples, chunkBuffer_.data() + fill_, count);
     consumed_ += count;
     fill_ += count;
+    return count;
+}
+
+int ChunkCollector::take(const std::int16_t* samples, int frames) {
+    double* to = chunkBuffer_.data() + fill_;
+    const int count = advance(frames);
+    monoOfBlock(samples, to, count);
     return count;
 }
 

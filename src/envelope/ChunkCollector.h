@@ -46,7 +46,24 @@ public:
         }
     }
 
+    /** As putSample() for a signal that has been through the maker's audio filter already: calls
+     *  closeChunk(double first, std::size_t chunkIndex) with each chunk's first value, which stands
+     *  for the chunk. A track is fed in this way or in the other, not in both. */
+    template <class CloseChunk>
+    void putFiltered(const double* values, int frames, CloseChunk&& closeChunk) {
+        if (values == nullptr) return;
+        int taken = 0;
+        while (taken < frames && consumed_ < length_) {
+            if (fill_ == 0) chunkBuffer_[0] = values[taken];
+            taken += advance(frames - taken);
+            if (!isChunkComplete()) return;
+            closeChunk(chunkBuffer_[0], chunkIndex());
+            fill_ = 0;
+        }
+    }
+
 private:
+    int advance(int frames);
     int take(const std::int16_t* samples, int frames);
     bool isChunkComplete() const { return fill_ == kChunkFrames || consumed_ >= length_; }
     std::size_t chunkIndex() const;

@@ -62,11 +62,19 @@ void SimpleEnvelopeMaker::putSample(const std::int16_t* samples, int frames) {
     });
 }
 
+void SimpleEnvelopeMaker::putFiltered(const double* filtered, int frames) {
+    chunks_.putFiltered(filtered, frames,
+                        [this](double first, std::size_t index) { putLevel(first, index); });
+}
+
 void SimpleEnvelopeMaker::closeChunk(const double* mono, int frames, std::size_t index) {
     audioLowPass_->operate(mono, filteredBuffer_.data(), frames);
-    // One value stands for the chunk: the filtered first frame. The others only carry the state on.
-    const double level = std::fabs(filteredBuffer_[0]);
-    envelope_[index] = truncToInt16(filterValue(*envelopeLowPass_, level));
+    putLevel(filteredBuffer_[0], index);
+}
+
+// One value stands for the chunk: the filtered first frame. The others only carry the state on.
+void SimpleEnvelopeMaker::putLevel(double filteredFirst, std::size_t index) {
+    envelope_[index] = truncToInt16(filterValue(*envelopeLowPass_, std::fabs(filteredFirst)));
 }
 
 float SimpleEnvelopeMaker::analyze(float bpm, peakss::BeatList& beats) const {

@@ -40,6 +40,14 @@ public:
     /** Takes one block of interleaved 16-bit stereo; null and frames ≤ 0 do nothing. */
     void putSample(const std::int16_t* samples, int frames);
 
+    /** As putSample(), for frames whose mean of both channels has been through a section like
+     *  audioFilter(). */
+    void putFiltered(const double* filtered, int frames);
+
+    const SecondOrderSection& audioFilter() const {
+        return audioLowPass_->section();
+    }  ///< after create()
+
     /** Replaces `beats` by a regular grid from the first beat to the end of the track.
      *
      *  @param bpm  tempo of the provisional beats
@@ -55,6 +63,7 @@ public:
 
 private:
     void closeChunk(const double* mono, int frames, std::size_t index);
+    void putLevel(double filteredFirst, std::size_t index);
     void layGrid(double beatSeconds, double firstBeat, peakss::BeatList& beats) const;
 
     int length_ = 0;

@@ -70,10 +70,10 @@ std::int64_t UnitBeatAdjust::framesToTake(int frames) const {
 }
 
 void UnitBeatAdjust::appendLevels(const std::int16_t* samples, std::int64_t frames) {
-    constexpr std::int64_t kBatchFrames = 256;
-    std::array<double, kBatchFrames / kDecimation> mono{};
-    std::array<double, kBatchFrames / kDecimation> filtered{};
-    std::array<std::int16_t, kBatchFrames / kDecimation> levels{};
+    constexpr std::int64_t kBatchFrames = 1024;  // a session's block is shorter
+    std::array<double, kBatchFrames / kDecimation> mono;
+    std::array<double, kBatchFrames / kDecimation> filtered;
+    std::array<std::int16_t, kBatchFrames / kDecimation> levels;
     for (std::int64_t start = 0; start < frames; start += kBatchFrames) {
         const std::int64_t end = std::min(frames, start + kBatchFrames);
         std::size_t count = 0;

@@ -90,12 +90,21 @@ void UnitEnvelopeMaker::putSample(const std::int16_t* samples, int frames) {
     });
 }
 
+void UnitEnvelopeMaker::putFiltered(const double* filtered, int frames) {
+    chunks_.putFiltered(filtered, frames,
+                        [this](double first, std::size_t index) { putLevel(first, index); });
+}
+
 void UnitEnvelopeMaker::closeChunk(const double* mono, int frames, std::size_t index) {
     const auto untouched = [](double x) { return x; };
     operateInTurn(audioLowPassA_->section(), untouched, audioLowPassB_->section(), mono,
                   filteredBuffer_.data(), frames);
-    // One value stands for the chunk: the filtered first frame. The others only carry the state on.
-    const double level = filterValue(*envelopeLowPass_, std::fabs(filteredBuffer_[0]));
+    putLevel(filteredBuffer_[0], index);
+}
+
+// One value stands for the chunk: the filtered first frame. The others only carry the state on.
+void UnitEnvelopeMaker::putLevel(double filteredFirst, std::size_t index) {
+    const double level = filterValue(*envelopeLowPass_, std::fabs(filteredFirst));
     envelope_[index] = truncToInt16(filterValue(*envelopeHighPass_, level));
 }
 

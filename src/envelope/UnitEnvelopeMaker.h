@@ -42,6 +42,13 @@ public:
     /** Takes one block of interleaved 16-bit stereo; null and frames ≤ 0 do nothing. */
     void putSample(const std::int16_t* samples, int frames);
 
+    /** As putSample(), for frames whose mean of both channels has been through two sections like
+     *  audioFilter(), one after the other. */
+    void putFiltered(const double* filtered, int frames);
+
+    /** Either of the two equal sections of the audio filter; after create(). */
+    const SecondOrderSection& audioFilter() const { return audioLowPassA_->section(); }
+
     /** Moves the beats by half a beat where the pulses ask for it, numbers them 1 to 4, and adds or
      *  drops one at each end so that they cover the track.
      *
@@ -61,6 +68,7 @@ private:
     using ChunkBuffer = std::array<double, ChunkCollector::kChunkFrames>;
 
     void closeChunk(const double* mono, int frames, std::size_t index);
+    void putLevel(double filteredFirst, std::size_t index);
     float envelopeRate() const { return static_cast<float>(sampleRate_) / 128.0F; }
 
     int length_ = 0;

@@ -46,9 +46,9 @@ double KeyBandFilter::filter(double x) {
 /** Low-passes 6 0 2 4, then 7 1 3 5, then both high-passes: an odd section finds what it takes in its own lane, and
  *  what leaves the last low-pass lies in front. */
 std::size_t KeyBandFilter::placeOf(int stage) {
-    constexpr int kHalf = kLowPasses / 2;
-    if (stage >= kLowPasses) return static_cast<std::size_t>(stage);
-    return static_cast<std::size_t>(((stage % 2) * kHalf) + (((stage / 2) + 1) % kHalf));
+    constexpr std::size_t kHalf = kLowPasses / 2;
+    const auto s = static_cast<std::size_t>(stage);
+    return stage < kLowPasses ? ((s % 2) * kHalf) + (((s / 2) + 1) % kHalf) : s;
 }
 
 namespace {
@@ -188,15 +188,20 @@ void KeyBandFilter::filter(const std::int16_t* frames, std::int16_t* out, int n)
 void KeyBandFilter::filterInLanes(const std::int16_t* frames, std::int16_t* out, int n) {
     constexpr int kLag = kStages - 1;
     if (n <= kLag) {
-        for (int i = 0; i < n; ++i) out[i] = truncToInt16(filter(monoOfFrame(frames + (2 * i))));
+        for (std::ptrdiff_t i = 0; i < n; ++i)
+            out[i] = truncToInt16(filter(monoOfFrame(frames + (2 * i))));
         return;
     }
     PerStage reached{};
-    for (int i = 0; i < kLag; ++i) stepStages(0, i, monoOfFrame(frames + (2 * i)), reached);
-    runInLanes<Wavefront>(this, reached.data(), frames + (2 * kLag), out, n - kLag);
+    for (int i = 0; i < kLag; ++i) {
+        stepStages(0, i, monoOfFrame(frames), reached);
+        frames += 2;
+    }
+    const int full = n - kLag;
+    runInLanes<Wavefront>(this, reached.data(), frames, out, full);
     for (int i = 1; i <= kLag; ++i) {
         stepStages(i, kLag, 0.0, reached);
-        out[n - kLag + i - 1] = truncToInt16(reached[placeOf(kLag)]);
+        out[full + i - 1] = truncToInt16(reached[placeOf(kLag)]);
     }
 }
 

@@ -32,18 +32,15 @@ struct Spectrogram {
 };
 
 Spectrogram measureBins(const KeyBuffer& buffer) {
-    ConstantQBank bank(kBins, buffer.referenceHz * kFourOctavesDown, buffer.rate);
+    const ConstantQBank bank(kBins, buffer.referenceHz * kFourOctavesDown, buffer.rate);
     const int hop = hopOf(buffer);
     Spectrogram bins;
     bins.frames = bank.frameCount(buffer.count, hop);
     if (bins.frames == 0) return bins;
     bins.values = std::make_unique<float[]>(static_cast<std::size_t>(kBins) *
                                             static_cast<std::size_t>(bins.frames));
-    for (int k = 0; k < kBins; ++k) {
-        // Shorter windows sit in the middle of the frame.
-        const int start = (bank.frameLength() / 2) - (bank.windowLength(k) / 2);
-        bank.magnitudes(k, buffer.samples + start, hop, bins.frames, bins.row(k));
-    }
+    bank.magnitudes(buffer.samples, hop, bins.frames, ConstantQBank::Place::middle,
+                    bins.values.get());
     return bins;
 }
 

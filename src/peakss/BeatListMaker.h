@@ -26,6 +26,12 @@ public:
         sensor_.put(mono, n, loudView);
     }
 
+    /** As put(), with the bands filtered already; see BeatSensor::putBands. */
+    void putBands(const float* mono, const BandSignals& bands, int n,
+                  beatatlas::LVMakeBase* loudView) {
+        sensor_.putBands(mono, bands, n, loudView);
+    }
+
     /** The candidates found so far, ordered by position. */
     const BeatList& list() const { return list_; }
 

@@ -2,7 +2,6 @@
 #include "peakss/BeatSensor.h"
 
 #include <algorithm>
-#include <cmath>
 #include <cstddef>
 
 #include "dsp/truncation.h"
@@ -23,10 +22,6 @@ constexpr int kBlocksPerSecond = 75;
 // Two votes may be one beat that two bands heard: a tempo needs more.
 constexpr int kMinVotes = 3;
 
-void rectify(float* samples, int n) {
-    for (int i = 0; i < n; ++i) samples[i] = std::fabs(samples[i]);
-}
-
 void runAhead(SensorBand& band, int from, int steps) {
     band.nextPeak = band.sensor.putQuietLevels(band.levels.get(), from, steps);
 }
@@ -46,8 +41,7 @@ bool BeatSensor::create(int rate, int start, int end, int decim, int bands) {
     decim_ = std::max(decim, 1);
     bands_ = makeBands(rate, blockLen, decim_, bandNum);
     bandNum_ = bandNum;
-    if (bandNum == 4 || bandNum == 6) createBank(static_cast<float>(rate));
-    viewLow_ = std::make_unique<float[]>(static_cast<std::size_t>(blockLen));
+    filters_.create(static_cast<float>(rate), blockLen, bandNum);
     blockLen_ = blockLen;
     start_ = start;
     end_ = end;
@@ -59,13 +53,14 @@ std::unique_ptr<SensorBand[]> BeatSensor::makeBands(int rate, int blockLen, int 
     auto made = std::make_unique<SensorBand[]>(static_cast<std::size_t>(bands));
     for (int b = 0; b < bands; ++b) {
         SensorBand& band = made[static_cast<std::size_t>(b)];
-        band.samples = std::make_unique<float[]>(static_cast<std::size_t>(blockLen));
+        if (b >= SensorFilters::filteredBands(bands))
+            band.onsets = std::make_unique<float[]>(static_cast<std::size_t>(blockLen));
         band.levels = std::make_unique<float[]>(static_cast<std::size_t>(blockLen));
         band.buffer.create(b);
         band.sensor.setSamplingRate(rate);
         band.sensor.setStep(decim);
     }
-    designBands(made.get(), bands, static_cast<float>(rate));
+    designOnsets(made.get(), bands);
     return made;
 }
 
@@ -86,8 +81,7 @@ void BeatSensor::reset() {
 
 void BeatSensor::release() {
     bands_.reset();
-    bank_.reset();
-    viewLow_.reset();
+    filters_.release();
     bandNum_ = 0;
     blockLen_ = 0;
 }
@@ -96,71 +90,56 @@ bool BeatSensor::put(const float* mono, int n, beatatlas::LVMakeBase* loudView) 
     if (mono == nullptr || n <= 0 || blockLen_ == 0) return false;
     sinceBeat_ = wrappingAdd(sinceBeat_, n);
     bool chosen = false;
-    for (int done = 0; done < n;) {
-        if (counter_ >= end_ && loudView == nullptr) return chosen;
+    for (int done = 0; done < n && !isOver(loudView);) {
         const int count = std::min(n - done, blockLen_);
-        filterBands(mono + done, count, loudView != nullptr);
-        if (loudView != nullptr) sendBands(mono + done, count, *loudView);
-        if (senseBeats(count)) chosen = true;
+        const float* chunk = mono + done;
+        const BandSignals signals = filters_.operate(chunk, count, loudView != nullptr);
+        if (takeChunk(chunk, signals, count, loudView)) chosen = true;
         done += count;
     }
     return chosen;
 }
 
-// In the order of FilterBank's cascades: the mid band is the long one, band 3 the high one.
-void BeatSensor::createBank(float rate) {
-    bank_.emplace();
-    bank_->design(0, bands_[0].filter);
-    bank_->design(1, bands_[1].filter);
-    bank_->design(2, bands_[3].filter);
-    beatatlas::IirPassFilter viewLow;
-    viewLow.createBandPathFilterQ(beatatlas::LVMakeBase::kLowBandHz, rate,
-                                  beatatlas::LVMakeBase::kLowBandQ);
-    bank_->design(3, viewLow);
-    bank_->design(beatatlas::FilterBank::kLongCascade, bands_[2].filter);
+bool BeatSensor::putBands(const float* mono, const BandSignals& bands, int n,
+                          beatatlas::LVMakeBase* loudView) {
+    if (mono == nullptr || n <= 0 || n > blockLen_) return false;
+    sinceBeat_ = wrappingAdd(sinceBeat_, n);
+    return !isOver(loudView) && takeChunk(mono, bands, n, loudView);
 }
 
-void BeatSensor::filterBands(const float* chunk, int n, bool forView) {
-    if (bank_) {
-        bank_->operate(chunk,
-                       {bands_[0].samples.get(), bands_[1].samples.get(), bands_[3].samples.get(),
-                        forView ? viewLow_.get() : nullptr, bands_[2].samples.get()},
-                       n);
-    } else {
-        filterEachBand(chunk, n);
-    }
+bool BeatSensor::isOver(const beatatlas::LVMakeBase* loudView) const {
+    return counter_ >= end_ && loudView == nullptr;
+}
+
+bool BeatSensor::takeChunk(const float* chunk, const BandSignals& signals, int n,
+                           beatatlas::LVMakeBase* loudView) {
+    for (int b = 0; b < SensorFilters::filteredBands(bandNum_); ++b)
+        bands_[static_cast<std::size_t>(b)].signal = signals.bands[b];
     makeOnsets(n);
-}
-
-void BeatSensor::filterEachBand(const float* chunk, int n) {
-    for (int b = 0; b < bandNum_; ++b) {
-        SensorBand& band = bands_[static_cast<std::size_t>(b)];
-        band.filter.operate(chunk, band.samples.get(), n);
-        rectify(band.samples.get(), n);
-    }
+    if (loudView != nullptr) sendBands(chunk, signals, n, *loudView);
+    return senseBeats(n);
 }
 
 void BeatSensor::makeOnsets(int n) {
     if (bandNum_ != 6) return;
-    const SensorBand& low = bands_[0];
-    const SensorBand& high = bands_[3];
-    SensorBand& lowOnsets = bands_[4];
-    SensorBand& highOnsets = bands_[5];
-    PeakSensor::getDiffs({{{&lowOnsets.sensor, low.samples.get(), lowOnsets.samples.get()},
-                           {&highOnsets.sensor, high.samples.get(), highOnsets.samples.get()}}},
+    SensorBand& low = bands_[4];
+    SensorBand& high = bands_[5];
+    PeakSensor::getDiffs({{{&low.sensor, bands_[0].signal, low.onsets.get()},
+                           {&high.sensor, bands_[3].signal, high.onsets.get()}}},
                          n);
+    low.signal = low.onsets.get();
+    high.signal = high.onsets.get();
 }
 
 // The mid and high bands are those the view would make; its low band is of another width than those of the sensor.
-void BeatSensor::sendBands(const float* chunk, int n, beatatlas::LVMakeBase& loudView) {
+void BeatSensor::sendBands(const float* chunk, const BandSignals& signals, int n,
+                           beatatlas::LVMakeBase& loudView) {
     const int mid = bandNum_ < 4 ? 1 : 2;
     if (mid + 1 >= bandNum_) {
         loudView.analyzePeak(chunk, nullptr, nullptr, nullptr, n);
-        return;
+    } else {
+        loudView.analyzePeak(chunk, signals.viewLow, signals.bands[mid], signals.bands[mid + 1], n);
     }
-    SensorBand* bands = bands_.get() + mid;
-    loudView.analyzePeak(chunk, bank_ ? viewLow_.get() : nullptr, bands[0].samples.get(),
-                         bands[1].samples.get(), n);
 }
 
 // The sample at index i counts as the one behind it, i + 1, on both borders of the range: the range thus begins one
@@ -185,7 +164,7 @@ int BeatSensor::closeSteps(int from, int to) {
         SensorBand& band = bands_[static_cast<std::size_t>(b)];
         means.open = decimCount_;
         means.sum = band.acc;
-        steps = means.put(band.samples.get() + from, to - from, band.levels.get());
+        steps = means.put(band.signal + from, to - from, band.levels.get());
         band.acc = means.sum;
     }
     decimCount_ = means.open;

@@ -3,9 +3,9 @@
 
 #include <cstdint>
 #include <memory>
-#include <optional>
 
-#include "dsp/FilterBank.h"
+#include "peakss/BandSignals.h"
+#include "peakss/SensorFilters.h"
 #include "peakss/TempoVote.h"
 
 namespace beatatlas {
@@ -56,6 +56,12 @@ public:
      *  beat was chosen. n ≤ 0 and a null signal do nothing. Behind the end of the range only loudView is served. */
     bool put(const float* mono, int n, beatatlas::LVMakeBase* loudView);
 
+    /** As put(), with the bands of the n samples filtered already: all of them from the start of the track on, by the
+     *  filters of designSensorBank(). For sensors of four and six bands.
+     *  @param n  at most a block of 1/75 s */
+    bool putBands(const float* mono, const BandSignals& bands, int n,
+                  beatatlas::LVMakeBase* loudView);
+
     /** Lets the bands that found a beat vote, and names the steadiest of them if the vote agrees with it: then the
      *  bands that disagree have lost their beat. Null when there is no such band. */
     PeakBuffer* selectBand();
@@ -68,11 +74,12 @@ public:
 
 private:
     static std::unique_ptr<SensorBand[]> makeBands(int rate, int blockLen, int decim, int bands);
-    void createBank(float rate);
-    void filterBands(const float* chunk, int n, bool forView);
-    void filterEachBand(const float* chunk, int n);
+    bool isOver(const beatatlas::LVMakeBase* loudView) const;
+    bool takeChunk(const float* chunk, const BandSignals& signals, int n,
+                   beatatlas::LVMakeBase* loudView);
     void makeOnsets(int n);
-    void sendBands(const float* chunk, int n, beatatlas::LVMakeBase& loudView);
+    void sendBands(const float* chunk, const BandSignals& signals, int n,
+                   beatatlas::LVMakeBase& loudView);
     bool senseBeats(int n);
     int closeSteps(int from, int to);
     bool followPeaks(int steps);
@@ -85,9 +92,7 @@ private:
 
     std::int32_t bandNum_ = 0;
     std::unique_ptr<SensorBand[]> bands_;
-    std::optional<beatatlas::FilterBank>
-        bank_;  // the first four of four and six bands, and the view's low band
-    std::unique_ptr<float[]> viewLow_;
+    SensorFilters filters_;  // of put()
     BeatSensorSignal* signal_ = nullptr;
     std::int32_t decim_ = 1;
     std::int32_t decimCount_ = 0;  // samples in the current step

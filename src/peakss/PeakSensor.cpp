@@ -6,6 +6,7 @@
 
 #include "dsp/truncation.h"
 #include "peakss/PeakBuffer.h"
+#include "peakss/levelLanes.h"
 
 namespace peakss {
 
@@ -120,17 +121,14 @@ void PeakSensor::changes(const float* in, float* out, int n) {
         ring[slot] = in[i];
         slot = slot + 1 == length ? 0 : slot + 1;
     }
-    for (int i = fromRing; i < n; ++i) out[i] = in[i] - in[i - length];
+    if (n > fromRing)
+        subtractLevels(in + fromRing, in + fromRing - length, out + fromRing, n - fromRing);
     diffIdx_ = n > fromRing ? keepLastInputs(in, n) : slot;
 }
 
 /** Turns the sums in `out` into what the inputs have above their means. */
 void PeakSensor::lessMean(const float* in, float* out, int n) const {
-    const auto length = static_cast<float>(diffLen_);
-    for (int i = 0; i < n; ++i) {
-        const float y = in[i] - (out[i] / length);
-        out[i] = y >= 0.0F ? y : 0.0F;
-    }
+    subtractMeans(in, out, n, diffLen_);
 }
 
 // The ring holds the last inputs wherever it begins: the oldest comes first.
@@ -154,6 +152,7 @@ void PeakSensor::putLevel(float level, PeakBuffer& buffer) {
 }
 
 int PeakSensor::putQuietLevels(const float* levels, int from, int to) {
+    if (passesQuietly(levels, from, to)) return to;
     int i = from;
     while (i < to) {
         if (state_ == kFollowing) {
@@ -165,6 +164,34 @@ int PeakSensor::putQuietLevels(const float* levels, int from, int to) {
         }
     }
     return to;
+}
+
+// Most stretches hold no time at which anything is due, and no level that comes up to the lowest point of the line, or
+// to the peak; what is not a number comes up to nothing. Nothing but the line and the time then changes.
+bool PeakSensor::passesQuietly(const float* levels, int from, int to) {
+    const std::int64_t duration = std::int64_t{step_} * (to - from);
+    const bool tracking = state_ == kTracking;
+    const std::int64_t since = wrappingSubtract(pos_, tracking ? peakPos2_ : lineStart_);
+    const std::int64_t due = tracking ? confirmLen_ : std::int64_t{holdLen_} + 1;
+    if (since < 0 || duration <= 0 || since + duration >= due) return false;
+    const float loudest = loudestLevel(levels + from, to - from);
+    if (tracking) {
+        if (loudest > peakLevel_) return false;
+    } else {
+        const float line = lineAfter(to - from);
+        if (!(slopeStep_ >= 0.0F && loudest < line)) return false;
+        line_ = line;
+    }
+    pos_ = wrappingAdd(pos_, static_cast<std::int32_t>(duration));
+    return true;
+}
+
+/** Where the line will have fallen to after so many levels, if no new fall is planned. */
+float PeakSensor::lineAfter(int levels) const {
+    float line = line_;
+    if (slopeStep_ != 0.0F)
+        for (int i = 0; i < levels; ++i) line = std::max(line - slopeStep_, floor_);
+    return std::max(line, floor_);
 }
 
 // Most levels lie below the line and change nothing but the line and the time.

@@ -94,6 +94,8 @@ private:
     void changes(const float* in, float* out, int n);
     void lessMean(const float* in, float* out, int n) const;
     int keepLastInputs(const float* in, int n);
+    bool passesQuietly(const float* levels, int from, int to);
+    float lineAfter(int levels) const;
     int followUntilPeak(const float* levels, int from, int to);
     int trackUntilMoved(const float* levels, int from, int to);
     void followLine(float level);

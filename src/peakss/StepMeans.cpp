@@ -2,36 +2,53 @@
 #include "peakss/StepMeans.h"
 
 #include <algorithm>
-#include <cstring>
+#include <cstddef>
 
-#include "dsp/VectorForm.h"
+#include "dsp/vectorLanes.h"
 
 namespace peakss {
 
 namespace {
 
 constexpr int kUsualLength = 8;
-constexpr int kLanes = 4;
+constexpr int kLanes = 8;
 
-using Floats = float __attribute__((vector_size(4 * kLanes)));
+using Half = beatatlas::Lanes<float, 4>;
+using Floats = beatatlas::Lanes<float, kLanes>;
 
-BEATATLAS_LANES void load(const float* from, Floats& lanes) {
-    std::memcpy(&lanes, from, sizeof lanes);
-}
-
-/** Adds samples 0 to 3 of four steps, each in its lane, in order of time. */
+/** Adds samples 0 to 3 of eight steps, each in its lane, in order of time. */
 BEATATLAS_LANES void addHalfSteps(const float* samples, Floats& sums) {
-    Floats steps[kLanes];
-    for (int step = 0; step < kLanes; ++step) load(samples + step * kUsualLength, steps[step]);
-    const Floats early01 = __builtin_shufflevector(steps[0], steps[1], 0, 4, 1, 5);
-    const Floats early23 = __builtin_shufflevector(steps[2], steps[3], 0, 4, 1, 5);
-    const Floats late01 = __builtin_shufflevector(steps[0], steps[1], 2, 6, 3, 7);
-    const Floats late23 = __builtin_shufflevector(steps[2], steps[3], 2, 6, 3, 7);
-    sums += __builtin_shufflevector(early01, early23, 0, 1, 4, 5);
-    sums += __builtin_shufflevector(early01, early23, 2, 3, 6, 7);
-    sums += __builtin_shufflevector(late01, late23, 0, 1, 4, 5);
-    sums += __builtin_shufflevector(late01, late23, 2, 3, 6, 7);
+    Floats steps[4];
+    for (int step = 0; step < 4; ++step) {
+        Half early;
+        Half late;
+        beatatlas::loadLanes(early, samples + step * kUsualLength);
+        beatatlas::loadLanes(late, samples + (step + 4) * kUsualLength);
+        steps[step] = __builtin_shufflevector(early, late, 0, 1, 2, 3, 4, 5, 6, 7);
+    }
+    const Floats early01 = __builtin_shufflevector(steps[0], steps[1], 0, 8, 1, 9, 4, 12, 5, 13);
+    const Floats early23 = __builtin_shufflevector(steps[2], steps[3], 0, 8, 1, 9, 4, 12, 5, 13);
+    const Floats late01 = __builtin_shufflevector(steps[0], steps[1], 2, 10, 3, 11, 6, 14, 7, 15);
+    const Floats late23 = __builtin_shufflevector(steps[2], steps[3], 2, 10, 3, 11, 6, 14, 7, 15);
+    sums += __builtin_shufflevector(early01, early23, 0, 1, 8, 9, 4, 5, 12, 13);
+    sums += __builtin_shufflevector(early01, early23, 2, 3, 10, 11, 6, 7, 14, 15);
+    sums += __builtin_shufflevector(late01, late23, 0, 1, 8, 9, 4, 5, 12, 13);
+    sums += __builtin_shufflevector(late01, late23, 2, 3, 10, 11, 6, 7, 14, 15);
 }
+
+/** The means of `count` steps of eight samples, a multiple of the lanes; the same for every width. */
+template <std::size_t>
+struct UsualSteps {
+    BEATATLAS_LANES static void run(const float* samples, int count, float* means) {
+        for (int step = 0; step < count; step += kLanes) {
+            Floats sums{};
+            addHalfSteps(samples + step * kUsualLength, sums);
+            addHalfSteps(samples + step * kUsualLength + kUsualLength / 2, sums);
+            sums /= static_cast<float>(kUsualLength);
+            beatatlas::storeLanes(sums, means + step);
+        }
+    }
+};
 
 }  // namespace
 
@@ -55,17 +72,10 @@ int StepMeans::put(const float* samples, int n, float* means) {
     return steps;
 }
 
-/** Four steps at a time, as long as there are four whole ones. */
-int StepMeans::putUsualSteps(const float* samples, int n, float* means) const {
-    const auto divisor = static_cast<float>(length);
-    int steps = 0;
-    for (; (steps + kLanes) * kUsualLength <= n; steps += kLanes) {
-        Floats sums{};
-        addHalfSteps(samples + steps * kUsualLength, sums);
-        addHalfSteps(samples + steps * kUsualLength + kUsualLength / 2, sums);
-        sums /= divisor;
-        std::memcpy(means + steps, &sums, sizeof sums);
-    }
+/** Eight steps at a time, as long as there are eight whole ones. */
+int StepMeans::putUsualSteps(const float* samples, int n, float* means) {
+    const int steps = n / (kLanes * kUsualLength) * kLanes;
+    if (steps > 0) beatatlas::runInLanes<UsualSteps>(samples, steps, means);
     return steps;
 }
 

@@ -15,7 +15,7 @@ struct StepMeans {
     int put(const float* samples, int n, float* means);
 
 private:
-    int putUsualSteps(const float* samples, int n, float* means) const;
+    static int putUsualSteps(const float* samples, int n, float* means);
 };
 
 }  // namespace peakss

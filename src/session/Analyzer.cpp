@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <bit>
 
+#include "dsp/PromptSleeps.h"
 #include "dsp/RoundingMode.h"
 #include "dsp/processorYield.h"
 #include "peakss/BeatInfoAnalyzeInfo.h"
@@ -114,6 +115,10 @@ void Analyzer::createAnalysers() {
     loudViewMaker_.create(rate_, totalSamples_);
     zoomViewMaker_.create(rate_, totalSamples_, kZoomPointsPerSecond, true);
     keyRankMaker_.create(rate_, totalSamples_);
+    trackFilters_.create(rate_, blockLen_,
+                         {&unitEnvelopeMaker_.audioFilter(),
+                          simple_ ? &simpleEnvelopeMaker_.audioFilter() : nullptr,
+                          zoomOn_ ? &zoomViewMaker_.bassFilter() : nullptr});
 }
 
 void Analyzer::setSamplePre(const float* left, const float* right, int count) {
@@ -147,7 +152,9 @@ void Analyzer::setSample(const float* left, const float* right, int count) {
         }
     }
     // With calls of equal length this lets the host's other threads breathe on every fourth one.
-    if (fedSamples_ / count % kFeedsPerYield == 0) yieldProcessor();
+    if (fedSamples_ / count % kFeedsPerYield != 0) return;
+    const PromptSleeps prompt;
+    yieldProcessor();
 }
 
 // Takes frames until the block is full or the input used up; returns how many.
@@ -161,30 +168,34 @@ int Analyzer::fillBlock(const float* left, const float* right, int count) {
 }
 
 void Analyzer::dispatchBlock() {
-    const std::int16_t* stereo = stereoBlock_.get();
-    dispatchToBeatSensing();
-    if (beatOn_) unitEnvelopeMaker_.putSample(stereo, blockFill_);
-    if (beatOn_ && !varied_) unitBeatAdjust_.putSample(stereo, blockFill_);
-    if (zoomOn_) zoomViewMaker_.putSample(stereo, blockFill_);
-    if (keyOn_) keyRankMaker_.putSample(stereo, blockFill_);
+    if (beatOn_) {
+        dispatchFiltered();
+    } else {
+        if (loudOn_)
+            loudViewMaker_.analyzePeak(monoBlock_.get(), nullptr, nullptr, nullptr, blockFill_);
+        if (zoomOn_) zoomViewMaker_.putSample(stereoBlock_.get(), blockFill_);
+    }
+    if (keyOn_) keyRankMaker_.putSample(stereoBlock_.get(), blockFill_);
 }
 
-// The loudness wave takes two of the beat sensor's bands where the sensor runs over the whole track; in a simple
-// session, whose sensor stops early, it filters for itself.
-void Analyzer::dispatchToBeatSensing() {
+// With beat analysis on, one pass filters for all; without it there is too little to filter.
+void Analyzer::dispatchFiltered() {
     const float* mono = monoBlock_.get();
-    const bool sharesBands = beatOn_ && !simple_;
-    if (beatOn_)
-        beatListMaker_.put(mono, blockFill_, sharesBands && loudOn_ ? &loudViewMaker_ : nullptr);
-    if (loudOn_ && !sharesBands)
-        loudViewMaker_.analyzePeak(mono, nullptr, nullptr, nullptr, blockFill_);
-    if (simple_) simpleEnvelopeMaker_.putSample(stereoBlock_.get(), blockFill_);
+    const std::int16_t* stereo = stereoBlock_.get();
+    trackFilters_.operate(mono, stereo, blockFill_);
+    beatListMaker_.putBands(mono, trackFilters_.bands(), blockFill_,
+                            loudOn_ ? &loudViewMaker_ : nullptr);
+    if (simple_) simpleEnvelopeMaker_.putFiltered(trackFilters_.bassLine(), blockFill_);
+    unitEnvelopeMaker_.putFiltered(trackFilters_.pulses(), blockFill_);
+    if (!varied_) unitBeatAdjust_.putSample(stereo, blockFill_);
+    if (zoomOn_) zoomViewMaker_.putFiltered(stereo, trackFilters_.bass(), blockFill_);
 }
 
 // A fixed chain, no vote: each stage takes the tempo and the grid of the one before.
 void Analyzer::analyze() {
     if (!created_ || failed_ || analyzed_) return;
     setRoundTowardZero();
+    const PromptSleeps prompt;
     analyzed_ = true;
     if (!beatOn_) return;
     bpm_ = proposeGrid();

@@ -11,6 +11,7 @@
 #include "peakss/BeatInfo.h"
 #include "peakss/BeatListMaker.h"
 #include "session/PreChecker.h"
+#include "session/TrackFilters.h"
 #include "view/LoudViewMaker.h"
 #include "view/ZoomViewMaker.h"
 
@@ -79,7 +80,7 @@ private:
     void createAnalysers();
     int fillBlock(const float* left, const float* right, int count);
     void dispatchBlock();
-    void dispatchToBeatSensing();
+    void dispatchFiltered();
     float proposeGrid();
 
     bool created_ = false;
@@ -109,6 +110,7 @@ private:
     int zoomRead_ = 0;
 
     PreChecker preChecker_;
+    TrackFilters trackFilters_;
     peakss::BeatList beatList_;
     peakss::BeatListMaker beatListMaker_;
     SimpleEnvelopeMaker simpleEnvelopeMaker_;

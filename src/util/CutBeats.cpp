@@ -3,19 +3,25 @@
 //   1. magnitudes and phases of overlapping frames, the weak bins of each frame silenced against their octave
 //   2. the lowest bins held down to their own slow envelope over time: a bass drum rises faster than a bass note
 //   3. frames rebuilt from what is left and added up, windowed a second time
+//
+// The frames go through the transform several at a time (dsp/FrameTransform.h). Most bins end up silent; of a silent
+// bin nothing but the signs of its zeros remains, and these are had without its phase.
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstddef>
 #include <memory>
-#include <new>
 
 #include "beatatlas/dsp.h"
 #include "beatatlas/utilities.h"
+#include "dsp/FrameTransform.h"
 #include "util/OctaveGate.h"
 #include "util/isLongTrack.h"
 
 namespace {
 
+using beatatlas::FrameTransform;
+using beatatlas::OctaveGate;
 using FloatArray = std::unique_ptr<float[]>;
 
 constexpr int kFrameLength = 4096;
@@ -53,6 +59,10 @@ struct Framing {
     std::size_t start(std::size_t frame) const { return frame * static_cast<std::size_t>(hop); }
 };
 
+bool isPositiveZero(float value) {
+    return value == 0.0F && !std::signbit(value);
+}
+
 bool isPowerOfTwo(int length) {
     return length > 0 && (length & (length - 1)) == 0;
 }
@@ -83,14 +93,19 @@ struct Spectrogram {
     FloatArray phases;
 };
 
-/** One frame in time or frequency; one value more than a frame, for the mirror image of bin 0. */
-struct ComplexFrame {
-    explicit ComplexFrame(int frameLength)
-        : length(static_cast<std::size_t>(frameLength) + 1), re(zeroed(length)),
-          im(zeroed(length)) {}
+/** Frames that are transformed together, in time or frequency. */
+struct FrameBatch {
+    static constexpr std::size_t kFrames = FrameTransform::kFramesAtOnce;
 
-    void clear() const {
-        for (std::size_t i = 0; i < length; ++i) re[i] = im[i] = 0.0F;
+    explicit FrameBatch(std::size_t frameLength)
+        : length(frameLength), re(zeroed(kFrames * length)), im(zeroed(kFrames * length)) {}
+
+    float* reOf(std::size_t frame) const { return re.get() + (frame * length); }
+    float* imOf(std::size_t frame) const { return im.get() + (frame * length); }
+
+    void run(const FrameTransform& transform, bool inverse, std::size_t count) const {
+        transform.run(inverse, re.get(), im.get(), static_cast<std::ptrdiff_t>(length),
+                      static_cast<int>(count));
     }
 
     std::size_t length;
@@ -98,29 +113,74 @@ struct ComplexFrame {
     FloatArray im;
 };
 
-/** @param n negative: the inverse */
-void transform(int n, const ComplexFrame& frame) {
-    if (fft_less_normalize(n, frame.re.get(), frame.im.get()) != 0) throw std::bad_alloc();
-}
-
-void loadWindowed(const float* in, const float* window, int length, const ComplexFrame& frame) {
-    frame.clear();
-    for (std::size_t i = 0; i < static_cast<std::size_t>(length); ++i)
-        frame.re[i] = in[i] * window[i];
-}
-
-Spectrogram gatedSpectrogram(const Framing& framing, const float* in, const float* window) {
-    Spectrogram spectrogram(framing);
-    const int bins = static_cast<int>(spectrogram.bins);
-    beatatlas::OctaveGate gate(bins);
-    const ComplexFrame frame(framing.frameLength);
-    for (std::size_t f = 0; f < framing.frames; ++f) {
-        loadWindowed(in + framing.start(f), window, framing.frameLength, frame);
-        transform(framing.frameLength, frame);
-        calc_mag(bins, spectrogram.magnitudesOf(f), frame.re.get(), frame.im.get());
-        calc_phase(bins, spectrogram.phasesOf(f), frame.re.get(), frame.im.get());
-        gate.apply(spectrogram.magnitudesOf(f));
+/** What both directions share: the frames, their window and their transform. */
+struct Workshop {
+    explicit Workshop(const Framing& f)
+        : framing(f), length(static_cast<std::size_t>(f.frameLength)), window(zeroed(length)),
+          transform(f.frameLength), batch(length) {
+        hanning(framing.frameLength, window.get());
     }
+
+    /** Calls work(first frame, frames) for batch after batch. */
+    template <typename Work>
+    void forEachBatch(Work work) const {
+        for (std::size_t first = 0; first < framing.frames; first += FrameBatch::kFrames)
+            work(first, std::min(FrameBatch::kFrames, framing.frames - first));
+    }
+
+    Framing framing;
+    std::size_t length;
+    FloatArray window;
+    FrameTransform transform;
+    FrameBatch batch;
+};
+
+void loadWindowed(const float* in, const Workshop& shop, std::size_t place) {
+    float* re = shop.batch.reOf(place);
+    for (std::size_t i = 0; i < shop.length; ++i) re[i] = in[i] * shop.window[i];
+    std::fill_n(shop.batch.imOf(place), shop.length, 0.0F);
+}
+
+/** Whether the signs of cosine and sine of the angle of (re, im) are plain from those of re and im: they are unless the
+ *  angle may round to another quadrant. */
+bool isInsideQuadrant(float re, float im) {
+    constexpr float kClear = 0.001F;
+    const float x = std::fabs(re);
+    const float y = std::fabs(im);
+    return x > kClear * y && y > kClear * x;
+}
+
+/** A silent bin keeps only the quadrant of its phase, for the signs of its zeros. */
+float quadrantPhase(float re, float im) {
+    return std::copysign(re < 0.0F ? 2.25F : 0.75F, im);
+}
+
+void writePhases(const float* magnitudes, float* re, float* im, int bins, float* phases) {
+    for (int k = 0; k < bins; ++k) {
+        if (isPositiveZero(magnitudes[k]) && isInsideQuadrant(re[k], im[k]))
+            phases[k] = quadrantPhase(re[k], im[k]);
+        else
+            calc_phase(1, phases + k, re + k, im + k);
+    }
+}
+
+Spectrogram gatedSpectrogram(const Workshop& shop, const float* in) {
+    Spectrogram spectrogram(shop.framing);
+    const int bins = static_cast<int>(spectrogram.bins);
+    OctaveGate gate(bins);
+    shop.forEachBatch([&](std::size_t first, std::size_t count) {
+        for (std::size_t f = 0; f < count; ++f)
+            loadWindowed(in + shop.framing.start(first + f), shop, f);
+        shop.batch.run(shop.transform, false, count);
+        for (std::size_t f = 0; f < count; ++f) {
+            float* magnitudes = spectrogram.magnitudesOf(first + f);
+            float* re = shop.batch.reOf(f);
+            float* im = shop.batch.imOf(f);
+            calc_mag(bins, magnitudes, re, im);
+            gate.apply(magnitudes);
+            writePhases(magnitudes, re, im, bins, spectrogram.phasesOf(first + f));
+        }
+    });
     return spectrogram;
 }
 
@@ -145,40 +205,61 @@ void limitBass(const Framing& framing, float rate, const Spectrogram& spectrogra
         limitBin(bin, framing.frames, spectrogram, b, a, column.get(), smooth.get());
 }
 
-/** The whole spectrum from its lower half; the bin at half the rate stays silent. */
-void loadSpectrum(const float* magnitudes, const float* phases, int length,
-                  const ComplexFrame& frame) {
-    frame.clear();
-    const auto end = static_cast<std::size_t>(length);
+/** One bin as a complex number. */
+struct Bin {
+    float re;
+    float im;
+};
+
+/** Zero times the cosine and the sine, by their signs alone: most bins are silent. */
+Bin silentBin(float phase) {
+    // The largest floats below a quarter and below half a turn.
+    constexpr float kQuarterTurn = 0x1.921fb4p+0F;
+    constexpr float kHalfTurn = 0x1.921fb4p+1F;
+    const float size = std::fabs(phase);
+    const float im = std::copysign(0.0F, phase);
+    return {size > kQuarterTurn ? -0.0F : 0.0F, size > kHalfTurn ? -im : im};
+}
+
+/** The whole spectrum from its lower half; the bin at half the rate stays silent. Where bin 0 would have its mirror
+ *  image a frame has ended. */
+void loadSpectrum(const float* magnitudes, const float* phases, const Workshop& shop,
+                  std::size_t place) {
+    const std::size_t end = shop.length;
+    float* re = shop.batch.reOf(place);
+    float* im = shop.batch.imOf(place);
+    re[end / 2] = im[end / 2] = 0.0F;
     for (std::size_t k = 0; k < end / 2; ++k) {
-        frame.re[k] = magnitudes[k] * std::cos(phases[k]);
-        frame.im[k] = magnitudes[k] * std::sin(phases[k]);
-        frame.re[end - k] = frame.re[k];
-        frame.im[end - k] = -frame.im[k];
+        const Bin bin = isPositiveZero(magnitudes[k]) ? silentBin(phases[k])
+                                                      : Bin{magnitudes[k] * std::cos(phases[k]),
+                                                            magnitudes[k] * std::sin(phases[k])};
+        re[k] = bin.re;
+        im[k] = bin.im;
+        if (k == 0) continue;
+        re[end - k] = bin.re;
+        im[end - k] = -bin.im;
     }
 }
 
-void divide(float* values, std::size_t count, float divisor) {
-    for (std::size_t i = 0; i < count; ++i) values[i] = values[i] / divisor;
-}
-
-void overlapAdd(const Framing& framing, const Spectrogram& spectrogram, const float* window, int n,
-                float* out) {
+void overlapAdd(const Workshop& shop, const Spectrogram& spectrogram, int n, float* out) {
+    const Framing& framing = shop.framing;
     const auto length = static_cast<float>(framing.frameLength);
     const float weight = kOverlapScale / (length / static_cast<float>(framing.hop));
     const FloatArray sum = zeroed(static_cast<std::size_t>(n));
-    const ComplexFrame frame(framing.frameLength);
-    for (std::size_t f = 0; f < framing.frames; ++f) {
-        loadSpectrum(spectrogram.magnitudesOf(f), spectrogram.phasesOf(f), framing.frameLength,
-                     frame);
-        transform(-framing.frameLength, frame);
-        divide(frame.re.get(), frame.length, length);
-        const std::size_t start = framing.start(f);
-        for (std::size_t i = 0; i + 1 < frame.length; ++i) {
-            sum[start + i] += (frame.re[i] * window[i]) * weight;
-            out[start + i] = sum[start + i];
+    shop.forEachBatch([&](std::size_t first, std::size_t count) {
+        for (std::size_t f = 0; f < count; ++f)
+            loadSpectrum(spectrogram.magnitudesOf(first + f), spectrogram.phasesOf(first + f), shop,
+                         f);
+        shop.batch.run(shop.transform, true, count);
+        for (std::size_t f = 0; f < count; ++f) {
+            const std::size_t start = framing.start(first + f);
+            const float* re = shop.batch.reOf(f);
+            for (std::size_t i = 0; i < shop.length; ++i) {
+                sum[start + i] += ((re[i] / length) * shop.window[i]) * weight;
+                out[start + i] = sum[start + i];
+            }
         }
-    }
+    });
 }
 
 }  // namespace
@@ -186,9 +267,8 @@ void overlapAdd(const Framing& framing, const Spectrogram& spectrogram, const fl
 void CutBeats(float* out, float* in, int n, float rate, int div, int mode) {
     const Framing framing = framingOf(n, rate, div, mode);
     if (out == nullptr || in == nullptr || framing.frames == 0) return;
-    const FloatArray window = zeroed(static_cast<std::size_t>(framing.frameLength));
-    hanning(framing.frameLength, window.get());
-    const Spectrogram spectrogram = gatedSpectrogram(framing, in, window.get());
+    const Workshop shop(framing);
+    const Spectrogram spectrogram = gatedSpectrogram(shop, in);
     limitBass(framing, rate, spectrogram);
-    overlapAdd(framing, spectrogram, window.get(), n, out);
+    overlapAdd(shop, spectrogram, n, out);
 }

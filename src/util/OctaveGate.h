@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 
 namespace beatatlas {
@@ -21,20 +22,13 @@ public:
     void apply(float* magnitudes);
 
 private:
-    void placeOctaves();
-    void placeSums();
-    void sumOctaves(const float* magnitudes);
-
     std::size_t bins_;
     // Per bin k: the octave lo … hi around it, both included, 1 / (hi - lo), and log10(k + 1).
-    std::unique_ptr<std::size_t[]> lo_;
-    std::unique_ptr<std::size_t[]> hi_;
+    std::unique_ptr<std::int32_t[]> lo_;
+    std::unique_ptr<std::int32_t[]> hi_;
     std::unique_ptr<float[]> widthWeight_;
     std::unique_ptr<float[]> logPlace_;
-    // Per bin m: the bins firstOwner … endOwner - 1 have m in their octave.
-    std::unique_ptr<std::size_t[]> firstOwner_;
-    std::unique_ptr<std::size_t[]> endOwner_;
-    std::unique_ptr<float[]> sums_;
+    std::unique_ptr<float[]> sums_;  // with room for the last block
 };
 
 }  // namespace beatatlas

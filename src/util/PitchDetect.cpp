@@ -73,14 +73,12 @@ float steadyMaxima(const float* rows, int frames) {
 
 float CandidateScores::scoreOf(int candidate) const {
     const auto referenceHz = static_cast<float>(kLowestReferenceHz + candidate);
-    beatatlas::ConstantQBank bank(kBins, referenceHz, rate_);
+    const beatatlas::ConstantQBank bank(kBins, referenceHz, rate_);
     const int frames = bank.frameCount(n_, hop_);
     if (frames == 0) return 0.0F;
     const auto row = static_cast<std::size_t>(frames);
     const auto rows = std::make_unique<float[]>(kBins * row);
-    for (int k = 0; k < kBins; ++k)
-        bank.magnitudes(k, samples_, hop_, frames,
-                        rows.get() + (static_cast<std::size_t>(k) * row));
+    bank.magnitudes(samples_, hop_, frames, beatatlas::ConstantQBank::Place::start, rows.get());
     return steadyMaxima(rows.get(), frames);
 }
 

@@ -4,11 +4,9 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
-#include <cstdlib>
 #include <utility>
 
 #include "dsp/constants.h"
-#include "dsp/isConstant.h"
 #include "dsp/sampleBlocks.h"
 #include "dsp/truncation.h"
 
@@ -20,9 +18,6 @@ constexpr double kBassCornerHz = 150.0;
 constexpr double kButterworthQ = 0.7071067811865475;
 constexpr int kFullScale = 32767;
 constexpr int kColorWithoutBass = 7;
-
-/** The two values of the frame before that a second-order section looks back to. */
-constexpr std::size_t kHistory = 2;
 
 std::size_t index(int i) {
     return static_cast<std::size_t>(i);
@@ -48,10 +43,9 @@ bool ZoomViewMaker::create(int rate, int total, int divisor, bool deferred) {
     if (total < 1 || divisor < 1 || rate < divisor) return false;
     const std::int32_t frameLen = rate / divisor;
     const std::int64_t capacity = (static_cast<std::int64_t>(total) + frameLen - 1) / frameLen;
-    const std::size_t frameSize = index(frameLen) + kHistory;
     auto points = std::make_unique_for_overwrite<ZoomPoint[]>(static_cast<std::size_t>(capacity));
-    auto mono = std::make_unique<std::int16_t[]>(frameSize);
-    low_ = std::make_unique<double[]>(frameSize);
+    auto mono = std::make_unique<double[]>(index(frameLen));
+    bass_ = std::make_unique<double[]>(index(frameLen));
     mono_ = std::move(mono);
     points_ = std::move(points);
     capacity_ = capacity;
@@ -70,11 +64,11 @@ void ZoomViewMaker::designLowPass() {
     const double kk = k * k;
     const double damping = k / kButterworthQ;
     const double d = (1.0 + damping) + kk;
-    a1_ = ((2.0 * kk) - 2.0) / d;
-    a2_ = ((1.0 - damping) + kk) / d;
-    b0_ = kk / d;
-    b1_ = (2.0 * kk) / d;
-    b2_ = kk / d;
+    bassFilter_.a1 = ((2.0 * kk) - 2.0) / d;
+    bassFilter_.a2 = ((1.0 - damping) + kk) / d;
+    bassFilter_.b0 = kk / d;
+    bassFilter_.b1 = (2.0 * kk) / d;
+    bassFilter_.b2 = kk / d;
 }
 
 void ZoomViewMaker::reset() {
@@ -82,15 +76,16 @@ void ZoomViewMaker::reset() {
     fill_ = 0;
     trackPeak_ = 0;
     count_ = 0;
+    framePeak_ = 0;
+    bassPeak_ = 0.0;
     if (!points_) return;
-    std::fill_n(mono_.get(), kHistory, std::int16_t{0});
-    std::fill_n(low_.get(), kHistory, 0.0);
+    bassFilter_.x1 = bassFilter_.x2 = bassFilter_.y1 = bassFilter_.y2 = 0.0;
     std::fill_n(points_.get(), capacity_, ZoomPoint{0, 0});
 }
 
 void ZoomViewMaker::release() {
     mono_.reset();
-    low_.reset();
+    bass_.reset();
     points_.reset();
     capacity_ = 0;
     total_ = 0;
@@ -99,23 +94,43 @@ void ZoomViewMaker::release() {
 
 void ZoomViewMaker::putSample(const std::int16_t* stereo, int n) {
     if (stereo == nullptr) return;
-    int taken = 0;
-    while (taken < n && fed_ < total_) {
-        const int part = std::min(frameLen_ - fill_, n - taken);
-        takeFrames(stereo + (2 * index(taken)), part);
+    for (int taken = 0; taken < n && fed_ < total_;) {
+        const int part = framesToTake(n - taken);
+        const std::int16_t* frames = stereo + 2 * index(taken);
+        filterFrames(frames, part);
+        takeFrames(frames, bass_.get(), part);
         taken += part;
-        if (fill_ == frameLen_ || fed_ >= total_) finishFrame();
     }
 }
 
-void ZoomViewMaker::takeFrames(const std::int16_t* stereo, int n) {
-    std::int16_t* mono = mono_.get() + kHistory + fill_;
-    for (int i = 0; i < n; ++i) {
-        const int sum = stereo[2 * i] + stereo[(2 * i) + 1];
-        mono[i] = static_cast<std::int16_t>(sum / 2);  // toward zero, as the halved sum truncated
+void ZoomViewMaker::putFiltered(const std::int16_t* stereo, const double* bass, int n) {
+    if (stereo == nullptr || bass == nullptr) return;
+    for (int taken = 0; taken < n && fed_ < total_;) {
+        const int part = framesToTake(n - taken);
+        takeFrames(stereo + 2 * index(taken), bass + taken, part);
+        taken += part;
     }
+}
+
+int ZoomViewMaker::framesToTake(int left) const {
+    return std::min(frameLen_ - fill_, left);
+}
+
+void ZoomViewMaker::filterFrames(const std::int16_t* stereo, int n) {
+    for (int i = 0; i < n; ++i) {
+        const int sum = stereo[2 * i] + stereo[2 * i + 1];
+        mono_[index(i)] = sum / 2;  // toward zero, as the halved sum truncated
+    }
+    bassFilter_.operate(mono_.get(), bass_.get(), n);
+}
+
+// The halved magnitudes of the sums are those of the mono signal.
+void ZoomViewMaker::takeFrames(const std::int16_t* stereo, const double* bass, int n) {
+    framePeak_ = std::max(framePeak_, largestSum(stereo, n) / 2);
+    bassPeak_ = std::max(bassPeak_, largestMagnitude(bass, n));
     fill_ += n;
     fed_ += n;
+    if (fill_ == frameLen_ || fed_ >= total_) finishFrame();
 }
 
 void ZoomViewMaker::finishFrame() {
@@ -130,61 +145,13 @@ void ZoomViewMaker::finishFrame() {
 }
 
 void ZoomViewMaker::analyzeZV() {
-    const int peak = framePeak();
+    const int peak = std::min(framePeak_, kFullScale);
+    const int bassPeak = std::min(truncToInt32(bassPeak_), kFullScale);
     trackPeak_ = std::max(trackPeak_, peak);
-    filterFrame();
-    points_[index(count_)] = {static_cast<std::int16_t>(peak), colorOf(lowPeak(), peak)};
-    keepHistory();
+    points_[index(count_)] = {static_cast<std::int16_t>(peak), colorOf(bassPeak, peak)};
+    framePeak_ = 0;
+    bassPeak_ = 0.0;
     ++count_;
-}
-
-int ZoomViewMaker::framePeak() const {
-    const std::int16_t* mono = mono_.get() + kHistory;
-    int peak = 0;
-    for (int i = 0; i < fill_; ++i) peak = std::max(peak, std::abs(static_cast<int>(mono[i])));
-    return std::min(peak, kFullScale);
-}
-
-// One pass: the feed-forward terms of the next values are ready while the feedback waits for the last one.
-void ZoomViewMaker::filterFrame() {
-    const std::int16_t* in = mono_.get() + kHistory;
-    double* out = low_.get() + kHistory;
-    const double b0 = b0_;
-    const double b1 = b1_;
-    const double b2 = b2_;
-    const double a1 = a1_;
-    const double a2 = a2_;
-    double x1 = in[-1];
-    double x2 = in[-2];
-    double y1 = out[-1];
-    double y2 = out[-2];
-    // In silence the output comes to rest at a number that is very slow to compute.
-    const double next = ((((b0 * x1) + (b1 * x1)) + (b2 * x2)) - (a1 * y1)) - (a2 * y2);
-    if (isConstant(mono_.get(), fill_ + 2) && sameBits(y1, y2) && sameBits(next, y1)) {
-        std::fill_n(out, fill_, y1);
-        return;
-    }
-    for (int i = 0; i < fill_; ++i) {
-        const double x = in[i];
-        const double y = ((((b0 * x) + (b1 * x1)) + (b2 * x2)) - (a1 * y1)) - (a2 * y2);
-        out[i] = y;
-        x2 = x1;
-        x1 = x;
-        y2 = y1;
-        y1 = y;
-    }
-}
-
-int ZoomViewMaker::lowPeak() const {
-    const double peak = largestMagnitude(low_.get() + kHistory, fill_);
-    return std::min(truncToInt32(peak), kFullScale);
-}
-
-void ZoomViewMaker::keepHistory() {
-    for (std::size_t i = 0; i < kHistory; ++i) {
-        mono_[i] = mono_[index(fill_) + i];
-        low_[i] = low_[index(fill_) + i];
-    }
 }
 
 int ZoomViewMaker::analyzeLV() {

@@ -4,6 +4,8 @@
 #include <cstdint>
 #include <memory>
 
+#include "dsp/SecondOrderSection.h"
+
 namespace beatatlas {
 
 /** One point of the zoom wave. */
@@ -40,6 +42,13 @@ public:
     /** Feeds n interleaved stereo frames; n < 1, a null array or a maker without arrays does nothing. */
     void putSample(const std::int16_t* stereo, int n);
 
+    /** As putSample(), for frames whose whole mean of both channels has been through bassFilter() already. A track is fed
+     *  in this way or in the other, not in both. */
+    void putFiltered(const std::int16_t* stereo, const double* bass, int n);
+
+    /** What makes the bass of the mono signal; designed by create(). */
+    const SecondOrderSection& bassFilter() const { return bassFilter_; }
+
     /** Scales every raw level made so far against the track's peak and returns count(). The deferred form does this
      *  by itself, once, when the declared length is reached. */
     int analyzeLV();
@@ -52,32 +61,27 @@ public:
 
 private:
     void designLowPass();
-    void takeFrames(const std::int16_t* stereo, int n);
+    int framesToTake(int left) const;
+    void filterFrames(const std::int16_t* stereo, int n);
+    void takeFrames(const std::int16_t* stereo, const double* bass, int n);
     void finishFrame();
     void analyzeZV();
-    int framePeak() const;
-    void filterFrame();
-    int lowPeak() const;
-    void keepHistory();
 
     std::int32_t total_ = 0;
     std::int64_t fed_ = 0;  // passes total by up to one frame, which need not fit 32 bits
     std::int32_t fill_ = 0;
     std::int32_t rate_ = 0;
     std::int32_t frameLen_ = 0;
-    std::int64_t capacity_ = 0;  // points
-    std::unique_ptr<std::int16_t[]>
-        mono_;                       // the frame, after the last two samples of the frame before
-    std::unique_ptr<double[]> low_;  // its bass, after the last two values of the frame before
+    std::int64_t capacity_ = 0;       // points
+    std::unique_ptr<double[]> mono_;  // part of a frame, and its bass
+    std::unique_ptr<double[]> bass_;
+    std::int32_t framePeak_ = 0;  // of the frame in hand
+    double bassPeak_ = 0.0;
     std::int32_t trackPeak_ = 0;
     std::int32_t count_ = 0;
     std::unique_ptr<ZoomPoint[]> points_;
     bool deferred_ = false;
-    double a1_ = 0.0;
-    double a2_ = 0.0;
-    double b0_ = 0.0;
-    double b1_ = 0.0;
-    double b2_ = 0.0;
+    SecondOrderSection bassFilter_;
 };
 
 }  // namespace beatatlas

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "dsp/ConstantQBank.h"
 
+#include <bit>
 #include <cmath>
+#include <cstdint>
 #include <limits>
 #include <vector>
 
@@ -9,6 +11,8 @@
 
 #include "beatatlas/dsp.h"
 #include "support/RoundTowardZero.h"
+#include "support/TrackSynth.h"
+#include "support/VectorForms.h"
 #include "support/signals.h"
 
 namespace {
@@ -46,35 +50,84 @@ TEST_F(ConstantQBankTest, WindowsSpanTheBeatingOfNeighbouringSemitones) {
     EXPECT_EQ(bank.windowLength(24), 1223);
 }
 
-TEST_F(ConstantQBankTest, EqualsThePlainSumInEveryFrame) {
-    const std::vector<float> x = beatatlas::test::whiteNoise(9000, 1.0, 5);
-    ConstantQBank bank(24, 220.0F, 8000.0F);
-    const int hop = 333;
-    const int frames = bank.frameCount(static_cast<long>(x.size()), hop);
-    ASSERT_GT(frames, 8);
-    ASSERT_NE(frames % 4, 0) << "the frames left over are to be met too";
-    for (int k : {0, 1, 11, 23}) {
-        std::vector<float> out(static_cast<std::size_t>(frames));
-        bank.magnitudes(k, x.data(), hop, frames, out.data());
+std::vector<std::uint32_t> bitsOf(const std::vector<float>& values) {
+    std::vector<std::uint32_t> bits;
+    for (float v : values) bits.push_back(std::isnan(v) ? 1U : std::bit_cast<std::uint32_t>(v));
+    return bits;
+}
+
+/** Every bin of every frame, each on its own; one NaN is as good as another. */
+std::vector<float> plainRows(const ConstantQBank& bank, int bins, const std::vector<float>& x,
+                             int hop, int frames, ConstantQBank::Place place) {
+    std::vector<float> rows;
+    for (int k = 0; k < bins; ++k) {
+        const int len = bank.windowLength(k);
+        const int start =
+            place == ConstantQBank::Place::start ? 0 : (bank.frameLength() / 2) - (len / 2);
         const float hz = static_cast<float>(220.0 * std::pow(2.0, k / 12.0));
         for (int j = 0; j < frames; ++j)
-            ASSERT_EQ(out[static_cast<std::size_t>(j)],
-                      plainMagnitude(x.data() + j * hop, bank.windowLength(k), hz, 8000.0F,
-                                     bank.frameLength()))
-                << "bin " << k << " frame " << j;
+            rows.push_back(
+                plainMagnitude(x.data() + start + j * hop, len, hz, 8000.0F, bank.frameLength()));
     }
+    return rows;
+}
+
+class ConstantQBankForms : public ConstantQBankTest {
+protected:
+    /** Counts of frames about the borders of one, two and four vectors of 4, 8 and 16 lanes. */
+    void expectPlainBits(const std::vector<float>& x) {
+        const ConstantQBank bank(5, 220.0F, 8000.0F);
+        for (int frames : {1, 2, 3, 4, 5, 8, 9, 16, 17, 31, 33, 64, 65, 100}) {
+            for (auto place : {ConstantQBank::Place::start, ConstantQBank::Place::middle}) {
+                const auto expected = bitsOf(plainRows(bank, 5, x, 33, frames, place));
+                for (auto form : beatatlas::test::formsOfThisMachine()) {
+                    const beatatlas::test::FormScope scope(form);
+                    std::vector<float> rows(5 * static_cast<std::size_t>(frames));
+                    bank.magnitudes(x.data(), 33, frames, place, rows.data());
+                    ASSERT_EQ(bitsOf(rows), expected)
+                        << frames << ' ' << beatatlas::test::nameOf(form);
+                }
+            }
+        }
+    }
+};
+
+TEST_F(ConstantQBankForms, GiveThePlainSumInEveryFrameOfNoise) {
+    expectPlainBits(beatatlas::test::whiteNoise(6000, 1.0, 5));
+}
+
+TEST_F(ConstantQBankForms, GiveThePlainSumInEveryFrameOfMusic) {
+    beatatlas::test::TrackPlan plan;
+    plan.lengthFrames = 60000;
+    const std::vector<float> music = beatatlas::test::TrackSynth(plan).renderAll().left;
+    expectPlainBits({music.begin() + 40000, music.begin() + 46000});
+}
+
+// Each stands where it meets some frames and not others.
+TEST_F(ConstantQBankForms, GiveThePlainSumWithSamplesThatAreNoMusic) {
+    for (float odd : {std::numeric_limits<float>::quiet_NaN(),
+                      std::numeric_limits<float>::infinity(), 3e38F, 1e-45F, -0.0F}) {
+        std::vector<float> x = beatatlas::test::whiteNoise(6000, 1.0, 6);
+        for (std::size_t at : {700U, 701U, 2000U, 5999U}) x[at] = odd;
+        expectPlainBits(x);
+    }
+    std::vector<float> denormal = beatatlas::test::whiteNoise(6000, 1.0, 7);
+    for (float& v : denormal) v *= 1e-40F;
+    expectPlainBits(denormal);
 }
 
 // A sine of amplitude 1 on the bin gives half of the window's sum, which is (N + 1) / 2; the weight brings every
 // bin to the frame's length: N₀ / 4.
 TEST_F(ConstantQBankTest, APureToneGivesTheSameMagnitudeInEveryBin) {
-    ConstantQBank bank(72, 27.5F, 4000.0F);
+    const ConstantQBank bank(72, 27.5F, 4000.0F);
     for (int k : {12, 30, 48, 60}) {
         const double hz = 27.5 * std::pow(2.0, k / 12.0);
         const std::vector<float> x = beatatlas::test::sine(6000, hz, 4000, 1.0);
-        float out = 0.0F;
-        bank.magnitudes(k, x.data(), 1, 1, &out);
-        EXPECT_NEAR(out, bank.frameLength() / 4.0, 0.03 * bank.frameLength() / 4.0) << k;
+        std::vector<float> out(72);
+        bank.magnitudes(x.data(), 1, 1, ConstantQBank::Place::start, out.data());
+        EXPECT_NEAR(out[static_cast<std::size_t>(k)], bank.frameLength() / 4.0,
+                    0.03 * bank.frameLength() / 4.0)
+            << k;
     }
 }
 

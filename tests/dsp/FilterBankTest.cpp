@@ -14,6 +14,7 @@
 #include <gtest/gtest.h>
 
 #include "dsp/IirPassFilter.h"
+#include "dsp/LowPathFilter2D.h"
 #include "dsp/TestNoise.h"
 #include "support/RoundTowardZero.h"
 #include "support/VectorForms.h"
@@ -195,6 +196,102 @@ TEST_F(FilterBankTest, CascadeWithoutOutputDoesNotHearTheBlock) {
                 }
             }
         }
+    }
+}
+
+using Levels = std::array<std::vector<double>, FilterBank::kLevels>;
+
+/** Sections over the 16-bit signal, a different one for each cascade. */
+struct LevelSections {
+    LevelSections() {
+        constexpr double kCorners[] = {150.0, 250.0, 90.0};
+        for (int level = 0; level < FilterBank::kLevels; ++level)
+            filters[level].create(kCorners[level], 44100.0);
+    }
+
+    /** What each cascade gives for the signal, section by section and sample by sample. */
+    Levels outputs(const std::vector<std::int16_t>& stereo) const {
+        SecondOrderSection twice[2] = {filters[0].section(), filters[0].section()};
+        SecondOrderSection once = filters[1].section();
+        SecondOrderSection whole = filters[2].section();
+        Levels levels;
+        for (std::size_t i = 0; i < stereo.size(); i += 2) {
+            const double mean = (stereo[i] + stereo[i + 1]) / 2.0;
+            levels[FilterBank::kTwice].push_back(twice[1].step(twice[0].step(mean)));
+            levels[FilterBank::kOnce].push_back(once.step(mean));
+            levels[FilterBank::kWhole].push_back(whole.step(std::trunc(mean)));
+        }
+        return levels;
+    }
+
+    void design(FilterBank& bank) const {
+        for (int level = 0; level < FilterBank::kLevels; ++level)
+            bank.designLevel(static_cast<FilterBank::Level>(level), filters[level].section());
+    }
+
+    LowPathFilter2D filters[FilterBank::kLevels];
+};
+
+std::vector<std::int16_t> stereoNoise(std::size_t frames) {
+    const std::vector<float> noise = whiteNoise(2 * frames, 12);
+    std::vector<std::int16_t> stereo;
+    for (const float sample : noise) stereo.push_back(static_cast<std::int16_t>(sample * 32767.0F));
+    stereo[0] = stereo[1] = stereo[2] = -32768;
+    stereo[3] = 32767;
+    stereo[4] = stereo[5] = 32767;
+    return stereo;
+}
+
+TEST_F(FilterBankTest, SectionsOverThe16BitSignalGiveTheirOwnBitsBesideTheBands) {
+    constexpr std::size_t kFrames = 1500;
+    const std::vector<float> mono = whiteNoise(kFrames, 8);
+    const std::vector<std::int16_t> stereo = stereoNoise(kFrames);
+    const LevelSections sections;
+    const Levels expected = sections.outputs(stereo);
+    const Signals bands = plainOutputs(mono);
+    for (const VectorForm form : formsOfThisMachine()) {
+        SCOPED_TRACE(nameOf(form));
+        const FormScope scope(form);
+        for (const std::size_t block :
+             {1U, 4U, 5U, 6U, 7U, 13U, 127U, 128U, 129U, 133U, 588U, 640U}) {
+            FilterBank bank;
+            designAll(bank);
+            sections.design(bank);
+            Levels levels;
+            Signals got;
+            for (std::vector<double>& level : levels) level.resize(kFrames);
+            for (std::vector<float>& band : got) band.resize(kFrames);
+            for (std::size_t at = 0; at < kFrames; at += block) {
+                FilterBank::Outputs outputs{};
+                for (std::size_t c = 0; c < kCascades; ++c) outputs[c] = got[c].data() + at;
+                bank.operate(mono.data() + at, stereo.data() + 2 * at, outputs,
+                             {levels[0].data() + at, levels[1].data() + at, levels[2].data() + at},
+                             static_cast<int>(std::min(block, kFrames - at)));
+            }
+            EXPECT_EQ(levels, expected) << block;
+            expectSame(bands, got);
+        }
+    }
+}
+
+TEST_F(FilterBankTest, SectionWithoutOutputDoesNotHearTheBlock) {
+    const std::vector<float> mono(600, 0.25F);
+    const std::vector<std::int16_t> stereo = stereoNoise(600);
+    const LevelSections sections;
+    FilterBank bank;
+    designAll(bank);
+    sections.design(bank);
+    std::vector<double> got(600);
+    for (int third = 0; third < 3; ++third) {
+        double* out = third == 1 ? nullptr : got.data() + 200 * third;
+        bank.operate(mono.data(), stereo.data() + 400 * third, {}, {out, nullptr, nullptr}, 200);
+    }
+    std::vector<std::int16_t> heard(stereo.begin(), stereo.begin() + 400);
+    heard.insert(heard.end(), stereo.begin() + 800, stereo.end());
+    const std::vector<double> expected = sections.outputs(heard)[FilterBank::kTwice];
+    for (std::size_t i = 0; i < 200; ++i) {
+        EXPECT_EQ(got[i], expected[i]) << i;
+        EXPECT_EQ(got[400 + i], expected[200 + i]) << i;
     }
 }
 

@@ -72,4 +72,22 @@ TEST_F(SampleBlocksTest, EmptyBlocksDoNothing) {
     }
 }
 
+TEST_F(SampleBlocksTest, LargestSumIsThatOfTheLoudestFrameInEveryForm) {
+    std::vector<std::int16_t> quiet(2 * 70, 3);
+    for (auto form : beatatlas::test::formsOfThisMachine()) {
+        const beatatlas::test::FormScope scope(form);
+        EXPECT_EQ(beatatlas::largestSum(quiet.data(), 0), 0);
+        for (std::size_t loud = 0; loud < 70; ++loud) {
+            auto stereo = quiet;
+            stereo[2 * loud] = stereo[2 * loud + 1] = -32768;
+            EXPECT_EQ(beatatlas::largestSum(stereo.data(), 70), 65536) << loud;
+            EXPECT_EQ(beatatlas::largestSum(stereo.data(), static_cast<int>(loud)),
+                      loud == 0 ? 0 : 6);
+            stereo[2 * loud] = 32767;
+            stereo[2 * loud + 1] = 100;
+            EXPECT_EQ(beatatlas::largestSum(stereo.data(), 70), 32867) << loud;
+        }
+    }
+}
+
 }  // namespace

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "envelope/ChunkCollector.h"
 
+#include <algorithm>
 #include <limits>
 #include <vector>
 
@@ -113,6 +114,32 @@ TEST_F(ChunkCollectorTest, TakesNothingOfBadBlocksAndLengths) {
 // (2^31 − 1 + 127) / 128 = 2^24 + 0.98.
 TEST_F(ChunkCollectorTest, CountsTheValuesOfTheLongestTrack) {
     EXPECT_EQ(ChunkCollector::valueCount(std::numeric_limits<int>::max()), 16777216U);
+}
+
+TEST_F(ChunkCollectorTest, FilteredValuesCloseTheSameChunksByTheirFirstValue) {
+    const Stereo audio = stereoNoise(1000);
+    std::vector<double> mono;
+    for (std::size_t i = 0; i < 1000; ++i) mono.push_back(monoOfFrame(audio.data() + 2 * i));
+    for (const int length : {700, 768, 1000}) {
+        const std::vector<Chunk> expected = collect(audio, length, 1000);
+        for (const int block : {1, 127, 128, 129, 588, 1000}) {
+            ChunkCollector chunks;
+            chunks.create(length);
+            std::size_t count = 0;
+            for (int at = 0; at < 1000; at += block)
+                chunks.putFiltered(mono.data() + at, std::min(block, 1000 - at),
+                                   [&](double first, std::size_t index) {
+                                       ASSERT_LT(count, expected.size());
+                                       EXPECT_EQ(index, expected[count].index);
+                                       EXPECT_EQ(first, expected[count].mono[0]);
+                                       ++count;
+                                   });
+            EXPECT_EQ(count, expected.size()) << length << ", " << block;
+        }
+    }
+    ChunkCollector chunks;
+    chunks.create(1000);
+    chunks.putFiltered(nullptr, 10, [](double, std::size_t) { FAIL(); });
 }
 
 }  // namespace

@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: MIT
+#include <algorithm>
+#include <cfenv>
 #include <climits>
 #include <cmath>
+#include <cstring>
 #include <vector>
 
 #include <gmock/gmock.h>
@@ -9,6 +12,7 @@
 #include "beatatlas/utilities.h"
 #include "support/RoundTowardZero.h"
 #include "support/TrackSynth.h"
+#include "support/VectorForms.h"
 #include "support/signals.h"
 
 namespace beatatlas::test {
@@ -154,6 +158,34 @@ TEST_F(CutBeatsTest, AgreesWithTheMethodWrittenOut) {
     EXPECT_EQ(cut(music, 44100.0F, 4, 3), cutPlainly(music, 1024, 296, 44100.0F));
     // 30,000 samples at 1000 Hz are half a minute: long.
     EXPECT_EQ(cut(music, 1000.0F, 2, 4), cutPlainly(music, 2048, 1152, 1000.0F));
+}
+
+// 40 frames: batches of 16 and a rest. In a gated frame zeros of either sign remain.
+TEST_F(CutBeatsTest, EveryFormGivesTheBitsOfTheMethodWrittenOut) {
+    TrackPlan plan;
+    plan.lengthFrames = 26000;
+    std::vector<float> music = TrackSynth(plan).renderAll().left;
+    std::fill(music.begin() + 9000, music.begin() + 15000, 0.0F);
+    music[20000] = 1e-45F;
+    const std::vector<float> expected = cutPlainly(music, 4096, 512, 44100.0F);
+    for (const auto form : formsOfThisMachine()) {
+        const FormScope scope(form);
+        const std::vector<float> got = cut(music, 44100.0F, 1, 0);
+        EXPECT_EQ(std::memcmp(got.data(), expected.data(), sizeof(float) * got.size()), 0)
+            << nameOf(form);
+    }
+}
+
+// Rounded down, the sum of a zero and a negative zero is negative: the one mode that shows the signs of silent bins.
+TEST_F(CutBeatsTest, SilentBinsKeepTheSignsOfTheirZeros) {
+    std::vector<float> in = whiteNoise(9000, 1000.0, 5);
+    std::fill(in.begin(), in.begin() + 5000, 0.0F);
+    for (const int mode : {FE_DOWNWARD, FE_UPWARD, FE_TONEAREST}) {
+        std::fesetround(mode);
+        const std::vector<float> got = cut(in, 44100.0F, 1, 0);
+        const std::vector<float> expected = cutPlainly(in, 4096, 512, 44100.0F);
+        EXPECT_EQ(std::memcmp(got.data(), expected.data(), sizeof(float) * got.size()), 0) << mode;
+    }
 }
 
 // Frames of 32 and 16 have 16 and 8 bins in the half, fewer than the bass limit covers; 8 has no bin to gate.

@@ -8,6 +8,7 @@
 #include <gmock/gmock.h>
 
 #include "support/RoundTowardZero.h"
+#include "support/VectorForms.h"
 #include "support/signals.h"
 
 namespace beatatlas::test {
@@ -140,6 +141,37 @@ TEST_F(OctaveGateTest, KeepsWhatIsNotANumber) {
 
 TEST_F(OctaveGateTest, ASpectrumWithoutBinsIsLeftAlone) {
     OctaveGate(0).apply(nullptr);
+}
+
+// Sums grow in blocks of 16, 32 and 64, so lengths about these.
+TEST_F(OctaveGateTest, GivesThePlainBitsInEveryForm) {
+    for (const std::size_t bins : {0, 1, 3, 5, 15, 16, 17, 31, 33, 63, 64, 65, 129, 500, 2048}) {
+        std::vector<float> magnitudes = whiteNoise(bins, 1000.0, bins + 1);
+        for (float& m : magnitudes) m = std::fabs(m);
+        for (const auto form : formsOfThisMachine()) {
+            const FormScope scope(form);
+            ASSERT_EQ(gated(magnitudes), gatedPlainly(magnitudes)) << bins << nameOf(form);
+        }
+    }
+}
+
+// What is no number spoils the octaves that hold it, and no other.
+TEST_F(OctaveGateTest, GivesThePlainBitsAmongAbsurdMagnitudesInEveryForm) {
+    for (const float odd : {HUGE_VALF, 3e38F, 1e-45F, 0.0F}) {
+        std::vector<float> magnitudes = whiteNoise(600, 1000.0, 9);
+        for (float& m : magnitudes) m = std::fabs(m);
+        magnitudes[40] = magnitudes[333] = odd;
+        for (const auto form : formsOfThisMachine()) {
+            const FormScope scope(form);
+            ASSERT_EQ(gated(magnitudes), gatedPlainly(magnitudes)) << odd << nameOf(form);
+            magnitudes[40] = std::nanf("");
+            const std::vector<float> got = gated(magnitudes);
+            const std::vector<float> expected = gatedPlainly(magnitudes);
+            for (std::size_t k = 0; k < got.size(); ++k)
+                ASSERT_TRUE(got[k] == expected[k] || k == 40) << k << nameOf(form);
+            magnitudes[40] = odd;
+        }
+    }
 }
 
 }  // namespace

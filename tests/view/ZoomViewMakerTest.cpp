@@ -478,5 +478,26 @@ TEST_F(ZoomViewMakerTest, AllocatesNothingWhileFeeding) {
     EXPECT_EQ(maker.count(), 29);
 }
 
+TEST_F(ZoomViewMakerTest, BassMadeElsewhereDrawsTheSameWave) {
+    const std::vector<float> noise = test::whiteNoise(2 * 5003, 31);
+    Stereo stereo;
+    for (std::size_t i = 0; i < noise.size(); ++i)
+        stereo.push_back(static_cast<std::int16_t>(noise[i] * (i < 4000 ? 3000.0F : 32767.0F)));
+    for (const int block : {1, 293, 294, 295, 588, 5003}) {
+        ZoomViewMaker maker;
+        ASSERT_TRUE(maker.create(44100, 5003, 150, true));
+        SecondOrderSection filter = maker.bassFilter();
+        std::vector<double> bass;
+        for (std::size_t i = 0; i < stereo.size(); i += 2)
+            bass.push_back(filter.step((stereo[i] + stereo[i + 1]) / 2));
+        for (int at = 0; at < 5003; at += block)
+            maker.putFiltered(&stereo[2 * static_cast<std::size_t>(at)], bass.data() + at,
+                              std::min(block, 5003 - at));
+        maker.putFiltered(nullptr, bass.data(), 1);
+        maker.putFiltered(stereo.data(), nullptr, 1);
+        EXPECT_THAT(points(maker), ElementsAreArray(waveOf(stereo, true, 44100, 588))) << block;
+    }
+}
+
 }  // namespace
 }  // namespace beatatlas

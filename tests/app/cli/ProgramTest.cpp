@@ -18,7 +18,8 @@ TEST(Program, PrintsHelpAsAResult) {
     const ToolRun run = runTool({"--help"});
     EXPECT_EQ(run.exitStatus, 0);
     EXPECT_EQ(run.err, "");
-    for (const char* part : {"analyze", "draw", "--version", "Exit status", "130"}) {
+    for (const char* part :
+         {"analyze", "draw", "pitch", "key", "cut", "--version", "Exit status", "130"}) {
         EXPECT_THAT(run.out, HasSubstr(part));
     }
 }
@@ -34,6 +35,12 @@ TEST(Program, PrintsHelpForEachCommand) {
     EXPECT_EQ(draw.exitStatus, 0);
     for (const char* part : {"--output", "--from", "--span", "--width"})
         EXPECT_THAT(draw.out, HasSubstr(part));
+    const ToolRun key = runTool({"key", "--help"});
+    for (const char* part : {"FILE", "--json", "--pitch", "--mode", "--partial"})
+        EXPECT_THAT(key.out, HasSubstr(part));
+    const ToolRun cut = runTool({"cut", "--help"});
+    for (const char* part : {"--output", "--mode", "--div", "--float", "--partial"})
+        EXPECT_THAT(cut.out, HasSubstr(part));
 }
 
 TEST(Program, PrintsItsVersion) {
@@ -60,7 +67,20 @@ TEST(Program, RefusesACommandLineItDoesNotUnderstand) {
         {"draw", "x", "-o", "y.jpg"},
         {"draw", "x", "y", "-o", "z.png"},
         {"draw", "x", "-o", "y.png", "--width", "5"},
-        {"draw", "x", "-o", "y.png", "--span", "0"}};
+        {"draw", "x", "-o", "y.png", "--span", "0"},
+        {"pitch"},
+        {"pitch", "--mode", "5", "x"},
+        {"pitch", "--mode", "1.5", "x"},
+        {"pitch", "--waves", "x"},
+        {"key", "--pitch", "300", "x"},
+        {"key", "--pitch", "nan", "x"},
+        {"key", "--mode", "-1", "x"},
+        {"cut", "x"},
+        {"cut", "x", "-o", "-"},
+        {"cut", "x", "-o", "y.mp3"},
+        {"cut", "x", "-o", "y.wav", "--div", "3"},
+        {"cut", "x", "-o", "y.wav", "--mode", "5"},
+        {"cut", "x", "y", "-o", "z.wav"}};
     for (const auto& arguments : wrong) {
         const ToolRun run = runTool(arguments);
         EXPECT_EQ(run.exitStatus, 2) << testing::PrintToString(arguments);

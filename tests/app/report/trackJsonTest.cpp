@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
+#include "report/jsonParts.h"
 #include "support/Reports.h"
 
 namespace app {

@@ -2,6 +2,7 @@
 #include "support/Sounds.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <numbers>
 
@@ -36,6 +37,53 @@ Sound tone(int rate, int channels, double seconds, double hertz, double amplitud
         channel[i] = static_cast<float>(amplitude * std::sin(phase));
     }
     return {rate, std::vector<std::vector<float>>(static_cast<std::size_t>(channels), channel)};
+}
+
+void mixInto(Sound& sound, const Sound& added) {
+    for (auto& channel : sound.channels) {
+        for (std::size_t i = 0; i < channel.size() && i < added.frames(); ++i)
+            channel[i] += added.channels[0][i];
+    }
+}
+
+Sound cadence(int rate, int channels, double seconds, int key, double referenceHz) {
+    constexpr std::array<int, 4> kDegrees = {0, 5, 7, 0};
+    const int third = key < 12 ? 4 : 3;
+    std::vector<float> channel(static_cast<std::size_t>(std::lround(seconds * rate)));
+    for (std::size_t i = 0; i < channel.size(); ++i) {
+        const double time = static_cast<double>(i) / rate;
+        const int root = key % 12 + kDegrees[static_cast<std::size_t>(time) % kDegrees.size()];
+        const double fade = 1.0 - 0.9 * (time - std::floor(time));
+        double sum = 0.0;
+        for (const int note : {root - 12, root, root + third, root + 7}) {
+            const double hertz = referenceHz * std::exp2((note % 12) / 12.0 - (note < 0 ? 1 : 0));
+            sum += std::sin(2.0 * std::numbers::pi * hertz * time);
+        }
+        channel[i] = static_cast<float>(0.12 * fade * sum);
+    }
+    return {rate, std::vector<std::vector<float>>(static_cast<std::size_t>(channels), channel)};
+}
+
+Sound kicks(int rate, double seconds, double amplitude) {
+    std::vector<float> channel(static_cast<std::size_t>(std::lround(seconds * rate)));
+    for (std::size_t i = 0; i < channel.size(); ++i) {
+        const double time = std::fmod(static_cast<double>(i) / rate, 0.5);
+        const double phase = 2.0 * std::numbers::pi * 60.0 * time;
+        channel[i] = static_cast<float>(amplitude * std::exp(-time / 0.03) * std::sin(phase));
+    }
+    return {rate, {channel}};
+}
+
+double levelAt(const std::vector<float>& channel, int rate, double hertz, std::size_t from,
+               std::size_t count) {
+    double re = 0.0;
+    double im = 0.0;
+    for (std::size_t i = from; i < from + count; ++i) {
+        const double phase = 2.0 * std::numbers::pi * hertz * static_cast<double>(i) / rate;
+        re += static_cast<double>(channel.at(i)) * std::cos(phase);
+        im += static_cast<double>(channel.at(i)) * std::sin(phase);
+    }
+    return 2.0 * std::hypot(re, im) / static_cast<double>(count);
 }
 
 void Recorder::put(StereoBlock& block) {

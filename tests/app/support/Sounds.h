@@ -23,6 +23,20 @@ Sound clicks(int rate, int channels, double seconds, const std::vector<double>& 
 /** One tone, alike on all channels. */
 Sound tone(int rate, int channels, double seconds, double hertz, double amplitude);
 
+/** Adds one mono sound to every channel of another, from its beginning. */
+void mixInto(Sound& sound, const Sound& added);
+
+/** Triads on the degrees I, IV, V, I of a key, a second each, over and over; sines on notes around A4.
+ *  @param key  as the library numbers it: 0 to 11 major from A upward, 12 to 23 minor */
+Sound cadence(int rate, int channels, double seconds, int key, double referenceHz);
+
+/** A bass drum every half second: 60 Hz, dying away within 0.1 s. */
+Sound kicks(int rate, double seconds, double amplitude);
+
+/** Level of a tone within a channel from a frame on, as the amplitude of a sine. */
+double levelAt(const std::vector<float>& channel, int rate, double hertz, std::size_t from,
+               std::size_t count);
+
 /** Gathers a decoded track. */
 class Recorder : public TrackSink {
 public:

@@ -1,0 +1,83 @@
+// SPDX-License-Identifier: MIT
+#include "analysis/BeatCutter.h"
+
+#include <algorithm>
+#include <array>
+#include <limits>
+
+#include <fmt/format.h>
+#include <unistd.h>
+
+#include "analysis/LibraryCall.h"
+#include "beatatlas/utilities.h"
+#include "io/Interrupt.h"
+#include "io/errors.h"
+
+namespace app {
+
+namespace {
+
+constexpr std::size_t kUndividedFrame = 4096;
+constexpr std::size_t kMostFrames = std::numeric_limits<int>::max();
+constexpr double kShortSeconds = 30.0;
+constexpr double kGigabyte = 1e9;
+
+// Hops by mode before they are divided, for tracks of 30 s and more; short ones need little memory anyway.
+constexpr std::array<double, 5> kLongHops = {512.0, 1024.0, 1488.0, 1720.0, 2304.0};
+
+double physicalMemoryBytes() {
+    return static_cast<double>(sysconf(_SC_PHYS_PAGES)) *
+           static_cast<double>(sysconf(_SC_PAGESIZE));
+}
+
+}  // namespace
+
+std::size_t BeatCutter::frameLength() const {
+    return kUndividedFrame / static_cast<std::size_t>(options_.div);
+}
+
+/** One frame of silence before, so that the first sound lies under as many frames as every other; three behind, since
+ *  the frames end up to two hops early. */
+std::size_t BeatCutter::paddedLength(std::size_t frames) const {
+    return frames + 4 * frameLength();
+}
+
+double BeatCutter::bytesFor(const Recording& recording) const {
+    const bool isShort = static_cast<double>(recording.frames()) < kShortSeconds * recording.rate;
+    const double hop = isShort ? kLongHops[0] : kLongHops[static_cast<std::size_t>(options_.mode)];
+    // Magnitude and phase of half a frame's bins for every hop; the padded channel and the library's sum.
+    const double working = 8.0 * (static_cast<double>(kUndividedFrame) / 2.0) / hop + 8.0;
+    const double kept = 4.0 * static_cast<double>(recording.channels.size());
+    return (working + kept) * static_cast<double>(recording.frames());
+}
+
+void BeatCutter::refuseTooLong(const Recording& recording) const {
+    if (paddedLength(recording.frames()) > kMostFrames)
+        throw TrackError("is too long: more than 2,147,000,000 frames cannot be cut");
+    const double needed = bytesFor(recording);
+    const double present = physicalMemoryBytes();
+    if (present <= 0.0 || needed <= present) return;
+    throw TrackError(fmt::format("is too long: cutting it takes {:.1f} GB of memory, and there are "
+                                 "{:.1f} GB (a higher --mode takes less)",
+                                 needed / kGigabyte, present / kGigabyte));
+}
+
+void BeatCutter::cut(Recording& recording, const std::function<void(double)>& shown) const {
+    refuseTooLong(recording);
+    std::vector<float> padded;
+    double done = 0.0;
+    for (auto& channel : recording.channels) {
+        Interrupt::check();
+        shown(done++ / static_cast<double>(recording.channels.size()));
+        padded.assign(paddedLength(channel.size()), 0.0F);
+        const auto start = padded.begin() + static_cast<std::ptrdiff_t>(frameLength());
+        std::copy(channel.begin(), channel.end(), start);
+        libraryCall([&] {
+            CutBeats(padded.data(), padded.data(), static_cast<int>(padded.size()),
+                     static_cast<float>(recording.rate), options_.div, options_.mode);
+        });
+        std::copy_n(start, channel.size(), channel.begin());
+    }
+}
+
+}  // namespace app

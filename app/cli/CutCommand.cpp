@@ -1,0 +1,92 @@
+// SPDX-License-Identifier: MIT
+#include "cli/CutCommand.h"
+
+#include <algorithm>
+
+#include <CLI/CLI.hpp>
+
+#include "audio/RecordingChain.h"
+#include "audio/waveFile.h"
+#include "cli/bracketGuard.h"
+#include "cli/numberBetween.h"
+#include "io/OutputFile.h"
+#include "io/fileEnding.h"
+
+namespace app {
+
+namespace {
+
+constexpr int kMostCutMode = 4;
+
+// How the work is shared out on the progress line.
+constexpr double kDecoded = 0.15;
+constexpr double kCut = 0.95;
+
+std::string requireDiv(const std::string& text) {
+    for (const char* div : {"1", "2", "4", "8", "16"}) {
+        if (text == div) return {};
+    }
+    return "takes 1, 2, 4, 8 or 16, not " + text;
+}
+
+}  // namespace
+
+void CutCommand::declare(CLI::App& arguments) {
+    arguments.add_option("FILE", path_, "a track of any common audio format")
+        ->required()
+        ->option_text(" ");
+    arguments.add_option("-o,--output", outputPath_, "the result: a name that ends in .wav")
+        ->required()
+        ->option_text("OUT");
+    arguments
+        .add_option("--mode", options_.mode,
+                    "how far apart the frames lie: 0 (closest; default) to 4 (quickest, least\n"
+                    "memory); above 1 the sound wavers")
+        ->check(wholeNumberBetween(0, kMostCutMode))
+        ->option_text("MODE");
+    arguments
+        .add_option(
+            "--div", options_.div,
+            "how short the frames are: 4096 samples divided by 1 (default), 2, 4, 8 or 16;\n"
+            "the shorter, the higher reaches what is held down with the bass drum")
+        ->check(CLI::Validator(requireDiv, ""))
+        ->option_text("DIV");
+    arguments.add_flag("--float", asFloat_, "write 32-bit floats instead of 16-bit integers");
+    tracks_.declare(arguments);
+}
+
+ExitCode CutCommand::run(ResultStream&) {
+    tracks_.settle();
+    const std::string path = unguarded(path_);
+    const std::string outputPath = unguarded(outputPath_);
+    if (!hasEnding(outputPath, ".wav"))
+        throw UsageError("the result's name must end in .wav (--output)");
+    OutputFile::requireWritable(outputPath);
+    if (OutputFile::isSameFile(path, outputPath))
+        throw UsageError("the result would replace the track itself");
+    const auto file = tracks_.attempt(
+        path, [&](ProgressLine& progress) { return cutTrack(path, outputPath, progress); });
+    return file ? kExitDone : kExitFailed;
+}
+
+TrackFile CutCommand::cutTrack(const std::string& path, const std::string& outputPath,
+                               ProgressLine& progress) const {
+    TrackDecoder decoder(path);
+    const double expectedSeconds = std::max(1.0, decoder.declaredSeconds().value_or(0.0));
+    RecordingChain chain(expectedSeconds, [&](std::size_t frames) {
+        const double seconds = static_cast<double>(frames) / chain.trackRate();
+        progress.show("decoding", kDecoded * std::min(1.0, seconds / expectedSeconds));
+    });
+    decoder.run(chain);
+    Recording& recording = chain.recording();
+    const auto file = usableTrack(path, decoder, static_cast<std::int64_t>(recording.frames()),
+                                  tracks_.acceptsCutOff());
+    BeatCutter(options_).cut(recording, [&](double done) {
+        progress.show("cutting", kDecoded + done * (kCut - kDecoded));
+    });
+    writeWave(outputPath, recording, asFloat_ ? WaveSamples::float32 : WaveSamples::int16,
+              [&](double done) { progress.show("writing", kCut + done * (1.0 - kCut)); });
+    return file;
+}
+
+}  // namespace app

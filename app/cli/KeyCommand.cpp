@@ -1,0 +1,38 @@
+// SPDX-License-Identifier: MIT
+#include "cli/KeyCommand.h"
+
+#include <CLI/CLI.hpp>
+
+#include "analysis/bufferFinders.h"
+#include "cli/numberBetween.h"
+#include "report/KeyEntry.h"
+
+namespace app {
+
+namespace {
+
+// A whole tone below 440 Hz, as French baroque music has it, to a whole tone above.
+constexpr double kLowestPitchHz = 390.0;
+constexpr double kHighestPitchHz = 495.0;
+
+}  // namespace
+
+void KeyCommand::declareOwn(CLI::App& arguments, CLI::Option*) {
+    arguments
+        .add_option("--pitch", options_.pitchHz,
+                    "what A4 is tuned to (default: found as by `beatatlas pitch`)")
+        ->check(numberBetween(kLowestPitchHz, kHighestPitchHz))
+        ->option_text("HZ");
+    arguments
+        .add_option("--mode", options_.mode,
+                    "weights by which the buffer's key is scored, 0 (default) to 4")
+        ->check(wholeNumberBetween(kLeastFinderMode, kMostFinderMode))
+        ->option_text("MODE");
+}
+
+std::unique_ptr<ReportEntry> KeyCommand::examine(const std::string& path) {
+    const KeyAnalyzer analyzer(options_, tracks().acceptsCutOff());
+    return examineBy<KeyEntry>(analyzer, path);
+}
+
+}  // namespace app

@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "analysis/KeyAnalyzer.h"
+#include "cli/TracksCommand.h"
+
+namespace app {
+
+/** `beatatlas key FILE…`: the key of these tracks by both of the library's finders. */
+class KeyCommand : public TracksCommand {
+public:
+    std::string name() const override { return "key"; }
+    std::string description() const override {
+        return "Tell the key of tracks at their own concert pitch, by both key finders";
+    }
+
+private:
+    void declareOwn(CLI::App& arguments, CLI::Option* json) override;
+    std::string documentFormat() const override { return "beatatlas.key"; }
+    std::unique_ptr<ReportEntry> examine(const std::string& path) override;
+
+    KeyOptions options_;
+};
+
+}  // namespace app

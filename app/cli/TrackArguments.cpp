@@ -1,0 +1,38 @@
+// SPDX-License-Identifier: MIT
+#include "cli/TrackArguments.h"
+
+#include <CLI/CLI.hpp>
+
+#include "audio/ffmpeg.h"
+#include "cli/messages.h"
+#include "io/StandardStreams.h"
+#include "report/textFormat.h"
+
+namespace app {
+
+void TrackArguments::declare(CLI::App& arguments) {
+    arguments.add_flag("--partial", acceptsCutOff_,
+                       "take what is there of a track that was cut off");
+    arguments.add_flag("-q,--quiet", isQuiet_, "show no progress");
+    arguments.add_flag("-v,--verbose", isVerbose_,
+                       "show on standard error what the library and the decoders have to say");
+}
+
+void TrackArguments::settle() const {
+    if (isVerbose_) StandardStreams::showLibraryLines();
+    showFfmpegMessages(isVerbose_);
+}
+
+void TrackArguments::warnOf(const TrackFile& file) {
+    if (file.isCutOff) printFileWarning(file.path, "is cut off; only its beginning was taken");
+    if (file.damagedPackets == 0) return;
+    const std::string places = counted(file.damagedPackets, "damaged place");
+    printFileWarning(file.path, places + " could not be decoded; silence was put there");
+}
+
+void TrackArguments::fail(const std::string& path, const std::string& reason) {
+    failure_ = reason;
+    printFileError(path, reason);
+}
+
+}  // namespace app

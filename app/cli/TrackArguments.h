@@ -1,0 +1,63 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <functional>
+#include <new>
+#include <optional>
+#include <string>
+#include <type_traits>
+
+#include "analysis/TrackFile.h"
+#include "io/ProgressLine.h"
+#include "io/errors.h"
+
+namespace CLI {
+class App;
+}
+
+namespace app {
+
+/** The arguments of every command that reads tracks, and what goes with each track: progress, warnings, the reason
+ *  why it failed. */
+class TrackArguments {
+public:
+    void declare(CLI::App& arguments);
+
+    /** Before the first track. */
+    void settle() const;
+
+    bool acceptsCutOff() const { return acceptsCutOff_; }
+
+    /** Works on one track, with progress and warnings on standard error.
+     *  @param work  takes a ProgressLine, gives something that is a TrackFile
+     *  @return nothing when the track failed; the reason, which went to standard error too, is in failure() */
+    template <class Work>
+    auto attempt(const std::string& path, Work work)
+        -> std::optional<std::invoke_result_t<Work, ProgressLine&>> {
+        try {
+            ProgressLine progress(path, !isQuiet_ && !isVerbose_);
+            auto result = work(progress);
+            progress.clear();
+            warnOf(result);
+            return result;
+        } catch (const TrackError& error) {
+            fail(path, error.what());
+        } catch (const std::bad_alloc&) {
+            fail(path, "there is not enough memory");
+        }
+        return std::nullopt;
+    }
+
+    const std::string& failure() const { return failure_; }
+
+private:
+    static void warnOf(const TrackFile& file);
+    void fail(const std::string& path, const std::string& reason);
+
+    bool acceptsCutOff_ = false;
+    bool isQuiet_ = false;
+    bool isVerbose_ = false;
+    std::string failure_;
+};
+
+}  // namespace app

@@ -1,0 +1,61 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "cli/Command.h"
+#include "cli/TrackArguments.h"
+#include "report/ReportEntry.h"
+#include "report/ReportWriter.h"
+
+namespace CLI {
+class Option;
+}
+
+namespace app {
+
+/** A command that takes any number of tracks and tells of each what it found, as text or JSON. A track that fails
+ *  keeps none of the others from being told. */
+class TracksCommand : public Command {
+public:
+    void declare(CLI::App& arguments) override;
+    ExitCode run(ResultStream& results) override;
+
+protected:
+    /** Declares what the command takes beside the tracks. @param json  the option --json */
+    virtual void declareOwn(CLI::App& arguments, CLI::Option* json) = 0;
+
+    /** Before any track. @throws UsageError when two arguments do not go together */
+    virtual void settleOwn() {}
+
+    /** The name of the JSON document: "beatatlas.analysis". */
+    virtual std::string documentFormat() const = 0;
+
+    /** Examines one track, by way of examineBy(). @return null when it failed */
+    virtual std::unique_ptr<ReportEntry> examine(const std::string& path) = 0;
+
+    const TrackArguments& tracks() const { return tracks_; }
+
+    /** The work of examine(). @param analyzer  analyzes a path, with progress, to what an Entry tells */
+    template <class Entry, class Analyzer, class... Details>
+    std::unique_ptr<ReportEntry> examineBy(const Analyzer& analyzer, const std::string& path,
+                                           Details... details) {
+        auto report = tracks_.attempt(
+            path, [&](ProgressLine& progress) { return analyzer.analyze(path, progress); });
+        if (!report) return nullptr;
+        return std::make_unique<Entry>(std::move(*report), details...);
+    }
+
+private:
+    std::unique_ptr<ReportWriter> makeWriter(ResultStream& results) const;
+    bool addTracks(ReportWriter& writer);
+
+    TrackArguments tracks_;
+    std::vector<std::string> paths_;
+    bool asJson_ = false;
+};
+
+}  // namespace app

@@ -1,0 +1,11 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <string_view>
+
+namespace app {
+
+/** Whether a file's name ends so, in capitals or not. @param ending  lower case, with its dot */
+bool hasEnding(std::string_view path, std::string_view ending);
+
+}  // namespace app

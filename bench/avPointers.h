@@ -1,0 +1,29 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <memory>
+#include <stdexcept>
+#include <string>
+
+extern "C" {
+#include <libavcodec/avcodec.h>
+#include <libavformat/avformat.h>
+}
+
+namespace beatatlas::bench {
+
+struct AvFree {
+    void operator()(AVPacket* packet) const { av_packet_free(&packet); }
+    void operator()(AVFrame* frame) const { av_frame_free(&frame); }
+    void operator()(AVCodecContext* context) const { avcodec_free_context(&context); }
+};
+template <typename T>
+using AvPointer = std::unique_ptr<T, AvFree>;
+
+/** @throws std::runtime_error for one of FFmpeg's negative error numbers */
+inline int avChecked(int answer, const char* what) {
+    if (answer < 0) throw std::runtime_error(std::string("FFmpeg: cannot ") + what);
+    return answer;
+}
+
+}  // namespace beatatlas::bench

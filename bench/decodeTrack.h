@@ -1,0 +1,13 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace beatatlas::bench {
+
+/** Decodes a file once from its opening to the last frame, as a player does: the default decoder of FFmpeg's libraries,
+ *  one thread, the samples left as the decoder gives them. @return frames; std::runtime_error when something fails */
+std::int64_t decodeTrack(const std::string& path);
+
+}  // namespace beatatlas::bench

@@ -1,0 +1,23 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+/** The tables that the benchmark program prints, each in Markdown and to standard output. */
+namespace beatatlas::bench {
+
+/** The whole session against decodings of the same track from compressed files. */
+void printDecodeRace();
+
+/** Every component in every vector form of this machine. */
+void printComponents();
+
+/** The stand-alone utilities, in times real time. */
+void printUtilities();
+
+/** The whole session over tracks of a minute to three hours, to ten where wished.
+ *  @param program  where to find this program: each length has a process of its own */
+void printLengths(const char* program, bool tenHours);
+
+/** What such a process does: prints one line of figures about a session of so many seconds. */
+void measureLength(int seconds);
+
+}  // namespace beatatlas::bench

@@ -1,0 +1,35 @@
+// SPDX-License-Identifier: MIT
+#include "session/TrackFilters.h"
+
+#include "peakss/bandDesigns.h"
+
+namespace beatatlas {
+
+void TrackFilters::create(int rate, int blockLen, const Levels& levels) {
+    peakss::designSensorBank(bank_, static_cast<float>(rate));
+    const auto frames = static_cast<std::size_t>(blockLen);
+    for (std::size_t band = 0; band < kBands; ++band) {
+        bandBlocks_[band].assign(frames, 0.0F);
+        bands_[band] = bandBlocks_[band].data();
+    }
+    viewLow_.assign(frames, 0.0F);
+    createLevel(FilterBank::kTwice, levels.pulses, frames);
+    createLevel(FilterBank::kOnce, levels.bassLine, frames);
+    createLevel(FilterBank::kWhole, levels.bass, frames);
+}
+
+void TrackFilters::createLevel(FilterBank::Level level, const SecondOrderSection* filter,
+                               std::size_t frames) {
+    if (filter == nullptr) return;
+    bank_.designLevel(level, *filter);
+    levels_[static_cast<std::size_t>(level)].assign(frames, 0.0);
+}
+
+void TrackFilters::operate(const float* mono, const std::int16_t* stereo, int n) {
+    FilterBank::LevelOutputs levels{};
+    for (std::size_t level = 0; level < levels_.size(); ++level)
+        if (!levels_[level].empty()) levels[level] = levels_[level].data();
+    bank_.operate(mono, stereo, peakss::sensorBankOutputs(bands()), levels, n);
+}
+
+}  // namespace beatatlas
