@@ -102,16 +102,24 @@ void FuzzSession::readBeats() {
 }
 
 void FuzzSession::readWaves() {
-    std::vector<BA_WaveInfo> out(kLoudPoints);
-    const int loud = exports_.getLoudWave(handle_, out.data(), fuzzInt(input_));
-    require(loud >= loudSeen_ && loud <= kLoudPoints, "the loudness wave grows, to 400 at most");
-    loudSeen_ = loud;
-    out.resize(kDotsPoints);
-    out.shrink_to_fit();
-    const int dots = exports_.getDotsWave(handle_, out.data(), fuzzInt(input_));
-    require(dots >= dotsSeen_ && dots <= kDotsPoints, "the dots wave grows, to 100 at most");
-    dotsSeen_ = dots;
-    require(exports_.getLoudWave(handle_, nullptr, kLoudPoints) == loud, "a full host is told so");
+    loudSeen_ = readWave(exports_.getLoudWave, kLoudPoints, loudSeen_);
+    dotsSeen_ = readWave(exports_.getDotsWave, kDotsPoints, dotsSeen_);
+}
+
+// Points that are copied are told from those that are not by a level that none can have.
+int FuzzSession::readWave(WaveGetter getter, int most, int seen) {
+    std::vector<BA_WaveInfo> out(static_cast<std::size_t>(most), {-1.0F, -1});
+    const int have = fuzzInt(input_);
+    const int count = getter(handle_, out.data(), have);
+    require(count >= seen && count <= most, "a wave grows, up to its last point");
+    for (int i = 0; i < most; ++i) {
+        const BA_WaveInfo& point = out[static_cast<std::size_t>(i)];
+        const bool isNew = i >= have && i < count;
+        require(isNew ? point.level >= 0.0F : point.level == -1.0F, "new points only, from 0 up");
+        require(isNew ? point.color >= 0 && point.color <= 5 : point.color == -1, "six colours");
+    }
+    require(getter(handle_, nullptr, most) == count, "a host that has all is told so");
+    return count;
 }
 
 void FuzzSession::readZoom() {

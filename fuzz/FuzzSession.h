@@ -26,6 +26,8 @@ private:
     void readState();
     void readBeats();
     void readWaves();
+    using WaveGetter = int (*)(void*, BA_WaveInfo*, int);
+    int readWave(WaveGetter getter, int most, int seen);
     void readZoom();
     void readKey();
 

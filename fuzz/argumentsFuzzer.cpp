@@ -14,9 +14,9 @@
 #include <unistd.h>
 
 #include "FuzzInput.h"
+#include "FuzzersRoundingMode.h"
 #include "cli/Program.h"
 #include "cli/commandTable.h"
-#include "fuzzProcess.h"
 #include "io/ResultStream.h"
 #include "require.h"
 #include "support/AudioFileWriter.h"
@@ -96,11 +96,6 @@ private:
 };
 
 }  // namespace
-
-extern "C" int LLVMFuzzerInitialize(int*, char***) {
-    silenceStandardOutput();
-    return 0;
-}
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t count) {
     static const Scratch scratch;

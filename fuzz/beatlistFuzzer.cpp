@@ -8,11 +8,11 @@
 #include <vector>
 
 #include "FuzzAudio.h"
+#include "FuzzersRoundingMode.h"
 #include "dsp/RoundingMode.h"
 #include "envelope/SimpleEnvelopeMaker.h"
 #include "envelope/UnitBeatAdjust.h"
 #include "envelope/UnitEnvelopeMaker.h"
-#include "fuzzProcess.h"
 #include "peakss/BeatInfoAnalyzeInfo.h"
 #include "peakss/BeatInfoAnalyzer.h"
 #include "require.h"
@@ -27,8 +27,6 @@ constexpr int kMostMadeBeats = 1500;
 constexpr int kMostFrames = 200000;
 constexpr int kLongestTrack = 40000000;
 constexpr int kVeryLongTrack = 200000000;  // an hour and more
-
-std::FILE* nowhere = nullptr;
 
 peakss::BeatInfo wildBeat(FuzzInput& input) {
     peakss::BeatInfo beat;
@@ -89,6 +87,7 @@ float layGrid(FuzzInput& input, int rate, int length, bool varied, peakss::BeatL
     const int section = sectionBeatsOf(input);
     peakss::BeatList raw = isMade ? madeList(input, rate) : wildList(input);
     peakss::BeatInfoAnalyzeInfo info{6, &raw};
+    static std::FILE* nowhere = std::fopen("/dev/null", "w");
     peakss::BeatInfoAnalyzer analyzer;
     analyzer.setSamplingRate(rate);
     analyzer.setDebugStream(nowhere);
@@ -140,12 +139,6 @@ int lengthOf(FuzzInput& input) {
 }
 
 }  // namespace
-
-extern "C" int LLVMFuzzerInitialize(int*, char***) {
-    silenceStandardOutput();
-    nowhere = std::fopen("/dev/null", "w");
-    return 0;
-}
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t count) {
     const FuzzersRoundingMode mode;

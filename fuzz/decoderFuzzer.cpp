@@ -12,7 +12,6 @@
 #include "FuzzInput.h"
 #include "audio/TrackDecoder.h"
 #include "audio/ffmpeg.h"
-#include "fuzzProcess.h"
 #include "io/errors.h"
 #include "require.h"
 
@@ -81,13 +80,8 @@ CheckingSink decode(const std::string& path) {
 
 }  // namespace
 
-extern "C" int LLVMFuzzerInitialize(int*, char***) {
-    silenceStandardOutput();
-    app::showFfmpegMessages(false);
-    return 0;
-}
-
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t count) {
+    app::showFfmpegMessages(false);
     const MemoryFile file(bytes, count);
     const CheckingSink first = decode(file.path());
     const CheckingSink second = decode(file.path());

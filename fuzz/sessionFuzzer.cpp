@@ -5,7 +5,7 @@
 #include <memory>
 
 #include "FuzzSession.h"
-#include "fuzzProcess.h"
+#include "FuzzersRoundingMode.h"
 
 namespace {
 
@@ -23,11 +23,6 @@ const ExportSet& exportsOf(FuzzInput& input) {
 }
 
 }  // namespace
-
-extern "C" int LLVMFuzzerInitialize(int*, char***) {
-    silenceStandardOutput();
-    return 0;
-}
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t count) {
     const FuzzersRoundingMode mode;

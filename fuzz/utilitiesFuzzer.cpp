@@ -8,9 +8,9 @@
 #include <vector>
 
 #include "FuzzAudio.h"
+#include "FuzzersRoundingMode.h"
 #include "beatatlas/dsp.h"
 #include "beatatlas/utilities.h"
-#include "fuzzProcess.h"
 #include "require.h"
 
 namespace {
@@ -212,11 +212,6 @@ constexpr Operation kOperations[] = {resampling,   eighthOrder, cutting,      pi
                                      smallFilters, tables,      transforming, keyOfBuffer};
 
 }  // namespace
-
-extern "C" int LLVMFuzzerInitialize(int*, char***) {
-    silenceStandardOutput();
-    return 0;
-}
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t count) {
     const FuzzersRoundingMode mode;

@@ -7,7 +7,6 @@
 #include <utility>
 
 #include "dsp/constants.h"
-#include "dsp/isConstant.h"
 #include "dsp/sampleBlocks.h"
 #include "dsp/truncation.h"
 

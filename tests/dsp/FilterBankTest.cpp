@@ -274,6 +274,35 @@ TEST_F(FilterBankTest, SectionsOverThe16BitSignalGiveTheirOwnBitsBesideTheBands)
     }
 }
 
+// Both signals pause together; and each alone, in which case nothing may rest.
+TEST_F(FilterBankTest, BothSignalsWakeFromSilenceWithTheirOwnBits) {
+    constexpr std::size_t kFrames = 120000;
+    constexpr std::size_t kBlock = 588;
+    const LevelSections sections;
+    for (const int pausing : {0, 1, 2}) {
+        std::vector<float> mono = whiteNoise(kFrames, 8);
+        std::vector<std::int16_t> stereo = stereoNoise(kFrames);
+        if (pausing != 1) std::fill(mono.begin() + 1000, mono.end() - 1000, 0.0F);
+        if (pausing != 2) std::fill(stereo.begin() + 2000, stereo.end() - 2000, std::int16_t{0});
+        FilterBank bank;
+        designAll(bank);
+        sections.design(bank);
+        Levels levels;
+        Signals got;
+        for (std::vector<double>& level : levels) level.resize(kFrames);
+        for (std::vector<float>& band : got) band.resize(kFrames);
+        for (std::size_t at = 0; at < kFrames; at += kBlock) {
+            FilterBank::Outputs outputs{};
+            for (std::size_t c = 0; c < kCascades; ++c) outputs[c] = got[c].data() + at;
+            bank.operate(mono.data() + at, stereo.data() + 2 * at, outputs,
+                         {levels[0].data() + at, levels[1].data() + at, levels[2].data() + at},
+                         static_cast<int>(std::min(kBlock, kFrames - at)));
+        }
+        EXPECT_TRUE(levels == sections.outputs(stereo)) << pausing;
+        expectSame(plainOutputs(mono), got);
+    }
+}
+
 TEST_F(FilterBankTest, SectionWithoutOutputDoesNotHearTheBlock) {
     const std::vector<float> mono(600, 0.25F);
     const std::vector<std::int16_t> stereo = stereoNoise(600);
