@@ -155,9 +155,12 @@ float quadrantPhase(float re, float im) {
     return std::copysign(re < 0.0F ? 2.25F : 0.75F, im);
 }
 
+// The lowest bins keep their whole phase: at a negative rate their envelope gives a silent one a magnitude again.
 void writePhases(const float* magnitudes, float* re, float* im, int bins, float* phases) {
     for (int k = 0; k < bins; ++k) {
-        if (isPositiveZero(magnitudes[k]) && isInsideQuadrant(re[k], im[k]))
+        const bool staysSilent =
+            isPositiveZero(magnitudes[k]) && static_cast<std::size_t>(k) >= kBassBins;
+        if (staysSilent && isInsideQuadrant(re[k], im[k]))
             phases[k] = quadrantPhase(re[k], im[k]);
         else
             calc_phase(1, phases + k, re + k, im + k);

@@ -95,10 +95,10 @@ struct SumOctaves {
         const auto bits = std::bit_cast<std::int32_t>(magnitude);
         for (std::ptrdiff_t v = 0; v < 4; ++v) {
             Bits hasBegun;
-            Bits hasNotEnded;
+            Bits hasEnded;
             loadLanes(hasBegun, kStairs.data() + kLargestBlock - end + (v * kLanes));
-            loadLanes(hasNotEnded, kStairs.data() + kLargestBlock - first + (v * kLanes));
-            const Bits added = hasBegun & ~hasNotEnded & bits;
+            loadLanes(hasEnded, kStairs.data() + kLargestBlock - first + (v * kLanes));
+            const Bits added = hasBegun & ~hasEnded & bits;
             Vector addend;
             std::memcpy(&addend, &added, sizeof addend);
             sums[v] += addend;

@@ -196,6 +196,12 @@ TEST_F(CutBeatsTest, FramesWithFewerThanTwentyBinsStayInsideTheirSpectrum) {
     EXPECT_EQ(cut(noise, 44100.0F, 512, 0), cutPlainly(noise, 8, 1, 44100.0F));
 }
 
+// The bass envelope of a negative rate is negative and lies below silence.
+TEST_F(CutBeatsTest, ANegativeRateGivesSilentBassBinsTheirOwnPhase) {
+    const std::vector<float> noise = whiteNoise(12000, 1000.0, 1);
+    EXPECT_EQ(cut(noise, -44100.0F, 2, 0), cutPlainly(noise, 2048, 256, -44100.0F));
+}
+
 TEST_F(CutBeatsTest, WritesNothingAfterTheLastFrame) {
     EXPECT_EQ(writtenBy(20000, 44100.0F, 1, 0), lastFrameEnd(20000, 4096, 512));
     EXPECT_EQ(lastFrameEnd(20000, 4096, 512), 19456);
