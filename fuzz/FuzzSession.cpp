@@ -115,7 +115,8 @@ int FuzzSession::readWave(WaveGetter getter, int most, int seen) {
     for (int i = 0; i < most; ++i) {
         const BA_WaveInfo& point = out[static_cast<std::size_t>(i)];
         const bool isNew = i >= have && i < count;
-        require(isNew ? point.level >= 0.0F : point.level == -1.0F, "new points only, from 0 up");
+        // What is no number when it is fed may be none when it comes out.
+        require(isNew ? !(point.level < 0.0F) : point.level == -1.0F, "new points, from 0 up");
         require(isNew ? point.color >= 0 && point.color <= 5 : point.color == -1, "six colours");
     }
     require(getter(handle_, nullptr, most) == count, "a host that has all is told so");
