@@ -2,8 +2,8 @@
 #pragma once
 
 // Code in vector lanes is written once, as inline functions over vector types, and compiled into one plain function
-// per form; these attributes open the wider registers to such a function. None of them lets the compiler fuse a
-// multiply and an add, so every form gives the same bits.
+// per form; these attributes open the wider registers to such a function. AVX-512 brings fused multiply-add
+// with it; the flags of every source (-ffp-contract=off) keep the compiler from using it, so every form gives the same bits.
 #define BEATATLAS_LANES __attribute__((always_inline)) inline
 #if defined(__x86_64__)
 #define BEATATLAS_WIDE_FORMS 1

@@ -67,8 +67,9 @@ struct FilterBankStretch {
     int n;
 };
 
-/** Does the steps of one tile; those behind the end of the block belong into one tile with its last sample. At the borders of the block lanes whose sample lies outside it rest, so that every
- *  section has taken exactly the samples of the block after the last step. */
+/** Does the steps of one tile; those behind the end of the block belong into one tile with its last sample. At the
+ *  borders of the block lanes whose sample lies outside it rest, so that every section has taken exactly the samples
+ *  of the block after the last step. */
 void runFilterBank(FilterBankLanes& lanes, FilterBankTile& tile, const FilterBankStretch& stretch);
 
 }  // namespace beatatlas

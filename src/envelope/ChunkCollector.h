@@ -7,11 +7,6 @@
 
 namespace beatatlas {
 
-/** Half the sum of the two channels of one 16-bit stereo frame. */
-inline double monoOfFrame(const std::int16_t* frame) {
-    return (static_cast<double>(frame[1]) + static_cast<double>(frame[0])) * 0.5;
-}
-
 /** Cuts the fed audio into mono chunks of 128 frames, the grain of the level envelopes.
  *
  *  A chunk waits until it is full, whatever the blocks of the caller; only the last one is handed on

@@ -12,8 +12,8 @@
 #include <cstddef>
 
 #include "dsp/processorYield.h"
+#include "dsp/sampleLanes.h"
 #include "dsp/truncation.h"
-#include "envelope/ChunkCollector.h"
 #include "envelope/GridOffset.h"
 #include "envelope/designFilter.h"
 

@@ -27,8 +27,8 @@ struct SensorBand;
  *  exist as well; with another number the bands pass the signal through.
  *
  *  Life: setSignal(), create() → put() per block → release(); reset() starts over with the same design.
- *  Memory: per band a block of rate / 75 samples, a ring of peaks and its filter, allocated in create(); the filters
- *  allocate once more on the first block, put() nothing else.
+ *  Memory: per band a block of rate / 75 samples, a ring of peaks and its filter, allocated in create(). With another number
+ *  of bands than four or six the filters allocate once more on the first block; put() allocates nothing else.
  *  Any cutting of the signal into blocks gives the same beats. */
 class BeatSensor {
 public:

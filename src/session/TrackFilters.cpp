@@ -20,9 +20,11 @@ void TrackFilters::create(int rate, int blockLen, const Levels& levels) {
 
 void TrackFilters::createLevel(FilterBank::Level level, const SecondOrderSection* filter,
                                std::size_t frames) {
+    std::vector<double>& levelBlock = levels_[static_cast<std::size_t>(level)];
+    levelBlock.clear();
     if (filter == nullptr) return;
     bank_.designLevel(level, *filter);
-    levels_[static_cast<std::size_t>(level)].assign(frames, 0.0);
+    levelBlock.assign(frames, 0.0);
 }
 
 void TrackFilters::operate(const float* mono, const std::int16_t* stereo, int n) {

@@ -22,8 +22,8 @@ namespace beatatlas {
  *  Life: create() → analyzePeak() block by block → loudNum(), loudWave(), dotsNum(), dotsWave() at any time; points
  *  become final as the stream passes them. Loudness points have colour 5 until analyzeLoudColor() is asked for them,
  *  dots keep it. create() again starts over.
- *  Memory: the peak records of three bands and a few blocks, allocated in create(). Feeding allocates only at the
- *  first block, and to double the records of a track of more than three hours. */
+ *  Memory: the peak records of three bands and a few blocks, allocated in create(). Feeding allocates only to
+ *  double the records of a track of more than three hours. */
 class LoudViewMaker : public LVMakeBase {
 public:
     LoudViewMaker() = default;

@@ -7,13 +7,15 @@
 
 #include <stdexcept>
 #include <sys/prctl.h>
+#include <sys/syscall.h>
+#include <unistd.h>
 
 namespace {
 
 using beatatlas::PromptSleeps;
 
 long allowance() {
-    return prctl(PR_GET_TIMERSLACK, 0L, 0L, 0L, 0L);
+    return syscall(SYS_prctl, PR_GET_TIMERSLACK, 0L, 0L, 0L, 0L);
 }
 
 /** Gives this thread the system's default back. */
@@ -50,6 +52,12 @@ TEST_F(PromptSleepsTest, NestedOnesGiveBackWhatEachFound) {
         EXPECT_EQ(allowance(), 1);
     }
     EXPECT_EQ(allowance(), 50001);
+}
+
+TEST_F(PromptSleepsTest, GivesAnAllowanceOfManySecondsBack) {
+    ASSERT_EQ(prctl(PR_SET_TIMERSLACK, 5000000000L, 0L, 0L, 0L), 0);
+    { const PromptSleeps prompt; }
+    EXPECT_EQ(allowance(), 5000000000L);
 }
 
 }  // namespace

@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include "dsp/sampleLanes.h"
 #include "envelope/kickTrack.h"
 #include "support/RoundTowardZero.h"
 

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
+#include <cstdint>
 #include <cstdlib>
 #include <new>
 
@@ -64,7 +65,8 @@ bool isRefused(Requests kind) {
 
 void* allocateOrNull(std::size_t size, std::size_t alignment) noexcept {
     ++news;
-    if (isRefused(Requests::news)) return nullptr;
+    // An absurd size would be rounded up past the largest number, to nothing.
+    if (isRefused(Requests::news) || size > SIZE_MAX - alignment) return nullptr;
     const std::size_t rounded =
         (std::max<std::size_t>(size, 1) + alignment - 1) / alignment * alignment;
     void* memory = std::aligned_alloc(alignment, rounded);
