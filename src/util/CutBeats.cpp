@@ -15,8 +15,8 @@
 #include "beatatlas/dsp.h"
 #include "beatatlas/utilities.h"
 #include "dsp/FrameTransform.h"
+#include "dsp/isLongTrack.h"
 #include "util/OctaveGate.h"
-#include "util/isLongTrack.h"
 
 namespace {
 

@@ -14,8 +14,8 @@
 #include "beatatlas/dsp.h"
 #include "beatatlas/utilities.h"
 #include "dsp/ConstantQBank.h"
+#include "dsp/isLongTrack.h"
 #include "util/PitchSearchPlan.h"
-#include "util/isLongTrack.h"
 
 namespace {
 

@@ -242,6 +242,31 @@ std::vector<std::int16_t> stereoNoise(std::size_t frames) {
     return stereo;
 }
 
+/** What a bank with all cascades and levels gives of both signals, fed in blocks. */
+struct BothOutputs {
+    Levels levels;
+    Signals bands;
+};
+
+BothOutputs outputsInBlocks(const LevelSections& sections, const std::vector<float>& mono,
+                            const std::vector<std::int16_t>& stereo, std::size_t block) {
+    FilterBank bank;
+    designAll(bank);
+    sections.design(bank);
+    BothOutputs got;
+    for (std::vector<double>& level : got.levels) level.resize(mono.size());
+    for (std::vector<float>& band : got.bands) band.resize(mono.size());
+    for (std::size_t at = 0; at < mono.size(); at += block) {
+        FilterBank::Outputs bands{};
+        for (std::size_t c = 0; c < kCascades; ++c) bands[c] = got.bands[c].data() + at;
+        FilterBank::LevelOutputs levels{};
+        for (std::size_t l = 0; l < levels.size(); ++l) levels[l] = got.levels[l].data() + at;
+        bank.operate(mono.data() + at, stereo.data() + 2 * at, bands, levels,
+                     static_cast<int>(std::min(block, mono.size() - at)));
+    }
+    return got;
+}
+
 TEST_F(FilterBankTest, SectionsOverThe16BitSignalGiveTheirOwnBitsBesideTheBands) {
     constexpr std::size_t kFrames = 1500;
     const std::vector<float> mono = whiteNoise(kFrames, 8);
@@ -254,22 +279,9 @@ TEST_F(FilterBankTest, SectionsOverThe16BitSignalGiveTheirOwnBitsBesideTheBands)
         const FormScope scope(form);
         for (const std::size_t block :
              {1U, 4U, 5U, 6U, 7U, 13U, 127U, 128U, 129U, 133U, 588U, 640U}) {
-            FilterBank bank;
-            designAll(bank);
-            sections.design(bank);
-            Levels levels;
-            Signals got;
-            for (std::vector<double>& level : levels) level.resize(kFrames);
-            for (std::vector<float>& band : got) band.resize(kFrames);
-            for (std::size_t at = 0; at < kFrames; at += block) {
-                FilterBank::Outputs outputs{};
-                for (std::size_t c = 0; c < kCascades; ++c) outputs[c] = got[c].data() + at;
-                bank.operate(mono.data() + at, stereo.data() + 2 * at, outputs,
-                             {levels[0].data() + at, levels[1].data() + at, levels[2].data() + at},
-                             static_cast<int>(std::min(block, kFrames - at)));
-            }
-            EXPECT_EQ(levels, expected) << block;
-            expectSame(bands, got);
+            const BothOutputs got = outputsInBlocks(sections, mono, stereo, block);
+            EXPECT_EQ(got.levels, expected) << block;
+            expectSame(bands, got.bands);
         }
     }
 }
@@ -284,22 +296,9 @@ TEST_F(FilterBankTest, BothSignalsWakeFromSilenceWithTheirOwnBits) {
         std::vector<std::int16_t> stereo = stereoNoise(kFrames);
         if (pausing != 1) std::fill(mono.begin() + 1000, mono.end() - 1000, 0.0F);
         if (pausing != 2) std::fill(stereo.begin() + 2000, stereo.end() - 2000, std::int16_t{0});
-        FilterBank bank;
-        designAll(bank);
-        sections.design(bank);
-        Levels levels;
-        Signals got;
-        for (std::vector<double>& level : levels) level.resize(kFrames);
-        for (std::vector<float>& band : got) band.resize(kFrames);
-        for (std::size_t at = 0; at < kFrames; at += kBlock) {
-            FilterBank::Outputs outputs{};
-            for (std::size_t c = 0; c < kCascades; ++c) outputs[c] = got[c].data() + at;
-            bank.operate(mono.data() + at, stereo.data() + 2 * at, outputs,
-                         {levels[0].data() + at, levels[1].data() + at, levels[2].data() + at},
-                         static_cast<int>(std::min(kBlock, kFrames - at)));
-        }
-        EXPECT_TRUE(levels == sections.outputs(stereo)) << pausing;
-        expectSame(plainOutputs(mono), got);
+        const BothOutputs got = outputsInBlocks(sections, mono, stereo, kBlock);
+        EXPECT_TRUE(got.levels == sections.outputs(stereo)) << pausing;
+        expectSame(plainOutputs(mono), got.bands);
     }
 }
 
