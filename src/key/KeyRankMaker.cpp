@@ -109,7 +109,8 @@ int KeyRankMaker::takeFrames(const std::int16_t* frames, int n) {
 void KeyRankMaker::keepTail() {
     const int kept = std::min(fill_, suppressor_.preWindow() + suppressor_.postWindow());
     const std::ptrdiff_t begin = 2 * static_cast<std::ptrdiff_t>(fill_ - kept);
-    std::copy_n(input_.get() + begin, 2 * static_cast<std::size_t>(kept), input_.get());
+    if (begin > 0)
+        std::copy_n(input_.get() + begin, 2 * static_cast<std::size_t>(kept), input_.get());
     fill_ = kept;
 }
 
