@@ -14,10 +14,12 @@ namespace {
 
 constexpr double kLongestRangeSeconds = 48695.0;  // 2^31 - 1 frames at 44,100 Hz
 
-const std::map<std::string, TempoMode> kTempoModes = {{"constant", TempoMode::constant},
-                                                      {"varied", TempoMode::varied},
-                                                      {"simple", TempoMode::simple},
-                                                      {"off", TempoMode::off}};
+std::map<std::string, TempoMode> tempoModes() {
+    return {{"constant", TempoMode::constant},
+            {"varied", TempoMode::varied},
+            {"simple", TempoMode::simple},
+            {"off", TempoMode::off}};
+}
 
 std::string requirePhrase(const std::string& text) {
     for (const char* phrase : {"4", "8", "16", "32", "64", "128", "256"}) {
@@ -35,7 +37,7 @@ void AnalysisArguments::declare(CLI::App& arguments) {
                     "varied: the tempo may change along the track\n"
                     "simple: sensed at the track's beginning only, one regular grid\n"
                     "off: no tempo and no beats")
-        ->transform(CLI::CheckedTransformer(kTempoModes).description(""))
+        ->transform(CLI::CheckedTransformer(tempoModes()).description(""))
         ->option_text("MODE");
     arguments
         .add_option(

@@ -79,8 +79,8 @@ TrackFile CutCommand::cutTrack(const std::string& path, const std::string& outpu
     });
     decoder.run(chain);
     Recording& recording = chain.recording();
-    const auto file = usableTrack(path, decoder, static_cast<std::int64_t>(recording.frames()),
-                                  tracks_.acceptsCutOff());
+    auto file = usableTrack(path, decoder, static_cast<std::int64_t>(recording.frames()),
+                            tracks_.acceptsCutOff());
     BeatCutter(options_).cut(recording, [&](double done) {
         progress.show("cutting", kDecoded + done * (kCut - kDecoded));
     });

@@ -16,7 +16,7 @@ inline CLI::Validator numberBetween(double least, double most) {
         if (isNumber && number >= least && number <= most) return {};
         return fmt::format("takes a number from {} to {}, not {}", least, most, text);
     };
-    return CLI::Validator(refusal, "");
+    return {refusal, ""};
 }
 
 /** The same for whole numbers. */
@@ -27,7 +27,7 @@ inline CLI::Validator wholeNumberBetween(int least, int most) {
         if (isNumber && number >= least && number <= most) return {};
         return fmt::format("takes a whole number from {} to {}, not {}", least, most, text);
     };
-    return CLI::Validator(refusal, "");
+    return {refusal, ""};
 }
 
 }  // namespace app
