@@ -28,7 +28,17 @@ constexpr std::array<int, FilterBank::kCascades + FilterBank::kLevels> kSections
                                                                                     1,
                                                                                     1};
 
-void startLane(FilterBankLanes& lanes, std::size_t lane) {
+struct Coefficients {
+    double b0, b1, b2, a1, a2;
+};
+
+/** The lane's section from silence. */
+void startLane(FilterBankLanes& lanes, std::size_t lane, const Coefficients& c) {
+    lanes.b0[lane] = c.b0;
+    lanes.b1[lane] = c.b1;
+    lanes.b2[lane] = c.b2;
+    lanes.a1[lane] = c.a1;
+    lanes.a2[lane] = c.a2;
     for (FilterBankLanes::Row* past : {&lanes.x1, &lanes.x2, &lanes.y1, &lanes.y2})
         (*past)[lane] = 0.0;
 }
@@ -60,12 +70,7 @@ void FilterBank::design(int cascade, const IirPassFilter& plain) {
     for (int section = 0; section < kSections[c]; ++section) {
         const IirFilter& from = plain.stage(section);
         const std::size_t lane = kFilterBankPlaces[c][static_cast<std::size_t>(section)];
-        lanes_.b0[lane] = from.b0();
-        lanes_.b1[lane] = from.b1();
-        lanes_.b2[lane] = from.b2();
-        lanes_.a1[lane] = from.a1();
-        lanes_.a2[lane] = from.a2();
-        startLane(lanes_, lane);
+        startLane(lanes_, lane, {from.b0(), from.b1(), from.b2(), from.a1(), from.a2()});
     }
 }
 
@@ -73,12 +78,7 @@ void FilterBank::designLevel(Level level, const SecondOrderSection& plain) {
     const auto c = static_cast<std::size_t>(kCascades + level);
     for (int section = 0; section < kSections[c]; ++section) {
         const std::size_t lane = kFilterBankPlaces[c][static_cast<std::size_t>(section)];
-        lanes_.b0[lane] = plain.b0;
-        lanes_.b1[lane] = plain.b1;
-        lanes_.b2[lane] = plain.b2;
-        lanes_.a1[lane] = plain.a1;
-        lanes_.a2[lane] = plain.a2;
-        startLane(lanes_, lane);
+        startLane(lanes_, lane, {plain.b0, plain.b1, plain.b2, plain.a1, plain.a2});
     }
 }
 
