@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <limits>
 #include <vector>
 
@@ -22,6 +23,12 @@ int fuzzLength(FuzzInput& input) {
     if (kind == 1) return std::numeric_limits<int>::max() - input.between(0, 255);
     if (kind < 8) return 1 + input.between(0, 700);
     return 1 + static_cast<int>(input.bits32() % 120000U);
+}
+
+/** No NaN, and nothing so far beyond full scale that the levels made of it leave the range of 32 bits. */
+bool isAudio(const std::vector<float>& samples) {
+    constexpr float kMost = 1e8F;
+    return std::ranges::all_of(samples, [](float sample) { return std::abs(sample) <= kMost; });
 }
 
 }  // namespace
@@ -70,8 +77,10 @@ void FuzzSession::feed(ExportSet::Feed call, int& frameBudget) {
     const int count = std::min(wanted, frameBudget);
     frameBudget -= count;
     std::vector<float> left = fuzzSamples(input_, count);
+    fedOnlyAudio_ = fedOnlyAudio_ && isAudio(left);
     if (input_.flag()) return call(handle_, left.data(), left.data(), count);
     std::vector<float> right = fuzzSamples(input_, count);
+    fedOnlyAudio_ = fedOnlyAudio_ && isAudio(right);
     call(handle_, left.data(), right.data(), count);
 }
 
@@ -115,8 +124,8 @@ int FuzzSession::readWave(WaveGetter getter, int most, int seen) {
     for (int i = 0; i < most; ++i) {
         const BA_WaveInfo& point = out[static_cast<std::size_t>(i)];
         const bool isNew = i >= have && i < count;
-        // What is no number when it is fed may be none when it comes out.
-        require(isNew ? !(point.level < 0.0F) : point.level == -1.0F, "new points, from 0 up");
+        require(isNew || point.level == -1.0F, "only new points");
+        require(!isNew || !fedOnlyAudio_ || point.level >= 0.0F, "levels of audio, from 0 up");
         require(isNew ? point.color >= 0 && point.color <= 5 : point.color == -1, "six colours");
     }
     require(getter(handle_, nullptr, most) == count, "a host that has all is told so");

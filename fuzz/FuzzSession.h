@@ -39,6 +39,7 @@ private:
     int loudSeen_ = 0;
     int dotsSeen_ = 0;
     bool isInert_ = false;
+    bool fedOnlyAudio_ = true;
     bool wasAnalyzed_ = false;
 };
 

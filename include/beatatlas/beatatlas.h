@@ -170,7 +170,8 @@ BA_API void BA_GetBeatList(void* session, BA_BeatInfo* out);
 
 /** Copies the new points of the loudness wave: at most 400, each one 400th of the declared length.
  *
- *  level: 0 and up, in 16-bit sample scale: the average level, held back where the bass is weak.
+ *  level: 0 and up, in 16-bit sample scale: the average level, held back where the bass is weak. After samples that
+ *  are no audio, NaN or beyond ±2,147,483,647, it may be any float, below 0 and NaN among them.
  *  color: 0 bass over mids, 1 mids over bass, 2 bass over highs, 3 highs over bass (all four with strong bass),
  *  4 weak bass with mids, 5 weak bass, or silence.
  *
@@ -184,7 +185,8 @@ BA_API int BA_GetLoudWave(void* session, BA_WaveInfo* out, int have);
 
 /** Copies the new points of the dots wave: at most 100, each one 100th of the declared length.
  *
- *  level: bass peak energy of the span; 1.0 where only the mids have any, 0.0 where neither has. color: always 5.
+ *  level: bass peak energy of the span; 1.0 where only the mids have any, 0.0 where neither has; any float after
+ *  samples that are no audio. color: always 5.
  *
  *  Arguments and result as for BA_GetLoudWave, with room for 100 points. */
 BA_API int BA_GetDotsWave(void* session, BA_WaveInfo* out, int have);

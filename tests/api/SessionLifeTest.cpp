@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The states of a session and what each call does in each of them.
+#include <algorithm>
 #include <cfenv>
 #include <cmath>
 #include <limits>
@@ -225,6 +226,17 @@ TEST(SessionLifeTest, ANaNCountsAsZeroForTheZoomWaveAndTheKey) {
     results.loud = expected.loud;
     results.dots = expected.dots;
     EXPECT_TRUE(sameBits(results, expected));
+}
+
+// A bass peak beyond 32 bits counts as the most negative integer, and the point's level is weighed with it.
+TEST(SessionLifeTest, SamplesBeyondThirtyTwoBitsMayTurnALoudnessPointNegative) {
+    constexpr int kFrames = 441000;
+    StereoTrack track = tone(kFrames);
+    for (std::size_t i = 0; i < kFrames; ++i)
+        if (i / 2205 % 10 == 0) track.left[i] = track.right[i] = i / 200 % 2 == 0 ? 1e12F : -1e12F;
+    const auto isNegative = [](const BA_WaveInfo& point) { return point.level < 0.0F; };
+    EXPECT_EQ(std::ranges::count_if(analyseTrack({}, tone(kFrames), {1000}).loud, isNegative), 0);
+    EXPECT_GT(std::ranges::count_if(analyseTrack({}, track, {1000}).loud, isNegative), 0);
 }
 
 TEST(SessionLifeTest, ASessionCanBeReleasedAtEveryStage) {
