@@ -35,22 +35,12 @@ struct IirFilter::Corner {
 
 void IirFilter::createHiPathFilter(float freq, float sampleRate, float q) {
     const Corner corner(freq, sampleRate);
-    const double alpha = corner.alphaOfQ(q);
-    const double n = 1.0 + alpha;
-    b0_ = (0.5 * (corner.c + 1.0)) / n;
-    b1_ = -(corner.c + 1.0) / n;
-    b2_ = b0_;
-    setFeedback(corner, alpha);
+    section_.designHighPass(corner.c, corner.alphaOfQ(q));
 }
 
 void IirFilter::createLowPathFilter(float freq, float sampleRate, float q) {
     const Corner corner(freq, sampleRate);
-    const double alpha = corner.alphaOfQ(q);
-    const double n = 1.0 + alpha;
-    b0_ = (0.5 * (1.0 - corner.c)) / n;
-    b1_ = (1.0 - corner.c) / n;
-    b2_ = b0_;
-    setFeedback(corner, alpha);
+    section_.designLowPass(corner.c, corner.alphaOfQ(q));
 }
 
 void IirFilter::createBandPathFilterW(float freq, float sampleRate, float bandwidth) {
@@ -65,42 +55,10 @@ void IirFilter::createBandPathFilterQ(float freq, float sampleRate, float q) {
 
 void IirFilter::setBandPass(const Corner& corner, double alpha) {
     const double n = 1.0 + alpha;
-    b0_ = alpha / n;
-    b1_ = 0.0 / n;
-    b2_ = -alpha / n;
-    setFeedback(corner, alpha);
-}
-
-void IirFilter::setFeedback(const Corner& corner, double alpha) {
-    const double n = 1.0 + alpha;
-    a0_ = 1.0;
-    a1_ = (-2.0 * corner.c) / n;
-    a2_ = (1.0 - alpha) / n;
-}
-
-void IirFilter::operate(const double* in, double* out, int len) {
-    const double b0 = b0_;
-    const double b1 = b1_;
-    const double b2 = b2_;
-    const double a1 = a1_;
-    const double a2 = a2_;
-    double x1 = x1_;
-    double x2 = x2_;
-    double y1 = y1_;
-    double y2 = y2_;
-    for (int i = 0; i < len; ++i) {
-        const double x = in[i];
-        const double y = ((((b0 * x) + (b1 * x1)) + (b2 * x2)) - (a1 * y1)) - (a2 * y2);
-        out[i] = y;
-        x2 = x1;
-        x1 = x;
-        y2 = y1;
-        y1 = y;
-    }
-    x1_ = x1;
-    x2_ = x2;
-    y1_ = y1;
-    y2_ = y2;
+    section_.b0 = alpha / n;
+    section_.b1 = 0.0 / n;
+    section_.b2 = -alpha / n;
+    section_.designFeedback(corner.c, alpha);
 }
 
 }  // namespace beatatlas

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "dsp/SecondOrderSection.h"
+
 namespace beatatlas {
 
 /** One second-order recursive section in double precision, direct form I.
@@ -29,31 +31,21 @@ public:
     void createBandPathFilterQ(float freq, float sampleRate, float q);
 
     /** Filters one block of len samples; in and out are different arrays. len ≤ 0 does nothing. */
-    void operate(const double* in, double* out, int len);
+    void operate(const double* in, double* out, int len) { section_.operate(in, out, len); }
 
-    double b0() const { return b0_; }
-    double b1() const { return b1_; }
-    double b2() const { return b2_; }
-    double a0() const { return a0_; }
-    double a1() const { return a1_; }
-    double a2() const { return a2_; }
+    double b0() const { return section_.b0; }
+    double b1() const { return section_.b1; }
+    double b2() const { return section_.b2; }
+    double a0() const { return section_.a0; }
+    double a1() const { return section_.a1; }
+    double a2() const { return section_.a2; }
 
 private:
     struct Corner;
 
-    void setFeedback(const Corner& corner, double alpha);
     void setBandPass(const Corner& corner, double alpha);
 
-    double b0_ = 1.0;
-    double b1_ = 0.0;
-    double b2_ = 0.0;
-    double a0_ = 1.0;  // the designs divide by it beforehand
-    double a1_ = 0.0;
-    double a2_ = 0.0;
-    double x2_ = 0.0;
-    double x1_ = 0.0;
-    double y2_ = 0.0;
-    double y1_ = 0.0;
+    SecondOrderSection section_;
 };
 
 }  // namespace beatatlas
