@@ -94,8 +94,8 @@ BA_API void filter8_mono(float* in, float* out, long n, float* a, float* b);
  *  @param div   divides the lengths of frame and hop; 1, 2, 4 … make sense
  *  @param mode  H × div. 0 and any value not listed: 512. For buffers of 30 s and more 1: 1024, 2: 1488, 3: 1720,
  *               4: 2304; for shorter ones 1: 512, 2: 1128, 3: 1184, 4: 1464
- *  @note Working memory: about 32 bytes per sample at a hop of 512, the less the longer the hop. When there is none
- *        for the spectrum, out is untouched; when it runs out later, part of out may have been written. */
+ *  @note Working memory: about 32 bytes per sample at a hop of 512, the less the longer the hop. When there is not
+ *        enough, out is untouched. */
 BA_API void CutBeats(float* out, float* in, int n, float rate, int div, int mode);
 
 /** Finds what A4 is tuned to in a mono recording, in whole hertz.

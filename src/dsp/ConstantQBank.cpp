@@ -28,7 +28,7 @@ void fillKernel(float hz, float rate, int length, const float* window, float* po
     for (int from = 0; from < length; from += kAtOnce) {
         const int count = std::min(kAtOnce, length - from);
         for (int i = 0; i < count; ++i) {
-            const float seconds = (static_cast<float>(from + i) + 1.0F) / rate;
+            const float seconds = static_cast<float>(from + i + 1) / rate;
             angles[static_cast<std::size_t>(i)] = turns * static_cast<double>(seconds);
         }
         narrowedTone(angles.data(), cosines.data(), sines.data(), count);
@@ -51,7 +51,7 @@ ConstantQBank::ConstantQBank(int bins, float lowestHz, float rate) : rate_(rate)
         lengths_.push_back(truncToInt32((2.0F * rate) / (frequencies_[k + 1] - frequencies_[k])));
     // The windows shrink upward, unless the arithmetic has run out of range.
     usable_ = std::is_sorted(lengths_.rbegin(), lengths_.rend()) && !lengths_.empty() &&
-              lengths_.back() >= 1;
+              lengths_.front() >= 1 && lengths_.back() >= 0;
 }
 
 int ConstantQBank::frameCount(long n, int hop) const {
@@ -73,6 +73,11 @@ std::vector<float> ConstantQBank::kernels() const {
     return all;
 }
 
+float ConstantQBank::weightOf(std::size_t k) const {
+    if (k == 0) return 1.0F;
+    return static_cast<float>(frameLength()) / static_cast<float>(lengths_[k]);
+}
+
 void ConstantQBank::magnitudes(const float* samples, int hop, int frames, Place place,
                                float* rows) const {
     if (frames <= 0) return;
@@ -87,10 +92,9 @@ void ConstantQBank::magnitudes(const float* samples, int hop, int frames, Place 
     std::vector<ConstantQSums> sums(bins.size() * static_cast<std::size_t>(frames));
     correlateFrames(bins, frameLength(), samples, hop, frames, sums.data());
     for (std::size_t i = 0; i < sums.size(); ++i) {
-        const ConstantQBin& bin = bins[i / static_cast<std::size_t>(frames)];
-        const float weight = static_cast<float>(frameLength()) / static_cast<float>(bin.length);
         const ConstantQSums& s = sums[i];
-        rows[i] = std::sqrt((s.re * s.re) + (s.im * s.im)) * weight;
+        rows[i] = std::sqrt((s.re * s.re) + (s.im * s.im)) *
+                  weightOf(i / static_cast<std::size_t>(frames));
     }
 }
 

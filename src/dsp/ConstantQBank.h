@@ -20,8 +20,8 @@ public:
     /** @param bins      semitone bins upward from lowestHz, above 0
      *  @param lowestHz  centre of bin 0
      *  @param rate      samples per second
-     *  Arguments without meaning (NaN, not above 0, a bin that would see no whole sample) give a bank that is
-     *  not usable. */
+     *  Arguments without meaning (NaN, not above 0, a rate at which even bin 0 would see no whole sample) give a bank
+     *  that is not usable. Where only the upper bins see none, their magnitudes are NaN. */
     ConstantQBank(int bins, float lowestHz, float rate);
 
     bool isUsable() const { return usable_; }
@@ -43,6 +43,7 @@ public:
 
 private:
     std::vector<float> kernels() const;
+    float weightOf(std::size_t k) const;
 
     float rate_;
     bool usable_ = false;

@@ -145,6 +145,19 @@ TEST_F(ConstantQBankTest, CountsWholeFramesAndNoneWhereThereIsNoHop) {
               std::numeric_limits<int>::max());
 }
 
+// 2 · 15 Hz over the distances between semitones from 434 Hz: 30 / 25.8 is one sample, 30 / 97.5 none.
+TEST_F(ConstantQBankTest, ABinThatSeesNoSampleIsNoNumber) {
+    const ConstantQBank bank(24, 434.0F, 15.0F);
+    ASSERT_TRUE(bank.isUsable());
+    EXPECT_EQ(bank.frameLength(), 1);
+    EXPECT_EQ(bank.windowLength(23), 0);
+    const float sample = 1000.0F;
+    std::vector<float> rows(24);
+    bank.magnitudes(&sample, 1, 1, ConstantQBank::Place::start, rows.data());
+    EXPECT_NEAR(rows[0], 1000.0F, 0.01F);  // one point of the window is its top
+    EXPECT_TRUE(std::isnan(rows[23]));
+}
+
 TEST_F(ConstantQBankTest, IsNotUsableWithoutMeaning) {
     const float nan = std::numeric_limits<float>::quiet_NaN();
     const float infinity = std::numeric_limits<float>::infinity();

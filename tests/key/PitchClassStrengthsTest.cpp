@@ -130,6 +130,25 @@ TEST_F(PitchClassStrengthsTest, EqualThePlainFormBitForBit) {
     }
 }
 
+// The top bin lies at 1661.2 Hz, the next semitone at 1760 Hz: twice 49.3 Hz over 98.8 Hz is less than one sample. Its
+// magnitude, and with it the strength of its pitch class, is NaN; the others count.
+TEST_F(PitchClassStrengthsTest, AtTheLowestRatesOnlyBinsThatSeeASampleCount) {
+    const auto noise = beatatlas::test::whiteNoise(3000, 0.2, 3);
+    for (const float rate : {49.3F, 45.0F, 40.0F}) {
+        const auto expected =
+            beatatlas::test::PlainStrengths(noise, rate, 440.0F, 4).fold({0.65F, 1.0F, 1.0F});
+        const auto strengths = pitchClassStrengths({noise.data(), 3000, rate, 440.0F, 512, 0});
+        EXPECT_TRUE(std::isnan(strengths[11])) << rate;
+        for (std::size_t i = 0; i < 12; ++i) {
+            if (std::isnan(expected[i])) {
+                EXPECT_TRUE(std::isnan(strengths[i])) << rate << ' ' << i;
+            } else {
+                EXPECT_EQ(strengths[i], expected[i]) << rate << ' ' << i;
+            }
+        }
+    }
+}
+
 TEST_F(PitchClassStrengthsTest, AbsurdSamplesEndInNoFault) {
     const float infinity = std::numeric_limits<float>::infinity();
     for (float bad : {std::numeric_limits<float>::quiet_NaN(), infinity, -infinity, 1e38F}) {

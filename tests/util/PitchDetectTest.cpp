@@ -113,6 +113,18 @@ TEST_F(PitchDetectTest, AgreesWithTheMethodWrittenOut) {
     EXPECT_GT(std::unique(answers.begin(), answers.end()) - answers.begin(), 3);
 }
 
+// Two octaves above the lowest reference semitones lie 97.5 Hz apart: below 48.8 Hz no whole sample fits the highest window.
+TEST_F(PitchDetectTest, AtTheLowestRatesOnlyBinsThatSeeASampleCount) {
+    const std::vector<float> noise = whiteNoise(1200, 1000.0, 5);
+    int others = 0;
+    for (const float rate : {15.0F, 20.0F, 24.0F, 30.0F}) {
+        const int hz = detected(noise, rate, 64, 0);
+        EXPECT_EQ(hz, PlainDetector(noise, rate, 32).best(kAll)) << rate;
+        if (hz != 434) ++others;
+    }
+    EXPECT_GT(others, 0);
+}
+
 TEST_F(PitchDetectTest, FindsTheTuningOfTonesAndChords) {
     for (int hz = 434; hz <= 446; ++hz) {
         EXPECT_EQ(detected(toneAt(hz, 10.0), kRate, 1, 0), hz);
