@@ -75,7 +75,7 @@ void FilterBank::design(int cascade, const IirPassFilter& plain) {
 }
 
 void FilterBank::designLevel(Level level, const SecondOrderSection& plain) {
-    const auto c = static_cast<std::size_t>(kCascades + level);
+    const std::size_t c = static_cast<std::size_t>(kCascades) + static_cast<std::size_t>(level);
     for (int section = 0; section < kSections[c]; ++section) {
         const std::size_t lane = kFilterBankPlaces[c][static_cast<std::size_t>(section)];
         startLane(lanes_, lane, {plain.b0, plain.b1, plain.b2, plain.a1, plain.a2});
@@ -92,6 +92,7 @@ void FilterBank::operate(const float* mono, const std::int16_t* stereo, const Ou
         return filter(mono, stereo, outputs, levels, n);
     const FilterBankLanes before = lanes_;
     filter(mono, stereo, outputs, levels, 1);
+    // NOLINTNEXTLINE(bugprone-suspicious-memory-comparison, cert-exp42-c, cert-flp37-c): to the bit
     if (std::memcmp(&before, &lanes_, sizeof lanes_) == 0) {
         repeatFirst(outputs, n);
         repeatFirst(levels, n);

@@ -16,7 +16,7 @@ namespace beatatlas {
 
 template <typename T, std::size_t kCount>
 struct LaneVector {
-    typedef T Type __attribute__((vector_size(sizeof(T) * kCount)));
+    using Type [[gnu::vector_size(sizeof(T) * kCount)]] = T;
 };
 
 /** kCount values of T, kCount a power of two. */
