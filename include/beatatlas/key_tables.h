@@ -7,7 +7,7 @@
 #ifndef BEATATLAS_KEY_TABLES_H
 #define BEATATLAS_KEY_TABLES_H
 
-#include <stdint.h>
+#include <stdint.h>  // NOLINT(modernize-deprecated-headers): C reads it too
 
 #include "beatatlas/export.h"
 

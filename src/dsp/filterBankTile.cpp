@@ -47,9 +47,11 @@ struct FillLevels {
             storeLanes(__builtin_convertvector(halves, Values), whole + i);
         }
         for (; i < n; ++i) {
-            const int sum = stereo[2 * i] + stereo[2 * i + 1];
+            const std::int16_t* frame = stereo + 2 * at(i);
+            const int sum = frame[0] + frame[1];
             mean[i] = static_cast<double>(sum) * 0.5;
-            whole[i] = static_cast<double>(sum / 2);
+            const int half = sum / 2;  // cut to a whole number, as the samples are
+            whole[i] = static_cast<double>(half);
         }
     }
 };

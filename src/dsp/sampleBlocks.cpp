@@ -18,12 +18,12 @@ struct LargestSum {
     using Frames = Lanes<std::int32_t, 2 * kWidth>;
 
     BEATATLAS_LANES static void run(const std::int16_t* stereo, int n, int* largest) {
-        constexpr int kStep = static_cast<int>(2 * kWidth);
+        constexpr auto kStep = static_cast<std::ptrdiff_t>(2 * kWidth);
         Frames most{};
-        int i = 0;
+        std::ptrdiff_t i = 0;
         for (; i + kStep <= n; i += kStep) {
             Frames frames;
-            loadLanes(frames, stereo + (2 * static_cast<std::ptrdiff_t>(i)));
+            loadLanes(frames, stereo + (2 * i));
             const Frames sums = (frames >> 16) + ((frames << 16) >> 16);
             const Frames signs = sums >> 31;
             const Frames magnitudes = (sums ^ signs) - signs;

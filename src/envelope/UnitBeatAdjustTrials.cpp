@@ -84,7 +84,7 @@ void UnitBeatAdjust::getPeakBpm(double start, int count, int startPos, int limit
 void UnitBeatAdjust::createBeatData(double bpm, int startPos) {
     if (!(bpm > 0.0) || startPos < 0 || startPos >= capacity_ || beatCount_ <= 0) return;
     const double step = quarterRate_ * (60.0 / bpm);
-    const double end = length_ / 4;
+    const int end = length_ / 4;
     std::vector<int> grid;
     double position = 0.0;
     for (int i = 0; i < beatCount_; ++i) {

@@ -30,7 +30,8 @@ int KeyRankMaker::create(int rate, int len) {
     release();
     rate_ = rate;
     length_ = len;
-    analysisRate_ = static_cast<double>(rate / kDecimation);
+    const int wholeRate = rate / kDecimation;
+    analysisRate_ = static_cast<double>(wholeRate);
     suppressor_.create(rate);
     capacity_ = suppressor_.preWindow() + suppressor_.postWindow() + kInputFrames;
     filter_.create(rate);

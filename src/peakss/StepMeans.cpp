@@ -19,7 +19,7 @@ using Floats = beatatlas::Lanes<float, kLanes>;
 /** Adds samples 0 to 3 of eight steps, each in its lane, in order of time. */
 BEATATLAS_LANES void addHalfSteps(const float* samples, Floats& sums) {
     Floats steps[4];
-    for (int step = 0; step < 4; ++step) {
+    for (std::ptrdiff_t step = 0; step < 4; ++step) {
         Half early;
         Half late;
         beatatlas::loadLanes(early, samples + step * kUsualLength);
@@ -40,7 +40,7 @@ BEATATLAS_LANES void addHalfSteps(const float* samples, Floats& sums) {
 template <std::size_t>
 struct UsualSteps {
     BEATATLAS_LANES static void run(const float* samples, int count, float* means) {
-        for (int step = 0; step < count; step += kLanes) {
+        for (std::ptrdiff_t step = 0; step < count; step += kLanes) {
             Floats sums{};
             addHalfSteps(samples + step * kUsualLength, sums);
             addHalfSteps(samples + step * kUsualLength + kUsualLength / 2, sums);
