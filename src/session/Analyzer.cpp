@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <cstddef>
 
 #include "dsp/PromptSleeps.h"
 #include "dsp/RoundingMode.h"
@@ -161,7 +162,7 @@ void Analyzer::setSample(const float* left, const float* right, int count) {
 int Analyzer::fillBlock(const float* left, const float* right, int count) {
     const int frames = std::min(count, blockLen_ - blockFill_);
     convertFrames(left, right, frames, monoBlock_.get() + blockFill_,
-                  stereoBlock_.get() + 2 * blockFill_);
+                  stereoBlock_.get() + 2 * static_cast<std::ptrdiff_t>(blockFill_));
     blockFill_ += frames;
     fedSamples_ += frames;
     return frames;

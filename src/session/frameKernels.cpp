@@ -22,7 +22,7 @@ constexpr float kMonoScale = 1.0F / 65536.0F;
 
 void convertPlainly(const float* left, const float* right, int from, int to, float* mono,
                     std::int16_t* stereo) {
-    for (int i = from; i < to; ++i) {
+    for (std::ptrdiff_t i = from; i < to; ++i) {
         mono[i] = (left[i] + right[i]) * kMonoScale;
         stereo[2 * i] = truncToInt16(left[i]);
         stereo[2 * i + 1] = truncToInt16(right[i]);

@@ -200,8 +200,8 @@ void limitBass(const Framing& framing, float rate, const Spectrogram& spectrogra
     float b = 0.0F;
     float a = 0.0F;
     // The frame rate is taken as if a whole number of frames overlapped.
-    const auto overlap = static_cast<float>(framing.frameLength / framing.hop);
-    make_lpf0(&b, &a, kBassEnvelopeHz / (rate / overlap));
+    const int overlap = framing.frameLength / framing.hop;
+    make_lpf0(&b, &a, kBassEnvelopeHz / (rate / static_cast<float>(overlap)));
     const FloatArray column = zeroed(framing.frames);
     const FloatArray smooth = zeroed(framing.frames);
     for (std::size_t bin = 0; bin < kBassBins && bin < spectrogram.bins; ++bin)

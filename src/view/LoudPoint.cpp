@@ -21,7 +21,7 @@ constexpr std::int32_t kStrongLowStep = 14;
 std::int32_t decibelStep(float sum) {
     constexpr std::int32_t kTop = 30;
     if (sum <= 0.0F) return 0;
-    const double ratio = static_cast<double>(sum / kFullScale);
+    const auto ratio = static_cast<double>(sum / kFullScale);
     const float step = static_cast<float>(20.0 * std::log10(ratio)) + 30.5F;
     return std::clamp(truncToInt32(step), 0, kTop);
 }

@@ -53,7 +53,7 @@ int LoudViewMaker::create(int rate, int len) {
 void LoudViewMaker::createBands(int rate, int len) {
     const DetectorTiming timing(rate, len);
     const double realBlocks = static_cast<double>(len) / static_cast<double>(timing.blockLen);
-    const float blocks = static_cast<float>(std::ceil(realBlocks));
+    const auto blocks = static_cast<float>(std::ceil(realBlocks));
     const float chunksPerSlot = blocks * 0.005F;
     low_.create(timing, kRatio, chunksPerSlot);
     mid_.create(timing, kRatio, chunksPerSlot);
@@ -81,7 +81,7 @@ void LoudViewMaker::startOver() {
 
 void LoudViewMaker::designFilters() {
     constexpr float kButterworthQ = 0.70710677F;
-    const float rate = static_cast<float>(rate_);
+    const auto rate = static_cast<float>(rate_);
     IirPassFilter filter;
     filter.createBandPathFilterQ(kLowBandHz, rate, kLowBandQ);
     filters_.design(kLowCascade, filter);

@@ -118,8 +118,9 @@ int ZoomViewMaker::framesToTake(int left) const {
 
 void ZoomViewMaker::filterFrames(const std::int16_t* stereo, int n) {
     for (int i = 0; i < n; ++i) {
-        const int sum = stereo[2 * i] + stereo[2 * i + 1];
-        mono_[index(i)] = sum / 2;  // toward zero, as the halved sum truncated
+        const std::int16_t* frame = stereo + 2 * index(i);
+        const int half = (frame[0] + frame[1]) / 2;  // toward zero, as the halved sum truncated
+        mono_[index(i)] = half;
     }
     bassFilter_.operate(mono_.get(), bass_.get(), n);
 }
