@@ -12,6 +12,7 @@
 #include <vector>
 
 #include <ctime>
+#include <malloc.h>
 
 #include "beatatlas/beatatlas.hpp"
 #include "extremes/ExtremeSignal.h"
@@ -93,6 +94,8 @@ void measure(const std::string& signal, const std::string& minutes, const std::s
     // The signals' own memory is there before the session's is looked at.
     Feeder preCheck(signal);
     Feeder analysis(signal);
+    // Nor may the session live in what making them left behind.
+    malloc_trim(0);
     forgetHighestMemory();
     const double memoryBefore = memoryOf("VmRSS");
     const double start = processorSeconds();
