@@ -22,7 +22,7 @@ template <typename T>
 void fillFirstQuarter(std::int64_t n, T* table) {
     const T t = static_cast<T>(std::sin(kPi / static_cast<double>(n)));
     T dc = (T{2} * t) * t;
-    const double start = static_cast<double>(dc);
+    const auto start = static_cast<double>(dc);
     auto ds = static_cast<T>(std::sqrt(start * (2.0 - start)));
     const T t2 = T{2} * dc;
     T c{1};
