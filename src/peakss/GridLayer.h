@@ -32,7 +32,7 @@ public:
     /** Continues the grid with a segment. One whose beat is no tempo lays nothing.
      *
      *  @param end  samples; no beat is laid at it or behind it */
-    void laySegment(const BeatInfo& segment, const BandOffsets& offsetsMs, int end);
+    void laySegment(const BeatInfo& record, const BandOffsets& offsetsMs, int end);
 
     /** The grid; its last beat takes the last measured length. */
     LaidGrid finish();

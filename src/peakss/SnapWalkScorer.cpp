@@ -67,6 +67,7 @@ double SnapWalkScorer::pointsBehind(int beat) {
         path_.push_back({beat, next.points});
         beat = next.beat;
     }
+    // NOLINTNEXTLINE(modernize-loop-convert): Clang 14 cannot read views::reverse of GCC's library
     for (auto hit = path_.rbegin(); hit != path_.rend(); ++hit) {
         points += hit->points;
         tails_[static_cast<std::size_t>(hit->beat)] = {pulse_, points};
