@@ -91,10 +91,11 @@ void ConstantQBank::magnitudes(const float* samples, int hop, int frames, Place 
     }
     std::vector<ConstantQSums> sums(bins.size() * static_cast<std::size_t>(frames));
     correlateFrames(bins, frameLength(), samples, hop, frames, sums.data());
-    for (std::size_t i = 0; i < sums.size(); ++i) {
-        const ConstantQSums& s = sums[i];
-        rows[i] = std::sqrt((s.re * s.re) + (s.im * s.im)) *
-                  weightOf(i / static_cast<std::size_t>(frames));
+    const ConstantQSums* s = sums.data();
+    for (std::size_t k = 0; k < bins.size(); ++k) {
+        const float weight = weightOf(k);
+        for (int j = 0; j < frames; ++j, ++s)
+            *rows++ = std::sqrt((s->re * s->re) + (s->im * s->im)) * weight;
     }
 }
 
