@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
+#include "base/Interrupt.h"
 #include "cli/Program.h"
-#include "io/Interrupt.h"
 #include "io/ResultStream.h"
 #include "io/StandardStreams.h"
 
 int main(int argc, char** argv) {
     const app::StandardStreams streams;
-    app::Interrupt::install();
+    base::Interrupt::install();
     app::ResultStream results(streams.resultDescriptor());
     return app::Program(results).run(argc, argv);
 }

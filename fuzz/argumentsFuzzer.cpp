@@ -69,10 +69,10 @@ std::string argumentOf(FuzzInput& input, const std::vector<std::string>& words) 
  *  the current one again between inputs, or it would not find its corpus. */
 class Scratch {
 public:
-    Scratch() : folder_(std::make_unique<app::test::TemporaryFolder>()) {
-        app::test::writeAudioFile(folder_->file("track.wav"), {"wav", "pcm_s16le"},
-                                  app::test::tone(44100, 2, kTrackSeconds, 440.0, 0.5));
-        app::test::writeFile(folder_->file("noise.bin"), "not an audio file, whatever it says");
+    Scratch() : folder_(std::make_unique<test::TemporaryFolder>()) {
+        test::writeAudioFile(folder_->file("track.wav"), {"wav", "pcm_s16le"},
+                             test::tone(44100, 2, kTrackSeconds, 440.0, 0.5));
+        test::writeFile(folder_->file("noise.bin"), "not an audio file, whatever it says");
         std::filesystem::create_directory(folder_->file("folder"));
         kept_ = folder_->names();
     }
@@ -90,7 +90,7 @@ public:
     }
 
 private:
-    std::unique_ptr<app::test::TemporaryFolder> folder_;
+    std::unique_ptr<test::TemporaryFolder> folder_;
     int fuzzersFolder_ = open(".", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     std::vector<std::string> kept_;
 };

@@ -10,9 +10,9 @@
 #include <unistd.h>
 
 #include "FuzzInput.h"
-#include "audio/TrackDecoder.h"
-#include "audio/ffmpeg.h"
-#include "io/errors.h"
+#include "base/errors.h"
+#include "media/TrackDecoder.h"
+#include "media/ffmpeg.h"
 #include "require.h"
 
 namespace {
@@ -41,9 +41,9 @@ private:
 };
 
 /** Checks what the analysis relies on, and sums the samples up for the comparison of two passes. */
-class CheckingSink : public app::TrackSink {
+class CheckingSink : public media::TrackSink {
 public:
-    void put(app::StereoBlock& block) override {
+    void put(media::StereoBlock& block) override {
         require(block.left.size() == block.right.size(), "two channels of one length");
         frames += block.frames();
         for (const auto* channel : {&block.left, &block.right}) {
@@ -52,7 +52,7 @@ public:
                 sum = sum * 31.0 / 32.0 + static_cast<double>(sample);
             }
         }
-        if (frames > kMostFrames) throw app::TrackError("is longer than a fuzzer waits");
+        if (frames > kMostFrames) throw base::TrackError("is longer than a fuzzer waits");
     }
 
     std::size_t frames = 0;
@@ -63,14 +63,14 @@ public:
 CheckingSink decode(const std::string& path) {
     CheckingSink sink;
     try {
-        app::TrackDecoder decoder(path);
+        media::TrackDecoder decoder(path);
         decoder.run(sink);
-        const app::TrackFormat& format = decoder.format();
+        const base::TrackFormat& format = decoder.format();
         if (sink.frames > 0)
             require(format.sessionRate == 44100 || format.sessionRate == 48000, "a session's rate");
         decoder.isCutOff();
         decoder.declaredSeconds();
-    } catch (const app::TrackError& error) {
+    } catch (const base::TrackError& error) {
         require(std::string(error.what()) != "", "a reason");
     } catch (const std::bad_alloc&) {
         // A damaged length may ask for more memory than there is; the tool says so.
@@ -81,7 +81,7 @@ CheckingSink decode(const std::string& path) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t count) {
-    app::showFfmpegMessages(false);
+    media::showFfmpegMessages(false);
     const MemoryFile file(bytes, count);
     const CheckingSink first = decode(file.path());
     const CheckingSink second = decode(file.path());

@@ -14,7 +14,7 @@
 
 namespace {
 
-using app::test::FileKind;
+using test::FileKind;
 
 constexpr int kNoiseSeeds = 40;
 constexpr double kTrackSeconds = 0.12;
@@ -32,7 +32,7 @@ void writeNoise(const std::filesystem::path& folder, std::uint32_t state) {
             state = state * 1664525U + 1013904223U;
             byte = static_cast<char>(state >> 24);
         }
-        app::test::writeFile(folder / ("noise" + std::to_string(i)), bytes);
+        test::writeFile(folder / ("noise" + std::to_string(i)), bytes);
     }
 }
 
@@ -64,8 +64,8 @@ void writeTracks(const std::filesystem::path& folder) {
     for (const auto& [name, kind] : kSeeds) {
         for (const int channels : {1, 2}) {
             const auto file = folder / (name + std::to_string(channels));
-            app::test::writeAudioFile(file, kind,
-                                      app::test::tone(48000, channels, kTrackSeconds, 440.0, 0.5));
+            test::writeAudioFile(file, kind,
+                                 test::tone(48000, channels, kTrackSeconds, 440.0, 0.5));
         }
     }
 }

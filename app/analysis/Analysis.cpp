@@ -16,12 +16,12 @@ constexpr int kDotsPoints = 100;
 
 using CreateCall = void* (*)(int, int, bool, bool, bool);
 
-CreateCall createCall(TempoMode mode, int rate) {
+CreateCall createCall(base::TempoMode mode, int rate) {
     const bool isCd = rate == kCdRate;
     switch (mode) {
-    case TempoMode::varied:
+    case base::TempoMode::varied:
         return isCd ? BA_CreateVaried44k : BA_CreateVaried48k;
-    case TempoMode::simple:
+    case base::TempoMode::simple:
         return isCd ? BA_CreateSimple44k : BA_CreateSimple48k;
     default:
         return isCd ? BA_CreateConst44k : BA_CreateConst48k;
@@ -29,11 +29,11 @@ CreateCall createCall(TempoMode mode, int rate) {
 }
 
 /** The second argument of the create call: it means something else in every mode. */
-int secondArgument(const AnalysisOptions& options, int rate, int frames) {
+int secondArgument(const base::AnalysisOptions& options, int rate, int frames) {
     switch (options.tempo) {
-    case TempoMode::off:
+    case base::TempoMode::off:
         return 0;
-    case TempoMode::simple: {
+    case base::TempoMode::simple: {
         // The library takes one minute for a range that is longer than the track; the whole track is meant then.
         const double range = std::floor(options.rangeSeconds * static_cast<double>(rate));
         return range >= static_cast<double>(frames) ? frames : static_cast<int>(range);
@@ -43,8 +43,8 @@ int secondArgument(const AnalysisOptions& options, int rate, int frames) {
     }
 }
 
-std::vector<WavePoint> toWavePoints(const std::vector<BA_WaveInfo>& records, int count) {
-    std::vector<WavePoint> points;
+std::vector<base::WavePoint> toWavePoints(const std::vector<BA_WaveInfo>& records, int count) {
+    std::vector<base::WavePoint> points;
     points.reserve(static_cast<std::size_t>(count));
     for (int i = 0; i < count; ++i) {
         const BA_WaveInfo& record = records[static_cast<std::size_t>(i)];
@@ -54,13 +54,13 @@ std::vector<WavePoint> toWavePoints(const std::vector<BA_WaveInfo>& records, int
 }
 
 /** A silent track, or one too short for a single spectrum, scores 0 everywhere: no key then. */
-bool hasKey(const KeyRanking& ranking) {
+bool hasKey(const base::KeyRanking& ranking) {
     return ranking.scores[0] > 0.0;
 }
 
 }  // namespace
 
-Analysis::Analysis(const AnalysisOptions& options, int rate, int frames)
+Analysis::Analysis(const base::AnalysisOptions& options, int rate, int frames)
     : options_(options), rate_(rate), frames_(frames), session_(createSession()) {}
 
 void Analysis::Release::operator()(void* session) const {
@@ -74,13 +74,13 @@ void* Analysis::createSession() const {
     return libraryCall([&] { return create(frames_, second, waves, waves, options_.wantsKey); });
 }
 
-void Analysis::putLevels(StereoBlock& block) {
+void Analysis::putLevels(media::StereoBlock& block) {
     const int count = static_cast<int>(block.frames());
     libraryCall(
         [&] { BA_SetSamplePre(session_.get(), block.left.data(), block.right.data(), count); });
 }
 
-void Analysis::put(StereoBlock& block) {
+void Analysis::put(media::StereoBlock& block) {
     const int count = static_cast<int>(block.frames());
     libraryCall(
         [&] { BA_SetSample(session_.get(), block.left.data(), block.right.data(), count); });
@@ -90,8 +90,8 @@ bool Analysis::isFinished() const {
     return libraryCall([&] { return BA_Analyzed(session_.get()); });
 }
 
-AnalysisResult Analysis::result() const {
-    AnalysisResult result;
+base::AnalysisResult Analysis::result() const {
+    base::AnalysisResult result;
     result.rate = rate_;
     result.frames = frames_;
     const int bpm100 = libraryCall([&] { return BA_GetBpm(session_.get()); });
@@ -100,45 +100,45 @@ AnalysisResult Analysis::result() const {
     result.loudWave = loudWave();
     result.dotsWave = dotsWave();
     result.zoomWave = zoomWave();
-    const KeyRanking ranking = key();
+    const base::KeyRanking ranking = key();
     if (options_.wantsKey && hasKey(ranking)) result.key = ranking;
     return result;
 }
 
-std::vector<Beat> Analysis::beats() const {
+std::vector<base::Beat> Analysis::beats() const {
     const int count = libraryCall([&] { return BA_GetBeatNum(session_.get()); });
     std::vector<BA_BeatInfo> records(static_cast<std::size_t>(count));
     libraryCall([&] { BA_GetBeatList(session_.get(), records.data()); });
-    std::vector<Beat> beats;
+    std::vector<base::Beat> beats;
     beats.reserve(records.size());
     for (const BA_BeatInfo& record : records)
         beats.push_back({record.pos, record.beatNum, record.bpm});
     return beats;
 }
 
-std::vector<WavePoint> Analysis::loudWave() const {
+std::vector<base::WavePoint> Analysis::loudWave() const {
     std::vector<BA_WaveInfo> records(kLoudPoints);
     const int count =
         libraryCall([&] { return BA_GetLoudWave(session_.get(), records.data(), 0); });
     return toWavePoints(records, count);
 }
 
-std::vector<WavePoint> Analysis::dotsWave() const {
+std::vector<base::WavePoint> Analysis::dotsWave() const {
     std::vector<BA_WaveInfo> records(kDotsPoints);
     const int count =
         libraryCall([&] { return BA_GetDotsWave(session_.get(), records.data(), 0); });
     return toWavePoints(records, count);
 }
 
-std::vector<WavePoint> Analysis::zoomWave() const {
+std::vector<base::WavePoint> Analysis::zoomWave() const {
     const int count = libraryCall([&] { return BA_GetZoomWave(session_.get(), nullptr); });
     std::vector<BA_WaveInfo> records(static_cast<std::size_t>(count));
     libraryCall([&] { return BA_GetZoomWave(session_.get(), records.data()); });
     return toWavePoints(records, count);
 }
 
-KeyRanking Analysis::key() const {
-    KeyRanking ranking;
+base::KeyRanking Analysis::key() const {
+    base::KeyRanking ranking;
     libraryCall([&] {
         BA_GetKeyRank(session_.get(), ranking.keys.data());
         BA_GetKeyPoint(session_.get(), ranking.scores.data());

@@ -5,9 +5,9 @@
 #include <memory>
 #include <vector>
 
-#include "analysis/AnalysisOptions.h"
-#include "analysis/AnalysisResult.h"
-#include "audio/StereoBlock.h"
+#include "base/AnalysisOptions.h"
+#include "base/AnalysisResult.h"
+#include "media/StereoBlock.h"
 
 struct BA_WaveInfo;
 
@@ -22,18 +22,18 @@ public:
     /** @param rate    44,100 or 48,000
      *  @param frames  length of the track, above 0
      *  @throws std::bad_alloc */
-    Analysis(const AnalysisOptions& options, int rate, int frames);
+    Analysis(const base::AnalysisOptions& options, int rate, int frames);
 
     /** Whether the track has to pass once before the analysis proper. */
     bool needsLevels() const { return options_.wantsKey; }
 
-    void putLevels(StereoBlock& block);
-    void put(StereoBlock& block);
+    void putLevels(media::StereoBlock& block);
+    void put(media::StereoBlock& block);
 
     bool isFinished() const;
 
     /** What the session found. Once isFinished(). */
-    AnalysisResult result() const;
+    base::AnalysisResult result() const;
 
 private:
     struct Release {
@@ -41,13 +41,13 @@ private:
     };
 
     void* createSession() const;
-    std::vector<Beat> beats() const;
-    std::vector<WavePoint> loudWave() const;
-    std::vector<WavePoint> dotsWave() const;
-    std::vector<WavePoint> zoomWave() const;
-    KeyRanking key() const;
+    std::vector<base::Beat> beats() const;
+    std::vector<base::WavePoint> loudWave() const;
+    std::vector<base::WavePoint> dotsWave() const;
+    std::vector<base::WavePoint> zoomWave() const;
+    base::KeyRanking key() const;
 
-    AnalysisOptions options_;
+    base::AnalysisOptions options_;
     int rate_;
     int frames_;
     std::unique_ptr<void, Release> session_;

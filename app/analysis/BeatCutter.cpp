@@ -9,9 +9,9 @@
 #include <unistd.h>
 
 #include "analysis/LibraryCall.h"
+#include "base/Interrupt.h"
+#include "base/errors.h"
 #include "beatatlas/utilities.h"
-#include "io/Interrupt.h"
-#include "io/errors.h"
 
 namespace app {
 
@@ -42,7 +42,7 @@ std::size_t BeatCutter::paddedLength(std::size_t frames) const {
     return frames + 4 * frameLength();
 }
 
-double BeatCutter::bytesFor(const Recording& recording) const {
+double BeatCutter::bytesFor(const media::Recording& recording) const {
     const bool isShort = static_cast<double>(recording.frames()) < kShortSeconds * recording.rate;
     const double hop = isShort ? kLongHops[0] : kLongHops[static_cast<std::size_t>(options_.mode)];
     // Magnitude and phase of half a frame's bins for every hop; the padded channel and the library's sum.
@@ -51,23 +51,24 @@ double BeatCutter::bytesFor(const Recording& recording) const {
     return (working + kept) * static_cast<double>(recording.frames());
 }
 
-void BeatCutter::refuseTooLong(const Recording& recording) const {
+void BeatCutter::refuseTooLong(const media::Recording& recording) const {
     if (paddedLength(recording.frames()) > kMostFrames)
-        throw TrackError("is too long: more than 2,147,000,000 frames cannot be cut");
+        throw base::TrackError("is too long: more than 2,147,000,000 frames cannot be cut");
     const double needed = bytesFor(recording);
     const double present = physicalMemoryBytes();
     if (present <= 0.0 || needed <= present) return;
-    throw TrackError(fmt::format("is too long: cutting it takes {:.1f} GB of memory, and there are "
-                                 "{:.1f} GB (a higher --mode takes less)",
-                                 needed / kGigabyte, present / kGigabyte));
+    throw base::TrackError(
+        fmt::format("is too long: cutting it takes {:.1f} GB of memory, and there are "
+                    "{:.1f} GB (a higher --mode takes less)",
+                    needed / kGigabyte, present / kGigabyte));
 }
 
-void BeatCutter::cut(Recording& recording, const std::function<void(double)>& shown) const {
+void BeatCutter::cut(media::Recording& recording, const std::function<void(double)>& shown) const {
     refuseTooLong(recording);
     std::vector<float> padded;
     double done = 0.0;
     for (auto& channel : recording.channels) {
-        Interrupt::check();
+        base::Interrupt::check();
         shown(done++ / static_cast<double>(recording.channels.size()));
         padded.assign(paddedLength(channel.size()), 0.0F);
         const auto start = padded.begin() + static_cast<std::ptrdiff_t>(frameLength());

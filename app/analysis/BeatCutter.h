@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <functional>
 
-#include "audio/Recording.h"
+#include "media/Recording.h"
 
 namespace app {
 
@@ -25,13 +25,13 @@ public:
     /** @param shown  is told how much is done, 0 to 1
      *  @throws TrackError when the recording is too long for the library or for this machine's memory
      *  @throws Interrupted between two channels */
-    void cut(Recording& recording, const std::function<void(double)>& shown) const;
+    void cut(media::Recording& recording, const std::function<void(double)>& shown) const;
 
     /** Bytes of memory the recording takes while it is cut, itself included. */
-    double bytesFor(const Recording& recording) const;
+    double bytesFor(const media::Recording& recording) const;
 
 private:
-    void refuseTooLong(const Recording& recording) const;
+    void refuseTooLong(const media::Recording& recording) const;
     std::size_t frameLength() const;
     std::size_t paddedLength(std::size_t frames) const;
 

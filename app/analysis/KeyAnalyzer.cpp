@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "analysis/KeyAnalyzer.h"
 
+#include "analysis/TrackAnalyzer.h"
 #include "analysis/bufferFinders.h"
 
 namespace app {
@@ -9,22 +10,21 @@ namespace {
 
 constexpr int kPitchMode = 0;
 
-AnalysisOptions keyAlone() {
-    AnalysisOptions options;
-    options.tempo = TempoMode::off;
+base::AnalysisOptions keyAlone() {
+    base::AnalysisOptions options;
+    options.tempo = base::TempoMode::off;
     options.wantsWaves = false;
     return options;
 }
 
 }  // namespace
 
-KeyReport KeyAnalyzer::analyze(const std::string& path, ProgressLine& progress) const {
-    KeyReport report;
+output::KeyReport KeyAnalyzer::analyze(const std::string& path, ProgressLine& progress) const {
+    output::KeyReport report;
     MonoGatherer gatherer;
-    static_cast<TrackReport&>(report) =
-        TrackAnalyzer(keyAlone(), acceptsCutOff_).analyze(path, progress, [&](StereoBlock& block) {
-            gatherer.put(block);
-        });
+    static_cast<output::TrackReport&>(report) =
+        TrackAnalyzer(keyAlone(), acceptsCutOff_)
+            .analyze(path, progress, [&](media::StereoBlock& block) { gatherer.put(block); });
     MonoTrack track = gatherer.thinOut(report.format.sessionRate);
     report.wanted = options_;
     report.pitchHz = options_.pitchHz;

@@ -33,7 +33,7 @@ void MonoGatherer::reserve(double frames) {
     mono_.reserve(static_cast<std::size_t>(std::clamp(frames, 0.0, kReservedAtMost)));
 }
 
-void MonoGatherer::put(const StereoBlock& block) {
+void MonoGatherer::put(const media::StereoBlock& block) {
     const std::size_t before = mono_.size();
     const std::size_t count = block.frames();
     mono_.resize(before + count);

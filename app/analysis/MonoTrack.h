@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "audio/StereoBlock.h"
+#include "media/StereoBlock.h"
 
 namespace app {
 
@@ -30,7 +30,7 @@ public:
     /** Makes room for a track that is expected to be so long. */
     void reserve(double frames);
 
-    void put(const StereoBlock& block);
+    void put(const media::StereoBlock& block);
     std::int64_t frames() const { return std::ssize(mono_); }
 
     /** Ends the gathering. @param sessionRate  44,100 or 48,000 */

@@ -1,26 +1,29 @@
 // SPDX-License-Identifier: MIT
 #include "analysis/PitchAnalyzer.h"
 
-#include "analysis/FeedSink.h"
 #include "analysis/bufferFinders.h"
-#include "analysis/trackLength.h"
+#include "media/TrackFile.h"
+#include "media/FeedSink.h"
+#include "media/trackLength.h"
 
 namespace app {
 
-PitchReport PitchAnalyzer::analyze(const std::string& path, ProgressLine& progress) const {
-    TrackDecoder decoder(path);
-    const double expected = expectedFrames(decoder);
+output::PitchReport PitchAnalyzer::analyze(const std::string& path, ProgressLine& progress) const {
+    media::TrackDecoder decoder(path);
+    const double expected = media::expectedFrames(decoder);
     MonoGatherer gatherer;
     gatherer.reserve(expected);
-    FeedSink sink([&](StereoBlock& block) { gatherer.put(block); },
-                  [&](std::int64_t frames) {
-                      refuseAbove(static_cast<double>(frames));
-                      progress.show("decoding", 0.9 * static_cast<double>(frames) / expected);
-                  });
+    media::FeedSink sink([&](media::StereoBlock& block) { gatherer.put(block); },
+                         [&](std::int64_t frames) {
+                             media::refuseAbove(static_cast<double>(frames));
+                             progress.show("decoding",
+                                           0.9 * static_cast<double>(frames) / expected);
+                         });
     decoder.run(sink);
 
-    PitchReport report;
-    static_cast<TrackFile&>(report) = usableTrack(path, decoder, sink.frames(), acceptsCutOff_);
+    output::PitchReport report;
+    static_cast<base::TrackSource&>(report) =
+        media::usableTrack(path, decoder, sink.frames(), acceptsCutOff_);
     report.frames = static_cast<int>(sink.frames());
     report.options = options_;
     progress.show("listening", 0.9);

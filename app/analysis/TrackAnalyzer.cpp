@@ -2,19 +2,16 @@
 #include "analysis/TrackAnalyzer.h"
 
 #include "analysis/Analysis.h"
-#include "analysis/FeedSink.h"
-#include "analysis/trackLength.h"
-#include "audio/TrackDecoder.h"
-#include "io/errors.h"
+#include "base/errors.h"
+#include "media/FeedSink.h"
+#include "media/TrackDecoder.h"
+#include "media/trackLength.h"
 
 namespace app {
 
 // The passes: measure, for the key alone the levels, and the analysis proper.
-TrackReport TrackAnalyzer::analyze(const std::string& path, ProgressLine& progress,
-                                   const Feed& alongside) const {
-    TrackReport report;
-    report.path = path;
-    report.options = options_;
+output::TrackReport TrackAnalyzer::analyze(const std::string& path, ProgressLine& progress,
+                                           const Feed& alongside) const {
     const double passes = options_.wantsKey ? 3.0 : 2.0;
     double pass = 0.0;
     const auto stage = [&](const char* name) {
@@ -24,42 +21,47 @@ TrackReport TrackAnalyzer::analyze(const std::string& path, ProgressLine& progre
         };
     };
 
-    const int frames = measure(report, alongside, stage("measuring"));
+    int frames = 0;
+    const media::TrackFile file = measure(path, alongside, stage("measuring"), frames);
+    output::TrackReport report{file, options_, {}};
     Analysis analysis(options_, report.format.sessionRate, frames);
     if (analysis.needsLevels()) {
         feedTrack(
-            report, frames, [&](StereoBlock& block) { analysis.putLevels(block); },
+            file, frames, [&](media::StereoBlock& block) { analysis.putLevels(block); },
             stage("levels"));
     }
     feedTrack(
-        report, frames, [&](StereoBlock& block) { analysis.put(block); }, stage("analysing"));
+        file, frames, [&](media::StereoBlock& block) { analysis.put(block); }, stage("analysing"));
     if (!analysis.isFinished())
-        throw TrackError("could not be analysed: there is not enough memory");
+        throw base::TrackError("could not be analysed: there is not enough memory");
     report.analysis = analysis.result();
     return report;
 }
 
-int TrackAnalyzer::measure(TrackFile& file, const Feed& alongside, const ShowFraction& show) const {
-    TrackDecoder decoder(file.path);
-    const double expected = expectedFrames(decoder);
-    FeedSink counter(alongside, [&](std::int64_t frames) {
-        refuseAbove(static_cast<double>(frames));
-        show(static_cast<double>(frames) / expected);
+media::TrackFile TrackAnalyzer::measure(const std::string& path, const Feed& alongside,
+                                        const ShowFraction& show, int& frames) const {
+    media::TrackDecoder decoder(path);
+    const double expected = media::expectedFrames(decoder);
+    media::FeedSink counter(alongside, [&](std::int64_t counted) {
+        media::refuseAbove(static_cast<double>(counted));
+        show(static_cast<double>(counted) / expected);
     });
     decoder.run(counter);
-    file = usableTrack(file.path, decoder, counter.frames(), acceptsCutOff_);
-    return static_cast<int>(counter.frames());
+    const std::int64_t counted = counter.frames();
+    frames = static_cast<int>(counted);
+    return media::usableTrack(path, decoder, counted, acceptsCutOff_);
 }
 
-void TrackAnalyzer::feedTrack(const TrackReport& report, int frames, const Feed& feed,
+void TrackAnalyzer::feedTrack(const media::TrackFile& file, int frames, const Feed& feed,
                               const ShowFraction& show) {
-    TrackDecoder decoder(report.path);
-    refuseUnlessUnchanged(decoder, report.state);
-    FeedSink sink(feed, [&](std::int64_t fed) { show(static_cast<double>(fed) / frames); });
+    media::TrackDecoder decoder(file.path);
+    media::refuseUnlessUnchanged(decoder, file.state);
+    media::FeedSink sink(feed, [&](std::int64_t fed) { show(static_cast<double>(fed) / frames); });
     decoder.run(sink);
-    refuseUnlessUnchanged(decoder, report.state);
+    media::refuseUnlessUnchanged(decoder, file.state);
     if (sink.frames() != frames)
-        throw TrackError("did not give the same music twice: its decoder cannot be relied on");
+        throw base::TrackError(
+            "did not give the same music twice: its decoder cannot be relied on");
 }
 
 }  // namespace app

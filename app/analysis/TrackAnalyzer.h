@@ -4,19 +4,13 @@
 #include <functional>
 #include <string>
 
-#include "analysis/AnalysisOptions.h"
-#include "analysis/AnalysisResult.h"
-#include "analysis/TrackFile.h"
-#include "audio/StereoBlock.h"
+#include "base/AnalysisOptions.h"
 #include "io/ProgressLine.h"
+#include "media/StereoBlock.h"
+#include "media/TrackFile.h"
+#include "output/TrackReport.h"
 
 namespace app {
-
-/** Everything that is known about one file in the end. */
-struct TrackReport : TrackFile {
-    AnalysisOptions options;  ///< what was asked for
-    AnalysisResult analysis;
-};
 
 /** Takes one file through decoding and analysis.
  *
@@ -26,25 +20,26 @@ struct TrackReport : TrackFile {
 class TrackAnalyzer {
 public:
     /** @param acceptsCutOff  analyse what is left of a track that was cut off, instead of refusing it */
-    TrackAnalyzer(const AnalysisOptions& options, bool acceptsCutOff)
+    TrackAnalyzer(const base::AnalysisOptions& options, bool acceptsCutOff)
         : options_(options), acceptsCutOff_(acceptsCutOff) {}
 
-    using Feed = std::function<void(StereoBlock&)>;
+    using Feed = std::function<void(media::StereoBlock&)>;
 
     /** @param alongside  takes the whole track too, while it is measured
      *  @throws TrackError with the reason why the track cannot be analysed */
-    TrackReport analyze(
+    output::TrackReport analyze(
         const std::string& path, ProgressLine& progress,
-        const Feed& alongside = [](StereoBlock&) {}) const;
+        const Feed& alongside = [](media::StereoBlock&) {}) const;
 
 private:
     using ShowFraction = std::function<void(double)>;
 
-    int measure(TrackFile& file, const Feed& alongside, const ShowFraction& show) const;
-    static void feedTrack(const TrackReport& report, int frames, const Feed& feed,
+    media::TrackFile measure(const std::string& path, const Feed& alongside,
+                             const ShowFraction& show, int& frames) const;
+    static void feedTrack(const media::TrackFile& file, int frames, const Feed& feed,
                           const ShowFraction& show);
 
-    AnalysisOptions options_;
+    base::AnalysisOptions options_;
     bool acceptsCutOff_;
 };
 

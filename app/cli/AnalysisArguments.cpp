@@ -5,8 +5,8 @@
 
 #include <CLI/CLI.hpp>
 
+#include "base/errors.h"
 #include "cli/numberBetween.h"
-#include "io/errors.h"
 
 namespace app {
 
@@ -14,11 +14,11 @@ namespace {
 
 constexpr double kLongestRangeSeconds = 48695.0;  // 2^31 - 1 frames at 44,100 Hz
 
-std::map<std::string, TempoMode> tempoModes() {
-    return {{"constant", TempoMode::constant},
-            {"varied", TempoMode::varied},
-            {"simple", TempoMode::simple},
-            {"off", TempoMode::off}};
+std::map<std::string, base::TempoMode> tempoModes() {
+    return {{"constant", base::TempoMode::constant},
+            {"varied", base::TempoMode::varied},
+            {"simple", base::TempoMode::simple},
+            {"off", base::TempoMode::off}};
 }
 
 std::string requirePhrase(const std::string& text) {
@@ -55,11 +55,11 @@ void AnalysisArguments::declare(CLI::App& arguments) {
 }
 
 void AnalysisArguments::settle() {
-    if (sectionBeats_ && options_.tempo != TempoMode::varied) {
-        throw UsageError("--section goes with --tempo varied");
+    if (sectionBeats_ && options_.tempo != base::TempoMode::varied) {
+        throw base::UsageError("--section goes with --tempo varied");
     }
-    if (rangeSeconds_ && options_.tempo != TempoMode::simple)
-        throw UsageError("--range goes with --tempo simple");
+    if (rangeSeconds_ && options_.tempo != base::TempoMode::simple)
+        throw base::UsageError("--range goes with --tempo simple");
     options_.sectionBeats = sectionBeats_.value_or(options_.sectionBeats);
     options_.rangeSeconds = rangeSeconds_.value_or(options_.rangeSeconds);
     options_.wantsKey = !skipsKey_;

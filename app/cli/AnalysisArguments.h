@@ -3,7 +3,7 @@
 
 #include <optional>
 
-#include "analysis/AnalysisOptions.h"
+#include "base/AnalysisOptions.h"
 
 namespace CLI {
 class App;
@@ -19,10 +19,10 @@ public:
     /** Settles what was asked for, before any track. @throws UsageError when two arguments do not go together */
     void settle();
 
-    const AnalysisOptions& options() const { return options_; }
+    const base::AnalysisOptions& options() const { return options_; }
 
 private:
-    AnalysisOptions options_;
+    base::AnalysisOptions options_;
     std::optional<int> sectionBeats_;
     std::optional<double> rangeSeconds_;
     bool skipsKey_ = false;

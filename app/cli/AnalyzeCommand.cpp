@@ -3,7 +3,8 @@
 
 #include <CLI/CLI.hpp>
 
-#include "report/TrackEntry.h"
+#include "analysis/TrackAnalyzer.h"
+#include "output/TrackEntry.h"
 
 namespace app {
 
@@ -13,9 +14,9 @@ void AnalyzeCommand::declareOwn(CLI::App& arguments, CLI::Option* json) {
     analysis_.declare(arguments);
 }
 
-std::unique_ptr<ReportEntry> AnalyzeCommand::examine(const std::string& path) {
+std::unique_ptr<output::ReportEntry> AnalyzeCommand::examine(const std::string& path) {
     const TrackAnalyzer analyzer(analysis_.options(), tracks().acceptsCutOff());
-    return examineBy<TrackEntry>(analyzer, path, withWaves_);
+    return examineBy<output::TrackEntry>(analyzer, path, withWaves_);
 }
 
 }  // namespace app

@@ -21,7 +21,7 @@ private:
     void declareOwn(CLI::App& arguments, CLI::Option* json) override;
     void settleOwn() override { analysis_.settle(); }
     std::string documentFormat() const override { return "beatatlas.analysis"; }
-    std::unique_ptr<ReportEntry> examine(const std::string& path) override;
+    std::unique_ptr<output::ReportEntry> examine(const std::string& path) override;
 
     AnalysisArguments analysis_;
     bool withWaves_ = false;

@@ -5,12 +5,12 @@
 
 #include <CLI/CLI.hpp>
 
-#include "audio/RecordingChain.h"
-#include "audio/waveFile.h"
 #include "cli/bracketGuard.h"
 #include "cli/numberBetween.h"
-#include "io/OutputFile.h"
 #include "io/fileEnding.h"
+#include "media/OutputFile.h"
+#include "media/RecordingChain.h"
+#include "media/waveFile.h"
 
 namespace app {
 
@@ -60,32 +60,33 @@ ExitCode CutCommand::run(ResultStream&) {
     const std::string path = unguarded(path_);
     const std::string outputPath = unguarded(outputPath_);
     if (!hasEnding(outputPath, ".wav"))
-        throw UsageError("the result's name must end in .wav (--output)");
-    OutputFile::requireWritable(outputPath);
-    if (OutputFile::isSameFile(path, outputPath))
-        throw UsageError("the result would replace the track itself");
+        throw base::UsageError("the result's name must end in .wav (--output)");
+    media::OutputFile::requireWritable(outputPath);
+    if (media::OutputFile::isSameFile(path, outputPath))
+        throw base::UsageError("the result would replace the track itself");
     const auto file = tracks_.attempt(
         path, [&](ProgressLine& progress) { return cutTrack(path, outputPath, progress); });
     return file ? kExitDone : kExitFailed;
 }
 
-TrackFile CutCommand::cutTrack(const std::string& path, const std::string& outputPath,
-                               ProgressLine& progress) const {
-    TrackDecoder decoder(path);
+media::TrackFile CutCommand::cutTrack(const std::string& path, const std::string& outputPath,
+                                      ProgressLine& progress) const {
+    media::TrackDecoder decoder(path);
     const double expectedSeconds = std::max(1.0, decoder.declaredSeconds().value_or(0.0));
-    RecordingChain chain(expectedSeconds, [&](std::size_t frames) {
+    media::RecordingChain chain(expectedSeconds, [&](std::size_t frames) {
         const double seconds = static_cast<double>(frames) / chain.trackRate();
         progress.show("decoding", kDecoded * std::min(1.0, seconds / expectedSeconds));
     });
     decoder.run(chain);
-    Recording& recording = chain.recording();
-    auto file = usableTrack(path, decoder, static_cast<std::int64_t>(recording.frames()),
-                            tracks_.acceptsCutOff());
+    media::Recording& recording = chain.recording();
+    auto file = media::usableTrack(path, decoder, static_cast<std::int64_t>(recording.frames()),
+                                   tracks_.acceptsCutOff());
     BeatCutter(options_).cut(recording, [&](double done) {
         progress.show("cutting", kDecoded + done * (kCut - kDecoded));
     });
-    writeWave(outputPath, recording, asFloat_ ? WaveSamples::float32 : WaveSamples::int16,
-              [&](double done) { progress.show("writing", kCut + done * (1.0 - kCut)); });
+    media::writeWave(outputPath, recording,
+                     asFloat_ ? media::WaveSamples::float32 : media::WaveSamples::int16,
+                     [&](double done) { progress.show("writing", kCut + done * (1.0 - kCut)); });
     return file;
 }
 

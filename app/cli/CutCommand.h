@@ -4,10 +4,10 @@
 #include <string>
 
 #include "analysis/BeatCutter.h"
-#include "analysis/TrackFile.h"
-#include "audio/Recording.h"
 #include "cli/Command.h"
 #include "cli/TrackArguments.h"
+#include "media/Recording.h"
+#include "media/TrackFile.h"
 
 namespace app {
 
@@ -22,8 +22,8 @@ public:
     ExitCode run(ResultStream& results) override;
 
 private:
-    TrackFile cutTrack(const std::string& path, const std::string& outputPath,
-                       ProgressLine& progress) const;
+    media::TrackFile cutTrack(const std::string& path, const std::string& outputPath,
+                              ProgressLine& progress) const;
 
     TrackArguments tracks_;
     CutOptions options_;

@@ -3,13 +3,26 @@
 
 #include <CLI/CLI.hpp>
 
+#include "analysis/TrackAnalyzer.h"
+#include "base/errors.h"
 #include "cli/bracketGuard.h"
 #include "cli/numberBetween.h"
-#include "io/OutputFile.h"
-#include "io/errors.h"
-#include "picture/PictureFile.h"
+#include "io/fileEnding.h"
+#include "media/OutputFile.h"
+#include "output/picture/PictureFile.h"
 
 namespace app {
+
+namespace {
+
+/** @throws UsageError when the name ends in neither .png nor .svg */
+output::PictureFormat pictureFormatOf(const std::string& path) {
+    if (hasEnding(path, ".png")) return output::PictureFormat::png;
+    if (hasEnding(path, ".svg")) return output::PictureFormat::svg;
+    throw base::UsageError("the picture's name must end in .png or .svg (--output)");
+}
+
+}  // namespace
 
 void DrawCommand::declare(CLI::App& arguments) {
     arguments.add_option("FILE", path_, "a track of any common audio format")
@@ -22,17 +35,17 @@ void DrawCommand::declare(CLI::App& arguments) {
     arguments
         .add_option("--from", picture_.zoomFromSeconds,
                     "where the zoomed stretch begins (default: at the loudest place)")
-        ->check(numberBetween(0.0, kLatestZoomSeconds))
+        ->check(numberBetween(0.0, output::kLatestZoomSeconds))
         ->option_text("SECONDS");
     arguments
         .add_option("--span", picture_.zoomSpanSeconds,
                     "how long the zoomed stretch is (default: 12)")
-        ->check(numberBetween(kShortestZoomSeconds, kLongestZoomSeconds))
+        ->check(numberBetween(output::kShortestZoomSeconds, output::kLongestZoomSeconds))
         ->option_text("SECONDS");
     arguments
         .add_option("--width", picture_.widthPixels,
                     "width of the picture in pixels (default: 1600)")
-        ->check(numberBetween(kNarrowestPicture, kWidestPicture))
+        ->check(numberBetween(output::kNarrowestPicture, output::kWidestPicture))
         ->option_text("PIXELS");
     analysis_.declare(arguments);
     tracks_.declare(arguments);
@@ -43,15 +56,19 @@ ExitCode DrawCommand::run(ResultStream&) {
     tracks_.settle();
     const std::string path = unguarded(path_);
     const std::string outputPath = unguarded(outputPath_);
-    const PictureFormat format = pictureFormatOf(outputPath);
-    OutputFile::requireWritable(outputPath);
-    if (OutputFile::isSameFile(path, outputPath))
-        throw UsageError("the picture would replace the track itself");
+    const output::PictureFormat format = pictureFormatOf(outputPath);
+    media::OutputFile::requireWritable(outputPath);
+    if (media::OutputFile::isSameFile(path, outputPath))
+        throw base::UsageError("the picture would replace the track itself");
     const TrackAnalyzer analyzer(analysis_.options(), tracks_.acceptsCutOff());
     const auto report = tracks_.attempt(
         path, [&](ProgressLine& progress) { return analyzer.analyze(path, progress); });
     if (!report) return kExitFailed;
-    writePicture(*report, picture_, format, outputPath);
+    media::OutputFile picture(outputPath);
+    output::writePicture(*report, picture_, format, [&](const void* bytes, std::size_t count) {
+        picture.write(bytes, count);
+    });
+    picture.commit();
     return kExitDone;
 }
 

@@ -6,7 +6,7 @@
 #include "cli/AnalysisArguments.h"
 #include "cli/Command.h"
 #include "cli/TrackArguments.h"
-#include "picture/PictureOptions.h"
+#include "output/picture/PictureOptions.h"
 
 namespace app {
 
@@ -23,7 +23,7 @@ public:
 private:
     AnalysisArguments analysis_;
     TrackArguments tracks_;
-    PictureOptions picture_;
+    output::PictureOptions picture_;
     std::string path_;
     std::string outputPath_;
 };

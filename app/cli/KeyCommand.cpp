@@ -5,7 +5,7 @@
 
 #include "analysis/bufferFinders.h"
 #include "cli/numberBetween.h"
-#include "report/KeyEntry.h"
+#include "output/KeyEntry.h"
 
 namespace app {
 
@@ -30,9 +30,9 @@ void KeyCommand::declareOwn(CLI::App& arguments, CLI::Option*) {
         ->option_text("MODE");
 }
 
-std::unique_ptr<ReportEntry> KeyCommand::examine(const std::string& path) {
+std::unique_ptr<output::ReportEntry> KeyCommand::examine(const std::string& path) {
     const KeyAnalyzer analyzer(options_, tracks().acceptsCutOff());
-    return examineBy<KeyEntry>(analyzer, path);
+    return examineBy<output::KeyEntry>(analyzer, path);
 }
 
 }  // namespace app

@@ -20,9 +20,9 @@ public:
 private:
     void declareOwn(CLI::App& arguments, CLI::Option* json) override;
     std::string documentFormat() const override { return "beatatlas.key"; }
-    std::unique_ptr<ReportEntry> examine(const std::string& path) override;
+    std::unique_ptr<output::ReportEntry> examine(const std::string& path) override;
 
-    KeyOptions options_;
+    output::KeyOptions options_;
 };
 
 }  // namespace app

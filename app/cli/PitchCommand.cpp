@@ -5,7 +5,7 @@
 
 #include "analysis/bufferFinders.h"
 #include "cli/numberBetween.h"
-#include "report/PitchEntry.h"
+#include "output/PitchEntry.h"
 
 namespace app {
 
@@ -20,9 +20,9 @@ void PitchCommand::declareOwn(CLI::App& arguments, CLI::Option*) {
                        "nearer by a hertz or two");
 }
 
-std::unique_ptr<ReportEntry> PitchCommand::examine(const std::string& path) {
+std::unique_ptr<output::ReportEntry> PitchCommand::examine(const std::string& path) {
     const PitchAnalyzer analyzer(options_, tracks().acceptsCutOff());
-    return examineBy<PitchEntry>(analyzer, path);
+    return examineBy<output::PitchEntry>(analyzer, path);
 }
 
 }  // namespace app

@@ -18,9 +18,9 @@ public:
 private:
     void declareOwn(CLI::App& arguments, CLI::Option* json) override;
     std::string documentFormat() const override { return "beatatlas.pitch"; }
-    std::unique_ptr<ReportEntry> examine(const std::string& path) override;
+    std::unique_ptr<output::ReportEntry> examine(const std::string& path) override;
 
-    PitchOptions options_;
+    output::PitchOptions options_;
 };
 
 }  // namespace app

@@ -8,13 +8,13 @@
 
 #include <CLI/CLI.hpp>
 
+#include "base/Interrupt.h"
+#include "base/displayName.h"
+#include "base/errors.h"
 #include "cli/bracketGuard.h"
 #include "cli/commandTable.h"
 #include "cli/messages.h"
-#include "io/Interrupt.h"
-#include "io/displayName.h"
-#include "io/errors.h"
-#include "report/toolVersion.h"
+#include "cli/toolVersion.h"
 
 namespace app {
 
@@ -58,9 +58,9 @@ std::vector<std::string> toArguments(int argc, const char* const* argv) {
 int Program::run(int argc, const char* const* argv) {
     try {
         return parseAndRun(argc, argv);
-    } catch (const Interrupted& interrupted) {
+    } catch (const base::Interrupted& interrupted) {
         return kExitSignal + interrupted.signalNumber();
-    } catch (const UsageError& error) {
+    } catch (const base::UsageError& error) {
         printError(error.what());
         return kExitUsage;
     } catch (const std::bad_alloc&) {
@@ -87,10 +87,10 @@ ExitCode Program::parseAndRun(int argc, const char* const* argv) {
         return kExitDone;
     } catch (const CLI::ParseError& error) {
         if (program.get_subcommands().empty() && argc > 1 && argv[1][0] != '-') {
-            throw UsageError("there is no command " + displayName(argv[1]) +
-                             " (see beatatlas --help)");
+            throw base::UsageError("there is no command " + base::displayName(argv[1]) +
+                                   " (see beatatlas --help)");
         }
-        throw UsageError(displayName(error.what()) + " (see beatatlas --help)");
+        throw base::UsageError(base::displayName(error.what()) + " (see beatatlas --help)");
     }
     for (const auto& command : commands) {
         if (program.got_subcommand(command->name())) return command->run(results_);

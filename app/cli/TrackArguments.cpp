@@ -3,10 +3,10 @@
 
 #include <CLI/CLI.hpp>
 
-#include "audio/ffmpeg.h"
 #include "cli/messages.h"
 #include "io/StandardStreams.h"
-#include "report/textFormat.h"
+#include "media/ffmpeg.h"
+#include "output/textFormat.h"
 
 namespace app {
 
@@ -20,13 +20,13 @@ void TrackArguments::declare(CLI::App& arguments) {
 
 void TrackArguments::settle() const {
     if (isVerbose_) StandardStreams::showLibraryLines();
-    showFfmpegMessages(isVerbose_);
+    media::showFfmpegMessages(isVerbose_);
 }
 
-void TrackArguments::warnOf(const TrackFile& file) {
+void TrackArguments::warnOf(const base::TrackSource& file) {
     if (file.isCutOff) printFileWarning(file.path, "is cut off; only its beginning was taken");
     if (file.damagedPackets == 0) return;
-    const std::string places = counted(file.damagedPackets, "damaged place");
+    const std::string places = output::counted(file.damagedPackets, "damaged place");
     printFileWarning(file.path, places + " could not be decoded; silence was put there");
 }
 

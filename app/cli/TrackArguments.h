@@ -7,9 +7,9 @@
 #include <string>
 #include <type_traits>
 
-#include "analysis/TrackFile.h"
+#include "base/TrackSource.h"
+#include "base/errors.h"
 #include "io/ProgressLine.h"
-#include "io/errors.h"
 
 namespace CLI {
 class App;
@@ -29,7 +29,7 @@ public:
     bool acceptsCutOff() const { return acceptsCutOff_; }
 
     /** Works on one track, with progress and warnings on standard error.
-     *  @param work  takes a ProgressLine, gives something that is a TrackFile
+     *  @param work  takes a ProgressLine, gives something that is a TrackSource
      *  @return nothing when the track failed; the reason, which went to standard error too, is in failure() */
     template <class Work>
     auto attempt(const std::string& path, Work work)
@@ -40,7 +40,7 @@ public:
             progress.clear();
             warnOf(result);
             return result;
-        } catch (const TrackError& error) {
+        } catch (const base::TrackError& error) {
             fail(path, error.what());
         } catch (const std::bad_alloc&) {
             fail(path, "there is not enough memory");
@@ -51,7 +51,7 @@ public:
     const std::string& failure() const { return failure_; }
 
 private:
-    static void warnOf(const TrackFile& file);
+    static void warnOf(const base::TrackSource& file);
     void fail(const std::string& path, const std::string& reason);
 
     bool acceptsCutOff_ = false;

@@ -3,10 +3,11 @@
 
 #include <CLI/CLI.hpp>
 
+#include "base/Interrupt.h"
 #include "cli/bracketGuard.h"
-#include "io/Interrupt.h"
-#include "report/JsonReport.h"
-#include "report/TextReport.h"
+#include "cli/toolVersion.h"
+#include "output/JsonReport.h"
+#include "output/TextReport.h"
 
 namespace app {
 
@@ -29,7 +30,7 @@ ExitCode TracksCommand::run(ResultStream& results) {
     bool allDone = false;
     try {
         allDone = addTracks(*writer);
-    } catch (const Interrupted&) {
+    } catch (const base::Interrupted&) {
         writer->end();
         throw;
     }
@@ -37,12 +38,14 @@ ExitCode TracksCommand::run(ResultStream& results) {
     return allDone ? kExitDone : kExitFailed;
 }
 
-std::unique_ptr<ReportWriter> TracksCommand::makeWriter(ResultStream& results) const {
-    if (asJson_) return std::make_unique<JsonReport>(results, documentFormat());
-    return std::make_unique<TextReport>(results);
+std::unique_ptr<output::ReportWriter> TracksCommand::makeWriter(ResultStream& results) const {
+    const auto write = [&results](std::string_view text) { results.write(text); };
+    if (asJson_)
+        return std::make_unique<output::JsonReport>(write, documentFormat(), toolVersion());
+    return std::make_unique<output::TextReport>(write);
 }
 
-bool TracksCommand::addTracks(ReportWriter& writer) {
+bool TracksCommand::addTracks(output::ReportWriter& writer) {
     bool allDone = true;
     for (const std::string& argument : paths_) {
         const std::string path = unguarded(argument);

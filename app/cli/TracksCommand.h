@@ -8,8 +8,8 @@
 
 #include "cli/Command.h"
 #include "cli/TrackArguments.h"
-#include "report/ReportEntry.h"
-#include "report/ReportWriter.h"
+#include "output/ReportEntry.h"
+#include "output/ReportWriter.h"
 
 namespace CLI {
 class Option;
@@ -35,14 +35,14 @@ protected:
     virtual std::string documentFormat() const = 0;
 
     /** Examines one track, by way of examineBy(). @return null when it failed */
-    virtual std::unique_ptr<ReportEntry> examine(const std::string& path) = 0;
+    virtual std::unique_ptr<output::ReportEntry> examine(const std::string& path) = 0;
 
     const TrackArguments& tracks() const { return tracks_; }
 
     /** The work of examine(). @param analyzer  analyzes a path, with progress, to what an Entry tells */
     template <class Entry, class Analyzer, class... Details>
-    std::unique_ptr<ReportEntry> examineBy(const Analyzer& analyzer, const std::string& path,
-                                           Details... details) {
+    std::unique_ptr<output::ReportEntry> examineBy(const Analyzer& analyzer,
+                                                   const std::string& path, Details... details) {
         auto report = tracks_.attempt(
             path, [&](ProgressLine& progress) { return analyzer.analyze(path, progress); });
         if (!report) return nullptr;
@@ -50,8 +50,8 @@ protected:
     }
 
 private:
-    std::unique_ptr<ReportWriter> makeWriter(ResultStream& results) const;
-    bool addTracks(ReportWriter& writer);
+    std::unique_ptr<output::ReportWriter> makeWriter(ResultStream& results) const;
+    bool addTracks(output::ReportWriter& writer);
 
     TrackArguments tracks_;
     std::vector<std::string> paths_;

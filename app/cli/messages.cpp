@@ -5,7 +5,7 @@
 
 #include <fmt/format.h>
 
-#include "io/displayName.h"
+#include "base/displayName.h"
 
 namespace app {
 
@@ -15,11 +15,11 @@ void printError(const std::string& text) {
 }
 
 void printFileError(const std::string& path, const std::string& reason) {
-    printError(displayName(path) + ": " + reason);
+    printError(base::displayName(path) + ": " + reason);
 }
 
 void printFileWarning(const std::string& path, const std::string& text) {
-    printError(displayName(path) + ": warning: " + text);
+    printError(base::displayName(path) + ": warning: " + text);
 }
 
 }  // namespace app

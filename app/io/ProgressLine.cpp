@@ -8,7 +8,7 @@
 #include <sys/ioctl.h>
 #include <unistd.h>
 
-#include "io/displayName.h"
+#include "base/displayName.h"
 
 namespace app {
 
@@ -28,7 +28,7 @@ std::size_t terminalColumns() {
 std::string shortened(std::string_view text, std::size_t columns) {
     std::string kept;
     for (std::size_t i = 0; i < columns && !text.empty(); ++i) {
-        const std::size_t length = std::max<std::size_t>(1, utf8CharacterLength(text));
+        const std::size_t length = std::max<std::size_t>(1, base::utf8CharacterLength(text));
         kept += text.substr(0, length);
         text.remove_prefix(length);
     }
@@ -38,7 +38,7 @@ std::string shortened(std::string_view text, std::size_t columns) {
 }  // namespace
 
 ProgressLine::ProgressLine(std::string_view name, bool wanted)
-    : name_(displayName(name)), active_(wanted && isatty(STDERR_FILENO) == 1) {}
+    : name_(base::displayName(name)), active_(wanted && isatty(STDERR_FILENO) == 1) {}
 
 ProgressLine::~ProgressLine() {
     clear();

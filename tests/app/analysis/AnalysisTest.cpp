@@ -11,25 +11,25 @@
 namespace app {
 namespace {
 
-StereoBlock music(int rate, double seconds) {
+media::StereoBlock music(int rate, double seconds) {
     const test::Sound sound = test::tone(rate, 1, seconds, 220.0, 12000.0);
     return {sound.channels[0], sound.channels[0]};
 }
 
-AnalysisOptions viewsOnly() {
-    AnalysisOptions options;
-    options.tempo = TempoMode::off;
+base::AnalysisOptions viewsOnly() {
+    base::AnalysisOptions options;
+    options.tempo = base::TempoMode::off;
     options.wantsKey = false;
     return options;
 }
 
 TEST(Analysis, FindsTheSameWavesAsAPlainHost) {
-    StereoBlock block = music(44100, 10.0);
+    media::StereoBlock block = music(44100, 10.0);
     const int frames = static_cast<int>(block.frames());
     Analysis analysis(viewsOnly(), 44100, frames);
     analysis.put(block);
     ASSERT_TRUE(analysis.isFinished());
-    const AnalysisResult result = analysis.result();
+    const base::AnalysisResult result = analysis.result();
 
     const int ownMode = std::fegetround();
     void* session = BA_CreateConst44k(frames, 0, true, true, false);
@@ -52,8 +52,8 @@ TEST(Analysis, FindsTheSameWavesAsAPlainHost) {
 }
 
 TEST(Analysis, LeavesTheRoundingModeAlone) {
-    StereoBlock block = music(48000, 1.0);
-    AnalysisOptions options;
+    media::StereoBlock block = music(48000, 1.0);
+    base::AnalysisOptions options;
     {
         Analysis analysis(options, 48000, 48000);
         EXPECT_EQ(std::fegetround(), FE_TONEAREST);
@@ -68,8 +68,8 @@ TEST(Analysis, LeavesTheRoundingModeAlone) {
 }
 
 TEST(Analysis, WantsTheLevelsFirstForTheKey) {
-    StereoBlock block = music(48000, 1.0);
-    Analysis analysis(AnalysisOptions{}, 48000, 48000);
+    media::StereoBlock block = music(48000, 1.0);
+    Analysis analysis(base::AnalysisOptions{}, 48000, 48000);
     ASSERT_TRUE(analysis.needsLevels());
     analysis.put(block);
     EXPECT_FALSE(analysis.isFinished());
@@ -79,11 +79,11 @@ TEST(Analysis, WantsTheLevelsFirstForTheKey) {
 }
 
 TEST(Analysis, FindsNeitherTempoNorKeyWhereNeitherIsAskedFor) {
-    StereoBlock block = music(44100, 5.0);
+    media::StereoBlock block = music(44100, 5.0);
     Analysis analysis(viewsOnly(), 44100, static_cast<int>(block.frames()));
     EXPECT_FALSE(analysis.needsLevels());
     analysis.put(block);
-    const AnalysisResult result = analysis.result();
+    const base::AnalysisResult result = analysis.result();
     EXPECT_FALSE(result.bpm100.has_value());
     EXPECT_TRUE(result.beats.empty());
     EXPECT_FALSE(result.key.has_value());
@@ -92,7 +92,7 @@ TEST(Analysis, FindsNeitherTempoNorKeyWhereNeitherIsAskedFor) {
 
 TEST(Analysis, MakesAHundredAndFiftyZoomPointsASecond) {
     for (const int rate : {44100, 48000}) {
-        StereoBlock block = music(rate, 2.0);
+        media::StereoBlock block = music(rate, 2.0);
         Analysis analysis(viewsOnly(), rate, 2 * rate);
         analysis.put(block);
         EXPECT_EQ(analysis.result().zoomWave.size(), 300U);
@@ -100,10 +100,10 @@ TEST(Analysis, MakesAHundredAndFiftyZoomPointsASecond) {
 }
 
 TEST(Analysis, FinishesInEveryTempoMode) {
-    StereoBlock block = music(44100, 3.0);
-    for (const TempoMode mode :
-         {TempoMode::constant, TempoMode::varied, TempoMode::simple, TempoMode::off}) {
-        AnalysisOptions options = viewsOnly();
+    media::StereoBlock block = music(44100, 3.0);
+    for (const base::TempoMode mode : {base::TempoMode::constant, base::TempoMode::varied,
+                                       base::TempoMode::simple, base::TempoMode::off}) {
+        base::AnalysisOptions options = viewsOnly();
         options.tempo = mode;
         options.rangeSeconds = 1e9;  // longer than any track: all of it
         Analysis analysis(options, 44100, static_cast<int>(block.frames()));
@@ -113,12 +113,12 @@ TEST(Analysis, FinishesInEveryTempoMode) {
 }
 
 TEST(Analysis, TakesATrackOfOneFrame) {
-    StereoBlock block{{1.0F}, {1.0F}};
-    Analysis analysis(AnalysisOptions{}, 44100, 1);
+    media::StereoBlock block{{1.0F}, {1.0F}};
+    Analysis analysis(base::AnalysisOptions{}, 44100, 1);
     analysis.putLevels(block);
     analysis.put(block);
     ASSERT_TRUE(analysis.isFinished());
-    const AnalysisResult result = analysis.result();
+    const base::AnalysisResult result = analysis.result();
     EXPECT_EQ(result.zoomWave.size(), 1U);
     EXPECT_TRUE(result.beats.empty());
     EXPECT_FALSE(result.key.has_value());

@@ -8,7 +8,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "io/errors.h"
+#include "base/errors.h"
 #include "support/AudioFileWriter.h"
 #include "support/TemporaryFolder.h"
 
@@ -23,7 +23,7 @@ protected:
         test::writeAudioFile(track_, {"flac", "flac"}, test::tone(44100, 2, 4.0, 220.0, 0.4));
     }
 
-    TrackReport analyze(const std::string& path, bool acceptsCutOff = false) const {
+    output::TrackReport analyze(const std::string& path, bool acceptsCutOff = false) const {
         ProgressLine progress("", false);
         return TrackAnalyzer(options_, acceptsCutOff).analyze(path, progress);
     }
@@ -31,19 +31,19 @@ protected:
     std::string reasonOf(const std::string& path) const {
         try {
             analyze(path);
-        } catch (const TrackError& error) {
+        } catch (const base::TrackError& error) {
             return error.what();
         }
         return "";
     }
 
     test::TemporaryFolder folder_;
-    AnalysisOptions options_;
+    base::AnalysisOptions options_;
     std::string track_ = folder_.file("track");
 };
 
 TEST_F(TrackAnalyzerTest, TellsFormatLengthAndWaves) {
-    const TrackReport report = analyze(track_);
+    const output::TrackReport report = analyze(track_);
     EXPECT_EQ(report.path, track_);
     EXPECT_EQ(report.format.codec, "flac");
     EXPECT_EQ(report.format.trackRate, 44100);
@@ -56,8 +56,8 @@ TEST_F(TrackAnalyzerTest, TellsFormatLengthAndWaves) {
 }
 
 TEST_F(TrackAnalyzerTest, FindsTheSameAgain) {
-    const TrackReport first = analyze(track_);
-    const TrackReport second = analyze(track_);
+    const output::TrackReport first = analyze(track_);
+    const output::TrackReport second = analyze(track_);
     ASSERT_EQ(first.analysis.loudWave.size(), second.analysis.loudWave.size());
     for (std::size_t i = 0; i < first.analysis.loudWave.size(); ++i) {
         EXPECT_EQ(first.analysis.loudWave[i].level, second.analysis.loudWave[i].level);
@@ -72,7 +72,7 @@ TEST_F(TrackAnalyzerTest, RefusesATrackCutOffAndSaysWhatCanBeDone) {
 
 TEST_F(TrackAnalyzerTest, AnalysesWhatIsLeftWhenThatIsWanted) {
     test::copyShortened(track_, folder_.file("cut"), std::filesystem::file_size(track_) / 2);
-    const TrackReport report = analyze(folder_.file("cut"), true);
+    const output::TrackReport report = analyze(folder_.file("cut"), true);
     EXPECT_TRUE(report.isCutOff);
     EXPECT_GT(report.analysis.frames, 44100);
     EXPECT_LT(report.analysis.frames, 3 * 44100);

@@ -9,8 +9,8 @@
 #include <gtest/gtest.h>
 #include <sys/resource.h>
 
-#include "audio/RecordingChain.h"
-#include "audio/TrackDecoder.h"
+#include "media/RecordingChain.h"
+#include "media/TrackDecoder.h"
 #include "support/AudioFileWriter.h"
 #include "support/TemporaryFolder.h"
 #include "support/ToolRun.h"
@@ -36,15 +36,15 @@ protected:
         return path;
     }
 
-    Recording read(const std::string& path) {
-        TrackDecoder decoder(path);
-        RecordingChain chain(1.0, [](std::size_t) {});
+    media::Recording read(const std::string& path) {
+        media::TrackDecoder decoder(path);
+        media::RecordingChain chain(1.0, [](std::size_t) {});
         decoder.run(chain);
         codec_ = decoder.format().codec;
         return chain.recording();
     }
 
-    Recording cut(const Sound& sound, std::vector<std::string> options = {}) {
+    media::Recording cut(const Sound& sound, std::vector<std::string> options = {}) {
         options.insert(options.begin(), {"cut", write("in.wav", sound), "-o", out_});
         const ToolRun run = runTool(options);
         EXPECT_EQ(run.exitStatus, 0) << run.err;
@@ -65,7 +65,7 @@ Sound chordWithKicks(int rate, double seconds) {
 
 TEST_F(CutCommand, TakesTheBassDrumOutAndKeepsTheNote) {
     const Sound before = chordWithKicks(kRate, 6.0);
-    const Recording after = cut(before);
+    const media::Recording after = cut(before);
     const std::size_t beat = kRate / 2;
     const std::size_t hit = kRate / 10;
     double kickBefore = 0.0;
@@ -80,7 +80,7 @@ TEST_F(CutCommand, TakesTheBassDrumOutAndKeepsTheNote) {
 
 TEST_F(CutCommand, KeepsTheNoteFromTheFirstFrameToTheLast) {
     const std::size_t tenth = kRate / 10;
-    const Recording after = cut(test::tone(kRate, 1, 3.0, kChordHz, 0.2));
+    const media::Recording after = cut(test::tone(kRate, 1, 3.0, kChordHz, 0.2));
     for (const std::size_t from : {std::size_t{0}, 3 * static_cast<std::size_t>(kRate) - tenth})
         EXPECT_GT(test::levelAt(after.channels[0], kRate, kChordHz, from, tenth), 0.12) << from;
 }
@@ -89,7 +89,7 @@ TEST_F(CutCommand, KeepsLengthRateAndChannels) {
     for (const auto& [rate, channels, seconds] :
          {std::tuple{8000, 1, 0.7}, {48000, 2, 1.1}, {96000, 6, 0.5}, {44100, 2, 0.001}}) {
         const Sound sound = test::tone(rate, channels, seconds, 440.0, 0.2);
-        const Recording after = cut(sound);
+        const media::Recording after = cut(sound);
         EXPECT_EQ(after.rate, rate);
         EXPECT_EQ(after.channels.size(), static_cast<std::size_t>(channels));
         EXPECT_EQ(after.frames(), sound.frames());
@@ -99,16 +99,16 @@ TEST_F(CutCommand, KeepsLengthRateAndChannels) {
 TEST_F(CutCommand, CutsEachChannelForItself) {
     Sound sound = test::tone(kRate, 2, 2.0, kChordHz, 0.2);
     sound.channels[1].assign(sound.frames(), 0.0F);
-    const Recording after = cut(sound);
+    const media::Recording after = cut(sound);
     EXPECT_GT(test::levelAt(after.channels[0], kRate, kChordHz, kRate / 2, kRate), 0.19);
     EXPECT_THAT(after.channels[1], testing::Each(0.0F));
 }
 
 TEST_F(CutCommand, WritesSixteenBitsOrFloats) {
     const Sound sound = test::tone(kRate, 1, 1.0, kChordHz, 0.2);
-    const Recording rounded = cut(sound);
+    const media::Recording rounded = cut(sound);
     EXPECT_EQ(codec_, "pcm_s16le");
-    const Recording exact = cut(sound, {"--float"});
+    const media::Recording exact = cut(sound, {"--float"});
     EXPECT_EQ(codec_, "pcm_f32le");
     for (std::size_t i = 0; i < exact.frames(); ++i)
         ASSERT_EQ(rounded.channels[0][i],
@@ -117,7 +117,7 @@ TEST_F(CutCommand, WritesSixteenBitsOrFloats) {
 
 TEST_F(CutCommand, FollowsModeAndDivision) {
     const Sound sound = chordWithKicks(kRate, 2.0);
-    const Recording usual = cut(sound, {"--float"});
+    const media::Recording usual = cut(sound, {"--float"});
     EXPECT_EQ(cut(sound, {"--float", "--mode", "1"}).channels, usual.channels);  // short: same hop
     EXPECT_NE(cut(sound, {"--float", "--mode", "2"}).channels, usual.channels);
     for (const char* div : {"2", "4", "8", "16"})
@@ -128,7 +128,7 @@ TEST_F(CutCommand, StaysFiniteWhereTheTrackIsNot) {
     Sound sound = test::tone(kRate, 1, 1.0, kChordHz, 0.2);
     sound.channels[0][1000] = std::numeric_limits<float>::quiet_NaN();
     sound.channels[0][2000] = std::numeric_limits<float>::infinity();
-    const Recording after = cut(sound, {"--float"});
+    const media::Recording after = cut(sound, {"--float"});
     EXPECT_TRUE(std::all_of(after.channels[0].begin(), after.channels[0].end(),
                             [](float sample) { return std::isfinite(sample); }));
     EXPECT_GT(test::levelAt(after.channels[0], kRate, kChordHz, kRate / 2, kRate / 4), 0.15);

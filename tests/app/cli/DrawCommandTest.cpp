@@ -88,5 +88,15 @@ TEST_F(DrawCommand, NeverReplacesTheTrackItself) {
     EXPECT_EQ(test::readFile(track), test::readFile(track_));
 }
 
+TEST_F(DrawCommand, GoesByTheEndingOfTheName) {
+    EXPECT_EQ(runTool({"draw", track_, "-o", folder_.file("a.SVG")}).exitStatus, 0);
+    EXPECT_THAT(test::readFile(folder_.file("a.SVG")), StartsWith("<?xml"));
+    for (const char* name : {"a.jpg", "png", "a.png.bak", "svg"}) {
+        const ToolRun run = runTool({"draw", track_, "-o", folder_.file(name)});
+        EXPECT_EQ(run.exitStatus, 2) << name;
+        EXPECT_THAT(run.err, HasSubstr("must end in .png or .svg")) << name;
+    }
+}
+
 }  // namespace
 }  // namespace app

@@ -10,7 +10,7 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
-#include "io/errors.h"
+#include "base/errors.h"
 
 namespace app {
 namespace {
@@ -20,7 +20,7 @@ using testing::HasSubstr;
 std::string failureOfWritingTo(int descriptor) {
     try {
         ResultStream(descriptor).write("text");
-    } catch (const OutputError& error) {
+    } catch (const base::OutputError& error) {
         return error.what();
     }
     return "";

@@ -5,14 +5,14 @@
 #include <cstring>
 #include <stdexcept>
 
-#include "audio/ffmpeg.h"
+#include "media/ffmpeg.h"
 
 extern "C" {
 #include <libavutil/opt.h>
 #include <libswresample/swresample.h>
 }
 
-namespace app::test {
+namespace test {
 
 namespace {
 
@@ -20,7 +20,7 @@ constexpr int kUsualBlock = 4096;
 constexpr int kBitRate = 192000;
 
 int require(int result, const char* what) {
-    if (result < 0) throw std::runtime_error(std::string(what) + ": " + ffmpegReason(result));
+    if (result < 0) throw std::runtime_error(std::string(what) + ": " + media::ffmpegReason(result));
     return result;
 }
 
@@ -105,7 +105,7 @@ private:
             0,    0x3A, 0x7E, 0x9B, 0x55, 0,    0,    0,    10,   'I',  'D',  'A',  'T',  0x78,
             0x9C, 0x63, 0x60, 0,    0,    0,    2,    0,    1,    0x48, 0xAF, 0xA4, 0x71, 0,
             0,    0,    0,    'I',  'E',  'N',  'D',  0xAE, 0x42, 0x60, 0x82};
-        const PacketPointer packet = makePacket();
+        const media::PacketPointer packet = media::makePacket();
         require(av_new_packet(packet.get(), sizeof kPixel), "cover");
         std::memcpy(packet->data, kPixel, sizeof kPixel);
         packet->stream_index = cover_->index;
@@ -113,8 +113,8 @@ private:
         require(av_interleaved_write_frame(format_, packet.get()), "cover");
     }
 
-    FramePointer makeBlock(std::size_t at, std::size_t count) {
-        FramePointer frame = makeFrame();
+    media::FramePointer makeBlock(std::size_t at, std::size_t count) {
+        media::FramePointer frame = media::makeFrame();
         frame->nb_samples = static_cast<int>(count);
         frame->format = encoder_->sample_fmt;
         frame->sample_rate = sound_.rate;
@@ -133,7 +133,7 @@ private:
 
     void encode(const AVFrame* frame) {
         require(avcodec_send_frame(encoder_, frame), "encode");
-        const PacketPointer packet = makePacket();
+        const media::PacketPointer packet = media::makePacket();
         while (avcodec_receive_packet(encoder_, packet.get()) >= 0) {
             av_packet_rescale_ts(packet.get(), {1, sound_.rate}, stream_->time_base);
             packet->stream_index = stream_->index;
@@ -153,8 +153,8 @@ private:
 }  // namespace
 
 void writeAudioFile(const std::string& path, const FileKind& kind, const Sound& sound) {
-    showFfmpegMessages(false);
+    media::showFfmpegMessages(false);
     Writer(path, kind, sound).write();
 }
 
-}  // namespace app::test
+}  // namespace test

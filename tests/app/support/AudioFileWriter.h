@@ -5,7 +5,7 @@
 
 #include "support/Sounds.h"
 
-namespace app::test {
+namespace test {
 
 /** How a test file is to be encoded, by FFmpeg's names. */
 struct FileKind {
@@ -18,4 +18,4 @@ struct FileKind {
 /** Writes a sound as an audio file. @throws std::runtime_error, which says what FFmpeg could not do */
 void writeAudioFile(const std::string& path, const FileKind& kind, const Sound& sound);
 
-}  // namespace app::test
+}  // namespace test

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "support/Reports.h"
 
-namespace app::test {
+namespace test {
 
 namespace {
 
@@ -10,23 +10,23 @@ constexpr int kSeconds = 8;
 constexpr int kFramesPerBeat = kRate / 2;
 constexpr int kFirstBeat = 4800;  // a tenth of a second
 
-KeyRanking aMinorAheadOfCMajor() {
-    KeyRanking key;
-    for (int i = 0; i < kKeyCount; ++i) {
+base::KeyRanking aMinorAheadOfCMajor() {
+    base::KeyRanking key;
+    for (int i = 0; i < base::kKeyCount; ++i) {
         const auto at = static_cast<std::size_t>(i);
-        key.keys[at] = (12 + 15 * i) % kKeyCount;
+        key.keys[at] = (12 + 15 * i) % base::kKeyCount;
         key.scores[at] = 200.0 - 5.0 * i;
     }
     // 12 + 15 i modulo 24 meets each of its eight values three times: the rest of the ranking does not matter here.
     key.noteCounts.fill(1);
-    key.noteShares.fill(1.0 / kPitchClassCount);
+    key.noteShares.fill(1.0 / base::kPitchClassCount);
     return key;
 }
 
 }  // namespace
 
-TrackReport emptyReport() {
-    TrackReport report;
+output::TrackReport emptyReport() {
+    output::TrackReport report;
     report.path = "music/track.flac";
     report.format = {"flac", "flac", 2, kRate, kRate};
     report.analysis.rate = kRate;
@@ -34,9 +34,9 @@ TrackReport emptyReport() {
     return report;
 }
 
-TrackReport exampleReport() {
-    TrackReport report = emptyReport();
-    AnalysisResult& analysis = report.analysis;
+output::TrackReport exampleReport() {
+    output::TrackReport report = emptyReport();
+    base::AnalysisResult& analysis = report.analysis;
     analysis.bpm100 = 12000;
     for (int i = 0; i < 15; ++i)
         analysis.beats.push_back({kFirstBeat + i * kFramesPerBeat, (i + 3) % 4 + 1, 12000});
@@ -50,4 +50,4 @@ TrackReport exampleReport() {
     return report;
 }
 
-}  // namespace app::test
+}  // namespace test

@@ -6,7 +6,7 @@
 #include <cmath>
 #include <numbers>
 
-namespace app::test {
+namespace test {
 
 namespace {
 
@@ -86,7 +86,7 @@ double levelAt(const std::vector<float>& channel, int rate, double hertz, std::s
     return 2.0 * std::hypot(re, im) / static_cast<double>(count);
 }
 
-void Recorder::put(StereoBlock& block) {
+void Recorder::put(media::StereoBlock& block) {
     left.insert(left.end(), block.left.begin(), block.left.end());
     right.insert(right.end(), block.right.begin(), block.right.end());
 }
@@ -110,4 +110,4 @@ double clickNear(const std::vector<float>& channel, int rate, double seconds) {
     return weighted / sum;
 }
 
-}  // namespace app::test
+}  // namespace test

@@ -4,9 +4,9 @@
 #include <cstdint>
 #include <vector>
 
-#include "audio/TrackSink.h"
+#include "media/TrackSink.h"
 
-namespace app::test {
+namespace test {
 
 /** A sound of any number of channels, full scale ±1.0, all channels of one length. */
 struct Sound {
@@ -38,9 +38,9 @@ double levelAt(const std::vector<float>& channel, int rate, double hertz, std::s
                std::size_t count);
 
 /** Gathers a decoded track. */
-class Recorder : public TrackSink {
+class Recorder : public media::TrackSink {
 public:
-    void put(StereoBlock& block) override;
+    void put(media::StereoBlock& block) override;
 
     std::vector<float> left;
     std::vector<float> right;
@@ -49,4 +49,4 @@ public:
 /** The middle of the loudest click within 0.05 s of the place, as a frame; -1 when it is silent there. */
 double clickNear(const std::vector<float>& channel, int rate, double seconds);
 
-}  // namespace app::test
+}  // namespace test

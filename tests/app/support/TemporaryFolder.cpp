@@ -8,7 +8,7 @@
 
 #include <stdlib.h>
 
-namespace app::test {
+namespace test {
 
 TemporaryFolder::TemporaryFolder() {
     std::string name = (std::filesystem::temp_directory_path() / "beatatlas-test-XXXXXX").string();
@@ -44,4 +44,4 @@ void copyShortened(const std::string& from, const std::string& to, std::size_t m
     writeFile(to, whole.substr(0, whole.size() - missingBytes));
 }
 
-}  // namespace app::test
+}  // namespace test

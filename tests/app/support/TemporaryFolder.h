@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-namespace app::test {
+namespace test {
 
 /** A folder of a test's own, gone with everything in it when the test ends. */
 class TemporaryFolder {
@@ -31,4 +31,4 @@ std::string readFile(const std::string& path);
 /** A copy that ends so many bytes early. */
 void copyShortened(const std::string& from, const std::string& to, std::size_t missingBytes);
 
-}  // namespace app::test
+}  // namespace test

@@ -15,7 +15,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-namespace app::test {
+namespace test {
 
 namespace {
 
@@ -111,4 +111,4 @@ ToolRun runTool(const std::vector<std::string>& arguments) {
     return run.run();
 }
 
-}  // namespace app::test
+}  // namespace test

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-namespace app::test {
+namespace test {
 
 /** Where the tool's standard output leads in a run. */
 enum class OutputPlace { captured, fullDisk, closedPipe, closed };
@@ -32,4 +32,4 @@ struct ToolRun {
 /** The tool with these arguments, run. */
 ToolRun runTool(const std::vector<std::string>& arguments);
 
-}  // namespace app::test
+}  // namespace test

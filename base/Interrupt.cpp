@@ -1,0 +1,42 @@
+// SPDX-License-Identifier: MIT
+#include "base/Interrupt.h"
+
+#include <csignal>
+#include <initializer_list>
+
+namespace base {
+
+namespace {
+
+volatile std::sig_atomic_t requestedSignal = 0;
+
+void remember(int signalNumber) {
+    requestedSignal = signalNumber;
+}
+
+void catchUnlessIgnored(int signalNumber) {
+    struct sigaction before = {};
+    sigaction(signalNumber, nullptr, &before);
+    if (before.sa_handler == SIG_IGN) return;
+    struct sigaction action = {};
+    action.sa_handler = remember;
+    action.sa_flags = static_cast<int>(SA_RESETHAND);
+    sigaction(signalNumber, &action, nullptr);
+}
+
+}  // namespace
+
+void Interrupt::install() {
+    for (const int signalNumber : {SIGINT, SIGTERM, SIGHUP}) catchUnlessIgnored(signalNumber);
+    for (const int signalNumber : {SIGPIPE, SIGXFSZ}) std::signal(signalNumber, SIG_IGN);
+}
+
+bool Interrupt::isRequested() {
+    return requestedSignal != 0;
+}
+
+void Interrupt::check() {
+    if (isRequested()) throw Interrupted(requestedSignal);
+}
+
+}  // namespace base

@@ -1,0 +1,30 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <stdexcept>
+#include <string>
+
+namespace base {
+
+/** A track that cannot be analysed. The text is the reason alone, without the file's name. */
+class TrackError : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+/** Results that cannot be written. The text names what could not be written and why. */
+class OutputError : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+/** A command line that asks for something impossible. */
+class UsageError : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+/** The system's words for an errno value. */
+std::string systemReason(int errorNumber);
+
+}  // namespace base

@@ -1,0 +1,123 @@
+// SPDX-License-Identifier: MIT
+#include "media/Container.h"
+
+#include <algorithm>
+#include <array>
+#include <new>
+#include <string_view>
+
+#include "base/Interrupt.h"
+#include "base/errors.h"
+
+namespace media {
+
+namespace {
+
+// Containers by FFmpeg's names. Everything else that FFmpeg can open is no music file, or opens further files.
+constexpr std::array<std::string_view, 31> kAudioContainers = {
+    "aac",    "ac3",  "aiff", "amr", "ape",  "asf",      "au",  "avi", "caf", "dsf",  "dts",
+    "eac3",   "flac", "flv",  "iff", "loas", "matroska", "mov", "mp3", "mpc", "mpc8", "mpeg",
+    "mpegts", "ogg",  "rm",   "shn", "tak",  "tta",      "w64", "wav", "wv"};
+
+// A tag with a large cover picture may stand before the first byte that tells what the file is.
+constexpr unsigned kProbeBytes = 16U << 20;
+
+// Below this, FFmpeg has seen a pattern that chance makes too: one lone frame header in arbitrary bytes.
+constexpr int kLeastProbeScore = 2;
+
+/** FFmpeg's names are lists: "mov,mp4,m4a". */
+bool hasName(std::string_view names, std::string_view wanted) {
+    while (!names.empty()) {
+        const std::size_t comma = std::min(names.find(','), names.size());
+        if (names.substr(0, comma) == wanted) return true;
+        names.remove_prefix(std::min(comma + 1, names.size()));
+    }
+    return false;
+}
+
+bool isAudioContainer(const AVInputFormat& format) {
+    return std::any_of(kAudioContainers.begin(), kAudioContainers.end(),
+                       [&](std::string_view name) { return hasName(format.name, name); });
+}
+
+int refuseToOpen(AVFormatContext*, AVIOContext**, const char*, int, AVDictionary**) {
+    return AVERROR(EPERM);
+}
+
+}  // namespace
+
+Container::Container(FileInput& input) : input_(input) {
+    open(recognise());
+    chooseStream();
+}
+
+const AVInputFormat* Container::recognise() const {
+    const AVInputFormat* format = nullptr;
+    const int score =
+        av_probe_input_buffer2(input_.context(), &format, "", nullptr, 0, kProbeBytes);
+    if (score < kLeastProbeScore || format == nullptr || !isAudioContainer(*format)) {
+        refuse(score, "is not an audio file of a known kind");
+    }
+    return format;
+}
+
+void Container::open(const AVInputFormat* format) {
+    AVFormatContext* context = avformat_alloc_context();
+    if (context == nullptr) throw std::bad_alloc();
+    context->pb = input_.context();
+    context->io_open = refuseToOpen;
+    // On failure FFmpeg frees the context itself and sets the pointer to null.
+    const int opened = avformat_open_input(&context, "", format, nullptr);
+    context_.reset(context);
+    if (opened < 0) refuse(opened, "is damaged or cut off: its header cannot be read");
+    const int found = avformat_find_stream_info(context, nullptr);
+    if (found < 0) refuse(found, "is damaged or cut off: nothing in it can be decoded");
+}
+
+void Container::chooseStream() {
+    const int index = av_find_best_stream(context_.get(), AVMEDIA_TYPE_AUDIO, -1, -1, nullptr, 0);
+    if (index < 0) refuse(index, "holds no audio");
+    for (unsigned i = 0; i < context_->nb_streams; ++i)
+        context_->streams[i]->discard = AVDISCARD_ALL;
+    stream_ = context_->streams[index];
+    stream_->discard = AVDISCARD_DEFAULT;
+}
+
+void Container::refuse(int error, const char* otherwise) const {
+    base::Interrupt::check();
+    input_.requireReadable();
+    if (error == AVERROR(ENOMEM)) throw std::bad_alloc();
+    throw base::TrackError(otherwise);
+}
+
+bool Container::next(AVPacket& packet) {
+    for (;;) {
+        const int result = av_read_frame(context_.get(), &packet);
+        base::Interrupt::check();
+        if (result == AVERROR(EAGAIN)) continue;
+        if (result < 0) {
+            failure_ = result == AVERROR_EOF ? 0 : result;
+            return false;
+        }
+        if (packet.stream_index == stream_->index) return true;
+        av_packet_unref(&packet);
+    }
+}
+
+bool Container::isFormat(const char* name) const {
+    return hasName(context_->iformat->name, name);
+}
+
+std::string Container::writer() const {
+    const AVDictionaryEntry* tag = av_dict_get(context_->metadata, "encoder", nullptr, 0);
+    return tag == nullptr ? std::string() : tag->value;
+}
+
+std::optional<double> Container::declaredSeconds() const {
+    const bool isGuess = context_->duration_estimation_method == AVFMT_DURATION_FROM_BITRATE;
+    if (isGuess || stream_->duration == AV_NOPTS_VALUE || stream_->duration <= 0)
+        return std::nullopt;
+    return static_cast<double>(stream_->duration) * av_q2d(stream_->time_base);
+}
+
+}  // namespace media

@@ -1,0 +1,59 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "media/FileInput.h"
+#include "media/ffmpeg.h"
+
+namespace media {
+
+/** An audio file's container: recognised by its content, opened, its music stream chosen.
+ *
+ *  Only containers that hold the audio themselves are accepted. Playlists and scripts (HLS, concat, SDP …), which
+ *  make a player open other files or addresses, are refused, and FFmpeg's means of opening anything are disabled. */
+class Container {
+public:
+    /** @throws TrackError when the content is no audio that can be read. The input must outlive the container. */
+    explicit Container(FileInput& input);
+
+    /** The music stream's next packet. Pictures and other streams are passed over.
+     *  @return false at the end, or where reading on is impossible: see failure() */
+    bool next(AVPacket& packet);
+
+    /** FFmpeg's error number when next() stopped before the end; 0 otherwise. */
+    int failure() const { return failure_; }
+
+    AVStream& stream() const { return *stream_; }
+
+    /** FFmpeg's short name of the container format: "mp3", "flac", "mov,mp4,m4a,3gp,3g2,mj2" … */
+    std::string format() const { return context_->iformat->name; }
+    bool isFormat(const char* name) const;
+
+    /** The program that wrote the file, as its tags name it; empty when they do not. */
+    std::string writer() const;
+
+    /** Length of the music stream in seconds by its own account, encoder padding included or not as the format has
+     *  it; nothing when the format has no such account and it could only be guessed from the bit rate. */
+    std::optional<double> declaredSeconds() const;
+
+private:
+    struct ContextClose {
+        void operator()(AVFormatContext* context) const { avformat_close_input(&context); }
+    };
+
+    const AVInputFormat* recognise() const;
+    void open(const AVInputFormat* format);
+    void chooseStream();
+    [[noreturn]] void refuse(int error, const char* otherwise) const;
+
+    FileInput& input_;
+    std::unique_ptr<AVFormatContext, ContextClose> context_;
+    AVStream* stream_ = nullptr;
+    int failure_ = 0;
+};
+
+}  // namespace media

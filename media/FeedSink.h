@@ -1,0 +1,30 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <cstdint>
+#include <functional>
+
+#include "media/TrackSink.h"
+
+namespace media {
+
+/** Hands a track on block by block, counts it, and lets a request to stop through. */
+class FeedSink : public TrackSink {
+public:
+    /** @param feed     takes each block
+     *  @param counted  is told after each block how many frames have gone by */
+    FeedSink(std::function<void(StereoBlock&)> feed,
+             std::function<void(std::int64_t)> counted);
+
+    /** @throws Interrupted */
+    void put(StereoBlock& block) override;
+
+    std::int64_t frames() const { return frames_; }
+
+private:
+    std::function<void(StereoBlock&)> feed_;
+    std::function<void(std::int64_t)> counted_;
+    std::int64_t frames_ = 0;
+};
+
+}  // namespace media

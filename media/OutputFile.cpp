@@ -1,0 +1,104 @@
+// SPDX-License-Identifier: MIT
+#include "media/OutputFile.h"
+
+#include <cerrno>
+#include <filesystem>
+#include <optional>
+#include <utility>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "base/displayName.h"
+#include "base/errors.h"
+#include "media/writeFully.h"
+
+namespace media {
+
+namespace {
+
+std::optional<struct stat> statusOf(const std::string& path) {
+    struct stat status = {};
+    if (stat(path.c_str(), &status) != 0) return std::nullopt;
+    return status;
+}
+
+std::string folderOf(const std::string& path) {
+    const std::string folder = std::filesystem::path(path).parent_path().string();
+    return folder.empty() ? "." : folder;
+}
+
+std::string followLinks(const std::string& path) {
+    std::error_code failure;
+    const std::filesystem::path target = std::filesystem::weakly_canonical(path, failure);
+    return failure ? path : target.string();
+}
+
+[[noreturn]] void refuse(const std::string& path, const std::string& reason) {
+    throw base::OutputError(base::displayName(path) + " cannot be written: " + reason);
+}
+
+mode_t permissionsOfNewFiles() {
+    const mode_t mask = umask(0);
+    umask(mask);
+    return 0666 & ~mask;
+}
+
+}  // namespace
+
+OutputFile::OutputFile(const std::string& path)
+    : shownPath_(path), finalPath_(followLinks(path)), draftPath_(finalPath_ + ".XXXXXX") {
+    requireWritable(path);
+    descriptor_ = mkostemp(draftPath_.data(), O_CLOEXEC);
+    if (descriptor_ == -1) fail(errno);
+}
+
+OutputFile::~OutputFile() {
+    if (descriptor_ == -1) return;
+    close(descriptor_);
+    unlink(draftPath_.c_str());
+}
+
+void OutputFile::write(const void* bytes, std::size_t count) {
+    const int failure = writeFully(descriptor_, bytes, count);
+    if (failure != 0) fail(failure);
+}
+
+void OutputFile::seek(std::int64_t offset) {
+    if (lseek(descriptor_, offset, SEEK_SET) == -1) fail(errno);
+}
+
+void OutputFile::commit() {
+    setPermissions();
+    // On some file systems a full disk is told only here.
+    if (fsync(descriptor_) != 0) fail(errno);
+    if (rename(draftPath_.c_str(), finalPath_.c_str()) != 0) fail(errno);
+    close(std::exchange(descriptor_, -1));
+}
+
+void OutputFile::setPermissions() const {
+    const auto replaced = statusOf(finalPath_);
+    const mode_t permissions = replaced ? (replaced->st_mode & 0777) : permissionsOfNewFiles();
+    if (fchmod(descriptor_, permissions) != 0) fail(errno);
+}
+
+void OutputFile::fail(int errorNumber) const {
+    refuse(shownPath_, base::systemReason(errorNumber));
+}
+
+void OutputFile::requireWritable(const std::string& path) {
+    const std::string target = followLinks(path);
+    const auto existing = statusOf(target);
+    if (existing && S_ISDIR(existing->st_mode)) refuse(path, "it is a folder");
+    if (existing && !S_ISREG(existing->st_mode)) refuse(path, "it is not a regular file");
+    if (access(folderOf(target).c_str(), W_OK | X_OK) != 0) refuse(path, base::systemReason(errno));
+}
+
+bool OutputFile::isSameFile(const std::string& one, const std::string& other) {
+    const auto first = statusOf(one);
+    const auto second = statusOf(other);
+    return first && second && first->st_dev == second->st_dev && first->st_ino == second->st_ino;
+}
+
+}  // namespace media

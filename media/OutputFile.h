@@ -1,0 +1,45 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+
+namespace media {
+
+/** A file that appears whole or not at all: written beside its final place, then renamed over it.
+ *
+ *  Without commit() nothing is left behind, and an older file of that name stays as it was. */
+class OutputFile {
+public:
+    /** @throws OutputError when the place cannot be written */
+    explicit OutputFile(const std::string& path);
+    ~OutputFile();
+    OutputFile(const OutputFile&) = delete;
+    OutputFile& operator=(const OutputFile&) = delete;
+
+    void write(const void* bytes, std::size_t count);
+
+    /** Where the next bytes go, counted from the file's beginning. */
+    void seek(std::int64_t offset);
+
+    void commit();
+
+    /** Looks, before hours of work, whether the place can be written: its folder is there and lets one write, and
+     *  nothing but a regular file would be replaced. @throws OutputError with the reason if not */
+    static void requireWritable(const std::string& path);
+
+    /** Whether both names lead to one existing file, by links or otherwise. */
+    static bool isSameFile(const std::string& one, const std::string& other);
+
+private:
+    void fail(int errorNumber) const;
+    void setPermissions() const;
+
+    std::string shownPath_;
+    std::string finalPath_;  ///< links followed: a link keeps pointing to the replaced file
+    std::string draftPath_;
+    int descriptor_ = -1;
+};
+
+}  // namespace media

@@ -1,0 +1,44 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <utility>
+
+#include "media/FrameChain.h"
+#include "media/PlanarFloats.h"
+#include "media/Recording.h"
+
+namespace media {
+
+/** Gathers a track as it is: no channel folded, no rate converted. What is no number or infinite becomes silence. */
+class RecordingChain : public FrameChain {
+public:
+    /** @param expectedSeconds  how long the track may be; room is made for it
+     *  @param counted          is told after each frame how many sample frames there are */
+    RecordingChain(double expectedSeconds, std::function<void(std::size_t)> counted)
+        : expectedSeconds_(expectedSeconds), counted_(std::move(counted)) {}
+
+    void dropFrames(std::int64_t frames) override { framesToDrop_ = frames; }
+
+    /** @throws TrackError when rate or channels change on the way
+     *  @throws Interrupted */
+    void put(const AVFrame& frame) override;
+    void putSilence(std::int64_t frames) override;
+    void finish() override {}
+    int trackRate() const override { return recording_.rate; }
+    int outputRate() const override { return recording_.rate; }
+
+    Recording& recording() { return recording_; }
+
+private:
+    void begin(const AVFrame& frame);
+
+    double expectedSeconds_;
+    std::function<void(std::size_t)> counted_;
+    PlanarFloats floats_;
+    Recording recording_;
+    std::int64_t framesToDrop_ = 0;
+};
+
+}  // namespace media

@@ -1,0 +1,92 @@
+// SPDX-License-Identifier: MIT
+#include "media/StereoChain.h"
+
+#include <algorithm>
+
+#include "base/errors.h"
+
+namespace media {
+
+namespace {
+
+constexpr float kFullScale = 32768.0F;
+constexpr std::int64_t kSilenceBlockFrames = 4096;
+
+// A third of a second. Codecs hand out as little as 600 frames, and every call of the library has its price.
+constexpr std::size_t kStretchFrames = 16384;
+
+/** Lossy decoders overshoot full scale, and a session keeps only the low 16 bits of a sample: too loud would wrap.
+ *  What is no number becomes silence. */
+void scaleForSession(const float* samples, std::size_t count, float* scaled) {
+    for (std::size_t i = 0; i < count; ++i) {
+        const float sample = samples[i] * kFullScale;
+        const float above = sample > -kFullScale ? sample : -kFullScale;
+        const float within = above < kFullScale - 1.0F ? above : kFullScale - 1.0F;
+        scaled[i] = sample == sample ? within : 0.0F;
+    }
+}
+
+}  // namespace
+
+void StereoChain::put(const AVFrame& frame) {
+    if (frame.sample_rate != trackRate_) setTrackRate(frame.sample_rate);
+    StereoBlock& block = fold_.fold(frame);
+    dropDelay(block);
+    toSessionRate(block);
+}
+
+void StereoChain::dropDelay(StereoBlock& block) {
+    const auto count = std::min(framesToDrop_, static_cast<std::int64_t>(block.frames()));
+    if (count == 0) return;
+    block.left.erase(block.left.begin(), block.left.begin() + count);
+    block.right.erase(block.right.begin(), block.right.begin() + count);
+    framesToDrop_ -= count;
+}
+
+void StereoChain::setTrackRate(int rate) {
+    if (rate <= 0) throw base::TrackError("holds audio without a sample rate");
+    if (converter_) deliver(converter_->finish());
+    converter_.reset();
+    trackRate_ = rate;
+    if (sessionRate_ == 0) sessionRate_ = sessionRateFor(rate);
+    if (rate != sessionRate_) converter_ = std::make_unique<RateConverter>(rate, sessionRate_);
+}
+
+void StereoChain::putSilence(std::int64_t frames) {
+    if (trackRate_ == 0) return;
+    for (; frames > 0; frames -= kSilenceBlockFrames) {
+        silence_.assignSilence(static_cast<std::size_t>(std::min(frames, kSilenceBlockFrames)));
+        toSessionRate(silence_);
+    }
+}
+
+void StereoChain::toSessionRate(const StereoBlock& block) {
+    deliver(converter_ ? converter_->convert(block) : block);
+}
+
+void StereoChain::finish() {
+    if (converter_) deliver(converter_->finish());
+    converter_.reset();
+    if (gathered_ == 0) return;
+    stretch_.resize(gathered_);
+    handOn();
+}
+
+void StereoChain::deliver(const StereoBlock& block) {
+    for (std::size_t at = 0; at < block.frames();) {
+        stretch_.resize(kStretchFrames);
+        const std::size_t count = std::min(block.frames() - at, kStretchFrames - gathered_);
+        scaleForSession(block.left.data() + at, count, stretch_.left.data() + gathered_);
+        scaleForSession(block.right.data() + at, count, stretch_.right.data() + gathered_);
+        at += count;
+        gathered_ += count;
+        if (gathered_ == kStretchFrames) handOn();
+    }
+}
+
+void StereoChain::handOn() {
+    gathered_ = 0;
+    sink_.put(stretch_);
+}
+
+}  // namespace media

@@ -1,0 +1,74 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+#include "base/TrackSource.h"
+#include "media/Container.h"
+#include "media/DecodeTally.h"
+#include "media/EncoderDelay.h"
+#include "media/FileInput.h"
+#include "media/FrameChain.h"
+#include "media/StreamDecoder.h"
+#include "media/TrackSink.h"
+
+namespace media {
+
+/** Decodes a track from its first frame of music to its last, once. For another pass make another decoder: the same
+ *  file gives the same samples every time, and so no length of track has to be held in memory. */
+class TrackDecoder {
+public:
+    /** @throws TrackError when the file holds no audio that can be decoded */
+    explicit TrackDecoder(const std::string& path);
+
+    /** Decodes everything that can be decoded. Damage is counted, not thrown. */
+    void run(FrameChain& chain);
+
+    /** The same, folded to stereo at a session's rate. */
+    void run(TrackSink& sink);
+
+    /** Known after run(). */
+    const DecodeTally& tally() const { return tally_; }
+    const base::TrackFormat& format() const { return format_; }
+
+    /** The file as it was opened, and whether it is another now. */
+    const FileState& fileState() const { return input_.opened(); }
+    bool hasFileChanged() const { return input_.hasChanged(); }
+
+    /** Length by the file's own account, seconds. */
+    std::optional<double> declaredSeconds() const { return container_.declaredSeconds(); }
+
+    /** Whether the file ends before its own account of itself does: what was decoded is not the whole track. After
+     *  run(). */
+    bool isCutOff() const;
+
+private:
+    /** Packets that could not be decoded since the last one that could. */
+    struct PendingDamage {
+        std::int64_t packets = 0;
+        std::int64_t duration = 0;  ///< in the stream's time base
+    };
+
+    void decode(const AVPacket* packet, FrameChain& chain);
+    bool isIncomplete(const AVPacket& packet) const;
+    void noteDamage(const AVPacket* packet);
+    void fillDamage(FrameChain& chain);
+    void deliver(AVFrame& frame, FrameChain& chain);
+    void dropPadding(AVFrame& frame) const;
+    bool tellsPacketLengths() const;
+    bool isShorterThanDeclared() const;
+
+    FileInput input_;
+    Container container_;
+    EncoderDelay delay_;
+    StreamDecoder decoder_;
+    PacketPointer packet_;
+    FramePointer frame_;
+    DecodeTally tally_;
+    PendingDamage pendingDamage_;
+    base::TrackFormat format_;
+};
+
+}  // namespace media

@@ -1,0 +1,29 @@
+// SPDX-License-Identifier: MIT
+#include "media/TrackFile.h"
+
+#include "base/errors.h"
+
+namespace media {
+
+TrackFile usableTrack(const std::string& path, const TrackDecoder& decoder, std::int64_t frames,
+                      bool acceptsCutOff) {
+    refuseUnlessUnchanged(decoder, decoder.fileState());
+    const DecodeTally& tally = decoder.tally();
+    const bool isCutOff = decoder.isCutOff();
+    if (frames == 0 && tally.isLastPacketDamaged)
+        throw base::TrackError("is damaged: nothing in it can be decoded");
+    if (frames == 0)
+        throw base::TrackError(isCutOff ? "is cut off: no sound is left in it" : "holds no audio");
+    if (isCutOff && !acceptsCutOff) {
+        throw base::TrackError(
+            "is cut off: it ends before the track does (--partial takes what is there)");
+    }
+    return {{path, decoder.format(), isCutOff, tally.damagedPackets}, decoder.fileState()};
+}
+
+void refuseUnlessUnchanged(const TrackDecoder& decoder, const FileState& state) {
+    if (decoder.fileState() != state || decoder.hasFileChanged())
+        throw base::TrackError("has changed while it was being read");
+}
+
+}  // namespace media

@@ -1,0 +1,29 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace media {
+
+class FileInput;
+
+/** A piece of a file. Reading outside it gives zeros, so that no header needs a length check of its own. */
+class FileBytes {
+public:
+    FileBytes(const FileInput& input, std::int64_t offset, std::size_t count);
+
+    std::size_t size() const { return bytes_.size(); }
+    std::uint8_t byte(std::size_t at) const;
+    std::uint64_t bigEndian(std::size_t at, std::size_t count) const;
+    std::uint64_t littleEndian(std::size_t at, std::size_t count) const;
+    std::string text(std::size_t at, std::size_t count) const;
+
+    /** Where the text occurs last; std::string::npos when it does not. */
+    std::size_t findLast(const std::string& text) const { return bytes_.rfind(text); }
+
+private:
+    std::string bytes_;
+};
+
+}  // namespace media

@@ -1,0 +1,18 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <span>
+
+namespace media {
+
+/** The length in bytes that a packet of a bare stream tells in its own header; nothing when there is no such header. A
+ *  shorter packet was cut off, which the decoders pass over in silence.
+ *  @{ */
+std::optional<std::size_t> mpegLayer3PacketLength(std::span<const std::uint8_t> packet);
+std::optional<std::size_t> adtsPacketLength(std::span<const std::uint8_t> packet);
+/** @} */
+
+}  // namespace media

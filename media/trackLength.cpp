@@ -1,0 +1,31 @@
+// SPDX-License-Identifier: MIT
+#include "media/trackLength.h"
+
+#include <algorithm>
+#include <limits>
+
+#include "base/errors.h"
+#include "media/TrackDecoder.h"
+
+namespace media {
+
+namespace {
+
+constexpr double kMostFrames = std::numeric_limits<int>::max();
+constexpr double kLowestSessionRate = 44100.0;
+
+}  // namespace
+
+void refuseAbove(double frames) {
+    if (frames <= kMostFrames) return;
+    throw base::TrackError(
+        "is too long: more than 2,147,483,647 frames (12.4 hours at 48,000 Hz) cannot be analysed");
+}
+
+double expectedFrames(const TrackDecoder& decoder) {
+    const double declared = decoder.declaredSeconds().value_or(0.0) * kLowestSessionRate;
+    refuseAbove(declared);
+    return std::max(1.0, declared);
+}
+
+}  // namespace media

@@ -1,0 +1,22 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <functional>
+#include <string>
+
+#include "media/Recording.h"
+
+namespace media {
+
+enum class WaveSamples {
+    int16,    ///< rounded, clipped at full scale
+    float32,  ///< as they are
+};
+
+/** Writes a recording as a WAV file that appears whole or not at all; above 4 GB in the form RF64.
+ *  @param shown  is told how much is written, 0 to 1
+ *  @throws OutputError, Interrupted */
+void writeWave(const std::string& path, const Recording& recording, WaveSamples samples,
+               const std::function<void(double)>& shown);
+
+}  // namespace media

@@ -1,0 +1,44 @@
+// SPDX-License-Identifier: MIT
+#include "output/KeyName.h"
+
+#include <array>
+
+namespace output {
+
+namespace {
+
+constexpr int kNotes = 12;
+constexpr int kFromAToC = 3;  // semitones; also from a minor key to its relative major
+constexpr int kSemitonesOfFifth = 7;
+constexpr int kCamelotHourOfC = 8;
+
+constexpr std::array<const char*, 24> kNames = {
+    "A major",  "Bb major", "B major",  "C major",  "Db major", "D major",  "Eb major", "E major",
+    "F major",  "F# major", "G major",  "Ab major", "A minor",  "Bb minor", "B minor",  "C minor",
+    "C# minor", "D minor",  "Eb minor", "E minor",  "F minor",  "F# minor", "G minor",  "G# minor"};
+
+}  // namespace
+
+std::string KeyName::musical() const {
+    return kNames.at(static_cast<std::size_t>(number_));
+}
+
+/** Steps along the circle of fifths from C major (or A minor), 0 to 11. Seven is its own inverse modulo twelve, so the
+ *  same product that turns steps into semitones turns semitones into steps. */
+int KeyName::fifthsFromC() const {
+    const int tonic = number_ % kNotes;
+    const int relativeMajor = isMinor() ? tonic + kFromAToC : tonic;
+    const int semitonesAboveC = (relativeMajor - kFromAToC + kNotes) % kNotes;
+    return (semitonesAboveC * kSemitonesOfFifth) % kNotes;
+}
+
+std::string KeyName::camelot() const {
+    const int hour = (fifthsFromC() + kCamelotHourOfC - 1) % kNotes + 1;
+    return std::to_string(hour) + (isMinor() ? "A" : "B");
+}
+
+std::string KeyName::openKey() const {
+    return std::to_string(fifthsFromC() + 1) + (isMinor() ? "m" : "d");
+}
+
+}  // namespace output

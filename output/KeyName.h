@@ -1,0 +1,32 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <string>
+
+namespace output {
+
+/** The names of a key, numbered as by the library: 0 to 11 are A major, A sharp major … G sharp major, 12 to 23 the
+ *  minor keys on the same notes. */
+class KeyName {
+public:
+    explicit KeyName(int number) : number_(number) {}
+
+    int number() const { return number_; }
+    bool isMinor() const { return number_ >= 12; }
+
+    /** As musicians write it, in the spelling with the fewer accidentals: "A minor", "Bb major", "F# minor". */
+    std::string musical() const;
+
+    /** On the Camelot wheel: "8A" is A minor, "8B" C major; a fifth up is one hour on. */
+    std::string camelot() const;
+
+    /** In Open Key notation: "1m" is A minor, "1d" C major. */
+    std::string openKey() const;
+
+private:
+    int fifthsFromC() const;
+
+    int number_;
+};
+
+}  // namespace output

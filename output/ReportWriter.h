@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <functional>
+#include <string>
+#include <string_view>
+
+#include "output/ReportEntry.h"
+
+namespace output {
+
+/** Takes the text of a report, piece by piece. May throw OutputError. */
+using TextSink = std::function<void(std::string_view)>;
+
+/** Writes what was found in several tracks, each as soon as it is known. Every call may throw OutputError. */
+class ReportWriter {
+public:
+    virtual ~ReportWriter() = default;
+
+    virtual void begin() {}
+    virtual void add(const ReportEntry& entry) = 0;
+    virtual void addFailure(const std::string& path, const std::string& reason) = 0;
+
+    /** Also called when the work is broken off: what was written until then is complete in itself. */
+    virtual void end() {}
+};
+
+}  // namespace output

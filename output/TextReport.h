@@ -1,0 +1,23 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <utility>
+
+#include "output/ReportWriter.h"
+
+namespace output {
+
+/** Summaries for people, a blank line between them. Failures are left to standard error. */
+class TextReport : public ReportWriter {
+public:
+    explicit TextReport(TextSink write) : write_(std::move(write)) {}
+
+    void add(const ReportEntry& entry) override;
+    void addFailure(const std::string&, const std::string&) override {}
+
+private:
+    TextSink write_;
+    bool isFirst_ = true;
+};
+
+}  // namespace output

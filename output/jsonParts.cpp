@@ -1,0 +1,95 @@
+// SPDX-License-Identifier: MIT
+#include "output/jsonParts.h"
+
+#include <array>
+
+#include <fmt/format.h>
+#include <nlohmann/json.hpp>
+
+#include "base/displayName.h"
+#include "output/KeyName.h"
+
+namespace output {
+
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+constexpr std::array<const char*, base::kPitchClassCount> kNoteNames = {
+    "A", "Bb", "B", "C", "C#", "D", "Eb", "E", "F", "F#", "G", "G#"};
+
+std::string hexadecimal(const std::string& bytes) {
+    std::string text;
+    for (const char byte : bytes) text += fmt::format("{:02x}", static_cast<unsigned char>(byte));
+    return text;
+}
+
+/** JSON is UTF-8, file names need not be: then the name is shown with escapes, and its bytes are told beside it. */
+Json nameJson(const std::string& path) {
+    if (base::isUtf8(path)) return {{"file", path}};
+    return {{"file", base::displayName(path)}, {"fileBytes", hexadecimal(path)}};
+}
+
+Json audioJson(const base::TrackFormat& format) {
+    return {{"container", format.container},
+            {"codec", format.codec},
+            {"channels", format.channels},
+            {"sampleRate", format.trackRate}};
+}
+
+Json rankingJson(const base::KeyRanking& key) {
+    Json ranking = Json::array();
+    for (std::size_t i = 0; i < key.keys.size(); ++i) {
+        Json entry = keyNameJson(key.keys[i]);
+        entry["score"] = key.scores[i];
+        ranking.push_back(std::move(entry));
+    }
+    return ranking;
+}
+
+Json notesJson(const base::KeyRanking& key) {
+    Json notes = Json::array();
+    for (std::size_t i = 0; i < kNoteNames.size(); ++i) {
+        notes.push_back(
+            {{"note", kNoteNames[i]}, {"count", key.noteCounts[i]}, {"share", key.noteShares[i]}});
+    }
+    return notes;
+}
+
+}  // namespace
+
+Json keyNameJson(int number) {
+    const KeyName key(number);
+    return {{"number", key.number()},
+            {"name", key.musical()},
+            {"camelot", key.camelot()},
+            {"openKey", key.openKey()}};
+}
+
+Json keyJson(const std::optional<base::KeyRanking>& key) {
+    if (!key) return nullptr;
+    Json json = keyNameJson(key->keys[0]);
+    json["runnerUpDistance"] = key->runnerUpDistance();
+    json["ranking"] = rankingJson(*key);
+    json["notes"] = notesJson(*key);
+    return json;
+}
+
+Json trackFileJson(const base::TrackSource& file, int frames) {
+    Json track = nameJson(file.path);
+    track["audio"] = audioJson(file.format);
+    track["partial"] = file.isCutOff;
+    track["damagedPackets"] = file.damagedPackets;
+    track["sampleRate"] = file.format.sessionRate;
+    track["frames"] = frames;
+    track["seconds"] = static_cast<double>(frames) / file.format.sessionRate;
+    return track;
+}
+
+Json failureJson(const std::string& path, const std::string& reason) {
+    Json track = nameJson(path);
+    track["error"] = reason;
+    return track;
+}
+
+}  // namespace output

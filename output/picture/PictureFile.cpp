@@ -1,0 +1,88 @@
+// SPDX-License-Identifier: MIT
+#include "output/picture/PictureFile.h"
+
+#include <cmath>
+#include <exception>
+#include <memory>
+
+#include <cairo-svg.h>
+#include <cairo.h>
+
+#include "base/errors.h"
+#include "output/picture/Canvas.h"
+#include "output/picture/TrackPicture.h"
+
+namespace output {
+
+namespace {
+
+struct SurfaceDestroy {
+    void operator()(cairo_surface_t* surface) const { cairo_surface_destroy(surface); }
+};
+using SurfacePointer = std::unique_ptr<cairo_surface_t, SurfaceDestroy>;
+
+/** Cairo calls back from C code, which no exception may cross: it is kept until cairo has returned. */
+struct Output {
+    const ByteSink& write;
+    std::exception_ptr failure;
+};
+
+cairo_status_t writeBytes(void* closure, const unsigned char* bytes, unsigned count) {
+    auto& output = *static_cast<Output*>(closure);
+    if (output.failure) return CAIRO_STATUS_WRITE_ERROR;
+    try {
+        output.write(bytes, count);
+        return CAIRO_STATUS_SUCCESS;
+    } catch (...) {
+        output.failure = std::current_exception();
+        return CAIRO_STATUS_WRITE_ERROR;
+    }
+}
+
+void requireSuccess(cairo_status_t status, const Output& output) {
+    if (output.failure) std::rethrow_exception(output.failure);
+    if (status != CAIRO_STATUS_SUCCESS) {
+        throw base::OutputError(std::string("the picture cannot be drawn: ") +
+                                cairo_status_to_string(status));
+    }
+}
+
+void drawOn(cairo_surface_t* surface, double scale, const TrackReport& report,
+            const PictureOptions& options) {
+    Canvas canvas(surface, scale);
+    TrackPicture(report, options).draw(canvas);
+}
+
+void writePng(const TrackReport& report, const PictureOptions& options, double scale,
+              Output& output) {
+    const int height = static_cast<int>(std::lround(TrackPicture::kHeight * scale));
+    const SurfacePointer surface(
+        cairo_image_surface_create(CAIRO_FORMAT_RGB24, options.widthPixels, height));
+    drawOn(surface.get(), scale, report, options);
+    requireSuccess(cairo_surface_write_to_png_stream(surface.get(), writeBytes, &output), output);
+}
+
+void writeSvg(const TrackReport& report, const PictureOptions& options, double scale,
+              Output& output) {
+    const double height = TrackPicture::kHeight * scale;
+    const SurfacePointer surface(
+        cairo_svg_surface_create_for_stream(writeBytes, &output, options.widthPixels, height));
+    cairo_svg_surface_set_document_unit(surface.get(), CAIRO_SVG_UNIT_PX);
+    drawOn(surface.get(), scale, report, options);
+    cairo_surface_finish(surface.get());
+    requireSuccess(cairo_surface_status(surface.get()), output);
+}
+
+}  // namespace
+
+void writePicture(const TrackReport& report, const PictureOptions& options, PictureFormat format,
+                  const ByteSink& write) {
+    Output output{write, nullptr};
+    const double scale = options.widthPixels / TrackPicture::kWidth;
+    if (format == PictureFormat::png)
+        writePng(report, options, scale, output);
+    else
+        writeSvg(report, options, scale, output);
+}
+
+}  // namespace output

@@ -1,0 +1,23 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <optional>
+
+namespace output {
+
+constexpr double kLatestZoomSeconds = 1e6;
+constexpr double kShortestZoomSeconds = 0.5;
+constexpr double kLongestZoomSeconds = 600.0;
+constexpr int kNarrowestPicture = 480;
+constexpr int kWidestPicture = 8000;
+
+/** What a picture shows and how large it is. */
+struct PictureOptions {
+    std::optional<double> zoomFromSeconds;  ///< none: at the loudest place
+    double zoomSpanSeconds = 12.0;
+    int widthPixels = 1600;
+};
+
+enum class PictureFormat { png, svg };
+
+}  // namespace output

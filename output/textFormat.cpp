@@ -1,0 +1,48 @@
+// SPDX-License-Identifier: MIT
+#include "output/textFormat.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include <fmt/format.h>
+
+namespace output {
+
+namespace {
+
+// Less than the shortest step of a sample: 0.29 s times 100 must not become 28 hundredths.
+constexpr double kRoundingSlack = 1e-6;
+
+std::string hoursMinutesSeconds(std::int64_t seconds) {
+    const std::int64_t minutes = seconds / 60;
+    if (minutes < 60) return fmt::format("{}:{:02}", minutes, seconds % 60);
+    return fmt::format("{}:{:02}:{:02}", minutes / 60, minutes % 60, seconds % 60);
+}
+
+}  // namespace
+
+std::string clockTime(double seconds) {
+    const auto hundredths =
+        static_cast<std::int64_t>(std::floor(std::max(0.0, seconds) * 100.0 + kRoundingSlack));
+    return fmt::format("{}.{:02}", hoursMinutesSeconds(hundredths / 100), hundredths % 100);
+}
+
+std::string clockTimeInSeconds(double seconds) {
+    return hoursMinutesSeconds(
+        static_cast<std::int64_t>(std::floor(std::max(0.0, seconds) + kRoundingSlack)));
+}
+
+std::string grouped(std::int64_t number) {
+    if (number < 1000) return fmt::format("{}", number);
+    return fmt::format("{},{:03}", grouped(number / 1000), number % 1000);
+}
+
+std::string bpmText(int bpm100) {
+    return fmt::format("{}.{:02}", bpm100 / 100, bpm100 % 100);
+}
+
+std::string counted(std::int64_t number, const std::string& noun) {
+    return grouped(number) + " " + noun + (number == 1 ? "" : "s");
+}
+
+}  // namespace output

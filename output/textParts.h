@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "base/AnalysisResult.h"
+#include "base/TrackSource.h"
+
+namespace output {
+
+constexpr const char* kNoKeyText = "no key found";
+
+/** @name Lines that the summaries of several commands share
+ *  @{ */
+std::string textLine(const std::string& label, const std::string& value);
+
+/** Name, file and length, each on a line. @param frames  at the session's rate */
+std::string trackFileText(const base::TrackSource& file, int frames);
+
+/** A key in all its notations: "F# minor, 11A, 4m, number 21". */
+std::string keyNames(int number);
+
+/** The session's key and how far the next one lies behind. */
+std::string keyDetails(const std::optional<base::KeyRanking>& key);
+/** @} */
+
+}  // namespace output

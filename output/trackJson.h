@@ -1,0 +1,14 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <nlohmann/json_fwd.hpp>
+
+#include "output/TrackReport.h"
+
+namespace output {
+
+/** A track's entry in the JSON document, as docs/json.md tells it.
+ *  @param withWaves  the three waveform overviews too */
+nlohmann::ordered_json trackJson(const TrackReport& report, bool withWaves);
+
+}  // namespace output

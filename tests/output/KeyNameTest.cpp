@@ -1,0 +1,51 @@
+// SPDX-License-Identifier: MIT
+#include "output/KeyName.h"
+
+#include <set>
+
+#include <gtest/gtest.h>
+
+namespace output {
+namespace {
+
+struct KeyCase {
+    int number;
+    const char* musical;
+    const char* camelot;
+    const char* openKey;
+};
+
+// The circle of fifths as it hangs in every music school, with the hours of both wheels.
+constexpr KeyCase kCircle[] = {
+    {3, "C major", "8B", "1d"},    {10, "G major", "9B", "2d"},   {5, "D major", "10B", "3d"},
+    {0, "A major", "11B", "4d"},   {7, "E major", "12B", "5d"},   {2, "B major", "1B", "6d"},
+    {9, "F# major", "2B", "7d"},   {4, "Db major", "3B", "8d"},   {11, "Ab major", "4B", "9d"},
+    {6, "Eb major", "5B", "10d"},  {1, "Bb major", "6B", "11d"},  {8, "F major", "7B", "12d"},
+    {12, "A minor", "8A", "1m"},   {19, "E minor", "9A", "2m"},   {14, "B minor", "10A", "3m"},
+    {21, "F# minor", "11A", "4m"}, {16, "C# minor", "12A", "5m"}, {23, "G# minor", "1A", "6m"},
+    {18, "Eb minor", "2A", "7m"},  {13, "Bb minor", "3A", "8m"},  {20, "F minor", "4A", "9m"},
+    {15, "C minor", "5A", "10m"},  {22, "G minor", "6A", "11m"},  {17, "D minor", "7A", "12m"}};
+
+TEST(KeyName, GivesEveryKeyItsThreeNames) {
+    for (const KeyCase& key : kCircle) {
+        const KeyName name(key.number);
+        EXPECT_EQ(name.musical(), key.musical);
+        EXPECT_EQ(name.camelot(), key.camelot) << key.musical;
+        EXPECT_EQ(name.openKey(), key.openKey) << key.musical;
+        EXPECT_EQ(name.isMinor(), std::string(key.camelot).back() == 'A');
+    }
+}
+
+TEST(KeyName, CoversAllKeysOnce) {
+    std::set<int> numbers;
+    std::set<std::string> hours;
+    for (const KeyCase& key : kCircle) {
+        numbers.insert(key.number);
+        hours.insert(KeyName(key.number).camelot());
+    }
+    EXPECT_EQ(numbers.size(), 24U);
+    EXPECT_EQ(hours.size(), 24U);
+}
+
+}  // namespace
+}  // namespace output

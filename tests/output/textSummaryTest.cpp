@@ -1,0 +1,66 @@
+// SPDX-License-Identifier: MIT
+#include "output/textSummary.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "support/Reports.h"
+
+namespace output {
+namespace {
+
+using testing::HasSubstr;
+using testing::Not;
+
+// 15 beats from 0.1 s on, beginning with the fourth of a bar: bars begin at beats 1, 5, 9 and 13, the first at 0.6 s.
+TEST(textSummary, TellsAllThatWasFound) {
+    EXPECT_EQ(textSummary(test::exampleReport()),
+              "music/track.flac\n"
+              "  audio    flac, 48,000 Hz, stereo\n"
+              "  length   0:08.00  (384,000 frames)\n"
+              "  tempo    120.00 BPM\n"
+              "  beats    15 beats, first at 0:00.10; 4 bars, first at 0:00.60\n"
+              "  key      A minor, 8A, 1m, number 12; next C major (8B), 2.5 % behind\n"
+              "  waves    400 loudness, 100 dots, 1,200 zoom points\n");
+}
+
+TEST(textSummary, SaysPlainlyWhatWasNotFound) {
+    const std::string text = textSummary(test::emptyReport());
+    EXPECT_THAT(text, HasSubstr("tempo    no tempo found\n"));
+    EXPECT_THAT(text, HasSubstr("beats    none found\n"));
+    EXPECT_THAT(text, HasSubstr("key      no key found\n"));
+}
+
+TEST(textSummary, IsSilentAboutWhatWasNotAskedFor) {
+    TrackReport report = test::emptyReport();
+    report.options.tempo = base::TempoMode::off;
+    report.options.wantsKey = false;
+    const std::string text = textSummary(report);
+    EXPECT_THAT(text, Not(HasSubstr("tempo")));
+    EXPECT_THAT(text, Not(HasSubstr("beats")));
+    EXPECT_THAT(text, Not(HasSubstr("key")));
+}
+
+TEST(textSummary, TellsTheRangeOfAVaryingTempo) {
+    TrackReport report = test::exampleReport();
+    report.analysis.beats[3].bpm100 = 11850;
+    report.analysis.beats[7].bpm100 = 12204;
+    EXPECT_THAT(textSummary(report), HasSubstr("120.00 BPM, 118.50 to 122.04 along the track\n"));
+}
+
+TEST(textSummary, TellsBothRatesOfAConvertedTrack) {
+    TrackReport report = test::exampleReport();
+    report.format.trackRate = 96000;
+    report.format.channels = 6;
+    EXPECT_THAT(textSummary(report),
+                HasSubstr("flac, 96,000 Hz, 6 channels (analysed at 48,000 Hz)\n"));
+}
+
+TEST(textSummary, KeepsAnUnrulyNameOnOneLine) {
+    TrackReport report = test::exampleReport();
+    report.path = "a\nb\x1B[2J\xFF";
+    EXPECT_EQ(textSummary(report).substr(0, 16), "a\\nb\\x1B[2J\\xFF\n");
+}
+
+}  // namespace
+}  // namespace output

@@ -1,0 +1,107 @@
+// SPDX-License-Identifier: MIT
+#include "output/trackJson.h"
+
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+#include "output/jsonParts.h"
+#include "support/Reports.h"
+
+namespace output {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+TEST(trackJson, TellsTheTrackAndItsAudio) {
+    const Json track = trackJson(test::exampleReport(), false);
+    EXPECT_EQ(track["file"], "music/track.flac");
+    EXPECT_FALSE(track.contains("fileBytes"));
+    EXPECT_FALSE(track.contains("error"));
+    EXPECT_EQ(
+        track["audio"],
+        (Json{{"container", "flac"}, {"codec", "flac"}, {"channels", 2}, {"sampleRate", 48000}}));
+    EXPECT_EQ(track["sampleRate"], 48000);
+    EXPECT_EQ(track["frames"], 384000);
+    EXPECT_EQ(track["seconds"], 8.0);
+    EXPECT_EQ(track["partial"], false);
+    EXPECT_EQ(track["damagedPackets"], 0);
+}
+
+TEST(trackJson, TellsEveryBeatWithItsPlaceAndTempo) {
+    const Json track = trackJson(test::exampleReport(), false);
+    EXPECT_EQ(track["tempo"], (Json{{"mode", "constant"}, {"bpm", 120.0}}));
+    ASSERT_EQ(track["beats"].size(), 15U);
+    EXPECT_EQ(track["beats"][1],
+              (Json{{"frame", 28800}, {"seconds", 0.6}, {"beat", 1}, {"bpm", 120.0}}));
+}
+
+TEST(trackJson, WritesTemposAsAPersonWould) {
+    TrackReport report = test::exampleReport();
+    report.analysis.bpm100 = 12799;
+    EXPECT_EQ(trackJson(report, false)["tempo"]["bpm"].dump(), "127.99");
+}
+
+TEST(trackJson, TellsTheKeyInAllItsNamesAndAllTwentyFour) {
+    const Json key = trackJson(test::exampleReport(), false)["key"];
+    EXPECT_EQ(key["number"], 12);
+    EXPECT_EQ(key["name"], "A minor");
+    EXPECT_EQ(key["camelot"], "8A");
+    EXPECT_EQ(key["openKey"], "1m");
+    EXPECT_DOUBLE_EQ(key["runnerUpDistance"].get<double>(), 0.025);  // 200 against 195
+    ASSERT_EQ(key["ranking"].size(), 24U);
+    EXPECT_EQ(key["ranking"][1]["name"], "C major");
+    EXPECT_EQ(key["ranking"][1]["score"], 195.0);
+    ASSERT_EQ(key["notes"].size(), 12U);
+    EXPECT_EQ(key["notes"][3]["note"], "C");
+}
+
+TEST(trackJson, TellsWhatWasNotFoundAsNullAndLeavesOutWhatWasNotAskedFor) {
+    TrackReport report = test::emptyReport();
+    const Json asked = trackJson(report, false);
+    EXPECT_TRUE(asked["tempo"]["bpm"].is_null());
+    EXPECT_TRUE(asked["beats"].empty());
+    EXPECT_TRUE(asked["key"].is_null());
+    report.options.tempo = base::TempoMode::off;
+    report.options.wantsKey = false;
+    const Json unasked = trackJson(report, false);
+    EXPECT_FALSE(unasked.contains("tempo"));
+    EXPECT_FALSE(unasked.contains("beats"));
+    EXPECT_FALSE(unasked.contains("key"));
+}
+
+TEST(trackJson, HoldsTheWavesOnlyWhenWanted) {
+    const TrackReport report = test::exampleReport();
+    EXPECT_FALSE(trackJson(report, false).contains("waves"));
+    const Json waves = trackJson(report, true)["waves"];
+    EXPECT_EQ(waves["loud"]["levels"].size(), 400U);
+    EXPECT_EQ(waves["loud"]["colors"].size(), 400U);
+    EXPECT_EQ(waves["loud"]["levels"][200], 16000.0);
+    EXPECT_EQ(waves["dots"]["levels"].size(), 100U);
+    EXPECT_EQ(waves["zoom"]["pointsPerSecond"], 150);
+    EXPECT_EQ(waves["zoom"]["levels"].size(), 1200U);
+    EXPECT_EQ(waves["zoom"]["levels"][33].dump(), "1");
+    EXPECT_EQ(waves["zoom"]["colors"][33], 1);
+}
+
+TEST(trackJson, KeepsNamesThatAreNotUtf8WithoutLoss) {
+    TrackReport report = test::exampleReport();
+    report.path = "caf\xE9.mp3";
+    const Json track = trackJson(report, false);
+    EXPECT_EQ(track["file"], "caf\\xE9.mp3");
+    EXPECT_EQ(track["fileBytes"], "636166e92e6d7033");
+    EXPECT_NO_THROW(static_cast<void>(track.dump()));
+}
+
+TEST(trackJson, KeepsControlCharactersOfANameInUtf8) {
+    TrackReport report = test::exampleReport();
+    report.path = "a\nb\"c\\d";
+    const Json track = Json::parse(trackJson(report, false).dump());
+    EXPECT_EQ(track["file"], "a\nb\"c\\d");
+}
+
+TEST(failureJson, TellsTheFileAndTheReason) {
+    EXPECT_EQ(failureJson("x.mp3", "is empty"), (Json{{"file", "x.mp3"}, {"error", "is empty"}}));
+}
+
+}  // namespace
+}  // namespace output
