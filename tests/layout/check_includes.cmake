@@ -1,5 +1,6 @@
 # SPDX-License-Identifier: MIT
-# Which room may include which. No room looks up.
+# Which room may include which. No room looks up; the track library stands on the core alone, and the rooms of the program
+# see public headers only.
 cmake_minimum_required(VERSION 3.25)
 
 set(may_dsp dsp)
@@ -42,6 +43,21 @@ foreach(room base media output app)
                 string(APPEND faults "${file}: ${line}\n")
             endif()
         endforeach()
+    endforeach()
+endforeach()
+
+set(core dsp view peakss envelope key util session)
+file(GLOB_RECURSE track ${SOURCE_DIR}/track/*.h ${SOURCE_DIR}/track/*.cpp)
+if(NOT track)
+    message(FATAL_ERROR "No source of the track library was seen in ${SOURCE_DIR}/track")
+endif()
+foreach(file ${track})
+    file(STRINGS ${file} lines REGEX "^#include \"")
+    foreach(line ${lines})
+        string(REGEX REPLACE "^#include \"([^/\"]+).*" "\\1" target_room "${line}")
+        if(NOT target_room IN_LIST core AND NOT target_room MATCHES "^(track|beatatlas)$")
+            string(APPEND faults "${file}: ${line}\n")
+        endif()
     endforeach()
 endforeach()
 
