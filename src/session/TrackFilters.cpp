@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "session/TrackFilters.h"
 
+#include "dsp/VectorForm.h"
 #include "peakss/bandDesigns.h"
 #include "session/KeyBandRunner.h"
 
@@ -34,7 +35,9 @@ void TrackFilters::operate(const float* mono, const std::int16_t* stereo, int n,
     for (std::size_t level = 0; level < levels_.size(); ++level)
         if (!levels_[level].empty()) levels[level] = levels_[level].data();
     const FilterBank::Outputs outputs = peakss::sensorBankOutputs(bands());
-    if (key == nullptr) return bank_.operate(mono, stereo, outputs, levels, n);
+    // Both at once need the registers of AVX-512: with fewer, one after the other takes no longer.
+    if (key == nullptr || vectorForm() != VectorForm::avx512)
+        return bank_.operate(mono, stereo, outputs, levels, n);
     KeyBandRunner runner(*key, n);
     bank_.operate(mono, stereo, outputs, levels, n, runner);
 }

@@ -29,7 +29,7 @@ public:
     void create(int rate, int blockLen, const Levels& levels);
 
     /** Takes the next n ≤ blockLen frames in both forms: the mean of the channels, full scale ±1.0, and 16 bits.
-     *  @param key  has as many of the frames filtered that wait in it; null: none */
+     *  @param key  may have as many of the frames filtered that wait in it; null: none */
     void operate(const float* mono, const std::int16_t* stereo, int n, KeyRankMaker* key);
 
     peakss::BandSignals bands() { return {bands_.data(), viewLow_.data()}; }
