@@ -112,8 +112,8 @@ int KeyRankMaker::takeFrames(const std::int16_t* frames, int n) {
     return count;
 }
 
-/** Hands the frames on to the band filter, but what may still be ducked by frames to come: that stays for the next time. A
- *  track shorter than that is kept whole. */
+/** Hands the frames on to the band filter, but what may still be ducked by frames to come: that stays for
+ *  the next time. A track shorter than that is kept whole. */
 void KeyRankMaker::analyzeAC(bool last) {
     filterWaiting();
     const int ducked = suppressor_.preWindow() + suppressor_.postWindow();

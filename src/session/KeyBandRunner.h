@@ -9,8 +9,8 @@
 
 namespace beatatlas {
 
-/** Does the steps of a FilterBank, and beside them filters what waits in a KeyRankMaker: both wait for the last outputs of
- *  their own sections, not for each other. */
+/** Does the steps of a FilterBank, and beside them filters what waits in a KeyRankMaker: both wait for the
+ *  last outputs of their own sections, not for each other. */
 class KeyBandRunner : public FilterBankRunner {
 public:
     /** @param most  frames to filter for the key at the most */
