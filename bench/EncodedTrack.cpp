@@ -117,6 +117,46 @@ void TrackEncoder::writePackets() {
     }
 }
 
+struct OutputClose {
+    void operator()(AVFormatContext* output) const {
+        avio_closep(&output->pb);
+        avformat_free_context(output);
+    }
+};
+using Output = std::unique_ptr<AVFormatContext, OutputClose>;
+
+Output openOutput(const std::string& path, const AVStream& like) {
+    AVFormatContext* output = nullptr;
+    avChecked(avformat_alloc_output_context2(&output, nullptr, nullptr, path.c_str()),
+              "make a container");
+    Output owned(output);
+    AVStream* stream = avformat_new_stream(output, nullptr);
+    avChecked(avcodec_parameters_copy(stream->codecpar, like.codecpar), "tell the stream");
+    stream->codecpar->codec_tag = 0;
+    stream->time_base = like.time_base;
+    avChecked(avio_open(&output->pb, path.c_str(), AVIO_FLAG_WRITE), "write a file");
+    avChecked(avformat_write_header(output, nullptr), "write a header");
+    return owned;
+}
+
+/** Copies all packets, that much later. @return where the next copy begins, in the time base of the input */
+std::int64_t copyPackets(const std::string& path, AVFormatContext& output, std::int64_t later) {
+    const AvInput input = openInput(path);
+    const AVRational timeBase = input->streams[0]->time_base;
+    const AvPointer<AVPacket> packet(av_packet_alloc());
+    std::int64_t end = later;
+    while (av_read_frame(input.get(), packet.get()) >= 0) {
+        packet->pts += later;
+        packet->dts = packet->pts;
+        packet->pos = -1;
+        end = packet->pts + packet->duration;
+        av_packet_rescale_ts(packet.get(), timeBase, output.streams[0]->time_base);
+        avChecked(av_write_frame(&output, packet.get()), "write a packet");
+        av_packet_unref(packet.get());
+    }
+    return end;
+}
+
 std::string pathOfNewFile(const std::string& ending) {
     const char* place = std::getenv("TMPDIR");
     std::string path =
@@ -137,6 +177,15 @@ std::optional<EncodedTrack> EncodedTrack::make(const test::StereoTrack& track,
     EncodedTrack encoded(pathOfNewFile(how.ending));
     TrackEncoder(*codec, how, encoded.path()).encode(track);
     return encoded;
+}
+
+EncodedTrack EncodedTrack::repeated(int times, const std::string& ending) const {
+    EncodedTrack longer(pathOfNewFile(ending));
+    const Output output = openOutput(longer.path(), *openInput(path_)->streams[0]);
+    std::int64_t end = 0;
+    for (int i = 0; i < times; ++i) end = copyPackets(path_, *output, end);
+    avChecked(av_write_trailer(output.get()), "write a trailer");
+    return longer;
 }
 
 EncodedTrack::EncodedTrack(EncodedTrack&& other) noexcept : path_(std::move(other.path_)) {

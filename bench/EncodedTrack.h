@@ -23,6 +23,9 @@ public:
      *  @param track  44,100 Hz, 16-bit scale */
     static std::optional<EncodedTrack> make(const test::StereoTrack& track, const Encoding& how);
 
+    /** The same track so many times over, without encoding it again. @param ending  as it was made with */
+    EncodedTrack repeated(int times, const std::string& ending) const;
+
     EncodedTrack(EncodedTrack&& other) noexcept;
     EncodedTrack& operator=(EncodedTrack&&) = delete;
     EncodedTrack(const EncodedTrack&) = delete;

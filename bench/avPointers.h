@@ -26,4 +26,18 @@ inline int avChecked(int answer, const char* what) {
     return answer;
 }
 
+struct AvInputClose {
+    void operator()(AVFormatContext* input) const { avformat_close_input(&input); }
+};
+using AvInput = std::unique_ptr<AVFormatContext, AvInputClose>;
+
+/** Opens an audio file and looks what is in it. */
+inline AvInput openInput(const std::string& path) {
+    AVFormatContext* input = nullptr;
+    avChecked(avformat_open_input(&input, path.c_str(), nullptr, nullptr), "open a file");
+    AvInput owned(input);
+    avChecked(avformat_find_stream_info(input, nullptr), "read a file");
+    return owned;
+}
+
 }  // namespace beatatlas::bench

@@ -7,19 +7,6 @@ namespace beatatlas::bench {
 
 namespace {
 
-struct InputClose {
-    void operator()(AVFormatContext* input) const { avformat_close_input(&input); }
-};
-using Input = std::unique_ptr<AVFormatContext, InputClose>;
-
-Input openInput(const std::string& path) {
-    AVFormatContext* input = nullptr;
-    avChecked(avformat_open_input(&input, path.c_str(), nullptr, nullptr), "open a file");
-    Input owned(input);
-    avChecked(avformat_find_stream_info(input, nullptr), "read a file");
-    return owned;
-}
-
 AvPointer<AVCodecContext> openDecoder(const AVStream& stream) {
     const AVCodec* codec = avcodec_find_decoder(stream.codecpar->codec_id);
     if (codec == nullptr) throw std::runtime_error("FFmpeg: no decoder");
@@ -39,7 +26,7 @@ std::int64_t framesReady(AVCodecContext& decoder, AVFrame& frame) {
 }  // namespace
 
 std::int64_t decodeTrack(const std::string& path) {
-    const Input input = openInput(path);
+    const AvInput input = openInput(path);
     const int index = avChecked(
         av_find_best_stream(input.get(), AVMEDIA_TYPE_AUDIO, -1, -1, nullptr, 0), "find the audio");
     const AvPointer<AVCodecContext> decoder = openDecoder(*input->streams[index]);

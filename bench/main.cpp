@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// beatatlas_bench [race] [components] [utilities] [length] [--long] prints the tables named, all of them without a
+// beatatlas_bench [race] [tool] [components] [utilities] [length] [--long] prints the tables named, all of them without a
 // word. With any flag of Google Benchmark it runs the benchmarks themselves.
 //
 // Each benchmark is repeated, the repetitions of all of them in random order, and the median reported: a machine that
@@ -14,6 +14,7 @@
 
 #include <benchmark/benchmark.h>
 
+#include "bench/decodeTrack.h"
 #include "bench/tables.h"
 
 namespace {
@@ -52,6 +53,7 @@ int printTables(const char* program, const Words& words) {
     const bool longTracks = has(words, "--long");
     const bool all = words.size() == (longTracks ? 1U : 0U);
     if (all || has(words, "race")) printDecodeRace();
+    if (all || has(words, "tool")) printTool(program, longTracks);
     if (all || has(words, "components")) printComponents();
     if (all || has(words, "utilities")) printUtilities();
     if (all || has(words, "length")) printLengths(program, longTracks);
@@ -60,7 +62,7 @@ int printTables(const char* program, const Words& words) {
 }
 
 bool isTableWord(const std::string& word) {
-    return has({"race", "components", "utilities", "length", "--long"}, word);
+    return has({"race", "tool", "components", "utilities", "length", "--long"}, word);
 }
 
 int run(const char* program, const Words& words) {
@@ -68,6 +70,8 @@ int run(const char* program, const Words& words) {
         beatatlas::bench::measureLength(std::atoi(words[1].c_str()));
         return 0;
     }
+    if (words.size() == 2 && words[0] == "--decode")
+        return beatatlas::bench::decodeTrack(words[1]) > 0 ? 0 : 1;
     if (std::all_of(words.begin(), words.end(), isTableWord)) return printTables(program, words);
     return runBenchmarks(program, words);
 }

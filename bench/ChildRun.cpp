@@ -1,0 +1,46 @@
+// SPDX-License-Identifier: MIT
+#include "bench/ChildRun.h"
+
+#include <chrono>
+#include <stdexcept>
+
+#include <fcntl.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace beatatlas::bench {
+
+namespace {
+
+[[noreturn]] void become(std::vector<char*>& arguments) {
+    const int nowhere = open("/dev/null", O_WRONLY);
+    dup2(nowhere, STDOUT_FILENO);
+    execv(arguments.front(), arguments.data());
+    _exit(127);
+}
+
+double secondsOf(const timeval& time) {
+    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) * 1e-6;
+}
+
+}  // namespace
+
+ChildRun runChild(const std::vector<std::string>& words) {
+    std::vector<std::string> own = words;
+    std::vector<char*> arguments;
+    for (std::string& word : own) arguments.push_back(word.data());
+    arguments.push_back(nullptr);
+    const auto begin = std::chrono::steady_clock::now();
+    const pid_t process = fork();
+    if (process == 0) become(arguments);
+    int status = 0;
+    struct rusage usage = {};
+    if (process < 0 || wait4(process, &status, 0, &usage) != process || status != 0)
+        throw std::runtime_error(words.front() + " failed");
+    const std::chrono::duration<double> wall = std::chrono::steady_clock::now() - begin;
+    return {secondsOf(usage.ru_utime) + secondsOf(usage.ru_stime), wall.count(),
+            1024.0 * static_cast<double>(usage.ru_maxrss)};
+}
+
+}  // namespace beatatlas::bench
