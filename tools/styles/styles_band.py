@@ -1,0 +1,168 @@
+# SPDX-License-Identifier: MIT
+"""Songs: hip-hop, reggae, ballads, rock, pop, funk, country, and bands without a click."""
+
+EIGHTHS = ['x.x.x.x.x.x.x.x.', 'X.o.X.o.X.o.X.o.', 'x.x.x.x.x.x.x.xo', 'o.X.o.X.o.X.o.X.']
+SIXTEENTHS = ['xoxoxoxoxoxoxoxo', 'XoxoXoxoXoxoXoxo', 'xxxxxxxxxxxxxxxx', 'x.xxx.xxx.xxx.xx', 'XoxoXoxoXoxoXo.x']
+BACKBEAT = ['....X.......X...', '....X.......X...', '....X..o....X...', '....X..o.o..X..o', '....x.......X.o.']
+ROCK_KICKS = ['X.......X.......', 'X.......X.X.....', 'X.x.....X.......', 'X......xX.......', 'X.....x.X.x.....',
+              'X..x....X.x.....', 'X.......X.....x.', 'X.x.....x.X....x']
+SONG_RHYTHMS = ['x---x-x-x---x---', 'x-x-x---x-x-x---', 'x---..x-x-x-x---', '..x-x-x-x---x---', 'x-----x---x-x---',
+                'x---x---x-----x-', '..x---x-x-x-x---', 'x-x-xx-x--x-x---', 'x--x--x-x--x--x-', 'x-------x---x-x-']
+KITS = [0, 8, 16, 24]
+PIANOS = [0, 1, 4, 5]
+PADS = [48, 49, 50, 52, 88, 89, 90, 91, 95]
+LEADS = [22, 25, 53, 54, 56, 65, 66, 71, 73, 80, 81, 85]
+
+STYLES = {
+    'hiphop8': dict(
+        bpm=(76, 99), harmony='pop', modes=['minor', 'minor', 'major'], slot=[4, 4, 8],
+        feel=dict(map='steady', swing=[0.5, 0.5, 0.56, 0.6], unit=0.5),
+        drums=[dict(kick=['X.....x.x.......', 'X......x.xx.....', 'X..x....x.x.....', 'X.........x..x..', 'X.x....x..X.....',
+                          'X.....x...x.....X......x..x...x.'],
+                    snare=['....X.......X...', '....X..o....X.o.', '....X.......X..o'], hat=EIGHTHS)],
+        bass=['r-----r-r-.....5', 'r-....r---r-....', 'r---....r--rr-..', 'r------.r-5-r-..'],
+        chords=['x---------------', 'x-----x---......', '....x.......x...', 'x--x--x-........'],
+        second=['..x...x...x...x.', '......x-........', '........x-x-....'],
+        melody=SONG_RHYTHMS + ['x-xxx-x-x.xxx-..', '..xxx.xx..x.x-..'],
+        sounds=dict(drums=[0, 8, 24, 25], bass=[32, 33, 38, 39], chords=[4, 5, 0, 26, 11], second=[28, 45, 4], lead=LEADS)),
+    'hiphop16': dict(
+        bpm=(75, 100), harmony='pop', modes=['minor', 'minor', 'major'], slot=[4, 8],
+        feel=dict(map='steady', swing=[0.5, 0.54, 0.58], unit=0.5),
+        drums=[dict(kick=['X.....x..xx.....', 'X..x..x...x.....', 'X.x......xX.....', 'X......xX.x.....'],
+                    snare=BACKBEAT, hat=SIXTEENTHS), dict(kick=['X..x..x.X..x..x.', 'X.....x..x.x....'], clap=['....X.......X...'],
+                    hat=SIXTEENTHS, shaker=['..x...x...x...x.', 'xoxoxoxoxoxoxoxo'])],
+        bass=['r--r--r-r--r--r-', 'r-.r..r-..r-....', 'r-------r-r-8-5-'],
+        chords=['x---------------', 'x--x--x---......', '..x...x...x...x.'],
+        arp=['0.1.2.1.0.1.2.1.', '0..1..2.3..2..1.', '0121012101210121'],
+        melody=SONG_RHYTHMS + ['xxx.xxx.x.x.x-..', 'x.xx.xx.x.xx.x..'],
+        sounds=dict(drums=[24, 25, 0, 8], bass=[38, 39, 33], chords=PIANOS, arp=[11, 46, 80, 45], lead=LEADS)),
+    'trap': dict(
+        bpm=(128, 152), harmony='pop', modes=['minor'], slot=[8, 16], octave_unsure=True, feel=dict(map='steady'),
+        drums=[dict(kick=['X.....x.......x.', 'X.........x.....', 'X..x......x..x..', 'X.....x...x...x.X.............x.'],
+                    clap=['........X.......'], snare=['................', '........x.......', '..............o.'],
+                    hat=['x.x.x.x.x.x.x.x.', 'x.x.xxxxx.x.x.x.', 'x.x.x.x.xxxxx.x.', 'x...x...x...x.xx', 'x.x.x.xxx.x.xxxx'],
+                    open=['................', '..............x.', '......x.........'])],
+        bass=['r-------..r-..r-', 'r---------r-....', 'r-----8-..r-....'],
+        arp=['0...1...2...1...', '0.....1.....2...', '0.2.1.2.0.2.1.2.'],
+        melody=['x---x---x---x---', 'x-----x-----x---', 'x-------..x-x-x-', '....x---x---x---'], fills=[0, 0, 1],
+        sounds=dict(drums=[25, 25, 24], bass=[38, 39], arp=[11, 46, 10, 0, 80], pad=PADS, lead=LEADS)),
+    'one_drop': dict(
+        bpm=(66, 86), harmony='pop', slot=[4, 4, 8], feel=dict(map=['steady', 'steady', 'live'], jitter=[0.0, 0.008]),
+        drums=[dict(kick=['....X.......X...', '....X.......X.x.'], rim=['....X.......X...', '....X.....o.X...'],
+                    hat=['x.x.x.x.x.x.x.x.', 'xoxoxoxoxoxoxoxo', '..x...x...x...x.', 'x.xox.xox.xox.xo']),
+               dict(kick=['....X.......X...'], snare=['....X.......X...', '....X..o....X..o'], hat=['X.x.X.x.X.x.X.x.'])],
+        bass=['r-..r-r-..5-r-..', '....r-r-8-5-r-..', 'r---..r-5---r-..', 'r-r-..5-r-r-..5-'],
+        chords=['..x...x...x...x.', '..xx..x...xx..x.', '..x.x.x...x.x.x.'],
+        second=['..x..xx...x..xx.', '.xx..xx..xx..xx.', '..x-..x-..x-..x-'],
+        melody=SONG_RHYTHMS, fills=[0, 0, 1],
+        sounds=dict(drums=[0, 8, 16], bass=[33, 32, 35], chords=[27, 28, 25, 0], second=[16, 17, 18], lead=LEADS)),
+    'steppers': dict(
+        bpm=(118, 142), harmony='pop', modes=['minor', 'minor', 'major'], slot=[8, 8, 4],
+        drums=[dict(kick=['X...X...X...X...'], rim=['........X.......', '........X.....x.', '..x.....X..x....'],
+                    hat=['x...x...x...x...', 'x.x.x.x.x.x.x.x.', '..x...x...x...x.', 'x.ox..oxx.ox..ox'])],
+        bass=['r---r-r-..5-..r-', 'r-......r---5-r-', 'r--r--r-....5-r-'],
+        chords=['....x.......x...', '....xx......xx..'], second=['..x.x.x...x.x.x.', '..x...x...x...x.'],
+        melody=SONG_RHYTHMS, fills=[0, 0, 1],
+        sounds=dict(drums=[0, 8, 24], bass=[33, 38, 39], chords=[27, 0, 16], second=[16, 17, 28], lead=[22, 56, 57, 66, 53])),
+    'ballad8': dict(
+        bpm=(56, 80), harmony='pop', slot=[4, 2, 4],
+        feel=dict(map=['steady', 'steady', 'live'], jitter=[0.0, 0.006]),
+        drums=[dict(kick=['X.......X.......', 'X.......X.x.....', 'X.....x.X.......', 'X.......x.......'],
+                    snare=['....X.......X...', '....X.......X..o'], hat=EIGHTHS),
+               dict(kick=['X.......X.......'], rim=['....X.......X...'], hat=['x.x.x.x.x.x.x.x.'])],
+        bass=['r-------r-------', 'r-----r-r-------', 'r-------r---5---', 'r---------5-r---'],
+        chords=['x---x---x---x---', 'x---------------', 'x-x-x-x-x-x-x-x-', 'x---....x---....'],
+        arp=['0.1.2.1.3.2.1.2.', '0.2.1.2.0.2.1.2.', '0.1.2.3.2.1.2.1.'],
+        melody=SONG_RHYTHMS, late=[],
+        sounds=dict(drums=[0, 8, 40], bass=[32, 33, 35], chords=PIANOS, arp=[0, 24, 25, 4], lead=LEADS, pad=PADS)),
+    'ballad16': dict(
+        bpm=(55, 78), harmony='pop', slot=[4, 2, 4], feel=dict(map=['steady', 'live'], jitter=[0.0, 0.006]),
+        drums=[dict(kick=['X.......X.x.....', 'X......xX.......', 'X..x....X.......', 'X.....x...x.....'],
+                    snare=BACKBEAT, hat=SIXTEENTHS + ['x.x.x.x.x.x.x.x.']),
+               dict(kick=['X.......X.......'], rim=['....x.......x...'], shaker=['xoxoxoxoxoxoxoxo'])],
+        bass=['r-------r-----5-', 'r------rr-------', 'r---5---r-r-5-8-'],
+        chords=['x-------x-------', 'x---x---x---x---', 'x--x--x-x---x---'],
+        arp=['0121321201213212', '0123212301232123', '0.121.120.121.12'],
+        melody=SONG_RHYTHMS,
+        sounds=dict(drums=[0, 8, 24, 40], bass=[32, 33, 35], chords=PIANOS, arp=[0, 24, 25, 46], lead=LEADS, pad=PADS)),
+    'ballad_piano': dict(
+        bpm=(58, 82), harmony='pop', slot=[4, 2], feel=dict(map=['steady', 'live', 'phrased'], jitter=[0.004, 0.008]),
+        bass=['r-------r-------', 'r-----5-8-------', 'r-------5-------'],
+        chords=['x---x---x---x---', 'x-------x-------', '..x-x-x---x-x-x-'],
+        arp=['0.1.2.1.3.2.1.2.', '0121321201213212', '0.2.1.2.0.2.1.2.'], melody=SONG_RHYTHMS,
+        sounds=dict(bass=[0, 32], chords=[0, 24, 25], arp=[0, 24, 46], lead=[0, 53, 71, 73, 40])),
+    'rock_slow': dict(
+        bpm=(84, 104), harmony='pop', slot=[4, 4, 8],
+        feel=dict(map=['steady', 'live'], jitter=[0.0, 0.006]),
+        drums=[dict(kick=ROCK_KICKS, snare=BACKBEAT, hat=EIGHTHS), dict(kick=ROCK_KICKS, snare=BACKBEAT, ride=EIGHTHS),
+               dict(kick=ROCK_KICKS, snare=BACKBEAT, open=['x...x...x...x...', 'x.x.x.x.x.x.x.x.'])],
+        bass=['r-r-r-r-r-r-r-r-', 'r---..r-r---..r-', 'r-......r-r-5-..', 'r-rrr-rrr-rrr-rr'],
+        chords=['x---------------', 'x-x-x-x-x-x-x-x-', 'x-----x-x-----x-', 'x---x-xxx---x-xx'],
+        melody=SONG_RHYTHMS, sounds=dict(drums=KITS, bass=[33, 34], chords=[29, 30, 27, 25, 18], lead=LEADS, pad=[16, 18, 48])),
+    'rock': dict(
+        bpm=(104, 145), harmony='pop', slot=[4, 4, 8], feel=dict(map=['steady', 'live'], jitter=[0.0, 0.006]),
+        drums=[dict(kick=ROCK_KICKS, snare=BACKBEAT[:3], hat=EIGHTHS + ['x...x...x...x...']),
+               dict(kick=ROCK_KICKS, snare=BACKBEAT[:3], ride=EIGHTHS),
+               dict(kick=ROCK_KICKS, snare=BACKBEAT[:2], open=['x...x...x...x...'])],
+        bass=['r-r-r-r-r-r-r-r-', 'r-r-r-r-5-5-r-r-', 'r---r---r---r-a-', 'r-..r-r-r-..r-r-'],
+        chords=['x---------------', 'x-x-x-x-x-x-x-x-', 'x--x--x---x-x---', 'x---..x-..x-x---'],
+        melody=SONG_RHYTHMS, sounds=dict(drums=KITS, bass=[33, 34], chords=[29, 30, 27, 25], lead=LEADS, pad=[16, 18, 48])),
+    'rock_fast': dict(
+        bpm=(148, 184), harmony='pop', slot=[4, 4, 8], feel=dict(map=['steady', 'live'], jitter=[0.0, 0.005]),
+        drums=[dict(kick=['X.......X.......', 'X.....x.X.......', 'X.......X.x.....', 'X.x.....X.x.....'], snare=['....X.......X...'],
+                    hat=['x.x.x.x.x.x.x.x.', 'x...x...x...x...']),
+               dict(kick=['X.......X.......', 'X.....x.X.......'], snare=['....X.......X...'], open=['x...x...x...x...']),
+               dict(kick=['X...X...X...X...'], snare=['....X.......X...'], ride=['x.x.x.x.x.x.x.x.'])],
+        bass=['r-r-r-r-r-r-r-r-', 'r---r---r---r---', 'r-r-r-r-r-r-5-5-'],
+        chords=['x-x-x-x-x-x-x-x-', 'x---------------', 'x---x---x---x---', 'x-----x---x-x---'],
+        melody=SONG_RHYTHMS, sounds=dict(drums=[0, 16, 8], bass=[34, 33], chords=[30, 29], lead=[53, 81, 29, 65])),
+    'pop': dict(
+        bpm=(88, 130), harmony='pop', slot=[4, 4, 8, 2],
+        drums=[dict(kick=ROCK_KICKS + ['X...X...X...X...', 'X..x..x.X..x..x.'], snare=BACKBEAT[:3], hat=EIGHTHS),
+               dict(kick=ROCK_KICKS, clap=['....X.......X...'], hat=SIXTEENTHS, tambourine=['....x.......x...', '..x...x...x...x.']),
+               dict(kick=['X...X...X...X...'], clap=['....X.......X...'], open=['..x...x...x...x.'])],
+        bass=['r-r-r-r-r-r-r-r-', 'r--r--r-r--r--r-', 'r-----r---r-....', 'r---r---r---r---', '..r-..r-..r-..r-'],
+        chords=['x--x--x---x-x---', 'x---------------', 'x-x-x-x-x-x-x-x-', '..x-..x-..x-..x-', 'x-----x-----x---'],
+        arp=['0.1.2.1.3.2.1.2.', '0.12.120.12.120.', '0121012101210121'], melody=SONG_RHYTHMS,
+        sounds=dict(drums=KITS + [25], bass=[33, 38, 39, 34], chords=[0, 4, 25, 27, 81], arp=[80, 24, 11, 45], lead=LEADS, pad=PADS)),
+    'funk16': dict(
+        bpm=(90, 116), harmony='modal', slot=[4, 8], feel=dict(map=['steady', 'live'], swing=[0.5, 0.5, 0.54], unit=0.5, jitter=[0.0, 0.005]),
+        drums=[dict(kick=['X.x.......x..x..', 'X..x..x...x..x..', 'X.x....x..X..x..', 'X......xx.x.....'],
+                    snare=['....X..o.o..X..o', '....X..o.oo.X...', '....X....o.oX..o', '.o..X..o.o..X.o.'],
+                    hat=SIXTEENTHS + ['x.x.x.x.x.x.x.x.'])],
+        bass=['r..r..r-.r..5.8.', 'r-.r..8..r.r..5.', 'r.rr..8r..5.r...', 'r--...r.8..5r.a.'],
+        chords=['..x..x..x..x..x.', '.x.xx..x.x.xx..x', '....x..x....x..x', 'x..x..x.........'],
+        second=['..............xx', '......x-........', 'x-..............'],
+        melody=SONG_RHYTHMS + ['x.xx.x.xx.x.x-..', '..x.xx.x..x.x-..'],
+        sounds=dict(drums=[0, 8, 16], bass=[36, 33, 37], chords=[28, 27, 7, 4], second=[61, 56, 17], lead=[65, 66, 56, 53, 17])),
+    'country': dict(
+        bpm=(94, 132), harmony='pop', modes=['major'], slot=[4, 4, 8],
+        feel=dict(map=['steady', 'live'], jitter=[0.0, 0.006], swing=[0.5, 0.5, 0.6]),
+        drums=[dict(kick=['X.......X.......'], snare=['ooxoooxoooxoooxo', 'xoXoxoXoxoXoxoXo', 'o.X.o.X.o.X.o.X.']),
+               dict(kick=['X.......X.......', 'X.......X.x.....'], snare=['....X.......X...'], hat=['x.x.x.x.x.x.x.x.']),
+               dict(kick=['X.......X.......'], rim=['....x.......x...'], brush=['x.xox.xox.xox.xo'])],
+        bass=['r-------5-------', 'r---....5---....', 'r---5---r---a---'],
+        chords=['....x-......x-..', '....x-xx....x-xx', 'x---x-x-x---x-x-', '..x-..x-..x-..x-'],
+        arp=['0.21.12.0.21.12.', '0.1.2.1.0.1.2.1.', '0213021302130213'], melody=SONG_RHYTHMS,
+        sounds=dict(drums=[0, 8, 40], bass=[32, 33], chords=[25, 24, 27], arp=[105, 25, 24], lead=[110, 22, 27, 53, 0])),
+    'live_rock': dict(
+        bpm=(88, 150), harmony='pop', slot=[4, 4, 8], feel=dict(map='live', jitter=(0.008, 0.015)),
+        drums=[dict(kick=ROCK_KICKS, snare=BACKBEAT, hat=EIGHTHS), dict(kick=ROCK_KICKS, snare=BACKBEAT, ride=EIGHTHS),
+               dict(kick=ROCK_KICKS, snare=BACKBEAT, open=['x...x...x...x...'])],
+        bass=['r-r-r-r-r-r-r-r-', 'r---..r-r---..r-', 'r-......r-r-5-..', 'r---r---5---r-a-'],
+        chords=['x---------------', 'x-x-x-x-x-x-x-x-', 'x-----x-x-----x-'],
+        melody=SONG_RHYTHMS, sounds=dict(drums=KITS, bass=[33, 34], chords=[29, 30, 27, 25], lead=LEADS)),
+    'live_funk': dict(
+        bpm=(76, 112), harmony='modal', slot=[4, 8], feel=dict(map='live', jitter=(0.008, 0.014)),
+        drums=[dict(kick=['X.x.......x..x..', 'X..x..x...x..x..', 'X......xx.x.....'],
+                    snare=['....X..o.o..X..o', '....X..o.oo.X...', '....X.......X...'], hat=SIXTEENTHS + EIGHTHS[:2])],
+        bass=['r..r..r-.r..5.8.', 'r-.r..8..r.r..5.', 'r--...r.8..5r.a.'],
+        chords=['..x..x..x..x..x.', '....x..x....x..x', 'x---------------'], melody=SONG_RHYTHMS,
+        sounds=dict(drums=[0, 8, 16], bass=[36, 33], chords=[28, 27, 4, 17], lead=LEADS)),
+    'ramps': dict(
+        bpm=(84, 140), harmony='pop', slot=[4], feel=dict(map=['ramp', 'ramp', 'step'], jitter=[0.0, 0.006]),
+        drums=[dict(kick=ROCK_KICKS + ['X...X...X...X...'], snare=BACKBEAT, hat=EIGHTHS)],
+        bass=['r-r-r-r-r-r-r-r-', 'r---..r-r---..r-', 'r---r---r---r-a-'],
+        chords=['x---------------', 'x-x-x-x-x-x-x-x-', 'x---x---x---x---'], melody=SONG_RHYTHMS,
+        sounds=dict(drums=KITS, bass=[32, 33], chords=[0, 27, 29, 16], lead=LEADS)),
+}
