@@ -1,20 +1,28 @@
 #!/usr/bin/python3
 # SPDX-License-Identifier: MIT
-"""Fits the weights of a choice between hypotheses (which beat, which bar) on music whose answer is known.
+"""Fits the weights of a choice between hypotheses (which beat, which bar) on music whose answer is
+known.
 
 usage: fit_weights.py DUMP.jsonl CORPUSDIR... [--ridge 2] [--cap NAME=VALUE ...] [--real 3]
 
 DUMP.jsonl has one line a group, that is a piece and a kind of choice:
   {"id": "waltz-0", "kind": "level", "features": ["l", "on_lm", ...],
    "hypotheses": [{"name": "12/0", "times": [0.51, 1.02, ...], "values": [0.1, 0.7, ...]}, ...]}
-times are the beats (kind "level") or first beats of bars (kind "bar") the hypothesis stands for, in seconds; values are its
-features, in the order of the names. CORPUSDIRs hold corpus.json and beats/ as make_styles.py writes them; ids are unique.
+times are the beats (kind "level") or first beats of bars (kind "bar") the hypothesis stands for,
+in seconds; values are its
+features, in the order of the names. CORPUSDIRs hold corpus.json and beats/ as make_styles.py
+writes them; ids are unique.
 
-The right hypotheses of a group are those whose F-measure (+-70 ms) against the truth is at least 0.9 of the best; a group
-whose best is below 0.8 teaches nothing and is left out. The model is a softmax over the group's hypotheses of a weighted sum
-of features; the weights maximise the likelihood of the right ones (several count together) less a ridge on standardised
-weights. Pieces of the half "judge" are never fitted on. Pieces without a style (real music) count --real times, those whose
-octave is a matter of taste half. Printed for each kind: the weights, the share of right choices and mean F for each half, the
+The right hypotheses of a group are those whose F-measure (+-70 ms) against the truth is at least
+0.9 of the best; a group
+whose best is below 0.8 teaches nothing and is left out. The model is a softmax over the group's
+hypotheses of a weighted sum
+of features; the weights maximise the likelihood of the right ones (several count together) less a
+ridge on standardised
+weights. Pieces of the half "judge" are never fitted on. Pieces without a style (real music) count
+--real times, those whose
+octave is a matter of taste half. Printed for each kind: the weights, the share of right choices
+and mean F for each half, the
 same with every style left out in turn, and how often a probability was right (calibration).
 
 Needs Debian's python3-numpy and python3-scipy.
@@ -55,12 +63,14 @@ def read_truth(folders):
                 continue
             with open(os.path.join(folder, e['beats'])) as f:
                 lines = [line.split() for line in f]
-            truth[e['id']] = e, [float(t) for t, _ in lines], [float(t) for t, d in lines if d == '1']
+            truth[e['id']] = e, [float(t) for t, _ in lines], [float(t) for t,
+                                                            d in lines if d == '1']
     return truth
 
 
 class Group:
-    """A piece's hypotheses: features, F-measures, which are right, and how much the piece counts."""
+    """A piece's hypotheses: features, F-measures, which are right, and how much the piece
+    counts."""
 
     def __init__(self, line, truth, real):
         entry, beats, bars = truth[line['id']]
@@ -71,7 +81,9 @@ class Group:
         self.f = np.array([f_measure(h['times'], wanted) for h in line['hypotheses']])
         self.right = self.f >= 0.9 * self.f.max()
         self.usable = self.f.max() > 0.8
-        self.weight = real if 'style' not in entry else 0.5 if 'octave_unsure' in entry['flags'] else 1.0
+        self.weight = 0.5 if 'octave_unsure' in entry['flags'] else 1.0
+        if 'style' not in entry:
+            self.weight = real
 
 
 def loss(theta, groups, scale, ridge):
@@ -94,7 +106,8 @@ def fit(groups, ridge, caps):
     scale = np.concatenate([g.x for g in groups]).std(0) + 1e-9
     limits = [(None, caps[n] * s if n in caps else None) for n, s in zip(groups[0].names, scale)]
     start = np.zeros(len(scale))
-    best = minimize(loss, start, (groups, scale, ridge), jac=True, method='L-BFGS-B', bounds=limits, options={'maxiter': 500})
+    best = minimize(loss, start, (groups, scale, ridge), jac=True, method='L-BFGS-B',
+                    bounds=limits, options={'maxiter': 500})
     return best.x / scale
 
 
@@ -128,7 +141,8 @@ def report(title, groups, result):
     for half in ('fit', 'judge'):
         r = result[[g.half == half for g in groups]]
         if len(r):
-            parts.append(f'{half}: {len(r)} groups, right {r[:, 1].mean():.3f}, F {r[:, 0].mean():.3f}')
+            right, f = r[:, 1].mean(), r[:, 0].mean()
+            parts.append(f'{half}: {len(r)} groups, right {right:.3f}, F {f:.3f}')
     print(f'  {title:18}' + '; '.join(parts))
 
 
@@ -141,7 +155,8 @@ def calibration(title, result):
 
 
 def main():
-    parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
+    parser = argparse.ArgumentParser(description=__doc__,
+                                     formatter_class=argparse.RawDescriptionHelpFormatter)
     parser.add_argument('dump')
     parser.add_argument('corpus', nargs='+')
     parser.add_argument('--ridge', type=float, default=2.0)
@@ -152,7 +167,8 @@ def main():
     truth = read_truth(a.corpus)
     with open(a.dump) as f:
         lines = [json.loads(line) for line in f if line.strip()]
-    groups = [Group(line, truth, a.real) for line in lines if line['id'] in truth and line['hypotheses']]
+    groups = [Group(line, truth,
+                    a.real) for line in lines if line['id'] in truth and line['hypotheses']]
     for kind in sorted({g.kind for g in groups}):
         some = [g for g in groups if g.kind == kind and g.usable]
         weights = fit([g for g in some if g.half != 'judge'], a.ridge, caps)

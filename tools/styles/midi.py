@@ -1,7 +1,8 @@
 # SPDX-License-Identifier: MIT
 """Standard MIDI files whose clock is seconds.
 
-A player that follows a tempo map rounds at every change of tempo, and the roundings add up. So the file has one tempo for
+A player that follows a tempo map rounds at every change of tempo, and the roundings add up. So the
+file has one tempo for
 good (120 BPM) and ticks of a tenth of a millisecond, and every note stands at its own time.
 """
 import struct
@@ -22,7 +23,8 @@ def variable_length(n):
 
 
 def note_events(notes):
-    """Note on and note off messages, (tick, order, bytes); an off goes before an on of the same tick."""
+    """Note on and note off messages, (tick, order, bytes); an off goes before an on of the same
+    tick."""
     for start, end, channel, pitch, velocity in notes:
         a = max(0, round(start * TICKS_PER_SECOND))
         b = max(a + 1, round(end * TICKS_PER_SECOND))
@@ -33,7 +35,8 @@ def note_events(notes):
 def write(path, notes, programs, levels):
     """Write a one-track file.
 
-    notes: (start seconds, end seconds, channel, pitch, velocity); programs: {channel: General MIDI program, from 0, or the
+    notes: (start seconds, end seconds, channel, pitch, velocity); programs: {channel: General MIDI
+    program, from 0, or the
     kit of the drum channel}; levels: {channel: volume 0-127}.
     """
     events = [(0, -1, bytes([0xC0 | c, p])) for c, p in sorted(programs.items())]

@@ -1,14 +1,19 @@
 # SPDX-License-Identifier: MIT
 """Players: each reads a pattern and the harmony and adds notes.
 
-A pattern is a string of cells, `grid` cells a beat, one or more bars long. '.' is a rest and '-' holds the note before it.
-Drums: X loud, x plain, o ghost. Bass: r root, 5 fifth, 8 octave, 3 third, a semitone below the next root.
-Chords: x, X. Arpeggios: a digit for the chord tone, counted on into the next octave. Melody rhythms: x.
+A pattern is a string of cells, `grid` cells a beat, one or more bars long. '.' is a rest and '-'
+holds the note before it.
+Drums: X loud, x plain, o ghost. Bass: r root, 5 fifth, 8 octave, 3 third, a semitone below the
+next root.
+Chords: x, X. Arpeggios: a digit for the chord tone, counted on into the next octave. Melody
+rhythms: x.
 """
 from harmony import lay, voicing
 
-DRUMS = dict(kick=36, snare=38, rim=37, clap=39, hat=42, open=46, pedal=44, ride=51, bell=53, crash=49, shaker=70,
-             tambourine=54, cowbell=56, conga=63, conga_low=64, claves=75, low_tom=41, tom=45, high_tom=48, brush=40,
+DRUMS = dict(kick=36, snare=38, rim=37, clap=39, hat=42, open=46, pedal=44, ride=51, bell=53,
+             crash=49, shaker=70,
+             tambourine=54, cowbell=56, conga=63, conga_low=64, claves=75, low_tom=41, tom=45,
+             high_tom=48, brush=40,
              cabasa=69, triangle=81, surdo=41)
 LOUDNESS = {'X': 116, 'x': 92, 'o': 52}
 CHANNELS = dict(bass=0, chords=1, arp=2, lead=3, pad=4, second=5, drums=9)
@@ -59,20 +64,24 @@ def bass(piece, section, pattern):
         chord = piece.harmony.chord(at, section)
         root = lay(chord[0], low)
         following = lay(piece.harmony.chord(at + held, section)[0], low)
-        pitch = {'r': root, '5': lay(chord[2], low), '8': root + 12, '3': lay(chord[1], low), 'a': following - 1}[symbol]
+        pitch = {'r': root, '5': lay(chord[2], low), '8': root + 12, '3': lay(chord[1], low),
+                 'a': following - 1}[symbol]
         piece.note('bass', at, held * 0.92, pitch, piece.touch(98))
 
 
 def walking(piece, section):
-    """A note a beat: root on a change, then steps towards the next root; now and then a skipped eighth."""
+    """A note a beat: root on a change, then steps towards the next root; now and then a skipped
+    eighth."""
     beats = int(round(section.beats))
     for b in range(beats):
         at = section.start + b
         chord, following = piece.harmony.chord(at, section), piece.harmony.chord(at + 1, section)
-        changed = b == 0 or piece.harmony.chord(at - 1, section) != chord or b % piece.style['meter'] == 0
+        changed = b == 0 or piece.harmony.chord(at - 1,
+                                                section) != chord or b % piece.style['meter'] == 0
         target = lay(following[0], piece.bass_low)
         options = [lay(c, piece.bass_low) for c in chord[1:]]
-        pitch = lay(chord[0], piece.bass_low) if changed else options[piece.rng.integers(len(options))]
+        pitch = lay(chord[0],
+                    piece.bass_low) if changed else options[piece.rng.integers(len(options))]
         if following != chord:
             pitch = target + (1 if piece.rng.random() < 0.5 else -1)
         if changed:
@@ -92,7 +101,8 @@ def arpeggio(piece, section, pattern):
     for at, symbol, held in cells(pattern, piece, section):
         tones = voicing(piece.harmony.chord(at, section), piece.chord_low + 5)
         k = int(symbol)
-        piece.note('arp', at, held * 0.95, tones[k % len(tones)] + 12 * (k // len(tones)), piece.touch(82))
+        piece.note('arp', at, held * 0.95, tones[k % len(tones)] + 12 * (k // len(tones)),
+                   piece.touch(82))
 
 
 def pad(piece, section):
@@ -105,7 +115,8 @@ def pad(piece, section):
 
 
 def melody(piece, section, rhythms, part='lead'):
-    """Phrases of four bars: a motif of two bars, taken up again with other notes, its answer, and a rest."""
+    """Phrases of four bars: a motif of two bars, taken up again with other notes, its answer, and
+    a rest."""
     rng, bar = piece.rng, piece.style['meter']
     motif = [rhythms[rng.integers(len(rhythms))] for _ in range(2)]
     answer = rhythms[rng.integers(len(rhythms))]
@@ -122,7 +133,8 @@ def melody(piece, section, rhythms, part='lead'):
             degree = min(12, max(1, degree + int(steps[k % 64])))
             k += 1
             strong = abs(at - round(at)) < 1e-6
-            piece.note(part, at, held * 0.9, piece.melodic(degree, at, section, strong), piece.touch(100 if strong else 88))
+            piece.note(part, at, held * 0.9, piece.melodic(degree, at, section, strong),
+                       piece.touch(100 if strong else 88))
 
 
 class Span:

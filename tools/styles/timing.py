@@ -1,5 +1,6 @@
 # SPDX-License-Identifier: MIT
-"""When a beat sounds: steady tempo, a live drummer, ramps, held notes; swing and the hand's jitter."""
+"""When a beat sounds: steady tempo, a live drummer, ramps, held notes; swing and the hand's
+jitter."""
 import numpy as np
 
 DRIFT = 0.02        # a live drummer's tempo stays within this share of the nominal one
@@ -75,9 +76,11 @@ class Clock:
 
     def seconds(self, position):
         """The exact time of a position, as written."""
-        return float(np.interp(self.swung(position), np.arange(len(self.beat_times)), self.beat_times))
+        return float(np.interp(self.swung(position), np.arange(len(self.beat_times)),
+                               self.beat_times))
 
     def played(self, position):
         """The time at which a player hits it."""
-        late = np.clip(self.rng.normal(0, self.jitter / 2), -JITTER_LIMIT, JITTER_LIMIT) if self.jitter else 0.0
+        late = np.clip(self.rng.normal(0, self.jitter / 2), -JITTER_LIMIT,
+                       JITTER_LIMIT) if self.jitter else 0.0
         return self.seconds(position) + float(late)
