@@ -1,8 +1,8 @@
 # SPDX-License-Identifier: MIT
-# What `cmake --install` lays down: headers, both libraries, a CMake package and a pkg-config file.
+# What `cmake --install` lays down: headers, the libraries, a CMake package and their pkg-config files.
 include(CMakePackageConfigHelpers)
 
-install(TARGETS beatatlas beatatlas_static EXPORT BeatAtlasTargets
+install(TARGETS beatatlas beatatlas_static beatatlas_track beatatlas_track_static EXPORT BeatAtlasTargets
     LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
     ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/beatatlas DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
@@ -17,5 +17,7 @@ install(FILES ${PROJECT_BINARY_DIR}/BeatAtlasConfig.cmake ${PROJECT_BINARY_DIR}/
 
 # Relative to the file itself, so that an installed tree can be moved.
 file(RELATIVE_PATH BEATATLAS_PREFIX_FROM_PC /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
-configure_file(${PROJECT_SOURCE_DIR}/cmake/beatatlas.pc.in ${PROJECT_BINARY_DIR}/beatatlas.pc @ONLY)
-install(FILES ${PROJECT_BINARY_DIR}/beatatlas.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+foreach(library beatatlas beatatlas_track)
+    configure_file(${PROJECT_SOURCE_DIR}/cmake/${library}.pc.in ${PROJECT_BINARY_DIR}/${library}.pc @ONLY)
+    install(FILES ${PROJECT_BINARY_DIR}/${library}.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+endforeach()

@@ -54,6 +54,10 @@ public:
      *  frames included. Ignored without create, for n ≤ 0, for null, and after the analysis. */
     void putSample(const std::int16_t* frames, int n);
 
+    /** Whether frames were taken as silent because their spectrum found no memory: the results are those of another
+     *  track then. */
+    bool hasMissedFrames() const { return spectrum_.hasMissedFrames(); }
+
     /** 0 to 11: major keys from A upward; 12 to 23: minor keys from A minor. */
     int getMainKey() const { return ranking_.keys()[0]; }
 

@@ -52,6 +52,7 @@ struct WindowedFrame {
 void KeySpectrum::create(double analysisRate) {
     release();
     bands_.create(kPoints / 2, analysisRate / static_cast<double>(kPoints));
+    hasMissedFrames_ = false;
     magnitudes_.assign(static_cast<std::size_t>(bands_.count()), 0.0);
     hann_ = makeHann();
     values_ = std::make_unique<double[]>(kPoints);
@@ -70,10 +71,12 @@ void KeySpectrum::release() {
 const std::vector<double>& KeySpectrum::measure(const DecimationBuffer& samples) {
     const double* hann = hann_.get();
     runInLanes<WindowedFrame>(samples.frame(), hann, values_.get());
-    if (fft_.power(kPoints, values_.get(), power_.get()) == 0)
+    if (fft_.power(kPoints, values_.get(), power_.get()) == 0) {
         bands_.measure(power_.get(), magnitudes_.data());
-    else
+    } else {
         std::fill(magnitudes_.begin(), magnitudes_.end(), 0.0);
+        hasMissedFrames_ = true;
+    }
     return magnitudes_;
 }
 

@@ -26,6 +26,9 @@ public:
      *  call. */
     const std::vector<double>& measure(const DecimationBuffer& samples);
 
+    /** Whether a frame since create() found no memory. */
+    bool hasMissedFrames() const { return hasMissedFrames_; }
+
     int fft(int n, double* re, double* im) { return fft_.fft(n, re, im); }
 
 private:
@@ -35,6 +38,7 @@ private:
     std::unique_ptr<double[]> values_;
     std::unique_ptr<double[]> power_;
     std::vector<double> magnitudes_;
+    bool hasMissedFrames_ = false;
 };
 
 }  // namespace beatatlas

@@ -12,6 +12,7 @@
 
 #include "peakss/BandOffsets.h"
 #include "peakss/BeatListDump.h"
+#include "peakss/ProgressLines.h"
 #include "peakss/barNumbering.h"
 #include "peakss/closeCandidateCleanup.h"
 #include "peakss/discontinuousGroupRemoval.h"
@@ -19,7 +20,6 @@
 #include "peakss/gapCorrectVaried.h"
 #include "peakss/gridLaying.h"
 #include "peakss/groupTempoTable.h"
-#include "peakss/printBeatList.h"
 #include "peakss/representativeInterval.h"
 #include "peakss/representativeTempo.h"
 #include "peakss/segmentAdjustment.h"
@@ -34,20 +34,22 @@ namespace peakss {
 namespace {
 
 // One segment for the whole track; none when the track has no tempo.
-std::optional<BeatList> constantTempoSegments(BeatList& raw, int length, const BeatListDump& dump) {
+std::optional<BeatList> constantTempoSegments(BeatList& raw, int length, const BeatListDump& dump,
+                                              const ProgressLines& progress) {
     const float interval = representativeInterval(raw, length);
     if (interval == 0.0F) return std::nullopt;
-    std::puts("BPMの一致しない値を消去します");
+    progress.line("BPMの一致しない値を消去します");
     tempoMismatchRemoval(raw, interval);
     dump.section("[ BPMの一致しない値削除後のデータ ]", raw);
     if (raw.empty()) return std::nullopt;
     return BeatList{segmentFrom(raw.front(), interval)};
 }
 
-BeatList variedTempoSegments(BeatList& raw, int samplingRate, const BeatListDump& dump) {
+BeatList variedTempoSegments(BeatList& raw, int samplingRate, const BeatListDump& dump,
+                             const ProgressLines& progress) {
     discontinuousGroupRemoval(raw, groupTempoTable(raw));
     dump.section("[ 連続しないBPM区間削除後のデータ ]", raw);
-    std::puts("8個以上連続しない値を消去します");
+    progress.line("8個以上連続しない値を消去します");
     shortRunRemoval(raw);
     dump.section("[ 8個以上連続しない値削除後のデータ ]", raw);
     return segmentSearch(raw, samplingRate);
@@ -65,13 +67,14 @@ float BeatInfoAnalyzer::analyze(BeatInfoAnalyzeInfo* info, BeatList& out, int le
     if (info == nullptr || info->beatList == nullptr) return 0.0F;
     BeatList& raw = *info->beatList;
     const BeatListDump dump(debugStream_);
-    std::puts("BeatInfoAnalyzer::analyze() 拍情報の解析開始");
+    const ProgressLines progress(!isQuiet_);
+    progress.line("BeatInfoAnalyzer::analyze() 拍情報の解析開始");
     dump.banner();
     dump.section("[ 選出生データ ]", raw);
     if (raw.empty()) return 0.0F;
 
-    std::optional<BeatList> found = varied ? variedTempoSegments(raw, samplingRate_, dump)
-                                           : constantTempoSegments(raw, length, dump);
+    std::optional<BeatList> found = varied ? variedTempoSegments(raw, samplingRate_, dump, progress)
+                                           : constantTempoSegments(raw, length, dump, progress);
     if (!found) return 0.0F;
     BeatList& segments = *found;
 
@@ -104,9 +107,9 @@ float BeatInfoAnalyzer::analyze(BeatInfoAnalyzeInfo* info, BeatList& out, int le
     dump.bandCounts(grid.beats);
     dump.bandOffsets(offsetsMs);
 
-    std::puts("区間情報");
-    printBeatList(segments, nullptr);
-    std::puts("BeatInfoAnalyzer::analyze() 拍情報の解析終了");
+    progress.line("区間情報");
+    progress.list(segments);
+    progress.line("BeatInfoAnalyzer::analyze() 拍情報の解析終了");
     out = std::move(grid.beats);
     return bpm;
 }

@@ -14,11 +14,13 @@ class BeatListDump;
 
 /** Turns the raw beat candidates of a track into a tempo and a beat grid numbered into bars.
  *
- *  Built for one analysis. Prints its progress to standard output; with a debug stream it also writes there the
- *  list between any two stages. Computes under round-toward-zero, which the caller has set. */
+ *  Built for one analysis. Prints its progress to standard output unless told to be quiet; with a debug stream it also
+ *  writes there the list between any two stages. Computes under round-toward-zero, which the caller has set. */
 class BeatInfoAnalyzer {
 public:
     void setSamplingRate(int samplingRate) { samplingRate_ = samplingRate; }
+    /** Whether standard output stays untouched. */
+    void setQuiet(bool isQuiet) { isQuiet_ = isQuiet; }
     /** Null, as at first, for no trace. The stream is neither owned nor closed. */
     void setDebugStream(std::FILE* stream) { debugStream_ = stream; }
 
@@ -41,6 +43,7 @@ private:
         1024;  // part of the object's layout; nothing here reads it
     std::int32_t samplingRate_ = 48000;
     std::FILE* debugStream_ = nullptr;
+    bool isQuiet_ = false;
 };
 
 }  // namespace peakss

@@ -212,6 +212,7 @@ float Analyzer::proposeGrid() {
     peakss::BeatInfoAnalyzeInfo info{beatListMaker_.bandNum(), &candidates};
     peakss::BeatInfoAnalyzer analyzer;
     analyzer.setSamplingRate(rate_);
+    analyzer.setQuiet(isQuiet_);
     const bool hasPhrase = sectionBeats_ >= 2 * kBeatsPerBar;
     const int front = hasPhrase ? sectionBeats_ / 2 : 0;
     const int back = hasPhrase ? front - kBeatsPerBar : 0;

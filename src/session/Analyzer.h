@@ -42,6 +42,10 @@ public:
     void createSimple(int rate, int totalSamples, int startSample, int rangeSamples, bool loudOn,
                       bool zoomOn, bool keyOn);
 
+    /** Whether the closing analysis keeps its progress lines off the standard output; it prints them unless told
+     *  before. Holds for the session to come, and changes no result. */
+    void setQuiet(bool isQuiet) { isQuiet_ = isQuiet; }
+
     /** Feeds the pre-check pass; full scale ±32768. */
     void setSamplePre(const float* left, const float* right, int count);
 
@@ -84,6 +88,7 @@ private:
     float proposeGrid();
 
     bool created_ = false;
+    bool isQuiet_ = false;
     bool failed_ = false;  // a guard for an error state that nothing enters
     bool simple_ = false;
     bool beatOn_ = false;

@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-# The library's sources carry both numeric flags, and no source carries any other that changes arithmetic.
+# The libraries' sources carry both numeric flags, and no source carries any other that changes arithmetic.
 cmake_minimum_required(VERSION 3.25)
 
 file(READ ${COMMANDS} json)
@@ -13,7 +13,8 @@ foreach(i RANGE ${last})
     if(command MATCHES "-f[a-z-]*fast-math|-Ofast|-funsafe-math|-fassociative-math|-ffinite-math|-fno-signed-zeros|-freciprocal-math|-march=|-mfma|-mfpmath|-ffp-contract=(fast|on)")
         string(APPEND faults "${file}: ${CMAKE_MATCH_0}\n")
     endif()
-    if(file MATCHES "/src/(dsp|view|peakss|envelope|key|util|session|api)/")
+    file(RELATIVE_PATH place ${SOURCE_DIR} ${file})
+    if(place MATCHES "^(src/(dsp|view|peakss|envelope|key|util|session|api)|track)/")
         math(EXPR checked "${checked} + 1")
         foreach(flag -ffp-contract=off -frounding-math)
             if(NOT command MATCHES " ${flag}( |$)")
@@ -23,7 +24,7 @@ foreach(i RANGE ${last})
     endif()
 endforeach()
 if(checked EQUAL 0)
-    message(FATAL_ERROR "No source of the library was seen in ${COMMANDS}")
+    message(FATAL_ERROR "No source of the libraries was seen in ${COMMANDS}")
 endif()
 if(faults)
     message(FATAL_ERROR "${faults}")

@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-# Which room may include which. No room looks up.
+# Which room may include which. No room looks up, and the track library stands on the core alone.
 cmake_minimum_required(VERSION 3.25)
 
 set(may_dsp dsp)
@@ -24,6 +24,21 @@ foreach(room dsp view peakss envelope key util session api)
                 string(APPEND faults "${file}: ${target}\n")
             endif()
         endforeach()
+    endforeach()
+endforeach()
+
+set(core dsp view peakss envelope key util session)
+file(GLOB_RECURSE track ${SOURCE_DIR}/track/*.h ${SOURCE_DIR}/track/*.cpp)
+if(NOT track)
+    message(FATAL_ERROR "No source of the track library was seen in ${SOURCE_DIR}/track")
+endif()
+foreach(file ${track})
+    file(STRINGS ${file} lines REGEX "^#include \"")
+    foreach(line ${lines})
+        string(REGEX REPLACE "^#include \"([^/\"]+).*" "\\1" target_room "${line}")
+        if(NOT target_room IN_LIST core AND NOT target_room MATCHES "^(track|beatatlas)$")
+            string(APPEND faults "${file}: ${line}\n")
+        endif()
     endforeach()
 endforeach()
 

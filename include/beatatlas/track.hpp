@@ -1,0 +1,293 @@
+// SPDX-License-Identifier: MIT
+/** @file
+ *  Beat Atlas for whole tracks, for C++17 hosts: the interface of track.h in plain values and exceptions.
+ *
+ *      using namespace beatatlas::track;
+ *      const TrackResult result = analyze({}, 44100, left.data(), right.data(), left.size());
+ *      if (result.bpm) std::printf("%.2f BPM\n", *result.bpm);
+ *      for (const Beat& beat : result.beats)
+ *          if (beat.isDownbeat()) std::printf("bar at %.3f s\n", beat.seconds);
+ *
+ *  What is said in track.h about audio, threads, arithmetic and output holds here. Everything is in this header: it needs
+ *  the library of track.h and nothing else. */
+#ifndef BEATATLAS_TRACK_HPP
+#define BEATATLAS_TRACK_HPP
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <exception>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <new>
+#include <optional>
+#include <stdexcept>
+#include <utility>
+#include <vector>
+
+#include "beatatlas/track.h"
+
+namespace beatatlas::track {
+
+inline constexpr int kKeyCount = 24;
+inline constexpr int kPitchClassCount = 12;
+
+/** What is known about the tempo beforehand. */
+enum class TempoMode {
+    constant = BA_TRACK_TEMPO_CONSTANT,  ///< one tempo for the whole track
+    varied = BA_TRACK_TEMPO_VARIED,      ///< the tempo may change along the track
+    simple =
+        BA_TRACK_TEMPO_SIMPLE,  ///< sensed in the first part of the track only, one regular grid over all of it
+    off = BA_TRACK_TEMPO_OFF,  ///< no tempo and no beats
+};
+
+/** What is to be found out about a track, and how. */
+struct Options {
+    TempoMode tempo = TempoMode::constant;
+    int sectionBeats =
+        32;  ///< varied tempo: length in beats of the phrase over which the tempo is measured, from 1
+    double rangeSeconds = 0;  ///< simple: how much of the beginning is sensed; 0: one minute
+    bool wantsKey = true;
+    bool wantsWaves = true;
+    int threads = 1;  ///< the most that may work at once, the calling one among them
+
+    /** Is told how far the analysis has come, from 0 to 1, from any thread but never from two at once. To stop the
+     *  analysis it throws; analyze() then throws the same. */
+    std::function<void(double fraction)> progress;
+};
+
+/** Hands out the next frames of a pass over a track: up to `frames` samples to left and right, full scale ±1.0. Returns
+ *  how many; 0 when the track is over. To stop the analysis it throws; analyze() then throws the same. */
+using Pass = std::function<std::int64_t(float* left, float* right, std::int64_t frames)>;
+
+/** Where the audio of a track comes from. Each pass begins at the first frame and is destroyed when it is over; what is
+ *  said at BA_TrackSource about order and threads holds. */
+struct Source {
+    std::function<Pass()> open;
+    bool fewestPasses = false;  ///< passes are costly or have to wait for a decoder
+};
+
+/** One beat of the grid. */
+struct Beat {
+    double seconds = 0.0;    ///< from the first frame of music
+    double bpm = 0.0;        ///< local tempo, a multiple of 0.01
+    std::int64_t frame = 0;  ///< from the first frame of music, at the track's rate
+    int numberInBar = 0;     ///< from 1, the downbeat
+
+    bool isDownbeat() const { return numberInBar == 1; }
+};
+
+/** One point of a waveform overview. */
+struct WavePoint {
+    float level = 0.0F;
+    int color = 0;
+};
+
+/** All keys, best first, and the statistics of the notes. Keys 0 to 11 are the major keys from A upward, 12 to 23 the
+ *  minor keys; pitch classes count from A too. */
+struct KeyRanking {
+    std::array<int, kKeyCount> keys{};
+    std::array<double, kKeyCount> scores{};  ///< of keys[0], keys[1] …
+    std::array<int, kPitchClassCount> noteCounts{};
+    std::array<double, kPitchClassCount> noteShares{};
+
+    /** How far the runner-up lies behind the best, as a share of the best score: 0 (level) to 1. */
+    double runnerUpDistance() const { return (scores[0] - scores[1]) / scores[0]; }
+};
+
+/** Everything that is known about one track. Empty lists and missing values: nothing was found, or it was not asked
+ *  for. */
+struct TrackResult {
+    int rate = 0;             ///< Hz
+    std::int64_t frames = 0;  ///< length of the track at that rate
+    std::optional<double> bpm;
+    std::vector<Beat> beats;          ///< in order of time
+    std::vector<WavePoint> loudWave;  ///< 400 points; level in 16-bit scale, colour 0 to 5
+    std::vector<WavePoint> dotsWave;  ///< 100 points; level in 16-bit scale (sums, may exceed it)
+    std::vector<WavePoint>
+        zoomWave;  ///< 150 points a second; level 0 to 31, colour 0 (all bass) to 7
+    std::optional<KeyRanking> key;
+
+    double seconds() const { return secondsAt(frames); }
+    double secondsAt(std::int64_t frame) const { return static_cast<double>(frame) / rate; }
+};
+
+/** Why an analysis gave no result: a bad argument, a source of the wrong length. */
+class Error : public std::runtime_error {
+public:
+    explicit Error(int status) : std::runtime_error(BA_TrackStatusText(status)), status_(status) {}
+
+    int status() const { return status_; }  ///< BA_TRACK_…
+
+private:
+    int status_;
+};
+
+/** How the functions below put the C interface into values; nothing for a host to call. */
+namespace detail {
+
+/** Keeps what a callback throws until it can be thrown in the caller's thread; of several the first. */
+class ThrownByHost {
+public:
+    template <class Call, class Result>
+    Result guard(const Call& call, Result whenThrown) noexcept {
+        try {
+            return call();
+        } catch (...) {
+            const std::lock_guard<std::mutex> lock(mutex_);
+            if (!first_) first_ = std::current_exception();
+            return whenThrown;
+        }
+    }
+    void rethrow() const {
+        if (first_) std::rethrow_exception(first_);
+    }
+
+private:
+    std::mutex mutex_;
+    std::exception_ptr first_;
+};
+
+/** The host of the C callbacks. */
+struct Host {
+    const Options& options;
+    const Source* source;
+    ThrownByHost thrown;
+};
+
+inline int showProgress(void* host, double fraction) {
+    auto& own = *static_cast<Host*>(host);
+    const auto call = [&] { return own.options.progress(fraction), 0; };
+    return own.thrown.guard(call, 1);
+}
+
+inline void* openPass(void* host) {
+    auto& own = *static_cast<Host*>(host);
+    const auto call = [&]() -> void* { return new Pass(own.source->open()); };
+    return own.thrown.guard(call, static_cast<void*>(nullptr));
+}
+
+inline std::int64_t readPass(void* host, void* pass, float* left, float* right,
+                             std::int64_t frames) {
+    auto& own = *static_cast<Host*>(host);
+    const auto call = [&] { return (*static_cast<Pass*>(pass))(left, right, frames); };
+    return own.thrown.guard(call, std::int64_t{-1});
+}
+
+inline void closePass(void* /*host*/, void* pass) {
+    delete static_cast<Pass*>(pass);
+}
+
+inline BA_TrackOptions toOptions(const Options& options, Host& host) {
+    BA_TrackOptions plain;
+    BA_TrackOptionsInit(&plain, sizeof plain);
+    plain.tempo = static_cast<std::int32_t>(options.tempo);
+    plain.section_beats = options.sectionBeats;
+    plain.range_seconds = options.rangeSeconds;
+    plain.wants_key = options.wantsKey ? 1 : 0;
+    plain.wants_waves = options.wantsWaves ? 1 : 0;
+    plain.threads = options.threads;
+    if (options.progress) plain.progress = showProgress;
+    plain.progress_host = &host;
+    return plain;
+}
+
+struct Release {
+    void operator()(BA_Track* track) const { BA_TrackRelease(track); }
+};
+using Track = std::unique_ptr<BA_Track, Release>;
+
+inline std::vector<Beat> beatsOf(const BA_Track* track) {
+    std::vector<BA_TrackBeat> records(BA_TrackBeats(track, nullptr, 0));
+    BA_TrackBeats(track, records.data(), records.size());
+    std::vector<Beat> beats;
+    beats.reserve(records.size());
+    for (const BA_TrackBeat& record : records)
+        beats.push_back({record.seconds, record.bpm, record.frame, record.number_in_bar});
+    return beats;
+}
+
+inline std::vector<WavePoint> waveOf(const BA_Track* track, int kind) {
+    std::vector<BA_WaveInfo> records(BA_TrackWave(track, kind, nullptr, 0));
+    BA_TrackWave(track, kind, records.data(), records.size());
+    std::vector<WavePoint> points;
+    points.reserve(records.size());
+    for (const BA_WaveInfo& record : records) points.push_back({record.level, record.color});
+    return points;
+}
+
+inline std::optional<KeyRanking> keyOf(const BA_Track* track) {
+    if (BA_TrackSessionKey(track) < 0) return std::nullopt;
+    std::array<BA_TrackKeyScore, kKeyCount> keys{};
+    std::array<BA_TrackNote, kPitchClassCount> notes{};
+    BA_TrackSessionKeyRanking(track, keys.data(), keys.size());
+    BA_TrackNotes(track, notes.data(), notes.size());
+    KeyRanking ranking;
+    for (std::size_t i = 0; i < keys.size(); ++i) {
+        ranking.keys[i] = keys[i].key;
+        ranking.scores[i] = keys[i].score;
+    }
+    for (std::size_t i = 0; i < notes.size(); ++i) {
+        ranking.noteCounts[i] = notes[i].count;
+        ranking.noteShares[i] = notes[i].share;
+    }
+    return ranking;
+}
+
+inline TrackResult resultOf(const BA_Track* track) {
+    TrackResult result;
+    result.rate = BA_TrackRate(track);
+    result.frames = BA_TrackFrames(track);
+    if (const double bpm = BA_TrackBpm(track); bpm > 0.0) result.bpm = bpm;
+    result.beats = beatsOf(track);
+    result.loudWave = waveOf(track, BA_TRACK_WAVE_LOUD);
+    result.dotsWave = waveOf(track, BA_TRACK_WAVE_DOTS);
+    result.zoomWave = waveOf(track, BA_TRACK_WAVE_ZOOM);
+    result.key = keyOf(track);
+    return result;
+}
+
+inline TrackResult finish(int status, const Track& track, const ThrownByHost& thrown) {
+    thrown.rethrow();
+    if (status == BA_TRACK_NO_MEMORY) throw std::bad_alloc();
+    if (status != BA_TRACK_OK) throw Error(status);
+    return resultOf(track.get());
+}
+
+}  // namespace detail
+
+/** Analyses a track that is handed out piece by piece.
+ *
+ *  @param rate    frames per second: 44100 or 48000
+ *  @param frames  length of the track, 1 to 2,147,483,647
+ *  @throws Error for an argument out of its range and a source that has another length; std::bad_alloc; and whatever
+ *          the source or the progress call throws */
+inline TrackResult analyze(const Options& options, int rate, std::int64_t frames,
+                           const Source& source) {
+    if (!source.open) throw Error(BA_TRACK_BAD_ARGUMENT);
+    detail::Host host{options, &source, {}};
+    const BA_TrackOptions plainOptions = detail::toOptions(options, host);
+    const BA_TrackSource plainSource{
+        sizeof(BA_TrackSource),      &host, detail::openPass, detail::readPass, detail::closePass,
+        source.fewestPasses ? 1 : 0, 0};
+    BA_Track* track = nullptr;
+    const int status = BA_TrackAnalyze(&plainOptions, rate, frames, &plainSource, &track);
+    return detail::finish(status, detail::Track(track), host.thrown);
+}
+
+/** Analyses a track that lies in memory.
+ *  @param left,right  `frames` samples each, full scale ±1.0
+ *  @throws as above */
+inline TrackResult analyze(const Options& options, int rate, const float* left, const float* right,
+                           std::int64_t frames) {
+    detail::Host host{options, nullptr, {}};
+    const BA_TrackOptions plainOptions = detail::toOptions(options, host);
+    BA_Track* track = nullptr;
+    const int status = BA_TrackAnalyzeArrays(&plainOptions, rate, left, right, frames, &track);
+    return detail::finish(status, detail::Track(track), host.thrown);
+}
+
+}  // namespace beatatlas::track
+
+#endif

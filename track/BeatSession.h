@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "beatatlas/track.h"
+#include "session/Analyzer.h"
+#include "track/Listener.h"
+#include "track/TrackResult.h"
+
+namespace beatatlas::track::inner {
+
+/** The tempo, the beats and the waves of a track: one session of the core.
+ *
+ *  Life: construct → hear the whole track → close() → addTo(). */
+class BeatSession : public Listener {
+public:
+    /** @throws std::bad_alloc */
+    BeatSession(const BA_TrackOptions& options, int rate, int frames);
+
+    /** Keeps the last frame of the track back, since it would set off the closing analysis. */
+    void hear(const Block& block) override;
+
+    /** Runs the closing analysis, a few percent of all the work. */
+    void close();
+
+    void addTo(TrackResult& result);
+
+private:
+    void addBeatsTo(TrackResult& result) const;
+    void addWavesTo(TrackResult& result);
+
+    Analyzer analyzer_;
+    int framesLeft_;
+    float lastLeft_ = 0.0F;
+    float lastRight_ = 0.0F;
+};
+
+}  // namespace beatatlas::track::inner

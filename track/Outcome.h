@@ -1,0 +1,44 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <atomic>
+
+#include "beatatlas/track.h"
+
+namespace beatatlas::track::inner {
+
+/** Ends an analysis with a status of the interface. */
+struct Failure {
+    int status;
+};
+
+/** How an analysis ends, whichever thread of it fails: the first failure decides, and the other threads see it and give
+ *  up. */
+class Outcome {
+public:
+    int status() const { return status_; }
+
+    /** @throws Failure with the reason when a thread has failed */
+    void throwIfFailed() const {
+        const int status = status_;
+        if (status != BA_TRACK_OK) throw Failure{status};
+    }
+
+    /** Runs a thread's work; what it throws ends here and becomes the status. */
+    template <class Work>
+    void guard(const Work& work) {
+        try {
+            work();
+        } catch (...) {
+            failWithCaught();
+        }
+    }
+
+private:
+    void failWithCaught();
+    void fail(int status);
+
+    std::atomic<int> status_{BA_TRACK_OK};
+};
+
+}  // namespace beatatlas::track::inner

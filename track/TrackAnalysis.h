@@ -1,0 +1,53 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <cstdint>
+#include <initializer_list>
+#include <optional>
+
+#include "beatatlas/track.h"
+#include "track/BeatSession.h"
+#include "track/KeySession.h"
+#include "track/Outcome.h"
+#include "track/Progress.h"
+#include "track/TrackResult.h"
+
+namespace beatatlas::track::inner {
+
+/** One analysis: decides which sessions hear which pass over the source, and in which thread.
+ *
+ *  The key session has to know the levels of the whole track before it hears the first frame. Where passes are quick one
+ *  of them goes before for that; otherwise the beat session's pass takes them. */
+class TrackAnalysis {
+public:
+    /** @param options,source  checked, and alive as long as the analysis
+     *  @throws std::bad_alloc */
+    TrackAnalysis(const BA_TrackOptions& options, int rate, int frames,
+                  const BA_TrackSource& source, Outcome& outcome);
+
+    /** Does it all. @throws Failure, std::bad_alloc */
+    TrackResult run();
+
+private:
+    void findBeats();
+    void findBoth();
+    void findBothInFewestPasses();
+    void hear(std::initializer_list<Listener*> listeners, std::int64_t unitsPerFrame);
+    void hearKey();
+    void closeBeats();
+    template <class Beats, class Key>
+    void sideBySide(const Beats& beats, const Key& key);
+    std::int64_t totalUnits() const;
+
+    const BA_TrackOptions& options_;
+    int rate_;
+    int frames_;
+    const BA_TrackSource& source_;
+    Outcome& outcome_;
+    Progress progress_;
+    BeatSession beats_;
+    Levels levels_;
+    std::optional<KeySession> key_;  // when it is wanted
+};
+
+}  // namespace beatatlas::track::inner

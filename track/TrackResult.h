@@ -1,0 +1,26 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <vector>
+
+#include "beatatlas/track.h"
+
+namespace beatatlas::track::inner {
+
+inline constexpr int kWaveKinds = 3;
+
+/** Everything that is known about a track: plain data in the records of the interface, with no ties to what found it.
+ *  Empty lists and a tempo of 0: nothing was found, or it was not asked for. */
+struct TrackResult {
+    std::int32_t rate = 0;
+    std::int64_t frames = 0;
+    double bpm = 0.0;
+    std::vector<BA_TrackBeat> beats;
+    std::array<std::vector<BA_WaveInfo>, kWaveKinds> waves;  // by BA_TRACK_WAVE_…
+    std::vector<BA_TrackKeyScore> keys;                      // best first
+    std::vector<BA_TrackNote> notes;                         // from A
+};
+
+}  // namespace beatatlas::track::inner

@@ -1,0 +1,106 @@
+// SPDX-License-Identifier: MIT
+// Structures of the interface grow at their end only. A host says how much of one it knows: what it does not know keeps
+// its default, and what this version does not know must be 0.
+#include "track/arguments.h"
+
+#include <algorithm>
+#include <cstring>
+#include <limits>
+
+namespace beatatlas::track::inner {
+
+namespace {
+
+// Where the fields end: a host's structure is taken up to the last field that it holds whole.
+#define BEATATLAS_END_OF(structure, field)                                                         \
+    (offsetof(structure, field) + sizeof(static_cast<structure*>(nullptr)->field))
+constexpr std::size_t kOptionEnds[] = {
+    BEATATLAS_END_OF(BA_TrackOptions, size),
+    BEATATLAS_END_OF(BA_TrackOptions, tempo),
+    BEATATLAS_END_OF(BA_TrackOptions, section_beats),
+    BEATATLAS_END_OF(BA_TrackOptions, range_seconds),
+    BEATATLAS_END_OF(BA_TrackOptions, wants_key),
+    BEATATLAS_END_OF(BA_TrackOptions, wants_waves),
+    BEATATLAS_END_OF(BA_TrackOptions, threads),
+    BEATATLAS_END_OF(BA_TrackOptions, reserved),
+    BEATATLAS_END_OF(BA_TrackOptions, progress),
+    BEATATLAS_END_OF(BA_TrackOptions, progress_host),
+};
+constexpr std::size_t kSourceEnds[] = {
+    BEATATLAS_END_OF(BA_TrackSource, size),     BEATATLAS_END_OF(BA_TrackSource, host),
+    BEATATLAS_END_OF(BA_TrackSource, open),     BEATATLAS_END_OF(BA_TrackSource, read),
+    BEATATLAS_END_OF(BA_TrackSource, close),    BEATATLAS_END_OF(BA_TrackSource, fewest_passes),
+    BEATATLAS_END_OF(BA_TrackSource, reserved),
+};
+#undef BEATATLAS_END_OF
+
+template <std::size_t count>
+std::size_t wholeFields(const std::size_t (&ends)[count], std::size_t size) {
+    std::size_t whole = 0;
+    for (const std::size_t end : ends)
+        if (end <= size) whole = end;
+    return whole;
+}
+
+bool isZero(const unsigned char* bytes, std::size_t count) {
+    return std::all_of(bytes, bytes + count, [](unsigned char byte) { return byte == 0; });
+}
+
+/** Lays the fields that the host knows over the defaults. */
+template <class Structure, std::size_t count>
+bool readStructure(const Structure* hosts, const std::size_t (&ends)[count], Structure& own) {
+    std::size_t size = 0;
+    std::memcpy(&size, hosts, sizeof size);
+    if (size < sizeof size) return false;
+    if (size > sizeof own) {
+        const auto* bytes = reinterpret_cast<const unsigned char*>(hosts);
+        if (!isZero(bytes + sizeof own, size - sizeof own)) return false;
+    }
+    std::memcpy(&own, hosts, wholeFields(ends, size));
+    own.size = sizeof own;
+    return true;
+}
+
+bool areInRange(const BA_TrackOptions& options) {
+    return options.tempo >= BA_TRACK_TEMPO_CONSTANT && options.tempo <= BA_TRACK_TEMPO_OFF &&
+           options.section_beats > 0 && options.range_seconds >= 0.0 && options.threads > 0 &&
+           options.reserved == 0;
+}
+
+}  // namespace
+
+BA_TrackOptions defaultOptions() {
+    BA_TrackOptions options{};
+    options.size = sizeof options;
+    options.tempo = BA_TRACK_TEMPO_CONSTANT;
+    options.section_beats = 32;
+    options.wants_key = 1;
+    options.wants_waves = 1;
+    options.threads = 1;
+    return options;
+}
+
+void writeOptions(const BA_TrackOptions& options, void* hosts, std::size_t size) {
+    std::memset(hosts, 0, size);
+    std::memcpy(hosts, &options, wholeFields(kOptionEnds, size));
+    std::memcpy(hosts, &size, sizeof size);
+}
+
+bool readOptions(const BA_TrackOptions* hosts, BA_TrackOptions& options) {
+    options = defaultOptions();
+    return hosts == nullptr || (readStructure(hosts, kOptionEnds, options) && areInRange(options));
+}
+
+bool readSource(const BA_TrackSource* hosts, BA_TrackSource& source) {
+    source = {};
+    return hosts != nullptr && readStructure(hosts, kSourceEnds, source) &&
+           source.open != nullptr && source.read != nullptr && source.close != nullptr &&
+           source.reserved == 0;
+}
+
+bool isTrack(std::int32_t rate, std::int64_t frames) {
+    return (rate == 44100 || rate == 48000) && frames > 0 &&
+           frames <= std::numeric_limits<std::int32_t>::max();
+}
+
+}  // namespace beatatlas::track::inner

@@ -1,0 +1,119 @@
+// SPDX-License-Identifier: MIT
+// The interface: arguments are checked here, and no exception goes beyond.
+#include <algorithm>
+#include <memory>
+
+#include "beatatlas/track.h"
+#include "track/MemorySource.h"
+#include "track/Outcome.h"
+#include "track/TrackAnalysis.h"
+#include "track/TrackResult.h"
+#include "track/arguments.h"
+
+struct BA_Track {
+    beatatlas::track::inner::TrackResult result;
+};
+
+namespace {
+
+using namespace beatatlas::track::inner;
+
+int analyze(const BA_TrackOptions& options, std::int32_t rate, std::int64_t frames,
+            const BA_TrackSource& source, BA_Track** track) {
+    Outcome outcome;
+    outcome.guard([&] {
+        TrackAnalysis analysis(options, rate, static_cast<int>(frames), source, outcome);
+        *track = new BA_Track{analysis.run()};
+    });
+    return outcome.status();
+}
+
+template <class Record>
+std::size_t copyOut(const std::vector<Record>& records, Record* out, std::size_t room) {
+    if (out != nullptr) std::copy_n(records.begin(), std::min(room, records.size()), out);
+    return records.size();
+}
+
+}  // namespace
+
+const char* BA_TrackStatusText(int status) {
+    switch (status) {
+    case BA_TRACK_OK:
+        return "The track has been analysed.";
+    case BA_TRACK_BAD_ARGUMENT:
+        return "An argument is out of its range.";
+    case BA_TRACK_NO_MEMORY:
+        return "There is not enough memory.";
+    case BA_TRACK_STOPPED:
+        return "The analysis was asked to stop.";
+    case BA_TRACK_WRONG_LENGTH:
+        return "The audio is shorter or longer than was stated.";
+    default:
+        return "The status is unknown.";
+    }
+}
+
+void BA_TrackOptionsInit(BA_TrackOptions* options, size_t size) {
+    if (options != nullptr && size >= sizeof size) writeOptions(defaultOptions(), options, size);
+}
+
+int BA_TrackAnalyze(const BA_TrackOptions* options, int32_t rate, int64_t frames,
+                    const BA_TrackSource* source, BA_Track** track) {
+    if (track == nullptr) return BA_TRACK_BAD_ARGUMENT;
+    *track = nullptr;
+    BA_TrackOptions ownOptions;
+    BA_TrackSource ownSource;
+    if (!isTrack(rate, frames) || !readOptions(options, ownOptions) ||
+        !readSource(source, ownSource))
+        return BA_TRACK_BAD_ARGUMENT;
+    return analyze(ownOptions, rate, frames, ownSource, track);
+}
+
+int BA_TrackAnalyzeArrays(const BA_TrackOptions* options, int32_t rate, const float* left,
+                          const float* right, int64_t frames, BA_Track** track) {
+    if (track == nullptr) return BA_TRACK_BAD_ARGUMENT;
+    *track = nullptr;
+    BA_TrackOptions ownOptions;
+    if (!isTrack(rate, frames) || !readOptions(options, ownOptions) || left == nullptr ||
+        right == nullptr)
+        return BA_TRACK_BAD_ARGUMENT;
+    MemorySource memory(left, right, frames);
+    return analyze(ownOptions, rate, frames, memory.source(), track);
+}
+
+void BA_TrackRelease(BA_Track* track) {
+    delete track;
+}
+
+int32_t BA_TrackRate(const BA_Track* track) {
+    return track == nullptr ? 0 : track->result.rate;
+}
+
+int64_t BA_TrackFrames(const BA_Track* track) {
+    return track == nullptr ? 0 : track->result.frames;
+}
+
+double BA_TrackBpm(const BA_Track* track) {
+    return track == nullptr ? 0.0 : track->result.bpm;
+}
+
+size_t BA_TrackBeats(const BA_Track* track, BA_TrackBeat* out, size_t room) {
+    return track == nullptr ? 0 : copyOut(track->result.beats, out, room);
+}
+
+size_t BA_TrackWave(const BA_Track* track, int wave, BA_WaveInfo* out, size_t room) {
+    if (track == nullptr || wave < 0 || wave >= kWaveKinds) return 0;
+    return copyOut(track->result.waves[static_cast<std::size_t>(wave)], out, room);
+}
+
+int32_t BA_TrackSessionKey(const BA_Track* track) {
+    return track == nullptr || track->result.keys.empty() ? -1 : track->result.keys[0].key;
+}
+
+size_t BA_TrackSessionKeyRanking(const BA_Track* track, BA_TrackKeyScore* out, size_t room) {
+    return track == nullptr ? 0 : copyOut(track->result.keys, out, room);
+}
+
+size_t BA_TrackNotes(const BA_Track* track, BA_TrackNote* out, size_t room) {
+    return track == nullptr ? 0 : copyOut(track->result.notes, out, room);
+}
