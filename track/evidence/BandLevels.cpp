@@ -53,8 +53,8 @@ struct CodeLanes {
             loadLanes(energy, energies + i);
             Lanes<std::int32_t, kCodedTogether> code;
             codeLevels(energy, code);
-            for (std::size_t j = 0; j < kCodedTogether; ++j)
-                codes[i + j] = static_cast<LevelCode>(code[j]);
+            using Codes = Lanes<LevelCode, kCodedTogether>;
+            storeLanes(Codes(__builtin_convertvector(code, Codes)), codes + i);
         }
     }
 };
@@ -63,7 +63,7 @@ struct CodeLanes {
 
 BandLevels::BandLevels(int rate)
     : hop_(rate / kFramesPerSecond), edges_(bandEdges(rate)), groupStarts_(groupStartsOf(edges_)),
-      bins_(wholeVectors(edges_.back())), stream_(hop_) {}
+      bins_(wholeVectors(edges_.back())), sums_(edges_), stream_(hop_) {}
 
 void BandLevels::put(const float* mono, std::int64_t samples) {
     samples_ += samples;
@@ -88,11 +88,7 @@ void BandLevels::codeBatch(const FrameSpectra& spectra, int frames) {
 
 void BandLevels::codeFrame(const float* powers) {
     std::array<float, kMostBands> energies{};
-    for (std::size_t band = 0; band < bands(); ++band) {
-        float energy = 0.0F;
-        for (int bin = edges_[band]; bin < edges_[band + 1]; ++bin) energy += powers[bin];
-        energies[band] = energy;
-    }
+    sums_.sum(powers, bins_, energies.data());
     std::array<LevelCode, kMostBands> codes;
     runInLanes<CodeLanes>(static_cast<const float*>(energies.data()), codes.data());
     std::copy_n(codes.data(), bands(), nextFrame());

@@ -7,6 +7,7 @@
 #include <memory>
 #include <vector>
 
+#include "track/evidence/BandSums.h"
 #include "track/evidence/LevelCode.h"
 #include "track/evidence/SpectrumStream.h"
 
@@ -57,6 +58,7 @@ private:
     std::vector<int> edges_;  // bins at which a band begins, and the end of the last one
     std::array<std::size_t, kGroups + 1> groupStarts_{};
     int bins_;  // that are heard, a multiple of 16
+    BandSums sums_;
     SpectrumStream stream_;
     std::vector<std::unique_ptr<LevelCode[]>> chunks_;
     std::size_t chunksTaken_ = 0;

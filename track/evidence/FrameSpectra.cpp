@@ -4,16 +4,13 @@
 #include <algorithm>
 #include <cmath>
 #include <numbers>
+#include <utility>
 
 #include "dsp/vectorLanes.h"
 
 namespace beatatlas::track::inner {
 
 namespace {
-
-constexpr std::ptrdiff_t kLanes = 16;
-
-using Values = Lanes<float, static_cast<std::size_t>(kLanes)>;
 
 /** The periodic Hann window. */
 std::vector<float> hannWindow(int length) {
@@ -25,49 +22,56 @@ std::vector<float> hannWindow(int length) {
     return window;
 }
 
-/** Always sixteen lanes, whatever the register: narrower forms take two or four registers. */
 template <std::size_t kWidth>
 struct WindowLanes {
+    using Values = Lanes<float, 2 * kWidth>;
+
     BEATATLAS_LANES static void run(const float* samples, const float* window, float* windowed) {
+        constexpr std::ptrdiff_t kLanes = 2 * kWidth;
         for (std::ptrdiff_t i = 0; i < FrameSpectra::kLength; i += kLanes) {
             Values sample;
             Values weight;
             loadLanes(sample, samples + i);
             loadLanes(weight, window + i);
-            storeLanes(sample * weight, windowed + i);
+            storeLanes(Values(sample * weight), windowed + i);
         }
     }
 };
 
-BEATATLAS_LANES void loadBackward(Values& lanes, const float* first) {
-    Values forward;
-    loadLanes(forward, first);
-    lanes = __builtin_shufflevector(forward, forward, 15, 14, 13, 12, 11, 10, 9, 8, 7, 6, 5, 4, 3,
-                                    2, 1, 0);
+template <class Values, std::size_t... kLane>
+BEATATLAS_LANES void turnRound(Values& lanes, std::index_sequence<kLane...>) {
+    lanes = __builtin_shufflevector(lanes, lanes, (sizeof...(kLane) - 1 - kLane)...);
 }
 
 /** With Z = A + iB of two real frames: 2A(k) = Z(k) + Z*(n − k) and 2iB(k) = Z(k) − Z*(n − k). */
 template <std::size_t kWidth>
 struct PowerLanes {
+    static constexpr std::ptrdiff_t kLanes = 2 * kWidth;
+    using Values = Lanes<float, 2 * kWidth>;
+
     BEATATLAS_LANES static void run(const float* re, const float* im, int bins, float* even,
                                     float* odd) {
         for (std::ptrdiff_t k = 0; k < bins; k += kLanes) {
-            const std::ptrdiff_t mirrored = FrameSpectra::kLength - k - (kLanes - 1);
             Values x;
             Values y;
             Values mirroredX;
             Values mirroredY;
             loadLanes(x, re + k);
             loadLanes(y, im + k);
-            loadBackward(mirroredX, re + mirrored);
-            loadBackward(mirroredY, im + mirrored);
+            loadMirrored(mirroredX, re, k);
+            loadMirrored(mirroredY, im, k);
             const Values evenRe = x + mirroredX;
             const Values evenIm = y - mirroredY;
             const Values oddRe = y + mirroredY;
             const Values oddIm = mirroredX - x;
-            storeLanes(0.25F * ((evenRe * evenRe) + (evenIm * evenIm)), even + k);
-            storeLanes(0.25F * ((oddRe * oddRe) + (oddIm * oddIm)), odd + k);
+            storeLanes(Values(0.25F * ((evenRe * evenRe) + (evenIm * evenIm))), even + k);
+            storeLanes(Values(0.25F * ((oddRe * oddRe) + (oddIm * oddIm))), odd + k);
         }
+    }
+
+    BEATATLAS_LANES static void loadMirrored(Values& lanes, const float* row, std::ptrdiff_t k) {
+        loadLanes(lanes, row + FrameSpectra::kLength - k - (kLanes - 1));
+        turnRound(lanes, std::make_index_sequence<2 * kWidth>{});
     }
 };
 

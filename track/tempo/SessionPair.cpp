@@ -4,8 +4,8 @@
 #include <algorithm>
 #include <cstddef>
 
-#include "dsp/PromptSleeps.h"
 #include "dsp/RoundingMode.h"
+#include "dsp/processorYield.h"
 #include "peakss/BeatInfoAnalyzeInfo.h"
 #include "peakss/BeatInfoAnalyzer.h"
 #include "session/frameKernels.h"
@@ -76,7 +76,7 @@ void SessionPair::dispatchBlock() {
 
 void SessionPair::close() {
     const TowardZeroScope mode;
-    const PromptSleeps prompt;
+    const NoYields working;
     closeVaried();
     closeSimple();
 }
