@@ -16,9 +16,9 @@
 namespace {
 
 using beatatlas::track::inner::AutoTempo;
-using beatatlas::track::inner::BarHypothesis;
+using beatatlas::track::inner::BarReading;
 using beatatlas::track::inner::Block;
-using beatatlas::track::inner::MetreHypothesis;
+using beatatlas::track::inner::MetreReading;
 using beatatlas::track::inner::TempoAnswer;
 
 struct File {
@@ -98,8 +98,11 @@ void printTimes(const char* name, const std::vector<double>& times) {
 }
 
 void printAnswer(const std::string& id, const TempoAnswer& answer) {
-    std::printf("{\"id\": \"%s\", \"bpm\": %.3f, \"steady\": %s, \"coherence\": %.4f", id.c_str(),
-                answer.bpm, answer.isSteady ? "true" : "false", answer.coherence);
+    std::printf("{\"id\": \"%s\", \"bpm\": %.3f, \"varied\": %s, \"coherence\": %.4f, "
+                "\"q\": %.4f, \"local\": %.3f, \"clarity\": %.3f",
+                id.c_str(), answer.bpm, answer.steadiness.isSteady ? "false" : "true",
+                answer.steadiness.coherence, answer.steadiness.evenness, answer.standing,
+                answer.clarity);
     printTimes("beats", answer.beats);
     printTimes("downbeats", answer.downbeats);
     std::printf("}\n");
@@ -113,16 +116,16 @@ void printFeatures(const Values& features, const Weights& weights, double score,
 }
 
 void printReadings(const std::string& id, const TempoAnswer& answer) {
-    for (const MetreHypothesis& metre : answer.metres) {
+    for (const MetreReading& metre : answer.metres) {
         std::printf("{\"track\": \"%s\", \"kind\": \"metre\", \"period\": %d, \"phase\": %d",
                     id.c_str(), metre.period, metre.phase);
-        printFeatures(metre.features, beatatlas::track::inner::metreWeights(), metre.score,
+        printFeatures(metre.features, beatatlas::track::inner::kMetreWeights, metre.score,
                       metre.share);
     }
-    for (const BarHypothesis& bar : answer.bars) {
+    for (const BarReading& bar : answer.bars) {
         std::printf("{\"track\": \"%s\", \"kind\": \"bars\", \"beats\": %d, \"phase\": %d",
                     id.c_str(), bar.beats, bar.phase);
-        printFeatures(bar.features, beatatlas::track::inner::barWeights(), bar.score, bar.share);
+        printFeatures(bar.features, beatatlas::track::inner::kBarWeights, bar.score, bar.share);
     }
 }
 

@@ -19,7 +19,7 @@ constexpr std::array<int, kGroups> kGroupBins = {1, 4, 12, 46, 116};
 constexpr std::size_t kMostBands = 3 * kCodedTogether;
 
 std::vector<int> bandEdges(int rate) {
-    const double hzPerBin = static_cast<double>(rate) / FrameSpectra::kLength;
+    const double hzPerBin = static_cast<double>(rate) / SpectrumStream::kLength;
     std::vector<int> edges;
     for (int bin = 1; bin <= kNarrowBins; ++bin) edges.push_back(bin);
     double edge = kNarrowBins;
@@ -77,8 +77,8 @@ void BandLevels::finish() {
 }
 
 void BandLevels::codeBatch(const FrameSpectra& spectra, int frames) {
-    std::array<float, FrameSpectra::kLength / 2> even;
-    std::array<float, FrameSpectra::kLength / 2> odd;
+    std::array<float, SpectrumStream::kLength / 2> even;
+    std::array<float, SpectrumStream::kLength / 2> odd;
     for (int frame = 0; frame < frames; frame += 2) {
         spectra.powers(frame / 2, bins_, even.data(), odd.data());
         codeFrame(even.data());

@@ -16,9 +16,9 @@ constexpr int kPitchClasses = 12;
 constexpr float kLeastSum = 1e-9F;
 
 std::vector<signed char> pitchesOfBins(double rate) {
-    std::vector<signed char> pitches(FrameSpectra::kLength / 2, -1);
+    std::vector<signed char> pitches(SpectrumStream::kLength / 2, -1);
     for (std::size_t bin = 1; bin < pitches.size(); ++bin) {
-        const double hz = static_cast<double>(bin) * rate / FrameSpectra::kLength;
+        const double hz = static_cast<double>(bin) * rate / SpectrumStream::kLength;
         if (hz <= kLowestHz || hz >= kHighestHz) continue;
         const double semitones = std::nearbyint(kPitchClasses * std::log2(hz / kConcertPitchHz));
         const int pitch = static_cast<int>(semitones) % kPitchClasses;
@@ -72,7 +72,7 @@ void ChromaStream::addDecimated(const std::vector<float>& samples) {
 }
 
 void ChromaStream::addBatch(const FrameSpectra& spectra, int frames) {
-    constexpr int kBins = FrameSpectra::kLength / 2;
+    constexpr int kBins = SpectrumStream::kLength / 2;
     std::array<float, kBins> even;
     std::array<float, kBins> odd;
     for (int frame = 0; frame < frames; frame += 2) {

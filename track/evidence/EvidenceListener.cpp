@@ -35,6 +35,7 @@ Evidence EvidenceListener::finish() {
     levels_->finish();
     evidence.onsets = makeOnsetEnvelopes(*levels_);
     evidence.chroma = chroma_->finish();
+    evidence.changes = findChordChanges(evidence.chroma);
     return evidence;
 }
 

@@ -7,6 +7,7 @@
 
 #include "track/Listener.h"
 #include "track/evidence/BandLevels.h"
+#include "track/evidence/ChordChanges.h"
 #include "track/evidence/ChromaStream.h"
 #include "track/evidence/OnsetEnvelopes.h"
 
@@ -17,6 +18,7 @@ struct Evidence {
     double seconds = 0.0;
     OnsetEnvelopes onsets;
     std::vector<Chroma> chroma;  // ten a second
+    ChordChanges changes;
 };
 
 /** Gathers the evidence from a track. The same bits for blocks of every size, in every rounding mode and vector form.

@@ -8,14 +8,15 @@ namespace beatatlas::track::inner {
 
 namespace {
 
-constexpr std::int64_t kHalf = FrameSpectra::kLength / 2;
+constexpr std::int64_t kHalf = SpectrumStream::kLength / 2;
 
 }  // namespace
 
 // The first frame is centred on the first sample: half of it is silence.
-SpectrumStream::SpectrumStream(double step) : step_(step), bufferStart_(-kHalf), filled_(kHalf) {
+SpectrumStream::SpectrumStream(double step)
+    : step_(step), spectra_(kLength, periodicHann(kLength)), bufferStart_(-kHalf), filled_(kHalf) {
     const double batch = std::ceil(step * FrameSpectra::kFrames);
-    buffer_.resize(static_cast<std::size_t>(batch) + FrameSpectra::kLength);
+    buffer_.resize(static_cast<std::size_t>(batch) + SpectrumStream::kLength);
 }
 
 std::int64_t SpectrumStream::startOf(std::int64_t frame) const {
@@ -23,7 +24,7 @@ std::int64_t SpectrumStream::startOf(std::int64_t frame) const {
 }
 
 std::int64_t SpectrumStream::batchEnd() const {
-    return startOf(nextFrame_ + FrameSpectra::kFrames - 1) + FrameSpectra::kLength;
+    return startOf(nextFrame_ + FrameSpectra::kFrames - 1) + SpectrumStream::kLength;
 }
 
 bool SpectrumStream::isBatchComplete() const {

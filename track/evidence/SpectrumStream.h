@@ -10,12 +10,14 @@
 
 namespace beatatlas::track::inner {
 
-/** Spectra of a stream of samples at even distances: frame i is centred on sample i × step, rounded. Silence lies before
+/** Spectra of 1,024 samples of a stream of samples at even distances: frame i is centred on sample i × step, rounded. Silence lies before
  *  the stream and behind it. Frames come in batches that do not depend on the caller's blocks.
  *
  *  Life: construct → put() per block → finish() with the number of frames wanted. Nothing is allocated in put(). */
 class SpectrumStream {
 public:
+    static constexpr int kLength = 1024;  // samples of a frame, under a periodic Hann window
+
     /** @param step  samples from frame to frame, 1 … 1000 */
     explicit SpectrumStream(double step);
 

@@ -1,75 +1,139 @@
 // SPDX-License-Identifier: MIT
+// The stages:
+//   1. the exact tempo, from the proposals of the sessions
+//   2. how it changes along the track, and beats that follow it
+//   3. whether beats of even distances do as well; the better ones are the line on which everything is measured
+//   4. which parts of the line's beats are the beats
+//   5. the beats, moved onto the onsets
+//   6. their bars
 #include "track/tempo/AutoTempo.h"
 
-#include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <optional>
 
 #include "track/NearestScope.h"
 #include "track/tempo/PulseSpectrum.h"
 #include "track/tempo/beatFold.h"
 #include "track/tempo/exactTempo.h"
-#include "track/tempo/places.h"
-#include "track/tempo/steadiness.h"
+#include "track/tempo/layBeats.h"
+#include "track/tempo/trackBeats.h"
 
 namespace beatatlas::track::inner {
 
 namespace {
 
-constexpr double kSteadyCoherence = 0.85;
-constexpr std::size_t kLeastSixteenths = 16;
-constexpr std::size_t kLeastBeatsForBars = 9;
-// A beat that begins this much before the track still begins with it.
-constexpr double kEarlySeconds = 0.03;
-constexpr double kLateSeconds = 0.02;
+constexpr double kLeastClarity = 1.25;
+// Where the pulse is not clear, the music must have one at least in single windows.
+constexpr double kClear = 2.5;
+constexpr double kLeastStanding = 2.3;
+constexpr std::size_t kLeastLine = 9;
+constexpr float kFirstOnset = 2.0F;
+constexpr int kUsualBar = 4;
 
-std::vector<double> secondsOf(const SessionGrid& grid, int rate, bool downbeatsOnly) {
-    std::vector<double> seconds;
-    for (const peakss::BeatInfo& beat : grid.beats)
-        if (!downbeatsOnly || beat.group == 1)
-            seconds.push_back(static_cast<double>(beat.pos) / static_cast<double>(rate));
-    return seconds;
-}
+enum class Pick { beats, downbeats };
 
-std::vector<double> proposedTempi(const SessionPair& sessions) {
-    std::vector<double> hz;
-    for (const int bpm100 : {sessions.varied().bpm100, sessions.simple().bpm100})
-        if (bpm100 > 0) hz.push_back(static_cast<double>(bpm100) / 6000.0);
-    return hz;
-}
+/** A decision about one track, stage by stage. */
+class Decision {
+public:
+    Decision(const Evidence& evidence, const SessionPair& sessions, int rate)
+        : evidence_(evidence), sessions_(sessions), rate_(rate) {}
 
-std::vector<double> evenSixteenths(double first, double hz, double seconds) {
-    const double count = std::max(0.0, std::floor((seconds - first) * hz * 4.0));
-    std::vector<double> times(static_cast<std::size_t>(count));
-    for (std::size_t i = 0; i < times.size(); ++i)
-        times[i] = first + static_cast<double>(i) / (hz * 4.0);
-    return times;
-}
+    TempoAnswer make() {
+        const std::vector<double> proposed = proposedTempi();
+        if (proposed.empty()) return {};
+        PulseSpectrum spectrum(evidence_.onsets.full);
+        hz_ = findExactTempo(spectrum, evidence_.seconds, proposed).hz;
+        answer_.clarity = clarityOf(spectrum, hz_);
+        const LocalTempo local = followTempo(evidence_.onsets.full, hz_);
+        answer_.standing = local.standing;
+        if (isNoise()) return std::move(answer_);
+        std::vector<double> line = chooseLine(local);
+        if (line.size() < kLeastLine) return std::move(answer_);
+        readMetre(BeatLine(std::move(line)));
+        readBars();
+        return std::move(answer_);
+    }
 
-std::vector<double> sixteenthsBetween(const std::vector<double>& beats) {
-    std::vector<double> times(4 * beats.size() - 3);
-    for (std::size_t i = 0; i < times.size(); ++i)
-        times[i] = timeAt(static_cast<double>(i) / 4.0, beats);
-    return times;
-}
+private:
+    std::vector<double> proposedTempi() const {
+        std::vector<double> hz;
+        for (const int bpm100 : {sessions_.varied().bpm100, sessions_.simple().bpm100})
+            if (bpm100 > 0) hz.push_back(static_cast<double>(bpm100) / 100.0 / 60.0);
+        return hz;
+    }
 
-/** Beats at even distances over all of the track. */
-std::vector<double> evenBeats(double anyBeat, double interval, double seconds) {
-    const double first = anyBeat - std::floor((anyBeat + kEarlySeconds) / interval) * interval;
-    std::vector<double> beats;
-    for (double beat = first; beat < seconds - kLateSeconds;
-         beat = first + static_cast<double>(beats.size()) * interval)
-        beats.push_back(std::max(0.0, beat));
-    return beats;
-}
+    bool isNoise() const {
+        return answer_.clarity < kLeastClarity ||
+               (answer_.clarity < kClear && answer_.standing < kLeastStanding);
+    }
 
-std::vector<double> everyNth(const std::vector<double>& times, int first, int step) {
-    std::vector<double> picked;
-    for (auto i = static_cast<std::size_t>(first); i < times.size();
-         i += static_cast<std::size_t>(step))
-        picked.push_back(times[i]);
-    return picked;
-}
+    std::vector<double> chooseLine(const LocalTempo& local) {
+        std::vector<double> tracked = trackBeats(evidence_.onsets.sharp, local);
+        const double first = firstBeat(evidence_.onsets.sharp, hz_);
+        std::vector<double> even;
+        const double last = std::trunc((evidence_.seconds - first) * hz_);
+        for (double k = 0.0; k <= last; ++k) even.push_back(first + k / hz_);
+        answer_.steadiness = judgeSteadiness(evidence_.onsets, hz_, even, tracked);
+        if (!answer_.steadiness.isSteady) return tracked;
+        even.insert(even.begin(), first - 1.0 / hz_);
+        return even;
+    }
+
+    void readMetre(const BeatLine& line) {
+        answer_.metres =
+            judgeMetre({evidence_, line, 60.0 * hz_, secondsOf(sessions_.varied(), Pick::beats),
+                        secondsOf(sessions_.simple(), Pick::beats), firstOnset()});
+        if (answer_.metres.empty()) return;
+        const MetreReading& metre = answer_.metres.front();
+        const std::vector<float>& sharp = evidence_.onsets.sharp;
+        if (answer_.steadiness.isSteady) {
+            answer_.bpm = metre.bpm;
+            answer_.beats = layEvenBeats(sharp, evidence_.seconds, line, metre);
+            return;
+        }
+        answer_.beats = layTrackedBeats(sharp, evidence_.seconds, line, metre);
+        const double span = answer_.beats.back() - answer_.beats.front();
+        answer_.bpm = 60.0 * static_cast<double>(answer_.beats.size() - 1) / span;
+    }
+
+    void readBars() {
+        int perBar = kUsualBar;
+        int phase = 0;
+        if (answer_.beats.size() >= kLeastBeatsForBars) {
+            answer_.bars =
+                judgeBars(evidence_, answer_.beats, secondsOf(sessions_.simple(), Pick::downbeats),
+                          secondsOf(sessions_.varied(), Pick::downbeats));
+            perBar = answer_.bars.front().beats;
+            phase = answer_.bars.front().phase;
+        }
+        for (auto k = static_cast<std::size_t>(phase); k < answer_.beats.size();
+             k += static_cast<std::size_t>(perBar))
+            answer_.downbeats.push_back(answer_.beats[k]);
+    }
+
+    std::vector<double> secondsOf(const SessionGrid& grid, Pick pick) const {
+        std::vector<double> seconds;
+        for (const peakss::BeatInfo& beat : grid.beats)
+            if (pick == Pick::beats || beat.group == 1)
+                seconds.push_back(static_cast<double>(beat.pos) / static_cast<double>(rate_));
+        return seconds;
+    }
+
+    std::optional<double> firstOnset() const {
+        const std::vector<float>& sharp = evidence_.onsets.sharp;
+        for (std::size_t i = 0; i < sharp.size(); ++i)
+            if (sharp[i] > kFirstOnset)
+                return static_cast<double>(i) / OnsetEnvelopes::kFramesPerSecond;
+        return std::nullopt;
+    }
+
+    const Evidence& evidence_;
+    const SessionPair& sessions_;
+    int rate_;
+    double hz_ = 0.0;
+    TempoAnswer answer_;
+};
 
 }  // namespace
 
@@ -85,32 +149,7 @@ TempoAnswer AutoTempo::finish() {
     sessions_.close();
     const Evidence evidence = evidence_.finish();
     const NearestScope mode;
-    TempoAnswer answer;
-    const std::vector<double> proposed = proposedTempi(sessions_);
-    if (proposed.empty()) return answer;
-    PulseSpectrum spectrum(evidence.onsets.full);
-    const double hz = findExactTempo(spectrum, evidence.seconds, proposed).hz;
-    const std::vector<double> varied = secondsOf(sessions_.varied(), rate_, false);
-    answer.coherence = coherence(evidence.onsets.sharp, hz);
-    answer.isSteady = answer.coherence >= kSteadyCoherence || varied.size() < 2;
-    const std::vector<double> sixteenths =
-        answer.isSteady
-            ? evenSixteenths(firstSixteenth(evidence.onsets.sharp, hz), hz, evidence.seconds)
-            : sixteenthsBetween(varied);
-    if (sixteenths.size() < kLeastSixteenths) return answer;
-    const double bpm =
-        answer.isSteady ? 60.0 * hz : static_cast<double>(sessions_.varied().bpm100) / 100.0;
-    answer.metres = judgeMetre(evidence.onsets, sixteenths, bpm, varied);
-    const MetreHypothesis& metre = answer.metres.front();
-    answer.bpm = metre.bpm;
-    answer.beats = answer.isSteady ? evenBeats(sixteenths[static_cast<std::size_t>(metre.phase)],
-                                               60.0 / metre.bpm, evidence.seconds)
-                                   : everyNth(sixteenths, metre.phase, metre.period);
-    if (answer.beats.size() < kLeastBeatsForBars || evidence.chroma.empty()) return answer;
-    answer.bars = judgeBars(evidence.onsets, evidence.chroma, answer.beats,
-                            secondsOf(sessions_.simple(), rate_, true));
-    answer.downbeats = everyNth(answer.beats, answer.bars.front().phase, answer.bars.front().beats);
-    return answer;
+    return Decision(evidence, sessions_, rate_).make();
 }
 
 }  // namespace beatatlas::track::inner

@@ -18,9 +18,9 @@ namespace {
 
 // A quarter of a window: what a Hann window leaves of frequencies that the cutting folds onto each other is below a
 // hundredth.
-constexpr int kHop = FrameSpectra::kLength / 4;
+constexpr int kHop = SpectrumStream::kLength / 4;
 constexpr double kHzPerBin =
-    static_cast<double>(BandLevels::kFramesPerSecond) / FrameSpectra::kLength;
+    static_cast<double>(BandLevels::kFramesPerSecond) / SpectrumStream::kLength;
 // Up to 50 Hz: the eighth harmonic of 250 beats a minute and a half.
 constexpr int kBins = 352;
 constexpr std::size_t kPadding = 8;
@@ -31,7 +31,7 @@ std::vector<float> withoutMean(const std::vector<float>& envelope) {
     for (const float value : envelope) sum += static_cast<double>(value);
     const double mean = sum / static_cast<double>(envelope.size());
     // Half a window of silence before: otherwise the first half of the first window would count less.
-    std::vector<float> centred(FrameSpectra::kLength / 2);
+    std::vector<float> centred(SpectrumStream::kLength / 2);
     centred.reserve(centred.size() + envelope.size());
     for (const float value : envelope)
         centred.push_back(static_cast<float>(static_cast<double>(value) - mean));
@@ -45,22 +45,72 @@ double windowGain(double bins) {
     return sinc / (1.0 - bins * bins);
 }
 
+/** Where a frequency is found. */
+struct Place {
+    int bin;        // the nearest one of the windows' spectra; kBins: none
+    double rounds;  // that it turns by from window to window, of which whole ones cannot be seen
+    double gain;    // of the window
+};
+
+Place placeOf(double hz) {
+    const double bins = hz / kHzPerBin;
+    const double nearest = std::nearbyint(std::clamp(bins, 1.0, double{kBins}));
+    const double rounds = bins * kHop / SpectrumStream::kLength;
+    return {static_cast<int>(nearest), rounds - std::floor(rounds), windowGain(bins - nearest)};
+}
+
+/** |Σ value(w) · e^(−2πi · rounds · w)|, in eight sums side by side: they do not wait for each other. */
+double magnitudeAt(const std::complex<float>* values, std::size_t count, double rounds) {
+    constexpr std::size_t kSums = 8;
+    std::array<double, kSums> re{};
+    std::array<double, kSums> im{};
+    std::array<double, kSums> cosine;
+    std::array<double, kSums> sine;
+    for (std::size_t j = 0; j < kSums; ++j) {
+        const double angle = -2.0 * std::numbers::pi * rounds * static_cast<double>(j);
+        cosine[j] = std::cos(angle);
+        sine[j] = std::sin(angle);
+    }
+    const double step = -2.0 * std::numbers::pi * rounds * static_cast<double>(kSums);
+    const double stepCosine = std::cos(step);
+    const double stepSine = std::sin(step);
+    for (std::size_t w = 0; w < count; w += kSums) {
+        const std::size_t sums = std::min(kSums, count - w);
+        for (std::size_t j = 0; j < sums; ++j) {
+            const auto x = static_cast<double>(values[w + j].real());
+            const auto y = static_cast<double>(values[w + j].imag());
+            re[j] += x * cosine[j] - y * sine[j];
+            im[j] += x * sine[j] + y * cosine[j];
+            const double turned = cosine[j] * stepCosine - sine[j] * stepSine;
+            sine[j] = cosine[j] * stepSine + sine[j] * stepCosine;
+            cosine[j] = turned;
+        }
+    }
+    double reSum = 0.0;
+    double imSum = 0.0;
+    for (std::size_t j = 0; j < kSums; ++j) {
+        reSum += re[j];
+        imSum += im[j];
+    }
+    return std::sqrt(reSum * reSum + imSum * imSum);
+}
+
 }  // namespace
 
 PulseSpectrum::PulseSpectrum(const std::vector<float>& envelope) {
     const std::vector<float> samples = withoutMean(envelope);
     const auto count = static_cast<std::int64_t>(samples.size());
-    const std::int64_t windows = (count + FrameSpectra::kLength / 2) / kHop + 1;
-    bins_.reserve(static_cast<std::size_t>(windows * kBins));
-    const auto take = [this](const FrameSpectra& spectra, int frames) {
-        for (int frame = 0; frame < frames; ++frame)
-            for (int bin = 0; bin < kBins; ++bin)
-                bins_.push_back(bin == 0 ? 0.0F : spectra.at(frame, bin));
+    windows_ = samples.size() / kHop + 3;
+    bins_.resize(windows_ * kBins);
+    std::size_t window = 0;
+    const auto take = [&](const FrameSpectra& spectra, int frames) {
+        for (int frame = 0; frame < frames; ++frame, ++window)
+            for (int bin = 1; bin < kBins; ++bin)
+                bins_[static_cast<std::size_t>(bin) * windows_ + window] = spectra.at(frame, bin);
     };
     SpectrumStream stream(kHop);
     stream.put(samples.data(), count, take);
-    stream.finish(windows, take);
-    windows_ = bins_.size() / kBins;
+    stream.finish(static_cast<std::int64_t>(windows_), take);
     bandPoints_ = static_cast<std::int64_t>(std::bit_ceil(kPadding * windows_));
     sineTable_.resize(static_cast<std::size_t>(fft::sineTableLength(bandPoints_)));
     bitReversal_.resize(static_cast<std::size_t>(bandPoints_));
@@ -69,23 +119,34 @@ PulseSpectrum::PulseSpectrum(const std::vector<float>& envelope) {
 }
 
 double PulseSpectrum::at(double hz) {
-    const double bin = hz / kHzPerBin;
-    const int nearest = static_cast<int>(std::nearbyint(std::clamp(bin, 1.0, double{kBins})));
-    if (nearest == kBins) return 0.0;
-    const Magnitudes& band = bandOf(nearest);
-    // From window to window a frequency turns by so many rounds, of which whole ones cannot be seen.
-    const double rounds = bin * kHop / FrameSpectra::kLength;
-    const double place = (rounds - std::floor(rounds)) * static_cast<double>(bandPoints_);
-    const auto before = static_cast<std::size_t>(place);
-    const double share = place - static_cast<double>(before);
+    const Place place = placeOf(hz);
+    if (place.bin == kBins) return 0.0;
+    const Magnitudes& band = bandOf(place.bin);
+    const double point = place.rounds * static_cast<double>(bandPoints_);
+    const auto before = static_cast<std::size_t>(point);
+    const double share = point - static_cast<double>(before);
     const double low = band[before % band.size()];
     const double high = band[(before + 1) % band.size()];
-    return (low * (1.0 - share) + high * share) / windowGain(bin - nearest);
+    return (low * (1.0 - share) + high * share) / place.gain;
+}
+
+double PulseSpectrum::singleAt(double hz) const {
+    const Place place = placeOf(hz);
+    if (place.bin == kBins) return 0.0;
+    const std::complex<float>* values =
+        bins_.data() + static_cast<std::size_t>(place.bin) * windows_;
+    return magnitudeAt(values, windows_, place.rounds) / place.gain;
 }
 
 double PulseSpectrum::pulse(double hz) {
     double sum = 0.0;
     for (const int harmonic : kHarmonics) sum += at(harmonic * hz);
+    return sum;
+}
+
+double PulseSpectrum::singlePulse(double hz) const {
+    double sum = 0.0;
+    for (const int harmonic : kHarmonics) sum += singleAt(harmonic * hz);
     return sum;
 }
 
@@ -99,7 +160,7 @@ PulseSpectrum::Magnitudes PulseSpectrum::makeBand(int bin) const {
     std::vector<double> re(static_cast<std::size_t>(bandPoints_));
     std::vector<double> im(re.size());
     for (std::size_t window = 0; window < windows_; ++window) {
-        const std::complex<float> value = bins_[window * kBins + static_cast<std::size_t>(bin)];
+        const std::complex<float> value = bins_[static_cast<std::size_t>(bin) * windows_ + window];
         re[window] = static_cast<double>(value.real());
         im[window] = static_cast<double>(value.imag());
     }

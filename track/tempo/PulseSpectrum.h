@@ -22,12 +22,16 @@ public:
     /** @param envelope  150 values a second; its mean is left out. At least one */
     explicit PulseSpectrum(const std::vector<float>& envelope);
 
-    /** |F| at a frequency from 0.15 Hz, on an arbitrary scale and 0 above 51 Hz; linear between the points of a spectrum that is padded
-     *  with zeros to eight times its length or more. */
+    /** |F| at a frequency from 0.15 Hz, on an arbitrary scale and 0 above 51 Hz; linear between the points of a spectrum
+     *  that is padded with zeros to eight times its length or more. Quick where many frequencies lie close together. */
     double at(double hz);
+
+    /** The same without the points between: for single frequencies. */
+    double singleAt(double hz) const;
 
     /** How strong a beat of this frequency is: the sum of |F| over its harmonics 1, 2, 3, 4, 6 and 8. */
     double pulse(double hz);
+    double singlePulse(double hz) const;
 
 private:
     using Magnitudes = std::vector<double>;
@@ -36,7 +40,7 @@ private:
     Magnitudes makeBand(int bin) const;
 
     std::size_t windows_ = 0;
-    std::vector<std::complex<float>> bins_;  // kBins of each window
+    std::vector<std::complex<float>> bins_;  // one bin of all windows after the other
     std::int64_t bandPoints_ = 0;
     std::vector<double> sineTable_;
     std::vector<int> bitReversal_;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Method: every beat of the track is laid over the others, and what they have in common shows where its sixteenths are.
+// Method: every beat of the track is laid over the others, and what they have in common shows where it is.
 #include "track/tempo/beatFold.h"
 
 #include <algorithm>
@@ -8,14 +8,13 @@
 #include <cstddef>
 
 #include "track/evidence/OnsetEnvelopes.h"
+#include "track/tempo/parabola.h"
 
 namespace beatatlas::track::inner {
 
 namespace {
 
-// Of a beat; a quarter of it is a sixteenth.
-constexpr int kBins = 256;
-constexpr int kBinsPerSixteenth = kBins / 4;
+constexpr int kBins = 256;  // of a beat
 // As wide as onsets of one place scatter in played music.
 constexpr double kSmoothSeconds = 0.024;
 constexpr double kSearchSeconds = 0.02;
@@ -64,22 +63,16 @@ Fold smooth(const Fold& fold, double hz) {
     return smoothed;
 }
 
-/** The four bins a sixteenth apart in which the onsets gather, and of those the strongest. */
-int strongestSixteenth(const Fold& fold) {
+/** The place that is strong together with the one half a beat on. */
+int strongestEighth(const Fold& fold) {
+    int strongest = 0;
     double most = -1.0;
-    int best = 0;
-    for (int bin = 0; bin < kBinsPerSixteenth; ++bin) {
-        double squares = 0.0;
-        for (int at = bin; at < kBins; at += kBinsPerSixteenth)
-            squares += fold[wrapped(at)] * fold[wrapped(at)];
-        if (squares > most) {
-            most = squares;
-            best = bin;
-        }
+    for (int bin = 0; bin < kBins; ++bin) {
+        const double sum = fold[wrapped(bin)] + 0.5 * fold[wrapped(bin + kBins / 2)];
+        if (sum <= most) continue;
+        most = sum;
+        strongest = bin;
     }
-    int strongest = best;
-    for (int at = best; at < kBins; at += kBinsPerSixteenth)
-        if (fold[wrapped(at)] > fold[wrapped(strongest)]) strongest = at;
     return strongest;
 }
 
@@ -90,22 +83,15 @@ int peakNear(const Fold& fold, int bin, int reach) {
     return peak;
 }
 
-/** The place of the top of a parabola through a peak and its neighbours. */
-double topOf(const Fold& fold, int peak) {
-    const double before = fold[wrapped(peak - 1)];
-    const double after = fold[wrapped(peak + 1)];
-    const double curve = before - 2.0 * fold[wrapped(peak)] + after;
-    return curve < 0.0 ? peak + 0.5 * (before - after) / curve : peak;
-}
-
 }  // namespace
 
-double firstSixteenth(const std::vector<float>& sharp, double hz) {
+double firstBeat(const std::vector<float>& sharp, double hz) {
     const Fold fold = smooth(foldBeats(sharp, hz), hz);
     const int reach = static_cast<int>(kSearchSeconds * hz * kBins);
-    const int peak = peakNear(fold, strongestSixteenth(fold), reach);
-    const double sixteenths = topOf(fold, peak) / kBinsPerSixteenth;
-    return (sixteenths - std::floor(sixteenths)) / (4.0 * hz);
+    const auto peak = wrapped(peakNear(fold, strongestEighth(fold), reach));
+    const auto next = static_cast<int>(peak) + 1;
+    const double top = parabolaTop(fold[wrapped(next - 2)], fold[peak], fold[wrapped(next)]);
+    return (static_cast<double>(peak) + top) / (kBins * hz);
 }
 
 }  // namespace beatatlas::track::inner

@@ -5,10 +5,10 @@
 
 namespace beatatlas::track::inner {
 
-/** The time, 0 ≤ t < 1 / (4 hz), from which a sixteenth (a quarter of a beat) apart the onsets of a track of constant
- *  tempo fall, to a few milliseconds.
+/** When the first beat of a track of steady tempo falls, or one half a beat off it, to a few milliseconds: from about 0
+ *  to a beat later.
  *  @param sharp  the onset envelope, 150 values a second; at least one
  *  @param hz     beats a second */
-double firstSixteenth(const std::vector<float>& sharp, double hz);
+double firstBeat(const std::vector<float>& sharp, double hz);
 
 }  // namespace beatatlas::track::inner

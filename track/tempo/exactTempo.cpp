@@ -6,6 +6,8 @@
 #include <cmath>
 #include <cstddef>
 
+#include "track/tempo/median.h"
+
 namespace beatatlas::track::inner {
 
 namespace {
@@ -21,6 +23,9 @@ constexpr double kFarStronger = 1.5;
 constexpr double kRatioShare = 0.004;
 constexpr std::array<double, 4> kRatios = {3.0 / 2.0, 2.0 / 3.0, 4.0 / 3.0, 3.0 / 4.0};
 constexpr double kTiny = 1e-12;
+constexpr double kSlowestHz = 0.5;
+constexpr int kTempi = 768;
+constexpr double kTempoStep = 0.003;  // of the logarithm
 
 }  // namespace
 
@@ -61,6 +66,14 @@ Pulse findExactTempo(PulseSpectrum& spectrum, double seconds, const std::vector<
         related = pulse;
     }
     return related;
+}
+
+double clarityOf(const PulseSpectrum& spectrum, double hz) {
+    std::vector<double> strengths;
+    strengths.reserve(kTempi);
+    for (int i = 0; i < kTempi; ++i)
+        strengths.push_back(spectrum.singlePulse(kSlowestHz * std::exp(kTempoStep * i)));
+    return spectrum.singlePulse(hz) / (medianOf(strengths) + kTiny);
 }
 
 }  // namespace beatatlas::track::inner

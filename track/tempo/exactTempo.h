@@ -25,4 +25,8 @@ Pulse strongestPulseNear(PulseSpectrum& spectrum, double seconds, double hz, dou
  *  @return no pulse when nothing is proposed */
 Pulse findExactTempo(PulseSpectrum& spectrum, double seconds, const std::vector<double>& proposed);
 
+/** How far a pulse stands out of those of all tempi from 30 to 300 BPM: its strength in parts of theirs, the middle one.
+ *  Noise gives about 1, clear music 5 and more. */
+double clarityOf(const PulseSpectrum& spectrum, double hz);
+
 }  // namespace beatatlas::track::inner

@@ -1,50 +1,38 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <array>
 #include <cstddef>
+#include <optional>
 #include <vector>
 
-#include "track/evidence/OnsetEnvelopes.h"
+#include "track/evidence/EvidenceListener.h"
+#include "track/tempo/BeatLine.h"
+#include "track/tempo/metreFeatures.h"
 
 namespace beatatlas::track::inner {
 
-/** What speaks for or against a reading of the beats. */
-enum class MetreFeature : std::size_t {
-    middleOnBeat,
-    highMiddleOnBeat,
-    highOnBeat,
-    sessionVotes,
-    tempo,
-    tempoSquared,
-    evenSixteenths,
-};
-inline constexpr std::size_t kMetreFeatures = 7;
-
-/** A reading of the grid of sixteenths: on which of them the beats fall. */
-struct MetreHypothesis {
-    int period = 4;  // sixteenths from beat to beat
-    int phase = 0;   // the first beat's sixteenth
+/** A reading of the beat line: on which parts of its beats the beats that people count fall. */
+struct MetreReading {
+    int period = 12;  // from beat to beat, in twelfths of a beat of the line
+    int phase = 0;    // of the first one
     double bpm = 0.0;
-    std::array<double, kMetreFeatures> features{};
+    MetreFeatures features{};
     double score = 0.0;
     double share = 0.0;  // of all readings, as a probability
 };
 
-/** Name, weight and meaning of a feature, for programs that fit weights. */
-struct MetreWeight {
-    const char* name;
-    double weight;
+/** What the readings are judged by. */
+struct MetreEvidence {
+    const Evidence& heard;
+    const BeatLine& line;
+    double bpm;                       // of the line
+    std::vector<double> variedBeats;  // of the sessions, seconds
+    std::vector<double> simpleBeats;
+    std::optional<double> firstOnset;  // seconds
 };
-const std::array<MetreWeight, kMetreFeatures>& metreWeights();
 
-/** Judges the readings of two, four and eight sixteenths a beat, in every phase.
- *  @param sixteenths    seconds, at least sixteen
- *  @param bpm           when every fourth one is a beat
- *  @param sessionBeats  beats of a session, seconds
- *  @return all readings, the best first */
-std::vector<MetreHypothesis> judgeMetre(const OnsetEnvelopes& onsets,
-                                        const std::vector<double>& sixteenths, double bpm,
-                                        const std::vector<double>& sessionBeats);
+/** Judges every reading between 40 and 250 BPM.
+ *  @return all of them, the best first; none where the line is too short for eight beats */
+std::vector<MetreReading> judgeMetre(const MetreEvidence& evidence);
 
 }  // namespace beatatlas::track::inner

@@ -2,6 +2,7 @@
 #include "track/tempo/steadiness.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <complex>
 #include <cstddef>
@@ -17,6 +18,16 @@ using Complex = std::complex<double>;
 
 constexpr std::size_t kWindowFrames = 1200;
 constexpr double kTiny = 1e-9;
+constexpr std::size_t kLeastBeats = 4;
+// Nobody can follow fewer beats than that: the tempo counts as steady.
+constexpr double kUnknownEvenness = 9.0;
+
+/** A tempo is not steady where evenness and coherence both stay below one of these pairs. */
+struct Bound {
+    double evenness;
+    double coherence;
+};
+constexpr std::array<Bound, 3> kUnsteady = {{{0.85, 2.0}, {0.90, 0.93}, {0.97, 0.88}}};
 
 double meanOf(const std::vector<float>& values) {
     double sum = 0.0;
@@ -57,12 +68,44 @@ double coherenceAt(const std::vector<float>& sharp, double mean, double hz) {
     return std::abs(sum) / (sumOfMagnitudes + kTiny);
 }
 
+/** The mean of what begins on beats and half beats that are shifted by so much. */
+double meanOnset(const OnsetEnvelopes& onsets, const std::vector<double>& beats, double shift) {
+    double sum = 0.0;
+    const auto take = [&](double time) {
+        sum += static_cast<double>(onsets.upper[onsets.frameAt(time + shift)]);
+    };
+    for (std::size_t k = 0; k < beats.size(); ++k) {
+        take(beats[k]);
+        if (k + 1 < beats.size()) take(beats[k] + 0.5 * (beats[k + 1] - beats[k]));
+    }
+    return sum / static_cast<double>(2 * beats.size() - 1);
+}
+
+/** On the eighths or on the sixteenths between them, whichever is more. */
+double onsetsOn(const OnsetEnvelopes& onsets, const std::vector<double>& beats, double hz) {
+    return std::max(meanOnset(onsets, beats, 0.0), meanOnset(onsets, beats, 0.25 / hz));
+}
+
 }  // namespace
 
 // Eighths and sixteenths: a beat that moves within its bar keeps them.
-double coherence(const std::vector<float>& sharp, double hz) {
+double coherenceOf(const std::vector<float>& sharp, double hz) {
     const double mean = meanOf(sharp);
     return std::max(coherenceAt(sharp, mean, 2.0 * hz), coherenceAt(sharp, mean, 4.0 * hz));
+}
+
+Steadiness judgeSteadiness(const OnsetEnvelopes& onsets, double hz, const std::vector<double>& even,
+                           const std::vector<double>& tracked) {
+    Steadiness steadiness;
+    steadiness.coherence = coherenceOf(onsets.sharp, hz);
+    steadiness.evenness = kUnknownEvenness;
+    if (even.size() >= kLeastBeats && tracked.size() >= kLeastBeats)
+        steadiness.evenness =
+            onsetsOn(onsets, even, hz) / std::max(onsetsOn(onsets, tracked, hz), kTiny);
+    steadiness.isSteady = std::none_of(kUnsteady.begin(), kUnsteady.end(), [&](const Bound& bound) {
+        return steadiness.evenness < bound.evenness && steadiness.coherence < bound.coherence;
+    });
+    return steadiness;
 }
 
 }  // namespace beatatlas::track::inner
