@@ -7,22 +7,22 @@ namespace beatatlas {
 
 namespace {
 
-thread_local bool yields = true;
+thread_local int unbrokenScopes = 0;
 
 }  // namespace
 
 void yieldProcessor() {
-    if (!yields) return;
+    if (unbrokenScopes > 0) return;
     const timespec nothing{};
     nanosleep(&nothing, nullptr);
 }
 
-NoYields::NoYields() : before_(yields) {
-    yields = false;
+UnbrokenWork::UnbrokenWork() {
+    ++unbrokenScopes;
 }
 
-NoYields::~NoYields() {
-    yields = before_;
+UnbrokenWork::~UnbrokenWork() {
+    --unbrokenScopes;
 }
 
 }  // namespace beatatlas

@@ -76,7 +76,7 @@ void SessionPair::dispatchBlock() {
 
 void SessionPair::close() {
     const TowardZeroScope mode;
-    const NoYields working;
+    const UnbrokenWork working;
     closeVaried();
     closeSimple();
 }
