@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "base/Interrupt.h"
 
+#include <atomic>
 #include <csignal>
 #include <initializer_list>
 
@@ -8,7 +9,9 @@ namespace base {
 
 namespace {
 
-volatile std::sig_atomic_t requestedSignal = 0;
+// Written by whichever thread the signal comes to, read by all.
+std::atomic<int> requestedSignal{0};
+static_assert(std::atomic<int>::is_always_lock_free, "a signal handler cannot wait");
 
 void remember(int signalNumber) {
     requestedSignal = signalNumber;

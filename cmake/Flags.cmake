@@ -7,6 +7,11 @@
 add_library(beatatlas_numerics INTERFACE)
 target_compile_options(beatatlas_numerics INTERFACE -ffp-contract=off -frounding-math)
 
+# For the libraries themselves: no source of theirs is compiled where arithmetic is loosened all the same.
+add_library(beatatlas_exact_arithmetic INTERFACE)
+target_compile_options(beatatlas_exact_arithmetic INTERFACE
+    "SHELL:-include ${PROJECT_SOURCE_DIR}/src/dsp/exactArithmetic.h")
+
 add_library(beatatlas_warnings INTERFACE)
 target_compile_options(beatatlas_warnings INTERFACE -Wall -Wextra -Wpedantic -Wshadow)
 if(BEATATLAS_WERROR)

@@ -1,23 +1,65 @@
 # SPDX-License-Identifier: MIT
-# What `cmake --install` lays down: headers, the libraries, a CMake package and their pkg-config files.
+# What `cmake --install` lays down: headers, the libraries, a CMake package and their pkg-config files, and the program.
+# Nothing in it holds the path it was installed to, so an installed tree can be moved.
 include(CMakePackageConfigHelpers)
+get_property(libraries GLOBAL PROPERTY BEATATLAS_OFFERED)
 
-install(TARGETS beatatlas beatatlas_static beatatlas_track beatatlas_track_static EXPORT BeatAtlasTargets
+install(TARGETS ${libraries} EXPORT BeatAtlasTargets
     LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
-    ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
-install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/beatatlas DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
-install(EXPORT BeatAtlasTargets NAMESPACE BeatAtlas:: DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/BeatAtlas)
+        COMPONENT BeatAtlas_Runtime NAMELINK_COMPONENT BeatAtlas_Development
+    ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT BeatAtlas_Development)
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/beatatlas DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
+    COMPONENT BeatAtlas_Development)
 
+set(package ${CMAKE_INSTALL_LIBDIR}/cmake/BeatAtlas)
 configure_package_config_file(${PROJECT_SOURCE_DIR}/cmake/BeatAtlasConfig.cmake.in
-    ${PROJECT_BINARY_DIR}/BeatAtlasConfig.cmake
-    INSTALL_DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/BeatAtlas)
+    ${PROJECT_BINARY_DIR}/BeatAtlasConfig.cmake INSTALL_DESTINATION ${package})
 write_basic_package_version_file(${PROJECT_BINARY_DIR}/BeatAtlasConfigVersion.cmake COMPATIBILITY SameMinorVersion)
+install(EXPORT BeatAtlasTargets NAMESPACE BeatAtlas:: DESTINATION ${package} COMPONENT BeatAtlas_Development)
 install(FILES ${PROJECT_BINARY_DIR}/BeatAtlasConfig.cmake ${PROJECT_BINARY_DIR}/BeatAtlasConfigVersion.cmake
-    DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/BeatAtlas)
+    DESTINATION ${package} COMPONENT BeatAtlas_Development)
 
-# Relative to the file itself, so that an installed tree can be moved.
-file(RELATIVE_PATH BEATATLAS_PREFIX_FROM_PC /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
-foreach(library beatatlas beatatlas_track)
-    configure_file(${PROJECT_SOURCE_DIR}/cmake/${library}.pc.in ${PROJECT_BINARY_DIR}/${library}.pc @ONLY)
-    install(FILES ${PROJECT_BINARY_DIR}/${library}.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
-endforeach()
+# beatatlas_way_between(<variable> <from> <to> <anchor> <base>): the folder <to> as seen from <from>, which <anchor>
+# stands for; a folder below the prefix is given relative to it. Where one is absolute, so is the answer, below <base>.
+function(beatatlas_way_between variable from to anchor base)
+    if(IS_ABSOLUTE "${from}" OR IS_ABSOLUTE "${to}")
+        cmake_path(ABSOLUTE_PATH to BASE_DIRECTORY ${base} OUTPUT_VARIABLE way)
+    else()
+        file(RELATIVE_PATH way "/${from}" "/${to}")
+        set(way "${anchor}/${way}")
+    endif()
+    string(REGEX REPLACE "/$" "" way "${way}")
+    set(${variable} "${way}" PARENT_SCOPE)
+endfunction()
+
+# beatatlas_install_pc(<library> <description> <flags>…): the flags are what the static library needs besides itself.
+function(beatatlas_install_pc library pc_description)
+    set(folder ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+    beatatlas_way_between(pc_prefix ${folder} "" "\${pcfiledir}" ${CMAKE_INSTALL_PREFIX})
+    cmake_path(ABSOLUTE_PATH CMAKE_INSTALL_LIBDIR BASE_DIRECTORY "\${prefix}" OUTPUT_VARIABLE pc_libdir)
+    cmake_path(ABSOLUTE_PATH CMAKE_INSTALL_INCLUDEDIR BASE_DIRECTORY "\${prefix}" OUTPUT_VARIABLE pc_includedir)
+    list(JOIN ARGN " " pc_libs_private)
+    set(pc_libs "-L\${libdir} -l${library}")
+    # Nobody asks for the needs of a static library where there is no other.
+    if(NOT BEATATLAS_OFFERS_SHARED)
+        string(APPEND pc_libs " ${pc_libs_private}")
+    endif()
+    configure_file(${PROJECT_SOURCE_DIR}/cmake/library.pc.in ${PROJECT_BINARY_DIR}/${library}.pc @ONLY)
+    install(FILES ${PROJECT_BINARY_DIR}/${library}.pc DESTINATION ${folder} COMPONENT BeatAtlas_Development)
+endfunction()
+
+beatatlas_install_pc(beatatlas "${PROJECT_DESCRIPTION}" ${BEATATLAS_CXX_RUNTIME})
+beatatlas_install_pc(beatatlas_track "Everything about a whole music track: tempo, beat grid, key and waveform overviews"
+    -lbeatatlas -pthread ${BEATATLAS_CXX_RUNTIME})
+
+# Everything that gets installed, for who builds no more than that.
+add_custom_target(beatatlas_install_files)
+add_dependencies(beatatlas_install_files ${libraries})
+
+if(TARGET beatatlas_tool)
+    beatatlas_way_between(libraries_from_program ${CMAKE_INSTALL_BINDIR} ${CMAKE_INSTALL_LIBDIR} "\$ORIGIN"
+        ${CMAKE_INSTALL_PREFIX})
+    set_target_properties(beatatlas_tool PROPERTIES INSTALL_RPATH "${libraries_from_program}")
+    install(TARGETS beatatlas_tool RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT BeatAtlas_Runtime)
+    add_dependencies(beatatlas_install_files beatatlas_tool)
+endif()

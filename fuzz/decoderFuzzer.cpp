@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The tool's decoder on damaged files of every format. Only our code is instrumented: FFmpeg is the system's.
 #include <algorithm>
+#include <bit>
 #include <cmath>
 #include <cstdlib>
 #include <new>
@@ -43,20 +44,19 @@ private:
 /** Checks what the analysis relies on, and sums the samples up for the comparison of two passes. */
 class CheckingSink : public media::TrackSink {
 public:
-    void put(media::StereoBlock& block) override {
+    void put(const media::StereoBlock& block) override {
         require(block.left.size() == block.right.size(), "two channels of one length");
         frames += block.frames();
         for (const auto* channel : {&block.left, &block.right}) {
             for (const float sample : *channel) {
-                require(sample >= -32768.0F && sample <= 32767.0F, "samples in 16-bit scale");
-                sum = sum * 31.0 / 32.0 + static_cast<double>(sample);
+                sum = sum * 31U + std::bit_cast<std::uint32_t>(sample);
             }
         }
         if (frames > kMostFrames) throw base::TrackError("is longer than a fuzzer waits");
     }
 
     std::size_t frames = 0;
-    double sum = 0.0;
+    std::uint32_t sum = 0;
 };
 
 /** Everything the tool does with a file before it is analysed. */

@@ -80,6 +80,7 @@ int main(int argc, char** argv) {
         writeNoise(folder / "utilities", 2);
         writeNoise(folder / "beatlist", 3);
         writeNoise(folder / "arguments", 4);
+        writeNoise(folder / "track", 5);
         writeTracks(folder / "decoder");
     } catch (const std::exception& error) {
         std::fprintf(stderr, "writeSeeds: %s\n", error.what());

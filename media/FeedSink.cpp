@@ -7,11 +7,11 @@
 
 namespace media {
 
-FeedSink::FeedSink(std::function<void(StereoBlock&)> feed,
+FeedSink::FeedSink(std::function<void(const StereoBlock&)> feed,
                    std::function<void(std::int64_t)> counted)
     : feed_(std::move(feed)), counted_(std::move(counted)) {}
 
-void FeedSink::put(StereoBlock& block) {
+void FeedSink::put(const StereoBlock& block) {
     base::Interrupt::check();
     const auto count = static_cast<std::int64_t>(block.frames());
     feed_(block);

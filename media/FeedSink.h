@@ -13,16 +13,16 @@ class FeedSink : public TrackSink {
 public:
     /** @param feed     takes each block
      *  @param counted  is told after each block how many frames have gone by */
-    FeedSink(std::function<void(StereoBlock&)> feed,
+    FeedSink(std::function<void(const StereoBlock&)> feed,
              std::function<void(std::int64_t)> counted);
 
     /** @throws Interrupted */
-    void put(StereoBlock& block) override;
+    void put(const StereoBlock& block) override;
 
     std::int64_t frames() const { return frames_; }
 
 private:
-    std::function<void(StereoBlock&)> feed_;
+    std::function<void(const StereoBlock&)> feed_;
     std::function<void(std::int64_t)> counted_;
     std::int64_t frames_ = 0;
 };

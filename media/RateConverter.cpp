@@ -35,6 +35,11 @@ int sessionRateFor(int trackRate) {
     return kStudioRate;
 }
 
+std::int64_t convertedFrames(std::int64_t frames, int fromRate, int toRate) {
+    const double ratio = static_cast<double>(fromRate) / static_cast<double>(toRate);
+    return static_cast<std::int64_t>(static_cast<double>(frames) / ratio + 0.5);
+}
+
 RateConverter::RateConverter(int fromRate, int toRate)
     : ratio_(static_cast<double>(toRate) / static_cast<double>(fromRate)) {
     if (fromRate < kLowestRate || fromRate > kHighestRate) refuseRate(fromRate);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <cstdint>
 #include <memory>
 
 #include "media/StereoBlock.h"
@@ -12,6 +13,9 @@ namespace media {
 /** The session's rate for a track: its own when that is 44,100 or 48,000; 44,100 for its quarter, half, double and
  *  quadruple; 48,000 for all others. */
 int sessionRateFor(int trackRate);
+
+/** How many frames a RateConverter makes of so many in all. */
+std::int64_t convertedFrames(std::int64_t frames, int fromRate, int toRate);
 
 /** Converts stereo audio from one sample rate to another with libsoxr's high-quality recipe. The converter's own delay
  *  is compensated: sound keeps its time. */

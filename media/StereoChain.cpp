@@ -9,22 +9,10 @@ namespace media {
 
 namespace {
 
-constexpr float kFullScale = 32768.0F;
 constexpr std::int64_t kSilenceBlockFrames = 4096;
 
 // A third of a second. Codecs hand out as little as 600 frames, and every call of the library has its price.
 constexpr std::size_t kStretchFrames = 16384;
-
-/** Lossy decoders overshoot full scale, and a session keeps only the low 16 bits of a sample: too loud would wrap.
- *  What is no number becomes silence. */
-void scaleForSession(const float* samples, std::size_t count, float* scaled) {
-    for (std::size_t i = 0; i < count; ++i) {
-        const float sample = samples[i] * kFullScale;
-        const float above = sample > -kFullScale ? sample : -kFullScale;
-        const float within = above < kFullScale - 1.0F ? above : kFullScale - 1.0F;
-        scaled[i] = sample == sample ? within : 0.0F;
-    }
-}
 
 }  // namespace
 
@@ -76,8 +64,8 @@ void StereoChain::deliver(const StereoBlock& block) {
     for (std::size_t at = 0; at < block.frames();) {
         stretch_.resize(kStretchFrames);
         const std::size_t count = std::min(block.frames() - at, kStretchFrames - gathered_);
-        scaleForSession(block.left.data() + at, count, stretch_.left.data() + gathered_);
-        scaleForSession(block.right.data() + at, count, stretch_.right.data() + gathered_);
+        std::copy_n(block.left.data() + at, count, stretch_.left.data() + gathered_);
+        std::copy_n(block.right.data() + at, count, stretch_.right.data() + gathered_);
         at += count;
         gathered_ += count;
         if (gathered_ == kStretchFrames) handOn();

@@ -11,7 +11,7 @@
 
 namespace media {
 
-/** From decoded frames to what a session is fed: folded to stereo, at the session's rate, in its 16-bit scale, in
+/** From decoded frames to what is analysed: folded to stereo, at the session's rate, full scale ±1.0 but not clipped, in
  *  stretches of 16,384 frames.
  *
  *  The first frame decides the rate; a file whose rate changes on the way (radio recordings, joined files) is

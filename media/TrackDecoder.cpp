@@ -8,6 +8,7 @@
 #include "base/errors.h"
 #include "media/StereoChain.h"
 #include "media/end/declaredEnd.h"
+#include "media/end/declaredFrames.h"
 #include "media/end/packetLength.h"
 
 namespace media {
@@ -36,11 +37,22 @@ void TrackDecoder::run(TrackSink& sink) {
 }
 
 void TrackDecoder::run(FrameChain& chain) {
-    while (container_.next(*packet_)) {
-        if (tally_.packets == 0) delay_.look(*packet_);
-        decode(packet_.get(), chain);
-        av_packet_unref(packet_.get());
+    while (step(chain)) {
     }
+}
+
+bool TrackDecoder::step(FrameChain& chain) {
+    if (!container_.next(*packet_)) {
+        finish(chain);
+        return false;
+    }
+    if (tally_.packets == 0) delay_.look(*packet_);
+    decode(packet_.get(), chain);
+    av_packet_unref(packet_.get());
+    return true;
+}
+
+void TrackDecoder::finish(FrameChain& chain) {
     input_.requireReadable();
     tally_.readFailure = container_.failure();
     decode(nullptr, chain);
@@ -101,13 +113,22 @@ void TrackDecoder::fillDamage(FrameChain& chain) {
 void TrackDecoder::deliver(AVFrame& frame, FrameChain& chain) {
     dropPadding(frame);
     if (frame.nb_samples <= 0) return;
-    if (tally_.frames == 0) {
-        format_.channels = frame.ch_layout.nb_channels;
-        chain.dropFrames(delay_.framesToDrop(frame.nb_samples));
-    }
+    if (tally_.frames == 0) begin(frame, chain);
     fillDamage(chain);
     tally_.frames += frame.nb_samples;
     chain.put(frame);
+}
+
+void TrackDecoder::begin(const AVFrame& frame, FrameChain& chain) {
+    format_.channels = frame.ch_layout.nb_channels;
+    const std::int64_t dropped = delay_.framesToDrop(frame.nb_samples);
+    chain.dropFrames(dropped);
+    if (const auto frames = media::declaredFrames(container_, input_, frame.sample_rate))
+        declaredFrames_ = *frames - dropped;
+}
+
+double TrackDecoder::shareRead() const {
+    return static_cast<double>(avio_tell(input_.context())) / static_cast<double>(input_.size());
 }
 
 /** MP4 tells the end of the music as a time only, and FFmpeg hands out its last packet whole. */

@@ -26,8 +26,18 @@ public:
     /** Decodes everything that can be decoded. Damage is counted, not thrown. */
     void run(FrameChain& chain);
 
+    /** A part of run(): the next packet. @return false after the last, when the chain has been finished */
+    bool step(FrameChain& chain);
+
     /** The same, folded to stereo at a session's rate. */
     void run(TrackSink& sink);
+
+    /** Frames of music that run() will find at the track's own rate, by the file's own account; nothing where that is
+     *  none or vague. Known with the first frame of the chain; true unless the file is not what it says. */
+    std::optional<std::int64_t> declaredFrames() const { return declaredFrames_; }
+
+    /** How much of the file has been read, 0 to 1. */
+    double shareRead() const;
 
     /** Known after run(). */
     const DecodeTally& tally() const { return tally_; }
@@ -51,7 +61,9 @@ private:
         std::int64_t duration = 0;  ///< in the stream's time base
     };
 
+    void finish(FrameChain& chain);
     void decode(const AVPacket* packet, FrameChain& chain);
+    void begin(const AVFrame& frame, FrameChain& chain);
     bool isIncomplete(const AVPacket& packet) const;
     void noteDamage(const AVPacket* packet);
     void fillDamage(FrameChain& chain);
@@ -69,6 +81,7 @@ private:
     DecodeTally tally_;
     PendingDamage pendingDamage_;
     base::TrackFormat format_;
+    std::optional<std::int64_t> declaredFrames_;
 };
 
 }  // namespace media

@@ -10,8 +10,8 @@ class TrackSink {
 public:
     virtual ~TrackSink() = default;
 
-    /** The next stretch, at the session's rate, in the scale of 16-bit integers: -32768 to 32767. May be changed. */
-    virtual void put(StereoBlock& block) = 0;
+    /** The next stretch, at the session's rate, full scale ±1.0: louder samples and what is no number are the track's. */
+    virtual void put(const StereoBlock& block) = 0;
 };
 
 }  // namespace media

@@ -22,10 +22,12 @@ void refuseAbove(double frames) {
         "is too long: more than 2,147,483,647 frames (12.4 hours at 48,000 Hz) cannot be analysed");
 }
 
+void refuseTooLong(const TrackDecoder& decoder) {
+    refuseAbove(expectedFrames(decoder));
+}
+
 double expectedFrames(const TrackDecoder& decoder) {
-    const double declared = decoder.declaredSeconds().value_or(0.0) * kLowestSessionRate;
-    refuseAbove(declared);
-    return std::max(1.0, declared);
+    return std::max(1.0, decoder.declaredSeconds().value_or(0.0) * kLowestSessionRate);
 }
 
 }  // namespace media

@@ -23,7 +23,7 @@ std::string pitchText(const KeyReport& report) {
 }
 
 /** The first keys of the ranking, their scores as shares of the best one's. */
-std::string rankingText(const base::KeyRanking& key) {
+std::string rankingText(const beatatlas::track::KeyRanking& key) {
     std::string text;
     for (std::size_t i = 0; i < kRanksShown; ++i) {
         text += fmt::format("{}{} {:.1f} %", i == 0 ? "" : ", ", KeyName(key.keys[i]).musical(),

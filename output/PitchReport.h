@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <cstdint>
 #include <optional>
 
 #include "base/TrackSource.h"
@@ -15,8 +16,8 @@ struct PitchOptions {
 
 /** The concert pitch of one track. */
 struct PitchReport : base::TrackSource {
-    PitchOptions options;  ///< what was asked for
-    int frames = 0;        ///< at the session's rate
+    PitchOptions options;     ///< what was asked for
+    std::int64_t frames = 0;  ///< at the session's rate
     std::optional<int> pitchHz;
 };
 

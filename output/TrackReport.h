@@ -1,16 +1,15 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "base/AnalysisOptions.h"
-#include "base/AnalysisResult.h"
 #include "base/TrackSource.h"
+#include "beatatlas/track.hpp"
 
 namespace output {
 
 /** Everything that is known about one track in the end. */
 struct TrackReport : base::TrackSource {
-    base::AnalysisOptions options;  ///< what was asked for
-    base::AnalysisResult analysis;
+    beatatlas::track::Options options;  ///< what was asked for
+    beatatlas::track::TrackResult analysis;
 };
 
 }  // namespace output

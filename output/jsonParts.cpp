@@ -15,7 +15,7 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-constexpr std::array<const char*, base::kPitchClassCount> kNoteNames = {
+constexpr std::array<const char*, beatatlas::track::kPitchClassCount> kNoteNames = {
     "A", "Bb", "B", "C", "C#", "D", "Eb", "E", "F", "F#", "G", "G#"};
 
 std::string hexadecimal(const std::string& bytes) {
@@ -37,7 +37,7 @@ Json audioJson(const base::TrackFormat& format) {
             {"sampleRate", format.trackRate}};
 }
 
-Json rankingJson(const base::KeyRanking& key) {
+Json rankingJson(const beatatlas::track::KeyRanking& key) {
     Json ranking = Json::array();
     for (std::size_t i = 0; i < key.keys.size(); ++i) {
         Json entry = keyNameJson(key.keys[i]);
@@ -47,7 +47,7 @@ Json rankingJson(const base::KeyRanking& key) {
     return ranking;
 }
 
-Json notesJson(const base::KeyRanking& key) {
+Json notesJson(const beatatlas::track::KeyRanking& key) {
     Json notes = Json::array();
     for (std::size_t i = 0; i < kNoteNames.size(); ++i) {
         notes.push_back(
@@ -66,7 +66,7 @@ Json keyNameJson(int number) {
             {"openKey", key.openKey()}};
 }
 
-Json keyJson(const std::optional<base::KeyRanking>& key) {
+Json keyJson(const std::optional<beatatlas::track::KeyRanking>& key) {
     if (!key) return nullptr;
     Json json = keyNameJson(key->keys[0]);
     json["runnerUpDistance"] = key->runnerUpDistance();
@@ -75,7 +75,7 @@ Json keyJson(const std::optional<base::KeyRanking>& key) {
     return json;
 }
 
-Json trackFileJson(const base::TrackSource& file, int frames) {
+Json trackFileJson(const base::TrackSource& file, std::int64_t frames) {
     Json track = nameJson(file.path);
     track["audio"] = audioJson(file.format);
     track["partial"] = file.isCutOff;

@@ -1,13 +1,14 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string>
 
 #include <nlohmann/json_fwd.hpp>
 
-#include "base/AnalysisResult.h"
 #include "base/TrackSource.h"
+#include "beatatlas/track.hpp"
 
 namespace output {
 
@@ -15,7 +16,7 @@ namespace output {
  *  @{ */
 
 /** Name, file and length. @param frames  at the session's rate */
-nlohmann::ordered_json trackFileJson(const base::TrackSource& file, int frames);
+nlohmann::ordered_json trackFileJson(const base::TrackSource& file, std::int64_t frames);
 
 /** The entry of a track that could not be analysed. */
 nlohmann::ordered_json failureJson(const std::string& path, const std::string& reason);
@@ -24,7 +25,7 @@ nlohmann::ordered_json failureJson(const std::string& path, const std::string& r
 nlohmann::ordered_json keyNameJson(int number);
 
 /** The session's key with ranking and notes; null when none was found. */
-nlohmann::ordered_json keyJson(const std::optional<base::KeyRanking>& key);
+nlohmann::ordered_json keyJson(const std::optional<beatatlas::track::KeyRanking>& key);
 /** @} */
 
 }  // namespace output

@@ -37,8 +37,8 @@ std::string grouped(std::int64_t number) {
     return fmt::format("{},{:03}", grouped(number / 1000), number % 1000);
 }
 
-std::string bpmText(int bpm100) {
-    return fmt::format("{}.{:02}", bpm100 / 100, bpm100 % 100);
+std::string bpmText(double bpm) {
+    return fmt::format("{:.2f}", bpm);
 }
 
 std::string counted(std::int64_t number, const std::string& noun) {

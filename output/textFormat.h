@@ -16,8 +16,8 @@ std::string clockTimeInSeconds(double seconds);
 /** A count with its thousands set apart: "8,487,045". */
 std::string grouped(std::int64_t number);
 
-/** Hundredths of a BPM as BPM: 12850 is "128.50". */
-std::string bpmText(int bpm100);
+/** BPM with their hundredths: "128.50". */
+std::string bpmText(double bpm);
 
 /** "1 beat", "2 beats". */
 std::string counted(std::int64_t number, const std::string& noun);

@@ -27,7 +27,7 @@ std::string formatText(const base::TrackSource& file) {
     return text;
 }
 
-std::string lengthText(double seconds, int frames) {
+std::string lengthText(double seconds, std::int64_t frames) {
     return fmt::format("{}  ({} frames)", clockTime(seconds), grouped(frames));
 }
 
@@ -37,7 +37,7 @@ std::string textLine(const std::string& label, const std::string& value) {
     return fmt::format("  {:<9}{}\n", label, value);
 }
 
-std::string trackFileText(const base::TrackSource& file, int frames) {
+std::string trackFileText(const base::TrackSource& file, std::int64_t frames) {
     const double seconds = static_cast<double>(frames) / file.format.sessionRate;
     return base::displayName(file.path) + "\n" + textLine("audio", formatText(file)) +
            textLine("length", lengthText(seconds, frames));
@@ -49,7 +49,7 @@ std::string keyNames(int number) {
                        key.number());
 }
 
-std::string keyDetails(const std::optional<base::KeyRanking>& key) {
+std::string keyDetails(const std::optional<beatatlas::track::KeyRanking>& key) {
     if (!key) return kNoKeyText;
     const KeyName next(key->keys[1]);
     return fmt::format("{}; next {} ({}), {:.1f} % behind", keyNames(key->keys[0]), next.musical(),

@@ -15,32 +15,33 @@ namespace output {
 namespace {
 
 /** The range of the local tempos when they differ, else nothing. */
-std::string tempoRange(const std::vector<base::Beat>& beats) {
+std::string tempoRange(const std::vector<beatatlas::track::Beat>& beats) {
     if (beats.empty()) return {};
-    const auto [slowest, fastest] = std::minmax_element(
-        beats.begin(), beats.end(),
-        [](const base::Beat& a, const base::Beat& b) { return a.bpm100 < b.bpm100; });
-    if (slowest->bpm100 == fastest->bpm100) return {};
-    return fmt::format(", {} to {} along the track", bpmText(slowest->bpm100),
-                       bpmText(fastest->bpm100));
+    const auto [slowest, fastest] =
+        std::minmax_element(beats.begin(), beats.end(),
+                            [](const beatatlas::track::Beat& a, const beatatlas::track::Beat& b) {
+                                return a.bpm < b.bpm;
+                            });
+    if (slowest->bpm == fastest->bpm) return {};
+    return fmt::format(", {} to {} along the track", bpmText(slowest->bpm), bpmText(fastest->bpm));
 }
 
-std::string beatsText(const base::AnalysisResult& analysis) {
-    const std::vector<base::Beat>& beats = analysis.beats;
+std::string beatsText(const beatatlas::track::TrackResult& analysis) {
+    const std::vector<beatatlas::track::Beat>& beats = analysis.beats;
     if (beats.empty()) return "none found";
     std::string text =
         fmt::format("{}, first at {}", counted(static_cast<std::int64_t>(beats.size()), "beat"),
                     clockTime(analysis.secondsAt(beats.front().frame)));
-    const auto downbeat = std::find_if(beats.begin(), beats.end(),
-                                       [](const base::Beat& b) { return b.isDownbeat(); });
+    const auto downbeat = std::find_if(
+        beats.begin(), beats.end(), [](const beatatlas::track::Beat& b) { return b.isDownbeat(); });
     if (downbeat == beats.end()) return text;
     const auto bars = std::count_if(beats.begin(), beats.end(),
-                                    [](const base::Beat& b) { return b.isDownbeat(); });
+                                    [](const beatatlas::track::Beat& b) { return b.isDownbeat(); });
     return text + fmt::format("; {}, first at {}", counted(bars, "bar"),
                               clockTime(analysis.secondsAt(downbeat->frame)));
 }
 
-std::string wavesText(const base::AnalysisResult& analysis) {
+std::string wavesText(const beatatlas::track::TrackResult& analysis) {
     return fmt::format(
         "{} loudness, {} dots, {} zoom points", grouped(std::ssize(analysis.loudWave)),
         grouped(std::ssize(analysis.dotsWave)), grouped(std::ssize(analysis.zoomWave)));
@@ -49,8 +50,8 @@ std::string wavesText(const base::AnalysisResult& analysis) {
 }  // namespace
 
 std::string tempoText(const TrackReport& report) {
-    const auto& bpm100 = report.analysis.bpm100;
-    return bpm100 ? bpmText(*bpm100) + " BPM" : "no tempo found";
+    const auto& bpm = report.analysis.bpm;
+    return bpm ? bpmText(*bpm) + " BPM" : "no tempo found";
 }
 
 std::string keyText(const TrackReport& report) {
@@ -60,10 +61,10 @@ std::string keyText(const TrackReport& report) {
 }
 
 std::string textSummary(const TrackReport& report) {
-    const base::AnalysisResult& analysis = report.analysis;
-    const base::AnalysisOptions& options = report.options;
+    const beatatlas::track::TrackResult& analysis = report.analysis;
+    const beatatlas::track::Options& options = report.options;
     std::string text = trackFileText(report, analysis.frames);
-    if (options.tempo != base::TempoMode::off) {
+    if (options.tempo != beatatlas::track::TempoMode::off) {
         text += textLine("tempo", tempoText(report) + tempoRange(analysis.beats));
         text += textLine("beats", beatsText(analysis));
     }

@@ -13,59 +13,56 @@ using Json = nlohmann::ordered_json;
 
 constexpr int kZoomPointsPerSecond = 150;
 
-/** The decimal number that a person would write for so many hundredths. */
-double bpmOf(int bpm100) {
-    return bpm100 / 100.0;
-}
-
-const char* tempoModeName(base::TempoMode mode) {
+const char* tempoModeName(beatatlas::track::TempoMode mode) {
     switch (mode) {
-    case base::TempoMode::constant:
+    case beatatlas::track::TempoMode::constant:
         return "constant";
-    case base::TempoMode::varied:
+    case beatatlas::track::TempoMode::varied:
         return "varied";
-    case base::TempoMode::simple:
+    case beatatlas::track::TempoMode::simple:
         return "simple";
-    case base::TempoMode::off:
+    case beatatlas::track::TempoMode::off:
         break;
     }
     return "off";
 }
 
-Json beatJson(const base::AnalysisResult& analysis, const base::Beat& beat) {
+Json beatJson(const beatatlas::track::TrackResult& analysis, const beatatlas::track::Beat& beat) {
     return {{"frame", beat.frame},
             {"seconds", analysis.secondsAt(beat.frame)},
             {"beat", beat.numberInBar},
-            {"bpm", bpmOf(beat.bpm100)}};
+            {"bpm", beat.bpm}};
 }
 
-Json beatsJson(const base::AnalysisResult& analysis) {
+Json beatsJson(const beatatlas::track::TrackResult& analysis) {
     Json beats = Json::array();
-    for (const base::Beat& beat : analysis.beats) beats.push_back(beatJson(analysis, beat));
+    for (const beatatlas::track::Beat& beat : analysis.beats)
+        beats.push_back(beatJson(analysis, beat));
     return beats;
 }
 
 Json tempoJson(const TrackReport& report) {
     Json tempo = {{"mode", tempoModeName(report.options.tempo)}};
-    const auto& bpm100 = report.analysis.bpm100;
-    tempo["bpm"] = bpm100 ? Json(bpmOf(*bpm100)) : Json(nullptr);
+    const auto& bpm = report.analysis.bpm;
+    tempo["bpm"] = bpm ? Json(*bpm) : Json(nullptr);
     return tempo;
 }
 
-Json colorsJson(const std::vector<base::WavePoint>& wave) {
+Json colorsJson(const std::vector<beatatlas::track::WavePoint>& wave) {
     Json colors = Json::array();
-    for (const base::WavePoint& point : wave) colors.push_back(point.color);
+    for (const beatatlas::track::WavePoint& point : wave) colors.push_back(point.color);
     return colors;
 }
 
 template <class Level>
-Json waveJson(const std::vector<base::WavePoint>& wave) {
+Json waveJson(const std::vector<beatatlas::track::WavePoint>& wave) {
     Json levels = Json::array();
-    for (const base::WavePoint& point : wave) levels.push_back(static_cast<Level>(point.level));
+    for (const beatatlas::track::WavePoint& point : wave)
+        levels.push_back(static_cast<Level>(point.level));
     return {{"levels", std::move(levels)}, {"colors", colorsJson(wave)}};
 }
 
-Json wavesJson(const base::AnalysisResult& analysis) {
+Json wavesJson(const beatatlas::track::TrackResult& analysis) {
     Json zoom = {{"pointsPerSecond", kZoomPointsPerSecond}};
     zoom.update(waveJson<int>(analysis.zoomWave));
     return {{"loud", waveJson<double>(analysis.loudWave)},
@@ -76,9 +73,9 @@ Json wavesJson(const base::AnalysisResult& analysis) {
 }  // namespace
 
 Json trackJson(const TrackReport& report, bool withWaves) {
-    const base::AnalysisResult& analysis = report.analysis;
+    const beatatlas::track::TrackResult& analysis = report.analysis;
     Json track = trackFileJson(report, analysis.frames);
-    if (report.options.tempo != base::TempoMode::off) {
+    if (report.options.tempo != beatatlas::track::TempoMode::off) {
         track["tempo"] = tempoJson(report);
         track["beats"] = beatsJson(analysis);
     }

@@ -5,6 +5,7 @@
 #include <cmath>
 
 #include "dsp/RoundingMode.h"
+#include "dsp/processorYield.h"
 #include "session/tempoHundredths.h"
 #include "track/NearestScope.h"
 
@@ -54,6 +55,7 @@ BeatSession::BeatSession(const BA_TrackOptions& options, int rate, int frames)
 
 void BeatSession::hear(const Block& block) {
     const TowardZeroScope mode;
+    const UnbrokenWork unbroken;
     framesLeft_ -= block.frames;
     const int count = framesLeft_ == 0 ? block.frames - 1 : block.frames;
     lastLeft_ = block.left[block.frames - 1];
@@ -63,6 +65,7 @@ void BeatSession::hear(const Block& block) {
 
 void BeatSession::close() {
     const TowardZeroScope mode;
+    const UnbrokenWork unbroken;
     analyzer_.setSample(&lastLeft_, &lastRight_, 1);
 }
 

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "track/TrackAnalysis.h"
 
-#include <cfenv>
 #include <system_error>
 #include <thread>
 
@@ -15,7 +14,7 @@ namespace {
 constexpr std::int64_t kLevelUnits = 1;
 constexpr std::int64_t kBeatUnits = 24;
 constexpr std::int64_t kClosingUnits = 1;
-constexpr std::int64_t kKeyUnits = 8;
+constexpr std::int64_t kKeyUnits = 5;
 
 /** A thread that has ended when this goes. */
 class JoinedThread {
@@ -111,15 +110,12 @@ void TrackAnalysis::hear(std::initializer_list<Listener*> listeners, std::int64_
     }
 }
 
-/** The key in a thread of its own where one may and can be had, else after the beats. */
+// The key in a thread of its own where one may and can be had, else after the beats. A thread begins with the rounding
+// mode of the one that starts it.
 template <class Beats, class Key>
 void TrackAnalysis::sideBySide(const Beats& beats, const Key& key) {
-    const int callersMode = std::fegetround();
     JoinedThread thread;
-    const bool isBeside = options_.threads > 1 && thread.start([&] {
-        if (callersMode >= 0) std::fesetround(callersMode);
-        outcome_.guard(key);
-    });
+    const bool isBeside = options_.threads > 1 && thread.start([&] { outcome_.guard(key); });
     outcome_.guard(beats);
     thread.join();
     outcome_.throwIfFailed();

@@ -11,28 +11,21 @@ namespace beatatlas::track::inner {
 
 namespace {
 
-// Where the fields end: a host's structure is taken up to the last field that it holds whole.
-#define BEATATLAS_END_OF(structure, field)                                                         \
-    (offsetof(structure, field) + sizeof(static_cast<structure*>(nullptr)->field))
+// Where the fields end, which is where the next ones begin: a structure is taken up to the last field that the host holds
+// whole.
 constexpr std::size_t kOptionEnds[] = {
-    BEATATLAS_END_OF(BA_TrackOptions, size),
-    BEATATLAS_END_OF(BA_TrackOptions, tempo),
-    BEATATLAS_END_OF(BA_TrackOptions, section_beats),
-    BEATATLAS_END_OF(BA_TrackOptions, range_seconds),
-    BEATATLAS_END_OF(BA_TrackOptions, wants_key),
-    BEATATLAS_END_OF(BA_TrackOptions, wants_waves),
-    BEATATLAS_END_OF(BA_TrackOptions, threads),
-    BEATATLAS_END_OF(BA_TrackOptions, reserved),
-    BEATATLAS_END_OF(BA_TrackOptions, progress),
-    BEATATLAS_END_OF(BA_TrackOptions, progress_host),
-};
-constexpr std::size_t kSourceEnds[] = {
-    BEATATLAS_END_OF(BA_TrackSource, size),     BEATATLAS_END_OF(BA_TrackSource, host),
-    BEATATLAS_END_OF(BA_TrackSource, open),     BEATATLAS_END_OF(BA_TrackSource, read),
-    BEATATLAS_END_OF(BA_TrackSource, close),    BEATATLAS_END_OF(BA_TrackSource, fewest_passes),
-    BEATATLAS_END_OF(BA_TrackSource, reserved),
-};
-#undef BEATATLAS_END_OF
+    offsetof(BA_TrackOptions, tempo),         offsetof(BA_TrackOptions, section_beats),
+    offsetof(BA_TrackOptions, range_seconds), offsetof(BA_TrackOptions, wants_key),
+    offsetof(BA_TrackOptions, wants_waves),   offsetof(BA_TrackOptions, threads),
+    offsetof(BA_TrackOptions, reserved),      offsetof(BA_TrackOptions, progress),
+    offsetof(BA_TrackOptions, progress_host), sizeof(BA_TrackOptions)};
+constexpr std::size_t kSourceEnds[] = {offsetof(BA_TrackSource, host),
+                                       offsetof(BA_TrackSource, open),
+                                       offsetof(BA_TrackSource, read),
+                                       offsetof(BA_TrackSource, close),
+                                       offsetof(BA_TrackSource, fewest_passes),
+                                       offsetof(BA_TrackSource, reserved),
+                                       sizeof(BA_TrackSource)};
 
 template <std::size_t count>
 std::size_t wholeFields(const std::size_t (&ends)[count], std::size_t size) {

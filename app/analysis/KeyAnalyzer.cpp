@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "analysis/KeyAnalyzer.h"
 
-#include "analysis/TrackAnalyzer.h"
+#include "analysis/analyzeFile.h"
 #include "analysis/bufferFinders.h"
 
 namespace app {
@@ -10,9 +10,9 @@ namespace {
 
 constexpr int kPitchMode = 0;
 
-base::AnalysisOptions keyAlone() {
-    base::AnalysisOptions options;
-    options.tempo = base::TempoMode::off;
+beatatlas::track::Options keyAlone() {
+    beatatlas::track::Options options;
+    options.tempo = beatatlas::track::TempoMode::off;
     options.wantsWaves = false;
     return options;
 }
@@ -22,9 +22,11 @@ base::AnalysisOptions keyAlone() {
 output::KeyReport KeyAnalyzer::analyze(const std::string& path, ProgressLine& progress) const {
     output::KeyReport report;
     MonoGatherer gatherer;
-    static_cast<output::TrackReport&>(report) =
-        TrackAnalyzer(keyAlone(), acceptsCutOff_)
-            .analyze(path, progress, [&](media::StereoBlock& block) { gatherer.put(block); });
+    media::FileAnalysis::Options reading = reading_;
+    reading.track = keyAlone();
+    reading.alongside = [&](const media::StereoBlock& block) { gatherer.put(block); };
+    reading.alongsideBytesPerFrame = MonoGatherer::kBytesPerFrame;
+    static_cast<output::TrackReport&>(report) = analyzeFile(path, reading, progress);
     MonoTrack track = gatherer.thinOut(report.format.sessionRate);
     report.wanted = options_;
     report.pitchHz = options_.pitchHz;

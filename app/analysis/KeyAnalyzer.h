@@ -2,25 +2,27 @@
 #pragma once
 
 #include <string>
+#include <utility>
 
 #include "io/ProgressLine.h"
+#include "media/FileAnalysis.h"
 #include "output/KeyReport.h"
 
 namespace app {
 
-/** Decodes one file and finds its key. The buffer is gathered while the session measures the track. */
+/** Decodes one file and finds its key. The buffer is gathered while the track is decoded for the session. */
 class KeyAnalyzer {
 public:
-    /** @param acceptsCutOff  take what is left of a track that was cut off, instead of refusing it */
-    KeyAnalyzer(const output::KeyOptions& options, bool acceptsCutOff)
-        : options_(options), acceptsCutOff_(acceptsCutOff) {}
+    /** @param reading  how to read the file; what is to be found in it is not read */
+    KeyAnalyzer(const output::KeyOptions& options, media::FileAnalysis::Options reading)
+        : options_(options), reading_(std::move(reading)) {}
 
     /** @throws TrackError with the reason why the track cannot be analysed */
     output::KeyReport analyze(const std::string& path, ProgressLine& progress) const;
 
 private:
     output::KeyOptions options_;
-    bool acceptsCutOff_;
+    media::FileAnalysis::Options reading_;
 };
 
 }  // namespace app

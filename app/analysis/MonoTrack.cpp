@@ -12,11 +12,20 @@ namespace app {
 
 namespace {
 
+constexpr float kFullScale = 32768.0F;
 constexpr int kStep = 10;
 constexpr long kFirstTaken = 7;  ///< the resampler passes over its filter's rise
 constexpr float kSilence = 1.0F;
 constexpr float kLongSeconds = 30.0F;
 constexpr double kReservedAtMost = 4.0 * 3600 * 48000;  // a header may be wrong
+
+/** Into the scale of 16-bit integers, clipped there; what is no number becomes silence. */
+float scaled(float sample) {
+    const float full = sample * kFullScale;
+    const float above = full > -kFullScale ? full : -kFullScale;
+    const float within = above < kFullScale - 1.0F ? above : kFullScale - 1.0F;
+    return full == full ? within : 0.0F;
+}
 
 }  // namespace
 
@@ -38,7 +47,8 @@ void MonoGatherer::put(const media::StereoBlock& block) {
     const std::size_t count = block.frames();
     mono_.resize(before + count);
     float* mono = mono_.data() + before;
-    for (std::size_t i = 0; i < count; ++i) mono[i] = (block.left[i] + block.right[i]) * 0.5F;
+    for (std::size_t i = 0; i < count; ++i)
+        mono[i] = (scaled(block.left[i]) + scaled(block.right[i])) * 0.5F;
 }
 
 MonoTrack MonoGatherer::whole(int sessionRate) {

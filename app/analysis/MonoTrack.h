@@ -27,6 +27,8 @@ struct MonoTrack {
  *  while gathering, 8 while thinning out. */
 class MonoGatherer {
 public:
+    static constexpr double kBytesPerFrame = 8.0;
+
     /** Makes room for a track that is expected to be so long. */
     void reserve(double frames);
 

@@ -2,31 +2,40 @@
 #include "analysis/PitchAnalyzer.h"
 
 #include "analysis/bufferFinders.h"
-#include "media/TrackFile.h"
 #include "media/FeedSink.h"
+#include "media/TrackFile.h"
 #include "media/trackLength.h"
 
 namespace app {
 
+namespace {
+
+constexpr double kDecodingShare = 0.9;  ///< of the work, on the progress line
+
+}  // namespace
+
 output::PitchReport PitchAnalyzer::analyze(const std::string& path, ProgressLine& progress) const {
     media::TrackDecoder decoder(path);
+    media::refuseTooLong(decoder);
     const double expected = media::expectedFrames(decoder);
     MonoGatherer gatherer;
     gatherer.reserve(expected);
-    media::FeedSink sink([&](media::StereoBlock& block) { gatherer.put(block); },
+    const auto show = [&](double fraction) {
+        progress.show(fraction, decoder.declaredSeconds().value_or(0.0));
+    };
+    media::FeedSink sink([&](const media::StereoBlock& block) { gatherer.put(block); },
                          [&](std::int64_t frames) {
                              media::refuseAbove(static_cast<double>(frames));
-                             progress.show("decoding",
-                                           0.9 * static_cast<double>(frames) / expected);
+                             show(kDecodingShare * static_cast<double>(frames) / expected);
                          });
     decoder.run(sink);
 
     output::PitchReport report;
     static_cast<base::TrackSource&>(report) =
         media::usableTrack(path, decoder, sink.frames(), acceptsCutOff_);
-    report.frames = static_cast<int>(sink.frames());
+    report.frames = sink.frames();
     report.options = options_;
-    progress.show("listening", 0.9);
+    show(kDecodingShare);
     const int rate = report.format.sessionRate;
     MonoTrack track = options_.isFullRate ? gatherer.whole(rate) : gatherer.thinOut(rate);
     report.pitchHz = findPitch(track, options_.mode);

@@ -14,11 +14,11 @@ namespace {
 
 constexpr double kLongestRangeSeconds = 48695.0;  // 2^31 - 1 frames at 44,100 Hz
 
-std::map<std::string, base::TempoMode> tempoModes() {
-    return {{"constant", base::TempoMode::constant},
-            {"varied", base::TempoMode::varied},
-            {"simple", base::TempoMode::simple},
-            {"off", base::TempoMode::off}};
+std::map<std::string, beatatlas::track::TempoMode> tempoModes() {
+    return {{"constant", beatatlas::track::TempoMode::constant},
+            {"varied", beatatlas::track::TempoMode::varied},
+            {"simple", beatatlas::track::TempoMode::simple},
+            {"off", beatatlas::track::TempoMode::off}};
 }
 
 std::string requirePhrase(const std::string& text) {
@@ -51,14 +51,14 @@ void AnalysisArguments::declare(CLI::App& arguments) {
         ->check(numberBetween(1.0, kLongestRangeSeconds))
         ->option_text("SECONDS");
     arguments.add_flag("--no-key", skipsKey_,
-                       "do not look for the key (saves decoding the track once more)");
+                       "do not look for the key (saves a tenth of the time)");
 }
 
 void AnalysisArguments::settle() {
-    if (sectionBeats_ && options_.tempo != base::TempoMode::varied) {
+    if (sectionBeats_ && options_.tempo != beatatlas::track::TempoMode::varied) {
         throw base::UsageError("--section goes with --tempo varied");
     }
-    if (rangeSeconds_ && options_.tempo != base::TempoMode::simple)
+    if (rangeSeconds_ && options_.tempo != beatatlas::track::TempoMode::simple)
         throw base::UsageError("--range goes with --tempo simple");
     options_.sectionBeats = sectionBeats_.value_or(options_.sectionBeats);
     options_.rangeSeconds = rangeSeconds_.value_or(options_.rangeSeconds);

@@ -3,7 +3,7 @@
 
 #include <optional>
 
-#include "base/AnalysisOptions.h"
+#include "beatatlas/track.hpp"
 
 namespace CLI {
 class App;
@@ -19,10 +19,10 @@ public:
     /** Settles what was asked for, before any track. @throws UsageError when two arguments do not go together */
     void settle();
 
-    const base::AnalysisOptions& options() const { return options_; }
+    const beatatlas::track::Options& options() const { return options_; }
 
 private:
-    base::AnalysisOptions options_;
+    beatatlas::track::Options options_;
     std::optional<int> sectionBeats_;
     std::optional<double> rangeSeconds_;
     bool skipsKey_ = false;

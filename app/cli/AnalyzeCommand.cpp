@@ -3,7 +3,7 @@
 
 #include <CLI/CLI.hpp>
 
-#include "analysis/TrackAnalyzer.h"
+#include "analysis/analyzeFile.h"
 #include "output/TrackEntry.h"
 
 namespace app {
@@ -12,11 +12,16 @@ void AnalyzeCommand::declareOwn(CLI::App& arguments, CLI::Option* json) {
     arguments.add_flag("--waves", withWaves_, "with --json: the waveform overviews too")
         ->needs(json);
     analysis_.declare(arguments);
+    effort_.declare(arguments);
 }
 
 std::unique_ptr<output::ReportEntry> AnalyzeCommand::examine(const std::string& path) {
-    const TrackAnalyzer analyzer(analysis_.options(), tracks().acceptsCutOff());
-    return examineBy<output::TrackEntry>(analyzer, path, withWaves_);
+    media::FileAnalysis::Options reading = tracks().reading(path, effort_.effort());
+    reading.track = analysis_.options();
+    const auto analyze = [&](ProgressLine& progress) {
+        return analyzeFile(path, reading, progress);
+    };
+    return examineBy<output::TrackEntry>(analyze, path, withWaves_);
 }
 
 }  // namespace app

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "cli/AnalysisArguments.h"
+#include "cli/EffortArguments.h"
 #include "cli/TracksCommand.h"
 
 namespace app {
@@ -24,6 +25,7 @@ private:
     std::unique_ptr<output::ReportEntry> examine(const std::string& path) override;
 
     AnalysisArguments analysis_;
+    EffortArguments effort_;
     bool withWaves_ = false;
 };
 

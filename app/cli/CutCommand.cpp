@@ -73,20 +73,20 @@ media::TrackFile CutCommand::cutTrack(const std::string& path, const std::string
                                       ProgressLine& progress) const {
     media::TrackDecoder decoder(path);
     const double expectedSeconds = std::max(1.0, decoder.declaredSeconds().value_or(0.0));
+    const auto show = [&](double fraction) { progress.show(fraction, expectedSeconds); };
     media::RecordingChain chain(expectedSeconds, [&](std::size_t frames) {
         const double seconds = static_cast<double>(frames) / chain.trackRate();
-        progress.show("decoding", kDecoded * std::min(1.0, seconds / expectedSeconds));
+        show(kDecoded * std::min(1.0, seconds / expectedSeconds));
     });
     decoder.run(chain);
     media::Recording& recording = chain.recording();
     auto file = media::usableTrack(path, decoder, static_cast<std::int64_t>(recording.frames()),
                                    tracks_.acceptsCutOff());
-    BeatCutter(options_).cut(recording, [&](double done) {
-        progress.show("cutting", kDecoded + done * (kCut - kDecoded));
-    });
+    BeatCutter(options_).cut(recording,
+                             [&](double done) { show(kDecoded + done * (kCut - kDecoded)); });
     media::writeWave(outputPath, recording,
                      asFloat_ ? media::WaveSamples::float32 : media::WaveSamples::int16,
-                     [&](double done) { progress.show("writing", kCut + done * (1.0 - kCut)); });
+                     [&](double done) { show(kCut + done * (1.0 - kCut)); });
     return file;
 }
 

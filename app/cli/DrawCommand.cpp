@@ -3,7 +3,7 @@
 
 #include <CLI/CLI.hpp>
 
-#include "analysis/TrackAnalyzer.h"
+#include "analysis/analyzeFile.h"
 #include "base/errors.h"
 #include "cli/bracketGuard.h"
 #include "cli/numberBetween.h"
@@ -48,6 +48,7 @@ void DrawCommand::declare(CLI::App& arguments) {
         ->check(numberBetween(output::kNarrowestPicture, output::kWidestPicture))
         ->option_text("PIXELS");
     analysis_.declare(arguments);
+    effort_.declare(arguments);
     tracks_.declare(arguments);
 }
 
@@ -60,9 +61,10 @@ ExitCode DrawCommand::run(ResultStream&) {
     media::OutputFile::requireWritable(outputPath);
     if (media::OutputFile::isSameFile(path, outputPath))
         throw base::UsageError("the picture would replace the track itself");
-    const TrackAnalyzer analyzer(analysis_.options(), tracks_.acceptsCutOff());
+    media::FileAnalysis::Options reading = tracks_.reading(path, effort_.effort());
+    reading.track = analysis_.options();
     const auto report = tracks_.attempt(
-        path, [&](ProgressLine& progress) { return analyzer.analyze(path, progress); });
+        path, [&](ProgressLine& progress) { return analyzeFile(path, reading, progress); });
     if (!report) return kExitFailed;
     media::OutputFile picture(outputPath);
     output::writePicture(*report, picture_, format, [&](const void* bytes, std::size_t count) {

@@ -5,6 +5,7 @@
 
 #include "cli/AnalysisArguments.h"
 #include "cli/Command.h"
+#include "cli/EffortArguments.h"
 #include "cli/TrackArguments.h"
 #include "output/picture/PictureOptions.h"
 
@@ -22,6 +23,7 @@ public:
 
 private:
     AnalysisArguments analysis_;
+    EffortArguments effort_;
     TrackArguments tracks_;
     output::PictureOptions picture_;
     std::string path_;

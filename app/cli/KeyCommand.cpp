@@ -28,11 +28,13 @@ void KeyCommand::declareOwn(CLI::App& arguments, CLI::Option*) {
                     "weights by which the buffer's key is scored, 0 (default) to 4")
         ->check(wholeNumberBetween(kLeastFinderMode, kMostFinderMode))
         ->option_text("MODE");
+    effort_.declare(arguments);
 }
 
 std::unique_ptr<output::ReportEntry> KeyCommand::examine(const std::string& path) {
-    const KeyAnalyzer analyzer(options_, tracks().acceptsCutOff());
-    return examineBy<output::KeyEntry>(analyzer, path);
+    const KeyAnalyzer analyzer(options_, tracks().reading(path, effort_.effort()));
+    const auto analyze = [&](ProgressLine& progress) { return analyzer.analyze(path, progress); };
+    return examineBy<output::KeyEntry>(analyze, path);
 }
 
 }  // namespace app

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "analysis/KeyAnalyzer.h"
+#include "cli/EffortArguments.h"
 #include "cli/TracksCommand.h"
 
 namespace app {
@@ -23,6 +24,7 @@ private:
     std::unique_ptr<output::ReportEntry> examine(const std::string& path) override;
 
     output::KeyOptions options_;
+    EffortArguments effort_;
 };
 
 }  // namespace app

@@ -22,7 +22,8 @@ void PitchCommand::declareOwn(CLI::App& arguments, CLI::Option*) {
 
 std::unique_ptr<output::ReportEntry> PitchCommand::examine(const std::string& path) {
     const PitchAnalyzer analyzer(options_, tracks().acceptsCutOff());
-    return examineBy<output::PitchEntry>(analyzer, path);
+    const auto analyze = [&](ProgressLine& progress) { return analyzer.analyze(path, progress); };
+    return examineBy<output::PitchEntry>(analyze, path);
 }
 
 }  // namespace app

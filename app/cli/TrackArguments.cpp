@@ -23,6 +23,15 @@ void TrackArguments::settle() const {
     media::showFfmpegMessages(isVerbose_);
 }
 
+media::FileAnalysis::Options TrackArguments::reading(const std::string& path,
+                                                     const media::Effort& effort) const {
+    media::FileAnalysis::Options options;
+    options.effort = effort;
+    options.acceptsCutOff = acceptsCutOff_;
+    if (isVerbose_) options.note = [path](const std::string& text) { printFileNote(path, text); };
+    return options;
+}
+
 void TrackArguments::warnOf(const base::TrackSource& file) {
     if (file.isCutOff) printFileWarning(file.path, "is cut off; only its beginning was taken");
     if (file.damagedPackets == 0) return;

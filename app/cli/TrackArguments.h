@@ -10,6 +10,7 @@
 #include "base/TrackSource.h"
 #include "base/errors.h"
 #include "io/ProgressLine.h"
+#include "media/FileAnalysis.h"
 
 namespace CLI {
 class App;
@@ -27,6 +28,10 @@ public:
     void settle() const;
 
     bool acceptsCutOff() const { return acceptsCutOff_; }
+
+    /** How to read one track; what is to be found in it is left to say. */
+    media::FileAnalysis::Options reading(const std::string& path,
+                                         const media::Effort& effort) const;
 
     /** Works on one track, with progress and warnings on standard error.
      *  @param work  takes a ProgressLine, gives something that is a TrackSource

@@ -39,12 +39,11 @@ protected:
 
     const TrackArguments& tracks() const { return tracks_; }
 
-    /** The work of examine(). @param analyzer  analyzes a path, with progress, to what an Entry tells */
-    template <class Entry, class Analyzer, class... Details>
-    std::unique_ptr<output::ReportEntry> examineBy(const Analyzer& analyzer,
-                                                   const std::string& path, Details... details) {
-        auto report = tracks_.attempt(
-            path, [&](ProgressLine& progress) { return analyzer.analyze(path, progress); });
+    /** The work of examine(). @param analyze  takes a ProgressLine, gives what an Entry tells */
+    template <class Entry, class Analyze, class... Details>
+    std::unique_ptr<output::ReportEntry> examineBy(const Analyze& analyze, const std::string& path,
+                                                   Details... details) {
+        auto report = tracks_.attempt(path, analyze);
         if (!report) return nullptr;
         return std::make_unique<Entry>(std::move(*report), details...);
     }

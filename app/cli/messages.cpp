@@ -22,4 +22,8 @@ void printFileWarning(const std::string& path, const std::string& text) {
     printError(base::displayName(path) + ": warning: " + text);
 }
 
+void printFileNote(const std::string& path, const std::string& text) {
+    printError(base::displayName(path) + ": note: " + text);
+}
+
 }  // namespace app

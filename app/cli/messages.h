@@ -10,6 +10,7 @@ namespace app {
 void printError(const std::string& text);
 void printFileError(const std::string& path, const std::string& reason);
 void printFileWarning(const std::string& path, const std::string& text);
+void printFileNote(const std::string& path, const std::string& text);
 /** @} */
 
 }  // namespace app

@@ -5,6 +5,7 @@
 #include <fmt/format.h>
 #include <soxr.h>
 
+#include "beatatlas/version.h"
 #include "media/ffmpeg.h"
 
 namespace app {

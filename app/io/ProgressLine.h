@@ -17,19 +17,27 @@ public:
     ProgressLine(const ProgressLine&) = delete;
     ProgressLine& operator=(const ProgressLine&) = delete;
 
-    /** @param fraction  of the whole work, 0 to 1; values outside are taken to the nearer end */
-    void show(std::string_view stage, double fraction);
+    /** @param fraction      of the whole work, 0 to 1; values outside are taken to the nearer end
+     *  @param trackSeconds  length of the track; 0 while that is not known, then no speed is told */
+    void show(double fraction, double trackSeconds);
 
     /** Wipes the line, so that something else can be printed. */
     void clear();
 
 private:
+    using Clock = std::chrono::steady_clock;
+
     void print(const std::string& line);
 
     std::string name_;
     bool active_;
     bool shown_ = false;
-    std::chrono::steady_clock::time_point nextShow_{};
+    Clock::time_point begin_ = Clock::now();
+    Clock::time_point nextShow_{};
 };
+
+/** What stands behind the bar: " 43 %  85x  0:12 left", the speed in times of real time. Before half a second a
+ *  percentage alone, and without a speed where the track's length is not known: see ProgressLine::show(). */
+std::string progressFigures(double fraction, double trackSeconds, double elapsedSeconds);
 
 }  // namespace app

@@ -89,6 +89,7 @@
 
 #include "beatatlas/export.h"
 #include "beatatlas/records.h"
+#include "beatatlas/version.h"
 
 #ifdef __cplusplus
 extern "C" {

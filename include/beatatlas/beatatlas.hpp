@@ -18,6 +18,7 @@
 
 #include "beatatlas/export.h"
 #include "beatatlas/records.h"
+#include "beatatlas/version.h"
 
 /** @name Creating a session
  *  As in beatatlas.h: totalSamples frames, sectionBeats (0: no beat analysis), then what is wanted.

@@ -24,9 +24,9 @@
  *  Order of calls
  *  --------------
  *  1. Where the defaults will not do: BA_TrackOptionsInit, then change fields.
- *  2. BA_TrackAnalyze, which asks the host for the audio piece by piece and so needs little memory of its own (2.4 KB
- *     per second of track with the key, half of it without), or BA_TrackAnalyzeArrays for audio in memory. Either does
- *     all the work before it returns.
+ *  2. BA_TrackAnalyze, which asks the host for the audio piece by piece and so needs little memory of its own (3 MB, and
+ *     some 14 KB per second of track), or BA_TrackAnalyzeArrays for audio in memory. Either does all the work before it
+ *     returns.
  *  3. The getters, in any order and any number of times.
  *  4. BA_TrackRelease.
  *
@@ -50,12 +50,13 @@
  *  Arithmetic and output
  *  ---------------------
  *  Every call leaves the caller's rounding mode as it was, and the callbacks run in it, in whichever thread. Nothing is
- *  written to standard output. */
+ *  written to standard output; a shortage of memory may put a line on standard error. */
 #ifndef BEATATLAS_TRACK_H
 #define BEATATLAS_TRACK_H
 
 #include "beatatlas/export.h"
 #include "beatatlas/records.h"
+#include "beatatlas/version.h"
 
 #ifdef __cplusplus
 extern "C" {

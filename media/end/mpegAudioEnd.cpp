@@ -1,7 +1,10 @@
 // SPDX-License-Identifier: MIT
+#include <algorithm>
+
 #include "media/FileInput.h"
 #include "media/end/FileBytes.h"
 #include "media/end/declaredEnd.h"
+#include "media/end/declaredFrames.h"
 
 namespace media {
 
@@ -10,6 +13,15 @@ namespace {
 constexpr std::size_t kFrameHeaderBytes = 4;
 constexpr std::uint64_t kHasFrameCount = 1;
 constexpr std::uint64_t kHasByteCount = 2;
+constexpr std::uint64_t kHasSeekTable = 4;
+constexpr std::uint64_t kHasQuality = 8;
+constexpr std::size_t kSeekTableBytes = 100;
+constexpr std::size_t kHeaderFrameBytes = 192;
+
+// Behind the Xing header LAME and its followers put their name and settings, and 21 bytes on two times 12 bits: the
+// frames of silence they put before the music, and behind it. Every decoder delays by 529 more.
+constexpr std::size_t kDelaysAt = 21;
+constexpr std::int64_t kDecoderDelay = 529;
 
 /** Where the first frame begins, behind any ID3v2 tags. */
 std::int64_t skipTags(const FileInput& input) {
@@ -32,17 +44,48 @@ std::size_t sideInfoBytes(const FileBytes& frame) {
     return isMono ? 9 : 17;
 }
 
+/** The first frame, with a Xing or Info header in it. */
+struct HeaderFrame {
+    FileBytes bytes;
+    std::int64_t offset;   ///< in the file
+    std::size_t fieldsAt;  ///< where the header's flags stand
+    std::uint64_t fields;
+
+    bool has(std::uint64_t field) const { return (fields & field) != 0; }
+};
+
+std::optional<HeaderFrame> findHeader(const FileInput& input) {
+    const std::int64_t first = skipTags(input);
+    const FileBytes frame(input, first, kHeaderFrameBytes);
+    const std::size_t at = kFrameHeaderBytes + sideInfoBytes(frame);
+    const std::string mark = frame.text(at, 4);
+    if (mark != "Xing" && mark != "Info") return std::nullopt;
+    return HeaderFrame{frame, first, at + 4, frame.bigEndian(at + 4, 4)};
+}
+
 }  // namespace
 
 std::optional<std::int64_t> mpegAudioEnd(const FileInput& input) {
-    const std::int64_t first = skipTags(input);
-    const FileBytes frame(input, first, 64);
-    const std::size_t at = kFrameHeaderBytes + sideInfoBytes(frame);
-    const std::string mark = frame.text(at, 4);
-    const std::uint64_t fields = frame.bigEndian(at + 4, 4);
-    if ((mark != "Xing" && mark != "Info") || (fields & kHasByteCount) == 0) return std::nullopt;
-    const std::size_t countAt = at + ((fields & kHasFrameCount) != 0 ? 12 : 8);
-    return first + static_cast<std::int64_t>(frame.bigEndian(countAt, 4));
+    const auto header = findHeader(input);
+    if (!header || !header->has(kHasByteCount)) return std::nullopt;
+    const std::size_t countAt = header->fieldsAt + (header->has(kHasFrameCount) ? 8 : 4);
+    return header->offset + static_cast<std::int64_t>(header->bytes.bigEndian(countAt, 4));
+}
+
+std::int64_t mpegAudioPadding(const FileInput& input) {
+    const auto header = findHeader(input);
+    if (!header) return 0;
+    std::size_t at = header->fieldsAt + 4;
+    if (header->has(kHasFrameCount)) at += 4;
+    if (header->has(kHasByteCount)) at += 4;
+    if (header->has(kHasSeekTable)) at += kSeekTableBytes;
+    if (header->has(kHasQuality)) at += 4;
+    const std::string writer = header->bytes.text(at, 4);
+    if (writer != "LAME" && writer != "Lavf" && writer != "Lavc") return 0;
+    const auto delays = static_cast<std::int64_t>(header->bytes.bigEndian(at + kDelaysAt, 3));
+    const std::int64_t before = (delays >> 12) + kDecoderDelay;
+    const std::int64_t behind = (delays & 0xFFF) - kDecoderDelay;
+    return before + std::max<std::int64_t>(0, behind);
 }
 
 }  // namespace media

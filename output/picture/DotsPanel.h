@@ -3,7 +3,7 @@
 
 #include <vector>
 
-#include "base/AnalysisResult.h"
+#include "beatatlas/track.hpp"
 #include "output/picture/Canvas.h"
 
 namespace output {
@@ -11,13 +11,13 @@ namespace output {
 /** The strip of dots: one for each hundredth of the track, larger and brighter the stronger its bass. */
 class DotsPanel {
 public:
-    DotsPanel(const std::vector<base::WavePoint>& dots, const Rect& area)
+    DotsPanel(const std::vector<beatatlas::track::WavePoint>& dots, const Rect& area)
         : dots_(dots), area_(area) {}
 
     void draw(Canvas& canvas) const;
 
 private:
-    const std::vector<base::WavePoint>& dots_;
+    const std::vector<beatatlas::track::WavePoint>& dots_;
     Rect area_;
 };
 

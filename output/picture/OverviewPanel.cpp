@@ -24,9 +24,9 @@ constexpr double kLegendDrop = 46.0;
 constexpr double kLegendSwatch = 11.0;
 constexpr double kLegendGap = 26.0;
 
-double highestLevel(const std::vector<base::WavePoint>& wave) {
+double highestLevel(const std::vector<beatatlas::track::WavePoint>& wave) {
     double highest = 1.0;
-    for (const base::WavePoint& point : wave)
+    for (const beatatlas::track::WavePoint& point : wave)
         highest = std::max(highest, static_cast<double>(point.level));
     return highest;
 }
@@ -38,8 +38,8 @@ std::size_t colorIndex(int color) {
 
 }  // namespace
 
-OverviewPanel::OverviewPanel(const base::AnalysisResult& analysis, const ZoomStretch& stretch,
-                             const Rect& area)
+OverviewPanel::OverviewPanel(const beatatlas::track::TrackResult& analysis,
+                             const ZoomStretch& stretch, const Rect& area)
     : analysis_(analysis), stretch_(stretch),
       area_(area), wave_{area.x, area.y + kPadding, area.width, area.height - 2.0 * kPadding} {}
 
@@ -71,7 +71,7 @@ void OverviewPanel::drawWave(Canvas& canvas) const {
 void OverviewPanel::drawBars(Canvas& canvas) const {
     const TimeAxis axis(0.0, analysis_.seconds(), area_);
     double last = area_.x - kLeastBarTickDistance;
-    for (const base::Beat& beat : analysis_.beats) {
+    for (const beatatlas::track::Beat& beat : analysis_.beats) {
         const double x = axis.xOf(analysis_.secondsAt(beat.frame));
         if (!beat.isDownbeat() || x < last + kLeastBarTickDistance || x > area_.right()) continue;
         canvas.verticalLine(x, area_.bottom() - kBarTickHeight, area_.bottom(), 1.0,

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "base/AnalysisResult.h"
+#include "beatatlas/track.hpp"
 #include "output/picture/Canvas.h"
 #include "output/picture/ZoomStretch.h"
 
@@ -11,7 +11,7 @@ namespace output {
  *  bar. Heights follow perceived loudness; the loudest point fills the panel. */
 class OverviewPanel {
 public:
-    OverviewPanel(const base::AnalysisResult& analysis, const ZoomStretch& stretch,
+    OverviewPanel(const beatatlas::track::TrackResult& analysis, const ZoomStretch& stretch,
                   const Rect& area);
 
     void draw(Canvas& canvas) const;
@@ -22,7 +22,7 @@ private:
     void drawStretchMark(Canvas& canvas) const;
     void drawLegend(Canvas& canvas) const;
 
-    const base::AnalysisResult& analysis_;
+    const beatatlas::track::TrackResult& analysis_;
     ZoomStretch stretch_;
     Rect area_;
     Rect wave_;

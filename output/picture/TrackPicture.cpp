@@ -49,12 +49,12 @@ void TrackPicture::draw(Canvas& canvas) const {
 
 void TrackPicture::drawHeading(Canvas& canvas) const {
     std::string answers;
-    if (report_.options.tempo != base::TempoMode::off) answers = tempoText(report_);
+    if (report_.options.tempo != beatatlas::track::TempoMode::off) answers = tempoText(report_);
     if (report_.options.wantsKey) answers += (answers.empty() ? "" : "   ") + keyText(report_);
     canvas.text(kWidth - kMargin, kTitleY, answers, kAnswer);
     const double room = kInnerWidth - kTitleGap - canvas.textWidth(answers, kAnswer);
     canvas.text(kMargin, kTitleY, canvas.fitted(titleOf(report_), kTitle, room), kTitle);
-    const base::AnalysisResult& analysis = report_.analysis;
+    const beatatlas::track::TrackResult& analysis = report_.analysis;
     canvas.text(kMargin, kSubtitleY,
                 fmt::format("{}   {}   {} Hz{}", clockTime(analysis.seconds()),
                             report_.format.codec, grouped(report_.format.trackRate),

@@ -36,7 +36,7 @@ std::size_t colorIndex(int color) {
 
 }  // namespace
 
-ZoomPanel::ZoomPanel(const base::AnalysisResult& analysis, const ZoomStretch& stretch,
+ZoomPanel::ZoomPanel(const beatatlas::track::TrackResult& analysis, const ZoomStretch& stretch,
                      const Rect& area)
     : analysis_(analysis), area_(area), axis_(stretch.from, stretch.to, area) {}
 
@@ -68,11 +68,11 @@ void ZoomPanel::drawLegend(Canvas& canvas) const {
     place("all bass");
 }
 
-base::WavePoint ZoomPanel::columnAt(double left, double right) const {
+beatatlas::track::WavePoint ZoomPanel::columnAt(double left, double right) const {
     const auto& wave = analysis_.zoomWave;
     const auto first = static_cast<std::size_t>(axis_.secondsAt(left) * kZoomPointsPerSecond);
     const auto last = static_cast<std::size_t>(axis_.secondsAt(right) * kZoomPointsPerSecond);
-    base::WavePoint highest{0.0F, 0};
+    beatatlas::track::WavePoint highest{0.0F, 0};
     for (std::size_t i = first; i < std::min(wave.size(), std::max(last, first + 1)); ++i) {
         if (i == first || wave[i].level > highest.level) highest = wave[i];
     }
@@ -85,7 +85,7 @@ void ZoomPanel::drawWave(Canvas& canvas) const {
     const auto columns = static_cast<int>(std::ceil(area_.width / kColumnWidth));
     for (int column = 0; column < columns; ++column) {
         const double x = area_.x + column * kColumnWidth;
-        const base::WavePoint point = columnAt(x, x + kColumnWidth);
+        const beatatlas::track::WavePoint point = columnAt(x, x + kColumnWidth);
         const double height =
             std::max(kLeastHeight, static_cast<double>(point.level) / kFullLevel * room);
         canvas.fillColumn({x, centerY - height / 2.0, kColumnWidth, height},
@@ -97,7 +97,7 @@ void ZoomPanel::drawGrid(Canvas& canvas) const {
     int bar = 0;
     double labelsEnd = area_.x;
     double last = area_.x - kLeastBeatDistance;
-    for (const base::Beat& beat : analysis_.beats) {
+    for (const beatatlas::track::Beat& beat : analysis_.beats) {
         if (beat.isDownbeat()) ++bar;
         const double seconds = analysis_.secondsAt(beat.frame);
         if (seconds < axis_.from() || seconds > axis_.to()) continue;
@@ -108,7 +108,8 @@ void ZoomPanel::drawGrid(Canvas& canvas) const {
     }
 }
 
-void ZoomPanel::drawBeat(Canvas& canvas, const base::Beat& beat, int bar, double& labelsEnd) const {
+void ZoomPanel::drawBeat(Canvas& canvas, const beatatlas::track::Beat& beat, int bar,
+                         double& labelsEnd) const {
     const double x = axis_.xOf(analysis_.secondsAt(beat.frame));
     if (!beat.isDownbeat()) {
         canvas.verticalLine(x, area_.y + kGridHead, area_.bottom(), kBeatWidth + kHaloWidth,

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "base/AnalysisResult.h"
+#include "beatatlas/track.hpp"
 #include "output/picture/Canvas.h"
 #include "output/picture/TimeAxis.h"
 #include "output/picture/ZoomStretch.h"
@@ -12,20 +12,22 @@ namespace output {
  *  brighter and with the number of their bar. Above it stand the stretch's times and the key to the colours. */
 class ZoomPanel {
 public:
-    ZoomPanel(const base::AnalysisResult& analysis, const ZoomStretch& stretch, const Rect& area);
+    ZoomPanel(const beatatlas::track::TrackResult& analysis, const ZoomStretch& stretch,
+              const Rect& area);
 
     void draw(Canvas& canvas) const;
 
 private:
     /** The wave's points that fall into one column of the picture, as one: the highest of them. */
-    base::WavePoint columnAt(double left, double right) const;
+    beatatlas::track::WavePoint columnAt(double left, double right) const;
 
     void drawLegend(Canvas& canvas) const;
     void drawWave(Canvas& canvas) const;
     void drawGrid(Canvas& canvas) const;
-    void drawBeat(Canvas& canvas, const base::Beat& beat, int bar, double& labelsEnd) const;
+    void drawBeat(Canvas& canvas, const beatatlas::track::Beat& beat, int bar,
+                  double& labelsEnd) const;
 
-    const base::AnalysisResult& analysis_;
+    const beatatlas::track::TrackResult& analysis_;
     Rect area_;
     TimeAxis axis_;
 };

@@ -10,7 +10,7 @@ namespace {
 // Shown before the downbeat, so that its line and its sound's beginning stand inside the picture.
 constexpr double kLeadSeconds = 0.1;
 
-double loudestStart(const std::vector<base::WavePoint>& wave, double spanSeconds) {
+double loudestStart(const std::vector<beatatlas::track::WavePoint>& wave, double spanSeconds) {
     const auto span =
         std::min(static_cast<std::size_t>(spanSeconds * kZoomPointsPerSecond), wave.size());
     double sum = 0.0;
@@ -28,9 +28,9 @@ double loudestStart(const std::vector<base::WavePoint>& wave, double spanSeconds
 }
 
 /** The last downbeat up to then; without one, the time itself. */
-double atDownbeat(const base::AnalysisResult& analysis, double seconds) {
+double atDownbeat(const beatatlas::track::TrackResult& analysis, double seconds) {
     double start = seconds;
-    for (const base::Beat& beat : analysis.beats) {
+    for (const beatatlas::track::Beat& beat : analysis.beats) {
         const double at = analysis.secondsAt(beat.frame);
         if (at > seconds) break;
         if (beat.isDownbeat()) start = at - kLeadSeconds;
@@ -40,7 +40,8 @@ double atDownbeat(const base::AnalysisResult& analysis, double seconds) {
 
 }  // namespace
 
-ZoomStretch chooseZoomStretch(const base::AnalysisResult& analysis, const PictureOptions& options) {
+ZoomStretch chooseZoomStretch(const beatatlas::track::TrackResult& analysis,
+                              const PictureOptions& options) {
     const double length = analysis.seconds();
     const double span = std::min(options.zoomSpanSeconds, length);
     double from = 0.0;

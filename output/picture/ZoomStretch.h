@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "base/AnalysisResult.h"
+#include "beatatlas/track.hpp"
 #include "output/picture/PictureOptions.h"
 
 namespace output {
@@ -16,6 +16,7 @@ struct ZoomStretch {
 
 /** As asked for, and moved into the track; by itself the loudest stretch of that length, begun on a downbeat where
  *  there is one. A track shorter than the stretch is shown whole. */
-ZoomStretch chooseZoomStretch(const base::AnalysisResult& analysis, const PictureOptions& options);
+ZoomStretch chooseZoomStretch(const beatatlas::track::TrackResult& analysis,
+                              const PictureOptions& options);
 
 }  // namespace output

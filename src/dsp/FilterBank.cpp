@@ -2,7 +2,9 @@
 #include "dsp/FilterBank.h"
 
 #include <algorithm>
+#include <bit>
 #include <cassert>
+#include <cmath>
 #include <cstddef>
 #include <cstring>
 
@@ -34,13 +36,15 @@ struct Coefficients {
 
 /** The lane's section from silence. */
 void startLane(FilterBankLanes& lanes, std::size_t lane, const Coefficients& c) {
+    assert(std::fabs(c.b2) == std::fabs(c.b0));
     lanes.b0[lane] = c.b0;
     lanes.b1[lane] = c.b1;
-    lanes.b2[lane] = c.b2;
+    lanes.flipB2[lane] = std::bit_cast<std::int64_t>(c.b2) ^ std::bit_cast<std::int64_t>(c.b0);
     lanes.a1[lane] = c.a1;
     lanes.a2[lane] = c.a2;
-    for (FilterBankLanes::Row* past : {&lanes.x1, &lanes.x2, &lanes.y1, &lanes.y2})
-        (*past)[lane] = 0.0;
+    lanes.b1x1[lane] = c.b1 * 0.0;
+    lanes.b2x1[lane] = lanes.b2x2[lane] = c.b2 * 0.0;
+    lanes.y1[lane] = lanes.y2[lane] = 0.0;
 }
 
 bool areSameFrames(const std::int16_t* stereo, int n) {
@@ -82,28 +86,34 @@ void FilterBank::designLevel(Level level, const SecondOrderSection& plain) {
     }
 }
 
+void FilterBank::operate(const float* mono, const std::int16_t* stereo, const Outputs& outputs,
+                         const LevelOutputs& levels, int n) {
+    FilterBankRunner alone;
+    operate(mono, stereo, outputs, levels, n, alone);
+}
+
 // In silence the sections die away to numbers so small that a processor takes a hundred times as long for each, and
 // there they stay for ever: rounded toward zero, what feeds back equals what is there. A frame that leaves every
 // section as it was tells that all frames like it will, with the same outputs.
 void FilterBank::operate(const float* mono, const std::int16_t* stereo, const Outputs& outputs,
-                         const LevelOutputs& levels, int n) {
+                         const LevelOutputs& levels, int n, FilterBankRunner& runner) {
     if (n <= 0) return;
     if (!isConstant(mono, n) || !areSameFrames(stereo, n))
-        return filter(mono, stereo, outputs, levels, n);
+        return filter(mono, stereo, outputs, levels, n, runner);
     const FilterBankLanes before = lanes_;
-    filter(mono, stereo, outputs, levels, 1);
+    filter(mono, stereo, outputs, levels, 1, runner);
     // NOLINTNEXTLINE(bugprone-suspicious-memory-comparison, cert-exp42-c, cert-flp37-c): to the bit
     if (std::memcmp(&before, &lanes_, sizeof lanes_) == 0) {
         repeatFirst(outputs, n);
         repeatFirst(levels, n);
     } else if (n > 1) {
         filter(mono + 1, stereo == nullptr ? nullptr : stereo + 2, behindFirst(outputs),
-               behindFirst(levels), n - 1);
+               behindFirst(levels), n - 1, runner);
     }
 }
 
 void FilterBank::filter(const float* mono, const std::int16_t* stereo, const Outputs& outputs,
-                        const LevelOutputs& levels, int n) {
+                        const LevelOutputs& levels, int n, FilterBankRunner& runner) {
     const FilterBankLanes before = lanes_;
     FilterBankTile tile;
     for (int first = 0; first < n; first += FilterBankTile::kSteps) {
@@ -112,7 +122,7 @@ void FilterBank::filter(const float* mono, const std::int16_t* stereo, const Out
             left <= FilterBankTile::kSteps ? left + kFilterBankDepth : FilterBankTile::kSteps;
         const FilterBankStretch stretch{first, steps, n};
         fillTile(tile, stretch, mono, stereo);
-        runFilterBank(lanes_, tile, stretch);
+        runner.run(lanes_, tile, stretch);
         readBands(tile, stretch, {outputs[0], outputs[1], outputs[2], outputs[3]});
         if (outputs[kLongCascade] != nullptr) readLongBand(tile, stretch, outputs[kLongCascade]);
         if (levels[kTwice] != nullptr) readLevels(tile.p, stretch, 1, levels[kTwice]);
@@ -128,8 +138,9 @@ void FilterBank::filter(const float* mono, const std::int16_t* stereo, const Out
 void FilterBank::forgetBlock(std::size_t cascade, const FilterBankLanes& before) {
     for (int section = 0; section < kSections[cascade]; ++section) {
         const std::size_t lane = kFilterBankPlaces[cascade][static_cast<std::size_t>(section)];
-        lanes_.x1[lane] = before.x1[lane];
-        lanes_.x2[lane] = before.x2[lane];
+        lanes_.b1x1[lane] = before.b1x1[lane];
+        lanes_.b2x1[lane] = before.b2x1[lane];
+        lanes_.b2x2[lane] = before.b2x2[lane];
         lanes_.y1[lane] = before.y1[lane];
         lanes_.y2[lane] = before.y2[lane];
     }

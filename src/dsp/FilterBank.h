@@ -9,6 +9,7 @@
 
 namespace beatatlas {
 
+class FilterBankRunner;
 class IirPassFilter;
 struct SecondOrderSection;
 
@@ -56,9 +57,13 @@ public:
     void operate(const float* mono, const std::int16_t* stereo, const Outputs& outputs,
                  const LevelOutputs& levels, int n);
 
+    /** As above, with the steps done by the runner. */
+    void operate(const float* mono, const std::int16_t* stereo, const Outputs& outputs,
+                 const LevelOutputs& levels, int n, FilterBankRunner& runner);
+
 private:
     void filter(const float* mono, const std::int16_t* stereo, const Outputs& outputs,
-                const LevelOutputs& levels, int n);
+                const LevelOutputs& levels, int n, FilterBankRunner& runner);
     void forgetBlock(std::size_t cascade, const FilterBankLanes& before);
 
     FilterBankLanes lanes_{};

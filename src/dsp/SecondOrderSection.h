@@ -98,21 +98,24 @@ struct SecondOrderSection {
     }
 };
 
-/** first.operate(), `between` of each sample, then second.operate(): the same values in one pass.
+/** first.operate(), `between` of each sample, then second.operate(): the same values in one pass. in(n) is sample n,
+ *  out(n, y) takes what it becomes; in() is asked for some samples more than once.
  *
  *  A section waits for its own last output, and so does the second; taken together, the processor
- *  works on the one while the other waits. `in` and `out` must not overlap. */
-template <class Between>
-void operateInTurn(SecondOrderSection& first, Between between, SecondOrderSection& second,
-                   const double* in, double* out, int len) {
+ *  works on the one while the other waits, and on in() and out() besides. */
+template <class In, class Between, class Out>
+void operateInTurn(SecondOrderSection& first, Between between, SecondOrderSection& second, In in,
+                   Out out, int len) {
     if (len <= 0) return;
-    if (isConstant(in, len) && first.restsAt(in[0]) && second.restsAt(between(first.y1))) {
-        std::fill_n(out, len, second.y1);
+    int same = 1;
+    while (same < len && sameBits<double>(in(same), in(0))) ++same;
+    if (same == len && first.restsAt(in(0)) && second.restsAt(between(first.y1))) {
+        for (int n = 0; n < len; ++n) out(n, second.y1);
         return;
     }
     SecondOrderSection a = first;
     SecondOrderSection b = second;
-    for (int n = 0; n < len; ++n) out[n] = b.step(between(a.step(in[n])));
+    for (int n = 0; n < len; ++n) out(n, b.step(between(a.step(in(n)))));
     first = a;
     second = b;
 }

@@ -24,6 +24,15 @@ BEATATLAS_LANES void choose(const Lanes<std::int64_t, kWidth>& mask, const Doubl
     loadLanes(value, &bits);
 }
 
+template <std::size_t kWidth>
+BEATATLAS_LANES void flipSigns(const Lanes<std::int64_t, kWidth>& signs,
+                               const Doubles<kWidth>& from, Doubles<kWidth>& to) {
+    Lanes<std::int64_t, kWidth> bits;
+    loadLanes(bits, &from);
+    bits ^= signs;
+    loadLanes(to, &bits);
+}
+
 /** kWidth neighbouring sections. */
 template <std::size_t kWidth>
 struct Sections {
@@ -33,28 +42,32 @@ struct Sections {
     BEATATLAS_LANES void load(const FilterBankLanes& lanes, std::size_t first) {
         loadLanes(b0, lanes.b0.data() + first);
         loadLanes(b1, lanes.b1.data() + first);
-        loadLanes(b2, lanes.b2.data() + first);
+        loadLanes(flipB2, lanes.flipB2.data() + first);
         loadLanes(a1, lanes.a1.data() + first);
         loadLanes(a2, lanes.a2.data() + first);
-        loadLanes(x1, lanes.x1.data() + first);
-        loadLanes(x2, lanes.x2.data() + first);
+        loadLanes(b1x1, lanes.b1x1.data() + first);
+        loadLanes(b2x1, lanes.b2x1.data() + first);
+        loadLanes(b2x2, lanes.b2x2.data() + first);
         loadLanes(y1, lanes.y1.data() + first);
         loadLanes(y2, lanes.y2.data() + first);
         loadLanes(delays, kFilterBankDelays.data() + first);
     }
 
     BEATATLAS_LANES void store(FilterBankLanes& lanes, std::size_t first) const {
-        storeLanes(x1, lanes.x1.data() + first);
-        storeLanes(x2, lanes.x2.data() + first);
+        storeLanes(b1x1, lanes.b1x1.data() + first);
+        storeLanes(b2x1, lanes.b2x1.data() + first);
+        storeLanes(b2x2, lanes.b2x2.data() + first);
         storeLanes(y1, lanes.y1.data() + first);
         storeLanes(y2, lanes.y2.data() + first);
     }
 
-    /** The operations of IirFilter::operate, in its order. */
+    /** The operations of IirFilter::operate, in its order; but the products are made when the input comes. */
     BEATATLAS_LANES void take(const Values& x) {
-        const Values y = ((((b0 * x) + (b1 * x1)) + (b2 * x2)) - (a1 * y1)) - (a2 * y2);
-        x2 = x1;
-        x1 = x;
+        const Values b0x = b0 * x;
+        const Values y = (((b0x + b1x1) + b2x2) - (a1 * y1)) - (a2 * y2);
+        b1x1 = b1 * x;
+        b2x2 = b2x1;
+        flipSigns<kWidth>(flipB2, b0x, b2x1);
         y2 = y1;
         y1 = y;
     }
@@ -64,14 +77,16 @@ struct Sections {
         Sections after = *this;
         after.take(x);
         const Integers active = ((delays - (t + 1)) & (t - n - delays)) >> 63;
-        choose<kWidth>(active, after.x1, x1);
-        choose<kWidth>(active, after.x2, x2);
+        choose<kWidth>(active, after.b1x1, b1x1);
+        choose<kWidth>(active, after.b2x1, b2x1);
+        choose<kWidth>(active, after.b2x2, b2x2);
         choose<kWidth>(active, after.y1, y1);
         choose<kWidth>(active, after.y2, y2);
     }
 
-    Values b0, b1, b2, a1, a2;
-    Values x1, x2, y1, y2;
+    Values b0, b1, a1, a2;
+    Integers flipB2;
+    Values b1x1, b2x1, b2x2, y1, y2;
     Integers delays;
 };
 

@@ -98,7 +98,7 @@ struct NarrowRectified {
  *  upper ones. */
 template <std::size_t kWidth>
 struct SplitBands {
-    using Row = std::array<float, 8>;
+    using Row = std::array<float, 4>;
     using Four = Lanes<float, 4>;
     using Eight = Lanes<float, 8>;
     using Bits = Lanes<std::uint32_t, 8>;
@@ -107,8 +107,7 @@ struct SplitBands {
         int i = 0;
         for (; i + 8 <= n; i += 8) splitEight(rows + i, out, i);
         for (; i < n; ++i)
-            for (std::size_t band = 0; band < 4; ++band)
-                out[band][i] = std::fabs(rows[i][4 + band]);
+            for (std::size_t band = 0; band < 4; ++band) out[band][i] = std::fabs(rows[i][band]);
     }
 
     BEATATLAS_LANES static void splitEight(const Row* rows, float* const* out, int i) {
@@ -116,8 +115,8 @@ struct SplitBands {
         for (std::size_t k = 0; k < 4; ++k) {
             Four early;
             Four late;
-            loadLanes(early, rows[k].data() + 4);
-            loadLanes(late, rows[k + 4].data() + 4);
+            loadLanes(early, rows[k].data());
+            loadLanes(late, rows[k + 4].data());
             pairs[k] = __builtin_shufflevector(early, late, 0, 1, 2, 3, 4, 5, 6, 7);
         }
         const Eight low01 = __builtin_shufflevector(pairs[0], pairs[1], 0, 8, 1, 9, 4, 12, 5, 13);

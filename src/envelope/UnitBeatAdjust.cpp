@@ -7,7 +7,6 @@
 #include "envelope/UnitBeatAdjust.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <cstddef>
 
@@ -26,10 +25,11 @@ constexpr double kLevelCornerHz = 1000.0;   // keeps the peak of an attack withi
 constexpr int kMostSeconds = 900;
 constexpr int kDecimation = 4;
 
+// Without branches: in quiet passages the low-pass swings about zero, and nobody could predict them. What is not a number
+// counts for nothing.
 std::int16_t storedLevel(double level) {
-    if (level > 32767.0) return 32767;
-    if (level < 0.0) return 0;
-    return truncToInt16(level);
+    const double sounding = level > 0.0 ? level : 0.0;
+    return static_cast<std::int16_t>(sounding < 32767.0 ? sounding : 32767.0);
 }
 
 }  // namespace
@@ -70,24 +70,16 @@ std::int64_t UnitBeatAdjust::framesToTake(int frames) const {
 }
 
 void UnitBeatAdjust::appendLevels(const std::int16_t* samples, std::int64_t frames) {
-    constexpr std::int64_t kBatchFrames = 1024;  // a session's block is shorter
-    std::array<double, kBatchFrames / kDecimation> mono;
-    std::array<double, kBatchFrames / kDecimation> filtered;
-    std::array<std::int16_t, kBatchFrames / kDecimation> levels;
-    for (std::int64_t start = 0; start < frames; start += kBatchFrames) {
-        const std::int64_t end = std::min(frames, start + kBatchFrames);
-        std::size_t count = 0;
-        for (std::int64_t i = start; i < end; i += kDecimation) {
-            mono[count++] = monoOfFrame(samples + 2 * i);
-        }
-        operateInTurn(
-            highPass_->section(), [](double x) { return std::fabs(x); }, lowPass_->section(),
-            mono.data(), filtered.data(), static_cast<int>(count));
-        for (std::size_t i = 0; i < count; ++i) levels[i] = storedLevel(filtered[i]);
-        level_.insert(level_.end(), levels.begin(),
-                      levels.begin() + static_cast<std::ptrdiff_t>(count));
-        taken_ += static_cast<int>(count);
-    }
+    if (frames <= 0) return;
+    const auto count = static_cast<int>((frames + kDecimation - 1) / kDecimation);
+    const std::size_t before = level_.size();
+    level_.resize(before + static_cast<std::size_t>(count));
+    std::int16_t* levels = level_.data() + before;
+    operateInTurn(
+        highPass_->section(), [](double x) { return std::fabs(x); }, lowPass_->section(),
+        [samples](int i) { return monoOfFrame(samples + 2 * std::ptrdiff_t{kDecimation} * i); },
+        [levels](int i, double y) { levels[i] = storedLevel(y); }, count);
+    taken_ += count;
 }
 
 void UnitBeatAdjust::analyze(float& bpm, peakss::BeatList& beats) {

@@ -97,9 +97,15 @@ void UnitEnvelopeMaker::putFiltered(const double* filtered, int frames) {
 
 void UnitEnvelopeMaker::closeChunk(const double* mono, int frames, std::size_t index) {
     const auto untouched = [](double x) { return x; };
-    operateInTurn(audioLowPassA_->section(), untouched, audioLowPassB_->section(), mono,
-                  filteredBuffer_.data(), frames);
-    putLevel(filteredBuffer_[0], index);
+    double filteredFirst = 0.0;
+    operateInTurn(
+        audioLowPassA_->section(), untouched, audioLowPassB_->section(),
+        [mono](int i) { return mono[i]; },
+        [&filteredFirst](int i, double y) {
+            if (i == 0) filteredFirst = y;
+        },
+        frames);
+    putLevel(filteredFirst, index);
 }
 
 // One value stands for the chunk: the filtered first frame. The others only carry the state on.

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <array>
 #include <cstdint>
 #include <memory>
 #include <vector>
@@ -65,8 +64,6 @@ public:
     const std::vector<std::int16_t>& peakLevels() const { return peakLevels_; }
 
 private:
-    using ChunkBuffer = std::array<double, ChunkCollector::kChunkFrames>;
-
     void closeChunk(const double* mono, int frames, std::size_t index);
     void putLevel(double filteredFirst, std::size_t index);
     float envelopeRate() const { return static_cast<float>(sampleRate_) / 128.0F; }
@@ -74,7 +71,6 @@ private:
     int length_ = 0;
     int sampleRate_ = 0;
     ChunkCollector chunks_;
-    ChunkBuffer filteredBuffer_{};
     std::unique_ptr<LowPathFilter2D> audioLowPassA_;
     std::unique_ptr<LowPathFilter2D> audioLowPassB_;
     std::unique_ptr<LowPathFilter2D> envelopeLowPass_;

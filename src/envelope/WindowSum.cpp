@@ -3,7 +3,32 @@
 
 #include <algorithm>
 
+#include "dsp/vectorLanes.h"
+
 namespace beatatlas {
+
+namespace {
+
+template <std::size_t kWidth>
+struct AddLevels {
+    using Levels = Lanes<std::int16_t, 2 * kWidth>;
+    using Sums = Lanes<std::int32_t, 2 * kWidth>;
+
+    BEATATLAS_LANES static void run(const std::int16_t* levels, std::int32_t* sums, int n) {
+        constexpr int kStep = static_cast<int>(2 * kWidth);
+        int i = 0;
+        for (; i + kStep <= n; i += kStep) {
+            Levels added;
+            Sums before;
+            loadLanes(added, levels + i);
+            loadLanes(before, sums + i);
+            storeLanes(before + __builtin_convertvector(added, Sums), sums + i);
+        }
+        for (; i < n; ++i) sums[i] += levels[i];
+    }
+};
+
+}  // namespace
 
 void WindowSum::create(int width) {
     const auto places = static_cast<std::size_t>(std::max(width, 0));
@@ -20,9 +45,7 @@ void WindowSum::clear() {
 
 void WindowSum::add(const std::int16_t* levels) {
     if (gatheredCount_ == kMostGathered) settle();
-    std::int32_t* gathered = gathered_.data();
-    const std::size_t places = gathered_.size();
-    for (std::size_t k = 0; k < places; ++k) gathered[k] += levels[k];
+    runInLanes<AddLevels>(levels, gathered_.data(), width());
     ++gatheredCount_;
 }
 

@@ -7,6 +7,7 @@
 #include "dsp/isConstant.h"
 #include "dsp/sampleLanes.h"
 #include "dsp/truncation.h"
+#include "key/keyBandLanes.h"
 
 namespace beatatlas {
 
@@ -26,6 +27,7 @@ void KeyBandFilter::create(int rate) {
 void KeyBandFilter::reset() {
     s1_ = {};
     s2_ = {};
+    underWay_ = false;
 }
 
 double KeyBandFilter::runStage(int stage, double x) {
@@ -53,115 +55,34 @@ std::size_t KeyBandFilter::placeOf(int stage) {
 
 namespace {
 
-/** Equal sections in lanes, kVectors × kWidth of them. */
-template <std::size_t kWidth, std::size_t kVectors>
-struct SectionLanes {
-    using Vector = Lanes<double, kWidth>;
-
-    template <class Section>
-    BEATATLAS_LANES void load(const Section& section, const double* s1From, const double* s2From,
-                              const double* reached) {
-        fillLanes(b0, section.b0);
-        fillLanes(b1, section.b1);
-        fillLanes(a1, section.a1);
-        fillLanes(a2, section.a2);
-        for (std::size_t v = 0; v < kVectors; ++v) {
-            loadLanes(s1[v], s1From + (v * kWidth));
-            loadLanes(s2[v], s2From + (v * kWidth));
-            loadLanes(y[v], reached + (v * kWidth));
-        }
-    }
-
-    BEATATLAS_LANES void store(double* s1To, double* s2To, double* reached) const {
-        for (std::size_t v = 0; v < kVectors; ++v) {
-            storeLanes(s1[v], s1To + (v * kWidth));
-            storeLanes(s2[v], s2To + (v * kWidth));
-            storeLanes(y[v], reached + (v * kWidth));
-        }
-    }
-
-    BEATATLAS_LANES void run(const Vector& x, std::size_t v) {
-        y[v] = s1[v] + (b0 * x);
-        s1[v] = ((b1 * x) - (a1 * y[v])) + s2[v];
-        s2[v] = (b0 * x) - (a2 * y[v]);
-    }
-
-    Vector b0, b1, a1, a2;
-    Vector s1[kVectors], s2[kVectors], y[kVectors];
-};
-
-}  // namespace
-
-// Stage s takes what stage s − 1 gave in the step before. Registers of four doubles at the most: they answer sooner
-// than wider ones, and a section waits for its own last output. The conversions go in groups beside the steps, so that
-// the processor makes them while it waits.
+/** The conversions go in groups beside the steps, so that the processor makes them while it waits. */
 template <std::size_t kWidth>
-struct KeyBandFilter::Wavefront {
+struct FilterFrames {
     static constexpr std::size_t kLanes = std::min<std::size_t>(kWidth, 4);
-    static constexpr std::size_t kHalf = kLowPasses / 2;
-    static constexpr std::size_t kVectors = kHalf / kLanes;
     static constexpr int kGroup = 64;
-    using LowPasses = SectionLanes<kLanes, kVectors>;
-    using HighPasses = SectionLanes<kHighPasses, 1>;
 
-    BEATATLAS_LANES static void run(KeyBandFilter* filter, double* reached,
-                                    const std::int16_t* frames, std::int16_t* out, int n) {
-        Wavefront lanes;
-        lanes.load(*filter, reached);
+    BEATATLAS_LANES static void run(KeyBandFilter* filter, const std::int16_t* frames,
+                                    std::int16_t* out, int n) {
+        KeyBandFilter::Wavefront<kWidth> sections;
+        sections.load(*filter);
         double signal[kGroup];
         for (int done = 0; done < n; done += kGroup) {
             const int count = std::min(n - done, kGroup);
             MonoOfBlock<kLanes>::run(frames + (2 * std::ptrdiff_t{done}), signal, count);
-            for (int i = 0; i < count; ++i) signal[i] = lanes.step(signal[i]);
+            for (int i = 0; i < count; ++i) signal[i] = sections.step(signal[i]);
             LowHalvesOfBlock<kLanes>::run(signal, out + done, count);
         }
-        lanes.store(*filter, reached);
+        sections.store(*filter);
     }
-
-    BEATATLAS_LANES void load(const KeyBandFilter& filter, const double* reached) {
-        const double* s1 = filter.s1_.data();
-        const double* s2 = filter.s2_.data();
-        even.load(filter.design_.lowPass, s1, s2, reached);
-        odd.load(filter.design_.lowPass, s1 + kHalf, s2 + kHalf, reached + kHalf);
-        high.load(filter.design_.highPass, s1 + kLowPasses, s2 + kLowPasses, reached + kLowPasses);
-    }
-
-    BEATATLAS_LANES void store(KeyBandFilter& filter, double* reached) const {
-        double* s1 = filter.s1_.data();
-        double* s2 = filter.s2_.data();
-        even.store(s1, s2, reached);
-        odd.store(s1 + kHalf, s2 + kHalf, reached + kHalf);
-        high.store(s1 + kLowPasses, s2 + kLowPasses, reached + kLowPasses);
-    }
-
-    /** Takes one sample; the last section gives the sample of nine steps ago. */
-    BEATATLAS_LANES double step(double x) {
-        typename LowPasses::Vector newest;
-        fillLanes(newest, x);
-        typename LowPasses::Vector evenIn[kVectors];
-        if constexpr (kVectors == 1) {
-            evenIn[0] = __builtin_shufflevector(odd.y[0], newest, 3, 4, 1, 2);
-        } else {
-            evenIn[0] = __builtin_shufflevector(odd.y[1], newest, 1, 2);
-            evenIn[1] = __builtin_shufflevector(odd.y[0], odd.y[1], 1, 2);
-        }
-        const typename HighPasses::Vector highIn{odd.y[0][0], high.y[0][0]};
-        high.run(highIn, 0);
-        for (std::size_t v = 0; v < kVectors; ++v) odd.run(even.y[v], v);
-        for (std::size_t v = 0; v < kVectors; ++v) even.run(evenIn[v], v);
-        return high.y[0][1];
-    }
-
-    LowPasses even;  // stages 6 0 2 4
-    LowPasses odd;   // stages 7 1 3 5
-    HighPasses high;
 };
+
+}  // namespace
 
 /** One step of the sections first … last, each of which takes what its predecessor reached a step ago; the first
  *  section of all takes x. */
-void KeyBandFilter::stepStages(int first, int last, double x, PerStage& reached) {
+void KeyBandFilter::stepStages(int first, int last, double x) {
     for (int stage = last; stage >= first; --stage)
-        reached[placeOf(stage)] = runStage(stage, stage == 0 ? x : reached[placeOf(stage - 1)]);
+        reached_[placeOf(stage)] = runStage(stage, stage == 0 ? x : reached_[placeOf(stage - 1)]);
 }
 
 // In silence the sections come to rest at numbers that are very slow to compute. A frame that leaves them all as they
@@ -181,28 +102,32 @@ void KeyBandFilter::filter(const std::int16_t* frames, std::int16_t* out, int n)
 
 // A wavefront: while the first section takes sample i, section s takes sample i − s, which the sections before it have
 // left behind by then. No section waits for another within a step, so all ten go side by side; each still sees every
-// sample in turn and computes what runStage() does. The first steps start the sections one by one and the last ones
-// let them run out, so that every section has seen the whole block.
+// sample in turn and computes what runStage() does. begin() starts the sections one by one and end() lets them run out,
+// so that every section has seen the whole block.
 //
 // The magnitudes of the cascade's impulse response sum up to 2.74: no output of 16-bit samples leaves 18 bits.
 void KeyBandFilter::filterInLanes(const std::int16_t* frames, std::int16_t* out, int n) {
-    constexpr int kLag = kStages - 1;
     if (n <= kLag) {
         for (std::ptrdiff_t i = 0; i < n; ++i)
             out[i] = truncToInt16(filter(monoOfFrame(frames + (2 * i))));
         return;
     }
-    PerStage reached{};
-    for (int i = 0; i < kLag; ++i) {
-        stepStages(0, i, monoOfFrame(frames), reached);
-        frames += 2;
-    }
-    const int full = n - kLag;
-    runInLanes<Wavefront>(this, reached.data(), frames, out, full);
+    begin(frames);
+    runInLanes<FilterFrames>(this, frames + (2 * std::ptrdiff_t{kLag}), out, n - kLag);
+    end(out + (n - kLag));
+}
+
+void KeyBandFilter::begin(const std::int16_t* frames) {
+    underWay_ = true;
+    for (int i = 0; i < kLag; ++i) stepStages(0, i, monoOfFrame(frames + (2 * std::ptrdiff_t{i})));
+}
+
+void KeyBandFilter::end(std::int16_t* out) {
     for (int i = 1; i <= kLag; ++i) {
-        stepStages(i, kLag, 0.0, reached);
-        out[full + i - 1] = truncToInt16(reached[placeOf(kLag)]);
+        stepStages(i, kLag, 0.0);
+        out[i - 1] = truncToInt16(reached_[placeOf(kLag)]);
     }
+    underWay_ = false;
 }
 
 }  // namespace beatatlas

@@ -28,6 +28,20 @@ public:
      *  @param out     n samples; no part of frames */
     void filter(const std::int16_t* frames, std::int16_t* out, int n);
 
+    /** @name filter() in steps, beside other work
+     *  begin() takes kLag frames; each step of the Wavefront takes one and gives a sample; end() gives the last kLag
+     *  samples. While it is under way there is no other call.
+     *  @{ */
+    static constexpr int kLag = 9;
+    void begin(const std::int16_t* frames);
+    void end(std::int16_t* out);
+    bool isUnderWay() const { return underWay_; }
+
+    /** All sections side by side in lanes; keyBandLanes.h. */
+    template <std::size_t kWidth>
+    struct Wavefront;
+    /** @} */
+
 private:
     struct Section {
         double b0 = 0.0;  // b2 is the same
@@ -45,22 +59,21 @@ private:
     static constexpr int kLowPasses = 8;
     static constexpr int kHighPasses = 2;
     static constexpr int kStages = kLowPasses + kHighPasses;
+    static_assert(kLag == kStages - 1);
 
     /** One value per section, each at its placeOf(). */
     using PerStage = std::array<double, kStages>;
 
-    /** All sections side by side in lanes. */
-    template <std::size_t kWidth>
-    struct Wavefront;
-
     void filterInLanes(const std::int16_t* frames, std::int16_t* out, int n);
     static std::size_t placeOf(int stage);
     double runStage(int stage, double x);
-    void stepStages(int first, int last, double x, PerStage& reached);
+    void stepStages(int first, int last, double x);
 
     Design design_;
     PerStage s1_{};
     PerStage s2_{};
+    PerStage reached_{};  // what each section gave last, while under way
+    bool underWay_ = false;
 };
 
 }  // namespace beatatlas

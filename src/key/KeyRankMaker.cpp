@@ -6,6 +6,7 @@
 #include "key/KeyRankMaker.h"
 
 #include <algorithm>
+#include <array>
 #include <cstddef>
 
 #include "dsp/truncation.h"
@@ -37,6 +38,8 @@ int KeyRankMaker::create(int rate, int len) {
     filter_.create(rate);
     decimation_.create(rate);
     reset();
+    waiting_ = std::make_unique<std::int16_t[]>(2 * static_cast<std::size_t>(capacity_));
+    // Last: without it nothing is taken.
     input_ = std::make_unique<std::int16_t[]>(2 * static_cast<std::size_t>(capacity_));
     return 1;
 }
@@ -46,6 +49,7 @@ void KeyRankMaker::reset() {
     frames_ = 0;
     complete_ = false;
     fill_ = 0;
+    waitingFirst_ = waitingEnd_ = 0;
     received_ = 0;
     suppressor_.setLevels(0.0, 0.0);
     filter_.reset();
@@ -59,6 +63,8 @@ void KeyRankMaker::reset() {
 
 void KeyRankMaker::release() {
     input_.reset();
+    waiting_.reset();
+    waitingFirst_ = waitingEnd_ = 0;
     suppressor_.release();
     decimation_.release();
     spectrum_.release();
@@ -88,10 +94,10 @@ void KeyRankMaker::putSample(const std::int16_t* frames, int n) {
         taken += takeFrames(frames + (2 * static_cast<std::ptrdiff_t>(taken)), n - taken);
         if (!isFull() && received_ < length_) continue;
         analyzeAC(false);
-        keepTail();
     }
     if (received_ < length_) return;
     analyzeAC(true);
+    filterWaiting();
     analyzeKEY();
     complete_ = true;
 }
@@ -106,32 +112,57 @@ int KeyRankMaker::takeFrames(const std::int16_t* frames, int n) {
     return count;
 }
 
-/** What may still be ducked by frames to come moves to the front. A track shorter than that is kept whole. */
-void KeyRankMaker::keepTail() {
-    const int kept = std::min(fill_, suppressor_.preWindow() + suppressor_.postWindow());
-    const std::ptrdiff_t begin = 2 * static_cast<std::ptrdiff_t>(fill_ - kept);
-    if (begin > 0)
-        std::copy_n(input_.get() + begin, 2 * static_cast<std::size_t>(kept), input_.get());
+/** Hands the frames on to the band filter, but what may still be ducked by frames to come: that stays for the next time. A
+ *  track shorter than that is kept whole. */
+void KeyRankMaker::analyzeAC(bool last) {
+    filterWaiting();
+    const int ducked = suppressor_.preWindow() + suppressor_.postWindow();
+    const int kept = std::min(fill_, ducked);
+    if (frames_ < maxFrames_) suppressor_.suppress(input_.get(), fill_);
+    input_.swap(waiting_);
+    waitingFirst_ = 0;
+    waitingEnd_ = last ? fill_ : fill_ - kept;
+    std::copy_n(waiting_.get() + (2 * static_cast<std::ptrdiff_t>(fill_ - kept)),
+                2 * static_cast<std::size_t>(kept), input_.get());
     fill_ = kept;
 }
 
-void KeyRankMaker::analyzeAC(bool last) {
-    if (frames_ >= maxFrames_) return;
-    suppressor_.suppress(input_.get(), fill_);
-    int left = last ? fill_ : fill_ - suppressor_.preWindow() - suppressor_.postWindow();
-    const std::int16_t* frames = input_.get();
-    while (left > 0) {
-        // Never past the end of an analysis frame: it may be the last one.
-        const int batch = std::min(left, decimation_.room());
-        filter_.filter(frames, decimation_.end(), batch);
-        decimation_.add(batch);
-        frames += 2 * static_cast<std::ptrdiff_t>(batch);
-        left -= batch;
-        if (decimation_.missing() > 0) continue;
-        analyzeFFT();
-        decimation_.hop();
-        if (frames_ >= maxFrames_) return;
+void KeyRankMaker::filterWaiting() {
+    if (filter_.isUnderWay()) {
+        std::array<std::int16_t, KeyBandFilter::kLag> last;
+        filter_.end(last.data());
+        takeFiltered(0, last.data(), KeyBandFilter::kLag);
     }
+    for (BandStretch next = waiting(decimation_.room()); next.n > 0;
+         next = waiting(decimation_.room())) {
+        filter_.filter(next.frames, decimation_.end(), next.n);
+        waitingFirst_ += next.n;
+        addFiltered(next.n);
+    }
+}
+
+KeyRankMaker::BandStretch KeyRankMaker::waiting(int most) {
+    const int left = frames_ < maxFrames_ ? waitingEnd_ - waitingFirst_ : 0;
+    return {&filter_, waiting_.get() + (2 * static_cast<std::ptrdiff_t>(waitingFirst_)),
+            std::min(most, left)};
+}
+
+void KeyRankMaker::takeFiltered(int frames, const std::int16_t* samples, int n) {
+    waitingFirst_ += frames;
+    for (int taken = 0; taken < n && frames_ < maxFrames_;) {
+        const int count = std::min(n - taken, decimation_.room());
+        std::copy_n(samples + taken, count, decimation_.end());
+        addFiltered(count);
+        taken += count;
+    }
+}
+
+// Never past the end of an analysis frame: it may be the last one.
+void KeyRankMaker::addFiltered(int n) {
+    decimation_.add(n);
+    if (decimation_.missing() > 0) return;
+    analyzeFFT();
+    decimation_.hop();
 }
 
 void KeyRankMaker::analyzeFFT() {

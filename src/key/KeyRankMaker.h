@@ -58,6 +58,17 @@ public:
      *  track then. */
     bool hasMissedFrames() const { return spectrum_.hasMissedFrames(); }
 
+    /** Frames that wait for the band filter. They are filtered in time, but who has other work to do may have some of
+     *  them filtered beside it, in steps: takeFiltered() tells that so many more have been taken, and hands over the
+     *  samples that came of it. */
+    struct BandStretch {
+        KeyBandFilter* filter;
+        const std::int16_t* frames;
+        int n;
+    };
+    BandStretch waiting(int most);  ///< n ≤ most
+    void takeFiltered(int frames, const std::int16_t* samples, int n);
+
     /** 0 to 11: major keys from A upward; 12 to 23: minor keys from A minor. */
     int getMainKey() const { return ranking_.keys()[0]; }
 
@@ -76,8 +87,9 @@ private:
     bool isFull() const { return fill_ == capacity_; }
     int maximumFramesOf(int frames) const;
     int takeFrames(const std::int16_t* frames, int n);
-    void keepTail();
     void analyzeAC(bool last);
+    void filterWaiting();
+    void addFiltered(int n);
     void analyzeFFT();
     void analyzeKEY();
 
@@ -88,10 +100,14 @@ private:
     int frames_ = 0;
     bool complete_ = false;
 
-    std::unique_ptr<std::int16_t[]> input_;  // stereo frames not yet filtered
-    int capacity_ = 0;                       // of input_, frames
-    int fill_ = 0;                           // frames in input_
-    std::int64_t received_ = 0;              // frames ever
+    std::unique_ptr<std::int16_t[]> input_;  // stereo frames not yet ready for the band filter
+    std::unique_ptr<std::int16_t[]>
+        waiting_;           // those that are, before them those that have been through
+    int capacity_ = 0;      // of each, frames
+    int fill_ = 0;          // frames in input_
+    int waitingFirst_ = 0;  // in waiting_
+    int waitingEnd_ = 0;
+    std::int64_t received_ = 0;  // frames ever
 
     TransientSuppressor suppressor_;
     KeyBandFilter filter_;

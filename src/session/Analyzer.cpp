@@ -183,7 +183,7 @@ void Analyzer::dispatchBlock() {
 void Analyzer::dispatchFiltered() {
     const float* mono = monoBlock_.get();
     const std::int16_t* stereo = stereoBlock_.get();
-    trackFilters_.operate(mono, stereo, blockFill_);
+    trackFilters_.operate(mono, stereo, blockFill_, keyOn_ ? &keyRankMaker_ : nullptr);
     beatListMaker_.putBands(mono, trackFilters_.bands(), blockFill_,
                             loudOn_ ? &loudViewMaker_ : nullptr);
     if (simple_) simpleEnvelopeMaker_.putFiltered(trackFilters_.bassLine(), blockFill_);

@@ -2,6 +2,7 @@
 #include "session/TrackFilters.h"
 
 #include "peakss/bandDesigns.h"
+#include "session/KeyBandRunner.h"
 
 namespace beatatlas {
 
@@ -27,11 +28,15 @@ void TrackFilters::createLevel(FilterBank::Level level, const SecondOrderSection
     levelBlock.assign(frames, 0.0);
 }
 
-void TrackFilters::operate(const float* mono, const std::int16_t* stereo, int n) {
+void TrackFilters::operate(const float* mono, const std::int16_t* stereo, int n,
+                           KeyRankMaker* key) {
     FilterBank::LevelOutputs levels{};
     for (std::size_t level = 0; level < levels_.size(); ++level)
         if (!levels_[level].empty()) levels[level] = levels_[level].data();
-    bank_.operate(mono, stereo, peakss::sensorBankOutputs(bands()), levels, n);
+    const FilterBank::Outputs outputs = peakss::sensorBankOutputs(bands());
+    if (key == nullptr) return bank_.operate(mono, stereo, outputs, levels, n);
+    KeyBandRunner runner(*key, n);
+    bank_.operate(mono, stereo, outputs, levels, n, runner);
 }
 
 }  // namespace beatatlas

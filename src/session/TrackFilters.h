@@ -8,6 +8,7 @@
 
 #include "dsp/FilterBank.h"
 #include "dsp/SecondOrderSection.h"
+#include "key/KeyRankMaker.h"
 #include "peakss/BandSignals.h"
 
 namespace beatatlas {
@@ -27,8 +28,9 @@ public:
 
     void create(int rate, int blockLen, const Levels& levels);
 
-    /** Takes the next n ≤ blockLen frames in both forms: the mean of the channels, full scale ±1.0, and 16 bits. */
-    void operate(const float* mono, const std::int16_t* stereo, int n);
+    /** Takes the next n ≤ blockLen frames in both forms: the mean of the channels, full scale ±1.0, and 16 bits.
+     *  @param key  has as many of the frames filtered that wait in it; null: none */
+    void operate(const float* mono, const std::int16_t* stereo, int n, KeyRankMaker* key);
 
     peakss::BandSignals bands() { return {bands_.data(), viewLow_.data()}; }
     const double* pulses() const { return levels_[FilterBank::kTwice].data(); }

@@ -3,6 +3,8 @@
 
 #include <cmath>
 
+#include "view/fullScale.h"
+
 namespace beatatlas {
 
 namespace {
@@ -25,7 +27,7 @@ void AverageLevel::reset() {
 std::optional<AverageLevel::Average> AverageLevel::put(const float* samples, int m,
                                                        bool peakInChunk) {
     float sum = sum_;
-    for (int i = 0; i < m; ++i) sum += std::abs(samples[i]);
+    for (int i = 0; i < m; ++i) sum += std::abs(samples[i] * kFullScale);
     sum_ = sum;
     ++chunks_;
     if (chunks_ < kMostChunks && !peakInChunk) return std::nullopt;

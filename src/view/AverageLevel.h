@@ -17,7 +17,7 @@ public:
     void create(int blockLen);
     void reset();
 
-    /** Takes one chunk of m samples (16-bit scale); an average comes with every ninth chunk and every peak. */
+    /** Takes one chunk of m samples (full scale ±1.0); an average comes with every ninth chunk and every peak. */
     std::optional<Average> put(const float* samples, int m, bool peakInChunk);
 
 private:

@@ -14,7 +14,6 @@
 
 #include "dsp/IirPassFilter.h"
 #include "view/Dot.h"
-#include "view/fullScale.h"
 
 namespace beatatlas {
 
@@ -42,7 +41,6 @@ int LoudViewMaker::create(int rate, int len) {
     if (rate < kBlocksPerSecond) return 0;
     rate_ = rate;
     const int blockLen = rate / kBlocksPerSecond;
-    scaled_.resize(static_cast<std::size_t>(blockLen));
     createBands(rate, len);
     averageLevel_.create(blockLen);
     startOver();
@@ -101,7 +99,6 @@ void LoudViewMaker::clearWaves() {
 }
 
 void LoudViewMaker::release() {
-    scaled_ = {};
     for (LoudBand* band : {&low_, &mid_, &high_}) band->release();
     clearWaves();
     blockLen_ = 0;
@@ -150,9 +147,8 @@ void LoudViewMaker::filterBands(const float* in, const float*& low, const float*
 }
 
 void LoudViewMaker::fillAverageStrip(const float* in, int m) {
-    for (int i = 0; i < m; ++i) scaled_[static_cast<std::size_t>(i)] = in[i] * kFullScale;
     const bool peakInChunk = low_.detector().peakPosition() > 0;
-    const auto average = averageLevel_.put(scaled_.data(), m, peakInChunk);
+    const auto average = averageLevel_.put(in, m, peakInChunk);
     averageStrip_.put(chunk_, low_.detector().ended(), average);
 }
 

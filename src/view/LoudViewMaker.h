@@ -3,7 +3,6 @@
 
 #include <array>
 #include <cstdint>
-#include <vector>
 
 #include "dsp/FilterBank.h"
 #include "view/AverageLevel.h"
@@ -79,8 +78,7 @@ private:
     int rate_ = 0;
     int blockLen_ = 0;  // 0: not created
     std::int64_t chunk_ = 0;
-    std::vector<float> scaled_;  // the input of one chunk, 16-bit scale
-    FilterBank filters_;         // of the bands that are not handed over
+    FilterBank filters_;  // of the bands that are not handed over
     LoudBand low_;
     LoudBand mid_;
     LoudBand high_;

@@ -64,8 +64,10 @@ TEST_F(SecondOrderSectionTest, TwoInTurnGiveWhatOneAfterTheOtherGives) {
         std::vector<double> got(signal.size());
         for (int at = 0; at < length; at += block)
             operateInTurn(
-                inTurnA, [](double x) { return std::fabs(x); }, inTurnB, signal.data() + at,
-                got.data() + at, std::min(block, length - at));
+                inTurnA, [](double x) { return std::fabs(x); }, inTurnB,
+                [from = signal.data() + at](int n) { return from[n]; },
+                [to = got.data() + at](int n, double y) { to[n] = y; },
+                std::min(block, length - at));
         EXPECT_EQ(bitsOf(got), bitsOf(expected)) << block;
         EXPECT_EQ(inTurnA.y2, a.y2);
         EXPECT_EQ(inTurnB.x2, b.x2);
@@ -97,7 +99,9 @@ TEST_F(SecondOrderSectionTest, SectionsComeToRestInSilenceAndWakeUnchanged) {
         for (int at = 0; at < static_cast<int>(in.size()); at += block) {
             if (inTurnA.restsAt(0.0) && inTurnB.restsAt(magnitude(inTurnA.y1))) ++blocksAtRest;
             const int count = std::min(block, static_cast<int>(in.size()) - at);
-            operateInTurn(inTurnA, magnitude, inTurnB, in.data() + at, got.data() + at, count);
+            operateInTurn(
+                inTurnA, magnitude, inTurnB, [from = in.data() + at](int n) { return from[n]; },
+                [to = got.data() + at](int n, double y) { to[n] = y; }, count);
             blocks.operate(in.data() + at, gotAlone.data() + at, count);
         }
         EXPECT_EQ(bitsOf(got), bitsOf(expected)) << block;
@@ -110,7 +114,8 @@ TEST_F(SecondOrderSectionTest, SectionsComeToRestInSilenceAndWakeUnchanged) {
 TEST_F(SecondOrderSectionTest, AnEmptyBlockInTurnDoesNothing) {
     for (int n : {0, -1})
         operateInTurn(
-            first, [](double x) { return x; }, second, nullptr, nullptr, n);
+            first, [](double x) { return x; }, second, [](int) { return 1.0; },
+            [](int, double) { FAIL(); }, n);
     EXPECT_EQ(first.x1, 0.0);
     EXPECT_EQ(second.y1, 0.0);
 }

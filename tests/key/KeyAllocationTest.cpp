@@ -106,7 +106,7 @@ TEST_F(KeyAllocationTest, APowerSpectrumNeedsAllItsTables) {
     }
 }
 
-// A frame without a transform is silent; with memory again the next one is heard.
+// A frame without a transform is silent, which the maker remembers until the next track.
 TEST_F(KeyAllocationTest, FramesWithoutATransformAreSilent) {
     const KeyTrack music = track();
     KeyRankMaker maker;
@@ -120,6 +120,10 @@ TEST_F(KeyAllocationTest, FramesWithoutATransformAreSilent) {
     std::vector<double> points(24, -1.0);
     maker.getKeyPoint(points.data());
     EXPECT_THAT(points, ::testing::Each(0.0));
+    EXPECT_TRUE(maker.hasMissedFrames());
+    begin(maker, music);
+    maker.putSample(music.samples.data(), music.frames());
+    EXPECT_FALSE(maker.hasMissedFrames());
 }
 
 TEST_F(KeyAllocationTest, TheKeyOfABufferThrowsWithoutMemory) {

@@ -1,5 +1,6 @@
 # SPDX-License-Identifier: MIT
-# Which room may include which. No room looks up, and the track library stands on the core alone.
+# Which room may include which. No room looks up, the track library stands on the core alone, and the program sees
+# public headers only.
 cmake_minimum_required(VERSION 3.25)
 
 set(may_dsp dsp)

@@ -33,6 +33,19 @@ TEST(RateConverter, ChoosesTheSessionsRateByTheFamilyOfTheTracks) {
     }
 }
 
+TEST(RateConverter, MakesExactlyAsManyFramesAsItIsSaidTo) {
+    for (const int from : {1000, 8000, 11025, 22050, 32000, 37800, 88200, 96000, 192000}) {
+        const int to = sessionRateFor(from);
+        for (const std::size_t frames : {1U, 2U, 3U, 147U, 1151U, 1152U, 9999U, 30001U}) {
+            const std::vector<float> channel(frames, 0.25F);
+            const StereoBlock made = convertWhole({from, {channel, channel}}, to);
+            EXPECT_EQ(std::ssize(made.left),
+                      convertedFrames(static_cast<std::int64_t>(frames), from, to))
+                << frames << " at " << from;
+        }
+    }
+}
+
 TEST(RateConverter, KeepsTheLengthAndThePlaceOfASound) {
     for (const int from : {11025, 22050, 88200, 176400, 8000, 32000, 96000, 192000}) {
         const int to = sessionRateFor(from);

@@ -45,35 +45,31 @@ protected:
     StereoChain chain_{recorder_};
 };
 
-TEST_F(StereoChainTest, GivesSixteenBitSamplesBackExactly) {
+TEST_F(StereoChainTest, GivesSixteenBitSamplesAsExactFractionsOfFullScale) {
     chain_.put(*makeInt16Frame({0, 1, -1, 12345, 32767, -32768}));
     chain_.finish();
-    const std::vector<float> expected = {0.0F, 1.0F, -1.0F, 12345.0F, 32767.0F, -32768.0F};
+    const std::vector<float> expected = {
+        0.0F, 1.0F / 32768.0F, -1.0F / 32768.0F, 12345.0F / 32768.0F, 32767.0F / 32768.0F, -1.0F};
     EXPECT_EQ(recorder_.left, expected);
     EXPECT_EQ(recorder_.right, expected);
 }
 
-TEST_F(StereoChainTest, ClipsWhatIsLouderThanFullScale) {
-    chain_.put(*makeFloatFrame(44100, {{1.0F, 1.5F, -1.0F, -9.0F}, {0.0F, 0.0F, 0.0F, 0.0F}}));
-    chain_.finish();
-    EXPECT_EQ(recorder_.left, (std::vector<float>{32767.0F, 32767.0F, -32768.0F, -32768.0F}));
-}
-
-TEST_F(StereoChainTest, MakesFiniteSamplesOfInfiniteOnesAndSilenceOfWhatIsNoNumber) {
+TEST_F(StereoChainTest, HandsOnWhatIsLouderThanFullScaleAsItIs) {
     const float infinity = std::numeric_limits<float>::infinity();
     const float none = std::numeric_limits<float>::quiet_NaN();
-    chain_.put(*makeFloatFrame(44100, {{infinity, -infinity, none}, {0.0F, 0.0F, none}}));
+    chain_.put(*makeFloatFrame(44100, {{1.5F, -9.0F, infinity, none}, {0.0F, 0.0F, 0.0F, 0.0F}}));
     chain_.finish();
-    EXPECT_EQ(recorder_.right[2], 0.0F);
-    EXPECT_EQ(recorder_.left[2], 0.0F);
-    for (const float sample : recorder_.left) EXPECT_TRUE(std::isfinite(sample));
+    EXPECT_EQ(recorder_.left[0], 1.5F);
+    EXPECT_EQ(recorder_.left[1], -9.0F);
+    EXPECT_EQ(recorder_.left[2], infinity);
+    EXPECT_TRUE(std::isnan(recorder_.left[3]));
 }
 
 TEST_F(StereoChainTest, FoldsTheChannelsOfAFrame) {
     chain_.put(*makeFloatFrame(48000, {{0.5F}, {-0.5F}}));
     chain_.finish();
-    EXPECT_EQ(recorder_.left.at(0), 16384.0F);
-    EXPECT_EQ(recorder_.right.at(0), -16384.0F);
+    EXPECT_EQ(recorder_.left.at(0), 0.5F);
+    EXPECT_EQ(recorder_.right.at(0), -0.5F);
 }
 
 TEST_F(StereoChainTest, TakesItsRateFromTheFirstFrame) {
@@ -98,8 +94,8 @@ TEST_F(StereoChainTest, FollowsAChangeFromMonoToStereo) {
     chain_.put(*makeFloatFrame(44100, {{0.25F}}));
     chain_.put(*makeFloatFrame(44100, {{0.5F}, {-0.5F}}));
     chain_.finish();
-    EXPECT_EQ(recorder_.left, (std::vector<float>{8192.0F, 16384.0F}));
-    EXPECT_EQ(recorder_.right, (std::vector<float>{8192.0F, -16384.0F}));
+    EXPECT_EQ(recorder_.left, (std::vector<float>{0.25F, 0.5F}));
+    EXPECT_EQ(recorder_.right, (std::vector<float>{0.25F, -0.5F}));
 }
 
 TEST_F(StereoChainTest, DropsTheEncodersDelayAcrossFrames) {
@@ -107,7 +103,7 @@ TEST_F(StereoChainTest, DropsTheEncodersDelayAcrossFrames) {
     chain_.put(*makeFloatFrame(44100, {{0.1F, 0.1F}}));
     chain_.put(*makeFloatFrame(44100, {{0.1F, 0.5F}}));
     chain_.finish();
-    EXPECT_EQ(recorder_.left, (std::vector<float>{16384.0F}));
+    EXPECT_EQ(recorder_.left, (std::vector<float>{0.5F}));
 }
 
 TEST_F(StereoChainTest, PutsSilenceForWhatWasDamaged) {
@@ -130,8 +126,8 @@ TEST_F(StereoChainTest, HandsOnInLongStretchesAndLosesNothing) {
     chain_.finish();
     ASSERT_EQ(recorder_.left.size(), ramp.size());
     for (std::size_t i = 0; i < ramp.size(); ++i) {
-        ASSERT_EQ(recorder_.left[i], static_cast<float>(i) / 2.0F);
-        ASSERT_EQ(recorder_.right[i], static_cast<float>(i) / 2.0F);
+        ASSERT_EQ(recorder_.left[i], static_cast<float>(i) / 65536.0F);
+        ASSERT_EQ(recorder_.right[i], static_cast<float>(i) / 65536.0F);
     }
 }
 

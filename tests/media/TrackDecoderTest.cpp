@@ -151,8 +151,8 @@ TEST_F(TrackDecoderTest, PutsMonoOnBothSidesAtFullLevel) {
     const auto decoded = decodeFile(write("a", kWave, test::tone(44100, 1, 0.1, 441.0, 0.5)));
     EXPECT_EQ(decoded.format.channels, 1);
     EXPECT_EQ(decoded.sound.left, decoded.sound.right);
-    EXPECT_NEAR(decoded.sound.left.at(25), 16384.0F,
-                1.0F);  // a quarter of the tone's period of 100 frames
+    EXPECT_NEAR(decoded.sound.left.at(25), 0.5F,
+                1.0F / 32768.0F);  // a quarter of the tone's period of 100 frames
 }
 
 TEST_F(TrackDecoderTest, FoldsSurroundToStereo) {
@@ -161,7 +161,7 @@ TEST_F(TrackDecoderTest, FoldsSurroundToStereo) {
     const auto decoded = decodeFile(write("a", kFlac, surround));
     EXPECT_EQ(decoded.format.channels, 6);
     // 0.5 of full scale, lowered by 1 + 0.7071 + 0.7071, at a quarter of the period.
-    EXPECT_NEAR(decoded.sound.left.at(25), 16384.0 / 2.41421, 2.0);
+    EXPECT_NEAR(decoded.sound.left.at(25), 0.5 / 2.41421, 2.0 / 32768.0);
     EXPECT_EQ(decoded.sound.right.at(25), 0.0F);
 }
 

@@ -34,8 +34,8 @@ TEST(textFormat, SetsThousandsApart) {
 }
 
 TEST(textFormat, TellsTemposWithTwoDigits) {
-    EXPECT_EQ(bpmText(12850), "128.50");
-    EXPECT_EQ(bpmText(6005), "60.05");
+    EXPECT_EQ(bpmText(128.5), "128.50");
+    EXPECT_EQ(bpmText(60.05), "60.05");
 }
 
 TEST(textFormat, CountsOneAndMany) {

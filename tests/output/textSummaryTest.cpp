@@ -33,7 +33,7 @@ TEST(textSummary, SaysPlainlyWhatWasNotFound) {
 
 TEST(textSummary, IsSilentAboutWhatWasNotAskedFor) {
     TrackReport report = test::emptyReport();
-    report.options.tempo = base::TempoMode::off;
+    report.options.tempo = beatatlas::track::TempoMode::off;
     report.options.wantsKey = false;
     const std::string text = textSummary(report);
     EXPECT_THAT(text, Not(HasSubstr("tempo")));
@@ -43,8 +43,8 @@ TEST(textSummary, IsSilentAboutWhatWasNotAskedFor) {
 
 TEST(textSummary, TellsTheRangeOfAVaryingTempo) {
     TrackReport report = test::exampleReport();
-    report.analysis.beats[3].bpm100 = 11850;
-    report.analysis.beats[7].bpm100 = 12204;
+    report.analysis.beats[3].bpm = 118.5;
+    report.analysis.beats[7].bpm = 122.04;
     EXPECT_THAT(textSummary(report), HasSubstr("120.00 BPM, 118.50 to 122.04 along the track\n"));
 }
 

@@ -37,7 +37,7 @@ TEST(trackJson, TellsEveryBeatWithItsPlaceAndTempo) {
 
 TEST(trackJson, WritesTemposAsAPersonWould) {
     TrackReport report = test::exampleReport();
-    report.analysis.bpm100 = 12799;
+    report.analysis.bpm = 127.99;
     EXPECT_EQ(trackJson(report, false)["tempo"]["bpm"].dump(), "127.99");
 }
 
@@ -61,7 +61,7 @@ TEST(trackJson, TellsWhatWasNotFoundAsNullAndLeavesOutWhatWasNotAskedFor) {
     EXPECT_TRUE(asked["tempo"]["bpm"].is_null());
     EXPECT_TRUE(asked["beats"].empty());
     EXPECT_TRUE(asked["key"].is_null());
-    report.options.tempo = base::TempoMode::off;
+    report.options.tempo = beatatlas::track::TempoMode::off;
     report.options.wantsKey = false;
     const Json unasked = trackJson(report, false);
     EXPECT_FALSE(unasked.contains("tempo"));

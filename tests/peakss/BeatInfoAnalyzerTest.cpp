@@ -54,6 +54,7 @@ protected:
         BeatInfoAnalyzer analyzer;
         analyzer.setSamplingRate(rate_);
         analyzer.setDebugStream(stream);
+        analyzer.setQuiet(isQuiet_);
         result.bpm = analyzer.analyze(&info, result.beats, length, 4, front_, back_, varied);
         result.output = testing::internal::GetCapturedStdout();
         if (stream != nullptr) std::fclose(stream);
@@ -69,6 +70,7 @@ protected:
     int front_ = 16;
     int back_ = 12;
     bool isTraced_ = false;
+    bool isQuiet_ = false;
 };
 
 // Candidates tell 500 ms (120.0 BPM), but lie 24010 samples apart, which is 119.95: the even grid tells the tempo.
@@ -206,6 +208,21 @@ TEST_F(BeatInfoAnalyzerTest, ProgressLinesOfAVariedTempo) {
                              "区間情報\n"
                              "16\t120.000000\t0.000000\t1144\t0\n"
                              "BeatInfoAnalyzer::analyze() 拍情報の解析終了\n");
+}
+
+TEST_F(BeatInfoAnalyzerTest, QuietItPrintsNothingAndFindsAndTracesTheSame) {
+    isTraced_ = true;
+    for (const bool varied : {false, true}) {
+        isQuiet_ = false;
+        const Analysis printed = analyzed(evenBeats(1144, 24000, 40), 960000, varied);
+        isQuiet_ = true;
+        const Analysis quiet = analyzed(evenBeats(1144, 24000, 40), 960000, varied);
+        EXPECT_NE(printed.output, "");
+        EXPECT_EQ(quiet.output, "");
+        EXPECT_EQ(quiet.trace, printed.trace);
+        EXPECT_EQ(quiet.bpm, printed.bpm);
+        EXPECT_EQ(positionsOf(quiet.beats), positionsOf(printed.beats));
+    }
 }
 
 // Without a segment the sections up to the segment list are still written, empty, and no closing line.

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Oracle: the analysers' own filters, in analysers that are fed with the track itself.
+// Oracle: the analysers' own filters, in analysers that are fed with the track itself. It pauses for a while: constant
+// signals take ways of their own.
 #include "session/TrackFilters.h"
 
 #include <algorithm>
@@ -11,6 +12,7 @@
 
 #include "envelope/SimpleEnvelopeMaker.h"
 #include "envelope/UnitEnvelopeMaker.h"
+#include "key/KeyRankMaker.h"
 #include "peakss/BeatListMaker.h"
 #include "session/frameKernels.h"
 #include "support/RoundTowardZero.h"
@@ -32,7 +34,9 @@ struct Forms {
         plan.lengthFrames = length;
         plan.bpm = 133.0;
         plan.stereoWidth = 0.6;
-        const StereoTrack track = TrackSynth(plan).renderAll();
+        StereoTrack track = TrackSynth(plan).renderAll();
+        for (std::vector<float>* channel : {&track.left, &track.right})
+            std::fill(channel->begin() + 4 * rate, channel->begin() + 5 * rate, 0.0F);
         mono.resize(track.left.size());
         stereo.resize(2 * track.left.size());
         convertFrames(track.left.data(), track.right.data(), length, mono.data(), stereo.data());
@@ -50,6 +54,8 @@ struct Analysers {
         zoom.create(rate, length, 150, false);
         beats.create(rate, 0, length);
         loud.create(rate, length);
+        key.create(rate, length);
+        key.setPreCheckData(length, 4000.0 * length, 30000.0, 0, 0.0, 0.0);
     }
 
     UnitEnvelopeMaker unit;
@@ -57,11 +63,13 @@ struct Analysers {
     ZoomViewMaker zoom;
     peakss::BeatListMaker beats;
     LoudViewMaker loud;
+    KeyRankMaker key;
 };
 
 void putFiltered(Analysers& to, TrackFilters& filters, const float* mono,
                  const std::int16_t* stereo, int n) {
-    filters.operate(mono, stereo, n);
+    filters.operate(mono, stereo, n, &to.key);
+    to.key.putSample(stereo, n);
     to.unit.putFiltered(filters.pulses(), n);
     to.simple.putFiltered(filters.bassLine(), n);
     to.zoom.putFiltered(stereo, filters.bass(), n);
@@ -74,6 +82,16 @@ void putSamples(Analysers& to, const float* mono, const std::int16_t* stereo, in
     to.zoom.putSample(stereo, n);
     to.beats.put(mono, n, nullptr);
     to.loud.analyzePeak(mono, nullptr, nullptr, nullptr, n);
+    to.key.putSample(stereo, n);
+}
+
+/** Scores and shares of energy, the best key first. */
+std::vector<double> keyOf(const KeyRankMaker& key) {
+    std::vector<double> results(24 + 12);
+    key.getKeyPoint(results.data());
+    key.getNoteEncountVal(results.data() + 24);
+    results.push_back(key.getMainKey());
+    return results;
 }
 
 void expectSame(const Analysers& expected, const Analysers& got) {
@@ -93,6 +111,7 @@ void expectSame(const Analysers& expected, const Analysers& got) {
     ASSERT_EQ(got.loud.loudNum(), expected.loud.loudNum());
     for (int i = 0; i < expected.loud.loudNum(); ++i)
         ASSERT_EQ(got.loud.loudWave()[i].level, expected.loud.loudWave()[i].level) << i;
+    EXPECT_EQ(keyOf(got.key), keyOf(expected.key));
 }
 
 class TrackFiltersTest : public RoundTowardZero {};
@@ -118,6 +137,7 @@ TEST_F(TrackFiltersTest, AnalysersHearWhatTheyWouldFilterForThemselves) {
                 putFiltered(got, filters, mono, stereo, n);
             }
             ASSERT_FALSE(expected.beats.list().empty());
+            ASSERT_GT(keyOf(expected.key)[0], 0.0);
             expectSame(expected, got);
         }
     }

@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
+#include <mutex>
 #include <new>
 
 extern "C" {
@@ -47,6 +48,9 @@ private:
     Shortage shortage_ = Shortage::lasting;
 };
 
+// Threads of the program under test ask at the same time. Nothing below asks for memory under it.
+std::mutex mutex;
+
 std::size_t news = 0;
 long live = 0;
 std::array<Limit, 3> limits;  // by Requests
@@ -64,6 +68,7 @@ bool isRefused(Requests kind) {
 }
 
 void* allocateOrNull(std::size_t size, std::size_t alignment) noexcept {
+    const std::lock_guard lock(mutex);
     ++news;
     // An absurd size would be rounded up past the largest number, to nothing.
     if (isRefused(Requests::news) || size > SIZE_MAX - alignment) return nullptr;
@@ -81,6 +86,7 @@ void* allocate(std::size_t size, std::size_t alignment) {
 
 void release(void* memory) noexcept {
     if (memory == nullptr) return;
+    const std::lock_guard lock(mutex);
     --live;
     __real_free(memory);
 }
@@ -96,23 +102,28 @@ std::size_t number(std::align_val_t alignment) {
 namespace beatatlas::test {
 
 std::size_t allocationCount() {
+    const std::lock_guard lock(mutex);
     return news;
 }
 
 long liveBlocks() {
+    const std::lock_guard lock(mutex);
     return live;
 }
 
 RequestsFailAfter::RequestsFailAfter(long granted, Shortage shortage, Requests requests)
     : requests_(requests) {
+    const std::lock_guard lock(mutex);
     limitOf(requests).set(granted, shortage);
 }
 
 RequestsFailAfter::~RequestsFailAfter() {
+    const std::lock_guard lock(mutex);
     limitOf(requests_).lift();
 }
 
 long RequestsFailAfter::refusals() const {
+    const std::lock_guard lock(mutex);
     return limitOf(requests_).refusals();
 }
 
@@ -121,6 +132,7 @@ long RequestsFailAfter::refusals() const {
 extern "C" {
 
 void* __wrap_calloc(std::size_t count, std::size_t size) {
+    const std::lock_guard lock(mutex);
     if (isRefused(Requests::callocs)) return nullptr;
     const auto slot = std::find(callocs.begin(), callocs.end(), nullptr);
     void* memory = __real_calloc(count, size);
@@ -131,6 +143,7 @@ void* __wrap_calloc(std::size_t count, std::size_t size) {
 }
 
 void __wrap_free(void* memory) {
+    const std::lock_guard lock(mutex);
     const auto slot = std::find(callocs.begin(), callocs.end(), memory);
     if (memory != nullptr && slot != callocs.end()) {
         *slot = nullptr;

@@ -152,14 +152,13 @@ TEST(TrackAsSessionEdgeTest, TheVariedGridIsMeasuredOverTheStatedPhrase) {
     }
 }
 
-// 0.7 s are 30870 frames although 0.7 × 44100 lies just below: the product is rounded to nearest. Below a frame one is
-// sensed; the whole track is where the range reaches or passes its end.
+// Below a frame one is sensed, and the whole track where the range reaches or passes its end.
 TEST(TrackAsSessionEdgeTest, ASimpleGridIsSensedInTheStatedRange) {
     const Audio audio = shortMusic(44100, 12, 126.3);
     const auto whole = static_cast<int>(audio.frames());
     const std::pair<double, int> ranges[] = {{0.0, 0},
                                              {4.0, 4 * 44100},
-                                             {0.7, 30870},
+                                             {0.5, 22050},
                                              {1e-9, 1},
                                              {12.0, whole},
                                              {1e300, whole},
@@ -172,6 +171,18 @@ TEST(TrackAsSessionEdgeTest, ASimpleGridIsSensedInTheStatedRange) {
         const SessionRequest request{.kind = SessionKind::simple, .sectionBeats = frames};
         expectSame(analyseArrays(options, audio),
                    analyseTrack(request, inSessionScale(audio), {4096}));
+    }
+}
+
+// Of about half of all tempi the nearest double lies above: a quotient that was cut off would be another.
+TEST(TrackAsSessionEdgeTest, ATempoIsTheDoubleNearestToItsHundredths) {
+    BA_TrackOptions options = defaultsOf();
+    options.wants_key = options.wants_waves = 0;
+    for (const double played : {91.7, 101.3, 117.7, 127.9, 133.1, 142.6}) {
+        const Found found = analyseArrays(options, shortMusic(44100, 10, played));
+        EXPECT_GT(found.bpm, 0.0);
+        EXPECT_EQ(found.bpm, static_cast<double>(std::lround(found.bpm * 100.0)) / 100.0);
+        for (const BA_TrackBeat& beat : found.beats) EXPECT_EQ(beat.bpm, found.bpm);
     }
 }
 

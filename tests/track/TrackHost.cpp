@@ -88,6 +88,7 @@ Found analyseArrays(const BA_TrackOptions& options, const Audio& audio) {
 
 /** Where a pass has come to. */
 struct WatchedSource::PassState {
+    std::int64_t length = 0;
     std::int64_t at = 0;
     std::size_t turn = 0;
 };
@@ -103,6 +104,11 @@ Found WatchedSource::analyse(const BA_TrackOptions& options, std::int64_t frames
     return readAndRelease(status, track);
 }
 
+std::int64_t WatchedSource::lengthOfPass(int number) const {
+    if (lengths.empty()) return audio_.frames();
+    return lengths[std::min(static_cast<std::size_t>(number), lengths.size()) - 1];
+}
+
 void* WatchedSource::openPass(void* host) {
     auto& source = *static_cast<WatchedSource*>(host);
     source.atEveryCall();
@@ -112,7 +118,7 @@ void* WatchedSource::openPass(void* host) {
         ++source.failedOpens_;
         return nullptr;
     }
-    auto* pass = new PassState;
+    auto* pass = new PassState{source.lengthOfPass(source.opens_)};
     source.open_.insert(pass);
     source.mostOpen_ = std::max(source.mostOpen_, static_cast<int>(source.open_.size()));
     return pass;
@@ -127,15 +133,14 @@ std::int64_t WatchedSource::readPass(void* host, void* pass, float* left, float*
         auto* state = static_cast<PassState*>(pass);
         source.wasMisused_ = source.wasMisused_ || frames < 1 || source.open_.count(state) == 0;
         source.mostAsked_ = std::max(source.mostAsked_, frames);
-        if (++source.reads_ == source.failsAtRead) return -1;
+        if (++source.reads_ == source.failsAtRead) return source.failure;
     }
     return source.handOut(*static_cast<PassState*>(pass), left, right, frames);
 }
 
 std::int64_t WatchedSource::handOut(PassState& pass, float* left, float* right,
                                     std::int64_t frames) {
-    const std::int64_t end = length < 0 ? audio_.frames() : length;
-    std::int64_t count = std::min(frames, end - pass.at);
+    std::int64_t count = std::min(frames, pass.length - pass.at);
     if (!readSizes.empty()) count = std::min(count, readSizes[pass.turn++ % readSizes.size()]);
     for (std::int64_t i = 0; i < count; ++i) {
         const auto from = static_cast<std::size_t>(pass.at + i);

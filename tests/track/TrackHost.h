@@ -57,12 +57,13 @@ public:
     explicit WatchedSource(const Audio& audio) : audio_(audio) {}
 
     // What it does; to be set before the analysis.
+    std::vector<std::int64_t> readSizes;  ///< the most frames reads hand out, in turn; empty: all
     std::vector<std::int64_t>
-        readSizes;  ///< the most frames a read hands out, in turn; empty: as many as asked for
-    std::int64_t length =
-        -1;                ///< frames handed out; -1: those of the audio, more: silence behind it
-    int failsAtOpen = 0;   ///< this open, from 1, gives null
-    long failsAtRead = 0;  ///< this read, from 1, gives -1
+        lengths;          ///< what passes hand out, in turn and the last one on; silence behind the
+                          ///< audio; empty: the audio
+    int failsAtOpen = 0;  ///< this open, from 1, gives null
+    long failsAtRead = 0;  ///< this read, from 1, gives failure
+    std::int64_t failure = -1;
     bool isFewestPasses = false;
     std::function<void()> atEveryCall = [] {};
 
@@ -85,6 +86,7 @@ private:
     static std::int64_t readPass(void* host, void* pass, float* left, float* right,
                                  std::int64_t frames);
     static void closePass(void* host, void* pass);
+    std::int64_t lengthOfPass(int number) const;
     std::int64_t handOut(PassState& pass, float* left, float* right, std::int64_t frames);
 
     const Audio& audio_;

@@ -15,8 +15,13 @@ protected:
     AverageLevelTest() { average.create(10); }
 
     std::optional<AverageLevel::Average> put(float value, bool peak, std::size_t samples = 10) {
-        const std::vector<float> chunk(samples, value);
-        return average.put(chunk.data(), static_cast<int>(samples), peak);
+        return put(std::vector<float>(samples, value), peak);
+    }
+
+    /** Samples in 16-bit scale, as the averages are. */
+    std::optional<AverageLevel::Average> put(std::vector<float> chunk, bool peak) {
+        for (float& sample : chunk) sample /= 32768.0F;
+        return average.put(chunk.data(), static_cast<int>(chunk.size()), peak);
     }
 
     AverageLevel average;
@@ -33,8 +38,7 @@ TEST_F(AverageLevelTest, ComesWithEveryNinthChunk) {
 }
 
 TEST_F(AverageLevelTest, TakesMagnitudes) {
-    const float chunk[4] = {-1.0F, 2.0F, -3.0F, 4.0F};
-    const auto found = average.put(chunk, 4, true);
+    const auto found = put({-1.0F, 2.0F, -3.0F, 4.0F}, true);
     ASSERT_TRUE(found);
     EXPECT_EQ(found->level, 1.0F);
 }
@@ -74,7 +78,7 @@ TEST_F(AverageLevelTest, DividesByWholeBlocksEvenForAShortChunk) {
 TEST_F(AverageLevelTest, SumsInSinglePrecisionOneByOne) {
     std::vector<float> chunk(10, 1.0F);
     chunk[0] = 16777216.0F;
-    const auto found = average.put(chunk.data(), 10, true);
+    const auto found = put(chunk, true);
     ASSERT_TRUE(found);
     EXPECT_EQ(found->level, 16777216.0F / 10.0F);
 }

@@ -13,7 +13,7 @@ namespace {
 constexpr int kClickReach = 10;
 constexpr double kClickHeight = 0.6;
 constexpr double kSearchSeconds = 0.05;
-constexpr float kAudible = 1000.0F;
+constexpr float kAudible = 0.03F;
 
 }  // namespace
 
@@ -86,7 +86,7 @@ double levelAt(const std::vector<float>& channel, int rate, double hertz, std::s
     return 2.0 * std::hypot(re, im) / static_cast<double>(count);
 }
 
-void Recorder::put(media::StereoBlock& block) {
+void Recorder::put(const media::StereoBlock& block) {
     left.insert(left.end(), block.left.begin(), block.left.end());
     right.insert(right.end(), block.right.begin(), block.right.end());
 }

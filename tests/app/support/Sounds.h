@@ -40,7 +40,7 @@ double levelAt(const std::vector<float>& channel, int rate, double hertz, std::s
 /** Gathers a decoded track. */
 class Recorder : public media::TrackSink {
 public:
-    void put(media::StereoBlock& block) override;
+    void put(const media::StereoBlock& block) override;
 
     std::vector<float> left;
     std::vector<float> right;

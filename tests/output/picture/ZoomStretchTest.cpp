@@ -9,8 +9,8 @@ namespace output {
 namespace {
 
 /** A minute of quiet with one loud stretch. */
-base::AnalysisResult minuteLoudFrom(double seconds, double length) {
-    base::AnalysisResult analysis;
+beatatlas::track::TrackResult minuteLoudFrom(double seconds, double length) {
+    beatatlas::track::TrackResult analysis;
     analysis.rate = 44100;
     analysis.frames = 44100 * 60;
     for (int i = 0; i < 150 * 60; ++i) {
@@ -27,9 +27,9 @@ TEST(ZoomStretch, FindsTheLoudestPlace) {
 }
 
 TEST(ZoomStretch, BeginsShortlyBeforeTheDownbeatThatLeadsThere) {
-    base::AnalysisResult analysis = minuteLoudFrom(30.0, 12.0);
+    beatatlas::track::TrackResult analysis = minuteLoudFrom(30.0, 12.0);
     for (int i = 0; i < 120; ++i)
-        analysis.beats.push_back({i * 22050, i % 4 + 1, 12000});  // bars of two seconds
+        analysis.beats.push_back({i * 0.5, 120.0, i * 22050, i % 4 + 1});  // bars of two seconds
     EXPECT_NEAR(chooseZoomStretch(analysis, {}).from, 29.9, 0.01);
     analysis.beats.erase(analysis.beats.begin() + 60);  // the downbeat at 30 s
     EXPECT_NEAR(chooseZoomStretch(analysis, {}).from, 27.9, 0.01);
@@ -59,7 +59,7 @@ TEST(ZoomStretch, IsTheWholeOfAShortTrack) {
 }
 
 TEST(ZoomStretch, NeedsNoWave) {
-    base::AnalysisResult analysis = minuteLoudFrom(30.0, 12.0);
+    beatatlas::track::TrackResult analysis = minuteLoudFrom(30.0, 12.0);
     analysis.zoomWave.clear();
     EXPECT_DOUBLE_EQ(chooseZoomStretch(analysis, {}).from, 0.0);
 }

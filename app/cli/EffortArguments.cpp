@@ -1,0 +1,50 @@
+// SPDX-License-Identifier: MIT
+#include "cli/EffortArguments.h"
+
+#include <algorithm>
+#include <string>
+
+#include <CLI/CLI.hpp>
+#include <sched.h>
+
+#include "cli/memorySize.h"
+#include "cli/numberBetween.h"
+
+namespace app {
+
+namespace {
+
+constexpr int kMostUsefulThreads = 4;
+constexpr int kMostThreads = 256;
+
+/** How many processors the caller lets this process use. */
+int processors() {
+    cpu_set_t set;
+    CPU_ZERO(&set);
+    if (sched_getaffinity(0, sizeof set, &set) != 0) return 1;
+    return std::max(1, CPU_COUNT(&set));
+}
+
+}  // namespace
+
+EffortArguments::EffortArguments() {
+    effort_.threads = std::min(processors(), kMostUsefulThreads);
+}
+
+void EffortArguments::declare(CLI::App& arguments) {
+    arguments
+        .add_option_function<std::string>(
+            "--memory",
+            [this](const std::string& text) { effort_.memoryBytes = *parseMemorySize(text); },
+            "how much memory to take, about: 512M, 1.5G, 2GiB … (default: 1G); a track that does\n"
+            "not fit is decoded anew for each pass")
+        ->check(CLI::Validator(requireMemorySize, ""))
+        ->option_text("SIZE");
+    arguments
+        .add_option("--threads", effort_.threads,
+                    "how many threads may work at once (default: a processor each, at most 4)")
+        ->check(wholeNumberBetween(1, kMostThreads))
+        ->option_text("NUMBER");
+}
+
+}  // namespace app

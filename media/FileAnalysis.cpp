@@ -1,0 +1,97 @@
+// SPDX-License-Identifier: MIT
+#include "media/FileAnalysis.h"
+
+#include <optional>
+#include <utility>
+
+#include "base/Interrupt.h"
+#include "base/errors.h"
+#include "media/FilePasses.h"
+
+namespace media {
+
+namespace {
+
+// Of the whole work, where the decoding has to end before the analysis can begin.
+constexpr double kDecodingShare = 0.5;
+
+using beatatlas::track::TrackResult;
+
+/** One bar over all of the work, whatever has to be done over again. */
+class WholeProgress {
+public:
+    explicit WholeProgress(const std::function<void(double, double)>& shown) : shown_(shown) {}
+
+    void setSeconds(double seconds) { seconds_ = seconds; }
+
+    /** What is left is done so far. @throws Interrupted */
+    void show(double fraction) {
+        base::Interrupt::check();
+        done_ = begin_ + fraction * (1.0 - begin_);
+        if (shown_) shown_(done_, seconds_);
+    }
+
+    /** Fractions count from here. */
+    void beginAgain() { begin_ = done_; }
+
+private:
+    const std::function<void(double, double)>& shown_;
+    double seconds_ = 0.0;
+    double begin_ = 0.0;
+    double done_ = 0.0;
+};
+
+/** @return nothing when the track has another length */
+std::optional<TrackResult> attempt(const beatatlas::track::Options& wanted, FilePasses& passes,
+                                   std::int64_t frames, WholeProgress& progress) {
+    passes.expect(frames);
+    progress.setSeconds(static_cast<double>(frames) / passes.rate());
+    beatatlas::track::Options options = wanted;
+    options.threads = passes.threads();
+    options.progress = [&](double fraction) { progress.show(fraction); };
+    const beatatlas::track::Source source{[&] { return passes.open(); }, passes.areCostly()};
+    try {
+        return analyze(options, passes.rate(), frames, source);
+    } catch (const beatatlas::track::Error& error) {
+        if (error.status() != BA_TRACK_WRONG_LENGTH) throw;
+        return std::nullopt;
+    }
+}
+
+void awaitEnd(FilePasses& passes, WholeProgress& progress) {
+    while (!passes.awaitEnd()) progress.show(passes.shareRead() * kDecodingShare);
+    progress.beginAgain();
+}
+
+std::string wrongLengthNote(std::int64_t declared, std::int64_t found) {
+    return "declares " + std::to_string(declared) + " frames and has " + std::to_string(found) +
+           ": analysed over again with its true length";
+}
+
+}  // namespace
+
+FileAnalysis::FileAnalysis(Options options) : options_(std::move(options)) {}
+
+AnalysedFile FileAnalysis::analyze(const std::string& path) const {
+    FilePasses passes(path, {options_.effort, options_.acceptsCutOff, options_.alongside,
+                             options_.alongsideBytesPerFrame});
+    WholeProgress progress(options_.progress);
+    const auto declared = passes.declaredFrames();
+    if (declared) {
+        if (auto result = attempt(options_.track, passes, *declared, progress))
+            return {passes.file(), std::move(*result)};
+        progress.beginAgain();
+    }
+    awaitEnd(passes, progress);
+    const std::int64_t frames = passes.frames();
+    if (declared && frames != *declared && options_.note)
+        options_.note(wrongLengthNote(*declared, frames));
+    auto result =
+        frames == declared ? std::nullopt : attempt(options_.track, passes, frames, progress);
+    if (!result)
+        throw base::TrackError(
+            "did not give the same music twice: its decoder cannot be relied on");
+    return {passes.file(), std::move(*result)};
+}
+
+}  // namespace media

@@ -1,0 +1,103 @@
+// SPDX-License-Identifier: MIT
+#include "media/FilePasses.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace media {
+
+namespace {
+
+// The program with its libraries, an open decoder and the blocks on their way.
+constexpr double kProgramBytes = 48.0 * 1024 * 1024;
+
+// Of analysing a second of track, key and waves included.
+constexpr double kAnalysisBytesPerFrame = 6000.0 / 44100.0;
+
+constexpr double kBytesPerIntegerFrame = 4.0;
+constexpr double kBytesPerFloatFrame = 8.0;
+
+// What a decoder may be ahead of its reader where nothing is kept: a dozen seconds in floats.
+constexpr std::int64_t kWindowBytes = 4 * 1024 * 1024;
+
+Decoding::Place placeOf(bool hasThread) {
+    return hasThread ? Decoding::Place::ownThread : Decoding::Place::readersThread;
+}
+
+}  // namespace
+
+struct FilePasses::AnotherDecoding {
+    AnotherDecoding(const std::string& path, Decoding::Place place, Decoding::Hooks hooks)
+        : decoding(path, kWindowBytes, place, std::move(hooks)) {}
+
+    Decoding decoding;
+    PcmReader reader{decoding.store()};
+};
+
+FilePasses::FilePasses(std::string path, Options options)
+    : path_(std::move(path)), options_(std::move(options)),
+      first_(path_, keptBytes(), placeOf(options_.effort.threads > 1), hooks()),
+      firstReader_(std::make_shared<PcmReader>(first_.store())), threads_(options_.effort.threads) {
+    first_.start();
+    first_.awaitFirst();
+}
+
+Decoding::Hooks FilePasses::hooks() {
+    const auto examine = [this](const TrackDecoder& decoder, std::int64_t frames) {
+        file_ = usableTrack(path_, decoder, frames, options_.acceptsCutOff);
+    };
+    return {options_.alongside, examine};
+}
+
+/** What memory is left for the track itself, when the rest grows with it: such a track is the longest that fits. */
+std::int64_t FilePasses::keptBytes() const {
+    const double left =
+        std::max(0.0, static_cast<double>(options_.effort.memoryBytes) - kProgramBytes);
+    const double beside = kAnalysisBytesPerFrame + options_.alongsideBytesPerFrame;
+    const double kept = left * kBytesPerIntegerFrame / (kBytesPerIntegerFrame + beside);
+    return std::max(kWindowBytes, static_cast<std::int64_t>(kept));
+}
+
+void FilePasses::expect(std::int64_t frames) {
+    PcmStore& store = first_.store();
+    const double perFrame = store.beginsWithFloats() ? kBytesPerFloatFrame : kBytesPerIntegerFrame;
+    const bool isKept = store.isWhole() &&
+                        static_cast<double>(frames) * perFrame <= static_cast<double>(keptBytes());
+    if (isKept) return;
+    store.setLimit(kWindowBytes);
+    threads_ = std::max(1, options_.effort.threads - 1);
+}
+
+beatatlas::track::Pass FilePasses::open() {
+    const std::lock_guard lock(mutex_);
+    auto reader = std::exchange(firstReader_, nullptr);
+    if (!reader && !first_.store().isWhole()) return decodeAnew();
+    if (!reader) reader = std::make_shared<PcmReader>(first_.store());
+    return [this, reader](float* left, float* right, std::int64_t frames) {
+        return first_.read(*reader, left, right, frames);
+    };
+}
+
+beatatlas::track::Pass FilePasses::decodeAnew() const {
+    const auto refuseAnother = [state = file_.state](const TrackDecoder& decoder, std::int64_t) {
+        refuseUnlessUnchanged(decoder, state);
+    };
+    const auto place = placeOf(options_.effort.threads > threads_);
+    auto again =
+        std::make_shared<AnotherDecoding>(path_, place, Decoding::Hooks{nullptr, refuseAnother});
+    again->decoding.start();
+    return [again](float* left, float* right, std::int64_t frames) {
+        return again->decoding.read(again->reader, left, right, frames);
+    };
+}
+
+bool FilePasses::areCostly() const {
+    return !first_.store().hasEnded() || !first_.store().isWhole();
+}
+
+bool FilePasses::awaitEnd() {
+    if (first_.store().isFull()) firstReader_.reset();
+    return first_.awaitEnd();
+}
+
+}  // namespace media

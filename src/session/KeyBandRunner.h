@@ -1,0 +1,36 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#include "dsp/filterBankLanes.h"
+#include "key/KeyRankMaker.h"
+
+namespace beatatlas {
+
+/** Does the steps of a FilterBank, and beside them filters what waits in a KeyRankMaker: both wait for the last outputs of
+ *  their own sections, not for each other. */
+class KeyBandRunner : public FilterBankRunner {
+public:
+    /** @param most  frames to filter for the key at the most */
+    KeyBandRunner(KeyRankMaker& keyRankMaker, int most);
+    KeyBandRunner(const KeyBandRunner&) = delete;
+    KeyBandRunner& operator=(const KeyBandRunner&) = delete;
+
+    void run(FilterBankLanes& lanes, FilterBankTile& tile,
+             const FilterBankStretch& stretch) override;
+
+private:
+    using BandStretch = KeyRankMaker::BandStretch;
+
+    template <std::size_t kWidth>
+    struct Kernel;
+
+    void take(int frames, const std::int16_t* samples, int n);
+
+    KeyRankMaker& keyRankMaker_;
+    BandStretch key_;  // what is left of it
+};
+
+}  // namespace beatatlas

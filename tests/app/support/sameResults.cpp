@@ -1,0 +1,66 @@
+// SPDX-License-Identifier: MIT
+#include "support/sameResults.h"
+
+#include <gtest/gtest.h>
+
+#include "media/TrackDecoder.h"
+#include "support/Sounds.h"
+
+namespace test {
+
+namespace {
+
+using beatatlas::track::Beat;
+using beatatlas::track::KeyRanking;
+using beatatlas::track::WavePoint;
+
+void expectSameWave(const std::vector<WavePoint>& found, const std::vector<WavePoint>& expected) {
+    ASSERT_EQ(found.size(), expected.size());
+    for (std::size_t i = 0; i < found.size(); ++i) {
+        ASSERT_EQ(found[i].level, expected[i].level) << i;
+        ASSERT_EQ(found[i].color, expected[i].color) << i;
+    }
+}
+
+void expectSameBeats(const std::vector<Beat>& found, const std::vector<Beat>& expected) {
+    ASSERT_EQ(found.size(), expected.size());
+    for (std::size_t i = 0; i < found.size(); ++i) {
+        ASSERT_EQ(found[i].frame, expected[i].frame) << i;
+        ASSERT_EQ(found[i].bpm, expected[i].bpm) << i;
+        ASSERT_EQ(found[i].numberInBar, expected[i].numberInBar) << i;
+    }
+}
+
+void expectSameKey(const std::optional<KeyRanking>& found,
+                   const std::optional<KeyRanking>& expected) {
+    ASSERT_EQ(found.has_value(), expected.has_value());
+    if (!found) return;
+    EXPECT_EQ(found->keys, expected->keys);
+    EXPECT_EQ(found->scores, expected->scores);
+    EXPECT_EQ(found->noteCounts, expected->noteCounts);
+    EXPECT_EQ(found->noteShares, expected->noteShares);
+}
+
+}  // namespace
+
+PlainAnalysis::PlainAnalysis(const std::string& path) {
+    Recorder sound;
+    media::TrackDecoder decoder(path);
+    decoder.run(sound);
+    result_ = beatatlas::track::analyze({}, decoder.format().sessionRate, sound.left.data(),
+                                        sound.right.data(), std::ssize(sound.left));
+}
+
+void expectSameResults(const beatatlas::track::TrackResult& found,
+                       const beatatlas::track::TrackResult& expected) {
+    EXPECT_EQ(found.rate, expected.rate);
+    EXPECT_EQ(found.frames, expected.frames);
+    EXPECT_EQ(found.bpm, expected.bpm);
+    expectSameBeats(found.beats, expected.beats);
+    expectSameWave(found.loudWave, expected.loudWave);
+    expectSameWave(found.dotsWave, expected.dotsWave);
+    expectSameWave(found.zoomWave, expected.zoomWave);
+    expectSameKey(found.key, expected.key);
+}
+
+}  // namespace test

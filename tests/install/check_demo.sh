@@ -1,0 +1,26 @@
+#!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
+# check_demo.sh X NINJA BUILD_DIR
+# Whatever is installed is built by what ./x demo asks for, so that `cmake --install` may follow it at once.
+set -euo pipefail
+x=$1 ninja=$2 build=$3
+read -r -a targets < <(sed -n '/^task_demo/,/^}/s/^ *build release //p' "$x")
+echo "built by the demo: ${targets[*]}"
+made=$("$ninja" -C "$build" -t commands "${targets[@]}" | sed -nE 's/.* (-o|qc) +([^ ]+) .*/\2/p')
+
+checked=0 missing=0
+while read -r file; do
+    # Text is written by CMake, or stands in the source tree. A library's other names are made along with it.
+    case $file in
+        "$build"/*.a | "$build"/*.so | "$build"/*.so.* | "$build/app/"*) ;;
+        *) continue ;;
+    esac
+    file=$(realpath -m "$file")
+    checked=$((checked + 1))
+    if ! grep -qxF "${file#"$build"/}" <<<"$made"; then
+        echo "not built by the demo: $file"
+        missing=1
+    fi
+done < <(sed -n '/file(INSTALL/s/.*FILES "\([^"]*\)".*/\1/p' "$build/cmake_install.cmake")
+echo "$checked files that are built and installed"
+[[ $checked -ge 5 && $missing -eq 0 ]]

@@ -1,0 +1,42 @@
+#!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
+# check_folders.sh CMAKE CXX SOURCE_DIR WORK_DIR
+# The pkg-config files name the folders that were asked for: outside the prefix as they are, inside relative to themselves.
+set -euo pipefail
+cmake=$1 cxx=$2 source=$3 work=$4
+rm -rf "$work"
+failed=0
+
+# configure [OPTION…]
+configure() {
+    "$cmake" -G Ninja -S "$source" -B "$work" -DCMAKE_CXX_COMPILER="$cxx" -DBEATATLAS_BUILD_APP=OFF \
+        -DBEATATLAS_BUILD_TESTS=OFF -DCMAKE_INSTALL_PREFIX=/opt/atlas "$@" >/dev/null
+}
+
+# expect VARIABLE VALUE
+expect() {
+    local library value
+    for library in beatatlas beatatlas_track; do
+        value=$(pkg-config --define-variable=pcfiledir=HERE --variable="$1" "$work/$library.pc")
+        if [[ $value != "$2" ]]; then
+            echo "$library: $1 is $value, not $2"
+            failed=1
+        fi
+    done
+}
+
+configure -DCMAKE_INSTALL_LIBDIR=lib
+expect prefix HERE/../..
+expect libdir HERE/../../lib
+expect includedir HERE/../../include
+configure -DCMAKE_INSTALL_LIBDIR=lib/x86_64-linux-gnu
+expect prefix HERE/../../..
+expect libdir HERE/../../../lib/x86_64-linux-gnu
+expect includedir HERE/../../../include
+configure -DCMAKE_INSTALL_LIBDIR=/opt/libraries -DCMAKE_INSTALL_INCLUDEDIR=include
+expect libdir /opt/libraries
+expect includedir /opt/atlas/include
+configure -DCMAKE_INSTALL_LIBDIR=/opt/libraries -DCMAKE_INSTALL_INCLUDEDIR=/opt/headers
+expect libdir /opt/libraries
+expect includedir /opt/headers
+exit $failed

@@ -1,0 +1,37 @@
+#!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
+# compare_examples.sh CMAKE CC SOURCE_DIR PREFIX WORK_DIR
+# Builds the examples against the installed copy as two hosts would: one finds the CMake package, one asks pkg-config.
+# Both must run and say the same.
+set -euo pipefail
+cmake=$1 cc=$2 source=$3 prefix=$4 work=$5
+rm -rf "$work"
+mkdir -p "$work"
+libdir=$(dirname "$(find "$prefix" -name 'libbeatatlas.so')")
+export PKG_CONFIG_PATH=$libdir/pkgconfig
+
+"$cmake" -G Ninja -S "$source/examples" -B "$work/cmake-host" -DCMAKE_PREFIX_PATH="$prefix" -DCMAKE_C_COMPILER="$cc" >"$work/configure.log"
+"$cmake" --build "$work/cmake-host" >"$work/build.log"
+
+# build_host EXAMPLE PACKAGE
+build_host() {
+    # shellcheck disable=SC2046
+    "$cc" -std=c99 -Wall -Wextra -Werror -pedantic "$source/examples/$1.c" -o "$work/pkg-$1" \
+        $(pkg-config --cflags --libs "$2")
+}
+build_host overview beatatlas
+build_host track beatatlas_track
+
+# Two seconds of a loud square wave at 150 Hz, 16-bit stereo.
+awk 'BEGIN { for (i = 0; i < 88200; ++i) printf (int(i / 147) % 2) ? "\\x00\\x40\\x00\\x40" : "\\x00\\xc0\\x00\\xc0" }' |
+    { read -r -d '' text || true; printf '%b' "$text"; } >"$work/track.raw"
+[[ $(stat -c %s "$work/track.raw") -eq 352800 ]] || { echo "track.raw has the wrong size"; exit 1; }
+
+for example in overview track; do
+    "$work/cmake-host/$example" "$work/track.raw" >"$work/cmake-$example.txt"
+    LD_LIBRARY_PATH=$libdir "$work/pkg-$example" "$work/track.raw" >"$work/pkg-$example.txt"
+    cat "$work/pkg-$example.txt"
+    cmp "$work/cmake-$example.txt" "$work/pkg-$example.txt"
+done
+grep -q 'loud 400, dots 100, zoom 300 points' "$work/pkg-overview.txt"
+grep -q 'tempo 0.00 BPM, key ' "$work/pkg-track.txt"

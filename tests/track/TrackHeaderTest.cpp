@@ -1,0 +1,201 @@
+// SPDX-License-Identifier: MIT
+// The C++ header: the same results in values, and exceptions both ways.
+#include <memory>
+#include <new>
+#include <stdexcept>
+
+#include <gtest/gtest.h>
+
+#include "beatatlas/track.hpp"
+#include "support/signals.h"
+#include "track/TrackHost.h"
+
+namespace beatatlas::test {
+namespace {
+
+using track::Beat;
+using track::Options;
+using track::Pass;
+using track::Source;
+using track::TrackResult;
+
+const Audio& music() {
+    static const Audio audio = shortMusic(44100, 6, 126.3);
+    return audio;
+}
+
+TrackResult analysed(const Options& options, const Audio& audio = music()) {
+    return track::analyze(options, audio.rate, audio.left.data(), audio.right.data(),
+                          audio.frames());
+}
+
+/** A source as a host writes it; counts the passes that live. */
+struct CountedSource {
+    std::shared_ptr<int> passes = std::make_shared<int>(0);
+    int opens = 0;
+
+    Source source(bool fewestPasses = false) {
+        return {[this] {
+                    ++opens;
+                    return [alive = passes, at = std::size_t{0}](float* left, float* right,
+                                                                 std::int64_t frames) mutable {
+                        const auto count =
+                            std::min(static_cast<std::size_t>(frames), music().left.size() - at);
+                        std::copy_n(music().left.begin() + static_cast<std::ptrdiff_t>(at), count,
+                                    left);
+                        std::copy_n(music().right.begin() + static_cast<std::ptrdiff_t>(at), count,
+                                    right);
+                        at += count;
+                        return static_cast<std::int64_t>(count);
+                    };
+                },
+                fewestPasses};
+    }
+};
+
+void expectSameWave(const std::vector<track::WavePoint>& found,
+                    const std::vector<BA_WaveInfo>& expected) {
+    ASSERT_EQ(found.size(), expected.size());
+    for (std::size_t i = 0; i < found.size(); ++i) {
+        EXPECT_EQ(found[i].level, expected[i].level);
+        EXPECT_EQ(found[i].color, expected[i].color);
+    }
+}
+
+TEST(TrackHeaderTest, GivesWhatThePlainInterfaceGives) {
+    const TrackResult result = analysed({});
+    const Found expected = analyseArrays(defaultsOf(), music());
+    EXPECT_EQ(result.rate, expected.rate);
+    EXPECT_EQ(result.frames, expected.frames);
+    EXPECT_EQ(result.bpm, expected.bpm);
+    ASSERT_EQ(result.beats.size(), expected.beats.size());
+    for (std::size_t i = 0; i < result.beats.size(); ++i) {
+        EXPECT_EQ(result.beats[i].seconds, expected.beats[i].seconds);
+        EXPECT_EQ(result.beats[i].bpm, expected.beats[i].bpm);
+        EXPECT_EQ(result.beats[i].frame, expected.beats[i].frame);
+        EXPECT_EQ(result.beats[i].numberInBar, expected.beats[i].number_in_bar);
+    }
+    expectSameWave(result.loudWave, expected.waves[BA_TRACK_WAVE_LOUD]);
+    expectSameWave(result.dotsWave, expected.waves[BA_TRACK_WAVE_DOTS]);
+    expectSameWave(result.zoomWave, expected.waves[BA_TRACK_WAVE_ZOOM]);
+    ASSERT_TRUE(result.key.has_value());
+    for (std::size_t i = 0; i < 24; ++i) {
+        EXPECT_EQ(result.key->keys[i], expected.ranking[i].key);
+        EXPECT_EQ(result.key->scores[i], expected.ranking[i].score);
+    }
+    for (std::size_t i = 0; i < 12; ++i) {
+        EXPECT_EQ(result.key->noteCounts[i], expected.notes[i].count);
+        EXPECT_EQ(result.key->noteShares[i], expected.notes[i].share);
+    }
+}
+
+TEST(TrackHeaderTest, OptionsReachTheLibrary) {
+    Options options;
+    options.tempo = track::TempoMode::varied;
+    options.sectionBeats = 8;
+    options.wantsWaves = false;
+    options.wantsKey = false;
+    options.threads = 2;
+    BA_TrackOptions plain = defaultsOf();
+    plain.tempo = BA_TRACK_TEMPO_VARIED;
+    plain.section_beats = 8;
+    plain.wants_key = 0;
+    const TrackResult result = analysed(options);
+    EXPECT_EQ(result.bpm, analyseArrays(plain, music()).bpm);
+    EXPECT_TRUE(result.loudWave.empty());
+    EXPECT_TRUE(result.zoomWave.empty());
+    EXPECT_FALSE(result.key.has_value());
+    options.tempo = track::TempoMode::off;
+    EXPECT_FALSE(analysed(options).bpm.has_value());
+    options.tempo = track::TempoMode::simple;
+    options.rangeSeconds = -1.0;
+    EXPECT_THROW(analysed(options), track::Error);
+}
+
+TEST(TrackHeaderTest, ASourceIsOpenedAsOftenAsNeededAndItsPassesGoAway) {
+    for (const bool fewest : {false, true}) {
+        CountedSource counted;
+        Options options;
+        options.threads = 2;
+        const TrackResult result =
+            track::analyze(options, 44100, music().frames(), counted.source(fewest));
+        EXPECT_EQ(result.bpm, analysed({}).bpm);
+        EXPECT_EQ(counted.opens, fewest ? 2 : 3);
+        EXPECT_EQ(counted.passes.use_count(), 1) << "no pass is alive";
+    }
+}
+
+TEST(TrackHeaderTest, WhatIsNotFoundIsMissing) {
+    const Audio quiet{44100, silence(3 * 44100), silence(3 * 44100)};
+    const TrackResult result = analysed({}, quiet);
+    EXPECT_FALSE(result.bpm.has_value());
+    EXPECT_FALSE(result.key.has_value());
+    EXPECT_TRUE(result.beats.empty());
+}
+
+TEST(TrackHeaderTest, TheStatusOfAFailureIsInItsException) {
+    const Audio& audio = music();
+    const auto statusOf = [](auto call) {
+        try {
+            call();
+        } catch (const track::Error& error) {
+            EXPECT_STREQ(error.what(), BA_TrackStatusText(error.status()));
+            return error.status();
+        }
+        return static_cast<int>(BA_TRACK_OK);
+    };
+    EXPECT_EQ(statusOf([&] { track::analyze({}, 1, audio.left.data(), audio.left.data(), 1); }),
+              BA_TRACK_BAD_ARGUMENT);
+    EXPECT_EQ(statusOf([&] { track::analyze({}, 44100, 1000, Source{}); }), BA_TRACK_BAD_ARGUMENT);
+    CountedSource counted;
+    EXPECT_EQ(statusOf([&] { track::analyze({}, 44100, audio.frames() + 1, counted.source()); }),
+              BA_TRACK_WRONG_LENGTH);
+    const Source stopping{
+        [] { return [](float*, float*, std::int64_t) { return std::int64_t{-1}; }; }};
+    EXPECT_EQ(statusOf([&] { track::analyze({}, 44100, 1000, stopping); }), BA_TRACK_STOPPED);
+}
+
+TEST(TrackHeaderTest, WhatTheHostThrowsComesOutAgain) {
+    struct HostsOwn {};
+    Options options;
+    options.threads = 2;
+    CountedSource counted;
+    options.progress = [](double fraction) {
+        if (fraction > 0.5) throw HostsOwn{};
+    };
+    EXPECT_THROW(track::analyze(options, 44100, music().frames(), counted.source()), HostsOwn);
+    options.progress = nullptr;
+    const Source noPass{[]() -> Pass { throw std::domain_error("no"); }};
+    EXPECT_THROW(track::analyze(options, 44100, 1000, noPass), std::domain_error);
+    const Source badPass{[] {
+        return [](float*, float*, std::int64_t) -> std::int64_t { throw std::bad_alloc(); };
+    }};
+    EXPECT_THROW(track::analyze(options, 44100, 1000, badPass), std::bad_alloc);
+    const Source emptyPass{[] { return Pass(); }};
+    EXPECT_THROW(track::analyze(options, 44100, 1000, emptyPass), std::bad_function_call);
+}
+
+TEST(TrackHeaderTest, ProgressEndsAtOne) {
+    double last = 0.0;
+    Options options;
+    options.progress = [&](double fraction) { last = fraction; };
+    analysed(options);
+    EXPECT_EQ(last, 1.0);
+}
+
+TEST(TrackHeaderTest, ValuesAnswerWhatIsOftenAsked) {
+    TrackResult result;
+    result.rate = 48000;
+    result.frames = 72000;
+    EXPECT_EQ(result.seconds(), 1.5);
+    EXPECT_EQ(result.secondsAt(24000), 0.5);
+    EXPECT_TRUE((Beat{0.0, 120.0, 0, 1}).isDownbeat());
+    EXPECT_FALSE((Beat{0.0, 120.0, 0, 2}).isDownbeat());
+    track::KeyRanking ranking;
+    ranking.scores[0] = 8.0;
+    ranking.scores[1] = 6.0;
+    EXPECT_EQ(ranking.runnerUpDistance(), 0.25);
+}
+
+}  // namespace
+}  // namespace beatatlas::test

@@ -1,0 +1,98 @@
+// SPDX-License-Identifier: MIT
+// What the host is told on the way, and that it can end the analysis at any moment of it.
+#include <atomic>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "track/TrackHost.h"
+
+namespace beatatlas::test {
+namespace {
+
+/** Watches how it is told; stops at a call. */
+class Watcher {
+public:
+    explicit Watcher(int stopsAt = 0, int answer = 1) : stopsAt_(stopsAt), answer_(answer) {}
+
+    void watch(BA_TrackOptions& options) {
+        options.progress = show;
+        options.progress_host = this;
+    }
+    const std::vector<double>& fractions() const { return fractions_; }
+    bool wasCalledByTwoAtOnce() const { return wasCalledByTwoAtOnce_; }
+
+private:
+    static int show(void* host, double fraction) {
+        auto& own = *static_cast<Watcher*>(host);
+        if (own.isCalled_.exchange(true)) own.wasCalledByTwoAtOnce_ = true;
+        own.fractions_.push_back(fraction);
+        const bool stops = static_cast<int>(own.fractions_.size()) == own.stopsAt_;
+        own.isCalled_ = false;
+        return stops ? own.answer_ : 0;
+    }
+
+    int stopsAt_;
+    int answer_;
+    std::atomic<bool> isCalled_ = false;
+    bool wasCalledByTwoAtOnce_ = false;
+    std::vector<double> fractions_;
+};
+
+BA_TrackOptions optionsOf(int way) {
+    BA_TrackOptions options = defaultsOf();
+    options.threads = 1 + way % 3;
+    options.wants_key = way < 6 ? 1 : 0;
+    return options;
+}
+
+/** One to three threads, few passes or quick ones, with the key or without. */
+class TrackProgressTest : public ::testing::TestWithParam<int> {
+protected:
+    static bool isFewestPasses() { return GetParam() / 3 % 2 == 1; }
+};
+
+const Audio& music() {
+    static const Audio audio = shortMusic(48000, 2);
+    return audio;
+}
+
+TEST_P(TrackProgressTest, NeverFallsAndEndsAtOne) {
+    Watcher watcher;
+    BA_TrackOptions options = optionsOf(GetParam());
+    watcher.watch(options);
+    WatchedSource source(music());
+    source.isFewestPasses = isFewestPasses();
+    EXPECT_EQ(source.analyse(options).status, BA_TRACK_OK);
+    const std::vector<double>& fractions = watcher.fractions();
+    ASSERT_GE(fractions.size(), 7U) << "six blocks of 16384 frames, and the end";
+    EXPECT_GT(fractions.front(), 0.0);
+    EXPECT_TRUE(std::is_sorted(fractions.begin(), fractions.end()));
+    EXPECT_EQ(fractions.back(), 1.0);
+    EXPECT_LT(fractions[fractions.size() - 2], 1.0);
+    EXPECT_FALSE(watcher.wasCalledByTwoAtOnce());
+}
+
+TEST_P(TrackProgressTest, StopsAtAnyCallAndIsNotCalledAgain) {
+    for (int call = 1;; ++call) {
+        Watcher watcher(call, call % 2 == 0 ? 1 : -1);
+        BA_TrackOptions options = optionsOf(GetParam());
+        watcher.watch(options);
+        WatchedSource source(music());
+        source.isFewestPasses = isFewestPasses();
+        const Found found = source.analyse(options);
+        EXPECT_TRUE(source.areAllClosed());
+        if (found.status == BA_TRACK_OK) {
+            EXPECT_GT(call, static_cast<int>(watcher.fractions().size()));
+            break;
+        }
+        EXPECT_EQ(found.status, BA_TRACK_STOPPED);
+        EXPECT_FALSE(found.hasTrack);
+        EXPECT_EQ(static_cast<int>(watcher.fractions().size()), call);
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Ways, TrackProgressTest, ::testing::Range(0, 9));
+
+}  // namespace
+}  // namespace beatatlas::test
