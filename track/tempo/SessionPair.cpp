@@ -63,7 +63,7 @@ int SessionPair::fillBlock(const Block& block, int from) {
 }
 
 void SessionPair::dispatchBlock() {
-    trackFilters_.operate(mono_.data(), stereo_.data(), blockFill_);
+    trackFilters_.operate(mono_.data(), stereo_.data(), blockFill_, nullptr);
     beatListMaker_.putBands(mono_.data(), trackFilters_.bands(), blockFill_,
                             wantsWaves_ ? &loudViewMaker_ : nullptr);
     simpleEnvelopeMaker_.putFiltered(trackFilters_.bassLine(), blockFill_);
