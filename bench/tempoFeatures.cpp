@@ -81,7 +81,7 @@ Wave readWave(const char* path) {
 
 TempoAnswer analyze(const Wave& wave) {
     constexpr std::size_t kBlock = 16384;
-    AutoTempo tempo(wave.rate, static_cast<int>(wave.left.size()), false);
+    AutoTempo tempo(wave.rate, static_cast<int>(wave.left.size()), {}, false);
     for (std::size_t from = 0; from < wave.left.size(); from += kBlock) {
         const std::size_t count = std::min(kBlock, wave.left.size() - from);
         tempo.hear(
@@ -104,7 +104,10 @@ void printAnswer(const std::string& id, const TempoAnswer& answer) {
                 answer.steadiness.coherence, answer.steadiness.evenness, answer.standing,
                 answer.clarity);
     printTimes("beats", answer.beats);
-    printTimes("downbeats", answer.downbeats);
+    std::vector<double> downbeats;
+    for (std::size_t i = 0; i < answer.beats.size(); ++i)
+        if (answer.bar.numberOf(i) == 1) downbeats.push_back(answer.beats[i]);
+    printTimes("downbeats", downbeats);
     std::printf("}\n");
 }
 

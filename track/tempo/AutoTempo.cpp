@@ -6,11 +6,14 @@
 //   4. which parts of the line's beats are the beats
 //   5. the beats, moved onto the onsets
 //   6. their bars
+//   7. what a host wishes: a range of the tempo, the beats of a bar
 #include "track/tempo/AutoTempo.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstddef>
 #include <optional>
+#include <utility>
 
 #include "track/NearestScope.h"
 #include "track/tempo/PulseSpectrum.h"
@@ -29,15 +32,15 @@ constexpr double kClear = 2.5;
 constexpr double kLeastStanding = 2.3;
 constexpr std::size_t kLeastLine = 9;
 constexpr float kFirstOnset = 2.0F;
-constexpr int kUsualBar = 4;
 
 enum class Pick { beats, downbeats };
 
 /** A decision about one track, stage by stage. */
 class Decision {
 public:
-    Decision(const Evidence& evidence, const SessionPair& sessions, int rate)
-        : evidence_(evidence), sessions_(sessions), rate_(rate) {}
+    Decision(const Evidence& evidence, const SessionPair& sessions, int rate,
+             const TempoWishes& wishes)
+        : evidence_(evidence), sessions_(sessions), rate_(rate), wishes_(wishes) {}
 
     TempoAnswer make() {
         const std::vector<double> proposed = proposedTempi();
@@ -52,6 +55,7 @@ public:
         if (line.size() < kLeastLine) return std::move(answer_);
         readMetre(BeatLine(std::move(line)));
         readBars();
+        bringIntoRange();
         return std::move(answer_);
     }
 
@@ -98,18 +102,48 @@ private:
     }
 
     void readBars() {
-        int perBar = kUsualBar;
-        int phase = 0;
-        if (answer_.beats.size() >= kLeastBeatsForBars) {
-            answer_.bars =
-                judgeBars(evidence_, answer_.beats, secondsOf(sessions_.simple(), Pick::downbeats),
-                          secondsOf(sessions_.varied(), Pick::downbeats));
-            perBar = answer_.bars.front().beats;
-            phase = answer_.bars.front().phase;
+        if (wishes_.beatsPerBar != 0) answer_.bar.beats = wishes_.beatsPerBar;
+        if (answer_.beats.size() < kLeastBeatsForBars) return;
+        answer_.bars =
+            judgeBars(evidence_, answer_.beats, secondsOf(sessions_.simple(), Pick::downbeats),
+                      secondsOf(sessions_.varied(), Pick::downbeats));
+        const auto chosen = std::find_if(
+            answer_.bars.begin(), answer_.bars.end(), [this](const BarReading& reading) {
+                return wishes_.beatsPerBar == 0 || reading.beats == wishes_.beatsPerBar;
+            });
+        answer_.bars.erase(answer_.bars.begin(), chosen);
+        answer_.bar = {answer_.bars.front().beats, answer_.bars.front().phase};
+    }
+
+    /** Doubles or halves the tempo until it lies in the range wished for. Of the beats of half the tempo those stay that
+     *  keep the downbeats. */
+    void bringIntoRange() {
+        answer_.rawBpm = answer_.bpm;
+        if (wishes_.highestBpm == 0.0 || answer_.bpm == 0.0) return;
+        const double before = answer_.bpm;
+        for (; answer_.bpm < wishes_.lowestBpm; answer_.bpm *= 2.0) doubleBeats();
+        for (; answer_.bpm > wishes_.highestBpm; answer_.bpm /= 2.0) halveBeats();
+        if (answer_.bpm != before) readBars();
+    }
+
+    void doubleBeats() {
+        std::vector<double> beats;
+        for (std::size_t i = 0; i + 1 < answer_.beats.size(); ++i) {
+            beats.push_back(answer_.beats[i]);
+            beats.push_back(0.5 * (answer_.beats[i] + answer_.beats[i + 1]));
         }
-        for (auto k = static_cast<std::size_t>(phase); k < answer_.beats.size();
-             k += static_cast<std::size_t>(perBar))
-            answer_.downbeats.push_back(answer_.beats[k]);
+        beats.push_back(answer_.beats.back());
+        answer_.beats = std::move(beats);
+        answer_.bar.phase *= 2;
+    }
+
+    void halveBeats() {
+        std::vector<double> beats;
+        for (auto i = static_cast<std::size_t>(answer_.bar.phase % 2); i < answer_.beats.size();
+             i += 2)
+            beats.push_back(answer_.beats[i]);
+        answer_.beats = std::move(beats);
+        answer_.bar.phase /= 2;
     }
 
     std::vector<double> secondsOf(const SessionGrid& grid, Pick pick) const {
@@ -131,14 +165,15 @@ private:
     const Evidence& evidence_;
     const SessionPair& sessions_;
     int rate_;
+    TempoWishes wishes_;
     double hz_ = 0.0;
     TempoAnswer answer_;
 };
 
 }  // namespace
 
-AutoTempo::AutoTempo(int rate, int frames, bool wantsWaves)
-    : rate_(rate), sessions_(rate, frames, wantsWaves), evidence_(rate) {}
+AutoTempo::AutoTempo(int rate, int frames, const TempoWishes& wishes, bool wantsWaves)
+    : rate_(rate), wishes_(wishes), sessions_(rate, frames, wantsWaves), evidence_(rate) {}
 
 void AutoTempo::hear(const Block& block) {
     sessions_.hear(block);
@@ -149,7 +184,7 @@ TempoAnswer AutoTempo::finish() {
     sessions_.close();
     const Evidence evidence = evidence_.finish();
     const NearestScope mode;
-    return Decision(evidence, sessions_, rate_).make();
+    return Decision(evidence, sessions_, rate_, wishes_).make();
 }
 
 }  // namespace beatatlas::track::inner
