@@ -1,43 +1,36 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <vector>
-
 #include "track/Listener.h"
 #include "track/evidence/EvidenceListener.h"
 #include "track/tempo/SessionPair.h"
-#include "track/tempo/bars.h"
-#include "track/tempo/metre.h"
-#include "track/tempo/steadiness.h"
+#include "track/tempo/decideTempo.h"
 
 namespace beatatlas::track::inner {
 
-/** The tempo of a track, whose kind nobody has to know beforehand. */
-struct TempoAnswer {
-    double bpm = 0.0;               // 0, without beats: no tempo
-    std::vector<double> beats;      // seconds
-    std::vector<double> downbeats;  // seconds
-    Steadiness steadiness;
-    double clarity = 0.0;              // see clarityOf()
-    double standing = 0.0;             // see LocalTempo
-    std::vector<MetreReading> metres;  // the best first
-    std::vector<BarReading> bars;      // the best first; none of a track of few beats
-};
-
-/** Finds it: listens to the track through two sessions of the core and through what begins and sounds in it, and weighs
- *  what they say.
+/** Finds the tempo of a track whose kind nobody has to know beforehand.
  *
  *  Life: construct → hear the whole track → finish(). */
 class AutoTempo : public Listener {
 public:
-    /** @throws std::bad_alloc, as the other calls do */
-    AutoTempo(int rate, int frames, bool wantsWaves);
+    /** @param rate    44100 or 48000 Hz
+     *  @param frames  of the track, from 1
+     *  @throws std::bad_alloc, as the other calls do */
+    AutoTempo(int rate, int frames, bool wantsWaves)
+        : rate_(rate), sessions_(rate, frames, wantsWaves), evidence_(rate) {}
 
-    void hear(const Block& block) override;
+    void hear(const Block& block) override {
+        sessions_.hear(block);
+        evidence_.hear(block);
+    }
 
     /** Call once. */
-    TempoAnswer finish();
+    TempoAnswer finish() {
+        sessions_.close();
+        return decideTempo(evidence_.finish(), sessions_, rate_);
+    }
 
+    /** For the waves. */
     SessionPair& sessions() { return sessions_; }
 
 private:

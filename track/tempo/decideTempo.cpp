@@ -6,8 +6,9 @@
 //   4. which parts of the line's beats are the beats
 //   5. the beats, moved onto the onsets
 //   6. their bars
-#include "track/tempo/AutoTempo.h"
+#include "track/tempo/decideTempo.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstddef>
 #include <optional>
@@ -30,6 +31,7 @@ constexpr double kLeastStanding = 2.3;
 constexpr std::size_t kLeastLine = 9;
 constexpr float kFirstOnset = 2.0F;
 constexpr int kUsualBar = 4;
+constexpr std::size_t kMostAlternatives = 5;
 
 enum class Pick { beats, downbeats };
 
@@ -48,10 +50,12 @@ public:
         const LocalTempo local = followTempo(evidence_.onsets.full, hz_);
         answer_.standing = local.standing;
         if (isNoise()) return std::move(answer_);
-        std::vector<double> line = chooseLine(local);
-        if (line.size() < kLeastLine) return std::move(answer_);
-        readMetre(BeatLine(std::move(line)));
+        answer_.line = chooseLine(local);
+        if (answer_.line.size() < kLeastLine) return std::move(answer_);
+        readMetre();
+        if (answer_.beats.size() < 2) return {};
         readBars();
+        answer_.stretches = findStretches(answer_.beats);
         return std::move(answer_);
     }
 
@@ -75,40 +79,67 @@ private:
         const double last = std::trunc((evidence_.seconds - first) * hz_);
         for (double k = 0.0; k <= last; ++k) even.push_back(first + k / hz_);
         answer_.steadiness = judgeSteadiness(evidence_.onsets, hz_, even, tracked);
-        if (!answer_.steadiness.isSteady) return tracked;
+        answer_.isSteady = answer_.steadiness.isSteady;
+        if (!answer_.isSteady) return tracked;
         even.insert(even.begin(), first - 1.0 / hz_);
         return even;
     }
 
-    void readMetre(const BeatLine& line) {
+    void readMetre() {
+        const BeatLine line(answer_.line);
         answer_.metres =
             judgeMetre({evidence_, line, 60.0 * hz_, secondsOf(sessions_.varied(), Pick::beats),
                         secondsOf(sessions_.simple(), Pick::beats), firstOnset()});
         if (answer_.metres.empty()) return;
         const MetreReading& metre = answer_.metres.front();
-        const std::vector<float>& sharp = evidence_.onsets.sharp;
-        if (answer_.steadiness.isSteady) {
-            answer_.bpm = metre.bpm;
-            answer_.beats = layEvenBeats(sharp, evidence_.seconds, line, metre);
-            return;
-        }
-        answer_.beats = layTrackedBeats(sharp, evidence_.seconds, line, metre);
+        answer_.beats =
+            layBeats(evidence_.onsets.sharp, evidence_.seconds, line, metre, answer_.isSteady);
+        answer_.bpm = answer_.isSteady || answer_.beats.size() < 2 ? metre.bpm : meanBpm();
+        addAlternatives();
+        rateMetre();
+    }
+
+    double meanBpm() const {
         const double span = answer_.beats.back() - answer_.beats.front();
-        answer_.bpm = 60.0 * static_cast<double>(answer_.beats.size() - 1) / span;
+        return 60.0 * static_cast<double>(answer_.beats.size() - 1) / span;
+    }
+
+    void addAlternatives() {
+        const MetreReading& best = answer_.metres.front();
+        const std::size_t count = std::min(answer_.metres.size(), kMostAlternatives + 1);
+        for (std::size_t i = 1; i < count; ++i) {
+            const MetreReading& other = answer_.metres[i];
+            const double ratio = static_cast<double>(best.period) / other.period;
+            const double shift = static_cast<double>(other.phase - best.phase) / best.period;
+            answer_.alternatives.push_back(
+                {answer_.bpm * ratio, ratio, shift - std::floor(shift), other.share});
+        }
+    }
+
+    void rateMetre() {
+        const MetreReading& best = answer_.metres.front();
+        double level = 0.0;
+        for (const MetreReading& reading : answer_.metres)
+            if (reading.period == best.period) level += reading.share;
+        answer_.confidence.pulse = confidenceOfPulse(answer_.clarity);
+        answer_.confidence.level = confidenceOfLevel(level);
+        answer_.confidence.phase = confidenceOfPhase(best.share / level);
     }
 
     void readBars() {
-        int perBar = kUsualBar;
+        answer_.beatsPerBar = kUsualBar;
         int phase = 0;
         if (answer_.beats.size() >= kLeastBeatsForBars) {
             answer_.bars =
                 judgeBars(evidence_, answer_.beats, secondsOf(sessions_.simple(), Pick::downbeats),
                           secondsOf(sessions_.varied(), Pick::downbeats));
-            perBar = answer_.bars.front().beats;
-            phase = answer_.bars.front().phase;
+            const BarReading& best = answer_.bars.front();
+            answer_.beatsPerBar = best.beats;
+            phase = best.phase;
+            answer_.confidence.bars = confidenceOfBars(best.share);
         }
         for (auto k = static_cast<std::size_t>(phase); k < answer_.beats.size();
-             k += static_cast<std::size_t>(perBar))
+             k += static_cast<std::size_t>(answer_.beatsPerBar))
             answer_.downbeats.push_back(answer_.beats[k]);
     }
 
@@ -137,19 +168,9 @@ private:
 
 }  // namespace
 
-AutoTempo::AutoTempo(int rate, int frames, bool wantsWaves)
-    : rate_(rate), sessions_(rate, frames, wantsWaves), evidence_(rate) {}
-
-void AutoTempo::hear(const Block& block) {
-    sessions_.hear(block);
-    evidence_.hear(block);
-}
-
-TempoAnswer AutoTempo::finish() {
-    sessions_.close();
-    const Evidence evidence = evidence_.finish();
+TempoAnswer decideTempo(const Evidence& evidence, const SessionPair& sessions, int rate) {
     const NearestScope mode;
-    return Decision(evidence, sessions_, rate_).make();
+    return Decision(evidence, sessions, rate).make();
 }
 
 }  // namespace beatatlas::track::inner
