@@ -46,6 +46,7 @@ public:
         if (proposed.empty()) return {};
         PulseSpectrum spectrum(evidence_.onsets.full);
         hz_ = findExactTempo(spectrum, evidence_.seconds, proposed).hz;
+        if (hz_ == 0.0) return {};
         answer_.clarity = clarityOf(spectrum, hz_);
         const LocalTempo local = followTempo(evidence_.onsets.full, hz_);
         answer_.standing = local.standing;

@@ -57,7 +57,7 @@ double shiftOf(const std::vector<float>& sharp, const std::vector<double>& beats
     std::size_t best = kFirst;
     for (std::size_t i = kFirst; i <= kLast; ++i)
         if (onsets[i] > onsets[best]) best = i;
-    if (onsets[best] < kClearlyMore * onsets[kHeard]) return 0.0;
+    if (onsets[best] <= kClearlyMore * onsets[kHeard]) return 0.0;
     double frames = static_cast<double>(best) - kHeard;
     if (best > kFirst && best < kLast)
         frames += parabolaTop(onsets[best - 1], onsets[best], onsets[best + 1]);

@@ -17,12 +17,19 @@ double meanInterval(const std::vector<double>& beats, std::size_t from, std::siz
     return (beats[to] - beats[from]) / static_cast<double>(to - from);
 }
 
-/** The beat at which another tempo begins, or the last one. */
+/** How far the tempo ahead of a beat lies off that of the stretch so far. */
+double offAt(const std::vector<double>& beats, std::size_t first, std::size_t k) {
+    const double soFar = meanInterval(beats, first, k);
+    return std::abs(meanInterval(beats, k, k + kLocalBeats) / soFar - 1.0);
+}
+
+/** The beat at which another tempo begins, or the last one. It shows a few beats before, and most at the beat itself. */
 std::size_t endOf(const std::vector<double>& beats, std::size_t first) {
     for (std::size_t k = first + kLocalBeats; k + kLocalBeats < beats.size(); ++k) {
-        const double soFar = meanInterval(beats, first, k);
-        const double ahead = meanInterval(beats, k, k + kLocalBeats);
-        if (std::abs(ahead / soFar - 1.0) > kOtherTempo) return k;
+        if (offAt(beats, first, k) <= kOtherTempo) continue;
+        const std::size_t last = std::min(k + kLocalBeats, beats.size() - kLocalBeats - 1);
+        while (k < last && offAt(beats, first, k + 1) > offAt(beats, first, k)) ++k;
+        return k;
     }
     return beats.size() - 1;
 }
