@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: MIT
 // beatatlas_tempo_features [--features] FILE.wav...
 //
-// The automatic tempo of 16-bit stereo files of 44.1 or 48 kHz, one line of JSON each: for scores and for fitting
-// weights. With --features a line follows for each reading that was weighed.
+// The automatic tempo of 16-bit stereo files of 44.1 or 48 kHz, one line of JSON each. With --features, instead, what
+// its choices are made from, for programs that fit their weights: a line with all readings of the beats, and one with
+// those of the bars.
+#include <algorithm>
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
@@ -11,15 +13,15 @@
 #include <string>
 #include <vector>
 
-#include "track/tempo/AutoTempo.h"
+#include "track/evidence/EvidenceListener.h"
+#include "track/tempo/BeatLine.h"
+#include "track/tempo/SessionPair.h"
+#include "track/tempo/decideTempo.h"
+#include "track/tempo/layBeats.h"
 
 namespace {
 
-using beatatlas::track::inner::AutoTempo;
-using beatatlas::track::inner::BarReading;
-using beatatlas::track::inner::Block;
-using beatatlas::track::inner::MetreReading;
-using beatatlas::track::inner::TempoAnswer;
+using namespace beatatlas::track::inner;
 
 struct File {
     explicit File(const char* path) : handle(std::fopen(path, "rb")) {
@@ -79,64 +81,97 @@ Wave readWave(const char* path) {
     return wave;
 }
 
-TempoAnswer analyze(const Wave& wave) {
+/** What is heard of a track, and the answer. */
+struct Analysis {
+    Evidence evidence;
+    TempoAnswer answer;
+};
+
+Analysis analyze(const Wave& wave) {
     constexpr std::size_t kBlock = 16384;
-    AutoTempo tempo(wave.rate, static_cast<int>(wave.left.size()), {}, false);
+    SessionPair sessions(wave.rate, static_cast<int>(wave.left.size()), false);
+    EvidenceListener listener(wave.rate);
     for (std::size_t from = 0; from < wave.left.size(); from += kBlock) {
         const std::size_t count = std::min(kBlock, wave.left.size() - from);
-        tempo.hear(
-            Block{wave.left.data() + from, wave.right.data() + from, static_cast<int>(count)});
+        const Block block{wave.left.data() + from, wave.right.data() + from,
+                          static_cast<int>(count)};
+        sessions.hear(block);
+        listener.hear(block);
     }
-    return tempo.finish();
+    sessions.close();
+    Analysis analysis{listener.finish(), {}};
+    analysis.answer = decideTempo(analysis.evidence, sessions, wave.rate);
+    return analysis;
 }
 
-void printTimes(const char* name, const std::vector<double>& times) {
+template <class Values>
+void printList(const char* name, const Values& values, int decimals) {
     std::printf(", \"%s\": [", name);
-    for (std::size_t i = 0; i < times.size(); ++i)
-        std::printf("%s%.4f", i == 0 ? "" : ", ", times[i]);
+    for (std::size_t i = 0; i < values.size(); ++i)
+        std::printf("%s%.*f", i == 0 ? "" : ", ", decimals, values[i]);
     std::printf("]");
 }
 
 void printAnswer(const std::string& id, const TempoAnswer& answer) {
     std::printf("{\"id\": \"%s\", \"bpm\": %.3f, \"varied\": %s, \"coherence\": %.4f, "
-                "\"q\": %.4f, \"local\": %.3f, \"clarity\": %.3f",
-                id.c_str(), answer.bpm, answer.steadiness.isSteady ? "false" : "true",
+                "\"q\": %.4f, \"local\": %.3f, \"clarity\": %.3f, \"c_pulse\": %.2f, "
+                "\"c_level\": %.2f, \"c_phase\": %.2f, \"c_bars\": %.2f",
+                id.c_str(), answer.bpm, answer.isSteady ? "false" : "true",
                 answer.steadiness.coherence, answer.steadiness.evenness, answer.standing,
-                answer.clarity);
-    printTimes("beats", answer.beats);
-    std::vector<double> downbeats;
-    for (std::size_t i = 0; i < answer.beats.size(); ++i)
-        if (answer.bar.numberOf(i) == 1) downbeats.push_back(answer.beats[i]);
-    printTimes("downbeats", downbeats);
+                answer.clarity, answer.confidence.pulse, answer.confidence.level,
+                answer.confidence.phase, answer.confidence.bars);
+    printList("beats", answer.beats, 4);
+    printList("downbeats", answer.downbeats, 4);
     std::printf("}\n");
 }
 
-template <class Values, class Weights>
-void printFeatures(const Values& features, const Weights& weights, double score, double share) {
-    for (std::size_t i = 0; i < features.size(); ++i)
-        std::printf(", \"%s\": %.6f", weights[i].name, features[i]);
-    std::printf(", \"score\": %.6f, \"share\": %.6f}\n", score, share);
+template <class Weights>
+void beginGroup(const std::string& id, const char* kind, const Weights& weights) {
+    std::printf("{\"id\": \"%s\", \"kind\": \"%s\", \"features\": [", id.c_str(), kind);
+    for (std::size_t i = 0; i < weights.size(); ++i)
+        std::printf("%s\"%s\"", i == 0 ? "" : ", ", weights[i].name);
+    std::printf("], \"hypotheses\": [");
 }
 
-void printReadings(const std::string& id, const TempoAnswer& answer) {
-    for (const MetreReading& metre : answer.metres) {
-        std::printf("{\"track\": \"%s\", \"kind\": \"metre\", \"period\": %d, \"phase\": %d",
-                    id.c_str(), metre.period, metre.phase);
-        printFeatures(metre.features, beatatlas::track::inner::kMetreWeights, metre.score,
-                      metre.share);
-    }
+template <class Features>
+void printReading(bool isFirst, int length, int phase, const std::vector<double>& times,
+                  const Features& features) {
+    std::printf("%s{\"name\": \"%d/%d\"", isFirst ? "" : ", ", length, phase);
+    printList("times", times, 4);
+    printList("values", features, 6);
+    std::printf("}");
+}
+
+void printReadings(const std::string& id, const Analysis& analysis) {
+    const TempoAnswer& answer = analysis.answer;
+    if (answer.metres.empty()) return;
+    const BeatLine line(answer.line);
+    beginGroup(id, "level", kMetreWeights);
+    for (const MetreReading& metre : answer.metres)
+        printReading(&metre == &answer.metres.front(), metre.period, metre.phase,
+                     layBeats(analysis.evidence.onsets.sharp, analysis.evidence.seconds, line,
+                              metre, answer.isSteady),
+                     metre.features);
+    std::printf("]}\n");
+    if (answer.bars.empty()) return;
+    beginGroup(id, "bar", kBarWeights);
     for (const BarReading& bar : answer.bars) {
-        std::printf("{\"track\": \"%s\", \"kind\": \"bars\", \"beats\": %d, \"phase\": %d",
-                    id.c_str(), bar.beats, bar.phase);
-        printFeatures(bar.features, beatatlas::track::inner::kBarWeights, bar.score, bar.share);
+        std::vector<double> downbeats;
+        for (auto k = static_cast<std::size_t>(bar.phase); k < answer.beats.size();
+             k += static_cast<std::size_t>(bar.beats))
+            downbeats.push_back(answer.beats[k]);
+        printReading(&bar == &answer.bars.front(), bar.beats, bar.phase, downbeats, bar.features);
     }
+    std::printf("]}\n");
 }
 
 void answerFile(const char* path, bool wantsFeatures) {
     const std::string id = std::filesystem::path(path).stem().string();
-    const TempoAnswer answer = analyze(readWave(path));
-    printAnswer(id, answer);
-    if (wantsFeatures) printReadings(id, answer);
+    const Analysis analysis = analyze(readWave(path));
+    if (wantsFeatures)
+        printReadings(id, analysis);
+    else
+        printAnswer(id, analysis.answer);
     std::fflush(stdout);
 }
 

@@ -68,10 +68,16 @@ void addJudgement(Json& tempo, const beatatlas::track::TempoJudgement& judgement
                            {"level", confidence.level},
                            {"phase", confidence.phase},
                            {"bars", confidence.bars}};
+    tempo["stretches"] = Json::array();
+    for (const beatatlas::track::TempoStretch& stretch : judgement.stretches)
+        tempo["stretches"].push_back(
+            {{"from", stretch.fromSeconds}, {"to", stretch.toSeconds}, {"bpm", stretch.bpm}});
     tempo["alternatives"] = Json::array();
     for (const beatatlas::track::Reading& reading : judgement.readings)
-        tempo["alternatives"].push_back(
-            {{"kind", readingName(reading.kind)}, {"bpm", reading.bpm}, {"share", reading.share}});
+        tempo["alternatives"].push_back({{"kind", readingName(reading.kind)},
+                                         {"bpm", reading.bpm},
+                                         {"shiftBeats", reading.shiftBeats},
+                                         {"share", reading.share}});
 }
 
 Json tempoJson(const TrackReport& report) {

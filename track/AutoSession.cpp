@@ -8,13 +8,10 @@
 #include "dsp/RoundingMode.h"
 #include "track/BeatSession.h"
 #include "track/NearestScope.h"
-#include "track/tempo/tempoConfidence.h"
 
 namespace beatatlas::track::inner {
 
 namespace {
-
-constexpr std::size_t kMostReadings = 5;
 
 // Local tempo is measured over so many beats to either side: two bars in all.
 constexpr std::size_t kBeatsAround = 4;
@@ -23,28 +20,35 @@ double inHundredths(double bpm) {
     return std::round(100.0 * bpm) / 100.0;
 }
 
+/** From 1, the downbeat. */
+std::int32_t numberInBar(const TempoAnswer& answer, std::size_t beat) {
+    const auto perBar = static_cast<std::size_t>(answer.beatsPerBar);
+    const std::size_t phase = static_cast<std::size_t>(answer.barPhase) % perBar;
+    return static_cast<std::int32_t>((beat + perBar - phase) % perBar) + 1;
+}
+
 double localBpm(const std::vector<double>& beats, std::size_t i) {
     const std::size_t from = i < kBeatsAround ? 0 : i - kBeatsAround;
     const std::size_t to = std::min(i + kBeatsAround, beats.size() - 1);
     return 60.0 * static_cast<double>(to - from) / (beats[to] - beats[from]);
 }
 
-/** What another reading makes of the chosen one. Periods are in twelfths of one and the same beat. */
-std::int32_t kindOf(const MetreReading& other, const MetreReading& chosen) {
-    const int period = other.period;
-    if (2 * period == chosen.period) return BA_TRACK_READING_DOUBLE;
-    if (period == 2 * chosen.period) return BA_TRACK_READING_HALF;
-    if (period == chosen.period) return BA_TRACK_READING_SHIFTED;
-    if (3 * period == 2 * chosen.period) return BA_TRACK_READING_THREE_TO_TWO;
-    if (2 * period == 3 * chosen.period) return BA_TRACK_READING_TWO_TO_THREE;
+/** What another reading makes of the chosen one. Both are on one line of twelfths: ratios are exact to rounding. */
+std::int32_t kindOf(const TempoAlternative& other) {
+    const auto isRatio = [&](double ratio) { return std::abs(other.tempoRatio - ratio) < 1e-6; };
+    if (isRatio(2.0)) return BA_TRACK_READING_DOUBLE;
+    if (isRatio(0.5)) return BA_TRACK_READING_HALF;
+    if (isRatio(1.0)) return BA_TRACK_READING_SHIFTED;
+    if (isRatio(1.5)) return BA_TRACK_READING_THREE_TO_TWO;
+    if (isRatio(2.0 / 3.0)) return BA_TRACK_READING_TWO_TO_THREE;
     return BA_TRACK_READING_OTHER;
 }
 
 }  // namespace
 
 AutoSession::AutoSession(const BA_TrackOptions& options, int rate, int frames)
-    : tempo_(rate, frames, {options.lowest_bpm, options.highest_bpm, options.beats_per_bar},
-             options.wants_waves != 0) {}
+    : tempo_(rate, frames, options.wants_waves != 0,
+             {options.lowest_bpm, options.highest_bpm, options.beats_per_bar}) {}
 
 void AutoSession::hear(const Block& block) {
     tempo_.hear(block);
@@ -68,27 +72,26 @@ void AutoSession::addBeatsTo(TrackResult& result) const {
     if (beats.size() < 2) return;
     result.bpm = inHundredths(answer_.bpm);
     result.rawBpm = inHundredths(answer_.rawBpm);
-    result.isSteady = answer_.steadiness.isSteady ? 1 : 0;
+    result.isSteady = answer_.isSteady ? 1 : 0;
     result.beats.reserve(beats.size());
     const auto last = static_cast<double>(result.frames - 1);
     for (std::size_t i = 0; i < beats.size(); ++i) {
-        const double bpm =
-            answer_.steadiness.isSteady ? result.bpm : inHundredths(localBpm(beats, i));
+        const double bpm = answer_.isSteady ? result.bpm : inHundredths(localBpm(beats, i));
         const double frame = std::clamp(std::round(beats[i] * result.rate), 0.0, last);
         result.beats.push_back(
-            {beats[i], bpm, static_cast<std::int64_t>(frame), answer_.bar.numberOf(i), 0});
+            {beats[i], bpm, static_cast<std::int64_t>(frame), numberInBar(answer_, i), 0});
     }
 }
 
 void AutoSession::addReadingsTo(TrackResult& result) const {
     if (result.isSteady < 0) return;
-    result.confidence = confidenceOf(answer_);
-    const MetreReading& chosen = answer_.metres.front();
-    const std::size_t count = std::min(answer_.metres.size(), kMostReadings + 1);
-    for (std::size_t i = 1; i < count; ++i) {
-        const MetreReading& other = answer_.metres[i];
-        result.readings.push_back({inHundredths(other.bpm), other.share, kindOf(other, chosen), 0});
-    }
+    const TempoConfidence& confidence = answer_.confidence;
+    result.confidence = {confidence.pulse, confidence.level, confidence.phase, confidence.bars};
+    for (const TempoAlternative& other : answer_.alternatives)
+        result.readings.push_back(
+            {inHundredths(other.bpm), other.share, other.shiftBeats, kindOf(other), 0});
+    for (const TempoStretch& stretch : answer_.stretches)
+        result.stretches.push_back({stretch.from, stretch.to, inHundredths(stretch.bpm)});
 }
 
 // Colouring computes.

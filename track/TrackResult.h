@@ -20,6 +20,7 @@ struct TrackResult {
     double rawBpm = 0.0;         // before it was brought into a range
     std::int32_t isSteady = -1;  // 1, 0, -1: not known
     BA_TrackConfidence confidence{};
+    std::vector<BA_TrackTempoStretch> stretches;
     std::vector<BA_TrackReading> readings;  // but for the chosen one, best first
     std::vector<BA_TrackBeat> beats;
     std::array<std::vector<BA_WaveInfo>, kWaveKinds> waves;  // by BA_TRACK_WAVE_…

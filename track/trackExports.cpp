@@ -115,6 +115,10 @@ size_t BA_TrackReadings(const BA_Track* track, BA_TrackReading* out, size_t room
     return track == nullptr ? 0 : copyOut(track->result.readings, out, room);
 }
 
+size_t BA_TrackTempoStretches(const BA_Track* track, BA_TrackTempoStretch* out, size_t room) {
+    return track == nullptr ? 0 : copyOut(track->result.stretches, out, room);
+}
+
 size_t BA_TrackBeats(const BA_Track* track, BA_TrackBeat* out, size_t room) {
     return track == nullptr ? 0 : copyOut(track->result.beats, out, room);
 }

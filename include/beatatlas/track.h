@@ -189,11 +189,20 @@ typedef struct BA_TrackConfidence {
 /** Another reading of the beats. */
 typedef struct BA_TrackReading {
     double bpm;
-    double
-        share; /**< its probability, 0 to 1; that of the chosen reading and of all others add up to 1 */
+    /** Its probability, 0 to 1; that of the chosen reading and of all others add up to 1. */
+    double share;
+    /** How far behind a beat of the answer its first beat lies, in beats of the answer, 0 to 1. */
+    double shift_beats;
     int32_t kind;     /**< BA_TRACK_READING_… */
     int32_t reserved; /**< 0 */
 } BA_TrackReading;
+
+/** A stretch of beats of nearly one tempo. */
+typedef struct BA_TrackTempoStretch {
+    double from_seconds; /**< its first beat */
+    double to_seconds;   /**< the first beat of the next stretch, or the last beat of all */
+    double bpm;          /**< the mean, a multiple of 0.01 */
+} BA_TrackTempoStretch;
 
 /** A key and how well it fits. */
 typedef struct BA_TrackKeyScore {
@@ -288,6 +297,9 @@ BA_API double BA_TrackRawBpm(const BA_Track* track);
 /** The likeliest other readings of the beats before they were brought into a range, the likeliest first, five at the most.
  *  None where BA_TrackIsSteady is -1. */
 BA_API size_t BA_TrackReadings(const BA_Track* track, BA_TrackReading* out, size_t room);
+
+/** The stretches of nearly one tempo, in order of time: one where the tempo is steady. None where BA_TrackIsSteady is -1. */
+BA_API size_t BA_TrackTempoStretches(const BA_Track* track, BA_TrackTempoStretch* out, size_t room);
 
 /** The points of a waveform overview. None when the waves were not wanted, for a kind that does not exist, and for null.
  *  @param wave  BA_TRACK_WAVE_… */

@@ -101,6 +101,16 @@ struct Reading {
     ReadingKind kind = ReadingKind::other;
     double bpm = 0.0;
     double share = 0.0;  ///< its probability, 0 to 1
+
+    /** How far behind a beat of the answer its first beat lies, in beats of the answer, 0 to 1. */
+    double shiftBeats = 0.0;
+};
+
+/** A stretch of beats of nearly one tempo. */
+struct TempoStretch {
+    double fromSeconds = 0.0;
+    double toSeconds = 0.0;
+    double bpm = 0.0;  ///< the mean
 };
 
 /** What the automatic tempo knows beside tempo and beats. */
@@ -108,7 +118,8 @@ struct TempoJudgement {
     bool isSteady = true;  ///< one tempo, beats of even distances; else the beats follow it
     double rawBpm = 0.0;   ///< before it was brought into the range of the options
     BA_TrackConfidence confidence{};
-    std::vector<Reading> readings;  ///< but for the chosen one, the likeliest first
+    std::vector<TempoStretch> stretches;  ///< one where the tempo is steady
+    std::vector<Reading> readings;        ///< but for the chosen one, the likeliest first
 };
 
 /** One point of a waveform overview. */
@@ -254,7 +265,11 @@ inline std::optional<TempoJudgement> judgementOf(const BA_Track* track) {
     BA_TrackReadings(track, records.data(), records.size());
     for (const BA_TrackReading& record : records)
         judgement.readings.push_back(
-            {static_cast<ReadingKind>(record.kind), record.bpm, record.share});
+            {static_cast<ReadingKind>(record.kind), record.bpm, record.share, record.shift_beats});
+    std::vector<BA_TrackTempoStretch> stretches(BA_TrackTempoStretches(track, nullptr, 0));
+    BA_TrackTempoStretches(track, stretches.data(), stretches.size());
+    for (const BA_TrackTempoStretch& stretch : stretches)
+        judgement.stretches.push_back({stretch.from_seconds, stretch.to_seconds, stretch.bpm});
     return judgement;
 }
 

@@ -63,7 +63,7 @@ struct CodeLanes {
 
 BandLevels::BandLevels(int rate)
     : hop_(rate / kFramesPerSecond), edges_(bandEdges(rate)), groupStarts_(groupStartsOf(edges_)),
-      bins_(wholeVectors(edges_.back())), sums_(edges_), stream_(hop_) {}
+      bins_(wholeVectors(edges_.back())), evenSums_(edges_), oddSums_(edges_), stream_(hop_) {}
 
 void BandLevels::put(const float* mono, std::int64_t samples) {
     samples_ += samples;
@@ -77,18 +77,16 @@ void BandLevels::finish() {
 }
 
 void BandLevels::codeBatch(const FrameSpectra& spectra, int frames) {
-    std::array<float, SpectrumStream::kLength / 2> even;
-    std::array<float, SpectrumStream::kLength / 2> odd;
     for (int frame = 0; frame < frames; frame += 2) {
-        spectra.powers(frame / 2, bins_, even.data(), odd.data());
-        codeFrame(even.data());
-        if (frame + 1 < frames) codeFrame(odd.data());
+        spectra.powers(frame / 2, bins_, evenSums_.powers(), oddSums_.powers());
+        codeFrame(evenSums_);
+        if (frame + 1 < frames) codeFrame(oddSums_);
     }
 }
 
-void BandLevels::codeFrame(const float* powers) {
+void BandLevels::codeFrame(BandSums& sums) {
     std::array<float, kMostBands> energies{};
-    sums_.sum(powers, bins_, energies.data());
+    sums.sum(bins_, energies.data());
     std::array<LevelCode, kMostBands> codes;
     runInLanes<CodeLanes>(static_cast<const float*>(energies.data()), codes.data());
     std::copy_n(codes.data(), bands(), nextFrame());

@@ -50,15 +50,16 @@ public:
 
 private:
     void codeBatch(const FrameSpectra& spectra, int frames);
-    void codeFrame(const float* powers);
+    void codeFrame(BandSums& sums);
     LevelCode* codesOf(std::int64_t frame) const;
     LevelCode* nextFrame();
 
     int hop_;
     std::vector<int> edges_;  // bins at which a band begins, and the end of the last one
     std::array<std::size_t, kGroups + 1> groupStarts_{};
-    int bins_;  // that are heard, a multiple of 16
-    BandSums sums_;
+    int bins_;           // that are heard, a multiple of 16
+    BandSums evenSums_;  // of the first of two frames
+    BandSums oddSums_;
     SpectrumStream stream_;
     std::vector<std::unique_ptr<LevelCode[]>> chunks_;
     std::size_t chunksTaken_ = 0;

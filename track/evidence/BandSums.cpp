@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "track/evidence/BandSums.h"
 
-#include <algorithm>
-
 #include "dsp/vectorLanes.h"
 
 namespace beatatlas::track::inner {
@@ -50,8 +48,7 @@ BandSums::BandSums(const std::vector<int>& edges)
     firstTerms_.push_back(terms_.size());
 }
 
-void BandSums::sum(const float* powers, int bins, float* sums) {
-    std::copy_n(powers, bins, neighbours_.data());
+void BandSums::sum(int bins, float* sums) {
     runInLanes<NeighbourLanes>(static_cast<const float*>(neighbours_.data()), bins,
                                neighbours_.data());
     for (std::size_t band = 0; band + 1 < firstTerms_.size(); ++band) {

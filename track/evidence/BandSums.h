@@ -17,10 +17,12 @@ public:
     /** @param edges  ascending bins below kMostBins: band b holds edges[b] to edges[b + 1], exclusive */
     explicit BandSums(const std::vector<int>& edges);
 
-    /** @param powers  of kMostBins bins
-     *  @param bins    how many of them count, a multiple of 16
-     *  @param sums    receives one for each band */
-    void sum(const float* powers, int bins, float* sums);
+    /** Where the powers of kMostBins bins are to be written before sum(). */
+    float* powers() { return neighbours_.data(); }
+
+    /** @param bins  how many of the powers count, a multiple of 16
+     *  @param sums  receives one for each band */
+    void sum(int bins, float* sums);
 
 private:
     std::vector<float> neighbours_;        // powers, then their sums of 2, 4, 8 and 16 neighbours

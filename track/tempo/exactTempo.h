@@ -22,7 +22,7 @@ Pulse strongestPulseNear(PulseSpectrum& spectrum, double seconds, double hz, dou
  *  a far stronger pulse.
  *  @param seconds   of the track
  *  @param proposed  beats a second; the first is kept unless a later one is clearly stronger
- *  @return no pulse when nothing is proposed */
+ *  @return no pulse when nothing is proposed, or nothing ever begins */
 Pulse findExactTempo(PulseSpectrum& spectrum, double seconds, const std::vector<double>& proposed);
 
 /** How far a pulse stands out of those of all tempi from 30 to 300 BPM: its strength in parts of theirs, the middle one.

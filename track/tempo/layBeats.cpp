@@ -57,7 +57,7 @@ double shiftOf(const std::vector<float>& sharp, const std::vector<double>& beats
     std::size_t best = kFirst;
     for (std::size_t i = kFirst; i <= kLast; ++i)
         if (onsets[i] > onsets[best]) best = i;
-    if (onsets[best] < kClearlyMore * onsets[kHeard]) return 0.0;
+    if (onsets[best] <= kClearlyMore * onsets[kHeard]) return 0.0;
     double frames = static_cast<double>(best) - kHeard;
     if (best > kFirst && best < kLast)
         frames += parabolaTop(onsets[best - 1], onsets[best], onsets[best + 1]);
@@ -71,37 +71,38 @@ std::vector<double> withinTrack(const std::vector<double>& beats, double from, d
     return inside;
 }
 
-std::vector<double> moveOntoOnsets(const std::vector<float>& sharp, double seconds,
-                                   std::vector<double> beats) {
-    std::vector<double> heard;
-    for (const double beat : beats)
-        if (beat > 0.0 && beat < seconds) heard.push_back(beat);
-    const double shift = heard.empty() ? 0.0 : shiftOf(sharp, heard);
-    for (double& beat : beats) beat += shift;
-    return withinTrack(beats, -kEarlySeconds, seconds - kLateSeconds);
-}
-
-}  // namespace
-
-std::vector<double> layEvenBeats(const std::vector<float>& sharp, double seconds,
-                                 const BeatLine& line, const MetreReading& metre) {
+std::vector<double> evenBeats(double seconds, const BeatLine& line, const MetreReading& metre) {
     const double interval = 60.0 / metre.bpm;
     const double anyBeat = line.timeAt(metre.phase / kTwelfths);
     const double before = std::ceil(anyBeat / interval) + 1.0;
     std::vector<double> beats;
     for (double k = -before; anyBeat + k * interval < seconds + interval; ++k)
         beats.push_back(anyBeat + k * interval);
-    return moveOntoOnsets(sharp, seconds, std::move(beats));
+    return beats;
 }
 
-std::vector<double> layTrackedBeats(const std::vector<float>& sharp, double seconds,
-                                    const BeatLine& line, const MetreReading& metre) {
-    const double period = metre.period / kTwelfths;
+/** One before the first beat of the line may still lie within the track. */
+std::vector<double> beatsOnLine(double seconds, const BeatLine& line, const MetreReading& metre) {
     std::vector<double> beats;
-    for (double place = metre.phase / kTwelfths - period; line.timeAt(place) < seconds;
-         place = metre.phase / kTwelfths + (static_cast<double>(beats.size()) - 1.0) * period)
-        beats.push_back(line.timeAt(place));
-    return moveOntoOnsets(sharp, seconds, std::move(beats));
+    for (double k = -1.0;; ++k) {
+        const double beat = line.timeAt((metre.phase + k * metre.period) / kTwelfths);
+        if (beat >= seconds) return beats;
+        beats.push_back(beat);
+    }
+}
+
+}  // namespace
+
+std::vector<double> layBeats(const std::vector<float>& sharp, double seconds, const BeatLine& line,
+                             const MetreReading& metre, bool isSteady) {
+    std::vector<double> beats =
+        isSteady ? evenBeats(seconds, line, metre) : beatsOnLine(seconds, line, metre);
+    std::vector<double> heard;
+    for (const double beat : beats)
+        if (beat > 0.0 && beat < seconds) heard.push_back(beat);
+    const double shift = heard.empty() ? 0.0 : shiftOf(sharp, heard);
+    for (double& beat : beats) beat += shift;
+    return withinTrack(beats, -kEarlySeconds, seconds - kLateSeconds);
 }
 
 }  // namespace beatatlas::track::inner

@@ -8,15 +8,12 @@
 
 namespace beatatlas::track::inner {
 
-/** Beats of even distances over a whole track, where a reading of an even line has them, moved onto the onsets.
+/** The beats of a whole track where a reading of its line has them, moved onto the onsets. Of a track of steady tempo they
+ *  have even distances; else they follow the line, and go straight on beyond its ends.
  *  @param sharp    the onset envelope, 150 values a second; at least one
  *  @param seconds  of the track
  *  @return seconds, ascending, from 0 */
-std::vector<double> layEvenBeats(const std::vector<float>& sharp, double seconds,
-                                 const BeatLine& line, const MetreReading& metre);
-
-/** The same for a line that follows the music; beyond its ends it goes straight on. */
-std::vector<double> layTrackedBeats(const std::vector<float>& sharp, double seconds,
-                                    const BeatLine& line, const MetreReading& metre);
+std::vector<double> layBeats(const std::vector<float>& sharp, double seconds, const BeatLine& line,
+                             const MetreReading& metre, bool isSteady);
 
 }  // namespace beatatlas::track::inner

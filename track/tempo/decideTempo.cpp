@@ -6,14 +6,12 @@
 //   4. which parts of the line's beats are the beats
 //   5. the beats, moved onto the onsets
 //   6. their bars
-//   7. what a host wishes: a range of the tempo, the beats of a bar
-#include "track/tempo/AutoTempo.h"
+#include "track/tempo/decideTempo.h"
 
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
 #include <optional>
-#include <utility>
 
 #include "track/NearestScope.h"
 #include "track/tempo/PulseSpectrum.h"
@@ -32,6 +30,8 @@ constexpr double kClear = 2.5;
 constexpr double kLeastStanding = 2.3;
 constexpr std::size_t kLeastLine = 9;
 constexpr float kFirstOnset = 2.0F;
+constexpr int kUsualBar = 4;
+constexpr std::size_t kMostAlternatives = 5;
 
 enum class Pick { beats, downbeats };
 
@@ -47,15 +47,18 @@ public:
         if (proposed.empty()) return {};
         PulseSpectrum spectrum(evidence_.onsets.full);
         hz_ = findExactTempo(spectrum, evidence_.seconds, proposed).hz;
+        if (hz_ == 0.0) return {};
         answer_.clarity = clarityOf(spectrum, hz_);
         const LocalTempo local = followTempo(evidence_.onsets.full, hz_);
         answer_.standing = local.standing;
         if (isNoise()) return std::move(answer_);
-        std::vector<double> line = chooseLine(local);
-        if (line.size() < kLeastLine) return std::move(answer_);
-        readMetre(BeatLine(std::move(line)));
+        answer_.line = chooseLine(local);
+        if (answer_.line.size() < kLeastLine) return std::move(answer_);
+        readMetre();
+        if (answer_.beats.size() < 2) return {};
         readBars();
         bringIntoRange();
+        answer_.stretches = findStretches(answer_.beats);
         return std::move(answer_);
     }
 
@@ -79,51 +82,82 @@ private:
         const double last = std::trunc((evidence_.seconds - first) * hz_);
         for (double k = 0.0; k <= last; ++k) even.push_back(first + k / hz_);
         answer_.steadiness = judgeSteadiness(evidence_.onsets, hz_, even, tracked);
-        if (!answer_.steadiness.isSteady) return tracked;
+        answer_.isSteady = answer_.steadiness.isSteady;
+        if (!answer_.isSteady) return tracked;
         even.insert(even.begin(), first - 1.0 / hz_);
         return even;
     }
 
-    void readMetre(const BeatLine& line) {
+    void readMetre() {
+        const BeatLine line(answer_.line);
         answer_.metres =
             judgeMetre({evidence_, line, 60.0 * hz_, secondsOf(sessions_.varied(), Pick::beats),
                         secondsOf(sessions_.simple(), Pick::beats), firstOnset()});
         if (answer_.metres.empty()) return;
         const MetreReading& metre = answer_.metres.front();
-        const std::vector<float>& sharp = evidence_.onsets.sharp;
-        if (answer_.steadiness.isSteady) {
-            answer_.bpm = metre.bpm;
-            answer_.beats = layEvenBeats(sharp, evidence_.seconds, line, metre);
-            return;
-        }
-        answer_.beats = layTrackedBeats(sharp, evidence_.seconds, line, metre);
+        answer_.beats =
+            layBeats(evidence_.onsets.sharp, evidence_.seconds, line, metre, answer_.isSteady);
+        answer_.bpm = answer_.isSteady || answer_.beats.size() < 2 ? metre.bpm : meanBpm();
+        addAlternatives();
+        rateMetre();
+    }
+
+    double meanBpm() const {
         const double span = answer_.beats.back() - answer_.beats.front();
-        answer_.bpm = 60.0 * static_cast<double>(answer_.beats.size() - 1) / span;
+        return 60.0 * static_cast<double>(answer_.beats.size() - 1) / span;
+    }
+
+    void addAlternatives() {
+        const MetreReading& best = answer_.metres.front();
+        const std::size_t count = std::min(answer_.metres.size(), kMostAlternatives + 1);
+        for (std::size_t i = 1; i < count; ++i) {
+            const MetreReading& other = answer_.metres[i];
+            const double ratio = static_cast<double>(best.period) / other.period;
+            const double shift = static_cast<double>(other.phase - best.phase) / best.period;
+            answer_.alternatives.push_back(
+                {answer_.bpm * ratio, ratio, shift - std::floor(shift), other.share});
+        }
+    }
+
+    void rateMetre() {
+        const MetreReading& best = answer_.metres.front();
+        double level = 0.0;
+        for (const MetreReading& reading : answer_.metres)
+            if (reading.period == best.period) level += reading.share;
+        answer_.confidence.pulse = confidenceOfPulse(answer_.clarity);
+        answer_.confidence.level = confidenceOfLevel(level);
+        answer_.confidence.phase = confidenceOfPhase(best.share / level);
     }
 
     void readBars() {
-        if (wishes_.beatsPerBar != 0) answer_.bar.beats = wishes_.beatsPerBar;
-        if (answer_.beats.size() < kLeastBeatsForBars) return;
-        answer_.bars =
-            judgeBars(evidence_, answer_.beats, secondsOf(sessions_.simple(), Pick::downbeats),
-                      secondsOf(sessions_.varied(), Pick::downbeats));
-        const auto chosen = std::find_if(
-            answer_.bars.begin(), answer_.bars.end(), [this](const BarReading& reading) {
-                return wishes_.beatsPerBar == 0 || reading.beats == wishes_.beatsPerBar;
-            });
-        answer_.bars.erase(answer_.bars.begin(), chosen);
-        answer_.bar = {answer_.bars.front().beats, answer_.bars.front().phase};
+        answer_.beatsPerBar = wishes_.beatsPerBar != 0 ? wishes_.beatsPerBar : kUsualBar;
+        if (answer_.beats.size() >= kLeastBeatsForBars) judgeBarsOf(answer_.beats);
+        answer_.downbeats.clear();
+        for (auto k = static_cast<std::size_t>(answer_.barPhase); k < answer_.beats.size();
+             k += static_cast<std::size_t>(answer_.beatsPerBar))
+            answer_.downbeats.push_back(answer_.beats[k]);
     }
 
-    /** Doubles or halves the tempo until it lies in the range wished for. Of the beats of half the tempo those stay that
-     *  keep the downbeats. */
+    void judgeBarsOf(const std::vector<double>& beats) {
+        answer_.bars = judgeBars(evidence_, beats, secondsOf(sessions_.simple(), Pick::downbeats),
+                                 secondsOf(sessions_.varied(), Pick::downbeats));
+        const auto isWanted = [this](const BarReading& reading) {
+            return wishes_.beatsPerBar == 0 || reading.beats == wishes_.beatsPerBar;
+        };
+        const auto best = std::find_if(answer_.bars.begin(), answer_.bars.end(), isWanted);
+        answer_.beatsPerBar = best->beats;
+        answer_.barPhase = best->phase;
+        answer_.confidence.bars = confidenceOfBars(best->share);
+    }
+
+    /** Doubles or halves the tempo until it lies in the range wished for. */
     void bringIntoRange() {
         answer_.rawBpm = answer_.bpm;
-        if (wishes_.highestBpm == 0.0 || answer_.bpm == 0.0) return;
-        const double before = answer_.bpm;
+        if (wishes_.highestBpm == 0.0) return;
         for (; answer_.bpm < wishes_.lowestBpm; answer_.bpm *= 2.0) doubleBeats();
-        for (; answer_.bpm > wishes_.highestBpm; answer_.bpm /= 2.0) halveBeats();
-        if (answer_.bpm != before) readBars();
+        for (; answer_.bpm > wishes_.highestBpm && answer_.beats.size() > 2; answer_.bpm /= 2.0)
+            halveBeats();
+        if (answer_.bpm != answer_.rawBpm) readBars();
     }
 
     void doubleBeats() {
@@ -134,16 +168,17 @@ private:
         }
         beats.push_back(answer_.beats.back());
         answer_.beats = std::move(beats);
-        answer_.bar.phase *= 2;
+        answer_.barPhase *= 2;
     }
 
+    /** Those stay that keep the downbeats. */
     void halveBeats() {
         std::vector<double> beats;
-        for (auto i = static_cast<std::size_t>(answer_.bar.phase % 2); i < answer_.beats.size();
+        for (auto i = static_cast<std::size_t>(answer_.barPhase % 2); i < answer_.beats.size();
              i += 2)
             beats.push_back(answer_.beats[i]);
         answer_.beats = std::move(beats);
-        answer_.bar.phase /= 2;
+        answer_.barPhase /= 2;
     }
 
     std::vector<double> secondsOf(const SessionGrid& grid, Pick pick) const {
@@ -165,26 +200,17 @@ private:
     const Evidence& evidence_;
     const SessionPair& sessions_;
     int rate_;
-    TempoWishes wishes_;
+    const TempoWishes& wishes_;
     double hz_ = 0.0;
     TempoAnswer answer_;
 };
 
 }  // namespace
 
-AutoTempo::AutoTempo(int rate, int frames, const TempoWishes& wishes, bool wantsWaves)
-    : rate_(rate), wishes_(wishes), sessions_(rate, frames, wantsWaves), evidence_(rate) {}
-
-void AutoTempo::hear(const Block& block) {
-    sessions_.hear(block);
-    evidence_.hear(block);
-}
-
-TempoAnswer AutoTempo::finish() {
-    sessions_.close();
-    const Evidence evidence = evidence_.finish();
+TempoAnswer decideTempo(const Evidence& evidence, const SessionPair& sessions, int rate,
+                        const TempoWishes& wishes) {
     const NearestScope mode;
-    return Decision(evidence, sessions_, rate_, wishes_).make();
+    return Decision(evidence, sessions, rate, wishes).make();
 }
 
 }  // namespace beatatlas::track::inner
