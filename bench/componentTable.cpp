@@ -24,6 +24,24 @@ const Names kSessions = {"sessionConstant", "sessionVaried", "sessionSimple", "s
                          "sessionViewsOnly"};
 const Names kApart = {"beatSensor", "loudViewMaker", "simpleEnvelopeMaker", "sectionsInTurn",
                       "sectionsInBank"};
+// The automatic tempo beside its sessions, part by part, and as a whole with them.
+const Names kTempoParts = {"bandLevels",
+                           "chromaStream",
+                           "evidenceListener",
+                           "chordChanges",
+                           "exactTempo",
+                           "tempoClarity",
+                           "localTempo",
+                           "beatTracking",
+                           "beatFold",
+                           "steadiness",
+                           "metre",
+                           "beatLaying",
+                           "bars",
+                           "tempoDecision",
+                           "sessionPair",
+                           "sessionPairClose",
+                           "autoTempo"};
 const Names kUtilities = {"resampler",         "beatCutter/0",       "beatCutter/4",
                           "pitchDetector/1/0", "pitchDetector/10/0", "pitchDetector/10/4",
                           "keyCodeScale/0",    "keyCodeScale/3"};
@@ -115,10 +133,13 @@ void printComponents() {
     Names all = kSessionParts;
     all.insert(all.end(), kSessions.begin(), kSessions.end());
     all.insert(all.end(), kApart.begin(), kApart.end());
+    all.insert(all.end(), kTempoParts.begin(), kTempoParts.end());
     const std::vector<FormRun> runs = runInEveryForm(all);
     printSessionParts(runs);
     printHead(runs, "sessions, and components on their own", "");
+    const std::size_t tempoParts = all.size() - kTempoParts.size();
     for (std::size_t i = kSessionParts.size(); i < all.size(); ++i) {
+        if (i == tempoParts) printHead(runs, "automatic tempo", "");
         printRow(runs, all[i]);
         std::printf("\n");
     }

@@ -11,7 +11,7 @@ namespace output {
 namespace {
 
 // Raised when a member changes its meaning or goes; members may be added without.
-constexpr int kFormatVersion = 1;
+constexpr int kFormatVersion = 2;
 
 }  // namespace
 

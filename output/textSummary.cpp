@@ -26,6 +26,34 @@ std::string tempoRange(const std::vector<beatatlas::track::Beat>& beats) {
     return fmt::format(", {} to {} along the track", bpmText(slowest->bpm), bpmText(fastest->bpm));
 }
 
+// What was right on fewer tracks than that is told with its likeliest alternative.
+constexpr double kSure = 0.9;
+
+/** What else the tempo may be, where that is uncertain. */
+std::string doubtsText(const beatatlas::track::TempoJudgement& judgement) {
+    std::string text;
+    const auto hasOtherTempo = [](const beatatlas::track::Reading& reading) {
+        return reading.kind != beatatlas::track::ReadingKind::shifted;
+    };
+    const auto& readings = judgement.readings;
+    const auto other = std::find_if(readings.begin(), readings.end(), hasOtherTempo);
+    if (judgement.confidence.level < kSure && other != readings.end())
+        text += ", perhaps " + bpmText(other->bpm);
+    if (judgement.confidence.phase < kSure) text += ", beats perhaps between these";
+    if (judgement.confidence.tempo < kSure) text += "; hardly a clear pulse";
+    return text;
+}
+
+/** What the automatic tempo tells beside the tempo. */
+std::string judgementText(const beatatlas::track::TrackResult& analysis) {
+    if (!analysis.judgement) return {};
+    const beatatlas::track::TempoJudgement& judgement = *analysis.judgement;
+    std::string text;
+    if (judgement.rawBpm != *analysis.bpm)
+        text += " (" + bpmText(judgement.rawBpm) + " before it was brought into the range)";
+    return text + doubtsText(judgement);
+}
+
 std::string beatsText(const beatatlas::track::TrackResult& analysis) {
     const std::vector<beatatlas::track::Beat>& beats = analysis.beats;
     if (beats.empty()) return "none found";
@@ -65,7 +93,8 @@ std::string textSummary(const TrackReport& report) {
     const beatatlas::track::Options& options = report.options;
     std::string text = trackFileText(report, analysis.frames);
     if (options.tempo != beatatlas::track::TempoMode::off) {
-        text += textLine("tempo", tempoText(report) + tempoRange(analysis.beats));
+        text += textLine("tempo",
+                         tempoText(report) + tempoRange(analysis.beats) + judgementText(analysis));
         text += textLine("beats", beatsText(analysis));
     }
     if (options.wantsKey) text += textLine("key", keyDetails(analysis.key));

@@ -15,6 +15,8 @@ constexpr int kZoomPointsPerSecond = 150;
 
 const char* tempoModeName(beatatlas::track::TempoMode mode) {
     switch (mode) {
+    case beatatlas::track::TempoMode::automatic:
+        return "auto";
     case beatatlas::track::TempoMode::constant:
         return "constant";
     case beatatlas::track::TempoMode::varied:
@@ -27,24 +29,62 @@ const char* tempoModeName(beatatlas::track::TempoMode mode) {
     return "off";
 }
 
-Json beatJson(const beatatlas::track::TrackResult& analysis, const beatatlas::track::Beat& beat) {
+Json beatJson(const beatatlas::track::Beat& beat) {
     return {{"frame", beat.frame},
-            {"seconds", analysis.secondsAt(beat.frame)},
+            {"seconds", beat.seconds},
             {"beat", beat.numberInBar},
             {"bpm", beat.bpm}};
 }
 
 Json beatsJson(const beatatlas::track::TrackResult& analysis) {
     Json beats = Json::array();
-    for (const beatatlas::track::Beat& beat : analysis.beats)
-        beats.push_back(beatJson(analysis, beat));
+    for (const beatatlas::track::Beat& beat : analysis.beats) beats.push_back(beatJson(beat));
     return beats;
+}
+
+const char* readingName(beatatlas::track::ReadingKind kind) {
+    switch (kind) {
+    case beatatlas::track::ReadingKind::twice:
+        return "double";
+    case beatatlas::track::ReadingKind::half:
+        return "half";
+    case beatatlas::track::ReadingKind::shifted:
+        return "shifted";
+    case beatatlas::track::ReadingKind::threeToTwo:
+        return "3:2";
+    case beatatlas::track::ReadingKind::twoToThree:
+        return "2:3";
+    case beatatlas::track::ReadingKind::other:
+        break;
+    }
+    return "other";
+}
+
+void addJudgement(Json& tempo, const beatatlas::track::TempoJudgement& judgement) {
+    const BA_TrackConfidence& confidence = judgement.confidence;
+    tempo["rawBpm"] = judgement.rawBpm;
+    tempo["steady"] = judgement.isSteady;
+    tempo["confidence"] = {{"tempo", confidence.tempo},
+                           {"level", confidence.level},
+                           {"phase", confidence.phase},
+                           {"bars", confidence.bars}};
+    tempo["stretches"] = Json::array();
+    for (const beatatlas::track::TempoStretch& stretch : judgement.stretches)
+        tempo["stretches"].push_back(
+            {{"from", stretch.fromSeconds}, {"to", stretch.toSeconds}, {"bpm", stretch.bpm}});
+    tempo["alternatives"] = Json::array();
+    for (const beatatlas::track::Reading& reading : judgement.readings)
+        tempo["alternatives"].push_back({{"kind", readingName(reading.kind)},
+                                         {"bpm", reading.bpm},
+                                         {"shiftBeats", reading.shiftBeats},
+                                         {"share", reading.share}});
 }
 
 Json tempoJson(const TrackReport& report) {
     Json tempo = {{"mode", tempoModeName(report.options.tempo)}};
     const auto& bpm = report.analysis.bpm;
     tempo["bpm"] = bpm ? Json(*bpm) : Json(nullptr);
+    if (report.analysis.judgement) addJudgement(tempo, *report.analysis.judgement);
     return tempo;
 }
 

@@ -27,15 +27,6 @@ double inBpm(int hundredths) {
     return static_cast<double>(hundredths) / 100.0;
 }
 
-template <class Point>
-std::vector<BA_WaveInfo> toWave(const Point* points, int count) {
-    std::vector<BA_WaveInfo> wave;
-    wave.reserve(static_cast<std::size_t>(count));
-    for (int i = 0; i < count; ++i)
-        wave.push_back({static_cast<float>(points[i].level), points[i].color});
-    return wave;
-}
-
 }  // namespace
 
 BeatSession::BeatSession(const BA_TrackOptions& options, int rate, int frames)
@@ -73,7 +64,7 @@ void BeatSession::addTo(TrackResult& result) {
     const int hundredths = analyzer_.getBpm();
     {
         const NearestScope mode;
-        result.bpm = inBpm(hundredths);
+        result.bpm = result.rawBpm = inBpm(hundredths);
     }
     addBeatsTo(result);
     addWavesTo(result);

@@ -3,15 +3,12 @@
 
 #include "beatatlas/track.h"
 #include "session/Analyzer.h"
-#include "track/Listener.h"
-#include "track/TrackResult.h"
+#include "track/BeatFinder.h"
 
 namespace beatatlas::track::inner {
 
-/** The tempo, the beats and the waves of a track: one session of the core.
- *
- *  Life: construct → hear the whole track → close() → addTo(). */
-class BeatSession : public Listener {
+/** The tempo, the beats and the waves of a track: one session of the core. */
+class BeatSession : public BeatFinder {
 public:
     /** @throws std::bad_alloc */
     BeatSession(const BA_TrackOptions& options, int rate, int frames);
@@ -20,9 +17,9 @@ public:
     void hear(const Block& block) override;
 
     /** Runs the closing analysis, a few percent of all the work. */
-    void close();
+    void close() override;
 
-    void addTo(TrackResult& result);
+    void addTo(TrackResult& result) override;
 
 private:
     void addBeatsTo(TrackResult& result) const;

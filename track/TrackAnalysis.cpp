@@ -48,7 +48,7 @@ TrackAnalysis::TrackAnalysis(const BA_TrackOptions& options, int rate, int frame
                              const BA_TrackSource& source, Outcome& outcome)
     : options_(options), rate_(rate), frames_(frames), source_(source), outcome_(outcome),
       progress_(options.progress, options.progress_host, totalUnits()),
-      beats_(options, rate, frames) {
+      beats_(makeBeatFinder(options, rate, frames)) {
     if (options.wants_key != 0) key_.emplace(rate, frames);
 }
 
@@ -68,13 +68,13 @@ TrackResult TrackAnalysis::run() {
     TrackResult result;
     result.rate = rate_;
     result.frames = frames_;
-    beats_.addTo(result);
+    beats_->addTo(result);
     if (key_) key_->addTo(result);
     return result;
 }
 
 void TrackAnalysis::findBeats() {
-    hear({&beats_}, kBeatUnits);
+    hear({beats_.get()}, kBeatUnits);
     closeBeats();
 }
 
@@ -82,12 +82,12 @@ void TrackAnalysis::findBoth() {
     hear({&levels_}, kLevelUnits);
     key_->setLevels(levels_);
     if (options_.threads > 1) return sideBySide([this] { findBeats(); }, [this] { hearKey(); });
-    hear({&beats_, &*key_}, kBeatUnits + kKeyUnits);
+    hear({beats_.get(), &*key_}, kBeatUnits + kKeyUnits);
     closeBeats();
 }
 
 void TrackAnalysis::findBothInFewestPasses() {
-    hear({&levels_, &beats_}, kLevelUnits + kBeatUnits);
+    hear({&levels_, beats_.get()}, kLevelUnits + kBeatUnits);
     key_->setLevels(levels_);
     sideBySide([this] { closeBeats(); }, [this] { hearKey(); });
 }
@@ -97,7 +97,7 @@ void TrackAnalysis::hearKey() {
 }
 
 void TrackAnalysis::closeBeats() {
-    beats_.close();
+    beats_->close();
     progress_.add(kClosingUnits * frames_);
 }
 

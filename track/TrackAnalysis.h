@@ -3,10 +3,11 @@
 
 #include <cstdint>
 #include <initializer_list>
+#include <memory>
 #include <optional>
 
 #include "beatatlas/track.h"
-#include "track/BeatSession.h"
+#include "track/BeatFinder.h"
 #include "track/KeySession.h"
 #include "track/Outcome.h"
 #include "track/Progress.h"
@@ -45,7 +46,7 @@ private:
     const BA_TrackSource& source_;
     Outcome& outcome_;
     Progress progress_;
-    BeatSession beats_;
+    std::unique_ptr<BeatFinder> beats_;
     Levels levels_;
     std::optional<KeySession> key_;  // when it is wanted
 };

@@ -17,6 +17,11 @@ struct TrackResult {
     std::int32_t rate = 0;
     std::int64_t frames = 0;
     double bpm = 0.0;
+    double rawBpm = 0.0;         // before it was brought into a range
+    std::int32_t isSteady = -1;  // 1, 0, -1: not known
+    BA_TrackConfidence confidence{};
+    std::vector<BA_TrackTempoStretch> stretches;
+    std::vector<BA_TrackReading> readings;  // but for the chosen one, best first
     std::vector<BA_TrackBeat> beats;
     std::array<std::vector<BA_WaveInfo>, kWaveKinds> waves;  // by BA_TRACK_WAVE_…
     std::vector<BA_TrackKeyScore> keys;                      // best first

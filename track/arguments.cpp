@@ -18,7 +18,9 @@ constexpr std::size_t kOptionEnds[] = {
     offsetof(BA_TrackOptions, range_seconds), offsetof(BA_TrackOptions, wants_key),
     offsetof(BA_TrackOptions, wants_waves),   offsetof(BA_TrackOptions, threads),
     offsetof(BA_TrackOptions, reserved),      offsetof(BA_TrackOptions, progress),
-    offsetof(BA_TrackOptions, progress_host), sizeof(BA_TrackOptions)};
+    offsetof(BA_TrackOptions, progress_host), offsetof(BA_TrackOptions, lowest_bpm),
+    offsetof(BA_TrackOptions, highest_bpm),   offsetof(BA_TrackOptions, beats_per_bar),
+    offsetof(BA_TrackOptions, reserved_bar),  sizeof(BA_TrackOptions)};
 constexpr std::size_t kSourceEnds[] = {offsetof(BA_TrackSource, host),
                                        offsetof(BA_TrackSource, open),
                                        offsetof(BA_TrackSource, read),
@@ -54,10 +56,21 @@ bool readStructure(const Structure* hosts, const std::size_t (&ends)[count], Str
     return true;
 }
 
+constexpr double kLowestBpm = 20.0;
+constexpr double kHighestBpm = 1000.0;
+
+/** No range, or one in which every tempo has a double or a half. */
+bool isTempoRange(double lowest, double highest) {
+    if (lowest == 0.0 && highest == 0.0) return true;
+    return lowest >= kLowestBpm && highest <= kHighestBpm && highest >= 2.0 * lowest;
+}
+
 bool areInRange(const BA_TrackOptions& options) {
-    return options.tempo >= BA_TRACK_TEMPO_CONSTANT && options.tempo <= BA_TRACK_TEMPO_OFF &&
+    const std::int32_t perBar = options.beats_per_bar;
+    return options.tempo >= BA_TRACK_TEMPO_CONSTANT && options.tempo <= BA_TRACK_TEMPO_AUTO &&
            options.section_beats > 0 && options.range_seconds >= 0.0 && options.threads > 0 &&
-           options.reserved == 0;
+           options.reserved == 0 && isTempoRange(options.lowest_bpm, options.highest_bpm) &&
+           (perBar == 0 || perBar == 3 || perBar == 4) && options.reserved_bar == 0;
 }
 
 }  // namespace
@@ -65,7 +78,7 @@ bool areInRange(const BA_TrackOptions& options) {
 BA_TrackOptions defaultOptions() {
     BA_TrackOptions options{};
     options.size = sizeof options;
-    options.tempo = BA_TRACK_TEMPO_CONSTANT;
+    options.tempo = BA_TRACK_TEMPO_AUTO;
     options.section_beats = 32;
     options.wants_key = 1;
     options.wants_waves = 1;

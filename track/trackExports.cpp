@@ -97,6 +97,28 @@ double BA_TrackBpm(const BA_Track* track) {
     return track == nullptr ? 0.0 : track->result.bpm;
 }
 
+int32_t BA_TrackIsSteady(const BA_Track* track) {
+    return track == nullptr ? -1 : track->result.isSteady;
+}
+
+int32_t BA_TrackTempoConfidence(const BA_Track* track, BA_TrackConfidence* out) {
+    const bool isKnown = BA_TrackIsSteady(track) >= 0;
+    if (out != nullptr) *out = isKnown ? track->result.confidence : BA_TrackConfidence{};
+    return isKnown ? 1 : 0;
+}
+
+double BA_TrackRawBpm(const BA_Track* track) {
+    return track == nullptr ? 0.0 : track->result.rawBpm;
+}
+
+size_t BA_TrackReadings(const BA_Track* track, BA_TrackReading* out, size_t room) {
+    return track == nullptr ? 0 : copyOut(track->result.readings, out, room);
+}
+
+size_t BA_TrackTempoStretches(const BA_Track* track, BA_TrackTempoStretch* out, size_t room) {
+    return track == nullptr ? 0 : copyOut(track->result.stretches, out, room);
+}
+
 size_t BA_TrackBeats(const BA_Track* track, BA_TrackBeat* out, size_t room) {
     return track == nullptr ? 0 : copyOut(track->result.beats, out, room);
 }

@@ -2,6 +2,8 @@
 #include "cli/AnalysisArguments.h"
 
 #include <map>
+#include <optional>
+#include <string>
 
 #include <CLI/CLI.hpp>
 
@@ -12,10 +14,13 @@ namespace app {
 
 namespace {
 
+constexpr double kLowestBpm = 20.0;
+constexpr double kHighestBpm = 1000.0;
 constexpr double kLongestRangeSeconds = 48695.0;  // 2^31 - 1 frames at 44,100 Hz
 
 std::map<std::string, beatatlas::track::TempoMode> tempoModes() {
-    return {{"constant", beatatlas::track::TempoMode::constant},
+    return {{"auto", beatatlas::track::TempoMode::automatic},
+            {"constant", beatatlas::track::TempoMode::constant},
             {"varied", beatatlas::track::TempoMode::varied},
             {"simple", beatatlas::track::TempoMode::simple},
             {"off", beatatlas::track::TempoMode::off}};
@@ -28,17 +33,57 @@ std::string requirePhrase(const std::string& text) {
     return "takes 4, 8, 16, 32, 64, 128 or 256, not " + text;
 }
 
+struct BpmRange {
+    double lowest;
+    double highest;
+};
+
+/** Nothing unless the text is LO:HI with both ends in order. */
+std::optional<BpmRange> bpmRangeOf(const std::string& text) {
+    const std::size_t colon = text.find(':');
+    if (colon == std::string::npos) return std::nullopt;
+    BpmRange range{};
+    if (!CLI::detail::lexical_cast(text.substr(0, colon), range.lowest) ||
+        !CLI::detail::lexical_cast(text.substr(colon + 1), range.highest))
+        return std::nullopt;
+    const bool isInOrder = range.lowest >= kLowestBpm && range.highest <= kHighestBpm &&
+                           range.highest >= 2.0 * range.lowest;
+    return isInOrder ? std::optional(range) : std::nullopt;
+}
+
+std::string requireBpmRange(const std::string& text) {
+    if (bpmRangeOf(text)) return {};
+    return "takes two tempos from 20 to 1000 BPM such as 85:170, the second at least twice the "
+           "first, not " +
+           text;
+}
+
+std::string requireBar(const std::string& text) {
+    if (text == "3" || text == "4") return {};
+    return "takes 3 or 4, not " + text;
+}
+
 }  // namespace
 
 void AnalysisArguments::declare(CLI::App& arguments) {
     arguments
         .add_option("--tempo", options_.tempo,
-                    "constant: one tempo for the whole track (the usual case; default)\n"
-                    "varied: the tempo may change along the track\n"
+                    "auto: steady or varying, as it turns out (default)\n"
+                    "constant: one session of one tempo for the whole track\n"
+                    "varied: one session whose tempo may change along the track\n"
                     "simple: sensed at the track's beginning only, one regular grid\n"
                     "off: no tempo and no beats")
         ->transform(CLI::CheckedTransformer(tempoModes()).description(""))
         ->option_text("MODE");
+    arguments
+        .add_option("--bpm-range", bpmRange_,
+                    "auto tempo: double or halve it into this range, say 85:170; the upper end is\n"
+                    "at least twice the lower one")
+        ->check(CLI::Validator(requireBpmRange, ""))
+        ->option_text("LO:HI");
+    arguments.add_option("--beats-per-bar", beatsPerBar_, "auto tempo: 3 or 4, where you know it")
+        ->check(CLI::Validator(requireBar, ""))
+        ->option_text("BEATS");
     arguments
         .add_option(
             "--section", sectionBeats_,
@@ -60,6 +105,16 @@ void AnalysisArguments::settle() {
     }
     if (rangeSeconds_ && options_.tempo != beatatlas::track::TempoMode::simple)
         throw base::UsageError("--range goes with --tempo simple");
+    if (bpmRange_ && options_.tempo != beatatlas::track::TempoMode::automatic)
+        throw base::UsageError("--bpm-range goes with --tempo auto");
+    if (beatsPerBar_ && options_.tempo != beatatlas::track::TempoMode::automatic)
+        throw base::UsageError("--beats-per-bar goes with --tempo auto");
+    if (bpmRange_) {
+        const BpmRange range = bpmRangeOf(*bpmRange_).value();
+        options_.lowestBpm = range.lowest;
+        options_.highestBpm = range.highest;
+    }
+    options_.beatsPerBar = beatsPerBar_.value_or(0);
     options_.sectionBeats = sectionBeats_.value_or(options_.sectionBeats);
     options_.rangeSeconds = rangeSeconds_.value_or(options_.rangeSeconds);
     options_.wantsKey = !skipsKey_;

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <optional>
+#include <string>
 
 #include "beatatlas/track.hpp"
 
@@ -23,6 +24,8 @@ public:
 
 private:
     beatatlas::track::Options options_;
+    std::optional<std::string> bpmRange_;
+    std::optional<int> beatsPerBar_;
     std::optional<int> sectionBeats_;
     std::optional<double> rangeSeconds_;
     bool skipsKey_ = false;

@@ -73,12 +73,26 @@ enum BA_TrackStatus {
     BA_TRACK_WRONG_LENGTH /**< the source ended before the stated length, or went on behind it */
 };
 
-/** What is known about the tempo beforehand: a value of BA_TrackOptions.tempo. */
+/** How tempo and beats are found: a value of BA_TrackOptions.tempo. */
 enum BA_TrackTempo {
     BA_TRACK_TEMPO_CONSTANT = 0, /**< one tempo for the whole track, fine-tuned at the end */
     BA_TRACK_TEMPO_VARIED,       /**< the tempo may change along the track */
     BA_TRACK_TEMPO_SIMPLE, /**< sensed at the beginning only, one regular grid over all of the track */
-    BA_TRACK_TEMPO_OFF     /**< no tempo and no beats */
+    BA_TRACK_TEMPO_OFF,    /**< no tempo and no beats */
+
+    /** Steady or varying, as it turns out: two sessions, and what begins and sounds in the same audio, are weighed
+     *  against each other. Tells how sure it is, and what else the tempo might be. */
+    BA_TRACK_TEMPO_AUTO
+};
+
+/** What another reading of the beats makes of those that were chosen. */
+enum BA_TrackReadingKind {
+    BA_TRACK_READING_DOUBLE = 0,   /**< beats half as far apart */
+    BA_TRACK_READING_HALF,         /**< beats twice as far apart */
+    BA_TRACK_READING_SHIFTED,      /**< the same tempo, between the beats that were chosen */
+    BA_TRACK_READING_THREE_TO_TWO, /**< one and a half times the tempo: three beats for two */
+    BA_TRACK_READING_TWO_TO_THREE, /**< two thirds of the tempo: two beats for three */
+    BA_TRACK_READING_OTHER         /**< any other tempo or place */
 };
 
 /** The waveform overviews; points are explained at the getters of beatatlas.h. */
@@ -94,7 +108,7 @@ enum BA_TrackWaveKind {
  *  not know have their defaults; fields that an older library does not know must be 0, or it refuses the options. */
 typedef struct BA_TrackOptions {
     size_t size;   /**< sizeof(BA_TrackOptions) as the host was compiled */
-    int32_t tempo; /**< BA_TRACK_TEMPO_…; default: constant */
+    int32_t tempo; /**< BA_TRACK_TEMPO_…; default: auto */
     int32_t
         section_beats; /**< varied tempo: the length in beats of the phrase over which the tempo is measured: 4, 8,
                                 16, 32, 64 …; any other number above 0 means 32. Default: 32 */
@@ -113,6 +127,13 @@ typedef struct BA_TrackOptions {
      *  analysis, after which it is not called again. Default: null, not told. */
     int (*progress)(void* host, double fraction);
     void* progress_host; /**< handed to progress. Default: null */
+
+    /** Auto tempo: a range into which the tempo is brought by doubling or halving, with its grid. From 20 to 1000 BPM, the
+     *  upper end at least twice the lower one. Default: 0 and 0, no range. */
+    double lowest_bpm;
+    double highest_bpm;
+    int32_t beats_per_bar; /**< auto tempo: 3 or 4, where it is known. Default: 0, found out */
+    int32_t reserved_bar;  /**< 0 */
 } BA_TrackOptions;
 
 /** Where the audio of a track comes from. A pass hands out the whole track from its first frame on; every pass must
@@ -152,9 +173,36 @@ typedef struct BA_TrackBeat {
     double seconds;        /**< from the first frame of the track */
     double bpm;            /**< tempo at this beat, a multiple of 0.01 */
     int64_t frame;         /**< from the first frame of the track, at its rate */
-    int32_t number_in_bar; /**< from 1, the downbeat, to 4 */
+    int32_t number_in_bar; /**< from 1, the downbeat, to the beats of a bar */
     int32_t reserved;      /**< 0 */
 } BA_TrackBeat;
+
+/** How sure the answers of the auto tempo are: each is the share of tracks on which such an answer was right, 0 to 1, as
+ *  measured on tracks of known beats. */
+typedef struct BA_TrackConfidence {
+    double tempo; /**< that the music has this pulse, or one of its multiples or parts */
+    double level; /**< that people tap this multiple of it, where the pulse is right */
+    double phase; /**< that they tap at these places, where the level is right */
+    double bars;  /**< that the bars begin at these beats, where the beats are right */
+} BA_TrackConfidence;
+
+/** Another reading of the beats. */
+typedef struct BA_TrackReading {
+    double bpm;
+    /** Its probability, 0 to 1; that of the chosen reading and of all others add up to 1. */
+    double share;
+    /** How far behind a beat of the answer its first beat lies, in beats of the answer, 0 to 1. */
+    double shift_beats;
+    int32_t kind;     /**< BA_TRACK_READING_… */
+    int32_t reserved; /**< 0 */
+} BA_TrackReading;
+
+/** A stretch of beats of nearly one tempo. */
+typedef struct BA_TrackTempoStretch {
+    double from_seconds; /**< its first beat */
+    double to_seconds;   /**< the first beat of the next stretch, or the last beat of all */
+    double bpm;          /**< the mean, a multiple of 0.01 */
+} BA_TrackTempoStretch;
 
 /** A key and how well it fits. */
 typedef struct BA_TrackKeyScore {
@@ -232,6 +280,26 @@ BA_API double BA_TrackBpm(const BA_Track* track);
 
 /** The beats in order of time. None when none were found, when they were not wanted, and for null. */
 BA_API size_t BA_TrackBeats(const BA_Track* track, BA_TrackBeat* out, size_t room);
+
+/** Whether the tempo is steady. 1: one tempo, beats of even distances. 0: it changes along the track, and the beats follow
+ *  it. -1: nothing is known of it, since the tempo was not found by BA_TRACK_TEMPO_AUTO, or none was found; and for null. */
+BA_API int32_t BA_TrackIsSteady(const BA_Track* track);
+
+/** How sure tempo and beats are.
+ *  @param out  is filled in unless null; all 0 when nothing is known
+ *  @return 1; 0 where BA_TrackIsSteady is -1 */
+BA_API int32_t BA_TrackTempoConfidence(const BA_Track* track, BA_TrackConfidence* out);
+
+/** What the tempo was before it was brought into the range of the options, a multiple of 0.01; BA_TrackBpm where there was
+ *  none. 0 as there. */
+BA_API double BA_TrackRawBpm(const BA_Track* track);
+
+/** The likeliest other readings of the beats before they were brought into a range, the likeliest first, five at the most.
+ *  None where BA_TrackIsSteady is -1. */
+BA_API size_t BA_TrackReadings(const BA_Track* track, BA_TrackReading* out, size_t room);
+
+/** The stretches of nearly one tempo, in order of time: one where the tempo is steady. None where BA_TrackIsSteady is -1. */
+BA_API size_t BA_TrackTempoStretches(const BA_Track* track, BA_TrackTempoStretch* out, size_t room);
 
 /** The points of a waveform overview. None when the waves were not wanted, for a kind that does not exist, and for null.
  *  @param wave  BA_TRACK_WAVE_… */

@@ -33,8 +33,9 @@ namespace beatatlas::track {
 inline constexpr int kKeyCount = 24;
 inline constexpr int kPitchClassCount = 12;
 
-/** What is known about the tempo beforehand. */
+/** How tempo and beats are found. */
 enum class TempoMode {
+    automatic = BA_TRACK_TEMPO_AUTO,     ///< steady or varying, as it turns out
     constant = BA_TRACK_TEMPO_CONSTANT,  ///< one tempo for the whole track
     varied = BA_TRACK_TEMPO_VARIED,      ///< the tempo may change along the track
     simple =
@@ -44,12 +45,19 @@ enum class TempoMode {
 
 /** What is to be found out about a track, and how. */
 struct Options {
-    TempoMode tempo = TempoMode::constant;
+    TempoMode tempo = TempoMode::automatic;
     int sectionBeats =
         32;  ///< varied tempo: length in beats of the phrase over which the tempo is measured, from 1
     double rangeSeconds = 0;  ///< simple: how much of the beginning is sensed; 0: one minute
     bool wantsKey = true;
     bool wantsWaves = true;
+
+    /** Automatic tempo: a range into which it is brought by doubling or halving, 20 to 1000 BPM, the upper end at least
+     *  twice the lower one; both 0: none. */
+    double lowestBpm = 0;
+    double highestBpm = 0;
+    int beatsPerBar = 0;  ///< automatic tempo: 3 or 4; 0: found out
+
     int threads = 1;  ///< the most that may work at once, the calling one among them
 
     /** Is told how far the analysis has come, from 0 to 1, from any thread but never from two at once. To stop the
@@ -78,6 +86,42 @@ struct Beat {
     bool isDownbeat() const { return numberInBar == 1; }
 };
 
+/** What another reading of the beats makes of those that were chosen. */
+enum class ReadingKind {
+    twice = BA_TRACK_READING_DOUBLE,             ///< beats half as far apart
+    half = BA_TRACK_READING_HALF,                ///< beats twice as far apart
+    shifted = BA_TRACK_READING_SHIFTED,          ///< the same tempo, between the beats
+    threeToTwo = BA_TRACK_READING_THREE_TO_TWO,  ///< three beats for two
+    twoToThree = BA_TRACK_READING_TWO_TO_THREE,  ///< two beats for three
+    other = BA_TRACK_READING_OTHER,
+};
+
+/** Another reading of the beats. */
+struct Reading {
+    ReadingKind kind = ReadingKind::other;
+    double bpm = 0.0;
+    double share = 0.0;  ///< its probability, 0 to 1
+
+    /** How far behind a beat of the answer its first beat lies, in beats of the answer, 0 to 1. */
+    double shiftBeats = 0.0;
+};
+
+/** A stretch of beats of nearly one tempo. */
+struct TempoStretch {
+    double fromSeconds = 0.0;
+    double toSeconds = 0.0;
+    double bpm = 0.0;  ///< the mean
+};
+
+/** What the automatic tempo knows beside tempo and beats. */
+struct TempoJudgement {
+    bool isSteady = true;  ///< one tempo, beats of even distances; else the beats follow it
+    double rawBpm = 0.0;   ///< before it was brought into the range of the options
+    BA_TrackConfidence confidence{};
+    std::vector<TempoStretch> stretches;  ///< one where the tempo is steady
+    std::vector<Reading> readings;        ///< but for the chosen one, the likeliest first
+};
+
 /** One point of a waveform overview. */
 struct WavePoint {
     float level = 0.0F;
@@ -102,8 +146,9 @@ struct TrackResult {
     int rate = 0;             ///< Hz
     std::int64_t frames = 0;  ///< length of the track at that rate
     std::optional<double> bpm;
-    std::vector<Beat> beats;          ///< in order of time
-    std::vector<WavePoint> loudWave;  ///< 400 points; level in 16-bit scale, colour 0 to 5
+    std::vector<Beat> beats;                  ///< in order of time
+    std::optional<TempoJudgement> judgement;  ///< of the automatic tempo, where it found one
+    std::vector<WavePoint> loudWave;          ///< 400 points; level in 16-bit scale, colour 0 to 5
     std::vector<WavePoint> dotsWave;  ///< 100 points; level in 16-bit scale (sums, may exceed it)
     std::vector<WavePoint>
         zoomWave;  ///< 150 points a second; level 0 to 31, colour 0 (all bass) to 7
@@ -188,6 +233,9 @@ inline BA_TrackOptions toOptions(const Options& options, Host& host) {
     plain.wants_key = options.wantsKey ? 1 : 0;
     plain.wants_waves = options.wantsWaves ? 1 : 0;
     plain.threads = options.threads;
+    plain.lowest_bpm = options.lowestBpm;
+    plain.highest_bpm = options.highestBpm;
+    plain.beats_per_bar = options.beatsPerBar;
     if (options.progress) plain.progress = showProgress;
     plain.progress_host = &host;
     return plain;
@@ -206,6 +254,23 @@ inline std::vector<Beat> beatsOf(const BA_Track* track) {
     for (const BA_TrackBeat& record : records)
         beats.push_back({record.seconds, record.bpm, record.frame, record.number_in_bar});
     return beats;
+}
+
+inline std::optional<TempoJudgement> judgementOf(const BA_Track* track) {
+    TempoJudgement judgement;
+    if (BA_TrackTempoConfidence(track, &judgement.confidence) == 0) return std::nullopt;
+    judgement.isSteady = BA_TrackIsSteady(track) == 1;
+    judgement.rawBpm = BA_TrackRawBpm(track);
+    std::vector<BA_TrackReading> records(BA_TrackReadings(track, nullptr, 0));
+    BA_TrackReadings(track, records.data(), records.size());
+    for (const BA_TrackReading& record : records)
+        judgement.readings.push_back(
+            {static_cast<ReadingKind>(record.kind), record.bpm, record.share, record.shift_beats});
+    std::vector<BA_TrackTempoStretch> stretches(BA_TrackTempoStretches(track, nullptr, 0));
+    BA_TrackTempoStretches(track, stretches.data(), stretches.size());
+    for (const BA_TrackTempoStretch& stretch : stretches)
+        judgement.stretches.push_back({stretch.from_seconds, stretch.to_seconds, stretch.bpm});
+    return judgement;
 }
 
 inline std::vector<WavePoint> waveOf(const BA_Track* track, int kind) {
@@ -241,6 +306,7 @@ inline TrackResult resultOf(const BA_Track* track) {
     result.frames = BA_TrackFrames(track);
     if (const double bpm = BA_TrackBpm(track); bpm > 0.0) result.bpm = bpm;
     result.beats = beatsOf(track);
+    result.judgement = judgementOf(track);
     result.loudWave = waveOf(track, BA_TRACK_WAVE_LOUD);
     result.dotsWave = waveOf(track, BA_TRACK_WAVE_DOTS);
     result.zoomWave = waveOf(track, BA_TRACK_WAVE_ZOOM);

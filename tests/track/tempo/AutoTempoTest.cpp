@@ -1,0 +1,182 @@
+// SPDX-License-Identifier: MIT
+// The automatic tempo from audio to answer, on music whose beats are known.
+#include "track/tempo/AutoTempo.h"
+
+#include <cfenv>
+#include <cmath>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "support/VectorForms.h"
+#include "track/tempo/tempoSignals.h"
+
+namespace {
+
+using namespace beatatlas::test;
+using beatatlas::track::inner::TempoAnswer;
+
+TrackPlan planOf(int rate, double bpm, int seconds) {
+    TrackPlan plan;
+    plan.sampleRate = rate;
+    plan.lengthFrames = static_cast<std::int64_t>(rate) * seconds;
+    plan.bpm = bpm;
+    plan.introFrames = rate / 3;
+    plan.kickPattern = KickPattern::firstAndThird;
+    return plan;
+}
+
+/** The share of true beats that the answer has within 20 ms. */
+double shareFound(const std::vector<double>& beats, const std::vector<TrueBeat>& truth, int rate) {
+    double found = 0.0;
+    for (const TrueBeat& beat : truth) {
+        const double time = static_cast<double>(beat.frame) / rate;
+        const auto near = std::lower_bound(beats.begin(), beats.end(), time - 0.02);
+        if (near != beats.end() && *near < time + 0.02) ++found;
+    }
+    return found / static_cast<double>(truth.size());
+}
+
+void expectNoTempo(const TempoAnswer& answer) {
+    EXPECT_EQ(answer.bpm, 0.0);
+    EXPECT_TRUE(answer.beats.empty());
+    EXPECT_TRUE(answer.downbeats.empty());
+    EXPECT_TRUE(answer.stretches.empty());
+    EXPECT_TRUE(answer.alternatives.empty());
+}
+
+void expectEqual(const TempoAnswer& a, const TempoAnswer& b) {
+    EXPECT_EQ(a.bpm, b.bpm);
+    EXPECT_EQ(a.beats, b.beats);
+    EXPECT_EQ(a.downbeats, b.downbeats);
+    EXPECT_EQ(a.clarity, b.clarity);
+    EXPECT_EQ(a.standing, b.standing);
+    EXPECT_EQ(a.steadiness.evenness, b.steadiness.evenness);
+    ASSERT_EQ(a.metres.size(), b.metres.size());
+    for (std::size_t i = 0; i < a.metres.size(); ++i)
+        EXPECT_EQ(a.metres[i].features, b.metres[i].features);
+    ASSERT_EQ(a.bars.size(), b.bars.size());
+    for (std::size_t i = 0; i < a.bars.size(); ++i)
+        EXPECT_EQ(a.bars[i].features, b.bars[i].features);
+}
+
+TEST(AutoTempo, FindsTempoAndBeatsOfMusic) {
+    for (const double bpm : {84.0, 97.31, 119.99, 128.0, 140.5}) {
+        const TrackSynth synth(planOf(44100, bpm, 60));
+        const TempoAnswer answer = tempoOf(44100, synth.renderAll());
+        EXPECT_NEAR(answer.bpm, bpm, 0.01);
+        EXPECT_GT(shareFound(answer.beats, synth.beats(), 44100), 0.98) << bpm;
+        EXPECT_NEAR(static_cast<double>(answer.beats.size()),
+                    static_cast<double>(synth.beats().size()), 2.0);
+        EXPECT_TRUE(answer.isSteady);
+        EXPECT_EQ(answer.stretches.size(), 1U);
+    }
+}
+
+TEST(AutoTempo, FindsTheFirstBeatsOfBars) {
+    const TrackSynth synth(planOf(44100, 112.0, 60));
+    const TempoAnswer answer = tempoOf(44100, synth.renderAll());
+    EXPECT_EQ(answer.beatsPerBar, 4);
+    for (const double downbeat : answer.downbeats) {
+        const double beats = (downbeat - 1.0 / 3.0) * 112.0 / 60.0;
+        EXPECT_NEAR(beats / 4.0, std::round(beats / 4.0), 0.02) << downbeat;
+    }
+}
+
+TEST(AutoTempo, HearsTheSameAtBothRates) {
+    const TempoAnswer at44 = tempoOf(44100, TrackSynth(planOf(44100, 123.0, 40)).renderAll());
+    const TempoAnswer at48 = tempoOf(48000, TrackSynth(planOf(48000, 123.0, 40)).renderAll());
+    EXPECT_NEAR(at44.bpm, at48.bpm, 0.01);
+    ASSERT_EQ(at44.beats.size(), at48.beats.size());
+    for (std::size_t k = 0; k < at44.beats.size(); ++k)
+        EXPECT_NEAR(at44.beats[k], at48.beats[k], 0.004);
+}
+
+// A bass note on one, chords of the same notes on two and three; another chord every bar.
+TEST(AutoTempo, HearsTripleMetre) {
+    constexpr int kRate = 44100;
+    constexpr double kInterval = 60.0 / 132.0;
+    std::vector<float> waltz = silence(std::size_t{kRate} * 60);
+    const std::vector<double> beats = evenTimes(0.2, kInterval, 59.0);
+    const double roots[] = {220.0, 293.66, 246.94, 261.63};
+    for (std::size_t k = 0; k < beats.size(); ++k) {
+        const double root = roots[k / 3 % 4];
+        const auto at = static_cast<std::size_t>(beats[k] * kRate + 0.5);
+        const auto length = static_cast<std::size_t>(0.35 * kRate);
+        std::vector<float> note = k % 3 == 0 ? sine(length, root / 4.0, kRate, 9000.0)
+                                             : sine(length, root * 1.25, kRate, 3000.0);
+        mixInto(note, sine(length, root, kRate, 3000.0));
+        for (std::size_t i = 0; i < length; ++i)
+            note[i] *= 1.0F - static_cast<float>(i) / static_cast<float>(length);
+        mixInto(waltz, note, at);
+    }
+    mixInto(waltz, burstsAt(beats, kRate, waltz.size(), 2000.0));
+    const TempoAnswer answer = tempoOf(kRate, inBothChannels(waltz));
+    EXPECT_NEAR(answer.bpm, 132.0, 0.02);
+    EXPECT_EQ(answer.beatsPerBar, 3);
+    ASSERT_FALSE(answer.downbeats.empty());
+    const double bars = (answer.downbeats.front() - 0.2) / (3.0 * kInterval);
+    EXPECT_NEAR(bars, std::round(bars), 0.02);
+}
+
+TEST(AutoTempo, SaysWhereTheTempoChanges) {
+    TrackPlan plan = planOf(44100, 120.0, 90);
+    plan.tempoChanges = {{45.0, 104.0}};
+    const TrackSynth synth(plan);
+    const TempoAnswer answer = tempoOf(44100, synth.renderAll());
+    EXPECT_FALSE(answer.isSteady);
+    EXPECT_GT(shareFound(answer.beats, synth.beats(), 44100), 0.9);
+    ASSERT_GE(answer.stretches.size(), 2U);
+    EXPECT_NEAR(answer.stretches.front().bpm, 120.0, 1.5);
+    EXPECT_NEAR(answer.stretches.back().bpm, 104.0, 1.5);
+}
+
+TEST(AutoTempo, GivesAlternativesAndConfidence) {
+    const TempoAnswer answer = tempoOf(44100, TrackSynth(planOf(44100, 128.0, 60)).renderAll());
+    ASSERT_EQ(answer.alternatives.size(), 5U);
+    double before = answer.metres.front().share;
+    for (const auto& other : answer.alternatives) {
+        EXPECT_LE(other.share, before);
+        EXPECT_NEAR(other.bpm, answer.bpm * other.tempoRatio, 1e-9);
+        EXPECT_GE(other.shiftBeats, 0.0);
+        EXPECT_LT(other.shiftBeats, 1.0);
+        before = other.share;
+    }
+    EXPECT_GT(answer.confidence.tempo(), 0.5);
+    EXPECT_LE(answer.confidence.downbeats(), answer.confidence.beats());
+}
+
+TEST(AutoTempo, GivesTheSameBitsForBlocksOfEverySizeFormAndRoundingMode) {
+    const StereoTrack track = TrackSynth(planOf(44100, 126.0, 20)).renderAll();
+    const TempoAnswer expected = tempoOf(44100, track);
+    ASSERT_GT(expected.bpm, 0.0);
+    for (const int block : {1, 999, 1000000}) expectEqual(tempoOf(44100, track, block), expected);
+    for (const auto form : formsOfThisMachine()) {
+        const FormScope scope(form);
+        expectEqual(tempoOf(44100, track), expected);
+    }
+    for (const int mode : {FE_TOWARDZERO, FE_UPWARD}) {
+        ASSERT_EQ(std::fesetround(mode), 0);
+        const TempoAnswer answer = tempoOf(44100, track);
+        const int left = std::fegetround();
+        std::fesetround(FE_TONEAREST);
+        EXPECT_EQ(left, mode);
+        expectEqual(answer, expected);
+    }
+}
+
+TEST(AutoTempo, FindsNoneInSilenceHumAndNoise) {
+    constexpr std::size_t kFrames = 44100 * 30;
+    expectNoTempo(tempoOf(44100, inBothChannels(silence(kFrames))));
+    expectNoTempo(tempoOf(44100, inBothChannels(std::vector<float>(kFrames, 9000.0F))));
+    expectNoTempo(tempoOf(44100, inBothChannels(sine(kFrames, 50.0, 44100, 9000.0))));
+    expectNoTempo(tempoOf(44100, inBothChannels(whiteNoise(kFrames, 9000.0, 1))));
+    expectNoTempo(tempoOf(48000, inBothChannels(whiteNoise(kFrames, 32767.0, 2))));
+}
+
+TEST(AutoTempo, FindsNoneInTracksTooShortForOne) {
+    for (const std::size_t frames : {1U, 2U, 293U, 588U, 1024U, 44100U})
+        expectNoTempo(tempoOf(44100, inBothChannels(whiteNoise(frames, 9000.0, 5))));
+}
+
+}  // namespace

@@ -1,0 +1,70 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+#include "track/evidence/BandSums.h"
+#include "track/evidence/LevelCode.h"
+#include "track/evidence/SpectrumStream.h"
+
+namespace beatatlas::track::inner {
+
+/** Groups of bands whose onsets are told apart: low (below 170 Hz), low middle (520 Hz), middle (2 kHz), high middle
+ *  (5 kHz) and high (15.5 kHz). */
+inline constexpr std::size_t kGroups = 5;
+
+/** The spectrum of a track at 150 frames a second: its levels in bands of a fifth of an octave.
+ *
+ *  How loud the track is as a whole, against which a level is to be judged, is known only at its end. Until then a level
+ *  is kept in 16 bits: some 10 kB per second of audio.
+ *
+ *  Life: construct, rounding to nearest → put() per block → finish() → takeChunk() until it gives none. */
+class BandLevels {
+public:
+    static constexpr int kFramesPerSecond = 150;
+    static constexpr std::size_t kChunkFrames = 4096;
+
+    /** @param rate  44100 or 48000 Hz */
+    explicit BandLevels(int rate);
+
+    /** Takes the mean of both channels, full scale ±1.0. */
+    void put(const float* mono, std::int64_t samples);
+    void finish();
+
+    std::int64_t frames() const { return frames_; }
+    std::size_t bands() const { return edges_.size() - 1; }
+    /** Bands of group g: from groupStarts()[g] to groupStarts()[g + 1], exclusive. */
+    const std::array<std::size_t, kGroups + 1>& groupStarts() const { return groupStarts_; }
+
+    /** The level, a magnitude of the spectrum, that the mean over all bands passes in one frame of ten; 0 for silence.
+     *  Between finish() and the first takeChunk().
+     *  @param levelOfCode  as levelsOfCodes() gives them */
+    double loudLevel(const std::vector<float>& levelOfCode) const;
+
+    /** Codes of the next kChunkFrames frames, band by band within a frame, and lets them go; null after the last. */
+    std::unique_ptr<LevelCode[]> takeChunk();
+
+private:
+    void codeBatch(const FrameSpectra& spectra, int frames);
+    void codeFrame(BandSums& sums);
+    LevelCode* codesOf(std::int64_t frame) const;
+    LevelCode* nextFrame();
+
+    int hop_;
+    std::vector<int> edges_;  // bins at which a band begins, and the end of the last one
+    std::array<std::size_t, kGroups + 1> groupStarts_{};
+    int bins_;           // that are heard, a multiple of 16
+    BandSums evenSums_;  // of the first of two frames
+    BandSums oddSums_;
+    SpectrumStream stream_;
+    std::vector<std::unique_ptr<LevelCode[]>> chunks_;
+    std::size_t chunksTaken_ = 0;
+    std::int64_t samples_ = 0;
+    std::int64_t frames_ = 0;
+};
+
+}  // namespace beatatlas::track::inner

@@ -1,0 +1,99 @@
+// SPDX-License-Identifier: MIT
+#include "track/evidence/ChromaStream.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+namespace beatatlas::track::inner {
+
+namespace {
+
+constexpr double kLowestHz = 100.0;
+constexpr double kHighestHz = 2000.0;
+constexpr double kConcertPitchHz = 440.0;
+constexpr int kPitchClasses = 12;
+constexpr float kLeastSum = 1e-9F;
+
+std::vector<signed char> pitchesOfBins(double rate) {
+    std::vector<signed char> pitches(SpectrumStream::kLength / 2, -1);
+    for (std::size_t bin = 1; bin < pitches.size(); ++bin) {
+        const double hz = static_cast<double>(bin) * rate / SpectrumStream::kLength;
+        if (hz <= kLowestHz || hz >= kHighestHz) continue;
+        const double semitones = std::nearbyint(kPitchClasses * std::log2(hz / kConcertPitchHz));
+        const int pitch = static_cast<int>(semitones) % kPitchClasses;
+        pitches[bin] = static_cast<signed char>((pitch + kPitchClasses) % kPitchClasses);
+    }
+    return pitches;
+}
+
+float sumOf(const Chroma& frame) {
+    float sum = 0.0F;
+    for (const float strength : frame) sum += strength;
+    return sum;
+}
+
+/** The middle one of the sums, or the mean of the two in the middle. */
+float medianSum(const std::vector<Chroma>& frames) {
+    std::vector<float> sums;
+    sums.reserve(frames.size());
+    for (const Chroma& frame : frames) sums.push_back(sumOf(frame));
+    const auto middle = sums.begin() + static_cast<std::ptrdiff_t>(sums.size() / 2);
+    std::nth_element(sums.begin(), middle, sums.end());
+    if (sums.size() % 2 != 0) return *middle;
+    return 0.5F * (*middle + *std::max_element(sums.begin(), middle));
+}
+
+}  // namespace
+
+ChromaStream::ChromaStream(int rate)
+    : step_(static_cast<double>(rate) / Decimator::kFactor / kFramesPerSecond),
+      pitch_(pitchesOfBins(static_cast<double>(rate) / Decimator::kFactor)), stream_(step_) {}
+
+void ChromaStream::put(const float* mono, std::int64_t samples) {
+    addDecimated(decimator_.put(mono, samples));
+}
+
+std::vector<Chroma> ChromaStream::finish() {
+    addDecimated(decimator_.finish());
+    const auto frames = static_cast<std::int64_t>(static_cast<double>(decimated_) / step_);
+    stream_.finish(frames,
+                   [this](const FrameSpectra& spectra, int count) { addBatch(spectra, count); });
+    frames_.resize(static_cast<std::size_t>(frames));
+    if (!frames_.empty()) compress();
+    return std::move(frames_);
+}
+
+void ChromaStream::addDecimated(const std::vector<float>& samples) {
+    const auto count = static_cast<std::int64_t>(samples.size());
+    decimated_ += count;
+    stream_.put(samples.data(), count,
+                [this](const FrameSpectra& spectra, int frames) { addBatch(spectra, frames); });
+}
+
+void ChromaStream::addBatch(const FrameSpectra& spectra, int frames) {
+    constexpr int kBins = SpectrumStream::kLength / 2;
+    std::array<float, kBins> even;
+    std::array<float, kBins> odd;
+    for (int frame = 0; frame < frames; frame += 2) {
+        spectra.powers(frame / 2, kBins, even.data(), odd.data());
+        addFrame(even.data());
+        if (frame + 1 < frames) addFrame(odd.data());
+    }
+}
+
+void ChromaStream::addFrame(const float* powers) {
+    Chroma frame{};
+    for (std::size_t bin = 0; bin < pitch_.size(); ++bin)
+        if (pitch_[bin] >= 0)
+            frame[static_cast<std::size_t>(pitch_[bin])] += std::sqrt(powers[bin]);
+    frames_.push_back(frame);
+}
+
+void ChromaStream::compress() {
+    const float unit = medianSum(frames_) / static_cast<float>(kPitchClasses) + kLeastSum;
+    for (Chroma& frame : frames_)
+        for (float& strength : frame) strength = std::log1p(strength / unit);
+}
+
+}  // namespace beatatlas::track::inner

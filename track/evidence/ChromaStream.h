@@ -1,0 +1,48 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+#include "track/evidence/Decimator.h"
+#include "track/evidence/SpectrumStream.h"
+
+namespace beatatlas::track::inner {
+
+/** What sounds, by pitch class from A. */
+using Chroma = std::array<float, 12>;
+
+/** The pitch classes of a track, ten times a second: how strongly each sounds between 100 Hz and 2 kHz.
+ *
+ *  Life: construct, rounding to nearest → put() per block → finish(). */
+class ChromaStream {
+public:
+    static constexpr double kFramesPerSecond = 10.0;
+
+    /** @param rate  44100 or 48000 Hz */
+    explicit ChromaStream(int rate);
+
+    /** Takes the mean of both channels, full scale ±1.0. */
+    void put(const float* mono, std::int64_t samples);
+
+    /** The frames of the whole track, compressed: ln(1 + c), where 1 is a twelfth of what sounds in the middle one of
+     *  all frames. Call once. */
+    std::vector<Chroma> finish();
+
+private:
+    void addDecimated(const std::vector<float>& samples);
+    void addBatch(const FrameSpectra& spectra, int frames);
+    void addFrame(const float* powers);
+    void compress();
+
+    double step_;                     // decimated samples from frame to frame
+    std::vector<signed char> pitch_;  // of each bin; −1: not heard
+    Decimator decimator_;
+    SpectrumStream stream_;
+    std::int64_t decimated_ = 0;
+    std::vector<Chroma> frames_;
+};
+
+}  // namespace beatatlas::track::inner

@@ -1,0 +1,183 @@
+// SPDX-License-Identifier: MIT
+// Method: spectral flux of log-compressed bands, as surveyed in S. Böck, F. Krebs, M. Schedl, "Evaluating the online
+// capabilities of onset detection methods" (2012).
+//   1. the logarithm of a level, relative to the loud passages of the track; nearly linear far below them, so that the
+//      rustle of a quiet passage is no onset
+//   2. its rise in each band over one frame and over two, averaged over each group of bands
+//   3. each group divided by its mean over the track: what seldom happens in a group counts more
+//   4. its largest value about each frame, for what asks how strongly something begins about a time
+#include "track/evidence/OnsetEnvelopes.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <cstdint>
+#include <utility>
+
+namespace beatatlas::track::inner {
+
+namespace {
+
+// A level of a hundredth of the loud one is where the curve turns from linear to logarithmic.
+constexpr double kCompression = 100.0;
+constexpr double kLeastLoudLevel = 1e-9;
+constexpr double kLeastMean = 1e-9;
+// The groups from 520 Hz up.
+constexpr std::size_t kFirstSharpGroup = 2;
+constexpr std::size_t kSharpGroups = kGroups - kFirstSharpGroup;
+constexpr std::size_t kPeakFramesBefore = 2;
+constexpr std::size_t kPeakFramesAfter = 4;
+constexpr float kMostUpper = 5.0F;
+constexpr float kMostStrength = 6.0F;
+
+using Groups = OnsetEnvelopes::Groups;
+using SharpGroups = std::array<float, kSharpGroups>;
+
+/** The compressed level of each code. */
+std::vector<float> compressedLevels(const BandLevels& levels) {
+    std::vector<float> compressed = levelsOfCodes();
+    const double scale = kCompression / std::max(levels.loudLevel(compressed), kLeastLoudLevel);
+    for (float& level : compressed)
+        level = static_cast<float>(std::log1p(scale * static_cast<double>(level)));
+    return compressed;
+}
+
+/** The rises of a track, frame after frame. */
+class RiseMeter {
+public:
+    explicit RiseMeter(const BandLevels& levels)
+        : compressed_(compressedLevels(levels)), bands_(levels.bands()),
+          starts_(levels.groupStarts()) {
+        for (auto& row : rows_) row.resize(bands_);
+    }
+
+    /** The codes of the next frame. */
+    void put(const LevelCode* codes) {
+        std::vector<float>& row = rows_[static_cast<std::size_t>(frame_ % 3)];
+        for (std::size_t band = 0; band < bands_; ++band) row[band] = compressed_[codes[band]];
+        ++frame_;
+    }
+
+    /** Mean level of each group in the latest frame. */
+    Groups level() const {
+        const float* row = rows_[static_cast<std::size_t>((frame_ - 1) % 3)].data();
+        Groups levels{};
+        for (std::size_t g = 0; g < kGroups; ++g)
+            levels[g] = meanOf(g, [row](std::size_t band) { return row[band]; });
+        return levels;
+    }
+
+    /** Mean rise of a group of the latest frame over the one `lag` before; 0 where there is none. */
+    float riseOver(std::int64_t lag, std::size_t group) const {
+        if (frame_ <= lag) return 0.0F;
+        const float* row = rows_[static_cast<std::size_t>((frame_ - 1) % 3)].data();
+        const float* before = rows_[static_cast<std::size_t>((frame_ - 1 - lag) % 3)].data();
+        return meanOf(group, [row, before](std::size_t band) {
+            return std::max(0.0F, row[band] - before[band]);
+        });
+    }
+
+private:
+    template <class Value>
+    float meanOf(std::size_t group, const Value& value) const {
+        float sum = 0.0F;
+        for (std::size_t band = starts_[group]; band < starts_[group + 1]; ++band)
+            sum += value(band);
+        return sum / static_cast<float>(starts_[group + 1] - starts_[group]);
+    }
+
+    std::vector<float> compressed_;
+    std::size_t bands_;
+    std::array<std::size_t, kGroups + 1> starts_;
+    std::array<std::vector<float>, 3> rows_;
+    std::int64_t frame_ = 0;
+};
+
+/** Divides each column of a list by its mean. */
+template <std::size_t kCount>
+void divideByMean(std::vector<std::array<float, kCount>>& list) {
+    std::array<double, kCount> sums{};
+    for (const auto& row : list)
+        for (std::size_t g = 0; g < kCount; ++g) sums[g] += static_cast<double>(row[g]);
+    std::array<float, kCount> scales{};
+    for (std::size_t g = 0; g < kCount; ++g)
+        scales[g] =
+            static_cast<float>(1.0 / (sums[g] / static_cast<double>(list.size()) + kLeastMean));
+    for (auto& row : list)
+        for (std::size_t g = 0; g < kCount; ++g) row[g] *= scales[g];
+}
+
+template <std::size_t kCount>
+float meanFrom(std::size_t first, const std::array<float, kCount>& values) {
+    float sum = 0.0F;
+    for (std::size_t g = first; g < kCount; ++g) sum += values[g];
+    return sum / static_cast<float>(kCount - first);
+}
+
+/** Puts the largest of its neighbours into the place of each row; at the ends, of those that there are. */
+void spreadPeaks(std::vector<Groups>& rises) {
+    std::array<Groups, kPeakFramesBefore> before;  // as they were
+    before.fill(rises.front());
+    for (std::size_t i = 0; i < rises.size(); ++i) {
+        Groups largest = rises[i];
+        const auto take = [&largest](const Groups& row) {
+            for (std::size_t g = 0; g < kGroups; ++g) largest[g] = std::max(largest[g], row[g]);
+        };
+        for (const Groups& row : before) take(row);
+        const std::size_t end = std::min(rises.size(), i + kPeakFramesAfter + 1);
+        for (std::size_t j = i + 1; j < end; ++j) take(rises[j]);
+        before[i % kPeakFramesBefore] = std::exchange(rises[i], largest);
+    }
+}
+
+/** Brings peaks into parts of their mean, without the exceptional ones; keeps the upper groups' as they are. */
+void makeStrengths(OnsetEnvelopes& envelopes) {
+    envelopes.upper.reserve(envelopes.strength.size());
+    for (const Groups& peaks : envelopes.strength)
+        envelopes.upper.push_back(std::min(meanFrom(kFirstSharpGroup, peaks), kMostUpper));
+    divideByMean(envelopes.strength);
+    for (Groups& strengths : envelopes.strength)
+        for (float& strength : strengths) strength = std::min(strength, kMostStrength);
+}
+
+}  // namespace
+
+OnsetEnvelopes makeOnsetEnvelopes(BandLevels& levels) {
+    OnsetEnvelopes envelopes;
+    const auto frames = static_cast<std::size_t>(levels.frames());
+    std::vector<SharpGroups> quick;
+    std::vector<Groups>& rises = envelopes.strength;
+    quick.reserve(frames);
+    rises.reserve(frames);
+    envelopes.level.reserve(frames);
+    RiseMeter meter(levels);
+    while (const std::unique_ptr<LevelCode[]> chunk = levels.takeChunk()) {
+        const std::size_t end = std::min(frames, quick.size() + BandLevels::kChunkFrames);
+        for (const LevelCode* codes = chunk.get(); quick.size() < end; codes += levels.bands()) {
+            meter.put(codes);
+            envelopes.level.push_back(meter.level());
+            Groups& rise = rises.emplace_back();
+            SharpGroups& quickRise = quick.emplace_back();
+            for (std::size_t g = 0; g < kGroups; ++g) rise[g] = meter.riseOver(2, g);
+            for (std::size_t g = 0; g < kSharpGroups; ++g)
+                quickRise[g] = meter.riseOver(1, kFirstSharpGroup + g);
+        }
+    }
+    divideByMean(quick);
+    divideByMean(rises);
+    envelopes.sharp.reserve(frames);
+    envelopes.full.reserve(frames);
+    for (const SharpGroups& row : quick) envelopes.sharp.push_back(meanFrom(0, row));
+    for (const Groups& row : rises) envelopes.full.push_back(meanFrom(0, row));
+    spreadPeaks(rises);
+    makeStrengths(envelopes);
+    return envelopes;
+}
+
+std::size_t OnsetEnvelopes::frameAt(double seconds) const {
+    const auto last = static_cast<double>(sharp.size() - 1);
+    return static_cast<std::size_t>(
+        std::clamp(std::floor(seconds * kFramesPerSecond + 0.5), 0.0, last));
+}
+
+}  // namespace beatatlas::track::inner

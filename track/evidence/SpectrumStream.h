@@ -1,0 +1,76 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+#include "track/evidence/FrameSpectra.h"
+
+namespace beatatlas::track::inner {
+
+/** Spectra of 1,024 samples of a stream of samples at even distances: frame i is centred on sample i × step, rounded. Silence lies before
+ *  the stream and behind it. Frames come in batches that do not depend on the caller's blocks.
+ *
+ *  Life: construct → put() per block → finish() with the number of frames wanted. Nothing is allocated in put(). */
+class SpectrumStream {
+public:
+    static constexpr int kLength = 1024;  // samples of a frame, under a periodic Hann window
+
+    /** @param step  samples from frame to frame, 1 … 1000 */
+    explicit SpectrumStream(double step);
+
+    /** Takes the next samples and calls take(const FrameSpectra&, int count) for each batch of frames that is complete:
+     *  the next `count` ones. */
+    template <class Take>
+    void put(const float* samples, std::int64_t count, const Take& take) {
+        while (count > 0) {
+            const std::int64_t taken = append(samples, count);
+            samples += taken;
+            count -= taken;
+            if (isBatchComplete()) transformBatch(FrameSpectra::kFrames, take);
+        }
+    }
+
+    /** Lets silence follow until all of so many frames have been taken. */
+    template <class Take>
+    void finish(std::int64_t frames, const Take& take) {
+        while (nextFrame_ < frames) {
+            appendSilence();
+            const std::int64_t left = frames - nextFrame_;
+            transformBatch(left < FrameSpectra::kFrames ? static_cast<int>(left)
+                                                        : FrameSpectra::kFrames,
+                           take);
+        }
+    }
+
+private:
+    template <class Take>
+    void transformBatch(int frames, const Take& take) {
+        std::array<std::ptrdiff_t, FrameSpectra::kFrames> starts;
+        for (int f = 0; f < frames; ++f)
+            starts[static_cast<std::size_t>(f)] =
+                static_cast<std::ptrdiff_t>(startOf(nextFrame_ + f) - bufferStart_);
+        spectra_.transform(buffer_.data(), starts.data(), frames);
+        nextFrame_ += frames;
+        take(static_cast<const FrameSpectra&>(spectra_), frames);
+        forgetUsed();
+    }
+
+    std::int64_t startOf(std::int64_t frame) const;
+    std::int64_t batchEnd() const;
+    bool isBatchComplete() const;
+    std::int64_t append(const float* samples, std::int64_t count);
+    void appendSilence();
+    void forgetUsed();
+
+    double step_;
+    FrameSpectra spectra_;
+    std::vector<float> buffer_;
+    std::int64_t bufferStart_;  // place of the buffer's first sample in the stream
+    std::int64_t filled_;       // samples in the buffer
+    std::int64_t nextFrame_ = 0;
+};
+
+}  // namespace beatatlas::track::inner

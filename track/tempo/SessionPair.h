@@ -1,0 +1,81 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "envelope/SimpleEnvelopeMaker.h"
+#include "envelope/UnitBeatAdjust.h"
+#include "envelope/UnitEnvelopeMaker.h"
+#include "peakss/BeatInfo.h"
+#include "peakss/BeatListMaker.h"
+#include "session/TrackFilters.h"
+#include "track/Listener.h"
+#include "view/LoudViewMaker.h"
+#include "view/ZoomViewMaker.h"
+
+namespace beatatlas::track::inner {
+
+/** The answer of a session: tempo and grid as a host gets them. */
+struct SessionGrid {
+    int bpm100 = 0;          // hundredths of a BPM; 0: none was found
+    peakss::BeatList beats;  // the final grid
+};
+
+/** Two sessions of the core over one track, one of varied tempo with phrases of 32 beats and a simple one that senses
+ *  all of the track. They sense the same beats, so the track is filtered and sensed once; only the closing analysis is
+ *  done twice. Each grid is that of a session of its own, bit for bit.
+ *
+ *  Life: construct → hear the whole track → close() → getters. */
+class SessionPair : public Listener {
+public:
+    /** @throws std::bad_alloc */
+    SessionPair(int rate, int frames, bool wantsWaves);
+
+    void hear(const Block& block) override;
+
+    /** Runs both closing analyses. */
+    void close();
+
+    const SessionGrid& varied() const { return varied_; }
+    const SessionGrid& simple() const { return simple_; }
+
+    /** The waves, as a session of the core has them when it is asked for the first time. */
+    const WavePoint* loudWave();
+    const WavePoint* dotsWave();
+    const ZoomPoint* zoomWave() { return zoomViewMaker_.points(); }
+    int loudNum() const { return loudViewMaker_.loudNum(); }
+    int dotsNum() const { return loudViewMaker_.dotsNum(); }
+    int zoomNum() const { return zoomViewMaker_.count(); }
+
+private:
+    void createAnalysers();
+    int fillBlock(const Block& block, int from);
+    void dispatchBlock();
+    float proposeGrid(bool isVaried, peakss::BeatList& beats) const;
+    void closeVaried();
+    void closeSimple();
+
+    int rate_;
+    int frames_;
+    bool wantsWaves_;
+    int blockFrames_;
+    int blockFill_ = 0;
+    std::int64_t fedFrames_ = 0;
+    std::vector<float> mono_;           // a block in the core's two forms
+    std::vector<std::int16_t> stereo_;  // both channels in turn
+
+    TrackFilters trackFilters_;
+    peakss::BeatListMaker beatListMaker_;
+    SimpleEnvelopeMaker simpleEnvelopeMaker_;
+    // It marks the pulses it has judged a grid by, so each grid has its own.
+    UnitEnvelopeMaker variedUnitEnvelope_;
+    UnitEnvelopeMaker simpleUnitEnvelope_;
+    UnitBeatAdjust unitBeatAdjust_;
+    LoudViewMaker loudViewMaker_;
+    ZoomViewMaker zoomViewMaker_;
+    SessionGrid varied_;
+    SessionGrid simple_;
+};
+
+}  // namespace beatatlas::track::inner

@@ -1,0 +1,30 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <vector>
+
+#include "track/evidence/EvidenceListener.h"
+#include "track/tempo/barFeatures.h"
+
+namespace beatatlas::track::inner {
+
+/** A reading of the bars of a track. */
+struct BarReading {
+    int beats = 4;  // a bar
+    int phase = 0;  // the first bar's first beat
+    BarFeatures features{};
+    double score = 0.0;
+    double share = 0.0;  // of all readings, as a probability
+};
+
+/** Judges bars of three, four and five beats in every phase.
+ *  @param beats            seconds, at least kLeastBeatsForBars
+ *  @param simpleDownbeats  first beats of the sessions' bars, seconds
+ *  @return all readings, the best first */
+std::vector<BarReading> judgeBars(const Evidence& evidence, const std::vector<double>& beats,
+                                  const std::vector<double>& simpleDownbeats,
+                                  const std::vector<double>& variedDownbeats);
+
+inline constexpr std::size_t kLeastBeatsForBars = 13;
+
+}  // namespace beatatlas::track::inner

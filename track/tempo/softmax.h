@@ -1,0 +1,30 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <vector>
+
+namespace beatatlas::track::inner {
+
+/** Scores readings by the weights of their features, puts the best first, and gives each its share: its probability in a
+ *  logistic model of these weights. Of equal ones the earlier stays first. */
+template <class Reading, class Weights>
+void rankByScore(std::vector<Reading>& readings, const Weights& weights) {
+    for (Reading& reading : readings) {
+        reading.score = 0.0;
+        for (std::size_t i = 0; i < weights.size(); ++i)
+            reading.score += weights[i].weight * reading.features[i];
+    }
+    std::stable_sort(readings.begin(), readings.end(),
+                     [](const Reading& a, const Reading& b) { return a.score > b.score; });
+    double sum = 0.0;
+    for (Reading& reading : readings) {
+        reading.share = std::exp(reading.score - readings.front().score);
+        sum += reading.share;
+    }
+    for (Reading& reading : readings) reading.share /= sum;
+}
+
+}  // namespace beatatlas::track::inner
