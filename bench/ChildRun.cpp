@@ -2,6 +2,7 @@
 #include "bench/ChildRun.h"
 
 #include <chrono>
+#include <cstdio>
 #include <stdexcept>
 
 #include <fcntl.h>
@@ -24,9 +25,7 @@ double secondsOf(const timeval& time) {
     return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) * 1e-6;
 }
 
-}  // namespace
-
-ChildRun runChild(const std::vector<std::string>& words) {
+ChildRun measureRun(const std::vector<std::string>& words) {
     std::vector<std::string> own = words;
     std::vector<char*> arguments;
     for (std::string& word : own) arguments.push_back(word.data());
@@ -41,6 +40,26 @@ ChildRun runChild(const std::vector<std::string>& words) {
     const std::chrono::duration<double> wall = std::chrono::steady_clock::now() - begin;
     return {secondsOf(usage.ru_utime) + secondsOf(usage.ru_stime), wall.count(),
             1024.0 * static_cast<double>(usage.ru_maxrss)};
+}
+
+}  // namespace
+
+void reportRun(const std::vector<std::string>& words) {
+    const ChildRun run = measureRun(words);
+    std::printf("%.9f %.9f %.0f\n", run.processorSeconds, run.wallSeconds, run.peakBytes);
+}
+
+ChildRun runChild(const char* program, const std::vector<std::string>& words) {
+    std::string command = "'" + std::string(program) + "' --run";
+    for (const std::string& word : words) command += " '" + word + "'";
+    std::FILE* output = popen(command.c_str(), "r");
+    ChildRun run;
+    const int read = output == nullptr ? 0
+                                       : std::fscanf(output, "%lf %lf %lf", &run.processorSeconds,
+                                                     &run.wallSeconds, &run.peakBytes);
+    if (output == nullptr || pclose(output) != 0 || read != 3)
+        throw std::runtime_error(words.front() + " failed");
+    return run;
 }
 
 }  // namespace beatatlas::bench

@@ -13,9 +13,14 @@ struct ChildRun {
     double peakBytes = 0.0;
 };
 
-/** Runs a program to its end, its output thrown away.
- *  @param words  its path, then its arguments
+/** Runs a program to its end, its output thrown away, as the child of a small process: what this one holds in memory
+ *  would count as the child's.
+ *  @param program  where to find this program
+ *  @param words    the other's path, then its arguments; without quotation marks
  *  @throws std::runtime_error when it cannot be run or ends with anything but 0 */
-ChildRun runChild(const std::vector<std::string>& words);
+ChildRun runChild(const char* program, const std::vector<std::string>& words);
+
+/** What the small process does: runs the words and prints one line of figures. */
+void reportRun(const std::vector<std::string>& words);
 
 }  // namespace beatatlas::bench

@@ -26,6 +26,7 @@ std::int64_t framesReady(AVCodecContext& decoder, AVFrame& frame) {
 }  // namespace
 
 std::int64_t decodeTrack(const std::string& path) {
+    av_log_set_level(AV_LOG_ERROR);
     const AvInput input = openInput(path);
     const int index = avChecked(
         av_find_best_stream(input.get(), AVMEDIA_TYPE_AUDIO, -1, -1, nullptr, 0), "find the audio");

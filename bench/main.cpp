@@ -14,6 +14,7 @@
 
 #include <benchmark/benchmark.h>
 
+#include "bench/ChildRun.h"
 #include "bench/decodeTrack.h"
 #include "bench/tables.h"
 
@@ -68,6 +69,10 @@ bool isTableWord(const std::string& word) {
 int run(const char* program, const Words& words) {
     if (words.size() == 2 && words[0] == "--length-of") {
         beatatlas::bench::measureLength(std::atoi(words[1].c_str()));
+        return 0;
+    }
+    if (words.size() > 1 && words[0] == "--run") {
+        beatatlas::bench::reportRun(Words(words.begin() + 1, words.end()));
         return 0;
     }
     if (words.size() == 2 && words[0] == "--decode")

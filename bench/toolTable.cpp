@@ -22,6 +22,7 @@ constexpr double kMegabyte = 1e6;
 
 const Encoding kMp3{"libmp3lame", "mp3", 320000};
 const Encoding kFlac{"flac", "flac", 0};
+const Encoding kAlac{"alac", "m4a", 0};
 
 struct Kind {
     const char* name;
@@ -48,9 +49,9 @@ struct Rounds {
 };
 
 void runRound(const char* program, const std::string& file, Rounds& rounds) {
-    const ChildRun decoding = runChild({program, "--decode", file});
-    const ChildRun one = runChild(analyzing(BEATATLAS_TOOL, 1, file));
-    const ChildRun two = runChild(analyzing(BEATATLAS_TOOL, 2, file));
+    const ChildRun decoding = runChild(program, {program, "--decode", file});
+    const ChildRun one = runChild(program, analyzing(BEATATLAS_TOOL, 1, file));
+    const ChildRun two = runChild(program, analyzing(BEATATLAS_TOOL, 2, file));
     rounds.decodingSeconds.push_back(decoding.processorSeconds);
     rounds.processorOfOne.push_back(one.processorSeconds / decoding.processorSeconds);
     rounds.processorOfTwo.push_back(two.processorSeconds / decoding.processorSeconds);
@@ -84,19 +85,20 @@ struct LongTrack {
 };
 constexpr std::array<LongTrack, 3> kLongTracks = {{{"5 min", 1}, {"1 h", 12}, {"10 h", 120}}};
 
-void printPeaks(bool tenHours) {
+void printPeaks(const char* program, bool tenHours) {
     std::printf("\n## The tool's peak of memory, MB\n\n"
-                "| track | MP3, 1 thread | MP3, 2 threads | FLAC, 1 thread | FLAC, 2 threads "
+                "| track | MP3, 1 thread | MP3, 2 threads | ALAC, 1 thread | ALAC, 2 threads "
                 "|\n|---|---|---|---|---|\n");
     for (const LongTrack& length : kLongTracks) {
         if (length.repeats > 12 && !tenHours) continue;
         std::printf("| %s |", length.name);
-        for (const Encoding& encoding : {kMp3, kFlac}) {
+        for (const Encoding& encoding : {kMp3, kAlac}) {
             const auto song = EncodedTrack::make(benchTrack().stereo, encoding);
             if (!song) continue;
             const EncodedTrack file = song->repeated(length.repeats, encoding.ending);
             for (const int threads : {1, 2}) {
-                const ChildRun run = runChild(analyzing(BEATATLAS_TOOL, threads, file.path()));
+                const ChildRun run =
+                    runChild(program, analyzing(BEATATLAS_TOOL, threads, file.path()));
                 std::printf(" %.0f |", run.peakBytes / kMegabyte);
                 std::fflush(stdout);
             }
@@ -113,11 +115,14 @@ void printBeyondMemory(const char* program) {
     const EncodedTrack file = song->repeated(36, kMp3.ending);
     std::vector<double> decoding, one, two, before;
     for (int round = 0; round < kLongRounds; ++round) {
-        decoding.push_back(runChild({program, "--decode", file.path()}).processorSeconds);
-        one.push_back(runChild(analyzing(BEATATLAS_TOOL, 1, file.path())).processorSeconds);
-        two.push_back(runChild(analyzing(BEATATLAS_TOOL, 2, file.path())).processorSeconds);
+        decoding.push_back(runChild(program, {program, "--decode", file.path()}).processorSeconds);
+        one.push_back(
+            runChild(program, analyzing(BEATATLAS_TOOL, 1, file.path())).processorSeconds);
+        two.push_back(
+            runChild(program, analyzing(BEATATLAS_TOOL, 2, file.path())).processorSeconds);
         if (old != nullptr)
-            before.push_back(runChild({old, "analyze", "--quiet", file.path()}).processorSeconds);
+            before.push_back(
+                runChild(program, {old, "analyze", "--quiet", file.path()}).processorSeconds);
     }
     std::printf("\n## Three hours of MP3, more than memory is to hold\n\n"
                 "| | processor time, s |\n|---|---|\n");
@@ -132,7 +137,7 @@ void printBeyondMemory(const char* program) {
 
 void printTool(const char* program, bool tenHours) {
     printAgainstDecoding(program);
-    printPeaks(tenHours);
+    printPeaks(program, tenHours);
     printBeyondMemory(program);
 }
 

@@ -8,22 +8,21 @@ namespace media {
 
 namespace {
 
-constexpr float kFullScale = 32768.0F;
-
 // So many samples are looked at before it is decided whether to look at more: lossy decoders give themselves away at once.
 constexpr std::size_t kProbeSamples = 512;
 
-/** The nearest 16-bit value toward zero of what lies within full scale; anything else gives one that differs. */
+/** The 16-bit value of a sample that has one; of any other sample the value of another.
+ *
+ *  In floats from 256 to 512 the last bit counts 1/32,768: the sum has the value in its low bits. */
 std::int16_t toInteger(float sample) {
-    const float scaled = sample * kFullScale;
-    const float above = scaled > -kFullScale ? scaled : -kFullScale;
-    const float within = above < kFullScale - 1.0F ? above : kFullScale - 1.0F;
-    return static_cast<std::int16_t>(static_cast<std::int32_t>(within));
+    constexpr float kMiddle = 384.0F;
+    return static_cast<std::int16_t>(std::bit_cast<std::uint32_t>(sample + kMiddle) -
+                                     std::bit_cast<std::uint32_t>(kMiddle));
 }
 
 // Times a power of two: nothing is rounded.
 float toFloat(std::int16_t value) {
-    return static_cast<float>(value) * (1.0F / kFullScale);
+    return static_cast<float>(value) * (1.0F / 32768.0F);
 }
 
 /** @return false when a sample would come back with other bits */
@@ -32,9 +31,10 @@ bool toIntegers(const float* samples, std::size_t count, std::int16_t* integers)
         const std::size_t to = std::min(count, from + kProbeSamples);
         std::uint32_t differing = 0;
         for (std::size_t i = from; i < to; ++i) {
-            integers[i] = toInteger(samples[i]);
+            const std::int16_t value = toInteger(samples[i]);
+            integers[i] = value;
             differing |= std::bit_cast<std::uint32_t>(samples[i]) ^
-                         std::bit_cast<std::uint32_t>(toFloat(integers[i]));
+                         std::bit_cast<std::uint32_t>(toFloat(value));
         }
         if (differing != 0) return false;
     }

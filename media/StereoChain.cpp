@@ -17,7 +17,7 @@ constexpr std::size_t kStretchFrames = 16384;
 }  // namespace
 
 void StereoChain::put(const AVFrame& frame) {
-    if (frame.sample_rate != trackRate_) setTrackRate(frame.sample_rate);
+    if (frame.sample_rate != trackRate_ || trackRate_ == 0) setTrackRate(frame.sample_rate);
     StereoBlock& block = fold_.fold(frame);
     dropDelay(block);
     toSessionRate(block);

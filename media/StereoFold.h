@@ -17,6 +17,7 @@ public:
     StereoBlock& fold(const AVFrame& frame);
 
 private:
+    bool take(const AVFrame& frame);
     void mix(const std::vector<std::vector<float>>& planes);
 
     PlanarFloats floats_;

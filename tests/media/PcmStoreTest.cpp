@@ -62,8 +62,9 @@ TEST(PcmChunk, KeepsEverySixteenBitValueInTwoBytes) {
     for (int value = -32768; value <= 32767; ++value)
         all.push_back(static_cast<float>(value) / 32768.0F);
     const StereoBlock block = monoBlock(all);
-    EXPECT_TRUE(PcmChunk(block).isInteger());
-    EXPECT_EQ(PcmChunk(block).bytes(), 65536U * 2 * 2);
+    const PcmChunk chunk(block);
+    EXPECT_TRUE(chunk.isInteger());
+    EXPECT_EQ(chunk.bytes(), 65536U * 2 * 2);
     expectSameBits(copyOf(block).left, all);
 }
 
@@ -76,8 +77,9 @@ TEST(PcmChunk, KeepsTheBitsOfWhatIsNoSixteenBitValue) {
           std::numeric_limits<float>::quiet_NaN(), std::bit_cast<float>(0xFFC12345U)}) {
         StereoBlock block = blockFrom(0, 5000);
         block.right.back() = odd;
-        EXPECT_FALSE(PcmChunk(block).isInteger()) << odd;
-        EXPECT_EQ(PcmChunk(block).bytes(), 5000U * 2 * 4);
+        const PcmChunk chunk(block);
+        EXPECT_FALSE(chunk.isInteger()) << odd;
+        EXPECT_EQ(chunk.bytes(), 5000U * 2 * 4);
         const StereoBlock copy = copyOf(block);
         expectSameBits(copy.left, block.left);
         expectSameBits(copy.right, block.right);

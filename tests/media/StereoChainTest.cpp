@@ -2,6 +2,7 @@
 #include "media/StereoChain.h"
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
 #include <limits>
 
@@ -39,6 +40,26 @@ FramePointer makeInt16Frame(const std::vector<std::int16_t>& samples) {
     return frame;
 }
 
+FramePointer makeIntegerFrame(AVSampleFormat format, const std::vector<std::int16_t>& left,
+                              const std::vector<std::int16_t>& right) {
+    FramePointer frame = makeFrame();
+    frame->nb_samples = static_cast<int>(left.size());
+    frame->format = format;
+    frame->sample_rate = 44100;
+    av_channel_layout_default(&frame->ch_layout, 2);
+    av_frame_get_buffer(frame.get(), 0);
+    auto* first = reinterpret_cast<std::int16_t*>(frame->extended_data[0]);
+    auto* second = format == AV_SAMPLE_FMT_S16P
+                       ? reinterpret_cast<std::int16_t*>(frame->extended_data[1])
+                       : first + 1;
+    const std::size_t step = format == AV_SAMPLE_FMT_S16P ? 1 : 2;
+    for (std::size_t i = 0; i < left.size(); ++i) {
+        first[i * step] = left[i];
+        second[i * step] = right[i];
+    }
+    return frame;
+}
+
 class StereoChainTest : public testing::Test {
 protected:
     test::Recorder recorder_;
@@ -52,6 +73,40 @@ TEST_F(StereoChainTest, GivesSixteenBitSamplesAsExactFractionsOfFullScale) {
         0.0F, 1.0F / 32768.0F, -1.0F / 32768.0F, 12345.0F / 32768.0F, 32767.0F / 32768.0F, -1.0F};
     EXPECT_EQ(recorder_.left, expected);
     EXPECT_EQ(recorder_.right, expected);
+}
+
+// A sum that begins with 0 knows no negative zero.
+TEST_F(StereoChainTest, TakesTheUsualFormsToTheBitsThatMixingGives) {
+    std::vector<float> left;
+    std::vector<float> right;
+    for (int i = 0; i < 3000; ++i) {
+        left.push_back(std::sin(static_cast<float>(i * i)) * 1.5F);
+        right.push_back(static_cast<float>(i % 5 - 2) * -0.0F);
+    }
+    chain_.put(*makeFloatFrame(44100, {left, right}));
+    chain_.finish();
+    for (std::size_t i = 0; i < left.size(); ++i) {
+        const float mixedLeft = 0.0F + 1.0F * left[i];
+        EXPECT_EQ(std::bit_cast<std::uint32_t>(recorder_.left[i]),
+                  std::bit_cast<std::uint32_t>(mixedLeft));
+        EXPECT_EQ(std::bit_cast<std::uint32_t>(recorder_.right[i]), 0U);
+    }
+}
+
+TEST_F(StereoChainTest, TakesInterleavedAndPlanarIntegersAlike) {
+    const std::vector<std::int16_t> left = {0, 1, -32768, 32767, 99};
+    const std::vector<std::int16_t> right = {-1, 7, 32767, -32768, -99};
+    for (const AVSampleFormat format : {AV_SAMPLE_FMT_S16, AV_SAMPLE_FMT_S16P}) {
+        test::Recorder recorder;
+        StereoChain chain(recorder);
+        chain.put(*makeIntegerFrame(format, left, right));
+        chain.finish();
+        ASSERT_EQ(recorder.left.size(), left.size());
+        for (std::size_t i = 0; i < left.size(); ++i) {
+            EXPECT_EQ(recorder.left[i] * 32768.0F, static_cast<float>(left[i]));
+            EXPECT_EQ(recorder.right[i] * 32768.0F, static_cast<float>(right[i]));
+        }
+    }
 }
 
 TEST_F(StereoChainTest, HandsOnWhatIsLouderThanFullScaleAsItIs) {
