@@ -100,7 +100,7 @@ LevelCode* BandLevels::codesOf(std::int64_t frame) const {
 LevelCode* BandLevels::nextFrame() {
     const std::int64_t frame = frames_++;
     if (static_cast<std::size_t>(frame) % kChunkFrames == 0)
-        chunks_.push_back(std::make_unique<LevelCode[]>(kChunkFrames * bands()));
+        chunks_.push_back(std::make_unique_for_overwrite<LevelCode[]>(kChunkFrames * bands()));
     return codesOf(frame);
 }
 

@@ -26,7 +26,9 @@ inline constexpr std::size_t kGroups = 5;
 class BandLevels {
 public:
     static constexpr int kFramesPerSecond = 150;
-    static constexpr std::size_t kChunkFrames = 4096;
+    // An hour. Blocks of more than 32 MB go back to the system as soon as they are let go, and of the last one only what
+    // is written counts.
+    static constexpr std::size_t kChunkFrames = std::size_t{1} << 19;
 
     /** @param rate  44100 or 48000 Hz */
     explicit BandLevels(int rate);

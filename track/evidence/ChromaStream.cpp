@@ -15,16 +15,11 @@ constexpr double kConcertPitchHz = 440.0;
 constexpr int kPitchClasses = 12;
 constexpr float kLeastSum = 1e-9F;
 
-std::vector<signed char> pitchesOfBins(double rate) {
-    std::vector<signed char> pitches(SpectrumStream::kLength / 2, -1);
-    for (std::size_t bin = 1; bin < pitches.size(); ++bin) {
-        const double hz = static_cast<double>(bin) * rate / SpectrumStream::kLength;
-        if (hz <= kLowestHz || hz >= kHighestHz) continue;
-        const double semitones = std::nearbyint(kPitchClasses * std::log2(hz / kConcertPitchHz));
-        const int pitch = static_cast<int>(semitones) % kPitchClasses;
-        pitches[bin] = static_cast<signed char>((pitch + kPitchClasses) % kPitchClasses);
-    }
-    return pitches;
+/** The pitch class nearest to a frequency. */
+std::size_t pitchClassOf(double hz) {
+    const double semitones = std::nearbyint(kPitchClasses * std::log2(hz / kConcertPitchHz));
+    const int pitch = static_cast<int>(semitones) % kPitchClasses;
+    return static_cast<std::size_t>((pitch + kPitchClasses) % kPitchClasses);
 }
 
 float sumOf(const Chroma& frame) {
@@ -48,7 +43,20 @@ float medianSum(const std::vector<Chroma>& frames) {
 
 ChromaStream::ChromaStream(int rate)
     : step_(static_cast<double>(rate) / Decimator::kFactor / kFramesPerSecond),
-      pitch_(pitchesOfBins(static_cast<double>(rate) / Decimator::kFactor)), stream_(step_) {}
+      tones_(tonesOf(static_cast<double>(rate) / Decimator::kFactor)), stream_(step_) {}
+
+std::vector<ChromaStream::Tone> ChromaStream::tonesOf(double rate) {
+    std::vector<Tone> tones;
+    for (std::size_t bin = 1; bin < SpectrumStream::kLength / 2; ++bin) {
+        const double hz = static_cast<double>(bin) * rate / SpectrumStream::kLength;
+        if (hz <= kLowestHz || hz >= kHighestHz) continue;
+        const std::size_t pitchClass = pitchClassOf(hz);
+        if (tones.empty() || tones.back().pitchClass != pitchClass)
+            tones.push_back({bin, bin, pitchClass});
+        tones.back().endBin = bin + 1;
+    }
+    return tones;
+}
 
 void ChromaStream::put(const float* mono, std::int64_t samples) {
     addDecimated(decimator_.put(mono, samples));
@@ -84,9 +92,12 @@ void ChromaStream::addBatch(const FrameSpectra& spectra, int frames) {
 
 void ChromaStream::addFrame(const float* powers) {
     Chroma frame{};
-    for (std::size_t bin = 0; bin < pitch_.size(); ++bin)
-        if (pitch_[bin] >= 0)
-            frame[static_cast<std::size_t>(pitch_[bin])] += std::sqrt(powers[bin]);
+    for (const Tone& tone : tones_) {
+        float sum = 0.0F;
+        for (std::size_t bin = tone.firstBin; bin < tone.endBin; ++bin)
+            sum += std::sqrt(powers[bin]);
+        frame[tone.pitchClass] += sum;
+    }
     frames_.push_back(frame);
 }
 

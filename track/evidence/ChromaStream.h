@@ -32,13 +32,21 @@ public:
     std::vector<Chroma> finish();
 
 private:
+    /** Neighbouring bins of one pitch class. */
+    struct Tone {
+        std::size_t firstBin;
+        std::size_t endBin;
+        std::size_t pitchClass;
+    };
+
+    static std::vector<Tone> tonesOf(double rate);
     void addDecimated(const std::vector<float>& samples);
     void addBatch(const FrameSpectra& spectra, int frames);
     void addFrame(const float* powers);
     void compress();
 
-    double step_;                     // decimated samples from frame to frame
-    std::vector<signed char> pitch_;  // of each bin; −1: not heard
+    double step_;              // decimated samples from frame to frame
+    std::vector<Tone> tones_;  // ascending
     Decimator decimator_;
     SpectrumStream stream_;
     std::int64_t decimated_ = 0;
