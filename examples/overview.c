@@ -15,7 +15,8 @@ int main(int argc, char** argv) {
     for (size_t n; (n = fread(pcm, 4, 4096, file)) > 0; BA_SetSample(session, left, right, (int)n))
         for (size_t i = 0; i < n; ++i) left[i] = pcm[2 * i], right[i] = pcm[2 * i + 1];
     static BA_WaveInfo loud[400], dots[100];
-    printf("tempo %.2f BPM, %d beats\n", BA_GetBpm(session) / 100.0, BA_GetBeatNum(session));
+    const int bpm100 = BA_GetBpm(session);
+    printf("tempo %d.%02d BPM, %d beats\n", bpm100 / 100, bpm100 % 100, BA_GetBeatNum(session));
     printf("loud %d, dots %d, zoom %d points\n", BA_GetLoudWave(session, loud, 0),
            BA_GetDotsWave(session, dots, 0), BA_GetZoomWave(session, NULL));
     BA_Release(session);

@@ -2,6 +2,7 @@
 #include "track/Pass.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "track/Outcome.h"
 
@@ -71,8 +72,7 @@ void Pass::checkEnd() {
 }
 
 void Pass::close() {
-    if (pass_ != nullptr) source_.close(source_.host, pass_);
-    pass_ = nullptr;
+    if (void* pass = std::exchange(pass_, nullptr)) source_.close(source_.host, pass);
 }
 
 }  // namespace beatatlas::track::inner

@@ -11,7 +11,7 @@
  *      void* s = BA_CreateConst44k(frames, 32, true, true, false);
  *      while ((n = read(left, right, 4096)) > 0) BA_SetSample(s, left, right, n);
  *      if (BA_Analyzed(s)) {
- *          printf("%.2f BPM\n", BA_GetBpm(s) / 100.0);
+ *          printf("%d.%02d BPM\n", BA_GetBpm(s) / 100, BA_GetBpm(s) % 100);
  *          BA_BeatInfo* beats = malloc(sizeof *beats * BA_GetBeatNum(s));
  *          BA_GetBeatList(s, beats);
  *      }

@@ -24,8 +24,8 @@
  *  Order of calls
  *  --------------
  *  1. Where the defaults will not do: BA_TrackOptionsInit, then change fields.
- *  2. BA_TrackAnalyze, which asks the host for the audio piece by piece and so needs little memory of its own (3 MB, and
- *     some 14 KB per second of track), or BA_TrackAnalyzeArrays for audio in memory. Either does all the work before it
+ *  2. BA_TrackAnalyze, which asks the host for the audio piece by piece and so needs little memory of its own (some
+ *     30 MB and 25 KB per second of track with the auto tempo, less with the others), or BA_TrackAnalyzeArrays for audio in memory. Either does all the work before it
  *     returns.
  *  3. The getters, in any order and any number of times.
  *  4. BA_TrackRelease.
@@ -44,8 +44,8 @@
  *  none can be started, the calling thread does their work. Any number of analyses may run at once. A BA_Track never
  *  changes: any threads may read it at once, and one of them releases it when all are done.
  *
- *  What the host's callbacks may rely on is told at BA_TrackOptions and BA_TrackSource. They must not throw; one that
- *  does is taken for one that asks to stop.
+ *  What the host's callbacks may rely on is told at BA_TrackOptions and BA_TrackSource. They must not throw: open,
+ *  read and progress are taken for asking to stop when they do, close ends the process.
  *
  *  Arithmetic and output
  *  ---------------------

@@ -28,11 +28,37 @@ TEST(trackJson, TellsTheTrackAndItsAudio) {
 }
 
 TEST(trackJson, TellsEveryBeatWithItsPlaceAndTempo) {
-    const Json track = trackJson(test::exampleReport(), false);
+    TrackReport report = test::exampleReport();
+    report.options.tempo = beatatlas::track::TempoMode::constant;
+    const Json track = trackJson(report, false);
     EXPECT_EQ(track["tempo"], (Json{{"mode", "constant"}, {"bpm", 120.0}}));
     ASSERT_EQ(track["beats"].size(), 15U);
     EXPECT_EQ(track["beats"][1],
               (Json{{"frame", 28800}, {"seconds", 0.6}, {"beat", 1}, {"bpm", 120.0}}));
+}
+
+TEST(trackJson, TellsHowSureAnAutomaticTempoIsAndWhatElseItMayBe) {
+    using beatatlas::track::ReadingKind;
+    TrackReport report = test::exampleReport();
+    report.analysis.judgement = {
+        true,
+        60.0,
+        {0.98, 0.88, 0.93, 0.77},
+        {{0.1, 7.6, 120.0}},
+        {{ReadingKind::twice, 120.0, 0.25, 0.0}, {ReadingKind::shifted, 60.0, 0.125, 0.5}}};
+    const Json tempo = trackJson(report, false)["tempo"];
+    EXPECT_EQ(tempo["mode"], "auto");
+    EXPECT_EQ(tempo["rawBpm"], 60.0);
+    EXPECT_EQ(tempo["steady"], true);
+    EXPECT_EQ(tempo["confidence"],
+              (Json{{"tempo", 0.98}, {"level", 0.88}, {"phase", 0.93}, {"bars", 0.77}}));
+    EXPECT_EQ(tempo["stretches"],
+              (Json::array({Json{{"from", 0.1}, {"to", 7.6}, {"bpm", 120.0}}})));
+    ASSERT_EQ(tempo["alternatives"].size(), 2U);
+    EXPECT_EQ(tempo["alternatives"][0],
+              (Json{{"kind", "double"}, {"bpm", 120.0}, {"shiftBeats", 0.0}, {"share", 0.25}}));
+    EXPECT_EQ(tempo["alternatives"][1]["kind"], "shifted");
+    EXPECT_EQ(tempo["alternatives"][1]["shiftBeats"], 0.5);
 }
 
 TEST(trackJson, WritesTemposAsAPersonWould) {

@@ -43,7 +43,7 @@ TEST(TrackOptionsTest, HaveTheStatedDefaults) {
     std::memset(&options, 0xAB, sizeof options);
     BA_TrackOptionsInit(&options, sizeof options);
     EXPECT_EQ(options.size, sizeof options);
-    EXPECT_EQ(options.tempo, BA_TRACK_TEMPO_CONSTANT);
+    EXPECT_EQ(options.tempo, BA_TRACK_TEMPO_AUTO);
     EXPECT_EQ(options.section_beats, 32);
     EXPECT_EQ(options.range_seconds, 0.0);
     EXPECT_EQ(options.wants_key, 1);
@@ -52,6 +52,10 @@ TEST(TrackOptionsTest, HaveTheStatedDefaults) {
     EXPECT_EQ(options.reserved, 0);
     EXPECT_EQ(options.progress, nullptr);
     EXPECT_EQ(options.progress_host, nullptr);
+    EXPECT_EQ(options.lowest_bpm, 0.0);
+    EXPECT_EQ(options.highest_bpm, 0.0);
+    EXPECT_EQ(options.beats_per_bar, 0);
+    EXPECT_EQ(options.reserved_bar, 0);
 }
 
 TEST(TrackOptionsTest, NullMeansAllDefaults) {
@@ -64,7 +68,7 @@ TEST(TrackOptionsTest, NullMeansAllDefaults) {
 
 TEST(TrackOptionsTest, OutOfRangeAreRefused) {
     EXPECT_EQ(statusWith([](auto& options) { options.tempo = -1; }), BA_TRACK_BAD_ARGUMENT);
-    EXPECT_EQ(statusWith([](auto& options) { options.tempo = 4; }), BA_TRACK_BAD_ARGUMENT);
+    EXPECT_EQ(statusWith([](auto& options) { options.tempo = 5; }), BA_TRACK_BAD_ARGUMENT);
     EXPECT_EQ(statusWith([](auto& options) { options.section_beats = 0; }), BA_TRACK_BAD_ARGUMENT);
     EXPECT_EQ(statusWith([](auto& options) { options.section_beats = -32; }),
               BA_TRACK_BAD_ARGUMENT);
@@ -75,6 +79,26 @@ TEST(TrackOptionsTest, OutOfRangeAreRefused) {
     EXPECT_EQ(statusWith([](auto& options) { options.threads = 0; }), BA_TRACK_BAD_ARGUMENT);
     EXPECT_EQ(statusWith([](auto& options) { options.threads = -1; }), BA_TRACK_BAD_ARGUMENT);
     EXPECT_EQ(statusWith([](auto& options) { options.reserved = 1; }), BA_TRACK_BAD_ARGUMENT);
+    EXPECT_EQ(statusWith([](auto& options) { options.reserved_bar = 1; }), BA_TRACK_BAD_ARGUMENT);
+    EXPECT_EQ(statusWith([](auto& options) { options.beats_per_bar = 5; }), BA_TRACK_BAD_ARGUMENT);
+}
+
+TEST(TrackOptionsTest, ATempoRangeSpansAnOctaveAtLeast) {
+    const auto statusOfRange = [](double lowest, double highest) {
+        return statusWith([&](auto& options) {
+            options.lowest_bpm = lowest;
+            options.highest_bpm = highest;
+        });
+    };
+    EXPECT_EQ(statusOfRange(85.0, 170.0), BA_TRACK_OK);
+    EXPECT_EQ(statusOfRange(20.0, 1000.0), BA_TRACK_OK);
+    EXPECT_EQ(statusOfRange(85.0, 169.9), BA_TRACK_BAD_ARGUMENT);
+    EXPECT_EQ(statusOfRange(19.9, 170.0), BA_TRACK_BAD_ARGUMENT);
+    EXPECT_EQ(statusOfRange(85.0, 1000.1), BA_TRACK_BAD_ARGUMENT);
+    EXPECT_EQ(statusOfRange(0.0, 170.0), BA_TRACK_BAD_ARGUMENT);
+    EXPECT_EQ(statusOfRange(85.0, 0.0), BA_TRACK_BAD_ARGUMENT);
+    EXPECT_EQ(statusOfRange(std::nan(""), 170.0), BA_TRACK_BAD_ARGUMENT);
+    EXPECT_EQ(statusOfRange(85.0, std::nan("")), BA_TRACK_BAD_ARGUMENT);
 }
 
 TEST(TrackOptionsTest, AtTheEndsOfTheirRangesAreTaken) {

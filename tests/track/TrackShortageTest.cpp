@@ -62,18 +62,21 @@ struct Way {
     int threads;
     bool isFewestPasses;
     Shortage shortage;
+    std::int32_t tempo = BA_TRACK_TEMPO_CONSTANT;
 };
 
 void PrintTo(const Way& way, std::ostream* out) {
-    *out << way.threads << (way.isFewestPasses ? " fewest" : " quick");
+    *out << way.threads << (way.isFewestPasses ? " fewest" : " quick")
+         << (way.tempo == BA_TRACK_TEMPO_AUTO ? ", auto" : "");
 }
 
 class TrackShortageTest : public ::testing::TestWithParam<Way> {};
 
 TEST_P(TrackShortageTest, IsSaidAndLeaksNothing) {
-    const auto [threads, isFewestPasses, shortage] = GetParam();
+    const auto [threads, isFewestPasses, shortage, tempo] = GetParam();
     BA_TrackOptions options = defaultsOf();
     options.threads = threads;
+    options.tempo = tempo;
     const Found expected = analyseArrays(options, music());
     ASSERT_FALSE(expected.beats.empty());
     ASSERT_FALSE(expected.ranking.empty());
@@ -107,7 +110,8 @@ INSTANTIATE_TEST_SUITE_P(Ways, TrackShortageTest,
                          ::testing::Values(Way{1, false, Shortage::lasting},
                                            Way{1, true, Shortage::once},
                                            Way{2, false, Shortage::lasting},
-                                           Way{2, true, Shortage::once}));
+                                           Way{2, true, Shortage::once},
+                                           Way{1, true, Shortage::once, BA_TRACK_TEMPO_AUTO}));
 
 TEST(ArraysShortageTest, IsSaid) {
     const Audio audio{44100, std::vector<float>(100, 0.5F), std::vector<float>(100, 0.5F)};

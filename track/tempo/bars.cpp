@@ -135,8 +135,9 @@ std::vector<double> newnessOf(const std::vector<Groups>& levels) {
     }
     std::vector<std::size_t> order(newness.size());
     std::iota(order.begin(), order.end(), std::size_t{0});
-    std::stable_sort(order.begin(), order.end(),
-                     [&](std::size_t a, std::size_t b) { return newness[a] > newness[b]; });
+    std::sort(order.begin(), order.end(), [&](std::size_t a, std::size_t b) {
+        return newness[a] > newness[b] || (newness[a] == newness[b] && a < b);
+    });
     const std::size_t kept = std::max(kLeastNewBeats, newness.size() / kBeatsPerNewBeat);
     for (std::size_t i = kept; i < order.size(); ++i) newness[order[i]] = 0.0;
     return newness;

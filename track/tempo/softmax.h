@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <iterator>
 #include <vector>
 
 namespace beatatlas::track::inner {
@@ -17,8 +18,11 @@ void rankByScore(std::vector<Reading>& readings, const Weights& weights) {
         for (std::size_t i = 0; i < weights.size(); ++i)
             reading.score += weights[i].weight * reading.features[i];
     }
-    std::stable_sort(readings.begin(), readings.end(),
-                     [](const Reading& a, const Reading& b) { return a.score > b.score; });
+    // A few dozen at the most; and unlike a stable sort of the standard library it asks for no memory.
+    const auto isBetter = [](const Reading& a, const Reading& b) { return a.score > b.score; };
+    for (auto next = readings.begin(); next != readings.end(); ++next)
+        std::rotate(std::upper_bound(readings.begin(), next, *next, isBetter), next,
+                    std::next(next));
     double sum = 0.0;
     for (Reading& reading : readings) {
         reading.share = std::exp(reading.score - readings.front().score);

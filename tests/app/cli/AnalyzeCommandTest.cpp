@@ -62,7 +62,7 @@ TEST_F(AnalyzeCommand, PrintsOneJsonDocumentForAllTracks) {
     EXPECT_EQ(run.exitStatus, 1);
     const Json document = Json::parse(run.out);
     EXPECT_EQ(document["format"], "beatatlas.analysis");
-    EXPECT_EQ(document["version"], 1);
+    EXPECT_EQ(document["version"], 2);
     ASSERT_EQ(document["tracks"].size(), 3U);
     EXPECT_EQ(document["tracks"][0]["frames"], 220500);
     EXPECT_EQ(document["tracks"][1]["file"], folder_.file("none"));

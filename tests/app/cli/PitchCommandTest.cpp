@@ -74,7 +74,7 @@ TEST_F(PitchCommand, PrintsOneJsonDocumentOfItsOwnForAllTracks) {
     const std::string track = writeTrack("a.wav", test::tone(32000, 1, 3.0, 440.0, 0.3));
     const Json document = Json::parse(runTool({"pitch", "--json", track, "missing"}).out);
     EXPECT_EQ(document["format"], "beatatlas.pitch");
-    EXPECT_EQ(document["version"], 1);
+    EXPECT_EQ(document["version"], 2);
     ASSERT_EQ(document["tracks"].size(), 2U);
     std::vector<std::string> members;
     for (const auto& [member, value] : document["tracks"][0].items()) members.push_back(member);
