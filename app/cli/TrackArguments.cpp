@@ -4,7 +4,6 @@
 #include <CLI/CLI.hpp>
 
 #include "cli/messages.h"
-#include "io/StandardStreams.h"
 #include "media/ffmpeg.h"
 #include "output/textFormat.h"
 
@@ -15,11 +14,10 @@ void TrackArguments::declare(CLI::App& arguments) {
                        "take what is there of a track that was cut off");
     arguments.add_flag("-q,--quiet", isQuiet_, "show no progress");
     arguments.add_flag("-v,--verbose", isVerbose_,
-                       "show on standard error what the library and the decoders have to say");
+                       "show on standard error what the decoders have to say and how it was done");
 }
 
 void TrackArguments::settle() const {
-    if (isVerbose_) StandardStreams::showLibraryLines();
     media::showFfmpegMessages(isVerbose_);
 }
 

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "io/StandardStreams.h"
 
-#include <cstdio>
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -40,11 +39,6 @@ StandardStreams::StandardStreams() {
 
 StandardStreams::~StandardStreams() {
     if (resultDescriptor_ != -1) close(resultDescriptor_);
-}
-
-void StandardStreams::showLibraryLines() {
-    dup2(STDERR_FILENO, STDOUT_FILENO);
-    std::setvbuf(stdout, nullptr, _IOLBF, BUFSIZ);
 }
 
 }  // namespace app

@@ -26,8 +26,8 @@ std::string readAll(int descriptor) {
     return text;
 }
 
-/** What a process prints that writes a result and, as the library does, a line by stdio. */
-Printed printOfProcess(bool showsLibraryLines) {
+/** What a process prints that writes a result and, as a library may, a line by stdio. */
+Printed printOfProcess() {
     std::array<int, 2> out{};
     std::array<int, 2> err{};
     if (pipe(out.data()) != 0 || pipe(err.data()) != 0) return {};
@@ -36,7 +36,6 @@ Printed printOfProcess(bool showsLibraryLines) {
         dup2(out[1], STDOUT_FILENO);
         dup2(err[1], STDERR_FILENO);
         const StandardStreams streams;
-        if (showsLibraryLines) StandardStreams::showLibraryLines();
         std::puts("progress");
         std::fflush(stdout);
         const bool written = write(streams.resultDescriptor(), "result", 6) == 6;
@@ -49,16 +48,10 @@ Printed printOfProcess(bool showsLibraryLines) {
     return printed;
 }
 
-TEST(StandardStreams, KeepTheLibrarysLinesAwayFromTheResults) {
-    const Printed printed = printOfProcess(false);
+TEST(StandardStreams, KeepLinesOfLibrariesAwayFromTheResults) {
+    const Printed printed = printOfProcess();
     EXPECT_EQ(printed.out, "result");
     EXPECT_EQ(printed.err, "");
-}
-
-TEST(StandardStreams, ShowTheLibrarysLinesOnStandardErrorWhenAsked) {
-    const Printed printed = printOfProcess(true);
-    EXPECT_EQ(printed.out, "result");
-    EXPECT_EQ(printed.err, "progress\n");
 }
 
 }  // namespace
