@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "io/StandardStreams.h"
 
-
 #include <fcntl.h>
 #include <unistd.h>
 

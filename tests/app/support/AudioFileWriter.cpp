@@ -20,7 +20,8 @@ constexpr int kUsualBlock = 4096;
 constexpr int kBitRate = 192000;
 
 int require(int result, const char* what) {
-    if (result < 0) throw std::runtime_error(std::string(what) + ": " + media::ffmpegReason(result));
+    if (result < 0)
+        throw std::runtime_error(std::string(what) + ": " + media::ffmpegReason(result));
     return result;
 }
 
