@@ -50,8 +50,9 @@ void reportRun(const std::vector<std::string>& words) {
 }
 
 ChildRun runChild(const char* program, const std::vector<std::string>& words) {
-    std::string command = "'" + std::string(program) + "' --run";
-    for (const std::string& word : words) command += " '" + word + "'";
+    std::string command;
+    for (const std::string& word : words) command.append(" '").append(word).append("'");
+    command.insert(0, std::string("'").append(program).append("' --run"));
     std::FILE* output = popen(command.c_str(), "r");
     ChildRun run;
     const int read = output == nullptr ? 0

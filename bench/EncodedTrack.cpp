@@ -58,7 +58,8 @@ void TrackEncoder::openEncoder(const AVCodec& codec, const Encoding& how) {
     encoder_->sample_fmt = codec.sample_fmts[0];
     // Lossless is meant to be of the samples as they are.
     for (const AVSampleFormat* f = codec.sample_fmts; *f != AV_SAMPLE_FMT_NONE; ++f)
-        if (*f == AV_SAMPLE_FMT_S16 || *f == AV_SAMPLE_FMT_FLTP) encoder_->sample_fmt = *f;
+        if (*f == AV_SAMPLE_FMT_S16 || *f == AV_SAMPLE_FMT_S16P || *f == AV_SAMPLE_FMT_FLTP)
+            encoder_->sample_fmt = *f;
     encoder_->sample_rate = kRate;
     encoder_->bit_rate = how.bitRate;
     encoder_->time_base = {1, kRate};
@@ -96,13 +97,15 @@ void TrackEncoder::send(const test::StereoTrack& track, std::int64_t from, int c
     avChecked(av_frame_get_buffer(frame.get(), 0), "find memory");
     for (int channel = 0; channel < 2; ++channel) {
         const float* in = (channel == 0 ? track.left : track.right).data() + from;
-        auto* whole = reinterpret_cast<std::int16_t*>(frame->data[0]) + channel;
+        const bool isPlanar = av_sample_fmt_is_planar(encoder_->sample_fmt) != 0;
+        auto* whole = reinterpret_cast<std::int16_t*>(frame->data[isPlanar ? channel : 0]);
+        if (!isPlanar) whole += channel;
         auto* real = reinterpret_cast<float*>(frame->data[channel]);
         for (int i = 0; i < count; ++i) {
-            if (encoder_->sample_fmt == AV_SAMPLE_FMT_S16)
-                whole[2 * i] = static_cast<std::int16_t>(in[i]);
-            else
+            if (encoder_->sample_fmt == AV_SAMPLE_FMT_FLTP)
                 real[i] = in[i] / 32768.0F;
+            else
+                whole[isPlanar ? i : 2 * i] = static_cast<std::int16_t>(in[i]);
         }
     }
     avChecked(avcodec_send_frame(encoder_.get(), frame.get()), "encode");

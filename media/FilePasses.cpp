@@ -12,13 +12,13 @@ namespace {
 constexpr double kProgramBytes = 48.0 * 1024 * 1024;
 
 // Of analysing a second of track, key and waves included.
-constexpr double kAnalysisBytesPerFrame = 6000.0 / 44100.0;
+constexpr double kAnalysisBytesPerFrame = 12000.0 / 44100.0;
 
 constexpr double kBytesPerIntegerFrame = 4.0;
 constexpr double kBytesPerFloatFrame = 8.0;
 
 // What a decoder may be ahead of its reader where nothing is kept: a dozen seconds in floats.
-constexpr std::int64_t kWindowBytes = 4 * 1024 * 1024;
+constexpr std::int64_t kWindowBytes = std::int64_t{4} << 20;
 
 Decoding::Place placeOf(bool hasThread) {
     return hasThread ? Decoding::Place::ownThread : Decoding::Place::readersThread;

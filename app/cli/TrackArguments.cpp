@@ -14,7 +14,7 @@ void TrackArguments::declare(CLI::App& arguments) {
                        "take what is there of a track that was cut off");
     arguments.add_flag("-q,--quiet", isQuiet_, "show no progress");
     arguments.add_flag("-v,--verbose", isVerbose_,
-                       "show on standard error what the decoders have to say and how it was done");
+                       "show on standard error how files were read, and what the decoders say");
 }
 
 void TrackArguments::settle() const {

@@ -103,12 +103,31 @@ TEST_F(AnalyzeCommand, RefusesACutOffTrackUnlessAskedToTakeIt) {
     EXPECT_EQ(Json::parse(taken.out)["tracks"][0]["frames"], 220500 - 50000);
 }
 
-TEST_F(AnalyzeCommand, ShowsTheLibrarysLinesOnStandardErrorWhenAsked) {
-    const std::string track = writeTrack("a.wav");
+// A FLAC that declares half of its frames: the last 32 of the 36 bits that count them, behind 22 bytes.
+TEST_F(AnalyzeCommand, TellsOnStandardErrorHowAFileWasReadWhenAsked) {
+    const std::string track = folder_.file("a.flac");
+    test::writeAudioFile(track, {"flac", "flac"}, test::clicks(44100, 2, 4.0, {0.5, 1.0}));
+    std::string bytes = test::readFile(track);
+    bytes.replace(22, 4, std::string("\x00\x01\x58\x88", 4));
+    test::writeFile(track, bytes);
     const ToolRun quiet = runTool({"analyze", "--json", track});
     const ToolRun verbose = runTool({"analyze", "--json", "--verbose", track});
     EXPECT_EQ(verbose.out, quiet.out);
     EXPECT_EQ(quiet.err, "");
+    EXPECT_THAT(verbose.err, HasSubstr("a.flac: note: declares 88200 frames and has 176400"));
+}
+
+TEST_F(AnalyzeCommand, FindsTheSameWithLittleMemoryAndOneThread) {
+    const std::string track = writeTrack("a.wav");
+    const std::string usual = runTool({"analyze", "--json", "--waves", track}).out;
+    for (const char* effort : {"--threads=1", "--threads=3", "--memory=1", "--memory=1.5GiB"})
+        EXPECT_EQ(runTool({"analyze", "--json", "--waves", effort, track}).out, usual) << effort;
+}
+
+TEST_F(AnalyzeCommand, RefusesEffortThatIsNone) {
+    const std::string track = writeTrack("a.wav");
+    for (const char* effort : {"--threads=0", "--threads=x", "--memory=0", "--memory=much"})
+        EXPECT_EQ(runTool({"analyze", effort, track}).exitStatus, 2) << effort;
 }
 
 TEST_F(AnalyzeCommand, TakesNamesThatLookLikeOptionsCommandsOrPatterns) {

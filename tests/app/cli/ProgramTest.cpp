@@ -27,8 +27,9 @@ TEST(Program, PrintsHelpAsAResult) {
 TEST(Program, PrintsHelpForEachCommand) {
     const ToolRun analyze = runTool({"analyze", "--help"});
     EXPECT_EQ(analyze.exitStatus, 0);
-    for (const char* part : {"FILE", "--json", "--waves", "--tempo", "--section", "--range",
-                             "--no-key", "--partial", "--quiet", "--verbose"}) {
+    for (const char* part :
+         {"FILE", "--json", "--waves", "--tempo", "--section", "--range", "--no-key", "--memory",
+          "--threads", "--partial", "--quiet", "--verbose"}) {
         EXPECT_THAT(analyze.out, HasSubstr(part));
     }
     const ToolRun draw = runTool({"draw", "--help"});
