@@ -41,7 +41,7 @@ struct Stages {
         evidence = listener.finish();
         hearTrack(sessions);
         sessions.close();
-        answer = decideTempo(evidence, sessions, kRate);
+        answer = decideTempo(evidence, sessions, kRate, {});
         local = followTempo(evidence.onsets.full, kHz);
         tracked = trackBeats(evidence.onsets.sharp, local);
     }
@@ -186,7 +186,7 @@ void bars(benchmark::State& state) {
 BENCHMARK(bars)->Unit(benchmark::kMillisecond);
 
 void tempoDecision(benchmark::State& state) {
-    run(state, [](const Stages& s) { return decideTempo(s.evidence, s.sessions, kRate).bpm; });
+    run(state, [](const Stages& s) { return decideTempo(s.evidence, s.sessions, kRate, {}).bpm; });
 }
 BENCHMARK(tempoDecision)->Unit(benchmark::kMillisecond);
 

@@ -100,7 +100,7 @@ Analysis analyze(const Wave& wave) {
     }
     sessions.close();
     Analysis analysis{listener.finish(), {}};
-    analysis.answer = decideTempo(analysis.evidence, sessions, wave.rate);
+    analysis.answer = decideTempo(analysis.evidence, sessions, wave.rate, {});
     return analysis;
 }
 

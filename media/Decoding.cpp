@@ -5,7 +5,6 @@
 #include <system_error>
 #include <utility>
 
-#include "base/Interrupt.h"
 #include "media/trackLength.h"
 
 namespace media {

@@ -52,12 +52,6 @@ public:
     /** Goes on for a moment. @return false when the end has not come. @throws the reason when the decoding failed */
     bool awaitEnd();
 
-    /** @name Known before the start
-     *  @{ */
-    const FileState& fileState() const { return decoder_.fileState(); }
-    std::optional<double> declaredSeconds() const { return decoder_.declaredSeconds(); }
-    /** @} */
-
     /** @name Known after awaitFirst()
      *  @{ */
     int sessionRate() const { return sessionRate_; }

@@ -36,7 +36,6 @@ public:
 
     /** Length by the file's own account, which may be wrong, at the session's rate. */
     std::optional<std::int64_t> declaredFrames() const { return first_.declaredFrames(); }
-    std::optional<double> declaredSeconds() const { return first_.declaredSeconds(); }
 
     /** Gets ready for passes over a track of that length, which is known or believed. */
     void expect(std::int64_t frames);

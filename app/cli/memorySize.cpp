@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "cli/memorySize.h"
 
+#include <algorithm>
 #include <cctype>
 #include <cmath>
 #include <string_view>

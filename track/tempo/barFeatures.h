@@ -4,6 +4,8 @@
 #include <array>
 #include <cstddef>
 
+#include "track/tempo/softmax.h"
+
 namespace beatatlas::track::inner {
 
 /** What speaks for a length of bars and for their first beats. */
@@ -24,13 +26,8 @@ inline constexpr std::size_t kBarFeatures = 11;
 
 using BarFeatures = std::array<double, kBarFeatures>;
 
-struct BarWeight {
-    const char* name;  // for programs that fit weights
-    double weight;
-};
-
 /** In the order of BarFeature. Fitted by multinomial logistic regression over tracks of known bars. */
-inline constexpr std::array<BarWeight, kBarFeatures> kBarWeights = {{
+inline constexpr std::array<FeatureWeight, kBarFeatures> kBarWeights = {{
     // Bars of other than four beats are rare.
     {"n3", -0.3451},
     {"n5", -0.8675},

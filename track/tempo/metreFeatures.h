@@ -4,6 +4,8 @@
 #include <array>
 #include <cstddef>
 
+#include "track/tempo/softmax.h"
+
 namespace beatatlas::track::inner {
 
 /** What speaks for or against a reading of the beats. */
@@ -32,14 +34,9 @@ inline constexpr std::size_t kMetreFeatures = 19;
 
 using MetreFeatures = std::array<double, kMetreFeatures>;
 
-struct MetreWeight {
-    const char* name;  // for programs that fit weights
-    double weight;
-};
-
 /** In the order of MetreFeature. Fitted by multinomial logistic regression over tracks of known metre: 48 styles of
  *  synthesised music, games' and electronic pieces, and the synthesised drum machine of the tests. */
-inline constexpr std::array<MetreWeight, kMetreFeatures> kMetreWeights = {{
+inline constexpr std::array<FeatureWeight, kMetreFeatures> kMetreWeights = {{
     // A log-normal distribution of the tempo about 110 BPM, and of the length of a bar about two seconds.
     {"l", 1.1553},
     {"l2", -1.2091},

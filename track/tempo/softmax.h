@@ -9,6 +9,12 @@
 
 namespace beatatlas::track::inner {
 
+/** What a feature of a reading counts. */
+struct FeatureWeight {
+    const char* name;  // for programs that fit weights
+    double weight;
+};
+
 /** Scores readings by the weights of their features, puts the best first, and gives each its share: its probability in a
  *  logistic model of these weights. Of equal ones the earlier stays first. */
 template <class Reading, class Weights>
