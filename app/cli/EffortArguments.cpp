@@ -14,7 +14,8 @@ namespace app {
 
 namespace {
 
-constexpr int kMostUsefulThreads = 4;
+// One decodes, one finds the beats and one the key.
+constexpr int kMostUsefulThreads = 3;
 constexpr int kMostThreads = 256;
 
 /** How many processors the caller lets this process use. */
@@ -42,7 +43,7 @@ void EffortArguments::declare(CLI::App& arguments) {
         ->option_text("SIZE");
     arguments
         .add_option("--threads", effort_.threads,
-                    "how many threads may work at once (default: a processor each, at most 4)")
+                    "how many threads may work at once (default: a processor each, at most 3)")
         ->check(wholeNumberBetween(1, kMostThreads))
         ->option_text("NUMBER");
 }
