@@ -30,6 +30,17 @@ public:
     TrackResult run();
 
 private:
+    /** What each part counts in the host's progress, for every frame. */
+    struct Units {
+        std::int64_t levels;
+        std::int64_t beats;
+        std::int64_t closing;
+        std::int64_t key;
+    };
+
+    static Units unitsOf(const BA_TrackOptions& options, bool isFewestPasses);
+    std::int64_t totalUnits() const;
+    void findAll();
     void findBeats();
     void findBoth();
     void findBothInFewestPasses();
@@ -38,13 +49,13 @@ private:
     void closeBeats();
     template <class Beats, class Key>
     void sideBySide(const Beats& beats, const Key& key);
-    std::int64_t totalUnits() const;
 
     const BA_TrackOptions& options_;
     int rate_;
     int frames_;
     const BA_TrackSource& source_;
     Outcome& outcome_;
+    Units units_;
     Progress progress_;
     std::unique_ptr<BeatFinder> beats_;
     Levels levels_;

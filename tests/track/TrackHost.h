@@ -58,10 +58,11 @@ public:
 
     // What it does; to be set before the analysis.
     std::vector<std::int64_t> readSizes;  ///< the most frames reads hand out, in turn; empty: all
-    std::vector<std::int64_t>
-        lengths;          ///< what passes hand out, in turn and the last one on; silence behind the
-                          ///< audio; empty: the audio
-    int failsAtOpen = 0;  ///< this open, from 1, gives null
+
+    /** What passes hand out, in turn and the last one on; after the audio silence; empty: the audio. */
+    std::vector<std::int64_t> lengths;
+
+    int failsAtOpen = 0;   ///< this open, from 1, gives null
     long failsAtRead = 0;  ///< this read, from 1, gives failure
     std::int64_t failure = -1;
     bool isFewestPasses = false;

@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: MIT
 // What the host is told on the way, and that it can end the analysis at any moment of it.
 #include <atomic>
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
+#include <time.h>
 
 #include "track/TrackHost.h"
 
@@ -89,6 +91,47 @@ TEST_P(TrackProgressTest, StopsAtAnyCallAndIsNotCalledAgain) {
         EXPECT_EQ(found.status, BA_TRACK_STOPPED);
         EXPECT_FALSE(found.hasTrack);
         EXPECT_EQ(static_cast<int>(watcher.fractions().size()), call);
+    }
+}
+
+double processorSeconds() {
+    timespec time{};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+    return static_cast<double>(time.tv_sec) + 1e-9 * static_cast<double>(time.tv_nsec);
+}
+
+/** The fraction when half of the processor time had gone. */
+double fractionAtHalfTime(BA_TrackOptions options, const Audio& audio, bool isFewestPasses) {
+    std::vector<std::pair<double, double>> told;  // when, and what
+    const double begin = processorSeconds();
+    options.progress_host = &told;
+    options.progress = [](void* host, double fraction) {
+        static_cast<decltype(told)*>(host)->emplace_back(processorSeconds(), fraction);
+        return 0;
+    };
+    WatchedSource source(audio);
+    source.isFewestPasses = isFewestPasses;
+    EXPECT_EQ(source.analyse(options).status, BA_TRACK_OK);
+    const double half = begin + (processorSeconds() - begin) / 2.0;
+    double atHalf = 0.0;
+    for (const auto& [when, fraction] : told)
+        if (when <= half) atHalf = fraction;
+    return atHalf;
+}
+
+// A quarter to either side: what the parts cost differs between processors, and builds.
+TEST(TrackProgress, IsAboutEvenInTimeWhateverIsAskedFor) {
+    const Audio audio = shortMusic(44100, 60);
+    for (const int tempo : {BA_TRACK_TEMPO_CONSTANT, BA_TRACK_TEMPO_OFF, BA_TRACK_TEMPO_AUTO}) {
+        for (const int way : {0, 1, 2, 3, 4, 5, 6, 7}) {
+            BA_TrackOptions options = defaultsOf();
+            options.tempo = tempo;
+            options.wants_key = way & 1;
+            options.wants_waves = way >> 1 & 1;
+            const double atHalf = fractionAtHalfTime(options, audio, (way >> 2 & 1) == 1);
+            EXPECT_GT(atHalf, 0.25) << "tempo " << tempo << ", way " << way;
+            EXPECT_LT(atHalf, 0.75) << "tempo " << tempo << ", way " << way;
+        }
     }
 }
 

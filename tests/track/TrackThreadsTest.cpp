@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 #include <pthread.h>
+#include <signal.h>
 
 #include "track/TrackHost.h"
 
@@ -74,6 +75,35 @@ TEST(TrackThreadsTest, NoThreadIsLeftAndNoneIsStartedThatIsNotAllowed) {
         EXPECT_EQ(seen.count(std::this_thread::get_id()), 1U);
         EXPECT_EQ(seen.size(), threads == 1 ? 1U : 2U);
         EXPECT_TRUE(source.areAllClosed());
+    }
+}
+
+// A handler of the host may take any of its threads by surprise, but never one that it does not know.
+TEST(TrackThreadsTest, SignalsOfTheHostAreKeptFromTheThreadsOfTheLibrary) {
+    const Audio audio = shortMusic(44100, 2);
+    const auto takes = [](int signal) {
+        sigset_t blocked;
+        sigemptyset(&blocked);
+        pthread_sigmask(SIG_BLOCK, nullptr, &blocked);
+        return sigismember(&blocked, signal) == 0;
+    };
+    for (const bool isFewestPasses : {false, true}) {
+        const std::thread::id own = std::this_thread::get_id();
+        std::atomic<int> callsOfOthers = 0;
+        WatchedSource source(audio);
+        source.isFewestPasses = isFewestPasses;
+        source.atEveryCall = [&] {
+            const bool isOwn = std::this_thread::get_id() == own;
+            if (!isOwn) ++callsOfOthers;
+            for (const int signal : {SIGINT, SIGTERM, SIGALRM, SIGUSR1, SIGCHLD, SIGRTMIN})
+                EXPECT_EQ(takes(signal), isOwn) << signal;
+            for (const int fault : {SIGSEGV, SIGBUS, SIGFPE}) EXPECT_TRUE(takes(fault)) << fault;
+        };
+        BA_TrackOptions options = defaultsOf();
+        options.threads = 2;
+        EXPECT_EQ(source.analyse(options).status, BA_TRACK_OK);
+        EXPECT_GT(callsOfOthers, 0);
+        EXPECT_TRUE(takes(SIGTERM));
     }
 }
 
