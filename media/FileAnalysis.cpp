@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "media/FileAnalysis.h"
 
+#include <algorithm>
 #include <optional>
 #include <utility>
 
@@ -24,10 +25,12 @@ public:
 
     void setSeconds(double seconds) { seconds_ = seconds; }
 
-    /** What is left is done so far. @throws Interrupted */
+    /** @param fraction  of what was left when beginAgain() was called. A decoder that looks at another place of its
+     *                   file may tell less than before: that is not shown
+     *  @throws Interrupted */
     void show(double fraction) {
         base::Interrupt::check();
-        done_ = begin_ + fraction * (1.0 - begin_);
+        done_ = std::max(done_, begin_ + std::min(fraction, 1.0) * (1.0 - begin_));
         if (shown_) shown_(done_, seconds_);
     }
 

@@ -28,7 +28,7 @@ std::optional<std::int64_t> declaredFrames(const Container& container, const Fil
     // ASF counts milliseconds, and from where depends on the encoder.
     if (!seconds || container.isFormat("asf")) return std::nullopt;
     const double frames = std::round(*seconds * rate);
-    if (!(frames <= kMostFrames)) return std::nullopt;
+    if (!(frames >= 0.0 && frames <= kMostFrames)) return std::nullopt;
     return static_cast<std::int64_t>(frames) - paddingOf(container, input);
 }
 
