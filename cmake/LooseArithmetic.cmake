@@ -1,16 +1,26 @@
 # SPDX-License-Identifier: MIT
 # Flags that a parent project sets for everything reach the library as well. Those that loosen arithmetic would change
-# its results without a word. They are refused and not overridden: they reach the linker too, where they make the whole
-# program flush denormal numbers to zero. What stands elsewhere is seen by src/dsp/exactArithmetic.h while compiling.
+# its results without a word. They are refused and not overridden: at the linker's hand they make the whole program
+# flush denormal numbers to zero.
+#
+# Read here are the flags of compiler and linker in CMake's variables, common ones and those of the configurations that
+# are built, and the directory's compile and link options. src/dsp/exactArithmetic.h sees while compiling what stands
+# elsewhere, as far as the compiler has a macro for it. Contraction and the rounding mode are not refused, since
+# cmake/Flags.cmake has the last word on them.
 function(beatatlas_refuse_loose_arithmetic)
-    get_directory_property(options COMPILE_OPTIONS)
-    set(flags ${CMAKE_CXX_FLAGS} ${CMAKE_SHARED_LINKER_FLAGS} ${options})
-    foreach(configuration ${CMAKE_BUILD_TYPE} ${CMAKE_CONFIGURATION_TYPES})
-        string(TOUPPER ${configuration} configuration)
-        list(APPEND flags ${CMAKE_CXX_FLAGS_${configuration}})
+    get_directory_property(compile_options COMPILE_OPTIONS)
+    get_directory_property(link_options LINK_OPTIONS)
+    set(flags ${CMAKE_CXX_COMPILER_ARG1} ${compile_options} ${link_options})
+    foreach(name CXX_FLAGS EXE_LINKER_FLAGS MODULE_LINKER_FLAGS SHARED_LINKER_FLAGS)
+        list(APPEND flags ${CMAKE_${name}})
+        foreach(configuration ${CMAKE_BUILD_TYPE} ${CMAKE_CONFIGURATION_TYPES})
+            string(TOUPPER ${configuration} configuration)
+            list(APPEND flags ${CMAKE_${name}_${configuration}})
+        endforeach()
     endforeach()
     set(loose fast-math unsafe-math-optimizations associative-math reciprocal-math finite-math-only
-        no-signed-zeros no-honor-infinities no-honor-nans approx-func single-precision-constant)
+        no-signed-zeros no-honor-infinities no-honor-nans approx-func single-precision-constant
+        "fp-model=(fast|aggressive)" "denormal-fp-math(-f32)?=[a-z,-]*(preserve-sign|positive-zero)")
     list(JOIN loose "|" loose)
     # The flags stand in one string, in a list, or inside a generator expression.
     if("${flags}" MATCHES "(^|[ ;:,\"])(-Ofast|-f(${loose})|-mfpmath=387|-mdaz-ftz)($|[ ;,>\"])")

@@ -18,16 +18,23 @@ expect() {
 }
 
 for flag in -ffast-math -Ofast -funsafe-math-optimizations -fassociative-math -freciprocal-math -ffinite-math-only \
-    -fno-signed-zeros -fsingle-precision-constant -mfpmath=387; do
+    -fno-signed-zeros -fsingle-precision-constant -mfpmath=387 -mdaz-ftz -ffp-model=fast -ffp-model=aggressive \
+    -fdenormal-fp-math=preserve-sign -fdenormal-fp-math=ieee,positive-zero -fdenormal-fp-math-f32=preserve-sign; do
     expect refused CMAKE_CXX_FLAGS "$flag"
 done
+for variable in CMAKE_CXX_FLAGS CMAKE_EXE_LINKER_FLAGS CMAKE_MODULE_LINKER_FLAGS CMAKE_SHARED_LINKER_FLAGS; do
+    expect refused "$variable" "-Wl,-O1 -ffast-math"
+    expect refused "${variable}_RELEASE" "-O2 -ffast-math"
+    expect taken "${variable}_DEBUG" "-ffast-math" # of a configuration that is not built
+done
 expect refused CMAKE_CXX_FLAGS "-O2 -ffast-math -g"
-expect refused CMAKE_CXX_FLAGS_RELEASE "-O3 -ffast-math"
-expect refused CMAKE_SHARED_LINKER_FLAGS "-Wl,-O1 -ffast-math"
-expect refused OPTIONS "-Wall;-ffast-math"
-expect refused OPTIONS "\$<\$<CONFIG:Release>:-ffast-math>"
+expect refused CMAKE_CXX_COMPILER_ARG1 " -ffast-math"
+for options in COMPILE_OPTIONS LINK_OPTIONS; do
+    expect refused $options "-Wall;-ffast-math"
+    expect refused $options "\$<\$<CONFIG:Release>:-ffast-math>"
+done
 expect taken CMAKE_CXX_FLAGS "-O3 -march=x86-64-v3 -flto -fno-math-errno -fno-fast-math -fsigned-zeros"
-expect taken CMAKE_CXX_FLAGS_DEBUG "-O3 -ffast-math" # of a configuration that is not built
+expect taken CMAKE_CXX_FLAGS "-ffp-model=strict -fdenormal-fp-math=ieee,ieee -ffp-contract=fast"
 
 # Clang drops the one macro where contraction is off, and keeps the other.
 for flag in -ffast-math -Ofast -ffinite-math-only; do
