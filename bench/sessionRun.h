@@ -22,8 +22,9 @@ struct SessionTimes {
     double creating = 0.0;
     double preCheck = 0.0;
     double feeding = 0.0;  ///< all calls but the last
-    double closing =
-        0.0;  ///< the last call, which runs the closing analysis, and asking for the tempo
+
+    /** The last call, which runs the closing analysis, and asking for the tempo. */
+    double closing = 0.0;
 
     double whole() const { return creating + preCheck + feeding + closing; }
 };

@@ -9,8 +9,10 @@ namespace media {
 struct DecodeTally {
     std::int64_t packets = 0;
     std::int64_t damagedPackets = 0;  ///< could not be decoded; silence stands in their place
-    std::int64_t frames =
-        0;  ///< at the track's own rate, put silence included, told padding dropped
+
+    /** At the track's own rate, with the silence that was put in, without the padding that the file tells of. */
+    std::int64_t frames = 0;
+
     bool isLastPacketDamaged = false;
     bool isLastPacketIncomplete = false;  ///< the file ended inside it
     int readFailure = 0;  ///< FFmpeg's error number when the container could not be read to its end

@@ -26,10 +26,11 @@ class FileAnalysis {
 public:
     struct Options {
         beatatlas::track::Options
-            track;  ///< what is to be found; its threads and progress are not read
+            track;  ///< what is to be found; threads and progress are not read
         Effort effort;
-        bool acceptsCutOff =
-            false;  ///< takes what is left of a track that was cut off, instead of refusing it
+
+        /** Takes what is left of a track that was cut off, instead of refusing it. */
+        bool acceptsCutOff = false;
 
         /** Is told how far all of the work is, 0 to 1, never falling, and how long the track is, in seconds, 0 while
          *  that is unknown. From any thread, never from two at once. May throw to stop the work. */

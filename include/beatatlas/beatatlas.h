@@ -1,10 +1,12 @@
 /* SPDX-License-Identifier: MIT */
 /** @file
- *  Beat Atlas: tempo, beat grid, musical key and waveform overviews of one music track, in one pass.
+ *  Beat Atlas: tempo, beat grid, musical key and waveform overviews of one music track, in one
+ *  pass.
  *
- *  This is the plain interface: C linkage, compiles as C99 and as C++. Exceptions never cross it. A C++ host that
- *  wants exceptions, the key ranking or simple sessions includes beatatlas.hpp instead; the two do not go into
- *  one source file, since the same names would then silently keep C linkage.
+ *  This is the plain interface: C linkage, compiles as C99 and as C++. Exceptions never cross it. A
+ *  C++ host that wants exceptions, the key ranking or simple sessions includes beatatlas.hpp
+ *  instead; the two do not go into one source file, since the same names would then silently keep C
+ *  linkage.
  *
  *  A whole analysis:
  *
@@ -20,34 +22,37 @@
  *  Life of a session
  *  -----------------
  *  1. One BA_Create… call: rate, length and what is wanted are fixed.
- *  2. With useKey only: the whole track through BA_SetSamplePre. It gathers the levels that key detection needs;
- *     until the declared length has arrived, BA_SetSample does nothing.
- *  3. The whole track through BA_SetSample, in calls of any length. The call that brings the declared length runs
- *     the closing analysis before it returns; BA_Analyzed is true from then on. More frames are ignored.
- *  4. The getters. The waves can be read during step 3 and grow; tempo, beats and key exist after it.
+ *  2. With useKey only: the whole track through BA_SetSamplePre. It gathers the levels that key
+ *     detection needs; until the declared length has arrived, BA_SetSample does nothing.
+ *  3. The whole track through BA_SetSample, in calls of any length. The call that brings the
+ *     declared length runs the closing analysis before it returns; BA_Analyzed is true from then
+ *     on. More frames are ignored.
+ *  4. The getters. The waves can be read during step 3 and grow; tempo, beats and key exist after
+ *     it.
  *  5. BA_Release.
- *  A call out of this order does nothing. Nothing is ever reported by an error code: a getter of a session that
- *  has no answer returns the neutral result told at it (0, false, nothing written).
+ *  A call out of this order does nothing. Nothing is ever reported by an error code: a getter of a
+ *  session that has no answer returns the neutral result told at it (0, false, nothing written).
  *
  *  Samples
  *  -------
- *  Two arrays of 32-bit floats, left and right, in the scale of 16-bit integers: full scale is ±32768. Values are
- *  cut to integers toward zero, of which the low 16 bits are kept (louder values wrap, so clip before feeding);
- *  NaN, infinities and values outside 32-bit integers count as 0 there. A mono track is fed as both channels.
- *  A frame is one sample per channel; every position and length here counts frames. The arrays are only read,
- *  and only during the call.
+ *  Two arrays of 32-bit floats, left and right, in the scale of 16-bit integers: full scale is
+ *  ±32768. Values are cut to integers toward zero, of which the low 16 bits are kept (louder values
+ *  wrap, so clip before feeding); NaN, infinities and values outside 32-bit integers count as 0
+ *  there. A mono track is fed as both channels. A frame is one sample per channel; every position
+ *  and length here counts frames. The arrays are only read, and only during the call.
  *
  *  Handles
  *  -------
- *  A null handle is allowed everywhere: the call does nothing and returns its neutral result. Any other value
- *  must come from a BA_Create… call and not have been released.
+ *  A null handle is allowed everywhere: the call does nothing and returns its neutral result. Any
+ *  other value must come from a BA_Create… call and not have been released.
  *
  *  Memory
  *  ------
- *  Every output array belongs to the caller, who sizes it by the count functions. The library keeps no pointer to
- *  it. When memory runs out in a create or feeding call of this interface, the call returns normally and the
- *  session stays as far as it got (after a create: inert); it can still be released. A utility then returns its
- *  neutral result. Only the allocation of the session object itself lets std::bad_alloc through.
+ *  Every output array belongs to the caller, who sizes it by the count functions. The library keeps
+ *  no pointer to it. When memory runs out in a create or feeding call of this interface, the call
+ *  returns normally and the session stays as far as it got (after a create: inert); it can still be
+ *  released. A utility then returns its neutral result. Only the allocation of the session object
+ *  itself lets std::bad_alloc through.
  *
  *  Threads
  *  -------
@@ -55,9 +60,10 @@
  *
  *  Rounding mode
  *  -------------
- *  The arithmetic is defined under round-toward-zero. A successful create, BA_SetSamplePre and BA_SetSample set
- *  that mode for the calling thread AND LEAVE IT SET: it changes what the host's own arithmetic, printf and
- *  decoder yield afterwards, and threads started later inherit it. A host that minds wraps each call:
+ *  The arithmetic is defined under round-toward-zero. A successful create, BA_SetSamplePre and
+ *  BA_SetSample set that mode for the calling thread AND LEAVE IT SET: it changes what the host's
+ *  own arithmetic, printf and decoder yield afterwards, and threads started later inherit it. A
+ *  host that minds wraps each call:
  *
  *      #include <fenv.h>
  *      static int enterLibrary(void) { return fegetround(); }
@@ -67,15 +73,16 @@
  *      BA_SetSample(s, left, right, n);
  *      leaveLibrary(mode);
  *
- *  The results of a session do not depend on the mode the host keeps: whatever computes sets its own. The
- *  stand-alone utilities (BA_Resample, BA_CutBeats, BA_PitchDetect, BA_GetKey) compute in the calling thread's
- *  mode as they find it and leave it alone.
+ *  The results of a session do not depend on the mode the host keeps: whatever computes sets its
+ *  own. The stand-alone utilities (BA_Resample, BA_CutBeats, BA_PitchDetect, BA_GetKey) compute in
+ *  the calling thread's mode as they find it and leave it alone.
  *
  *  Standard output
  *  ---------------
- *  The closing analysis prints progress lines to the C standard output, in Japanese, encoded in UTF-8: its start,
- *  the clean-up of stray tempos, the list of tempo segments, its end. A host whose standard output carries data
- *  points file descriptor 1 elsewhere around the feeding calls. */
+ *  The closing analysis prints progress lines to the C standard output, in Japanese, encoded in
+ *  UTF-8: its start, the clean-up of stray tempos, the list of tempo segments, its end. A host
+ *  whose standard output carries data points file descriptor 1 elsewhere around the feeding
+ *  calls. */
 #ifndef BEATATLAS_BEATATLAS_H
 #define BEATATLAS_BEATATLAS_H
 
@@ -97,14 +104,16 @@ extern "C" {
 
 /** @name Creating a session
  *
- *  Each returns a new handle, to be given to BA_Release. A refused argument (totalSamples ≤ 0, sectionBeats < 0)
- *  still gives a handle: of an inert session, on which every later call does nothing.
+ *  Each returns a new handle, to be given to BA_Release. A refused argument (totalSamples ≤ 0,
+ *  sectionBeats < 0) still gives a handle: of an inert session, on which every later call does
+ *  nothing.
  *
- *  @param totalSamples  length of the track in frames, 1 to 2,147,483,647. The analysis closes when that many
- *                       have been fed.
- *  @param sectionBeats  0: no beat analysis. Otherwise, in sessions of varied tempo, the length in beats of the
- *                       phrase over which the grid's tempo is measured: 4, 8, 16, 32, 64 …; any other value
- *                       means 32. In sessions of constant tempo the phrase is always 32.
+ *  @param totalSamples  length of the track in frames, 1 to 2,147,483,647. The analysis closes when
+ *                       that many have been fed.
+ *  @param sectionBeats  0: no beat analysis. Otherwise, in sessions of varied tempo, the length in
+ *                       beats of the phrase over which the grid's tempo is measured: 4, 8, 16, 32,
+ *                       64 …; any other value means 32. In sessions of constant tempo the phrase is
+ *                       always 32.
  *  @param useLoud       make the loudness and dots waves
  *  @param useZoom       make the zoom wave
  *  @param useKey        find the key; the track is then fed twice, first through BA_SetSamplePre
@@ -138,27 +147,32 @@ BA_API void* BA_CreateConst44k(int totalSamples, int sectionBeats, bool useLoud,
 /** Destroys the session and all it owns. Null: nothing. The handle must not be used again. */
 BA_API void BA_Release(void* session);
 
-/** Whether the closing analysis has run. False for null, for an inert session and while the track is being fed. */
+/** Whether the closing analysis has run. False for null, for an inert session and while the track
+ *  is being fed. */
 BA_API bool BA_Analyzed(void* session);
 
-/** Feeds the pre-check pass: levels of the whole track, before BA_SetSample, in sessions with key detection.
+/** Feeds the pre-check pass: levels of the whole track, before BA_SetSample, in sessions with key
+ *  detection.
  *
- *  Ignored in sessions without key detection, after the declared length has arrived, for count ≤ 0 and for a null
- *  array. Frames of the completing call beyond the declared length enter the levels too.
+ *  Ignored in sessions without key detection, after the declared length has arrived, for count ≤ 0
+ *  and for a null array. Frames of the completing call beyond the declared length enter the levels
+ *  too.
  *
  *  @param left,right  count samples each, full scale ±32768; only read */
 BA_API void BA_SetSamplePre(void* session, float* left, float* right, int count);
 
-/** Feeds the analysis pass. The call that brings the declared length runs the closing analysis before returning.
+/** Feeds the analysis pass. The call that brings the declared length runs the closing analysis
+ *  before returning.
  *
- *  Ignored before the pre-check pass is complete (sessions with key detection), after the analysis, for
- *  count ≤ 0 and for a null array. How the track is split into calls does not change any result.
+ *  Ignored before the pre-check pass is complete (sessions with key detection), after the analysis,
+ *  for count ≤ 0 and for a null array. How the track is split into calls does not change any
+ *  result.
  *
  *  @param left,right  count samples each, full scale ±32768; only read */
 BA_API void BA_SetSample(void* session, float* left, float* right, int count);
 
-/** The tempo in hundredths of a BPM, rounded half up: 12800 is 128.00 BPM. 0 before the analysis has run, when
- *  no tempo was found and when beat analysis is off. */
+/** The tempo in hundredths of a BPM, rounded half up: 12800 is 128.00 BPM. 0 before the analysis
+ *  has run, when no tempo was found and when beat analysis is off. */
 BA_API int BA_GetBpm(void* session);
 
 /** Number of beats in the final grid. 0 before the analysis has run, or when there is none. */
@@ -171,44 +185,48 @@ BA_API void BA_GetBeatList(void* session, BA_BeatInfo* out);
 
 /** Copies the new points of the loudness wave: at most 400, each one 400th of the declared length.
  *
- *  level: 0 and up, in 16-bit sample scale: the average level, held back where the bass is weak. After samples that
- *  are no audio, NaN or beyond ±2,147,483,647, it may be any float, below 0 and NaN among them.
- *  color: 0 bass over mids, 1 mids over bass, 2 bass over highs, 3 highs over bass (all four with strong bass),
- *  4 weak bass with mids, 5 weak bass, or silence.
+ *  level: 0 and up, in 16-bit sample scale: the average level, held back where the bass is weak.
+ *  After samples that are no audio, NaN or beyond ±2,147,483,647, it may be any float, below 0 and
+ *  NaN among them.
+ *  color: 0 bass over mids, 1 mids over bass, 2 bass over highs, 3 highs over bass (all four with
+ *  strong bass), 4 weak bass with mids, 5 weak bass, or silence.
  *
  *  May be called while feeding; points are final when they appear.
  *
- *  @param out   the caller's whole array, room for 400 points; points have … count − 1 are written at their own
- *               indices, nothing when have ≥ count. Not checked for null unless nothing is to be written.
+ *  @param out   the caller's whole array, room for 400 points; points have … count − 1 are written
+ *               at their own indices, nothing when have ≥ count. Not checked for null unless
+ *               nothing is to be written.
  *  @param have  points the caller holds already; below 0 counts as 0
  *  @return the number of points that exist; 0 when the loudness wave is off */
 BA_API int BA_GetLoudWave(void* session, BA_WaveInfo* out, int have);
 
 /** Copies the new points of the dots wave: at most 100, each one 100th of the declared length.
  *
- *  level: bass peak energy of the span; 1.0 where only the mids have any, 0.0 where neither has; any float after
- *  samples that are no audio. color: always 5.
+ *  level: bass peak energy of the span; 1.0 where only the mids have any, 0.0 where neither has;
+ *  any float after samples that are no audio. color: always 5.
  *
  *  Arguments and result as for BA_GetLoudWave, with room for 100 points. */
 BA_API int BA_GetDotsWave(void* session, BA_WaveInfo* out, int have);
 
 /** Copies the zoom wave: 150 points per second, all of them at every call.
  *
- *  level: when the whole track has been fed, 0 to 31 on a square law, the loudest point of the track at 31; while
- *  feeding, the raw peak, 0 to 32767. color: 0 to 7, how much of the peak lies below 150 Hz: 0 for 87.5 % and
- *  more, 7 for less than 12.5 % and for silence.
+ *  level: when the whole track has been fed, 0 to 31 on a square law, the loudest point of the
+ *  track at 31; while feeding, the raw peak, 0 to 32767. color: 0 to 7, how much of the peak lies
+ *  below 150 Hz: 0 for 87.5 % and more, 7 for less than 12.5 % and for silence.
  *
- *  @param out  room for as many points as this call returns with a null out; null: nothing is copied
+ *  @param out  room for as many points as this call returns with a null out; null: nothing is
+ *              copied
  *  @return the number of points that exist; 0 when the zoom wave is off */
 BA_API int BA_GetZoomWave(void* session, BA_WaveInfo* out);
 
-/** The key of the track: 0 to 11 are the major keys A, A♯, B, C, C♯, D, D♯, E, F, F♯, G, G♯; 12 to 23 the minor
- *  keys with the same tonics (12 is A minor). 0 also before the key has been found and when key detection is off. */
+/** The key of the track: 0 to 11 are the major keys A, A♯, B, C, C♯, D, D♯, E, F, F♯, G, G♯; 12 to
+ *  23 the minor keys with the same tonics (12 is A minor). 0 also before the key has been found and
+ *  when key detection is off. */
 BA_API int BA_GetMainKey(void* session);
 
 /** @name Utilities on a caller's buffer
- *  They need a handle that is not null but use nothing of the session. beatatlas/utilities.h tells what each
- *  computes and offers them without a handle to C++ hosts.
+ *  They need a handle that is not null but use nothing of the session. beatatlas/utilities.h tells
+ *  what each computes and offers them without a handle to C++ hosts.
  *  @{ */
 
 /** Low-passes the input at 0.05 of its rate and takes every step-th sample (made for step 10).

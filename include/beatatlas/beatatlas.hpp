@@ -2,10 +2,11 @@
 /** @file
  *  Beat Atlas for C++ hosts: the interface of beatatlas.h with C++ linkage, and six functions more.
  *
- *  The life of a session, samples, handles, threads, the rounding mode and the lines on standard output are told in
- *  beatatlas.h and hold here. Two things differ:
- *  - Exceptions pass. In practice that is std::bad_alloc, from the create and feeding calls and from the utilities;
- *    the session can still be released. (A create call that throws has released its session.)
+ *  The life of a session, samples, handles, threads, the rounding mode and the lines on standard
+ *  output are told in beatatlas.h and hold here. Two things differ:
+ *  - Exceptions pass. In practice that is std::bad_alloc, from the create and feeding calls and
+ *    from the utilities; the session can still be released. (A create call that throws has released
+ *    its session.)
  *  - Simple sessions (BA_CreateSimple…) and the key's ranking and note statistics exist here only.
  *
  *  Not to be included together with beatatlas.h in one source file. */
@@ -36,11 +37,11 @@ BA_API void* BA_CreateConst48k(int totalSamples, int sectionBeats, bool useLoud,
 BA_API void* BA_CreateConst44k(int totalSamples, int sectionBeats, bool useLoud, bool useZoom,
                                bool useKey);
 
-/** A simple session: beats are sensed in the first rangeSamples frames only, and the grid is strictly regular over
- *  the whole track. Beat analysis is always on.
+/** A simple session: beats are sensed in the first rangeSamples frames only, and the grid is
+ *  strictly regular over the whole track. Beat analysis is always on.
  *
- *  @param rangeSamples  frames in which beats are sensed; below 1 or above totalSamples: one minute, or the whole
- *                       track when that is shorter */
+ *  @param rangeSamples  frames in which beats are sensed; below 1 or above totalSamples: one
+ *                       minute, or the whole track when that is shorter */
 BA_API void* BA_CreateSimple48k(int totalSamples, int rangeSamples, bool useLoud, bool useZoom,
                                 bool useKey);
 BA_API void* BA_CreateSimple44k(int totalSamples, int rangeSamples, bool useLoud, bool useZoom,
@@ -63,12 +64,14 @@ BA_API int BA_GetMainKey(void* session);
 /** @} */
 
 /** @name The key in detail
- *  For sessions with key detection, after BA_Analyzed. Before that, or with key detection off, the scores and
- *  statistics are 0 and the ranking is 0, 1, 2 … 23 (in an inert session 24 zeros). Keys are numbered as by
- *  BA_GetMainKey; pitch classes 0 to 11 are A, A♯, B … G♯. A null out copies nothing and returns the count.
+ *  For sessions with key detection, after BA_Analyzed. Before that, or with key detection off, the
+ *  scores and statistics are 0 and the ranking is 0, 1, 2 … 23 (in an inert session 24 zeros). Keys
+ *  are numbered as by BA_GetMainKey; pitch classes 0 to 11 are A, A♯, B … G♯. A null out copies
+ *  nothing and returns the count.
  *  @{ */
 
-/** Copies the scores of all 24 keys, best first. @param out 24 doubles @return 24; 0 for a null handle */
+/** Copies the scores of all 24 keys, best first. @param out 24 doubles @return 24; 0 for a null
+ *  handle */
 BA_API int BA_GetKeyPoint(void* session, double* out);
 
 /** Copies the 24 key numbers, best first. @param out 24 ints @return 24; 0 for a null handle */
@@ -78,7 +81,8 @@ BA_API int BA_GetKeyRank(void* session, int* out);
  *  @param out 12 ints @return 12; 0 for a null handle */
 BA_API int BA_GetNoteEncount(void* session, int* out);
 
-/** Copies the share of those bands' energy that each pitch class holds; the shares add up to 1, or are all 0.
+/** Copies the share of those bands' energy that each pitch class holds; the shares add up to 1, or
+ *  are all 0.
  *  @param out 12 doubles @return 12; 0 for a null handle */
 BA_API int BA_GetNoteEncountVal(void* session, double* out);
 /** @} */

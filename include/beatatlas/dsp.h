@@ -2,14 +2,19 @@
 /** @file
  *  The free signal routines of Beat Atlas: a window, statistics, sorts, small filters and an FFT.
  *
- *  For C++ hosts: the names have C++ linkage and live in the global namespace (two of them overload).
+ *  For C++ hosts: the names have C++ linkage and live in the global namespace (two of them
+ *  overload).
  *
  *  Common to all of them:
- *  - Every array belongs to the caller, is not kept, and is large enough as told; nothing is checked for null.
- *    Pointers are not const in the signatures, but only what is told to be written is written.
- *  - Nothing is kept between calls: a filter starts from silence each time. Only fft_less_normalize allocates.
- *  - They compute in the calling thread's rounding mode and leave it alone. Any thread, any number at a time.
- *  - NaN and infinities pass through the arithmetic; no input makes a routine hang or leave its arrays.
+ *  - Every array belongs to the caller, is not kept, and is large enough as told; nothing is
+ *    checked for null. Pointers are not const in the signatures, but only what is told to be
+ *    written is written.
+ *  - Nothing is kept between calls: a filter starts from silence each time. Only fft_less_normalize
+ *    allocates.
+ *  - They compute in the calling thread's rounding mode and leave it alone. Any thread, any number
+ *    at a time.
+ *  - NaN and infinities pass through the arithmetic; no input makes a routine hang or leave its
+ *    arrays.
  *
  *  Smoothing 1000 samples below 0.05 of their rate:
  *
@@ -23,7 +28,8 @@
 /** @name Window
  *  @{ */
 
-/** Hann window of n points without zero end points: w[k - 1] = 0.5 - 0.5 cos(2πk / (n + 1)) for k = 1 … n.
+/** Hann window of n points without zero end points: w[k - 1] = 0.5 - 0.5 cos(2πk / (n + 1)) for k =
+ *  1 … n.
  *
  *  n = 1 gives 1.0; n = 3 gives 0.5, 1.0, 0.5. n ≤ 0 writes nothing.
  *  @param w  room for n values */
@@ -56,8 +62,10 @@ BA_API float mode_v(float* v, int n);
 
 /** @name Sorts
  *
- *  lo and hi are the first and the last index of the part to sort; lo ≥ hi does nothing. idx is rearranged like
- *  v: filled with 0, 1, 2 … beforehand it tells afterwards where each value stood. NaNs end up somewhere.
+ *  lo and hi are the first and the last index of the part to sort; lo ≥ hi does nothing. idx is
+ *  rearranged like
+ *  v: filled with 0, 1, 2 … beforehand it tells afterwards where each value stood. NaNs end up
+ *  somewhere.
  *  @{ */
 
 /** Sorts v[lo … hi] in descending order, idx along with it. Not stable. */
@@ -69,20 +77,21 @@ BA_API void QSort2(int* v, int lo, int hi);
 /** Sorts v[lo … hi] in ascending order. */
 BA_API void QSort2_Ascend(int* v, int lo, int hi);
 
-/** As QSort, with equal values in ascending order of their idx entries: 2, 5, 5, 1 with 0, 1, 2, 3 gives
- *  5, 5, 2, 1 with 1, 2, 0, 3. */
+/** As QSort, with equal values in ascending order of their idx entries: 2, 5, 5, 1 with 0, 1, 2, 3
+ *  gives 5, 5, 2, 1 with 1, 2, 0, 3. */
 BA_API void QSort3(float* v, int* idx, int lo, int hi);
 
-/** Sorts n values in descending order, idx along with them; equal values keep their order. n² time. */
+/** Sorts n values in descending order, idx along with them; equal values keep their order. n²
+ *  time. */
 BA_API void BubSort(int* v, int* idx, int n);
 BA_API void BubSort(float* v, int* idx, int n);
 /** @} */
 
 /** @name Small filters
  *
- *  All arithmetic is in single precision unless told otherwise. Frequencies are in Hz and lie between 0 and half
- *  the sampling rate fs; nothing is checked. Every filter may work in place (out = in), starts from silence, and
- *  does nothing for n ≤ 0.
+ *  All arithmetic is in single precision unless told otherwise. Frequencies are in Hz and lie
+ *  between 0 and half the sampling rate fs; nothing is checked. Every filter may work in place (out
+ *  = in), starts from silence, and does nothing for n ≤ 0.
  *  @{ */
 
 /** One-pole low-pass for filter1: *a = exp(-2πf), *b = 1 - *a.
@@ -108,7 +117,8 @@ BA_API void filter1(float* in, float* out, long n, float b, float a);
 /** First-order section in direct form II over n samples: coefficients as made by make_lpf1. */
 BA_API void filter1_hat_mono(float* in, float* out, int n, float* a, float* b);
 
-/** Second-order section in transposed direct form II over n samples: five coefficients as made by make_lpf2. */
+/** Second-order section in transposed direct form II over n samples: five coefficients as made by
+ *  make_lpf2. */
 BA_API void filter2_mono(float* in, float* out, long n, float* c);
 
 /** Does nothing: no argument is looked at. */
@@ -123,11 +133,12 @@ BA_API void find_v(float*, float*, float*, float*);
 
 /** @name Fourier transform
  *
- *  Radix-2, in place, on separate arrays of real and imaginary parts, single precision. Lengths are powers of two
- *  from 4 up (and the trivial 1). Any other length gives numbers without meaning.
+ *  Radix-2, in place, on separate arrays of real and imaginary parts, single precision. Lengths are
+ *  powers of two from 4 up (and the trivial 1). Any other length gives numbers without meaning.
  *  @{ */
 
-/** Sine table of one period and a quarter: table[k] = sin(2πk / n), so cosines are found n/4 further on.
+/** Sine table of one period and a quarter: table[k] = sin(2πk / n), so cosines are found n/4
+ *  further on.
  *
  *  Made by a rotation recurrence in single precision. n ≤ 0 writes nothing.
  *  @param n      period, a multiple of 4
@@ -145,7 +156,8 @@ BA_API int make_bitrev(int n, int* table);
  *  @param n  n > 0: forward, X[f] = Σ x[t] e^(-2πi f t / n), of n points.
  *            n < 0: inverse, with e^(+2πi f t / |n|), of |n| points. 0: nothing.
  *  @param re,im  |n| values each
- *  @return 0; or 1 with "malloc error" on standard error when there is no memory for the tables: the arrays are
+ *  @return 0; or 1 with "malloc error" on standard error when there is no memory for the tables:
+ *           the arrays are
  *          as they were then */
 BA_API int fft_less_normalize(int n, float* re, float* im);
 

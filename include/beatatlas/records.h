@@ -2,7 +2,8 @@
 /** @file
  *  The records that cross the interface. Both interface headers include this file; a host need not.
  *
- *  Their layout is fixed for the life of the library: 32-bit fields, 4-byte alignment, no padding. */
+ *  Their layout is fixed for the life of the library: 32-bit fields, 4-byte alignment, no
+ *  padding. */
 #ifndef BEATATLAS_RECORDS_H
 #define BEATATLAS_RECORDS_H
 
@@ -17,7 +18,8 @@ typedef struct BA_BeatInfo {
     int32_t bpm;     /**< offset 8: local tempo in hundredths of a BPM; 12850 is 128.50 BPM */
 } BA_BeatInfo;
 
-/** One point of a waveform overview. 8 bytes. What level and color mean is told at each wave's getter. */
+/** One point of a waveform overview. 8 bytes. What level and color mean is told at each wave's
+ *  getter. */
 typedef struct BA_WaveInfo {
     float level;   /**< offset 0: height of the point */
     int32_t color; /**< offset 4: colour class of the point */

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 /** @file
- *  Beat Atlas for whole tracks, for C++17 hosts: the interface of track.h in plain values and exceptions.
+ *  Beat Atlas for whole tracks, for C++17 hosts: the interface of track.h in plain values and
+ *  exceptions.
  *
  *      using namespace beatatlas::track;
  *      const TrackResult result = analyze({}, 44100, left.data(), right.data(), left.size());
@@ -8,8 +9,8 @@
  *      for (const Beat& beat : result.beats)
  *          if (beat.isDownbeat()) std::printf("bar at %.3f s\n", beat.seconds);
  *
- *  What is said in track.h about audio, threads, arithmetic and output holds here. Everything is in this header: it needs
- *  the library of track.h and nothing else. */
+ *  What is said in track.h about audio, threads, arithmetic and output holds here. Everything is in
+ *  this header: it needs the library of track.h and nothing else. */
 #ifndef BEATATLAS_TRACK_HPP
 #define BEATATLAS_TRACK_HPP
 
@@ -36,41 +37,48 @@ inline constexpr int kPitchClassCount = 12;
 /** How tempo and beats are found. */
 enum class TempoMode {
     automatic = BA_TRACK_TEMPO_AUTO,     ///< steady or varying, as it turns out
-    constant = BA_TRACK_TEMPO_CONSTANT,  ///< one tempo for the whole track
+    constant = BA_TRACK_TEMPO_CONSTANT,  ///< one tempo for the whole track, fine-tuned at the end
     varied = BA_TRACK_TEMPO_VARIED,      ///< the tempo may change along the track
-    simple =
-        BA_TRACK_TEMPO_SIMPLE,  ///< sensed in the first part of the track only, one regular grid over all of it
-    off = BA_TRACK_TEMPO_OFF,  ///< no tempo and no beats
+    simple = BA_TRACK_TEMPO_SIMPLE,  ///< sensed at the beginning only, one regular grid over it all
+    off = BA_TRACK_TEMPO_OFF,        ///< no tempo and no beats
 };
 
 /** What is to be found out about a track, and how. */
 struct Options {
     TempoMode tempo = TempoMode::automatic;
-    int sectionBeats =
-        32;  ///< varied tempo: length in beats of the phrase over which the tempo is measured, from 1
-    double rangeSeconds = 0;  ///< simple: how much of the beginning is sensed; 0: one minute
-    bool wantsKey = true;
-    bool wantsWaves = true;
 
-    /** Automatic tempo: a range into which it is brought by doubling or halving, 20 to 1000 BPM, the upper end at least
-     *  twice the lower one; both 0: none. */
+    /** Varied tempo: the length in beats of the phrase over which the tempo is measured: 4, 8, 16,
+     *  32, 64 …; any other number above 0 means 32. */
+    int sectionBeats = 32;
+
+    /** Simple tempo: how much of the beginning is sensed, 0 and up; at or beyond the length of the
+     *  track: all of it. 0: one minute. */
+    double rangeSeconds = 0;
+
+    bool wantsKey = true;    ///< find the key, which takes passes of its own
+    bool wantsWaves = true;  ///< make the three waves
+
+    /** Automatic tempo: a range into which the tempo is brought by doubling or halving, with its
+     *  grid. From 20 to 1000 BPM, the upper end at least twice the lower one; 0 and 0: no range. */
     double lowestBpm = 0;
     double highestBpm = 0;
-    int beatsPerBar = 0;  ///< automatic tempo: 3 or 4; 0: found out
+    int beatsPerBar = 0;  ///< automatic tempo: 3 or 4, where it is known; 0: found out
 
-    int threads = 1;  ///< the most that may work at once, the calling one among them
+    /** The most threads that may work at once, the calling one among them, from 1. */
+    int threads = 1;
 
-    /** Is told how far the analysis has come, from 0 to 1, from any thread but never from two at once. To stop the
-     *  analysis it throws; analyze() then throws the same. */
+    /** Is told how far the analysis has come, as BA_TrackOptions has it. To stop the analysis it
+     *  throws; analyze() then throws the same. */
     std::function<void(double fraction)> progress;
 };
 
-/** Hands out the next frames of a pass over a track: up to `frames` samples to left and right, full scale ±1.0. Returns
- *  how many; 0 when the track is over. To stop the analysis it throws; analyze() then throws the same. */
+/** Hands out the next frames of a pass over a track: up to `frames` samples to left and right, full
+ *  scale ±1.0. Returns how many; 0 when the track is over. To stop the analysis it throws;
+ *  analyze() then throws the same. */
 using Pass = std::function<std::int64_t(float* left, float* right, std::int64_t frames)>;
 
-/** Where the audio of a track comes from. Each pass begins at the first frame and is destroyed when it is over; what is
- *  said at BA_TrackSource about order and threads holds. */
+/** Where the audio of a track comes from. Each pass begins at the first frame and is destroyed when
+ *  it is over; what is said at BA_TrackSource about order and threads holds. */
 struct Source {
     std::function<Pass()> open;
     bool fewestPasses = false;  ///< passes are costly or have to wait for a decoder
@@ -78,10 +86,10 @@ struct Source {
 
 /** One beat of the grid. */
 struct Beat {
-    double seconds = 0.0;    ///< from the first frame of music
-    double bpm = 0.0;        ///< local tempo, a multiple of 0.01
-    std::int64_t frame = 0;  ///< from the first frame of music, at the track's rate
-    int numberInBar = 0;     ///< from 1, the downbeat
+    double seconds = 0.0;    ///< from the first frame of the track
+    double bpm = 0.0;        ///< tempo at this beat, a multiple of 0.01
+    std::int64_t frame = 0;  ///< from the first frame of the track, at its rate
+    int numberInBar = 0;     ///< from 1, the downbeat, to the beats of a bar
 
     bool isDownbeat() const { return numberInBar == 1; }
 };
@@ -90,17 +98,19 @@ struct Beat {
 enum class ReadingKind {
     twice = BA_TRACK_READING_DOUBLE,             ///< beats half as far apart
     half = BA_TRACK_READING_HALF,                ///< beats twice as far apart
-    shifted = BA_TRACK_READING_SHIFTED,          ///< the same tempo, between the beats
+    shifted = BA_TRACK_READING_SHIFTED,          ///< the same tempo, between the chosen beats
     threeToTwo = BA_TRACK_READING_THREE_TO_TWO,  ///< three beats for two
     twoToThree = BA_TRACK_READING_TWO_TO_THREE,  ///< two beats for three
-    other = BA_TRACK_READING_OTHER,
+    other = BA_TRACK_READING_OTHER,              ///< any other tempo or place
 };
 
 /** Another reading of the beats. */
 struct Reading {
     ReadingKind kind = ReadingKind::other;
     double bpm = 0.0;
-    double share = 0.0;  ///< its probability, 0 to 1
+
+    /** Its probability, 0 to 1; that of the chosen reading and of all others add up to 1. */
+    double share = 0.0;
 
     /** How far behind a beat of the answer its first beat lies, in beats of the answer, 0 to 1. */
     double shiftBeats = 0.0;
@@ -108,9 +118,9 @@ struct Reading {
 
 /** A stretch of beats of nearly one tempo. */
 struct TempoStretch {
-    double fromSeconds = 0.0;
-    double toSeconds = 0.0;
-    double bpm = 0.0;  ///< the mean
+    double fromSeconds = 0.0;  ///< its first beat
+    double toSeconds = 0.0;    ///< the first beat of the next stretch, or the last beat of all
+    double bpm = 0.0;          ///< the mean, a multiple of 0.01
 };
 
 /** What the automatic tempo knows beside tempo and beats. */
@@ -128,8 +138,8 @@ struct WavePoint {
     int color = 0;
 };
 
-/** All keys, best first, and the statistics of the notes. Keys 0 to 11 are the major keys from A upward, 12 to 23 the
- *  minor keys; pitch classes count from A too. */
+/** All keys, best first, and the statistics of the notes. Keys 0 to 11 are the major keys from A
+ *  upward, 12 to 23 the minor keys; pitch classes count from A too. */
 struct KeyRanking {
     std::array<int, kKeyCount> keys{};
     std::array<double, kKeyCount> scores{};  ///< of keys[0], keys[1] …
@@ -140,18 +150,17 @@ struct KeyRanking {
     double runnerUpDistance() const { return (scores[0] - scores[1]) / scores[0]; }
 };
 
-/** Everything that is known about one track. Empty lists and missing values: nothing was found, or it was not asked
- *  for. */
+/** Everything that is known about one track. Empty lists and missing values: nothing was found, or
+ *  it was not asked for. */
 struct TrackResult {
     int rate = 0;             ///< Hz
     std::int64_t frames = 0;  ///< length of the track at that rate
     std::optional<double> bpm;
     std::vector<Beat> beats;                  ///< in order of time
     std::optional<TempoJudgement> judgement;  ///< of the automatic tempo, where it found one
-    std::vector<WavePoint> loudWave;          ///< 400 points; level in 16-bit scale, colour 0 to 5
-    std::vector<WavePoint> dotsWave;  ///< 100 points; level in 16-bit scale (sums, may exceed it)
-    std::vector<WavePoint>
-        zoomWave;  ///< 150 points a second; level 0 to 31, colour 0 (all bass) to 7
+    std::vector<WavePoint> loudWave;          ///< 400 points; level in 16-bit scale, color 0 to 5
+    std::vector<WavePoint> dotsWave;          ///< 100 points; level of the bass, color 5
+    std::vector<WavePoint> zoomWave;          ///< 150 points a second; level 0 to 31, color 0 to 7
     std::optional<KeyRanking> key;
 
     double seconds() const { return secondsAt(frames); }
@@ -172,7 +181,8 @@ private:
 /** How the functions below put the C interface into values; nothing for a host to call. */
 namespace detail {
 
-/** Keeps what a callback throws until it can be thrown in the caller's thread; of several the first. */
+/** Keeps what a callback throws until it can be thrown in the caller's thread; of several the
+ *  first. */
 class ThrownByHost {
 public:
     template <class Call, class Result>
@@ -327,7 +337,8 @@ inline TrackResult finish(int status, const Track& track, const ThrownByHost& th
  *
  *  @param rate    frames per second: 44100 or 48000
  *  @param frames  length of the track, 1 to 2,147,483,647
- *  @throws Error for an argument out of its range and a source that has another length; std::bad_alloc; and whatever
+ *  @throws Error for an argument out of its range and a source that has another length;
+ *    std::bad_alloc; and whatever
  *          the source or the progress call throws */
 inline TrackResult analyze(const Options& options, int rate, std::int64_t frames,
                            const Source& source) {

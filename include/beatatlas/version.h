@@ -1,6 +1,7 @@
 /* SPDX-License-Identifier: MIT */
 /** @file
- *  The version of these headers. A change of the minor number may change interfaces as long as the major one is 0. */
+ *  The version of these headers. A change of the minor number may change interfaces as long as the
+ *  major one is 0. */
 #ifndef BEATATLAS_VERSION_H
 #define BEATATLAS_VERSION_H
 

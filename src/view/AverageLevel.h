@@ -10,8 +10,9 @@ class AverageLevel {
 public:
     struct Average {
         float level;  ///< 16-bit scale
-        bool
-            merges;  ///< belongs to the same point as the average before, which a peak had cut short
+
+        /** Belongs to the same point as the average before, which a peak had cut short. */
+        bool merges;
     };
 
     void create(int blockLen);

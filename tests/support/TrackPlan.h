@@ -38,8 +38,8 @@ struct TrackPlan {
     std::vector<TempoChange> tempoChanges;  ///< ascending in time
     /** Where the off-beat eighth lies within its beat: 0.5 straight, 2/3 shuffle. */
     double swing = 0.5;
-    std::int64_t introFrames =
-        0;  ///< only the first chord sounds; the first beat, a downbeat, follows
+    /** Only the first chord sounds; the first beat, a downbeat, follows. */
+    std::int64_t introFrames = 0;
 
     int tonic = 0;  ///< 0–11 from A upward
     KeyMode mode = KeyMode::major;

@@ -17,8 +17,9 @@ struct ToolRun {
     std::string folder;  ///< working folder; empty: the test's own
     OutputPlace output = OutputPlace::captured;
     bool hasTerminal = false;  ///< standard error is a terminal
-    std::optional<int>
-        signalAtProgress;  ///< sent once the first progress is shown; needs the terminal
+
+    /** Sent once the first progress is shown; needs the terminal. */
+    std::optional<int> signalAtProgress;
     std::function<void()> atProgress;  ///< done then, too
 
     int exitStatus = -1;  ///< 1000 and the signal's number when a signal killed it
