@@ -18,6 +18,10 @@ namespace {
 constexpr std::chrono::milliseconds kShowEvery{100};
 constexpr std::size_t kUsualColumns = 80;
 constexpr std::size_t kWidestBar = 30;
+constexpr std::size_t kNarrowestBar = 8;
+constexpr std::size_t kFewestNameColumns = 16;
+constexpr std::size_t kFewestColumnsForSpeed = 50;
+constexpr std::size_t kBarFrame = 4;              ///< two spaces and two brackets
 constexpr double kShortestMeasuredSeconds = 0.5;  ///< before that, what is left is a guess
 constexpr std::string_view kWipeLine = "\r\x1B[K";
 
@@ -49,8 +53,9 @@ std::string bar(double fraction, std::size_t width) {
 
 }  // namespace
 
-ProgressLine::ProgressLine(std::string_view name, bool wanted)
-    : name_(base::displayName(name)), active_(wanted && isatty(STDERR_FILENO) == 1) {}
+ProgressLine::ProgressLine(std::string_view path, bool wanted)
+    : name_(base::displayName(path.substr(path.rfind('/') + 1))),
+      active_(wanted && isatty(STDERR_FILENO) == 1) {}
 
 ProgressLine::~ProgressLine() {
     clear();
@@ -70,13 +75,15 @@ void ProgressLine::show(double fraction, double trackSeconds) {
     const double done = std::clamp(fraction, 0.0, 1.0);
     const std::size_t room = terminalColumns() - 1;
     const double elapsed = std::chrono::duration<double>(now - begin_).count();
-    const std::string tail = progressFigures(done, trackSeconds, elapsed);
-    // A third for the bar, what is left for the name; a terminal too narrow for both has neither.
-    const std::size_t barWidth = std::min(kWidestBar, room / 3);
-    const std::size_t taken = barWidth + 2 + 2 + tail.size();
-    const std::string head =
-        taken < room ? shortened(name_, room - taken) + "  " + bar(done, barWidth) : "";
-    print(std::string(kWipeLine) + shortened(head + tail, room));
+    const auto speed = room < kFewestColumnsForSpeed ? Speed::hidden : Speed::shown;
+    const std::string figures = progressFigures(done, trackSeconds, elapsed, speed);
+    // The name comes before the bar where there is no room for both.
+    const std::size_t free = room - std::min(room, figures.size());
+    const std::size_t barRoom = free - std::min(free, kFewestNameColumns + kBarFrame);
+    const std::size_t barWidth = std::min({kWidestBar, room / 3, barRoom});
+    const std::string drawn = barWidth < kNarrowestBar ? "" : "  " + bar(done, barWidth);
+    const std::string name = shortened(name_, free - std::min(free, drawn.size()));
+    print(std::string(kWipeLine) + shortened(name + drawn + figures, room));
 }
 
 void ProgressLine::print(const std::string& line) {
@@ -84,13 +91,18 @@ void ProgressLine::print(const std::string& line) {
     std::fflush(stderr);
 }
 
-std::string progressFigures(double fraction, double trackSeconds, double elapsedSeconds) {
-    std::string text = fmt::format(" {:3d} %", static_cast<int>(fraction * 100.0));
-    if (elapsedSeconds < kShortestMeasuredSeconds || fraction <= 0.0) return text;
-    if (trackSeconds > 0.0)
-        text += fmt::format("  {:.0f}x", fraction * trackSeconds / elapsedSeconds);
-    const double left = elapsedSeconds * (1.0 - fraction) / fraction;
-    return text + "  " + output::clockTimeInSeconds(left) + " left";
+std::string progressFigures(double fraction, double trackSeconds, double elapsedSeconds,
+                            Speed speed) {
+    const bool isMeasured = elapsedSeconds >= kShortestMeasuredSeconds && fraction > 0.0;
+    std::string times;
+    std::string left;
+    if (isMeasured && trackSeconds > 0.0)
+        times = fmt::format("{:.0f}x", fraction * trackSeconds / elapsedSeconds);
+    if (isMeasured)
+        left = output::clockTimeInSeconds(elapsedSeconds * (1.0 - fraction) / fraction) + " left";
+    std::string text = fmt::format("  {:3d} %", static_cast<int>(fraction * 100.0));
+    if (speed == Speed::shown) text += fmt::format("  {:>5}", times);
+    return text + fmt::format("  {:>12}", left);
 }
 
 }  // namespace app

@@ -8,11 +8,14 @@
 namespace app {
 
 /** One line on standard error that tells how far a track is, while a person watches: nothing at all is printed when
- *  standard error is not a terminal. The line is wiped when the object goes. */
+ *  standard error is not a terminal. The line is wiped when the object goes.
+ *
+ *  Nothing in it moves while it lives. On a narrow terminal the bar goes first, then the speed, then the name. */
 class ProgressLine {
 public:
-    /** @param wanted  false keeps silent even on a terminal */
-    ProgressLine(std::string_view name, bool wanted);
+    /** @param path    of the file, whose name is shown
+     *  @param wanted  false keeps silent even on a terminal */
+    ProgressLine(std::string_view path, bool wanted);
     ~ProgressLine();
     ProgressLine(const ProgressLine&) = delete;
     ProgressLine& operator=(const ProgressLine&) = delete;
@@ -36,8 +39,11 @@ private:
     Clock::time_point nextShow_{};
 };
 
-/** What stands behind the bar: " 43 %  85x  0:12 left", the speed in times of real time. Before half a second a
- *  percentage alone, and without a speed where the track's length is not known: see ProgressLine::show(). */
-std::string progressFigures(double fraction, double trackSeconds, double elapsedSeconds);
+enum class Speed { shown, hidden };
+
+/** What follows the bar: "   43 %    85x     0:12 left", the speed in times of real time. Every figure keeps its columns,
+ *  which are blank while it is not known: before half a second speed and time, and the speed of a track of unknown length. */
+std::string progressFigures(double fraction, double trackSeconds, double elapsedSeconds,
+                            Speed speed);
 
 }  // namespace app

@@ -37,6 +37,11 @@ protected:
 
     void TearDown() override { restoreError(); }
 
+    static void resize(unsigned short columns) {
+        const struct winsize size = {24, columns, 0, 0};
+        ioctl(STDERR_FILENO, TIOCSWINSZ, &size);
+    }
+
     void restoreError() {
         if (ownError_ == -1) return;
         std::fflush(stderr);
@@ -61,34 +66,58 @@ protected:
     int ownError_ = -1;
 };
 
-// Of 39 usable columns a third is the bar: 13, of which 42 % fill 5.
+// Of 79 usable columns a third is the bar: 26, of which 42 % fill 10. Percentage, speed and time take 28.
 TEST_F(ProgressLineTest, ShowsNameBarAndPercentAndWipesThemInTheEnd) {
-    { ProgressLine("song.mp3", true).show(0.42, 300.0); }
+    resize(80);
+    { ProgressLine("/music/of/a/friend/song.mp3", true).show(0.42, 300.0); }
     const std::string text = shown();
-    EXPECT_THAT(text, HasSubstr("song.mp3  [#####........]  42 %\r"));
+    EXPECT_THAT(text, HasSubstr("\x1B[Ksong.mp3  [##########................]   42 %" +
+                                std::string(21, ' ') + "\r"));
     EXPECT_THAT(text, EndsWith("\r\x1B[K"));
     EXPECT_THAT(text, Not(HasSubstr("\n")));
 }
 
-TEST_F(ProgressLineTest, KeepsToOneLineOfTheTerminal) {
+// 28 columns for the figures, 30 and 4 for the bar, the name has the rest of 119.
+TEST_F(ProgressLineTest, GivesTheNameWhatTheBarLeavesOfAWideTerminal) {
+    resize(120);
     { ProgressLine(std::string(200, 'n'), true).show(0.5, 300.0); }
-    // "  [" and the bar of 13, "]" and "  50 %" take 23 of the 39 usable columns: the name has 16.
-    const std::string text = shown();
-    EXPECT_THAT(text, HasSubstr(std::string(16, 'n') + "  ["));
-    EXPECT_THAT(text, Not(HasSubstr(std::string(17, 'n'))));
+    EXPECT_THAT(shown(), HasSubstr("\x1B[K" + std::string(57, 'n') + "  [###"));
 }
 
-// Eight of them are sixteen columns.
+// Percentage and time take 21 of 39 usable columns: 18 are left, for the name alone.
+TEST_F(ProgressLineTest, KeepsTheNameRatherThanTheBarOnANarrowTerminal) {
+    { ProgressLine(std::string(200, 'n'), true).show(0.5, 300.0); }
+    const std::string line = std::string(18, 'n') + "   50 %" + std::string(14, ' ');
+    EXPECT_THAT(shown(), HasSubstr("\x1B[K" + line + "\r"));
+}
+
+// 9 characters of two columns are 18.
 TEST_F(ProgressLineTest, CountsTwoColumnsForCharactersThatMayBeWide) {
     std::string name;
     for (int i = 0; i < 20; ++i) name += "音";
     { ProgressLine(name, true).show(0.5, 300.0); }
-    EXPECT_THAT(shown(), HasSubstr("\x1B[K音音音音音音音音  ["));
+    EXPECT_THAT(shown(), HasSubstr("\x1B[K音音音音音音音音音   50 %"));
+}
+
+TEST_F(ProgressLineTest, NeverShowsMoreThanOneLineHasRoomFor) {
+    for (const unsigned short columns : {1, 2, 10, 21, 22, 30, 50, 51, 60}) {
+        resize(columns);
+        { ProgressLine(std::string(200, 'n'), true).show(0.5, 300.0); }
+    }
+    std::size_t begin = 0;
+    const std::string text = shown();
+    for (const std::size_t columns : {1, 2, 10, 21, 22, 30, 50, 51, 60}) {
+        const std::size_t from = text.find("\x1B[K", begin) + 3;
+        const std::size_t to = text.find('\r', from);
+        EXPECT_EQ(to - from, columns - 1);
+        begin = to + 4;
+    }
 }
 
 TEST_F(ProgressLineTest, NeverShowsMoreThanAHundredPercent) {
+    resize(80);
     { ProgressLine("x", true).show(7.5, 300.0); }
-    EXPECT_THAT(shown(), HasSubstr("[#############] 100 %"));
+    EXPECT_THAT(shown(), HasSubstr("[##########################]  100 %"));
 }
 
 TEST_F(ProgressLineTest, PrintsNothingWhenNotWanted) {
@@ -98,17 +127,25 @@ TEST_F(ProgressLineTest, PrintsNothingWhenNotWanted) {
 
 // 43 % of 300 s in 1.5 s are 129 s of music: 86 times. As 43 % took 1.5 s, the other 57 % take 1.99 s.
 TEST(ProgressLine, TellsSpeedAndTimeLeft) {
-    EXPECT_EQ(progressFigures(0.43, 300.0, 1.5), "  43 %  86x  0:01 left");
-    EXPECT_EQ(progressFigures(0.01, 36000.0, 10.0), "   1 %  36x  16:30 left");
+    EXPECT_EQ(progressFigures(0.43, 300.0, 1.5, Speed::shown), "   43 %    86x     0:01 left");
+    EXPECT_EQ(progressFigures(0.43, 300.0, 1.5, Speed::hidden), "   43 %     0:01 left");
+    EXPECT_EQ(progressFigures(0.01, 36000.0, 10.0, Speed::shown), "    1 %    36x    16:30 left");
 }
 
 TEST(ProgressLine, TellsNoSpeedOfATrackOfUnknownLength) {
-    EXPECT_EQ(progressFigures(0.5, 0.0, 60.0), "  50 %  1:00 left");
+    EXPECT_EQ(progressFigures(0.5, 0.0, 60.0, Speed::shown), "   50 %            1:00 left");
 }
 
 TEST(ProgressLine, TellsNoSpeedBeforeItCanBeMeasured) {
-    EXPECT_EQ(progressFigures(0.25, 300.0, 0.1), "  25 %");
-    EXPECT_EQ(progressFigures(0.0, 300.0, 5.0), "   0 %");
+    EXPECT_EQ(progressFigures(0.25, 300.0, 0.1, Speed::shown), "   25 %" + std::string(21, ' '));
+    EXPECT_EQ(progressFigures(0.0, 300.0, 5.0, Speed::shown), "    0 %" + std::string(21, ' '));
+}
+
+// From the first call to the last of a track of two hours at 1234 times its speed.
+TEST(ProgressLine, KeepsEveryFigureInItsColumns) {
+    for (const double done : {0.0, 0.001, 0.05, 0.5, 0.999, 1.0})
+        EXPECT_EQ(progressFigures(done, 7200.0, 5.83 * done, Speed::shown).size(), 28U) << done;
+    EXPECT_EQ(progressFigures(0.001, 36000.0, 30.0, Speed::shown).size(), 28U) << "hours left";
 }
 
 TEST(ProgressLine, PrintsNothingWhereNobodyWatches) {
