@@ -4,6 +4,7 @@
 #include <exception>
 #include <new>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include <CLI/CLI.hpp>
@@ -46,6 +47,17 @@ void declareCommand(CLI::App& program, Command& command) {
     command.declare(*arguments);
 }
 
+/** CLI11 would take the next word for the value.
+ *  @throws UsageError when nothing follows an option's '=' */
+void refuseMissingValues(int argc, const char* const* argv) {
+    for (int i = 1; i < argc; ++i) {
+        const std::string_view argument = argv[i];
+        if (argument == "--") return;
+        if (argument.starts_with("--") && argument.ends_with('='))
+            throw base::UsageError(base::displayName(argument) + " needs a value");
+    }
+}
+
 /** In the order CLI11 wants them: from the last to the first. */
 std::vector<std::string> toArguments(int argc, const char* const* argv) {
     std::vector<std::string> arguments;
@@ -73,6 +85,7 @@ int Program::run(int argc, const char* const* argv) {
 }
 
 ExitCode Program::parseAndRun(int argc, const char* const* argv) {
+    refuseMissingValues(argc, argv);
     const auto commands = makeCommands();
     CLI::App program;
     declareProgram(program);

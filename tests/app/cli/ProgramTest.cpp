@@ -51,6 +51,17 @@ TEST(Program, PrintsItsVersion) {
     EXPECT_THAT(run.out, HasSubstr("FFmpeg"));
 }
 
+// The next word would be taken for the value, and the track would be gone.
+TEST(Program, RefusesAnOptionWhoseValueIsEmpty) {
+    for (const std::string option : {"--memory=", "--threads=", "--tempo="}) {
+        const ToolRun run = runTool({"analyze", option, "2", "x"});
+        EXPECT_EQ(run.exitStatus, 2);
+        EXPECT_EQ(run.out, "");
+        EXPECT_EQ(run.err, "beatatlas: " + option + " needs a value\n");
+    }
+    EXPECT_EQ(runTool({"analyze", "--", "--memory="}).exitStatus, 1) << "a file of that name";
+}
+
 TEST(Program, RefusesACommandLineItDoesNotUnderstand) {
     const std::vector<std::vector<std::string>> wrong = {
         {},
