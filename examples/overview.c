@@ -6,8 +6,9 @@
 #include <stdio.h>
 
 int main(int argc, char** argv) {
-    FILE* file = argc == 2 ? fopen(argv[1], "rb") : NULL;
-    if (file == NULL || fseek(file, 0, SEEK_END) != 0) return 1;
+    if (argc != 2) return fprintf(stderr, "usage: %s FILE\n", argv[0]), 2;
+    FILE* file = fopen(argv[1], "rb");
+    if (file == NULL || fseek(file, 0, SEEK_END) != 0) return perror(argv[1]), 1;
     void* session = BA_CreateConst44k((int)(ftell(file) / 4), 32, true, true, false);
     static int16_t pcm[2 * 4096];
     static float left[4096], right[4096];

@@ -1,15 +1,17 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
-# check_folders.sh CMAKE CXX SOURCE_DIR WORK_DIR
-# The pkg-config files name the folders that were asked for: outside the prefix as they are, inside relative to themselves.
+# check_folders.sh CMAKE GENERATOR CXX SOURCE_DIR WORK_DIR
+# The pkg-config files name the folders that were asked for: outside the prefix as they are, inside
+# relative to themselves.
 set -euo pipefail
-cmake=$1 cxx=$2 source=$3 work=$4
+cmake=$1 generator=$2 cxx=$3 source=$4 work=$5
 rm -rf "$work"
 failed=0
 
 # configure [OPTION…]
 configure() {
-    "$cmake" -G Ninja -S "$source" -B "$work" -DCMAKE_CXX_COMPILER="$cxx" -DBEATATLAS_BUILD_APP=OFF \
+    "$cmake" -G "$generator" -S "$source" -B "$work" -DCMAKE_CXX_COMPILER="$cxx" \
+        -DBEATATLAS_BUILD_APP=OFF \
         -DBEATATLAS_BUILD_TESTS=OFF -DCMAKE_INSTALL_PREFIX=/opt/atlas "$@" >/dev/null
 }
 
@@ -29,9 +31,9 @@ configure -DCMAKE_INSTALL_LIBDIR=lib
 expect prefix HERE/../..
 expect libdir HERE/../../lib
 expect includedir HERE/../../include
-configure -DCMAKE_INSTALL_LIBDIR=lib/x86_64-linux-gnu
+configure -DCMAKE_INSTALL_LIBDIR=lib/machine
 expect prefix HERE/../../..
-expect libdir HERE/../../../lib/x86_64-linux-gnu
+expect libdir HERE/../../../lib/machine
 expect includedir HERE/../../../include
 configure -DCMAKE_INSTALL_LIBDIR=/opt/libraries -DCMAKE_INSTALL_INCLUDEDIR=include
 expect libdir /opt/libraries

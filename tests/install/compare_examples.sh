@@ -1,16 +1,18 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
-# compare_examples.sh CMAKE CC SOURCE_DIR PREFIX WORK_DIR
-# Builds the examples against the installed copy as two hosts would: one finds the CMake package, one asks pkg-config.
-# Both must run and say the same.
+# compare_examples.sh CMAKE GENERATOR CC CXX SOURCE_DIR PREFIX WORK_DIR
+# Builds the examples against the installed copy as two hosts would: one finds the CMake package,
+# one asks pkg-config. Both must run and say the same, and tell what is wrong with a file that is
+# not there. Both are C++ as well.
 set -euo pipefail
-cmake=$1 cc=$2 source=$3 prefix=$4 work=$5
+cmake=$1 generator=$2 cc=$3 cxx=$4 source=$5 prefix=$6 work=$7
 rm -rf "$work"
 mkdir -p "$work"
 libdir=$(dirname "$(find "$prefix" -name 'libbeatatlas.so')")
 export PKG_CONFIG_PATH=$libdir/pkgconfig
 
-"$cmake" -G Ninja -S "$source/examples" -B "$work/cmake-host" -DCMAKE_PREFIX_PATH="$prefix" -DCMAKE_C_COMPILER="$cc" >"$work/configure.log"
+"$cmake" -G "$generator" -S "$source/examples" -B "$work/cmake-host" -DCMAKE_PREFIX_PATH="$prefix" \
+    -DCMAKE_C_COMPILER="$cc" >"$work/configure.log"
 "$cmake" --build "$work/cmake-host" >"$work/build.log"
 
 # build_host EXAMPLE PACKAGE
@@ -18,6 +20,9 @@ build_host() {
     # shellcheck disable=SC2046
     "$cc" -std=c99 -Wall -Wextra -Werror -pedantic "$source/examples/$1.c" -o "$work/pkg-$1" \
         $(pkg-config --cflags --libs "$2")
+    # shellcheck disable=SC2046
+    "$cxx" -x c++ -fsyntax-only -Wall -Wextra -Werror $(pkg-config --cflags "$2") \
+        "$source/examples/$1.c"
 }
 build_host overview beatatlas
 build_host track beatatlas_track
@@ -32,6 +37,11 @@ for example in overview track; do
     LD_LIBRARY_PATH=$libdir "$work/pkg-$example" "$work/track.raw" >"$work/pkg-$example.txt"
     cat "$work/pkg-$example.txt"
     cmp "$work/cmake-$example.txt" "$work/pkg-$example.txt"
+    if "$work/cmake-host/$example" "$work/missing.raw" 2>"$work/error.txt"; then
+        echo "$example is content with a file that is missing"
+        exit 1
+    fi
+    grep -q 'missing.raw: No such file' "$work/error.txt"
 done
 grep -q 'loud 400, dots 100, zoom 300 points' "$work/pkg-overview.txt"
 grep -q 'tempo 0.00 BPM, key ' "$work/pkg-track.txt"
