@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "media/Decoding.h"
 
-#include <limits>
 #include <system_error>
 #include <utility>
 
@@ -12,7 +11,6 @@ namespace media {
 namespace {
 
 constexpr int kMomentMs = 100;
-constexpr std::int64_t kMostFrames = std::numeric_limits<int>::max();
 
 PcmStore::WhenFull whenFull(Decoding::Place place) {
     return place == Decoding::Place::ownThread ? PcmStore::WhenFull::wait

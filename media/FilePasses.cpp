@@ -11,8 +11,16 @@ namespace {
 // The program with its libraries, an open decoder and the blocks on their way.
 constexpr double kProgramBytes = 48.0 * 1024 * 1024;
 
-// Of analysing a second of track, key and waves included.
-constexpr double kAnalysisBytesPerFrame = 12000.0 / 44100.0;
+// What an analysis takes besides, key and waves included: see track.h.
+constexpr double kAnalysisBytes = 30.0 * 1024 * 1024;
+constexpr double kAutoBytesPerSecond = 30.0 * 1024;
+constexpr double kSessionBytesPerSecond = 12.0 * 1024;
+constexpr double kLowestSessionRate = 44100.0;
+
+double analysisBytesPerFrame(beatatlas::track::TempoMode tempo) {
+    const bool isAuto = tempo == beatatlas::track::TempoMode::automatic;
+    return (isAuto ? kAutoBytesPerSecond : kSessionBytesPerSecond) / kLowestSessionRate;
+}
 
 constexpr double kBytesPerIntegerFrame = 4.0;
 constexpr double kBytesPerFloatFrame = 8.0;
@@ -51,9 +59,9 @@ Decoding::Hooks FilePasses::hooks() {
 
 /** What memory is left for the track itself, when the rest grows with it: such a track is the longest that fits. */
 std::int64_t FilePasses::keptBytes() const {
-    const double left =
-        std::max(0.0, static_cast<double>(options_.effort.memoryBytes) - kProgramBytes);
-    const double beside = kAnalysisBytesPerFrame + options_.alongsideBytesPerFrame;
+    const auto allowed = static_cast<double>(options_.effort.memoryBytes);
+    const double left = std::max(0.0, allowed - kProgramBytes - kAnalysisBytes);
+    const double beside = analysisBytesPerFrame(options_.tempo) + options_.alongsideBytesPerFrame;
     const double kept = left * kBytesPerIntegerFrame / (kBytesPerIntegerFrame + beside);
     return std::max(kWindowBytes, static_cast<std::int64_t>(kept));
 }

@@ -23,9 +23,11 @@ class FilePasses {
 public:
     struct Options {
         Effort effort;
+        beatatlas::track::TempoMode tempo{};  ///< the analysis takes memory accordingly
         bool acceptsCutOff = false;
-        std::function<void(const StereoBlock&)>
-            alongside;                        ///< takes every stretch of the first decoding
+
+        /** Takes every stretch of the first decoding. */
+        std::function<void(const StereoBlock&)> alongside;
         double alongsideBytesPerFrame = 0.0;  ///< what that keeps in memory
     };
 

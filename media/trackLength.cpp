@@ -2,7 +2,6 @@
 #include "media/trackLength.h"
 
 #include <algorithm>
-#include <limits>
 
 #include "base/errors.h"
 #include "media/TrackDecoder.h"
@@ -11,13 +10,12 @@ namespace media {
 
 namespace {
 
-constexpr double kMostFrames = std::numeric_limits<int>::max();
 constexpr double kLowestSessionRate = 44100.0;
 
 }  // namespace
 
 void refuseAbove(double frames) {
-    if (frames <= kMostFrames) return;
+    if (frames <= static_cast<double>(kMostFrames)) return;
     throw base::TrackError(
         "is too long: more than 2,147,483,647 frames (12.4 hours at 48,000 Hz) cannot be analysed");
 }

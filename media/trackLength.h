@@ -1,9 +1,15 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <cstdint>
+#include <limits>
+
 namespace media {
 
 class TrackDecoder;
+
+/** What the library counts frames with is an int. */
+constexpr std::int64_t kMostFrames = std::numeric_limits<int>::max();
 
 /** @throws TrackError when a track is longer than the library can count */
 void refuseAbove(double frames);

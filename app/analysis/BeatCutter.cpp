@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <array>
-#include <limits>
 
 #include <fmt/format.h>
 #include <unistd.h>
@@ -12,13 +11,13 @@
 #include "base/Interrupt.h"
 #include "base/errors.h"
 #include "beatatlas/utilities.h"
+#include "media/trackLength.h"
 
 namespace app {
 
 namespace {
 
 constexpr std::size_t kUndividedFrame = 4096;
-constexpr std::size_t kMostFrames = std::numeric_limits<int>::max();
 constexpr double kShortSeconds = 30.0;
 constexpr double kGigabyte = 1e9;
 
@@ -52,7 +51,7 @@ double BeatCutter::bytesFor(const media::Recording& recording) const {
 }
 
 void BeatCutter::refuseTooLong(const media::Recording& recording) const {
-    if (paddedLength(recording.frames()) > kMostFrames)
+    if (paddedLength(recording.frames()) > static_cast<std::size_t>(media::kMostFrames))
         throw base::TrackError("is too long: more than 2,147,000,000 frames cannot be cut");
     const double needed = bytesFor(recording);
     const double present = physicalMemoryBytes();

@@ -2,15 +2,13 @@
 #include "media/end/declaredFrames.h"
 
 #include <cmath>
-#include <limits>
 
 #include "media/Container.h"
+#include "media/trackLength.h"
 
 namespace media {
 
 namespace {
-
-constexpr double kMostFrames = std::numeric_limits<int>::max();
 
 std::int64_t paddingOf(const Container& container, const FileInput& input) {
     if (container.isFormat("mp3")) return mpegAudioPadding(input);
@@ -28,7 +26,7 @@ std::optional<std::int64_t> declaredFrames(const Container& container, const Fil
     // ASF counts milliseconds, and from where depends on the encoder.
     if (!seconds || container.isFormat("asf")) return std::nullopt;
     const double frames = std::round(*seconds * rate);
-    if (!(frames >= 0.0 && frames <= kMostFrames)) return std::nullopt;
+    if (!(frames >= 0.0 && frames <= static_cast<double>(kMostFrames))) return std::nullopt;
     return static_cast<std::int64_t>(frames) - paddingOf(container, input);
 }
 
