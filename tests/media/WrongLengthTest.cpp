@@ -59,19 +59,21 @@ protected:
     /** Analyses the file in every way. @return the notes of each, which must be the same */
     std::vector<std::string> notesOnTheRightResults(bool acceptsCutOff = false) {
         const test::PlainAnalysis plain(track_);
-        std::vector<std::string> notes;
+        std::optional<std::vector<std::string>> first;
         for (const std::int64_t memory : {std::int64_t{1}, std::int64_t{1} << 30}) {
             for (const int threads : {1, 2, 3}) {
-                notes.clear();
+                std::vector<std::string> notes;
                 FileAnalysis::Options options;
                 options.effort = {memory, threads};
                 options.acceptsCutOff = acceptsCutOff;
                 options.note = [&](const std::string& text) { notes.push_back(text); };
                 test::expectSameResults(FileAnalysis(options).analyze(track_).result,
                                         plain.result());
+                if (!first) first = notes;
+                EXPECT_EQ(notes, *first) << memory << " bytes, " << threads << " threads";
             }
         }
-        return notes;
+        return *first;
     }
 
     std::string refusal() {
@@ -109,7 +111,7 @@ TEST_F(WrongLength, IsNothingToTellOfWhereItIsMissing) {
     declareFlac(0);
     EXPECT_THAT(notesOnTheRightResults(true), IsEmpty());
     declareMp3([](std::uint64_t) -> std::uint64_t { return 0; });
-    EXPECT_THAT(notesOnTheRightResults(), testing::Each(HasSubstr("declares")));
+    EXPECT_THAT(notesOnTheRightResults(), IsEmpty());
 }
 
 // A WAV ends where its header says, so less is its true length; more is cut off, and FFmpeg goes by the file's own end.
@@ -128,7 +130,7 @@ TEST_F(WrongLength, OfAWaveIsTrueOrRefused) {
 // One frame of MP3 is 1152 samples: 26 ms, within what encoders add.
 TEST_F(WrongLength, OfAnMp3IsMadeGoodOrRefused) {
     declareMp3([](std::uint64_t count) { return count - 1; });
-    notesOnTheRightResults();
+    EXPECT_THAT(notesOnTheRightResults(), ElementsAre(HasSubstr("declares")));
     declareMp3([](std::uint64_t count) { return count + 1; });
     EXPECT_THAT(notesOnTheRightResults(), ElementsAre(HasSubstr("declares")));
     declareMp3([](std::uint64_t count) { return count / 2; });

@@ -12,6 +12,7 @@ namespace {
 
 using beatatlas::track::Beat;
 using beatatlas::track::KeyRanking;
+using beatatlas::track::TempoJudgement;
 using beatatlas::track::WavePoint;
 
 void expectSameWave(const std::vector<WavePoint>& found, const std::vector<WavePoint>& expected) {
@@ -25,9 +26,35 @@ void expectSameWave(const std::vector<WavePoint>& found, const std::vector<WaveP
 void expectSameBeats(const std::vector<Beat>& found, const std::vector<Beat>& expected) {
     ASSERT_EQ(found.size(), expected.size());
     for (std::size_t i = 0; i < found.size(); ++i) {
+        ASSERT_EQ(found[i].seconds, expected[i].seconds) << i;
         ASSERT_EQ(found[i].frame, expected[i].frame) << i;
         ASSERT_EQ(found[i].bpm, expected[i].bpm) << i;
         ASSERT_EQ(found[i].numberInBar, expected[i].numberInBar) << i;
+    }
+}
+
+void expectSameJudgement(const std::optional<TempoJudgement>& found,
+                         const std::optional<TempoJudgement>& expected) {
+    ASSERT_EQ(found.has_value(), expected.has_value());
+    if (!found) return;
+    EXPECT_EQ(found->isSteady, expected->isSteady);
+    EXPECT_EQ(found->rawBpm, expected->rawBpm);
+    EXPECT_EQ(found->confidence.tempo, expected->confidence.tempo);
+    EXPECT_EQ(found->confidence.level, expected->confidence.level);
+    EXPECT_EQ(found->confidence.phase, expected->confidence.phase);
+    EXPECT_EQ(found->confidence.bars, expected->confidence.bars);
+    ASSERT_EQ(found->stretches.size(), expected->stretches.size());
+    for (std::size_t i = 0; i < found->stretches.size(); ++i) {
+        EXPECT_EQ(found->stretches[i].fromSeconds, expected->stretches[i].fromSeconds) << i;
+        EXPECT_EQ(found->stretches[i].toSeconds, expected->stretches[i].toSeconds) << i;
+        EXPECT_EQ(found->stretches[i].bpm, expected->stretches[i].bpm) << i;
+    }
+    ASSERT_EQ(found->readings.size(), expected->readings.size());
+    for (std::size_t i = 0; i < found->readings.size(); ++i) {
+        EXPECT_EQ(found->readings[i].kind, expected->readings[i].kind) << i;
+        EXPECT_EQ(found->readings[i].bpm, expected->readings[i].bpm) << i;
+        EXPECT_EQ(found->readings[i].share, expected->readings[i].share) << i;
+        EXPECT_EQ(found->readings[i].shiftBeats, expected->readings[i].shiftBeats) << i;
     }
 }
 
@@ -57,6 +84,7 @@ void expectSameResults(const beatatlas::track::TrackResult& found,
     EXPECT_EQ(found.frames, expected.frames);
     EXPECT_EQ(found.bpm, expected.bpm);
     expectSameBeats(found.beats, expected.beats);
+    expectSameJudgement(found.judgement, expected.judgement);
     expectSameWave(found.loudWave, expected.loudWave);
     expectSameWave(found.dotsWave, expected.dotsWave);
     expectSameWave(found.zoomWave, expected.zoomWave);
