@@ -6,11 +6,11 @@
 
 namespace app {
 
-/** The rounding mode of a host's library calls, for as long as the object lives.
+/** Rounds toward zero while it lives, then gives the thread its own mode back, also when a call throws.
  *
- *  A session leaves round-toward-zero set, so that is how a plain host's later calls run, the stand-alone utilities
- *  among them: the tool gives the same answers. Everything else of the tool (decoding, converting, drawing, printing)
- *  needs the thread's own mode, which is given back at the end, also when the call throws. */
+ *  The stand-alone utilities compute in the mode they find. A plain host calls them after a session, which leaves
+ *  round-toward-zero set: in that mode the tool gives the answers such a host gets. Everything else of the tool
+ *  (decoding, converting, drawing, printing) needs the thread's own mode. */
 class LibraryRounding {
 public:
     LibraryRounding() : ownMode_(std::fegetround()) { std::fesetround(FE_TOWARDZERO); }
@@ -22,7 +22,7 @@ private:
     int ownMode_;
 };
 
-/** Runs a call of the library under its rounding mode. Every one of them goes through here. */
+/** Calls a utility of the library in that mode. Whole tracks need none of this: their library keeps the caller's mode. */
 template <class Call>
 decltype(auto) libraryCall(Call&& call) {
     const LibraryRounding rounding;
