@@ -1,13 +1,14 @@
 # SPDX-License-Identifier: MIT
 # The compiler flags, in one place.
 #
-# beatatlas_numerics is part of the algorithms: every operation rounds once, in the mode that is set when it
-# runs. Contracting a multiply and an add into one instruction, or folding an inexact constant to nearest, gives
-# other results. No target adds any other floating-point flag.
+# beatatlas_numerics is part of the algorithms: every operation rounds once, in the mode that is set
+# when it runs. Contracting a multiply and an add into one instruction, or folding an inexact
+# constant to nearest, gives other results. No target adds any other floating-point flag.
 add_library(beatatlas_numerics INTERFACE)
 target_compile_options(beatatlas_numerics INTERFACE -ffp-contract=off -frounding-math)
 
-# For the libraries themselves: no source of theirs is compiled where arithmetic is loosened all the same.
+# For the libraries themselves: no source of theirs is compiled where arithmetic is loosened all the
+# same.
 add_library(beatatlas_exact_arithmetic INTERFACE)
 target_compile_options(beatatlas_exact_arithmetic INTERFACE
     "SHELL:-include ${PROJECT_SOURCE_DIR}/src/dsp/exactArithmetic.h")
@@ -18,12 +19,14 @@ if(BEATATLAS_WERROR)
     target_compile_options(beatatlas_warnings INTERFACE -Werror)
 endif()
 
-# An implicit narrowing is rounded toward zero at run time and to nearest by the compiler: never leave one.
+# An implicit narrowing is rounded toward zero at run time and to nearest by the compiler: never
+# leave one.
 add_library(beatatlas_strict_conversions INTERFACE)
 target_compile_options(beatatlas_strict_conversions INTERFACE
     -Wconversion -Wdouble-promotion -Wfloat-conversion -Wsign-conversion)
 
 if(BEATATLAS_SANITIZE)
-    add_compile_options(-fsanitize=${BEATATLAS_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    add_compile_options(-fsanitize=${BEATATLAS_SANITIZE} -fno-sanitize-recover=all
+        -fno-omit-frame-pointer)
     add_link_options(-fsanitize=${BEATATLAS_SANITIZE})
 endif()

@@ -1,6 +1,7 @@
 # SPDX-License-Identifier: MIT
-# What `cmake --install` lays down: headers, the libraries, a CMake package and their pkg-config files, and the program.
-# Nothing in it holds the path it was installed to, so an installed tree can be moved.
+# What `cmake --install` lays down: headers, the libraries, a CMake package and their pkg-config
+# files, and the program. Nothing in it holds the path it was installed to, so an installed tree can
+# be moved.
 include(CMakePackageConfigHelpers)
 get_property(libraries GLOBAL PROPERTY BEATATLAS_OFFERED)
 
@@ -14,13 +15,17 @@ install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/beatatlas DESTINATION ${CMAKE_IN
 set(package ${CMAKE_INSTALL_LIBDIR}/cmake/BeatAtlas)
 configure_package_config_file(${PROJECT_SOURCE_DIR}/cmake/BeatAtlasConfig.cmake.in
     ${PROJECT_BINARY_DIR}/BeatAtlasConfig.cmake INSTALL_DESTINATION ${package})
-write_basic_package_version_file(${PROJECT_BINARY_DIR}/BeatAtlasConfigVersion.cmake COMPATIBILITY SameMinorVersion)
-install(EXPORT BeatAtlasTargets NAMESPACE BeatAtlas:: DESTINATION ${package} COMPONENT BeatAtlas_Development)
-install(FILES ${PROJECT_BINARY_DIR}/BeatAtlasConfig.cmake ${PROJECT_BINARY_DIR}/BeatAtlasConfigVersion.cmake
+write_basic_package_version_file(${PROJECT_BINARY_DIR}/BeatAtlasConfigVersion.cmake
+    COMPATIBILITY SameMinorVersion)
+install(EXPORT BeatAtlasTargets NAMESPACE BeatAtlas:: DESTINATION ${package}
+    COMPONENT BeatAtlas_Development)
+install(FILES ${PROJECT_BINARY_DIR}/BeatAtlasConfig.cmake
+    ${PROJECT_BINARY_DIR}/BeatAtlasConfigVersion.cmake
     DESTINATION ${package} COMPONENT BeatAtlas_Development)
 
-# beatatlas_way_between(<variable> <from> <to> <anchor> <base>): the folder <to> as seen from <from>, which <anchor>
-# stands for; a folder below the prefix is given relative to it. Where one is absolute, so is the answer, below <base>.
+# beatatlas_way_between(<variable> <from> <to> <anchor> <base>): the folder <to> as seen from
+# <from>, which <anchor> stands for; a folder below the prefix is given relative to it. Where one is
+# absolute, so is the answer, below <base>.
 function(beatatlas_way_between variable from to anchor base)
     if(IS_ABSOLUTE "${from}" OR IS_ABSOLUTE "${to}")
         cmake_path(ABSOLUTE_PATH to BASE_DIRECTORY ${base} OUTPUT_VARIABLE way)
@@ -32,24 +37,30 @@ function(beatatlas_way_between variable from to anchor base)
     set(${variable} "${way}" PARENT_SCOPE)
 endfunction()
 
-# beatatlas_install_pc(<library> <description> <flags>…): the flags are what the static library needs besides itself.
+# beatatlas_install_pc(<library> <description> <flags>…): the flags are what the static library
+# needs besides itself.
 function(beatatlas_install_pc library pc_description)
     set(folder ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
     beatatlas_way_between(pc_prefix ${folder} "" "\${pcfiledir}" ${CMAKE_INSTALL_PREFIX})
-    cmake_path(ABSOLUTE_PATH CMAKE_INSTALL_LIBDIR BASE_DIRECTORY "\${prefix}" OUTPUT_VARIABLE pc_libdir)
-    cmake_path(ABSOLUTE_PATH CMAKE_INSTALL_INCLUDEDIR BASE_DIRECTORY "\${prefix}" OUTPUT_VARIABLE pc_includedir)
+    cmake_path(ABSOLUTE_PATH CMAKE_INSTALL_LIBDIR BASE_DIRECTORY "\${prefix}"
+        OUTPUT_VARIABLE pc_libdir)
+    cmake_path(ABSOLUTE_PATH CMAKE_INSTALL_INCLUDEDIR BASE_DIRECTORY "\${prefix}"
+        OUTPUT_VARIABLE pc_includedir)
     list(JOIN ARGN " " pc_libs_private)
     set(pc_libs "-L\${libdir} -l${library}")
     # Nobody asks for the needs of a static library where there is no other.
     if(NOT BEATATLAS_OFFERS_SHARED)
         string(APPEND pc_libs " ${pc_libs_private}")
     endif()
-    configure_file(${PROJECT_SOURCE_DIR}/cmake/library.pc.in ${PROJECT_BINARY_DIR}/${library}.pc @ONLY)
-    install(FILES ${PROJECT_BINARY_DIR}/${library}.pc DESTINATION ${folder} COMPONENT BeatAtlas_Development)
+    configure_file(${PROJECT_SOURCE_DIR}/cmake/library.pc.in ${PROJECT_BINARY_DIR}/${library}.pc
+        @ONLY)
+    install(FILES ${PROJECT_BINARY_DIR}/${library}.pc DESTINATION ${folder}
+        COMPONENT BeatAtlas_Development)
 endfunction()
 
 beatatlas_install_pc(beatatlas "${PROJECT_DESCRIPTION}" ${BEATATLAS_CXX_RUNTIME})
-beatatlas_install_pc(beatatlas_track "Everything about a whole music track: tempo, beat grid, key and waveform overviews"
+beatatlas_install_pc(beatatlas_track
+    "Everything about a whole music track: tempo, beat grid, key and waveform overviews"
     -lbeatatlas -pthread ${BEATATLAS_CXX_RUNTIME})
 
 # Everything that gets installed, for who builds no more than that.
@@ -57,9 +68,11 @@ add_custom_target(beatatlas_install_files)
 add_dependencies(beatatlas_install_files ${libraries})
 
 if(TARGET beatatlas_tool)
-    beatatlas_way_between(libraries_from_program ${CMAKE_INSTALL_BINDIR} ${CMAKE_INSTALL_LIBDIR} "\$ORIGIN"
+    beatatlas_way_between(libraries_from_program ${CMAKE_INSTALL_BINDIR} ${CMAKE_INSTALL_LIBDIR}
+        "\$ORIGIN"
         ${CMAKE_INSTALL_PREFIX})
     set_target_properties(beatatlas_tool PROPERTIES INSTALL_RPATH "${libraries_from_program}")
-    install(TARGETS beatatlas_tool RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT BeatAtlas_Runtime)
+    install(TARGETS beatatlas_tool RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
+        COMPONENT BeatAtlas_Runtime)
     add_dependencies(beatatlas_install_files beatatlas_tool)
 endif()

@@ -12,14 +12,15 @@ if(DEFINED BUILD_SHARED_LIBS)
     endif()
 endif()
 
-# What a C++ compiler links beyond what a C compiler does. Who links the static library from another language names it.
+# What a C++ compiler links beyond what a C compiler does. Who links the static library from another
+# language names it.
 set(BEATATLAS_CXX_RUNTIME ${CMAKE_CXX_IMPLICIT_LINK_LIBRARIES})
 list(REMOVE_ITEM BEATATLAS_CXX_RUNTIME ${CMAKE_C_IMPLICIT_LINK_LIBRARIES})
 list(REMOVE_DUPLICATES BEATATLAS_CXX_RUNTIME)
 list(TRANSFORM BEATATLAS_CXX_RUNTIME REPLACE "^([^/-].*)$" "-l\\1")
 
-# beatatlas_offer(<target> <name> <offered>): hosts may call the target BeatAtlas::<name>, built by default and
-# installed. One that is not offered is built only for the tests that ask for it.
+# beatatlas_offer(<target> <name> <offered>): hosts may call the target BeatAtlas::<name>, built by
+# default and installed. One that is not offered is built only for the tests that ask for it.
 function(beatatlas_offer target name offered)
     target_include_directories(${target} INTERFACE
         $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include>
@@ -33,23 +34,26 @@ function(beatatlas_offer target name offered)
     endif()
 endfunction()
 
-# beatatlas_add_library(<target> NAME <name> EXPORTS <version script> OBJECTS <object library> [USES <target>]): the
-# shared library <target>, which exports what the script lists, and <target>_static. Hosts call them BeatAtlas::<name>
-# and BeatAtlas::<name>_static; where only the static one is offered it has both names. USES names the library whose
-# objects the shared one holds as well, hidden, and whose static form the static one needs.
+# beatatlas_add_library(<target> NAME <name> EXPORTS <version script> OBJECTS <object library> [USES
+# <target>]): the shared library <target>, which exports what the script lists, and <target>_static.
+# Hosts call them BeatAtlas::<name> and BeatAtlas::<name>_static; where only the static one is
+# offered it has both names. USES names the library whose objects the shared one holds as well,
+# hidden, and whose static form the static one needs.
 function(beatatlas_add_library target)
     cmake_parse_arguments(arg "" "NAME;EXPORTS;OBJECTS;USES" "" ${ARGN})
     set(objects $<TARGET_OBJECTS:${arg_OBJECTS}>)
     add_library(${target}_static STATIC ${objects})
     set_target_properties(${target}_static PROPERTIES OUTPUT_NAME ${target})
-    target_link_libraries(${target}_static INTERFACE "$<$<NOT:$<LINK_LANGUAGE:CXX>>:${BEATATLAS_CXX_RUNTIME}>")
+    target_link_libraries(${target}_static INTERFACE
+        "$<$<NOT:$<LINK_LANGUAGE:CXX>>:${BEATATLAS_CXX_RUNTIME}>")
     if(arg_USES)
         list(APPEND objects $<TARGET_OBJECTS:${arg_USES}_objects>)
         target_link_libraries(${target}_static PUBLIC ${arg_USES}_static)
     endif()
 
     add_library(${target} SHARED ${objects})
-    set_target_properties(${target} PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR})
+    set_target_properties(${target} PROPERTIES VERSION ${PROJECT_VERSION}
+        SOVERSION ${PROJECT_VERSION_MAJOR})
     target_link_options(${target} PRIVATE -Wl,--version-script=${arg_EXPORTS})
     if(NOT BEATATLAS_SANITIZE)
         target_link_options(${target} PRIVATE -Wl,-z,defs)

@@ -1,12 +1,13 @@
 # SPDX-License-Identifier: MIT
-# Flags that a parent project sets for everything reach the library as well. Those that loosen arithmetic would change
-# its results without a word. They are refused and not overridden: at the linker's hand they make the whole program
-# flush denormal numbers to zero.
+# Flags that a parent project sets for everything reach the library as well. Those that loosen
+# arithmetic would change its results without a word. They are refused and not overridden: at the
+# linker's hand they make the whole program flush denormal numbers to zero.
 #
-# Read here are the flags of compiler and linker in CMake's variables, common ones and those of the configurations that
-# are built, and the directory's compile and link options. src/dsp/exactArithmetic.h sees while compiling what stands
-# elsewhere, as far as the compiler has a macro for it. Contraction and the rounding mode are not refused, since
-# cmake/Flags.cmake has the last word on them.
+# Read here are the flags of compiler and linker in CMake's variables, common ones and those of the
+# configurations that are built, and the directory's compile and link options.
+# src/dsp/exactArithmetic.h sees while compiling what stands elsewhere, as far as the compiler has a
+# macro for it. Contraction and the rounding mode are not refused, since cmake/Flags.cmake has the
+# last word on them.
 function(beatatlas_refuse_loose_arithmetic)
     get_directory_property(compile_options COMPILE_OPTIONS)
     get_directory_property(link_options LINK_OPTIONS)
@@ -20,11 +21,13 @@ function(beatatlas_refuse_loose_arithmetic)
     endforeach()
     set(loose fast-math unsafe-math-optimizations associative-math reciprocal-math finite-math-only
         no-signed-zeros no-honor-infinities no-honor-nans approx-func single-precision-constant
-        "fp-model=(fast|aggressive)" "denormal-fp-math(-f32)?=[a-z,-]*(preserve-sign|positive-zero)")
+        "fp-model=(fast|aggressive)"
+        "denormal-fp-math(-f32)?=[a-z,-]*(preserve-sign|positive-zero)")
     list(JOIN loose "|" loose)
     # The flags stand in one string, in a list, or inside a generator expression.
     if("${flags}" MATCHES "(^|[ ;:,\"])(-Ofast|-f(${loose})|-mfpmath=387|-mdaz-ftz)($|[ ;,>\"])")
-        message(FATAL_ERROR "Beat Atlas defines its results to the bit, and ${CMAKE_MATCH_2} would change them. Give that "
-            "flag to your own targets with target_compile_options(), not to the whole project.")
+        message(FATAL_ERROR
+            "Beat Atlas defines its results to the bit, and ${CMAKE_MATCH_2} would change them. Give "
+            "that flag to your own targets with target_compile_options(), not to the whole project.")
     endif()
 endfunction()

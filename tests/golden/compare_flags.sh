@@ -1,8 +1,9 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
 # compare_flags.sh BUILD_DIR [SETS [SEED]]
-# Builds the library with randomly drawn sets of compiler flags and compares what each gives with the record. One line a
-# set. Of flags that may change arithmetic none is drawn: those are refused anywhere.
+# Builds the library with randomly drawn sets of compiler flags and compares what each gives with
+# the record. One line a set. Of flags that may change arithmetic none is drawn: those are refused
+# anywhere.
 set -euo pipefail
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 source=$(cd "$here/../.." && pwd)

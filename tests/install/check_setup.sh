@@ -2,7 +2,8 @@
 # SPDX-License-Identifier: MIT
 # check_setup.sh X WORK_DIR
 # shellcheck disable=SC2317 # what check() is told to call
-# How ./x comes by missing packages, seen by stand-ins for apt-get, dpkg-query, sudo and id that write down their calls.
+# How ./x comes by missing packages, seen by stand-ins for apt-get, dpkg-query, sudo and id that
+# write down their calls.
 set -euo pipefail
 x=$1 work=$2
 rm -rf "$work"
@@ -20,13 +21,15 @@ stand_in() {
 run_setup() {
     : >"$calls"
     status=0
-    output=$(PATH=$work/bin:$PATH BEATATLAS_NO_INSTALL=$1 timeout 20 bash "$x" setup 2>&1 </dev/null) || status=$?
+    output=$(PATH=$work/bin:$PATH BEATATLAS_NO_INSTALL=$1 timeout 20 bash "$x" setup 2>&1 \
+        </dev/null) || status=$?
 }
 
 # check TEXT CONDITION…
 check() {
     if ! "${@:2}"; then
-        printf 'not so: %s\nstatus %s, it said:\n%s\ncalls:\n%s\n' "$1" "$status" "$output" "$(cat "$calls")"
+        printf 'not so: %s\nstatus %s, it said:\n%s\ncalls:\n%s\n' "$1" "$status" "$output" \
+            "$(cat "$calls")"
         failed=1
     fi
 }
@@ -40,8 +43,10 @@ stand_in apt-get ''
 stand_in id 'echo 1000'
 stand_in sudo 'shift; exec "$@"'
 run_setup ''
-check "names the packages and sudo first" says "Installing these packages with sudo (BEATATLAS_NO_INSTALL=1 prevents it): gcc "
-check "installs them through sudo that asks for no password" calls "^sudo -n env DEBIAN_FRONTEND=noninteractive apt-get install .* gcc "
+check "names the packages and sudo first" says \
+    "Installing these packages with sudo (BEATATLAS_NO_INSTALL=1 prevents it): gcc "
+check "installs them through sudo that asks for no password" calls \
+    "^sudo -n env DEBIAN_FRONTEND=noninteractive apt-get install .* gcc "
 check "is content" test "$status" -eq 0
 
 run_setup 1
@@ -51,13 +56,15 @@ check "calls neither" calls_not '^\(sudo\|apt-get\)'
 
 stand_in sudo 'exit 1'
 run_setup ''
-check "says that a password is wanted and what to do" says "sudo wants a password and nobody can type it; as root: apt-get install gcc "
+check "says that a password is wanted and what to do" says \
+    "sudo wants a password and nobody can type it; as root: apt-get install gcc "
 check "fails" fails
 check "does not get to apt-get" calls_not '^apt-get'
 
 stand_in id 'echo 0'
 run_setup ''
-check "names the packages and no sudo" says "Installing these packages (BEATATLAS_NO_INSTALL=1 prevents it): gcc "
+check "names the packages and no sudo" says \
+    "Installing these packages (BEATATLAS_NO_INSTALL=1 prevents it): gcc "
 check "installs them without" calls_not '^sudo'
 check "installs them" calls '^apt-get install .* gcc '
 exit $failed

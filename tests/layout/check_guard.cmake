@@ -1,5 +1,6 @@
 # SPDX-License-Identifier: MIT
-# The guard that the plain header shows to hosts is the one that the test of a host's arithmetic uses. Layout aside.
+# The guard that the plain header shows to hosts is the one that the test of a host's arithmetic
+# uses. Layout aside.
 cmake_minimum_required(VERSION 3.25)
 
 file(READ ${SOURCE_DIR}/include/beatatlas/beatatlas.h header)
@@ -12,5 +13,6 @@ string(REGEX REPLACE "[ \n*]+" "" guard "${guard}")
 string(REGEX REPLACE "[ \n*]+" "" test "${test}")
 string(FIND "${test}" "${guard}" place)
 if(place EQUAL -1)
-    message(FATAL_ERROR "tests/api/HostArithmeticTest.cpp does not use the guard that beatatlas.h shows")
+    message(FATAL_ERROR
+        "tests/api/HostArithmeticTest.cpp does not use the guard that beatatlas.h shows")
 endif()
