@@ -98,7 +98,7 @@ void TrackDecoder::noteDamage(const AVPacket* packet) {
     pendingDamage_.duration += packet->duration;
 }
 
-/** Damage counts once something behind it decodes; at a file's end it is a foreign tag, or the file was cut off. */
+/** Damage counts once something after it decodes; at a file's end it is a foreign tag, or the file was cut off. */
 void TrackDecoder::fillDamage(FrameChain& chain) {
     const PendingDamage damage = std::exchange(pendingDamage_, {});
     tally_.damagedPackets += damage.packets;
@@ -147,7 +147,7 @@ void TrackDecoder::dropPadding(AVFrame& frame) const {
 bool TrackDecoder::isCutOff() const {
     if (tally_.isLastPacketIncomplete) return true;
     // Where neither the file nor its packets tell a length, trouble at the end is all there is to go by; where they do,
-    // it may as well be a foreign tag behind the music.
+    // it may as well be a foreign tag after the music.
     const bool hasTrouble = tally_.readFailure != 0 || tally_.isLastPacketDamaged;
     if (hasTrouble && !tellsPacketLengths() && !declaredSeconds()) return true;
     const auto end = declaredEnd(container_, input_);

@@ -15,7 +15,7 @@ namespace {
 
 /** How many frames a simple session senses. The core takes a minute for none and for more than the track has. */
 int sensedFrames(const BA_TrackOptions& options, int rate, int frames) {
-    // Read behind it, so that no compiler multiplies before.
+    // The option is read after it, so that no compiler multiplies before.
     const NearestScope mode;
     if (options.range_seconds == 0.0) return 0;
     const double range = std::floor(options.range_seconds * static_cast<double>(rate));

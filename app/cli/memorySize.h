@@ -7,7 +7,7 @@
 
 namespace app {
 
-/** Bytes, as people write them: a number from 1 byte on, whole or with a decimal point, and behind it nothing, or one of
+/** Bytes, as people write them: a number from 1 byte on, whole or with a decimal point, followed by nothing or by one of
  *  K M G T, alone or with iB for powers of 1,024 and with B for powers of 1,000; in capitals or not. */
 std::optional<std::int64_t> parseMemorySize(const std::string& text);
 

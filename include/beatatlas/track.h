@@ -209,7 +209,7 @@ typedef struct BA_TrackReading {
     double bpm;
     /** Its probability, 0 to 1; that of the chosen reading and of all others add up to 1. */
     double share;
-    /** How far behind a beat of the answer its first beat lies, in beats of the answer, 0 to 1. */
+    /** How long after a beat of the answer its first beat comes, in beats of the answer, 0 to 1. */
     double shift_beats;
     int32_t kind;     /**< BA_TRACK_READING_… */
     int32_t reserved; /**< 0 */

@@ -112,7 +112,7 @@ struct Reading {
     /** Its probability, 0 to 1; that of the chosen reading and of all others add up to 1. */
     double share = 0.0;
 
-    /** How far behind a beat of the answer its first beat lies, in beats of the answer, 0 to 1. */
+    /** How long after a beat of the answer its first beat comes, in beats of the answer, 0 to 1. */
     double shiftBeats = 0.0;
 };
 

@@ -15,7 +15,7 @@ class FileInput;
 std::optional<std::int64_t> declaredFrames(const Container& container, const FileInput& input,
                                            int rate);
 
-/** What the encoder's header of an MP3 file adds to the music before and behind it, in frames, as FFmpeg drops it; 0
+/** What the encoder's header of an MP3 file adds to the music before and after it, in frames, as FFmpeg drops it; 0
  *  when there is no such header. */
 std::int64_t mpegAudioPadding(const FileInput& input);
 

@@ -12,7 +12,7 @@ namespace {
 
 constexpr std::uint64_t kLongestBox = 1ULL << 62;
 
-/** Bytes behind the last box (a foreign tag, zeros) are not to be taken for a box. */
+/** Bytes after the last box (a foreign tag, zeros) are not to be taken for a box. */
 bool isBox(const std::string& type) {
     static constexpr std::array kTypes = {"ftyp", "moov", "mdat", "free", "skip",
                                           "wide", "udta", "moof", "mfra", "uuid",

@@ -8,7 +8,7 @@
 namespace beatatlas::track::inner {
 
 /** Keeps one sample of eight behind a linear-phase low-pass. Output m stands for input 8m; silence lies before the
- *  stream and behind it.
+ *  stream and after it.
  *
  *  Single precision, rounding to nearest, which the caller sees to, construction included. The same bits in every
  *  vector form and for blocks of every size. Life: construct → put() per block → finish(). */
@@ -27,7 +27,7 @@ public:
 private:
     void filterBuffer();
 
-    std::vector<float> taps_;    // kTaps, a zero behind the last
+    std::vector<float> taps_;    // kTaps, a zero after the last
     std::vector<float> buffer_;  // from the first sample that the next output needs
     std::vector<float> outputs_;
     std::int64_t samples_ = 0;

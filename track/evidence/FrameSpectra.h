@@ -20,7 +20,7 @@ public:
     static constexpr int kFrames = 2 * FrameTransform::kFramesAtOnce;
 
     /** @param points  of a spectrum, a power of two of at least 64
-     *  @param window  of a frame, at most so many samples; what is missing counts as silence behind it */
+     *  @param window  of a frame, at most so many samples; what is missing counts as silence after it */
     FrameSpectra(int points, std::vector<float> window);
 
     /** Transforms the frames that begin at samples[starts[f]], f < count ≤ kFrames. */
@@ -41,7 +41,7 @@ private:
 
     int points_;
     // A line more than the points, so that the same point of all frames does not fall into one set of the cache; what
-    // stands behind the last one repeats the first.
+    // follows the last one repeats the first.
     std::ptrdiff_t stride_;
     FrameTransform transform_;
     std::vector<float> window_;
