@@ -11,7 +11,7 @@
 namespace beatatlas::track::inner {
 
 /** Spectra of 1,024 samples of a stream of samples at even distances: frame i is centred on sample i × step, rounded. Silence lies before
- *  the stream and after it. Frames come in batches that do not depend on the caller's blocks.
+ *  the stream and behind it. Frames come in batches that do not depend on the caller's blocks.
  *
  *  Life: construct → put() per block → finish() with the number of frames wanted. Nothing is allocated in put(). */
 class SpectrumStream {
