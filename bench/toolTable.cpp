@@ -39,42 +39,64 @@ const std::array<Kind, 4>& kinds() {
     return all;
 }
 
-std::vector<std::string> analyzing(const std::string& tool, int threads, const std::string& file) {
-    return {tool, "analyze", "--quiet", "--threads=" + std::to_string(threads), file};
+std::vector<std::string> analyzing(const std::string& tool, const std::string& tempo, int threads,
+                                   const std::string& file) {
+    return {tool, "analyze", "--quiet", "--tempo=" + tempo, "--threads=" + std::to_string(threads),
+            file};
 }
 
-/** What the rounds of one file gave, as multiples of one decoding. */
+/** What the rounds of one file gave, as multiples of one decoding but for the first and the last. */
 struct Rounds {
-    std::vector<double> decodingSeconds, processorOfOne, processorOfTwo, wallOfOne, wallOfTwo;
+    std::vector<double> decodingSeconds;
+    struct Tempo {
+        std::vector<double> processorOfOne, wallOfOne, processorOfTwo, wallOfTwo;
+    } constant, automatic;
+    std::vector<double> automaticToConstant;  ///< processor time, one thread
 };
+
+/** @return processor time of one thread, as a multiple of the decoding */
+double runTempo(const char* program, const char* tempo, const std::string& file,
+                const ChildRun& decoding, Rounds::Tempo& ratios) {
+    const ChildRun one = runChild(program, analyzing(BEATATLAS_TOOL, tempo, 1, file));
+    const ChildRun two = runChild(program, analyzing(BEATATLAS_TOOL, tempo, 2, file));
+    ratios.processorOfOne.push_back(one.processorSeconds / decoding.processorSeconds);
+    ratios.processorOfTwo.push_back(two.processorSeconds / decoding.processorSeconds);
+    ratios.wallOfOne.push_back(one.wallSeconds / decoding.wallSeconds);
+    ratios.wallOfTwo.push_back(two.wallSeconds / decoding.wallSeconds);
+    return ratios.processorOfOne.back();
+}
 
 void runRound(const char* program, const std::string& file, Rounds& rounds) {
     const ChildRun decoding = runChild(program, {program, "--decode", file});
-    const ChildRun one = runChild(program, analyzing(BEATATLAS_TOOL, 1, file));
-    const ChildRun two = runChild(program, analyzing(BEATATLAS_TOOL, 2, file));
     rounds.decodingSeconds.push_back(decoding.processorSeconds);
-    rounds.processorOfOne.push_back(one.processorSeconds / decoding.processorSeconds);
-    rounds.processorOfTwo.push_back(two.processorSeconds / decoding.processorSeconds);
-    rounds.wallOfOne.push_back(one.wallSeconds / decoding.wallSeconds);
-    rounds.wallOfTwo.push_back(two.wallSeconds / decoding.wallSeconds);
+    const double constant = runTempo(program, "constant", file, decoding, rounds.constant);
+    const double automatic = runTempo(program, "auto", file, decoding, rounds.automatic);
+    rounds.automaticToConstant.push_back(automatic / constant);
+}
+
+void printRatios(const char* tempo, const Rounds::Tempo& ratios) {
+    std::printf("| | %s |", tempo);
+    for (const auto* column :
+         {&ratios.processorOfOne, &ratios.wallOfOne, &ratios.processorOfTwo, &ratios.wallOfTwo})
+        std::printf(" %s |", textOf(spreadOf(*column), 2).c_str());
+    std::printf("\n");
 }
 
 void printAgainstDecoding(const char* program) {
     std::printf("\n## The tool against one decoding: %d s, %d rounds, median (least … most)\n\n"
-                "| file | decoding, s | 1 thread: processor | wall | 2 threads: processor | wall "
-                "|\n|---|---|---|---|---|---|\n",
+                "| file | tempo | 1 thread: processor | wall | 2 threads: processor | wall |\n"
+                "|---|---|---|---|---|---|\n",
                 kSeconds, kRounds);
     for (const Kind& kind : kinds()) {
         const auto file = EncodedTrack::make(benchTrack().stereo, kind.encoding);
         if (!file) continue;
         Rounds rounds;
         for (int round = 0; round < kRounds; ++round) runRound(program, file->path(), rounds);
-        std::printf("| %s |", kind.name);
-        std::printf(" %s |", textOf(spreadOf(rounds.decodingSeconds), 3).c_str());
-        for (const auto* ratios :
-             {&rounds.processorOfOne, &rounds.wallOfOne, &rounds.processorOfTwo, &rounds.wallOfTwo})
-            std::printf(" %s |", textOf(spreadOf(*ratios), 2).c_str());
-        std::printf("\n");
+        std::printf("| %s: one decoding %s s; auto ÷ constant %s | | | | | |\n", kind.name,
+                    textOf(spreadOf(rounds.decodingSeconds), 3).c_str(),
+                    textOf(spreadOf(rounds.automaticToConstant), 2).c_str());
+        printRatios("constant", rounds.constant);
+        printRatios("auto", rounds.automatic);
         std::fflush(stdout);
     }
 }
@@ -98,7 +120,7 @@ void printPeaks(const char* program, bool tenHours) {
             const EncodedTrack file = song->repeated(length.repeats, encoding.ending);
             for (const int threads : {1, 2}) {
                 const ChildRun run =
-                    runChild(program, analyzing(BEATATLAS_TOOL, threads, file.path()));
+                    runChild(program, analyzing(BEATATLAS_TOOL, "auto", threads, file.path()));
                 std::printf(" %.0f |", run.peakBytes / kMegabyte);
                 std::fflush(stdout);
             }
@@ -116,15 +138,15 @@ void printBeyondMemory(const char* program) {
     std::vector<double> decoding, one, two, before;
     for (int round = 0; round < kLongRounds; ++round) {
         decoding.push_back(runChild(program, {program, "--decode", file.path()}).processorSeconds);
-        one.push_back(
-            runChild(program, analyzing(BEATATLAS_TOOL, 1, file.path())).processorSeconds);
-        two.push_back(
-            runChild(program, analyzing(BEATATLAS_TOOL, 2, file.path())).processorSeconds);
+        one.push_back(runChild(program, analyzing(BEATATLAS_TOOL, "constant", 1, file.path()))
+                          .processorSeconds);
+        two.push_back(runChild(program, analyzing(BEATATLAS_TOOL, "constant", 2, file.path()))
+                          .processorSeconds);
         if (old != nullptr)
             before.push_back(
                 runChild(program, {old, "analyze", "--quiet", file.path()}).processorSeconds);
     }
-    std::printf("\n## Three hours of MP3, more than memory is to hold\n\n"
+    std::printf("\n## Three hours of MP3, more than memory is to hold, constant tempo\n\n"
                 "| | processor time, s |\n|---|---|\n");
     std::printf("| one decoding | %s |\n", textOf(spreadOf(decoding), 2).c_str());
     std::printf("| the tool, 1 thread | %s |\n", textOf(spreadOf(one), 2).c_str());

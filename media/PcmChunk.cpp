@@ -3,6 +3,9 @@
 
 #include <algorithm>
 #include <bit>
+#include <vector>
+
+#include "media/PcmMemory.h"
 
 namespace media {
 
@@ -25,17 +28,14 @@ float toFloat(std::int16_t value) {
     return static_cast<float>(value) * (1.0F / 32768.0F);
 }
 
-/** @return false when a sample would come back with other bits */
-bool toIntegers(const float* samples, std::size_t count, std::int16_t* integers) {
-    for (std::size_t from = 0; from < count; from += kProbeSamples) {
-        const std::size_t to = std::min(count, from + kProbeSamples);
+/** Whether every sample comes back from its integer with the same bits. */
+bool areIntegers(const std::vector<float>& samples) {
+    for (std::size_t from = 0; from < samples.size(); from += kProbeSamples) {
+        const std::size_t to = std::min(samples.size(), from + kProbeSamples);
         std::uint32_t differing = 0;
-        for (std::size_t i = from; i < to; ++i) {
-            const std::int16_t value = toInteger(samples[i]);
-            integers[i] = value;
+        for (std::size_t i = from; i < to; ++i)
             differing |= std::bit_cast<std::uint32_t>(samples[i]) ^
-                         std::bit_cast<std::uint32_t>(toFloat(value));
-        }
+                         std::bit_cast<std::uint32_t>(toFloat(toInteger(samples[i])));
         if (differing != 0) return false;
     }
     return true;
@@ -43,27 +43,30 @@ bool toIntegers(const float* samples, std::size_t count, std::int16_t* integers)
 
 }  // namespace
 
-PcmChunk::PcmChunk(const StereoBlock& block)
-    : frames_(block.frames()),
-      integers_(std::make_unique_for_overwrite<std::int16_t[]>(2 * frames_)) {
-    if (toIntegers(block.left.data(), frames_, integers_.get()) &&
-        toIntegers(block.right.data(), frames_, integers_.get() + frames_))
-        return;
-    integers_.reset();
-    floats_ = std::make_unique_for_overwrite<float[]>(2 * frames_);
-    std::copy_n(block.left.data(), frames_, floats_.get());
-    std::copy_n(block.right.data(), frames_, floats_.get() + frames_);
+PcmChunk::PcmChunk(const StereoBlock& block, PcmMemory& memory)
+    : frames_(block.frames()), isInteger_(areIntegers(block.left) && areIntegers(block.right)),
+      samples_(memory.take(bytes())) {
+    if (isInteger_) {
+        auto* integers = reinterpret_cast<std::int16_t*>(samples_.get());
+        std::transform(block.left.begin(), block.left.end(), integers, toInteger);
+        std::transform(block.right.begin(), block.right.end(), integers + frames_, toInteger);
+    } else {
+        auto* floats = reinterpret_cast<float*>(samples_.get());
+        std::copy(block.left.begin(), block.left.end(), floats);
+        std::copy(block.right.begin(), block.right.end(), floats + frames_);
+    }
 }
 
 void PcmChunk::copy(std::size_t from, std::size_t count, float* left, float* right) const {
-    if (integers_) {
-        std::transform(integers_.get() + from, integers_.get() + from + count, left, toFloat);
-        const std::int16_t* second = integers_.get() + frames_ + from;
-        std::transform(second, second + count, right, toFloat);
-        return;
+    if (isInteger_) {
+        const auto* first = reinterpret_cast<const std::int16_t*>(samples_.get()) + from;
+        std::transform(first, first + count, left, toFloat);
+        std::transform(first + frames_, first + frames_ + count, right, toFloat);
+    } else {
+        const auto* first = reinterpret_cast<const float*>(samples_.get()) + from;
+        std::copy_n(first, count, left);
+        std::copy_n(first + frames_, count, right);
     }
-    std::copy_n(floats_.get() + from, count, left);
-    std::copy_n(floats_.get() + frames_ + from, count, right);
 }
 
 }  // namespace media

@@ -25,7 +25,7 @@ void PcmStore::waitFor(Lock& lock, const Condition& condition) {
 }
 
 bool PcmStore::append(const StereoBlock& block) {
-    auto chunk = std::make_shared<const PcmChunk>(block);
+    auto chunk = std::make_shared<const PcmChunk>(block, memory_);
     Lock lock(mutex_);
     if (isAbandoned_) return false;
     frames_ += static_cast<std::int64_t>(chunk->frames());

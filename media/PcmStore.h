@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "media/PcmChunk.h"
+#include "media/PcmMemory.h"
 
 namespace media {
 
@@ -81,6 +82,7 @@ private:
     bool mustWait() const;
     void dropWhatIsRead();
 
+    PcmMemory memory_;          // the writer's alone
     mutable std::mutex mutex_;  ///< of everything below, and of the readers' places
     std::condition_variable changed_;
     std::int64_t limitBytes_;

@@ -50,7 +50,8 @@ StereoBlock monoBlock(const std::vector<float>& samples) {
 }
 
 StereoBlock copyOf(const StereoBlock& block) {
-    const PcmChunk chunk(block);
+    media::PcmMemory memory;
+    const PcmChunk chunk(block, memory);
     StereoBlock copy;
     copy.resize(block.frames());
     chunk.copy(0, block.frames(), copy.left.data(), copy.right.data());
@@ -62,7 +63,8 @@ TEST(PcmChunk, KeepsEverySixteenBitValueInTwoBytes) {
     for (int value = -32768; value <= 32767; ++value)
         all.push_back(static_cast<float>(value) / 32768.0F);
     const StereoBlock block = monoBlock(all);
-    const PcmChunk chunk(block);
+    media::PcmMemory memory;
+    const PcmChunk chunk(block, memory);
     EXPECT_TRUE(chunk.isInteger());
     EXPECT_EQ(chunk.bytes(), 65536U * 2 * 2);
     expectSameBits(copyOf(block).left, all);
@@ -77,7 +79,8 @@ TEST(PcmChunk, KeepsTheBitsOfWhatIsNoSixteenBitValue) {
           std::numeric_limits<float>::quiet_NaN(), std::bit_cast<float>(0xFFC12345U)}) {
         StereoBlock block = blockFrom(0, 5000);
         block.right.back() = odd;
-        const PcmChunk chunk(block);
+        media::PcmMemory memory;
+    const PcmChunk chunk(block, memory);
         EXPECT_FALSE(chunk.isInteger()) << odd;
         EXPECT_EQ(chunk.bytes(), 5000U * 2 * 4);
         const StereoBlock copy = copyOf(block);
