@@ -14,7 +14,8 @@ namespace {
 constexpr std::int64_t kLevelUnits = 1;
 constexpr std::int64_t kBeatUnits = 24;
 constexpr std::int64_t kClosingUnits = 1;
-constexpr std::int64_t kKeyUnits = 5;
+constexpr std::int64_t kKeyUnits = 1;
+constexpr std::int64_t kSessionKeyUnits = 5;
 
 /** A thread that has ended when this goes. */
 class JoinedThread {
@@ -49,51 +50,59 @@ TrackAnalysis::TrackAnalysis(const BA_TrackOptions& options, int rate, int frame
     : options_(options), rate_(rate), frames_(frames), source_(source), outcome_(outcome),
       progress_(options.progress, options.progress_host, totalUnits()),
       beats_(makeBeatFinder(options, rate, frames)) {
-    if (options.wants_key != 0) key_.emplace(rate, frames);
+    if (options.wants_key == 0) return;
+    key_.emplace(rate);
+    if (options.skips_session_key == 0) sessionKey_.emplace(rate, frames);
 }
 
 std::int64_t TrackAnalysis::totalUnits() const {
-    const std::int64_t beats = kBeatUnits + kClosingUnits;
-    const std::int64_t key = options_.wants_key != 0 ? kLevelUnits + kKeyUnits : 0;
-    return (beats + key) * frames_;
+    const bool wantsSessionKey = options_.wants_key != 0 && options_.skips_session_key == 0;
+    const std::int64_t sessionKey = wantsSessionKey ? kLevelUnits + kSessionKeyUnits : 0;
+    return (beatUnits() + kClosingUnits + sessionKey) * frames_;
+}
+
+std::int64_t TrackAnalysis::beatUnits() const {
+    return kBeatUnits + (options_.wants_key != 0 ? kKeyUnits : 0);
 }
 
 TrackResult TrackAnalysis::run() {
-    if (!key_)
+    if (!sessionKey_)
         findBeats();
     else if (source_.fewest_passes != 0)
-        findBothInFewestPasses();
+        findInFewestPasses();
     else
-        findBoth();
+        findWithSessionKey();
     TrackResult result;
     result.rate = rate_;
     result.frames = frames_;
     beats_->addTo(result);
     if (key_) key_->addTo(result);
+    if (sessionKey_) sessionKey_->addTo(result);
     return result;
 }
 
 void TrackAnalysis::findBeats() {
-    hear({beats_.get()}, kBeatUnits);
+    hear({beats_.get(), evidenceKey()}, beatUnits());
     closeBeats();
 }
 
-void TrackAnalysis::findBoth() {
+void TrackAnalysis::findWithSessionKey() {
     hear({&levels_}, kLevelUnits);
-    key_->setLevels(levels_);
-    if (options_.threads > 1) return sideBySide([this] { findBeats(); }, [this] { hearKey(); });
-    hear({beats_.get(), &*key_}, kBeatUnits + kKeyUnits);
+    sessionKey_->setLevels(levels_);
+    if (options_.threads > 1)
+        return sideBySide([this] { findBeats(); }, [this] { hearSessionKey(); });
+    hear({beats_.get(), evidenceKey(), &*sessionKey_}, beatUnits() + kSessionKeyUnits);
     closeBeats();
 }
 
-void TrackAnalysis::findBothInFewestPasses() {
-    hear({&levels_, beats_.get()}, kLevelUnits + kBeatUnits);
-    key_->setLevels(levels_);
-    sideBySide([this] { closeBeats(); }, [this] { hearKey(); });
+void TrackAnalysis::findInFewestPasses() {
+    hear({&levels_, beats_.get(), evidenceKey()}, kLevelUnits + beatUnits());
+    sessionKey_->setLevels(levels_);
+    sideBySide([this] { closeBeats(); }, [this] { hearSessionKey(); });
 }
 
-void TrackAnalysis::hearKey() {
-    hear({&*key_}, kKeyUnits);
+void TrackAnalysis::hearSessionKey() {
+    hear({&*sessionKey_}, kSessionKeyUnits);
 }
 
 void TrackAnalysis::closeBeats() {
@@ -105,7 +114,8 @@ void TrackAnalysis::hear(std::initializer_list<Listener*> listeners, std::int64_
     Pass pass(source_, frames_);
     for (Block block = pass.next(); block.frames > 0; block = pass.next()) {
         outcome_.throwIfFailed();
-        for (Listener* listener : listeners) listener->hear(block);
+        for (Listener* listener : listeners)
+            if (listener != nullptr) listener->hear(block);
         progress_.add(unitsPerFrame * block.frames);
     }
 }
