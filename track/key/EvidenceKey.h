@@ -14,8 +14,8 @@ namespace beatatlas::track::inner {
  *  how the track is tuned and where its key changes.
  *
  *  The same bits for blocks of every size, in every rounding mode and vector form; another maths library may give other
- *  last bits (of log, exp, cos). Life: construct → hear the whole track → addTo(). Memory: 2.5 MB and some 60 kB per
- *  minute of music, 400 kB of noise. */
+ *  last bits (of log, exp, cos). Life: construct → hear the whole track → addTo(). Memory: 2 MB, and per
+ *  minute 50 to 200 kB of music, 400 kB of noise. */
 class EvidenceKey : public Listener {
 public:
     /** @param rate  44100 or 48000 Hz

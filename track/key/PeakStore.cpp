@@ -7,14 +7,6 @@
 
 namespace beatatlas::track::inner {
 
-namespace {
-
-// A chroma hears a tenth of the strongest tone. The tuning may weaken that one: to a fifth at 0.35 semitones off the
-// grid, and no tuning leaves all strong peaks of music farther off than that.
-constexpr float kLeastHeard = 0.02F;
-
-}  // namespace
-
 void PeakStore::add(float top, const std::vector<SpectralPeak>& peaks) {
     frames_.push_back({top, peaks_.size()});
     loudest_ = std::max(loudest_, top);

@@ -10,8 +10,8 @@
 
 namespace beatatlas::track::inner {
 
-/** The frames of a track as peaks, until its tuning and its loudest place are known. Of each frame only the peaks stay
- *  that may be heard in a chroma, whatever the tuning turns out to be.
+/** The frames of a track as peaks, until its tuning and its loudest place are known. Only peaks that may be in a chroma
+ *  stay.
  *
  *  Memory: 8 bytes a peak and 16 a frame. */
 class PeakStore {

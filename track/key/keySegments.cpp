@@ -11,9 +11,9 @@ namespace {
 constexpr std::size_t kBarsOfWindow = 8;
 constexpr double kSecondsOfWindow = 16.0;  // eight bars of four beats at 120 BPM
 constexpr double kLeastWindow = 1.0;
-// Two windows in the next key up or down the circle of fifths score about a half more in it than in the one before, two in
-// a key a semitone away nearly two more. Choruses in the relative key are no change.
-constexpr double kChangePrice = 0.8;
+// A window in a key a semitone away scores about one more in it than in the key before, in one a fifth away a quarter. A
+// change pays within a window there and within two here; what chords of one key do to single windows stays below that.
+constexpr double kChangePrice = 0.5;
 
 /** The first beats of every eighth bar. */
 std::vector<double> phraseStarts(const std::vector<BA_TrackBeat>& beats, double seconds) {
