@@ -11,7 +11,8 @@ namespace test {
 namespace {
 
 using beatatlas::track::Beat;
-using beatatlas::track::KeyRanking;
+using beatatlas::track::Key;
+using beatatlas::track::SessionKey;
 using beatatlas::track::WavePoint;
 
 void expectSameWave(const std::vector<WavePoint>& found, const std::vector<WavePoint>& expected) {
@@ -31,8 +32,21 @@ void expectSameBeats(const std::vector<Beat>& found, const std::vector<Beat>& ex
     }
 }
 
-void expectSameKey(const std::optional<KeyRanking>& found,
-                   const std::optional<KeyRanking>& expected) {
+void expectSameKey(const std::optional<Key>& found, const std::optional<Key>& expected) {
+    ASSERT_EQ(found.has_value(), expected.has_value());
+    if (!found) return;
+    EXPECT_EQ(found->confidence, expected->confidence);
+    EXPECT_EQ(found->chroma, expected->chroma);
+    EXPECT_EQ(found->tuningCents, expected->tuningCents);
+    EXPECT_EQ(found->segments.size(), expected->segments.size());
+    for (std::size_t i = 0; i < found->ranking.size(); ++i) {
+        EXPECT_EQ(found->ranking[i].key, expected->ranking[i].key) << i;
+        EXPECT_EQ(found->ranking[i].score, expected->ranking[i].score) << i;
+    }
+}
+
+void expectSameSessionKey(const std::optional<SessionKey>& found,
+                          const std::optional<SessionKey>& expected) {
     ASSERT_EQ(found.has_value(), expected.has_value());
     if (!found) return;
     EXPECT_EQ(found->keys, expected->keys);
@@ -61,6 +75,7 @@ void expectSameResults(const beatatlas::track::TrackResult& found,
     expectSameWave(found.dotsWave, expected.dotsWave);
     expectSameWave(found.zoomWave, expected.zoomWave);
     expectSameKey(found.key, expected.key);
+    expectSameSessionKey(found.sessionKey, expected.sessionKey);
 }
 
 }  // namespace test
