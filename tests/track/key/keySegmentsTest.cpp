@@ -22,7 +22,7 @@ std::vector<BA_TrackBeat> beatsFrom(double seconds, int bars) {
 using Ends = std::vector<double>;
 
 TEST(KeyWindows, AreEightBarsLong) {
-    EXPECT_EQ(keyWindows(beatsFrom(0.25, 32), 64.25), (Ends{0.0, 16.25, 32.25, 64.25}));
+    EXPECT_EQ(keyWindows(beatsFrom(0.25, 32), 64.25), (Ends{0.0, 16.25, 32.25, 48.25, 64.25}));
     EXPECT_EQ(keyWindows(beatsFrom(0.0, 33), 66.0), (Ends{0.0, 16.0, 32.0, 48.0, 66.0}));
 }
 
