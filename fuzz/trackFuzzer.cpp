@@ -41,6 +41,7 @@ BA_TrackOptions fuzzOptions(FuzzInput& input) {
     options.section_beats = input.between(1, 70);
     options.range_seconds = input.between(0, 30) / 10.0;
     options.wants_key = input.between(0, 1);
+    options.skips_session_key = input.between(0, 1);
     options.wants_waves = input.between(0, 1);
     options.threads = input.between(1, 3);
     if (input.between(0, 15) != 0) return options;
@@ -61,15 +62,33 @@ void makeFaulty(FuzzInput& input, WatchedSource& source, std::int64_t frames) {
     source.failure = input.oneOf(kAnswers);
 }
 
+void requireKey(const Found& found) {
+    require(found.key >= -1 && found.key <= 23, "24 keys or none, by evidence");
+    const bool hasKey = found.key >= 0;
+    require(found.keys.size() == (hasKey ? 24U : 0U), "all candidates or none");
+    require(found.chroma.size() == (hasKey ? 12U : 0U), "a chroma or none");
+    require(found.keySegments.empty() != hasKey, "a key holds somewhere");
+    require(found.keyConfidence >= 0.0 && found.keyConfidence <= 1.0, "a confidence");
+    require(std::abs(found.tuningCents) <= 50.0, "half a semitone at the most");
+    require(hasKey == (found.tuningHz > 0.0), "a tuning or none");
+    double end = 0.0;
+    for (const BA_TrackKeySegment& segment : found.keySegments) {
+        require(segment.from_seconds == end && segment.to_seconds > end, "stretches in order");
+        require(segment.key >= 0 && segment.key <= 23, "stretches have keys");
+        end = segment.to_seconds;
+    }
+}
+
 void requireLists(const Found& found) {
     require(found.bpm >= 0.0, "a tempo from 0 up");
     for (const BA_TrackBeat& beat : found.beats) {
         require(beat.number_in_bar >= 1 && beat.number_in_bar <= 4, "beats are numbered 1 to 4");
         require(std::isfinite(beat.seconds) && beat.bpm > 0.0, "beats have times and tempi");
     }
-    require(found.key >= -1 && found.key <= 23, "24 keys or none");
-    require(found.ranking.size() == (found.key < 0 ? 0U : 24U), "all keys or none");
-    require(found.notes.size() == (found.key < 0 ? 0U : 12U), "all notes or none");
+    requireKey(found);
+    require(found.sessionKey >= -1 && found.sessionKey <= 23, "24 keys or none");
+    require(found.ranking.size() == (found.sessionKey < 0 ? 0U : 24U), "all keys or none");
+    require(found.notes.size() == (found.sessionKey < 0 ? 0U : 12U), "all notes or none");
     for (const auto& wave : found.waves)
         for (const BA_WaveInfo& point : wave)
             require(point.color >= 0 && point.color <= 7 && point.level >= 0.0F, "wave ranges");

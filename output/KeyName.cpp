@@ -17,10 +17,43 @@ constexpr std::array<const char*, 24> kNames = {
     "F major",  "F# major", "G major",  "Ab major", "A minor",  "Bb minor", "B minor",  "C minor",
     "C# minor", "D minor",  "Eb minor", "E minor",  "F minor",  "F# minor", "G minor",  "G# minor"};
 
+constexpr std::array<const char*, kNotes> kSharps = {"A",  "A#", "B", "C",  "C#", "D",
+                                                     "D#", "E",  "F", "F#", "G",  "G#"};
+constexpr std::array<const char*, kNotes> kFlats = {"A",  "Bb", "B", "C",  "Db", "D",
+                                                    "Eb", "E",  "F", "Gb", "G",  "Ab"};
+
 }  // namespace
 
 std::string KeyName::musical() const {
     return kNames.at(static_cast<std::size_t>(number_));
+}
+
+std::size_t KeyName::tonic() const {
+    return static_cast<std::size_t>(number_ % kNotes);
+}
+
+std::string KeyName::withSharps() const {
+    return kSharps.at(tonic()) + mode();
+}
+
+std::string KeyName::withFlats() const {
+    return kFlats.at(tonic()) + mode();
+}
+
+std::string KeyName::in(KeyNotation notation) const {
+    switch (notation) {
+    case KeyNotation::sharps:
+        return withSharps();
+    case KeyNotation::flats:
+        return withFlats();
+    case KeyNotation::camelot:
+        return camelot();
+    case KeyNotation::openKey:
+        return openKey();
+    case KeyNotation::standard:
+        break;
+    }
+    return musical();
 }
 
 /** Steps along the circle of fifths from C major (or A minor), 0 to 11. Seven is its own inverse modulo twelve, so the

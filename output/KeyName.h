@@ -1,9 +1,19 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <cstddef>
 #include <string>
 
 namespace output {
+
+/** How a key may be named. */
+enum class KeyNotation {
+    standard,  ///< as musicians write it, in the spelling with the fewer accidentals
+    sharps,    ///< no flats
+    flats,     ///< no sharps
+    camelot,
+    openKey,
+};
 
 /** The names of a key, numbered as by the library: 0 to 11 are A major, A sharp major … G sharp major, 12 to 23 the
  *  minor keys on the same notes. */
@@ -17,14 +27,22 @@ public:
     /** As musicians write it, in the spelling with the fewer accidentals: "A minor", "Bb major", "F# minor". */
     std::string musical() const;
 
+    /** The same with sharps alone, "A# major", and with flats alone, "Gb minor". */
+    std::string withSharps() const;
+    std::string withFlats() const;
+
     /** On the Camelot wheel: "8A" is A minor, "8B" C major; a fifth up is one hour on. */
     std::string camelot() const;
 
     /** In Open Key notation: "1m" is A minor, "1d" C major. */
     std::string openKey() const;
 
+    std::string in(KeyNotation notation) const;
+
 private:
     int fifthsFromC() const;
+    std::string mode() const { return isMinor() ? " minor" : " major"; }
+    std::size_t tonic() const;
 
     int number_;
 };

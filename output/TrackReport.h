@@ -1,8 +1,11 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <optional>
+
 #include "base/TrackSource.h"
 #include "beatatlas/track.hpp"
+#include "output/KeyName.h"
 
 namespace output {
 
@@ -10,6 +13,8 @@ namespace output {
 struct TrackReport : base::TrackSource {
     beatatlas::track::Options options;  ///< what was asked for
     beatatlas::track::TrackResult analysis;
+    std::optional<KeyNotation>
+        keyNotation;  ///< how text names keys; nothing: in several ways at once
 };
 
 }  // namespace output

@@ -37,7 +37,36 @@ Json audioJson(const base::TrackFormat& format) {
             {"sampleRate", format.trackRate}};
 }
 
-Json rankingJson(const beatatlas::track::KeyRanking& key) {
+Json candidatesJson(const beatatlas::track::Key& key) {
+    Json ranking = Json::array();
+    for (const beatatlas::track::KeyCandidate& candidate : key.ranking) {
+        Json entry = keyNameJson(candidate.key);
+        entry["score"] = candidate.score;
+        entry["probability"] = candidate.probability;
+        ranking.push_back(std::move(entry));
+    }
+    return ranking;
+}
+
+Json segmentsJson(const beatatlas::track::Key& key) {
+    Json segments = Json::array();
+    for (const beatatlas::track::KeySegment& segment : key.segments) {
+        Json entry = {{"from", segment.fromSeconds}, {"to", segment.toSeconds}};
+        entry.update(keyNameJson(segment.key));
+        entry["confidence"] = segment.confidence;
+        segments.push_back(std::move(entry));
+    }
+    return segments;
+}
+
+Json chromaJson(const beatatlas::track::Key& key) {
+    Json chroma = Json::array();
+    for (std::size_t i = 0; i < kNoteNames.size(); ++i)
+        chroma.push_back({{"note", kNoteNames[i]}, {"share", key.chroma[i]}});
+    return chroma;
+}
+
+Json rankingJson(const beatatlas::track::SessionKey& key) {
     Json ranking = Json::array();
     for (std::size_t i = 0; i < key.keys.size(); ++i) {
         Json entry = keyNameJson(key.keys[i]);
@@ -47,7 +76,7 @@ Json rankingJson(const beatatlas::track::KeyRanking& key) {
     return ranking;
 }
 
-Json notesJson(const beatatlas::track::KeyRanking& key) {
+Json notesJson(const beatatlas::track::SessionKey& key) {
     Json notes = Json::array();
     for (std::size_t i = 0; i < kNoteNames.size(); ++i) {
         notes.push_back(
@@ -60,13 +89,22 @@ Json notesJson(const beatatlas::track::KeyRanking& key) {
 
 Json keyNameJson(int number) {
     const KeyName key(number);
-    return {{"number", key.number()},
-            {"name", key.musical()},
-            {"camelot", key.camelot()},
-            {"openKey", key.openKey()}};
+    return {{"number", key.number()},   {"name", key.musical()},    {"sharps", key.withSharps()},
+            {"flats", key.withFlats()}, {"camelot", key.camelot()}, {"openKey", key.openKey()}};
 }
 
-Json keyJson(const std::optional<beatatlas::track::KeyRanking>& key) {
+Json keyJson(const std::optional<beatatlas::track::Key>& key) {
+    if (!key) return nullptr;
+    Json json = keyNameJson(key->best());
+    json["confidence"] = key->confidence;
+    json["ranking"] = candidatesJson(*key);
+    json["segments"] = segmentsJson(*key);
+    json["chroma"] = chromaJson(*key);
+    json["tuning"] = {{"cents", key->tuningCents}, {"hz", key->tuningHz}};
+    return json;
+}
+
+Json sessionKeyJson(const std::optional<beatatlas::track::SessionKey>& key) {
     if (!key) return nullptr;
     Json json = keyNameJson(key->keys[0]);
     json["runnerUpDistance"] = key->runnerUpDistance();

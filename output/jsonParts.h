@@ -21,11 +21,14 @@ nlohmann::ordered_json trackFileJson(const base::TrackSource& file, std::int64_t
 /** The entry of a track that could not be analysed. */
 nlohmann::ordered_json failureJson(const std::string& path, const std::string& reason);
 
-/** A key's number and names. */
+/** A key's number and all of its names. */
 nlohmann::ordered_json keyNameJson(int number);
 
+/** The key by evidence with all that belongs to it; null when none was found. */
+nlohmann::ordered_json keyJson(const std::optional<beatatlas::track::Key>& key);
+
 /** The session's key with ranking and notes; null when none was found. */
-nlohmann::ordered_json keyJson(const std::optional<beatatlas::track::KeyRanking>& key);
+nlohmann::ordered_json sessionKeyJson(const std::optional<beatatlas::track::SessionKey>& key);
 /** @} */
 
 }  // namespace output

@@ -11,6 +11,11 @@ namespace output {
 
 namespace {
 
+// Keys that were wrong on more than one track in five are told with the second candidate.
+constexpr double kSureKey = 0.8;
+// What noise and drums alone come to.
+constexpr double kHardlyAKey = 0.3;
+
 std::string channelsText(int channels) {
     if (channels == 1) return "mono";
     if (channels == 2) return "stereo";
@@ -43,17 +48,30 @@ std::string trackFileText(const base::TrackSource& file, std::int64_t frames) {
            textLine("length", lengthText(seconds, frames));
 }
 
-std::string keyNames(int number) {
+std::string keyNames(int number, const std::optional<KeyNotation>& notation) {
     const KeyName key(number);
+    if (notation) return key.in(*notation);
     return fmt::format("{}, {}, {}, number {}", key.musical(), key.camelot(), key.openKey(),
                        key.number());
 }
 
-std::string keyDetails(const std::optional<beatatlas::track::KeyRanking>& key) {
+std::string shortKeyName(int number, const std::optional<KeyNotation>& notation) {
+    const KeyName key(number);
+    if (notation) return key.in(*notation);
+    return fmt::format("{} ({})", key.musical(), key.camelot());
+}
+
+std::string keyDetails(const TrackReport& report) {
+    const auto& key = report.analysis.key;
     if (!key) return kNoKeyText;
-    const KeyName next(key->keys[1]);
-    return fmt::format("{}; next {} ({}), {:.1f} % behind", keyNames(key->keys[0]), next.musical(),
-                       next.camelot(), key->runnerUpDistance() * 100.0);
+    return keyNames(key->best(), report.keyNotation) + keyDoubts(report);
+}
+
+std::string keyDoubts(const TrackReport& report) {
+    const auto& key = report.analysis.key;
+    if (!key || key->confidence >= kSureKey) return {};
+    const std::string text = "; perhaps " + shortKeyName(key->second(), report.keyNotation);
+    return key->confidence < kHardlyAKey ? text + "; hardly a clear key" : text;
 }
 
 }  // namespace output

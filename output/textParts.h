@@ -5,8 +5,7 @@
 #include <optional>
 #include <string>
 
-#include "base/TrackSource.h"
-#include "beatatlas/track.hpp"
+#include "output/TrackReport.h"
 
 namespace output {
 
@@ -19,11 +18,17 @@ std::string textLine(const std::string& label, const std::string& value);
 /** Name, file and length, each on a line. @param frames  at the session's rate */
 std::string trackFileText(const base::TrackSource& file, std::int64_t frames);
 
-/** A key in all its notations: "F# minor, 11A, 4m, number 21". */
-std::string keyNames(int number);
+/** A key in a notation, else in several: "F# minor, 11A, 4m, number 21". */
+std::string keyNames(int number, const std::optional<KeyNotation>& notation);
 
-/** The session's key and how far the next one lies behind. */
-std::string keyDetails(const std::optional<beatatlas::track::KeyRanking>& key);
+/** A key beside others: in a notation, else "F# minor (11A)". */
+std::string shortKeyName(int number, const std::optional<KeyNotation>& notation);
+
+/** The key by evidence, and what else it may be where that is uncertain. */
+std::string keyDetails(const TrackReport& report);
+
+/** ", perhaps B minor (10A)" where the key is uncertain, else nothing. */
+std::string keyDoubts(const TrackReport& report);
 /** @} */
 
 }  // namespace output

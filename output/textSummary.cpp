@@ -6,7 +6,6 @@
 
 #include <fmt/format.h>
 
-#include "output/KeyName.h"
 #include "output/textFormat.h"
 #include "output/textParts.h"
 
@@ -69,6 +68,17 @@ std::string beatsText(const beatatlas::track::TrackResult& analysis) {
                               clockTime(analysis.secondsAt(downbeat->frame)));
 }
 
+/** Where which key holds, on a line of its own when it changes. */
+std::string keyChangesText(const TrackReport& report) {
+    const auto& key = report.analysis.key;
+    if (!key || key->segments.size() < 2) return {};
+    std::string text;
+    for (const beatatlas::track::KeySegment& segment : key->segments)
+        text += (text.empty() ? "" : ", ") + shortKeyName(segment.key, report.keyNotation) +
+                " from " + clockTime(segment.fromSeconds);
+    return textLine("changes", text);
+}
+
 std::string wavesText(const beatatlas::track::TrackResult& analysis) {
     return fmt::format(
         "{} loudness, {} dots, {} zoom points", grouped(std::ssize(analysis.loudWave)),
@@ -84,8 +94,8 @@ std::string tempoText(const TrackReport& report) {
 
 std::string keyText(const TrackReport& report) {
     if (!report.analysis.key) return kNoKeyText;
-    const KeyName best(report.analysis.key->keys[0]);
-    return best.musical() + "  " + best.camelot();
+    const int best = report.analysis.key->best();
+    return shortKeyName(best, report.keyNotation) + keyDoubts(report);
 }
 
 std::string textSummary(const TrackReport& report) {
@@ -97,7 +107,7 @@ std::string textSummary(const TrackReport& report) {
                          tempoText(report) + tempoRange(analysis.beats) + judgementText(analysis));
         text += textLine("beats", beatsText(analysis));
     }
-    if (options.wantsKey) text += textLine("key", keyDetails(analysis.key));
+    if (options.wantsKey) text += textLine("key", keyDetails(report)) + keyChangesText(report);
     text += textLine("waves", wavesText(analysis));
     return text;
 }

@@ -54,7 +54,7 @@ void KeySession::addTo(TrackResult& result) const {
     std::array<double, kNotes> shares{};
     maker_.getNoteEncount(counts.data());
     maker_.getNoteEncountVal(shares.data());
-    for (std::size_t i = 0; i < kKeys; ++i) result.keys.push_back({keys[i], 0, scores[i]});
+    for (std::size_t i = 0; i < kKeys; ++i) result.sessionKeys.push_back({keys[i], 0, scores[i]});
     for (std::size_t i = 0; i < kNotes; ++i) result.notes.push_back({counts[i], 0, shares[i]});
 }
 

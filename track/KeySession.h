@@ -22,7 +22,7 @@ private:
     PreChecker checker_;
 };
 
-/** The key of a track: the part of a session of the core that finds it, without the rest.
+/** The session's key of a track: the part of a session of the core that finds it, without the rest.
  *
  *  Life: construct → setLevels() → hear the whole track → addTo(). */
 class KeySession : public Listener {

@@ -10,7 +10,8 @@ namespace {
 
 // What the parts cost, about: half nanoseconds a frame.
 constexpr std::int64_t kLevelUnits = 3;
-constexpr std::int64_t kKeyUnits = 13;
+constexpr std::int64_t kKeyUnits = 6;
+constexpr std::int64_t kSessionKeyUnits = 13;
 
 // And putting the result together, at the very end.
 constexpr std::int64_t kResultUnits = 1;
@@ -40,22 +41,25 @@ TrackAnalysis::TrackAnalysis(const BA_TrackOptions& options, int rate, int frame
       units_(unitsOf(options, source.fewest_passes != 0)),
       progress_(options.progress, options.progress_host, totalUnits()),
       beats_(makeBeatFinder(options, rate, frames)) {
-    if (options.wants_key != 0) key_.emplace(rate, frames);
+    if (options.wants_key == 0) return;
+    key_.emplace(rate);
+    if (options.skips_session_key == 0) sessionKey_.emplace(rate, frames);
 }
 
 // Of two parts side by side the longer one tells how far the analysis is.
 TrackAnalysis::Units TrackAnalysis::unitsOf(const BA_TrackOptions& options, bool isFewestPasses) {
-    const std::int64_t beats = beatUnits(options);
+    const std::int64_t beats = beatUnits(options) + (options.wants_key != 0 ? kKeyUnits : 0);
     const std::int64_t closing = closingUnits(options);
-    if (options.wants_key == 0) return {0, beats, closing, 0};
-    if (options.threads == 1) return {kLevelUnits, beats, closing, kKeyUnits};
-    if (isFewestPasses) return {kLevelUnits, beats, 0, kKeyUnits};
-    if (beats + closing < kKeyUnits) return {kLevelUnits, 0, 0, kKeyUnits};
+    if (options.wants_key == 0 || options.skips_session_key != 0) return {0, beats, closing, 0};
+    if (options.threads == 1) return {kLevelUnits, beats, closing, kSessionKeyUnits};
+    if (isFewestPasses) return {kLevelUnits, beats, 0, kSessionKeyUnits};
+    if (beats + closing < kSessionKeyUnits) return {kLevelUnits, 0, 0, kSessionKeyUnits};
     return {kLevelUnits, beats, closing, 0};
 }
 
 std::int64_t TrackAnalysis::totalUnits() const {
-    return (units_.levels + units_.beats + units_.closing + units_.key) * frames_ + kResultUnits;
+    return (units_.levels + units_.beats + units_.closing + units_.sessionKey) * frames_ +
+           kResultUnits;
 }
 
 TrackResult TrackAnalysis::run() {
@@ -65,37 +69,39 @@ TrackResult TrackAnalysis::run() {
     result.frames = frames_;
     beats_->addTo(result);
     if (key_) key_->addTo(result);
+    if (sessionKey_) sessionKey_->addTo(result);
     progress_.add(kResultUnits);
     return result;
 }
 
 void TrackAnalysis::findAll() {
-    if (!key_) return findBeats();
-    if (source_.fewest_passes != 0) return findBothInFewestPasses();
-    findBoth();
+    if (!sessionKey_) return findBeats();
+    if (source_.fewest_passes != 0) return findInFewestPasses();
+    findWithSessionKey();
 }
 
 void TrackAnalysis::findBeats() {
-    hear({beats_.get()}, units_.beats);
+    hear({beats_.get(), evidenceKey()}, units_.beats);
     closeBeats();
 }
 
-void TrackAnalysis::findBoth() {
+void TrackAnalysis::findWithSessionKey() {
     hear({&levels_}, units_.levels);
-    key_->setLevels(levels_);
-    if (options_.threads > 1) return sideBySide([this] { findBeats(); }, [this] { hearKey(); });
-    hear({beats_.get(), &*key_}, units_.beats + units_.key);
+    sessionKey_->setLevels(levels_);
+    if (options_.threads > 1)
+        return sideBySide([this] { findBeats(); }, [this] { hearSessionKey(); });
+    hear({beats_.get(), evidenceKey(), &*sessionKey_}, units_.beats + units_.sessionKey);
     closeBeats();
 }
 
-void TrackAnalysis::findBothInFewestPasses() {
-    hear({&levels_, beats_.get()}, units_.levels + units_.beats);
-    key_->setLevels(levels_);
-    sideBySide([this] { closeBeats(); }, [this] { hearKey(); });
+void TrackAnalysis::findInFewestPasses() {
+    hear({&levels_, beats_.get(), evidenceKey()}, units_.levels + units_.beats);
+    sessionKey_->setLevels(levels_);
+    sideBySide([this] { closeBeats(); }, [this] { hearSessionKey(); });
 }
 
-void TrackAnalysis::hearKey() {
-    hear({&*key_}, units_.key);
+void TrackAnalysis::hearSessionKey() {
+    hear({&*sessionKey_}, units_.sessionKey);
 }
 
 void TrackAnalysis::closeBeats() {
@@ -107,7 +113,8 @@ void TrackAnalysis::hear(std::initializer_list<Listener*> listeners, std::int64_
     Pass pass(source_, frames_);
     for (Block block = pass.next(); block.frames > 0; block = pass.next()) {
         outcome_.throwIfFailed();
-        for (Listener* listener : listeners) listener->hear(block);
+        for (Listener* listener : listeners)
+            if (listener != nullptr) listener->hear(block);
         progress_.add(unitsPerFrame * block.frames);
     }
 }

@@ -12,13 +12,15 @@
 #include "track/Outcome.h"
 #include "track/Progress.h"
 #include "track/TrackResult.h"
+#include "track/key/EvidenceKey.h"
 
 namespace beatatlas::track::inner {
 
-/** One analysis: decides which sessions hear which pass over the source, and in which thread.
+/** One analysis: decides who hears which pass over the source, and in which thread.
  *
- *  The key session has to know the levels of the whole track before it hears the first frame. Where passes are quick one
- *  of them goes before for that; otherwise the beat session's pass takes them. */
+ *  The key by evidence hears what the beats are found in. The key session has to know the levels of the whole track before
+ *  it hears the first frame. Where passes are quick one of them goes before for that; otherwise the beats' pass takes
+ *  them. */
 class TrackAnalysis {
 public:
     /** @param options,source  checked, and alive as long as the analysis
@@ -35,17 +37,18 @@ private:
         std::int64_t levels;
         std::int64_t beats;
         std::int64_t closing;
-        std::int64_t key;
+        std::int64_t sessionKey;
     };
 
     static Units unitsOf(const BA_TrackOptions& options, bool isFewestPasses);
     std::int64_t totalUnits() const;
     void findAll();
     void findBeats();
-    void findBoth();
-    void findBothInFewestPasses();
+    void findWithSessionKey();
+    void findInFewestPasses();
     void hear(std::initializer_list<Listener*> listeners, std::int64_t unitsPerFrame);
-    void hearKey();
+    void hearSessionKey();
+    Listener* evidenceKey() { return key_ ? &*key_ : nullptr; }
     void closeBeats();
     template <class Beats, class Key>
     void sideBySide(const Beats& beats, const Key& key);
@@ -59,7 +62,8 @@ private:
     Progress progress_;
     std::unique_ptr<BeatFinder> beats_;
     Levels levels_;
-    std::optional<KeySession> key_;  // when it is wanted
+    std::optional<EvidenceKey> key_;        // when it is wanted
+    std::optional<KeySession> sessionKey_;  // the same
 };
 
 }  // namespace beatatlas::track::inner

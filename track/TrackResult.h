@@ -24,8 +24,14 @@ struct TrackResult {
     std::vector<BA_TrackReading> readings;  // but for the chosen one, best first
     std::vector<BA_TrackBeat> beats;
     std::array<std::vector<BA_WaveInfo>, kWaveKinds> waves;  // by BA_TRACK_WAVE_…
-    std::vector<BA_TrackKeyScore> keys;                      // best first
-    std::vector<BA_TrackNote> notes;                         // from A
+    std::vector<BA_TrackKeyCandidate> keys;                  // by evidence, the likeliest first
+    double keyConfidence = 0.0;
+    double tuningCents = 0.0;
+    double tuningHz = 0.0;
+    std::vector<double> chroma;  // from A
+    std::vector<BA_TrackKeySegment> keySegments;
+    std::vector<BA_TrackKeyScore> sessionKeys;  // best first
+    std::vector<BA_TrackNote> notes;            // from A
 };
 
 }  // namespace beatatlas::track::inner

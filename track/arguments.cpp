@@ -20,7 +20,8 @@ constexpr std::size_t kOptionEnds[] = {
     offsetof(BA_TrackOptions, reserved),      offsetof(BA_TrackOptions, progress),
     offsetof(BA_TrackOptions, progress_host), offsetof(BA_TrackOptions, lowest_bpm),
     offsetof(BA_TrackOptions, highest_bpm),   offsetof(BA_TrackOptions, beats_per_bar),
-    offsetof(BA_TrackOptions, reserved_bar),  sizeof(BA_TrackOptions)};
+    offsetof(BA_TrackOptions, reserved_bar),  offsetof(BA_TrackOptions, skips_session_key),
+    offsetof(BA_TrackOptions, reserved_key),  sizeof(BA_TrackOptions)};
 constexpr std::size_t kSourceEnds[] = {offsetof(BA_TrackSource, host),
                                        offsetof(BA_TrackSource, open),
                                        offsetof(BA_TrackSource, read),
@@ -70,7 +71,8 @@ bool areInRange(const BA_TrackOptions& options) {
     return options.tempo >= BA_TRACK_TEMPO_CONSTANT && options.tempo <= BA_TRACK_TEMPO_AUTO &&
            options.section_beats > 0 && options.range_seconds >= 0.0 && options.threads > 0 &&
            options.reserved == 0 && isTempoRange(options.lowest_bpm, options.highest_bpm) &&
-           (perBar == 0 || perBar == 3 || perBar == 4) && options.reserved_bar == 0;
+           (perBar == 0 || perBar == 3 || perBar == 4) && options.reserved_bar == 0 &&
+           options.reserved_key == 0;
 }
 
 }  // namespace

@@ -128,12 +128,41 @@ size_t BA_TrackWave(const BA_Track* track, int wave, BA_WaveInfo* out, size_t ro
     return copyOut(track->result.waves[static_cast<std::size_t>(wave)], out, room);
 }
 
-int32_t BA_TrackSessionKey(const BA_Track* track) {
+int32_t BA_TrackKey(const BA_Track* track) {
     return track == nullptr || track->result.keys.empty() ? -1 : track->result.keys[0].key;
 }
 
-size_t BA_TrackSessionKeyRanking(const BA_Track* track, BA_TrackKeyScore* out, size_t room) {
+double BA_TrackKeyConfidence(const BA_Track* track) {
+    return track == nullptr ? 0.0 : track->result.keyConfidence;
+}
+
+size_t BA_TrackKeyRanking(const BA_Track* track, BA_TrackKeyCandidate* out, size_t room) {
     return track == nullptr ? 0 : copyOut(track->result.keys, out, room);
+}
+
+size_t BA_TrackKeySegments(const BA_Track* track, BA_TrackKeySegment* out, size_t room) {
+    return track == nullptr ? 0 : copyOut(track->result.keySegments, out, room);
+}
+
+size_t BA_TrackChroma(const BA_Track* track, double* out, size_t room) {
+    return track == nullptr ? 0 : copyOut(track->result.chroma, out, room);
+}
+
+double BA_TrackTuningCents(const BA_Track* track) {
+    return track == nullptr ? 0.0 : track->result.tuningCents;
+}
+
+double BA_TrackTuningHz(const BA_Track* track) {
+    return track == nullptr ? 0.0 : track->result.tuningHz;
+}
+
+int32_t BA_TrackSessionKey(const BA_Track* track) {
+    return track == nullptr || track->result.sessionKeys.empty() ? -1
+                                                                 : track->result.sessionKeys[0].key;
+}
+
+size_t BA_TrackSessionKeyRanking(const BA_Track* track, BA_TrackKeyScore* out, size_t room) {
+    return track == nullptr ? 0 : copyOut(track->result.sessionKeys, out, room);
 }
 
 size_t BA_TrackNotes(const BA_Track* track, BA_TrackNote* out, size_t room) {

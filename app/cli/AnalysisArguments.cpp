@@ -95,8 +95,7 @@ void AnalysisArguments::declare(CLI::App& arguments) {
                     "simple tempo: sense this much of the beginning (default: one minute)")
         ->check(numberBetween(1.0, kLongestRangeSeconds))
         ->option_text("SECONDS");
-    arguments.add_flag("--no-key", skipsKey_,
-                       "do not look for the key (saves a tenth of the time)");
+    arguments.add_flag("--no-key", skipsKey_, "do not look for the key");
 }
 
 void AnalysisArguments::settle() {

@@ -4,6 +4,7 @@
 #include <CLI/CLI.hpp>
 
 #include "analysis/analyzeFile.h"
+#include "cli/keyNotation.h"
 #include "output/TrackEntry.h"
 
 namespace app {
@@ -11,6 +12,7 @@ namespace app {
 void AnalyzeCommand::declareOwn(CLI::App& arguments, CLI::Option* json) {
     arguments.add_flag("--waves", withWaves_, "with --json: the waveform overviews too")
         ->needs(json);
+    addKeyNotation(arguments, keyNotation_)->excludes(json);
     analysis_.declare(arguments);
     effort_.declare(arguments);
 }
@@ -18,8 +20,12 @@ void AnalyzeCommand::declareOwn(CLI::App& arguments, CLI::Option* json) {
 std::unique_ptr<output::ReportEntry> AnalyzeCommand::examine(const std::string& path) {
     media::FileAnalysis::Options reading = tracks().reading(path, effort_.effort());
     reading.track = analysis_.options();
+    // Text does not tell it, and it takes a pass of its own.
+    reading.track.wantsSessionKey = isJson();
     const auto analyze = [&](ProgressLine& progress) {
-        return analyzeFile(path, reading, progress);
+        output::TrackReport report = analyzeFile(path, reading, progress);
+        report.keyNotation = keyNotation_;
+        return report;
     };
     return examineBy<output::TrackEntry>(analyze, path, withWaves_);
 }

@@ -2,11 +2,13 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "cli/AnalysisArguments.h"
 #include "cli/EffortArguments.h"
 #include "cli/TracksCommand.h"
+#include "output/KeyName.h"
 
 namespace app {
 
@@ -26,6 +28,7 @@ private:
 
     AnalysisArguments analysis_;
     EffortArguments effort_;
+    std::optional<output::KeyNotation> keyNotation_;
     bool withWaves_ = false;
 };
 

@@ -6,6 +6,7 @@
 #include "analysis/analyzeFile.h"
 #include "base/errors.h"
 #include "cli/bracketGuard.h"
+#include "cli/keyNotation.h"
 #include "cli/numberBetween.h"
 #include "io/fileEnding.h"
 #include "media/OutputFile.h"
@@ -47,6 +48,7 @@ void DrawCommand::declare(CLI::App& arguments) {
                     "width of the picture in pixels (default: 1600)")
         ->check(numberBetween(output::kNarrowestPicture, output::kWidestPicture))
         ->option_text("PIXELS");
+    addKeyNotation(arguments, keyNotation_);
     analysis_.declare(arguments);
     effort_.declare(arguments);
     tracks_.declare(arguments);
@@ -63,9 +65,11 @@ ExitCode DrawCommand::run(ResultStream&) {
         throw base::UsageError("the picture would replace the track itself");
     media::FileAnalysis::Options reading = tracks_.reading(path, effort_.effort());
     reading.track = analysis_.options();
-    const auto report = tracks_.attempt(
+    reading.track.wantsSessionKey = false;
+    auto report = tracks_.attempt(
         path, [&](ProgressLine& progress) { return analyzeFile(path, reading, progress); });
     if (!report) return kExitFailed;
+    report->keyNotation = keyNotation_;
     media::OutputFile picture(outputPath);
     output::writePicture(*report, picture_, format, [&](const void* bytes, std::size_t count) {
         picture.write(bytes, count);

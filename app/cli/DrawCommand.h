@@ -1,12 +1,14 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <optional>
 #include <string>
 
 #include "cli/AnalysisArguments.h"
 #include "cli/Command.h"
 #include "cli/EffortArguments.h"
 #include "cli/TrackArguments.h"
+#include "output/KeyName.h"
 #include "output/picture/PictureOptions.h"
 
 namespace app {
@@ -26,6 +28,7 @@ private:
     EffortArguments effort_;
     TrackArguments tracks_;
     output::PictureOptions picture_;
+    std::optional<output::KeyNotation> keyNotation_;
     std::string path_;
     std::string outputPath_;
 };

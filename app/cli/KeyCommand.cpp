@@ -4,6 +4,7 @@
 #include <CLI/CLI.hpp>
 
 #include "analysis/bufferFinders.h"
+#include "cli/keyNotation.h"
 #include "cli/numberBetween.h"
 #include "output/KeyEntry.h"
 
@@ -17,7 +18,7 @@ constexpr double kHighestPitchHz = 495.0;
 
 }  // namespace
 
-void KeyCommand::declareOwn(CLI::App& arguments, CLI::Option*) {
+void KeyCommand::declareOwn(CLI::App& arguments, CLI::Option* json) {
     arguments
         .add_option("--pitch", options_.pitchHz,
                     "what A4 is tuned to (default: found as by `beatatlas pitch`)")
@@ -28,12 +29,17 @@ void KeyCommand::declareOwn(CLI::App& arguments, CLI::Option*) {
                     "weights by which the buffer's key is scored, 0 (default) to 4")
         ->check(wholeNumberBetween(kLeastFinderMode, kMostFinderMode))
         ->option_text("MODE");
+    addKeyNotation(arguments, keyNotation_)->excludes(json);
     effort_.declare(arguments);
 }
 
 std::unique_ptr<output::ReportEntry> KeyCommand::examine(const std::string& path) {
     const KeyAnalyzer analyzer(options_, tracks().reading(path, effort_.effort()));
-    const auto analyze = [&](ProgressLine& progress) { return analyzer.analyze(path, progress); };
+    const auto analyze = [&](ProgressLine& progress) {
+        output::KeyReport report = analyzer.analyze(path, progress);
+        report.keyNotation = keyNotation_;
+        return report;
+    };
     return examineBy<output::KeyEntry>(analyze, path);
 }
 

@@ -39,6 +39,9 @@ protected:
 
     const TrackArguments& tracks() const { return tracks_; }
 
+    /** Whether results are told as JSON. */
+    bool isJson() const { return asJson_; }
+
     /** The work of examine(). @param analyze  takes a ProgressLine, gives what an Entry tells */
     template <class Entry, class Analyze, class... Details>
     std::unique_ptr<output::ReportEntry> examineBy(const Analyze& analyze, const std::string& path,

@@ -127,7 +127,7 @@ typedef struct BA_TrackOptions {
      *  track: all of it. Default: 0, which is one minute. */
     double range_seconds;
 
-    int32_t wants_key;   /**< not 0: find the key, which takes passes of its own. Default: 1 */
+    int32_t wants_key;   /**< not 0: find the key by evidence. Default: 1 */
     int32_t wants_waves; /**< not 0: make the three waves. Default: 1 */
 
     /** The most threads that may work at once, the calling one among them, from 1. More than 2 are
@@ -149,6 +149,10 @@ typedef struct BA_TrackOptions {
     double highest_bpm;
     int32_t beats_per_bar; /**< auto tempo: 3 or 4, where it is known. Default: 0, found out */
     int32_t reserved_bar;  /**< 0 */
+    int32_t
+        skips_session_key; /**< not 0: leave out the session's key with its ranking and notes, which takes passes of
+                                its own and a tenth of the time; BA_TrackKey is right more often. Default: 0 */
+    int32_t reserved_key; /**< 0 */
 } BA_TrackOptions;
 
 /** Where the audio of a track comes from. A pass hands out the whole track from its first frame on;
@@ -179,9 +183,10 @@ typedef struct BA_TrackSource {
     void (*close)(void* host, void* pass);
 
     /** Not 0: passes are costly or have to wait for a decoder. The library then takes as few as it
-     *  can, never two at once: one for beats, waves and levels, and a second one for the key. 0:
-     *  with the key, a pass for the levels goes before, and with two threads beats and key are
-     *  found side by side in a pass each. */
+     *  can, never two at once: one for beats, waves, levels and the key by evidence, and a second
+     *  one for the session's key. 0: with the session's key, a pass for the levels goes before, and
+     *  with two threads it is found in a pass of its own beside the rest. Without the session's key
+     *  there is a single pass in any case. */
     int32_t fewest_passes;
     int32_t reserved; /**< 0 */
 } BA_TrackSource;
@@ -222,7 +227,25 @@ typedef struct BA_TrackTempoStretch {
     double bpm;          /**< the mean, a multiple of 0.01 */
 } BA_TrackTempoStretch;
 
-/** A key and how well it fits. */
+/** A key, by what is heard of it in a track. Keys are numbered as in BA_TrackKeyScore. */
+typedef struct BA_TrackKeyCandidate {
+    int32_t key;      /**< 0 to 23 */
+    int32_t reserved; /**< 0 */
+    double score;     /**< about −1 to 1.5; only the scores of one track can be compared */
+    /** What the scores make of it as a probability, 0 to 1; those of all 24 keys add up to 1. */
+    double probability;
+} BA_TrackKeyCandidate;
+
+/** A stretch of a track in one key. */
+typedef struct BA_TrackKeySegment {
+    double from_seconds; /**< 0, or the end of the stretch before */
+    double to_seconds;   /**< the length of the track for the last one */
+    double confidence;   /**< as BA_TrackKeyConfidence */
+    int32_t key;         /**< 0 to 23 */
+    int32_t reserved;    /**< 0 */
+} BA_TrackKeySegment;
+
+/** A key of a session and how well it fits. */
 typedef struct BA_TrackKeyScore {
     /** 0 to 11: the major keys A, A♯, B, C … G♯; 12 to 23: the minor keys on the same tonics. */
     int32_t key;
@@ -332,12 +355,39 @@ BA_API size_t BA_TrackTempoStretches(const BA_Track* track, BA_TrackTempoStretch
  *  @param wave  BA_TRACK_WAVE_… */
 BA_API size_t BA_TrackWave(const BA_Track* track, int wave, BA_WaveInfo* out, size_t room);
 
-/** The key that fits best, numbered as in BA_TrackKeyScore. -1 when there is none: in silence and
- *  in tracks of less than a second, where all keys score 0; when it was not wanted; and for
- *  null. */
+/** The likeliest key by evidence, numbered as in BA_TrackKeyScore: what sounds, folded into pitch
+ *  classes about the track's own tuning, is compared with the profile of each key, and so are the
+ *  triads that sound. It is right more often than that of a session, and says how sure it is. -1
+ *  when there is none: in silence and in tracks of less than a second; when it was not wanted; and
+ *  for null. Confidence, lists and tuning are then 0 or empty. */
+BA_API int32_t BA_TrackKey(const BA_Track* track);
+
+/** How sure that key is: the share of tracks of known key on which such an answer was right, 0 to
+ *  1. Where it is below 0.8, show the second candidate too, or none. */
+BA_API double BA_TrackKeyConfidence(const BA_Track* track);
+
+/** All 24 keys, the likeliest first. */
+BA_API size_t BA_TrackKeyRanking(const BA_Track* track, BA_TrackKeyCandidate* out, size_t room);
+
+/** Where which key holds, in order of time and without gaps: a stretch of its own for another key
+ *  that clearly holds for at least 16 bars, of four beats at 120 BPM where there are no beats, to 8
+ *  bars exactly; one stretch of BA_TrackKey where none does. */
+BA_API size_t BA_TrackKeySegments(const BA_Track* track, BA_TrackKeySegment* out, size_t room);
+
+/** How strongly the 12 notes from A upward sound, adding up to 1. */
+BA_API size_t BA_TrackChroma(const BA_Track* track, double* out, size_t room);
+
+/** How far the track is tuned above 440 Hz, in hundredths of a semitone, -50 to 50; and what its A4
+ *  is in Hz, by which a track without an answer can be told: 0. */
+BA_API double BA_TrackTuningCents(const BA_Track* track);
+BA_API double BA_TrackTuningHz(const BA_Track* track);
+
+/** The key of a session of libbeatatlas, numbered as in BA_TrackKeyScore. -1 when there is none: in
+ *  silence and in tracks of less than a second, where all keys score 0; when it was not wanted; and
+ *  for null. */
 BA_API int32_t BA_TrackSessionKey(const BA_Track* track);
 
-/** All 24 keys, best first. None when BA_TrackSessionKey is -1. */
+/** All 24 keys of that session, best first. None when BA_TrackSessionKey is -1. */
 BA_API size_t BA_TrackSessionKeyRanking(const BA_Track* track, BA_TrackKeyScore* out, size_t room);
 
 /** The 12 notes from A upward: A, A♯, B … G♯. None when BA_TrackSessionKey is -1. */

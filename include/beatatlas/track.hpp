@@ -55,7 +55,9 @@ struct Options {
      *  track: all of it. 0: one minute. */
     double rangeSeconds = 0;
 
-    bool wantsKey = true;    ///< find the key, which takes passes of its own
+    bool wantsKey = true;  ///< find the key by evidence
+    /** Find the session's key as well, which takes passes of its own. */
+    bool wantsSessionKey = true;
     bool wantsWaves = true;  ///< make the three waves
 
     /** Automatic tempo: a range into which the tempo is brought by doubling or halving, with its
@@ -138,9 +140,39 @@ struct WavePoint {
     int color = 0;
 };
 
-/** All keys, best first, and the statistics of the notes. Keys 0 to 11 are the major keys from A
- *  upward, 12 to 23 the minor keys; pitch classes count from A too. */
-struct KeyRanking {
+/** A key, by what is heard of it in a track. Keys are numbered as in SessionKey. */
+struct KeyCandidate {
+    int key = 0;
+    double score = 0.0;        ///< only the scores of one track can be compared
+    double probability = 0.0;  ///< what the scores make of it; those of all keys add up to 1
+};
+
+/** A stretch of a track in one key. */
+struct KeySegment {
+    double fromSeconds = 0.0;
+    double toSeconds = 0.0;
+    int key = 0;
+    double confidence = 0.0;  ///< as in Key
+};
+
+/** The key by evidence, and how the track is tuned. */
+struct Key {
+    std::array<KeyCandidate, kKeyCount> ranking{};  ///< the likeliest first
+    double confidence =
+        0.0;  ///< the share of tracks of known key on which such an answer was right
+    std::vector<KeySegment> segments;  ///< one where the key does not change
+    std::array<double, kPitchClassCount>
+        chroma{};              ///< how strongly the notes from A upward sound; adds up to 1
+    double tuningCents = 0.0;  ///< above A4 = 440 Hz, -50 to 50
+    double tuningHz = 440.0;   ///< what A4 is
+
+    int best() const { return ranking[0].key; }
+    int second() const { return ranking[1].key; }
+};
+
+/** The key of a session: all keys, best first, and the statistics of the notes. Keys 0 to 11 are
+ *  the major keys from A upward, 12 to 23 the minor keys; pitch classes count from A too. */
+struct SessionKey {
     std::array<int, kKeyCount> keys{};
     std::array<double, kKeyCount> scores{};  ///< of keys[0], keys[1] …
     std::array<int, kPitchClassCount> noteCounts{};
@@ -161,7 +193,8 @@ struct TrackResult {
     std::vector<WavePoint> loudWave;          ///< 400 points; level in 16-bit scale, color 0 to 5
     std::vector<WavePoint> dotsWave;          ///< 100 points; level of the bass, color 5
     std::vector<WavePoint> zoomWave;          ///< 150 points a second; level 0 to 31, color 0 to 7
-    std::optional<KeyRanking> key;
+    std::optional<Key> key;                   ///< by evidence
+    std::optional<SessionKey> sessionKey;
 
     double seconds() const { return secondsAt(frames); }
     double secondsAt(std::int64_t frame) const { return static_cast<double>(frame) / rate; }
@@ -241,6 +274,7 @@ inline BA_TrackOptions toOptions(const Options& options, Host& host) {
     plain.section_beats = options.sectionBeats;
     plain.range_seconds = options.rangeSeconds;
     plain.wants_key = options.wantsKey ? 1 : 0;
+    plain.skips_session_key = options.wantsSessionKey ? 0 : 1;
     plain.wants_waves = options.wantsWaves ? 1 : 0;
     plain.threads = options.threads;
     plain.lowest_bpm = options.lowestBpm;
@@ -292,13 +326,32 @@ inline std::vector<WavePoint> waveOf(const BA_Track* track, int kind) {
     return points;
 }
 
-inline std::optional<KeyRanking> keyOf(const BA_Track* track) {
+inline std::optional<Key> keyOf(const BA_Track* track) {
+    if (BA_TrackKey(track) < 0) return std::nullopt;
+    Key key;
+    key.confidence = BA_TrackKeyConfidence(track);
+    key.tuningCents = BA_TrackTuningCents(track);
+    key.tuningHz = BA_TrackTuningHz(track);
+    BA_TrackChroma(track, key.chroma.data(), key.chroma.size());
+    std::array<BA_TrackKeyCandidate, kKeyCount> ranking{};
+    BA_TrackKeyRanking(track, ranking.data(), ranking.size());
+    for (std::size_t i = 0; i < ranking.size(); ++i)
+        key.ranking[i] = {ranking[i].key, ranking[i].score, ranking[i].probability};
+    std::vector<BA_TrackKeySegment> segments(BA_TrackKeySegments(track, nullptr, 0));
+    BA_TrackKeySegments(track, segments.data(), segments.size());
+    for (const BA_TrackKeySegment& segment : segments)
+        key.segments.push_back(
+            {segment.from_seconds, segment.to_seconds, segment.key, segment.confidence});
+    return key;
+}
+
+inline std::optional<SessionKey> sessionKeyOf(const BA_Track* track) {
     if (BA_TrackSessionKey(track) < 0) return std::nullopt;
     std::array<BA_TrackKeyScore, kKeyCount> keys{};
     std::array<BA_TrackNote, kPitchClassCount> notes{};
     BA_TrackSessionKeyRanking(track, keys.data(), keys.size());
     BA_TrackNotes(track, notes.data(), notes.size());
-    KeyRanking ranking;
+    SessionKey ranking;
     for (std::size_t i = 0; i < keys.size(); ++i) {
         ranking.keys[i] = keys[i].key;
         ranking.scores[i] = keys[i].score;
@@ -321,6 +374,7 @@ inline TrackResult resultOf(const BA_Track* track) {
     result.dotsWave = waveOf(track, BA_TRACK_WAVE_DOTS);
     result.zoomWave = waveOf(track, BA_TRACK_WAVE_ZOOM);
     result.key = keyOf(track);
+    result.sessionKey = sessionKeyOf(track);
     return result;
 }
 

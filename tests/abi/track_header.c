@@ -12,12 +12,15 @@ BA_CHECK(reading_size, sizeof(BA_TrackReading) == 32);
 BA_CHECK(stretch_size, sizeof(BA_TrackTempoStretch) == 24);
 BA_CHECK(key_size, sizeof(BA_TrackKeyScore) == 16);
 BA_CHECK(key_score_offset, offsetof(BA_TrackKeyScore, score) == 8);
+BA_CHECK(candidate_size, sizeof(BA_TrackKeyCandidate) == 24);
+BA_CHECK(segment_size, sizeof(BA_TrackKeySegment) == 32);
+BA_CHECK(segment_key_offset, offsetof(BA_TrackKeySegment, key) == 24);
 BA_CHECK(note_size, sizeof(BA_TrackNote) == 16);
 BA_CHECK(note_share_offset, offsetof(BA_TrackNote, share) == 8);
 BA_CHECK(options_size_first, offsetof(BA_TrackOptions, size) == 0);
 BA_CHECK(source_size_first, offsetof(BA_TrackSource, size) == 0);
 #if defined(__LP64__)
-BA_CHECK(options_size, sizeof(BA_TrackOptions) == 80);
+BA_CHECK(options_size, sizeof(BA_TrackOptions) == 88);
 BA_CHECK(options_range_offset, offsetof(BA_TrackOptions, range_seconds) == 16);
 BA_CHECK(options_progress_offset, offsetof(BA_TrackOptions, progress) == 40);
 BA_CHECK(options_range_of_tempo_offset, offsetof(BA_TrackOptions, lowest_bpm) == 56);

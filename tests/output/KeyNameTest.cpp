@@ -36,6 +36,27 @@ TEST(KeyName, GivesEveryKeyItsThreeNames) {
     }
 }
 
+TEST(KeyName, SpellsWithSharpsOrFlatsAlone) {
+    EXPECT_EQ(KeyName(1).withSharps(), "A# major");
+    EXPECT_EQ(KeyName(1).withFlats(), "Bb major");
+    EXPECT_EQ(KeyName(21).withSharps(), "F# minor");
+    EXPECT_EQ(KeyName(21).withFlats(), "Gb minor");
+    EXPECT_EQ(KeyName(3).withSharps(), KeyName(3).withFlats());
+    for (const KeyCase& key : kCircle) {
+        EXPECT_EQ(KeyName(key.number).withSharps().find('b'), std::string::npos);
+        EXPECT_EQ(KeyName(key.number).withFlats().find('#'), std::string::npos);
+    }
+}
+
+TEST(KeyName, IsGivenInEveryNotation) {
+    const KeyName key(23);
+    EXPECT_EQ(key.in(KeyNotation::standard), "G# minor");
+    EXPECT_EQ(key.in(KeyNotation::sharps), "G# minor");
+    EXPECT_EQ(key.in(KeyNotation::flats), "Ab minor");
+    EXPECT_EQ(key.in(KeyNotation::camelot), "1A");
+    EXPECT_EQ(key.in(KeyNotation::openKey), "6m");
+}
+
 TEST(KeyName, CoversAllKeysOnce) {
     std::set<int> numbers;
     std::set<std::string> hours;

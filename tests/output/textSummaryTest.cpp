@@ -20,7 +20,7 @@ TEST(textSummary, TellsAllThatWasFound) {
               "  length   0:08.00  (384,000 frames)\n"
               "  tempo    120.00 BPM\n"
               "  beats    15 beats, first at 0:00.10; 4 bars, first at 0:00.60\n"
-              "  key      A minor, 8A, 1m, number 12; next C major (8B), 2.5 % behind\n"
+              "  key      A minor, 8A, 1m, number 12\n"
               "  waves    400 loudness, 100 dots, 1,200 zoom points\n");
 }
 
@@ -46,6 +46,33 @@ TEST(textSummary, TellsTheRangeOfAVaryingTempo) {
     report.analysis.beats[3].bpm = 118.5;
     report.analysis.beats[7].bpm = 122.04;
     EXPECT_THAT(textSummary(report), HasSubstr("120.00 BPM, 118.50 to 122.04 along the track\n"));
+}
+
+TEST(textSummary, TellsTheSecondCandidateOfAnUncertainKey) {
+    TrackReport report = test::exampleReport();
+    report.analysis.key->confidence = 0.79;
+    EXPECT_THAT(textSummary(report),
+                HasSubstr("key      A minor, 8A, 1m, number 12; perhaps C major (8B)\n"));
+    EXPECT_EQ(keyText(report), "A minor (8A); perhaps C major (8B)");
+    report.analysis.key->confidence = 0.2;
+    EXPECT_THAT(textSummary(report), HasSubstr("; perhaps C major (8B); hardly a clear key\n"));
+}
+
+TEST(textSummary, NamesKeysInTheNotationAskedFor) {
+    TrackReport report = test::exampleReport();
+    report.keyNotation = KeyNotation::openKey;
+    EXPECT_THAT(textSummary(report), HasSubstr("key      1m\n"));
+    report.analysis.key->confidence = 0.5;
+    EXPECT_THAT(textSummary(report), HasSubstr("key      1m; perhaps 1d\n"));
+    EXPECT_EQ(keyText(report), "1m; perhaps 1d");
+}
+
+TEST(textSummary, TellsWhereTheKeyChanges) {
+    TrackReport report = test::exampleReport();
+    EXPECT_THAT(textSummary(report), Not(HasSubstr("changes")));
+    report.analysis.key->segments = {{0.0, 4.5, 12, 0.9}, {4.5, 8.0, 13, 0.9}};
+    EXPECT_THAT(textSummary(report),
+                HasSubstr("  changes  A minor (8A) from 0:00.00, Bb minor (3A) from 0:04.50\n"));
 }
 
 TEST(textSummary, TellsBothRatesOfAConvertedTrack) {

@@ -71,14 +71,37 @@ TEST(trackJson, TellsTheKeyInAllItsNamesAndAllTwentyFour) {
     const Json key = trackJson(test::exampleReport(), false)["key"];
     EXPECT_EQ(key["number"], 12);
     EXPECT_EQ(key["name"], "A minor");
+    EXPECT_EQ(key["sharps"], "A minor");
+    EXPECT_EQ(key["flats"], "A minor");
     EXPECT_EQ(key["camelot"], "8A");
     EXPECT_EQ(key["openKey"], "1m");
+    EXPECT_EQ(key["confidence"], 0.875);
+    EXPECT_EQ(key["tuning"], (Json{{"cents", 25.0}, {"hz", 446.4}}));
+    ASSERT_EQ(key["ranking"].size(), 24U);
+    EXPECT_EQ(key["ranking"][1]["name"], "C major");
+    EXPECT_EQ(key["ranking"][1]["score"], 0.9375);
+    EXPECT_EQ(key["ranking"][1]["probability"], 0.25);
+    ASSERT_EQ(key["segments"].size(), 1U);
+    EXPECT_EQ(key["segments"][0]["from"], 0.0);
+    EXPECT_EQ(key["segments"][0]["to"], 8.0);
+    EXPECT_EQ(key["segments"][0]["number"], 12);
+    EXPECT_EQ(key["segments"][0]["confidence"], 0.875);
+    ASSERT_EQ(key["chroma"].size(), 12U);
+    EXPECT_EQ(key["chroma"][0], (Json{{"note", "A"}, {"share", 0.3125}}));
+}
+
+TEST(trackJson, TellsTheSessionsKeyByThatName) {
+    TrackReport report = test::exampleReport();
+    const Json key = trackJson(report, false)["sessionKey"];
+    EXPECT_EQ(key["number"], 12);
     EXPECT_DOUBLE_EQ(key["runnerUpDistance"].get<double>(), 0.025);  // 200 against 195
     ASSERT_EQ(key["ranking"].size(), 24U);
     EXPECT_EQ(key["ranking"][1]["name"], "C major");
     EXPECT_EQ(key["ranking"][1]["score"], 195.0);
     ASSERT_EQ(key["notes"].size(), 12U);
     EXPECT_EQ(key["notes"][3]["note"], "C");
+    report.options.wantsSessionKey = false;
+    EXPECT_FALSE(trackJson(report, false).contains("sessionKey"));
 }
 
 TEST(trackJson, TellsWhatWasNotFoundAsNullAndLeavesOutWhatWasNotAskedFor) {
@@ -87,12 +110,14 @@ TEST(trackJson, TellsWhatWasNotFoundAsNullAndLeavesOutWhatWasNotAskedFor) {
     EXPECT_TRUE(asked["tempo"]["bpm"].is_null());
     EXPECT_TRUE(asked["beats"].empty());
     EXPECT_TRUE(asked["key"].is_null());
+    EXPECT_TRUE(asked["sessionKey"].is_null());
     report.options.tempo = beatatlas::track::TempoMode::off;
     report.options.wantsKey = false;
     const Json unasked = trackJson(report, false);
     EXPECT_FALSE(unasked.contains("tempo"));
     EXPECT_FALSE(unasked.contains("beats"));
     EXPECT_FALSE(unasked.contains("key"));
+    EXPECT_FALSE(unasked.contains("sessionKey"));
 }
 
 TEST(trackJson, HoldsTheWavesOnlyWhenWanted) {

@@ -56,6 +56,8 @@ TEST(TrackOptionsTest, HaveTheStatedDefaults) {
     EXPECT_EQ(options.highest_bpm, 0.0);
     EXPECT_EQ(options.beats_per_bar, 0);
     EXPECT_EQ(options.reserved_bar, 0);
+    EXPECT_EQ(options.skips_session_key, 0);
+    EXPECT_EQ(options.reserved_key, 0);
 }
 
 TEST(TrackOptionsTest, NullMeansAllDefaults) {
@@ -80,6 +82,7 @@ TEST(TrackOptionsTest, OutOfRangeAreRefused) {
     EXPECT_EQ(statusWith([](auto& options) { options.threads = -1; }), BA_TRACK_BAD_ARGUMENT);
     EXPECT_EQ(statusWith([](auto& options) { options.reserved = 1; }), BA_TRACK_BAD_ARGUMENT);
     EXPECT_EQ(statusWith([](auto& options) { options.reserved_bar = 1; }), BA_TRACK_BAD_ARGUMENT);
+    EXPECT_EQ(statusWith([](auto& options) { options.reserved_key = 1; }), BA_TRACK_BAD_ARGUMENT);
     EXPECT_EQ(statusWith([](auto& options) { options.beats_per_bar = 5; }), BA_TRACK_BAD_ARGUMENT);
 }
 
@@ -292,6 +295,16 @@ TEST(TrackGetterTest, ANullHandleIsAnsweredNeutrally) {
     EXPECT_EQ(BA_TrackBpm(nullptr), 0.0);
     EXPECT_EQ(BA_TrackBeats(nullptr, &beat, 1), 0U);
     EXPECT_EQ(BA_TrackWave(nullptr, BA_TRACK_WAVE_ZOOM, &point, 1), 0U);
+    BA_TrackKeyCandidate candidate{};
+    BA_TrackKeySegment segment{};
+    double tone = 0.0;
+    EXPECT_EQ(BA_TrackKey(nullptr), -1);
+    EXPECT_EQ(BA_TrackKeyConfidence(nullptr), 0.0);
+    EXPECT_EQ(BA_TrackKeyRanking(nullptr, &candidate, 1), 0U);
+    EXPECT_EQ(BA_TrackKeySegments(nullptr, &segment, 1), 0U);
+    EXPECT_EQ(BA_TrackChroma(nullptr, &tone, 1), 0U);
+    EXPECT_EQ(BA_TrackTuningCents(nullptr), 0.0);
+    EXPECT_EQ(BA_TrackTuningHz(nullptr), 0.0);
     EXPECT_EQ(BA_TrackSessionKey(nullptr), -1);
     EXPECT_EQ(BA_TrackSessionKeyRanking(nullptr, &score, 1), 0U);
     EXPECT_EQ(BA_TrackNotes(nullptr, &note, 1), 0U);
@@ -337,6 +350,12 @@ TEST_F(TrackListTest, CopiesAsMuchAsThereIsRoomFor) {
         expectCopiesAsMuchAsThereIsRoomFor<BA_WaveInfo>([&](BA_WaveInfo* out, std::size_t room) {
             return BA_TrackWave(track_, wave, out, room);
         });
+    expectCopiesAsMuchAsThereIsRoomFor<BA_TrackKeyCandidate>(
+        [&](BA_TrackKeyCandidate* out, std::size_t room) {
+            return BA_TrackKeyRanking(track_, out, room);
+        });
+    expectCopiesAsMuchAsThereIsRoomFor<double>(
+        [&](double* out, std::size_t room) { return BA_TrackChroma(track_, out, room); });
     expectCopiesAsMuchAsThereIsRoomFor<BA_TrackKeyScore>(
         [&](BA_TrackKeyScore* out, std::size_t room) {
             return BA_TrackSessionKeyRanking(track_, out, room);

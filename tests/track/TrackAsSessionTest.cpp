@@ -48,7 +48,7 @@ void expectSameBeats(const Found& found, const SessionResults& expected) {
 }
 
 void expectSameKey(const Found& found, const SessionResults& expected) {
-    EXPECT_EQ(found.key, expected.mainKey);
+    EXPECT_EQ(found.sessionKey, expected.mainKey);
     ASSERT_EQ(found.ranking.size(), 24U);
     ASSERT_EQ(found.notes.size(), 12U);
     for (std::size_t i = 0; i < 24; ++i) {
@@ -125,7 +125,7 @@ TEST_P(TrackAsSessionTest, FindsTheSameBits) {
     if (wantsKey())
         expectSameKey(found, expected);
     else
-        EXPECT_EQ(found.key, -1);
+        EXPECT_EQ(found.sessionKey, -1);
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -229,7 +229,7 @@ TEST(TrackAsSessionEdgeTest, SilenceHasNeitherTempoNorKey) {
     EXPECT_TRUE(found.hasTrack);
     EXPECT_EQ(found.bpm, 0.0);
     EXPECT_TRUE(found.beats.empty());
-    EXPECT_EQ(found.key, -1);
+    EXPECT_EQ(found.sessionKey, -1);
     EXPECT_TRUE(found.ranking.empty());
     EXPECT_TRUE(found.notes.empty());
     EXPECT_EQ(found.waves[BA_TRACK_WAVE_LOUD].size(), 400U);

@@ -78,14 +78,39 @@ TEST(TrackHeaderTest, GivesWhatThePlainInterfaceGives) {
     expectSameWave(result.loudWave, expected.waves[BA_TRACK_WAVE_LOUD]);
     expectSameWave(result.dotsWave, expected.waves[BA_TRACK_WAVE_DOTS]);
     expectSameWave(result.zoomWave, expected.waves[BA_TRACK_WAVE_ZOOM]);
-    ASSERT_TRUE(result.key.has_value());
+    ASSERT_TRUE(result.sessionKey.has_value());
     for (std::size_t i = 0; i < 24; ++i) {
-        EXPECT_EQ(result.key->keys[i], expected.ranking[i].key);
-        EXPECT_EQ(result.key->scores[i], expected.ranking[i].score);
+        EXPECT_EQ(result.sessionKey->keys[i], expected.ranking[i].key);
+        EXPECT_EQ(result.sessionKey->scores[i], expected.ranking[i].score);
     }
     for (std::size_t i = 0; i < 12; ++i) {
-        EXPECT_EQ(result.key->noteCounts[i], expected.notes[i].count);
-        EXPECT_EQ(result.key->noteShares[i], expected.notes[i].share);
+        EXPECT_EQ(result.sessionKey->noteCounts[i], expected.notes[i].count);
+        EXPECT_EQ(result.sessionKey->noteShares[i], expected.notes[i].share);
+    }
+}
+
+TEST(TrackHeaderTest, GivesTheKeyOfThePlainInterface) {
+    const TrackResult result = analysed({});
+    const Found expected = analyseArrays(defaultsOf(), music());
+    ASSERT_TRUE(result.key.has_value());
+    const track::Key& key = *result.key;
+    EXPECT_EQ(key.best(), expected.key);
+    EXPECT_EQ(key.second(), expected.keys[1].key);
+    EXPECT_EQ(key.confidence, expected.keyConfidence);
+    EXPECT_EQ(key.tuningCents, expected.tuningCents);
+    EXPECT_EQ(key.tuningHz, expected.tuningHz);
+    for (std::size_t i = 0; i < 24; ++i) {
+        EXPECT_EQ(key.ranking[i].key, expected.keys[i].key);
+        EXPECT_EQ(key.ranking[i].score, expected.keys[i].score);
+        EXPECT_EQ(key.ranking[i].probability, expected.keys[i].probability);
+    }
+    for (std::size_t i = 0; i < 12; ++i) EXPECT_EQ(key.chroma[i], expected.chroma[i]);
+    ASSERT_EQ(key.segments.size(), expected.keySegments.size());
+    for (std::size_t i = 0; i < key.segments.size(); ++i) {
+        EXPECT_EQ(key.segments[i].fromSeconds, expected.keySegments[i].from_seconds);
+        EXPECT_EQ(key.segments[i].toSeconds, expected.keySegments[i].to_seconds);
+        EXPECT_EQ(key.segments[i].key, expected.keySegments[i].key);
+        EXPECT_EQ(key.segments[i].confidence, expected.keySegments[i].confidence);
     }
 }
 
@@ -105,8 +130,13 @@ TEST(TrackHeaderTest, OptionsReachTheLibrary) {
     EXPECT_TRUE(result.loudWave.empty());
     EXPECT_TRUE(result.zoomWave.empty());
     EXPECT_FALSE(result.key.has_value());
+    EXPECT_FALSE(result.sessionKey.has_value());
     options.tempo = track::TempoMode::off;
     EXPECT_FALSE(analysed(options).bpm.has_value());
+    options.wantsKey = true;
+    options.wantsSessionKey = false;
+    EXPECT_TRUE(analysed(options).key.has_value());
+    EXPECT_FALSE(analysed(options).sessionKey.has_value());
     options.tempo = track::TempoMode::simple;
     options.rangeSeconds = -1.0;
     EXPECT_THROW(analysed(options), track::Error);
@@ -130,6 +160,7 @@ TEST(TrackHeaderTest, WhatIsNotFoundIsMissing) {
     const TrackResult result = analysed({}, quiet);
     EXPECT_FALSE(result.bpm.has_value());
     EXPECT_FALSE(result.key.has_value());
+    EXPECT_FALSE(result.sessionKey.has_value());
     EXPECT_TRUE(result.beats.empty());
 }
 
@@ -191,7 +222,7 @@ TEST(TrackHeaderTest, ValuesAnswerWhatIsOftenAsked) {
     EXPECT_EQ(result.secondsAt(24000), 0.5);
     EXPECT_TRUE((Beat{0.0, 120.0, 0, 1}).isDownbeat());
     EXPECT_FALSE((Beat{0.0, 120.0, 0, 2}).isDownbeat());
-    track::KeyRanking ranking;
+    track::SessionKey ranking;
     ranking.scores[0] = 8.0;
     ranking.scores[1] = 6.0;
     EXPECT_EQ(ranking.runnerUpDistance(), 0.25);

@@ -46,7 +46,11 @@ bool sameBits(const Found& a, const Found& b) {
     return a.status == b.status && a.hasTrack == b.hasTrack && a.rate == b.rate &&
            a.frames == b.frames && a.bpm == b.bpm && sameArray(a.beats, b.beats) &&
            sameArray(a.waves[0], b.waves[0]) && sameArray(a.waves[1], b.waves[1]) &&
-           sameArray(a.waves[2], b.waves[2]) && a.key == b.key && sameArray(a.ranking, b.ranking) &&
+           sameArray(a.waves[2], b.waves[2]) && a.key == b.key &&
+           a.keyConfidence == b.keyConfidence && a.tuningCents == b.tuningCents &&
+           a.tuningHz == b.tuningHz && sameArray(a.keys, b.keys) &&
+           sameArray(a.keySegments, b.keySegments) && sameArray(a.chroma, b.chroma) &&
+           a.sessionKey == b.sessionKey && sameArray(a.ranking, b.ranking) &&
            sameArray(a.notes, b.notes);
 }
 
@@ -63,7 +67,20 @@ Found readAndRelease(int status, BA_Track* track) {
         found.waves[wave] = readList<BA_WaveInfo>([&](BA_WaveInfo* out, std::size_t room) {
             return BA_TrackWave(track, wave, out, room);
         });
-    found.key = BA_TrackSessionKey(track);
+    found.key = BA_TrackKey(track);
+    found.keyConfidence = BA_TrackKeyConfidence(track);
+    found.tuningCents = BA_TrackTuningCents(track);
+    found.tuningHz = BA_TrackTuningHz(track);
+    found.keys = readList<BA_TrackKeyCandidate>([&](BA_TrackKeyCandidate* out, std::size_t room) {
+        return BA_TrackKeyRanking(track, out, room);
+    });
+    found.keySegments =
+        readList<BA_TrackKeySegment>([&](BA_TrackKeySegment* out, std::size_t room) {
+            return BA_TrackKeySegments(track, out, room);
+        });
+    found.chroma = readList<double>(
+        [&](double* out, std::size_t room) { return BA_TrackChroma(track, out, room); });
+    found.sessionKey = BA_TrackSessionKey(track);
     found.ranking = readList<BA_TrackKeyScore>([&](BA_TrackKeyScore* out, std::size_t room) {
         return BA_TrackSessionKeyRanking(track, out, room);
     });

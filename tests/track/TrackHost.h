@@ -37,8 +37,15 @@ struct Found {
     double bpm = 0.0;
     std::vector<BA_TrackBeat> beats;
     std::vector<BA_WaveInfo> waves[3];
-    int key = 0;
-    std::vector<BA_TrackKeyScore> ranking;
+    int key = 0;  // by evidence
+    double keyConfidence = 0.0;
+    double tuningCents = 0.0;
+    double tuningHz = 0.0;
+    std::vector<BA_TrackKeyCandidate> keys;
+    std::vector<BA_TrackKeySegment> keySegments;
+    std::vector<double> chroma;
+    int sessionKey = 0;
+    std::vector<BA_TrackKeyScore> ranking;  // of the session
     std::vector<BA_TrackNote> notes;
 };
 

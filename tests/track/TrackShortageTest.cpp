@@ -80,6 +80,7 @@ TEST_P(TrackShortageTest, IsSaidAndLeaksNothing) {
     const Found expected = analyseArrays(options, music());
     ASSERT_FALSE(expected.beats.empty());
     ASSERT_FALSE(expected.ranking.empty());
+    ASSERT_FALSE(expected.keys.empty());
     PlainSource source;
     source.isFewestPasses = isFewestPasses;
     const BA_TrackSource asked = source.asSource();

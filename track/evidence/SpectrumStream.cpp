@@ -6,25 +6,21 @@
 
 namespace beatatlas::track::inner {
 
-namespace {
-
-constexpr std::int64_t kHalf = SpectrumStream::kLength / 2;
-
-}  // namespace
-
 // The first frame is centred on the first sample: half of it is silence.
-SpectrumStream::SpectrumStream(double step)
-    : step_(step), spectra_(kLength, periodicHann(kLength)), bufferStart_(-kHalf), filled_(kHalf) {
+SpectrumStream::SpectrumStream(double step, int length)
+    : step_(step), length_(length), spectra_(length, periodicHann(length)),
+      bufferStart_(-length / 2), filled_(length / 2) {
     const double batch = std::ceil(step * FrameSpectra::kFrames);
-    buffer_.resize(static_cast<std::size_t>(batch) + SpectrumStream::kLength);
+    buffer_.resize(static_cast<std::size_t>(batch) + static_cast<std::size_t>(length));
 }
 
 std::int64_t SpectrumStream::startOf(std::int64_t frame) const {
-    return static_cast<std::int64_t>(std::nearbyint(static_cast<double>(frame) * step_)) - kHalf;
+    return static_cast<std::int64_t>(std::nearbyint(static_cast<double>(frame) * step_)) -
+           length_ / 2;
 }
 
 std::int64_t SpectrumStream::batchEnd() const {
-    return startOf(nextFrame_ + FrameSpectra::kFrames - 1) + SpectrumStream::kLength;
+    return startOf(nextFrame_ + FrameSpectra::kFrames - 1) + length_;
 }
 
 bool SpectrumStream::isBatchComplete() const {

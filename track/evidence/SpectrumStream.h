@@ -10,16 +10,17 @@
 
 namespace beatatlas::track::inner {
 
-/** Spectra of 1,024 samples of a stream of samples at even distances: frame i is centred on sample i × step, rounded. Silence lies before
+/** Spectra of a stream of samples at even distances: frame i is centred on sample i × step, rounded. Silence lies before
  *  the stream and behind it. Frames come in batches that do not depend on the caller's blocks.
  *
  *  Life: construct → put() per block → finish() with the number of frames wanted. Nothing is allocated in put(). */
 class SpectrumStream {
 public:
-    static constexpr int kLength = 1024;  // samples of a frame, under a periodic Hann window
+    static constexpr int kLength = 1024;
 
-    /** @param step  samples from frame to frame, 1 … 1000 */
-    explicit SpectrumStream(double step);
+    /** @param step    samples from frame to frame, 1 … length
+     *  @param length  samples of a frame, under a periodic Hann window; a power of two of at least 64 */
+    explicit SpectrumStream(double step, int length = kLength);
 
     /** Takes the next samples and calls take(const FrameSpectra&, int count) for each batch of frames that is complete:
      *  the next `count` ones. */
@@ -66,6 +67,7 @@ private:
     void forgetUsed();
 
     double step_;
+    std::int64_t length_;
     FrameSpectra spectra_;
     std::vector<float> buffer_;
     std::int64_t bufferStart_;  // place of the buffer's first sample in the stream

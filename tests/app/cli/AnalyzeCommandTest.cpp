@@ -79,6 +79,25 @@ TEST_F(AnalyzeCommand, AddsTheWavesWhenAsked) {
     EXPECT_EQ(waves["zoom"]["levels"].size(), 750U);
 }
 
+// Text leaves the session's key out, and the pass it takes: the key must be the same.
+TEST_F(AnalyzeCommand, TellsTheSameKeyInTextAsInJson) {
+    const std::string track = folder_.file("cadence.wav");
+    test::writeAudioFile(track, {"wav", "pcm_s16le"}, test::cadence(44100, 2, 8.0, 13, 440.0));
+    const Json found = Json::parse(runTool({"analyze", "--json", track}).out)["tracks"][0];
+    EXPECT_EQ(found["key"]["number"], 13);
+    EXPECT_EQ(found["key"]["sharps"], "A# minor");
+    EXPECT_EQ(found["key"]["flats"], "Bb minor");
+    EXPECT_EQ(found["sessionKey"]["ranking"].size(), 24U);
+    EXPECT_THAT(runTool({"analyze", track}).out, HasSubstr("  key      Bb minor, 3A, 8m"));
+    for (const auto& [notation, name] : {std::pair("standard", "Bb minor"),
+                                         {"sharps", "A# minor"},
+                                         {"flats", "Bb minor"},
+                                         {"camelot", "3A"},
+                                         {"openkey", "8m"}})
+        EXPECT_THAT(runTool({"analyze", "--key-notation", notation, track}).out,
+                    HasSubstr(std::string("  key      ") + name));
+}
+
 TEST_F(AnalyzeCommand, AnalysesTheOtherTracksWhenOneFails) {
     test::writeFile(folder_.file("empty.mp3"), "");
     const ToolRun run = runTool({"analyze", writeTrack("a.wav"), folder_.file("empty.mp3"),

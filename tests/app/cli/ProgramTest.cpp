@@ -28,16 +28,16 @@ TEST(Program, PrintsHelpForEachCommand) {
     const ToolRun analyze = runTool({"analyze", "--help"});
     EXPECT_EQ(analyze.exitStatus, 0);
     for (const char* part :
-         {"FILE", "--json", "--waves", "--tempo", "--section", "--range", "--no-key", "--memory",
-          "--threads", "--partial", "--quiet", "--verbose"}) {
+         {"FILE", "--json", "--waves", "--tempo", "--section", "--range", "--no-key",
+          "--key-notation", "--memory", "--threads", "--partial", "--quiet", "--verbose"}) {
         EXPECT_THAT(analyze.out, HasSubstr(part));
     }
     const ToolRun draw = runTool({"draw", "--help"});
     EXPECT_EQ(draw.exitStatus, 0);
-    for (const char* part : {"--output", "--from", "--span", "--width"})
+    for (const char* part : {"--output", "--from", "--span", "--width", "--key-notation"})
         EXPECT_THAT(draw.out, HasSubstr(part));
     const ToolRun key = runTool({"key", "--help"});
-    for (const char* part : {"FILE", "--json", "--pitch", "--mode", "--partial"})
+    for (const char* part : {"FILE", "--json", "--pitch", "--mode", "--key-notation", "--partial"})
         EXPECT_THAT(key.out, HasSubstr(part));
     const ToolRun cut = runTool({"cut", "--help"});
     for (const char* part : {"--output", "--mode", "--div", "--float", "--partial"})
@@ -75,6 +75,8 @@ TEST(Program, RefusesACommandLineItDoesNotUnderstand) {
         {"analyze", "--range", "5", "x"},
         {"analyze", "--section", "8", "x"},
         {"analyze", "--waves", "x"},
+        {"analyze", "--key-notation", "german", "x"},
+        {"analyze", "--json", "--key-notation", "camelot", "x"},
         {"draw", "x"},
         {"draw", "x", "-o", "y.jpg"},
         {"draw", "x", "y", "-o", "z.png"},

@@ -10,14 +10,34 @@ constexpr int kSeconds = 8;
 constexpr int kFramesPerBeat = kRate / 2;
 constexpr int kFirstBeat = 4800;  // a tenth of a second
 
-beatatlas::track::KeyRanking aMinorAheadOfCMajor() {
-    beatatlas::track::KeyRanking key;
+// 12 + 15 i modulo 24 meets each of its eight values three times: the rest of the ranking does not matter here.
+int rankedKey(int rank) {
+    return (12 + 15 * rank) % beatatlas::track::kKeyCount;
+}
+
+beatatlas::track::Key aMinor() {
+    beatatlas::track::Key key;
+    for (int i = 0; i < beatatlas::track::kKeyCount; ++i)
+        key.ranking[static_cast<std::size_t>(i)] = {rankedKey(i), 1.0 - 0.0625 * i,
+                                                    i == 0   ? 0.75
+                                                    : i == 1 ? 0.25
+                                                             : 0.0};
+    key.confidence = 0.875;
+    key.segments = {{0.0, kSeconds, 12, 0.875}};
+    key.chroma.fill(0.0625);
+    key.chroma[0] = 0.3125;
+    key.tuningCents = 25.0;
+    key.tuningHz = 446.4;
+    return key;
+}
+
+beatatlas::track::SessionKey aMinorAheadOfCMajor() {
+    beatatlas::track::SessionKey key;
     for (int i = 0; i < beatatlas::track::kKeyCount; ++i) {
         const auto at = static_cast<std::size_t>(i);
-        key.keys[at] = (12 + 15 * i) % beatatlas::track::kKeyCount;
+        key.keys[at] = rankedKey(i);
         key.scores[at] = 200.0 - 5.0 * i;
     }
-    // 12 + 15 i modulo 24 meets each of its eight values three times: the rest of the ranking does not matter here.
     key.noteCounts.fill(1);
     key.noteShares.fill(1.0 / beatatlas::track::kPitchClassCount);
     return key;
@@ -50,7 +70,8 @@ output::TrackReport exampleReport() {
     for (int i = 0; i < 150 * kSeconds; ++i) {
         analysis.zoomWave.push_back({static_cast<float>(i % 32), i % 8});
     }
-    analysis.key = aMinorAheadOfCMajor();
+    analysis.key = aMinor();
+    analysis.sessionKey = aMinorAheadOfCMajor();
     return report;
 }
 

@@ -11,7 +11,8 @@ namespace test {
 namespace {
 
 using beatatlas::track::Beat;
-using beatatlas::track::KeyRanking;
+using beatatlas::track::Key;
+using beatatlas::track::SessionKey;
 using beatatlas::track::TempoJudgement;
 using beatatlas::track::WavePoint;
 
@@ -58,8 +59,21 @@ void expectSameJudgement(const std::optional<TempoJudgement>& found,
     }
 }
 
-void expectSameKey(const std::optional<KeyRanking>& found,
-                   const std::optional<KeyRanking>& expected) {
+void expectSameKey(const std::optional<Key>& found, const std::optional<Key>& expected) {
+    ASSERT_EQ(found.has_value(), expected.has_value());
+    if (!found) return;
+    EXPECT_EQ(found->confidence, expected->confidence);
+    EXPECT_EQ(found->chroma, expected->chroma);
+    EXPECT_EQ(found->tuningCents, expected->tuningCents);
+    EXPECT_EQ(found->segments.size(), expected->segments.size());
+    for (std::size_t i = 0; i < found->ranking.size(); ++i) {
+        EXPECT_EQ(found->ranking[i].key, expected->ranking[i].key) << i;
+        EXPECT_EQ(found->ranking[i].score, expected->ranking[i].score) << i;
+    }
+}
+
+void expectSameSessionKey(const std::optional<SessionKey>& found,
+                          const std::optional<SessionKey>& expected) {
     ASSERT_EQ(found.has_value(), expected.has_value());
     if (!found) return;
     EXPECT_EQ(found->keys, expected->keys);
@@ -89,6 +103,7 @@ void expectSameResults(const beatatlas::track::TrackResult& found,
     expectSameWave(found.dotsWave, expected.dotsWave);
     expectSameWave(found.zoomWave, expected.zoomWave);
     expectSameKey(found.key, expected.key);
+    expectSameSessionKey(found.sessionKey, expected.sessionKey);
 }
 
 }  // namespace test

@@ -42,6 +42,27 @@ TEST(SpectrumStream, CentresFramesOnMultiplesOfTheStep) {
     }
 }
 
+// A click in the middle of the second frame, whatever their length.
+TEST(SpectrumStream, HasFramesOfTheLengthAskedFor) {
+    for (const int length : {64, 4096}) {
+        const int step = length / 2;
+        SpectrumStream stream(step, length);
+        std::vector<float> bins;
+        const auto take = [&](const FrameSpectra& spectra, int count) {
+            EXPECT_EQ(spectra.points(), length);
+            for (int f = 0; f < count; ++f) bins.push_back(std::abs(spectra.at(f, 5)));
+        };
+        const auto click =
+            impulse(static_cast<std::size_t>(4 * step), static_cast<std::size_t>(step), 1.0);
+        stream.put(click.data(), static_cast<std::int64_t>(click.size()), take);
+        stream.finish(4, take);
+        ASSERT_EQ(bins.size(), 4U);
+        EXPECT_NEAR(bins[0], 0.0F, 1e-6F);
+        EXPECT_NEAR(bins[1], 1.0F, 1e-5F);
+        EXPECT_NEAR(bins[2], 0.0F, 1e-6F);
+    }
+}
+
 TEST(SpectrumStream, DoesNotCareForTheSizeOfBlocks) {
     const std::vector<float> noise = whiteNoise(40000, 1.0, 3);
     const auto expected = framesOf(noise, 294.0, 137, 40000);

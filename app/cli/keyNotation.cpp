@@ -1,0 +1,36 @@
+// SPDX-License-Identifier: MIT
+#include "cli/keyNotation.h"
+
+#include <map>
+#include <string>
+
+#include <CLI/CLI.hpp>
+
+namespace app {
+
+namespace {
+
+std::map<std::string, output::KeyNotation> notations() {
+    return {{"standard", output::KeyNotation::standard},
+            {"sharps", output::KeyNotation::sharps},
+            {"flats", output::KeyNotation::flats},
+            {"camelot", output::KeyNotation::camelot},
+            {"openkey", output::KeyNotation::openKey}};
+}
+
+}  // namespace
+
+CLI::Option* addKeyNotation(CLI::App& arguments, std::optional<output::KeyNotation>& notation) {
+    return arguments
+        .add_option("--key-notation", notation,
+                    "name keys in one way alone:\n"
+                    "standard: F# minor, Bb major, with the fewer accidentals\n"
+                    "sharps: F# minor, A# major\n"
+                    "flats: Gb minor, Bb major\n"
+                    "camelot: 11A, 6B\n"
+                    "openkey: 4m, 11d")
+        ->transform(CLI::CheckedTransformer(notations()).description(""))
+        ->option_text("NAMES");
+}
+
+}  // namespace app

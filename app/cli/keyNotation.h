@@ -1,0 +1,18 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <optional>
+
+#include "output/KeyName.h"
+
+namespace CLI {
+class App;
+class Option;
+}  // namespace CLI
+
+namespace app {
+
+/** Declares --key-notation, by which keys are named in one way alone. */
+CLI::Option* addKeyNotation(CLI::App& arguments, std::optional<output::KeyNotation>& notation);
+
+}  // namespace app

@@ -1,0 +1,86 @@
+// SPDX-License-Identifier: MIT
+// Method: peaks of the spectrum, folded into pitch classes about the track's own tuning; the correlation of their mean with
+// the profile of each key, as proposed by C. Krumhansl and M. Schmuckler, "Cognitive Foundations of Musical Pitch" (1990),
+// chapter 4; beside it, how much of the time the triad on its tonic sounds.
+#include "track/key/EvidenceKey.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <cstdint>
+
+#include "track/NearestScope.h"
+#include "track/key/KeyFrames.h"
+#include "track/key/PeakFinder.h"
+#include "track/key/keyConfidence.h"
+#include "track/key/keySegments.h"
+#include "track/key/scoreKeys.h"
+
+namespace beatatlas::track::inner {
+
+namespace {
+
+// The mean of both channels, with 16-bit full scale brought to ±1.0: a power of two, so the product is exact.
+constexpr float kMonoScale = 1.0F / 65536.0F;
+
+constexpr double kCentsOfSemitone = 100.0;
+
+/** All keys, the likeliest first; of equal ones the one of the smaller number. */
+std::vector<BA_TrackKeyCandidate> rankKeys(const KeyValues& scores) {
+    const KeyValues probabilities = keyProbabilities(scores);
+    std::vector<BA_TrackKeyCandidate> ranking;
+    ranking.reserve(kKeys);
+    for (std::size_t key = 0; key < kKeys; ++key)
+        ranking.push_back({static_cast<std::int32_t>(key), 0, scores[key], probabilities[key]});
+    std::sort(ranking.begin(), ranking.end(),
+              [](const BA_TrackKeyCandidate& a, const BA_TrackKeyCandidate& b) {
+                  return a.score > b.score || (a.score == b.score && a.key < b.key);
+              });
+    return ranking;
+}
+
+std::vector<BA_TrackKeySegment> toRecords(const std::vector<KeySegment>& segments) {
+    std::vector<BA_TrackKeySegment> records;
+    records.reserve(segments.size());
+    for (const KeySegment& segment : segments)
+        records.push_back({segment.from, segment.to,
+                           confidenceOfKey(segment.probabilities[segment.key]),
+                           static_cast<std::int32_t>(segment.key), 0});
+    return records;
+}
+
+}  // namespace
+
+EvidenceKey::EvidenceKey(int rate) {
+    const NearestScope mode;
+    stream_.emplace(rate);
+}
+
+void EvidenceKey::hear(const Block& block) {
+    const NearestScope mode;
+    mono_.resize(static_cast<std::size_t>(block.frames));
+    for (std::size_t i = 0; i < mono_.size(); ++i)
+        mono_[i] = (block.left[i] + block.right[i]) * kMonoScale;
+    stream_->put(mono_.data(), block.frames);
+}
+
+void EvidenceKey::addTo(TrackResult& result) {
+    const NearestScope mode;
+    stream_->finish();
+    const double tuning = stream_->tuning();
+    const KeyFrames frames = foldFrames(stream_->peaks(), tuning, stream_->secondsPerFrame());
+    if (frames.size() == 0) return;
+    const FrameRange whole{0, frames.size()};
+    const KeyValues scores = scoreKeys(frames, whole);
+    const ChromaSum chroma = meanChroma(frames, whole);
+    result.tuningCents = kCentsOfSemitone * tuning;
+    result.tuningHz = hzOfPitch(kPitchOfA4 + tuning);
+    result.chroma.assign(chroma.begin(), chroma.end());
+    result.keys = rankKeys(scores);
+    const double seconds = static_cast<double>(result.frames) / static_cast<double>(result.rate);
+    result.keySegments =
+        toRecords(findKeySegments(frames, keyWindows(result.beats, seconds), scores));
+    result.keyConfidence = confidenceOfKey(result.keys.front().probability);
+}
+
+}  // namespace beatatlas::track::inner

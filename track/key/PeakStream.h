@@ -1,0 +1,52 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "track/evidence/Decimator.h"
+#include "track/evidence/SpectrumStream.h"
+#include "track/key/PeakFinder.h"
+#include "track/key/PeakStore.h"
+#include "track/key/Tuning.h"
+
+namespace beatatlas::track::inner {
+
+/** Finds the peaks of a track as it passes, and its tuning: frames of three quarters of a second, each half over the one
+ *  before, at an eighth of the rate.
+ *
+ *  Life: construct, rounding to nearest → put() per block → finish() → getters. */
+class PeakStream {
+public:
+    /** @param rate  44100 or 48000 Hz */
+    explicit PeakStream(int rate);
+
+    /** Takes the mean of both channels, full scale ±1.0. */
+    void put(const float* mono, std::int64_t samples);
+
+    /** Takes in the frames that were still waiting for others; of a track only whole frames count. Call once. */
+    void finish();
+
+    const PeakStore& peaks() const { return store_; }
+    double tuning() const { return tuning_.semitones(); }
+
+    /** From the middle of a frame to that of the next; half a frame. */
+    double secondsPerFrame() const;
+
+private:
+    void addDecimated(const std::vector<float>& samples);
+    void addBatch(const FrameSpectra& spectra, int frames);
+    void addFrame(const float* powers);
+
+    double rate_;  // of what is left of the track
+    Decimator decimator_;
+    SpectrumStream stream_;
+    PeakFinder finder_;
+    std::int64_t decimated_ = 0;
+    bool hasBegun_ = false;
+    std::vector<SpectralPeak> frame_;
+    Tuning tuning_;
+    PeakStore store_;
+};
+
+}  // namespace beatatlas::track::inner
