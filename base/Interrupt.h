@@ -15,12 +15,12 @@ private:
 
 /** Turns Ctrl-C, hang-up and termination into a flag that the long loops look at.
  *
- *  The first signal asks; a second one of the same kind ends the process at once, as it would without the tool. A
- *  signal that the caller had ignored (nohup) stays ignored. */
+ *  The first signal asks; a second one of the same kind ends the process at once, as it would
+ *  without the tool. A signal that the caller had ignored (nohup) stays ignored. */
 class Interrupt {
 public:
-    /** Catches the signals from here on, and makes writing to a closed pipe or beyond the caller's file size limit an
-     *  error instead of a death. */
+    /** Catches the signals from here on, and makes writing to a closed pipe or beyond the caller's
+     *  file size limit an error instead of a death. */
     static void install();
 
     static bool isRequested();

@@ -19,7 +19,8 @@ std::size_t lengthByFirstByte(unsigned first) {
     return 0;
 }
 
-/** The second byte carries the limits that rule out overlong forms, surrogates and values above U+10FFFF. */
+/** The second byte carries the limits that rule out overlong forms, surrogates and values above
+ *  U+10FFFF. */
 bool isSecondByte(unsigned first, unsigned second) {
     const unsigned lowest = first == 0xE0 ? 0xA0 : first == 0xF0 ? 0x90 : 0x80;
     const unsigned highest = first == 0xED ? 0x9F : first == 0xF4 ? 0x8F : 0xBF;

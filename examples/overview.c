@@ -1,6 +1,6 @@
 /* SPDX-License-Identifier: MIT */
-/* Prints tempo, beats and the sizes of the waves of a headerless 16-bit stereo file at 44,100 Hz. To make one:
- * ffmpeg -i song.mp3 -f s16le -ac 2 -ar 44100 song.raw */
+/* Prints tempo, beats and the sizes of the waves of a headerless 16-bit stereo file at 44,100 Hz.
+ * To make one: ffmpeg -i song.mp3 -f s16le -ac 2 -ar 44100 song.raw */
 #include <beatatlas/beatatlas.h>
 #include <stdint.h>
 #include <stdio.h>

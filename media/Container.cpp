@@ -13,7 +13,8 @@ namespace media {
 
 namespace {
 
-// Containers by FFmpeg's names. Everything else that FFmpeg can open is no music file, or opens further files.
+// Containers by FFmpeg's names. Everything else that FFmpeg can open is no music file, or opens
+// further files.
 constexpr std::array<std::string_view, 31> kAudioContainers = {
     "aac",    "ac3",  "aiff", "amr", "ape",  "asf",      "au",  "avi", "caf", "dsf",  "dts",
     "eac3",   "flac", "flv",  "iff", "loas", "matroska", "mov", "mp3", "mpc", "mpc8", "mpeg",
@@ -22,7 +23,8 @@ constexpr std::array<std::string_view, 31> kAudioContainers = {
 // A tag with a large cover picture may stand before the first byte that tells what the file is.
 constexpr unsigned kProbeBytes = 16U << 20;
 
-// Below this, FFmpeg has seen a pattern that chance makes too: one lone frame header in arbitrary bytes.
+// Below this, FFmpeg has seen a pattern that chance makes too: one lone frame header in arbitrary
+// bytes.
 constexpr int kLeastProbeScore = 2;
 
 /** FFmpeg's names are lists: "mov,mp4,m4a". */

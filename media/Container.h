@@ -13,11 +13,13 @@ namespace media {
 
 /** An audio file's container: recognised by its content, opened, its music stream chosen.
  *
- *  Only containers that hold the audio themselves are accepted. Playlists and scripts (HLS, concat, SDP …), which
- *  make a player open other files or addresses, are refused, and FFmpeg's means of opening anything are disabled. */
+ *  Only containers that hold the audio themselves are accepted. Playlists and scripts (HLS, concat,
+ *  SDP …), which make a player open other files or addresses, are refused, and FFmpeg's means of
+ *  opening anything are disabled. */
 class Container {
 public:
-    /** @throws TrackError when the content is no audio that can be read. The input must outlive the container. */
+    /** @throws TrackError when the content is no audio that can be read. The input must outlive the
+     *  container. */
     explicit Container(FileInput& input);
 
     /** The music stream's next packet. Pictures and other streams are passed over.
@@ -36,8 +38,9 @@ public:
     /** The program that wrote the file, as its tags name it; empty when they do not. */
     std::string writer() const;
 
-    /** Length of the music stream in seconds by its own account, encoder padding included or not as the format has
-     *  it; nothing when the format has no such account and it could only be guessed from the bit rate. */
+    /** Length of the music stream in seconds by its own account, encoder padding included or not as
+     *  the format has it; nothing when the format has no such account and it could only be guessed
+     *  from the bit rate. */
     std::optional<double> declaredSeconds() const;
 
 private:

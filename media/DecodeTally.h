@@ -10,7 +10,8 @@ struct DecodeTally {
     std::int64_t packets = 0;
     std::int64_t damagedPackets = 0;  ///< could not be decoded; silence stands in their place
 
-    /** At the track's own rate, with the silence that was put in, without the padding that the file tells of. */
+    /** At the track's own rate, with the silence that was put in, without the padding that the file
+     *  tells of. */
     std::int64_t frames = 0;
 
     bool isLastPacketDamaged = false;

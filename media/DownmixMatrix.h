@@ -13,10 +13,10 @@ struct DownmixGain {
     float right;
 };
 
-/** One gain per channel of the layout, by the usual rule for folding surround to stereo (ITU-R BS.775): front channels
- *  whole, centre and surrounds at -3 dB, no low-frequency effects channel. The gains are then lowered together until
- *  no side can exceed full scale. One channel alone goes to both sides whole. Channels without a known place
- *  alternate left and right. */
+/** One gain per channel of the layout, by the usual rule for folding surround to stereo (ITU-R
+ *  BS.775): front channels whole, centre and surrounds at -3 dB, no low-frequency effects channel.
+ *  The gains are then lowered together until no side can exceed full scale. One channel alone goes
+ *  to both sides whole. Channels without a known place alternate left and right. */
 std::vector<DownmixGain> downmixGains(const AVChannelLayout& layout);
 
 }  // namespace media

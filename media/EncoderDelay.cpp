@@ -26,7 +26,8 @@ bool isWmaByFfmpeg(const Container& container) {
 EncoderDelay::EncoderDelay(const Container& container) : container_(container) {}
 
 void EncoderDelay::prepare(AVCodecContext& context) const {
-    // Windows' encoders begin with two blocks of silence, FFmpeg's with one; the decoder always drops two.
+    // Windows' encoders begin with two blocks of silence, FFmpeg's with one; the decoder always
+    // drops two.
     if (isWmaByFfmpeg(container_)) context.flags2 |= AV_CODEC_FLAG2_SKIP_MANUAL;
 }
 

@@ -25,7 +25,8 @@ public:
 
     void setSeconds(double seconds) { seconds_ = seconds; }
 
-    /** @param fraction  of what was left when beginAgain() was called. A decoder that looks at another place of its
+    /** @param fraction  of what was left when beginAgain() was called. A decoder that looks at
+     *  another place of its
      *                   file may tell less than before: that is not shown
      *  @throws Interrupted */
     void show(double fraction) {

@@ -19,9 +19,10 @@ struct AnalysedFile {
 
 /** From a file to everything that is known about its track.
  *
- *  The file is decoded once. Its own account of its length lets the analysis begin with the first decoded frames; where
- *  that account proves wrong, or is missing, the analysis begins when the decoding has ended and the length is known. The
- *  decoded track is kept for the passes that follow; one that would not fit is decoded anew for each of them instead. */
+ *  The file is decoded once. Its own account of its length lets the analysis begin with the first
+ *  decoded frames; where that account proves wrong, or is missing, the analysis begins when the
+ *  decoding has ended and the length is known. The decoded track is kept for the passes that
+ *  follow; one that would not fit is decoded anew for each of them instead. */
 class FileAnalysis {
 public:
     struct Options {
@@ -32,8 +33,9 @@ public:
         /** Takes what is left of a track that was cut off, instead of refusing it. */
         bool acceptsCutOff = false;
 
-        /** Is told how far all of the work is, 0 to 1, never falling, and how long the track is, in seconds, 0 while
-         *  that is unknown. From any thread, never from two at once. May throw to stop the work. */
+        /** Is told how far all of the work is, 0 to 1, never falling, and how long the track is, in
+         *  seconds, 0 while that is unknown. From any thread, never from two at once. May throw to
+         *  stop the work. */
         std::function<void(double fraction, double seconds)> progress;
 
         /** Takes every decoded stretch once, from the thread that decodes. */
@@ -46,7 +48,8 @@ public:
 
     explicit FileAnalysis(Options options);
 
-    /** @throws TrackError with the reason why the track cannot be analysed, Interrupted, std::bad_alloc; whatever a
+    /** @throws TrackError with the reason why the track cannot be analysed, Interrupted,
+     *  std::bad_alloc; whatever a
      *          callback throws */
     AnalysedFile analyze(const std::string& path) const;
 

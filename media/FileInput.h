@@ -9,7 +9,8 @@ struct AVIOContext;
 
 namespace media {
 
-/** What tells one state of a file from another: a pass over a file that has changed since would hear another track. */
+/** What tells one state of a file from another: a pass over a file that has changed since would
+ *  hear another track. */
 struct FileState {
     std::uint64_t device = 0;
     std::uint64_t number = 0;  ///< the file's own on its device
@@ -22,8 +23,9 @@ struct FileState {
 
 /** A regular file as FFmpeg reads it.
  *
- *  FFmpeg never sees the file's name: names such as "http:x", "concat:a" or "-" would otherwise be taken for
- *  something else than a file, and the name's ending must not decide how the content is read. */
+ *  FFmpeg never sees the file's name: names such as "http:x", "concat:a" or "-" would otherwise be
+ *  taken for something else than a file, and the name's ending must not decide how the content is
+ *  read. */
 class FileInput {
 public:
     /** @throws TrackError when the file is missing, unreadable, empty or not a regular file */
@@ -41,10 +43,12 @@ public:
     /** Whether it is another now. */
     bool hasChanged() const;
 
-    /** Bytes from a place of the file, without moving the reading position. @return how many were read */
+    /** Bytes from a place of the file, without moving the reading position. @return how many were
+     *  read */
     std::size_t readAt(std::int64_t offset, void* bytes, std::size_t count) const;
 
-    /** @throws TrackError with the system's reason once a read has failed: FFmpeg may take that for the file's end */
+    /** @throws TrackError with the system's reason once a read has failed: FFmpeg may take that for
+     *  the file's end */
     void requireReadable() const;
 
 private:

@@ -57,7 +57,8 @@ Decoding::Hooks FilePasses::hooks() {
     return {options_.alongside, examine};
 }
 
-/** What memory is left for the track itself, when the rest grows with it: such a track is the longest that fits. */
+/** What memory is left for the track itself, when the rest grows with it: such a track is the
+ *  longest that fits. */
 std::int64_t FilePasses::keptBytes() const {
     const auto allowed = static_cast<double>(options_.effort.memoryBytes);
     const double left = std::max(0.0, allowed - kProgramBytes - kAnalysisBytes);

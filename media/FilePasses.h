@@ -15,10 +15,12 @@
 
 namespace media {
 
-/** Hands out the track of a file as often as it is wanted, and decodes it once for that if memory allows.
+/** Hands out the track of a file as often as it is wanted, and decodes it once for that if memory
+ *  allows.
  *
- *  The passes go along with the decoding from its first frame. Once more has been decoded than may be kept, only what the
- *  present pass still needs is, and every further pass decodes the file anew. */
+ *  The passes go along with the decoding from its first frame. Once more has been decoded than may
+ *  be kept, only what the present pass still needs is, and every further pass decodes the file
+ *  anew. */
 class FilePasses {
 public:
     struct Options {
@@ -31,7 +33,8 @@ public:
         double alongsideBytesPerFrame = 0.0;  ///< what that keeps in memory
     };
 
-    /** Begins to decode. @throws TrackError when there is nothing that can be decoded, Interrupted */
+    /** Begins to decode. @throws TrackError when there is nothing that can be decoded,
+     *  Interrupted */
     FilePasses(std::string path, Options options);
 
     int rate() const { return first_.sessionRate(); }
@@ -42,8 +45,8 @@ public:
     /** Gets ready for passes over a track of that length, which is known or believed. */
     void expect(std::int64_t frames);
 
-    /** Begins a pass; it throws what keeps it from going on. From any thread. @throws TrackError when the file has to be
-     *  decoded anew and is not the one it was */
+    /** Begins a pass; it throws what keeps it from going on. From any thread. @throws TrackError
+     *  when the file has to be decoded anew and is not the one it was */
     beatatlas::track::Pass open();
 
     /** Whether passes have to wait for a decoder. */
@@ -52,8 +55,8 @@ public:
     /** How many threads may work on what the passes give. */
     int threads() const { return threads_; }
 
-    /** Goes on with the first decoding for a moment. @return false when it has not ended. @throws why the track cannot be
-     *  used */
+    /** Goes on with the first decoding for a moment. @return false when it has not ended. @throws
+     *  why the track cannot be used */
     bool awaitEnd();
     double shareRead() const { return first_.shareRead(); }
 

@@ -12,12 +12,14 @@ class FrameChain {
 public:
     virtual ~FrameChain() = default;
 
-    /** Frames at the track's own rate that are decoded but belong to the encoder's delay. Before the first put(). */
+    /** Frames at the track's own rate that are decoded but belong to the encoder's delay. Before
+     *  the first put(). */
     virtual void dropFrames(std::int64_t frames) = 0;
 
     virtual void put(const AVFrame& frame) = 0;
 
-    /** Keeps the time where a damaged stretch could not be decoded. Before the first frame: nothing.
+    /** Keeps the time where a damaged stretch could not be decoded. Before the first frame:
+     *  nothing.
      *  @param frames  at the track's own rate */
     virtual void putSilence(std::int64_t frames) = 0;
 

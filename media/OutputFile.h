@@ -25,8 +25,9 @@ public:
 
     void commit();
 
-    /** Looks, before hours of work, whether the place can be written: its folder is there and lets one write, and
-     *  nothing but a regular file would be replaced. @throws OutputError with the reason if not */
+    /** Looks, before hours of work, whether the place can be written: its folder is there and lets
+     *  one write, and nothing but a regular file would be replaced. @throws OutputError with the
+     *  reason if not */
     static void requireWritable(const std::string& path);
 
     /** Whether both names lead to one existing file, by links or otherwise. */

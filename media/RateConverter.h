@@ -10,15 +10,15 @@ struct soxr;
 
 namespace media {
 
-/** The session's rate for a track: its own when that is 44,100 or 48,000; 44,100 for its quarter, half, double and
- *  quadruple; 48,000 for all others. */
+/** The session's rate for a track: its own when that is 44,100 or 48,000; 44,100 for its quarter,
+ *  half, double and quadruple; 48,000 for all others. */
 int sessionRateFor(int trackRate);
 
 /** How many frames a RateConverter makes of so many in all. */
 std::int64_t convertedFrames(std::int64_t frames, int fromRate, int toRate);
 
-/** Converts stereo audio from one sample rate to another with libsoxr's high-quality recipe. The converter's own delay
- *  is compensated: sound keeps its time. */
+/** Converts stereo audio from one sample rate to another with libsoxr's high-quality recipe. The
+ *  converter's own delay is compensated: sound keeps its time. */
 class RateConverter {
 public:
     /** @throws TrackError when the two rates are too far apart to convert */
@@ -42,7 +42,8 @@ private:
      *  @return how many input frames it took */
     std::size_t step(const StereoBlock* input, std::size_t taken);
 
-    /** Room for what the input can yield at once, and some more for what the converter still holds. */
+    /** Room for what the input can yield at once, and some more for what the converter still
+     *  holds. */
     std::size_t roomFor(std::size_t inputFrames) const;
 
     double ratio_;

@@ -11,7 +11,8 @@
 
 namespace media {
 
-/** Gathers a track as it is: no channel folded, no rate converted. What is no number or infinite becomes silence. */
+/** Gathers a track as it is: no channel folded, no rate converted. What is no number or infinite
+ *  becomes silence. */
 class RecordingChain : public FrameChain {
 public:
     /** @param expectedSeconds  how long the track may be; room is made for it

@@ -11,11 +11,11 @@
 
 namespace media {
 
-/** From decoded frames to what is analysed: folded to stereo, at the session's rate, full scale ±1.0 but not clipped, in
- *  stretches of 16,384 frames.
+/** From decoded frames to what is analysed: folded to stereo, at the session's rate, full scale
+ *  ±1.0 but not clipped, in stretches of 16,384 frames.
  *
- *  The first frame decides the rate; a file whose rate changes on the way (radio recordings, joined files) is
- *  converted to that of its beginning. */
+ *  The first frame decides the rate; a file whose rate changes on the way (radio recordings, joined
+ *  files) is converted to that of its beginning. */
 class StereoChain : public FrameChain {
 public:
     explicit StereoChain(TrackSink& sink) : sink_(sink) {}

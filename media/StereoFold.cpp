@@ -16,7 +16,8 @@ bool isPlain(const AVChannelLayout& layout) {
     return layout.order == AV_CHANNEL_ORDER_NATIVE && layout.u.mask == AV_CH_LAYOUT_STEREO;
 }
 
-/** @param step  from one sample of the channel to its next. The zero added takes the sign off other zeros, as in a sum */
+/** @param step  from one sample of the channel to its next. The zero added takes the sign off other
+ *  zeros, as in a sum */
 template <class Sample>
 void copyScaled(const std::uint8_t* plane, std::size_t step, float scale, std::vector<float>& out) {
     const auto* samples = reinterpret_cast<const Sample*>(plane);

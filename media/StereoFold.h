@@ -9,7 +9,8 @@
 
 namespace media {
 
-/** Turns decoded frames of any sample format and channel layout into stereo floats, full scale ±1.0. */
+/** Turns decoded frames of any sample format and channel layout into stereo floats, full scale
+ *  ±1.0. */
 class StereoFold {
 public:
     /** @return the frame's stereo samples, valid until the next call; the caller may change them

@@ -9,14 +9,16 @@
 
 namespace media {
 
-/** Decodes the packets of one stream. FFmpeg drops the encoder's delay and padding on the way, as far as the container
- *  tells them. One thread: the same file gives the same samples in every pass. */
+/** Decodes the packets of one stream. FFmpeg drops the encoder's delay and padding on the way, as
+ *  far as the container tells them. One thread: the same file gives the same samples in every
+ *  pass. */
 class StreamDecoder {
 public:
     /** @throws TrackError when there is no decoder for the stream (an exotic or encrypted one) */
     StreamDecoder(const AVStream& stream, const EncoderDelay& delay);
 
-    /** Takes a packet; null tells that no more follow. @return false when the packet cannot be decoded */
+    /** Takes a packet; null tells that no more follow. @return false when the packet cannot be
+     *  decoded */
     bool send(const AVPacket* packet);
 
     enum class Outcome { frame, needsPacket, damaged };

@@ -15,7 +15,8 @@ namespace media {
 
 namespace {
 
-// Formats count their encoder's delay and padding into the declared length or not; both stay well below this.
+// Formats count their encoder's delay and padding into the declared length or not; both stay well
+// below this.
 constexpr double kDelayAndPaddingSeconds = 0.2;
 
 constexpr AVRational perSecond(int rate) {
@@ -77,7 +78,8 @@ void TrackDecoder::decode(const AVPacket* packet, FrameChain& chain) {
 }
 
 bool TrackDecoder::isIncomplete(const AVPacket& packet) const {
-    // A WAV written into a pipe has no length to end at, so its last packet always looks incomplete.
+    // A WAV written into a pipe has no length to end at, so its last packet always looks
+    // incomplete.
     if (container_.isFormat("wav")) return false;
     if ((packet.flags & AV_PKT_FLAG_CORRUPT) != 0) return true;
     const std::span<const std::uint8_t> bytes(packet.data, static_cast<std::size_t>(packet.size));
@@ -98,7 +100,8 @@ void TrackDecoder::noteDamage(const AVPacket* packet) {
     pendingDamage_.duration += packet->duration;
 }
 
-/** Damage counts once something after it decodes; at a file's end it is a foreign tag, or the file was cut off. */
+/** Damage counts once something after it decodes; at a file's end it is a foreign tag, or the file
+ *  was cut off. */
 void TrackDecoder::fillDamage(FrameChain& chain) {
     const PendingDamage damage = std::exchange(pendingDamage_, {});
     tally_.damagedPackets += damage.packets;
@@ -146,8 +149,8 @@ void TrackDecoder::dropPadding(AVFrame& frame) const {
 
 bool TrackDecoder::isCutOff() const {
     if (tally_.isLastPacketIncomplete) return true;
-    // Where neither the file nor its packets tell a length, trouble at the end is all there is to go by; where they do,
-    // it may as well be a foreign tag after the music.
+    // Where neither the file nor its packets tell a length, trouble at the end is all there is to
+    // go by; where they do, it may as well be a foreign tag after the music.
     const bool hasTrouble = tally_.readFailure != 0 || tally_.isLastPacketDamaged;
     if (hasTrouble && !tellsPacketLengths() && !declaredSeconds()) return true;
     const auto end = declaredEnd(container_, input_);

@@ -16,8 +16,9 @@
 
 namespace media {
 
-/** Decodes a track from its first frame of music to its last, once. For another pass make another decoder: the same
- *  file gives the same samples every time, and so no length of track has to be held in memory. */
+/** Decodes a track from its first frame of music to its last, once. For another pass make another
+ *  decoder: the same file gives the same samples every time, and so no length of track has to be
+ *  held in memory. */
 class TrackDecoder {
 public:
     /** @throws TrackError when the file holds no audio that can be decoded */
@@ -26,14 +27,16 @@ public:
     /** Decodes everything that can be decoded. Damage is counted, not thrown. */
     void run(FrameChain& chain);
 
-    /** A part of run(): the next packet. @return false after the last, when the chain has been finished */
+    /** A part of run(): the next packet. @return false after the last, when the chain has been
+     *  finished */
     bool step(FrameChain& chain);
 
     /** The same, folded to stereo at a session's rate. */
     void run(TrackSink& sink);
 
-    /** Frames of music that run() will find at the track's own rate, by the file's own account; nothing where that is
-     *  none or vague. Known with the first frame of the chain; true unless the file is not what it says. */
+    /** Frames of music that run() will find at the track's own rate, by the file's own account;
+     *  nothing where that is none or vague. Known with the first frame of the chain; true unless
+     *  the file is not what it says. */
     std::optional<std::int64_t> declaredFrames() const { return declaredFrames_; }
 
     /** How much of the file has been read, 0 to 1. */
@@ -50,8 +53,8 @@ public:
     /** Length by the file's own account, seconds. */
     std::optional<double> declaredSeconds() const { return container_.declaredSeconds(); }
 
-    /** Whether the file ends before its own account of itself does: what was decoded is not the whole track. After
-     *  run(). */
+    /** Whether the file ends before its own account of itself does: what was decoded is not the
+     *  whole track. After run(). */
     bool isCutOff() const;
 
 private:

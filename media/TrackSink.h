@@ -10,7 +10,8 @@ class TrackSink {
 public:
     virtual ~TrackSink() = default;
 
-    /** The next stretch, at the session's rate, full scale ±1.0: louder samples and what is no number are the track's. */
+    /** The next stretch, at the session's rate, full scale ±1.0: louder samples and what is no
+     *  number are the track's. */
     virtual void put(const StereoBlock& block) = 0;
 };
 

@@ -33,7 +33,8 @@ using WrittenByte = std::uint8_t;
 using WrittenByte = const std::uint8_t;
 #endif
 
-/** FFmpeg calls back from C code, which no exception may cross: it is kept until FFmpeg has returned. */
+/** FFmpeg calls back from C code, which no exception may cross: it is kept until FFmpeg has
+ *  returned. */
 struct Output {
     OutputFile& file;
     std::exception_ptr failure;

@@ -5,7 +5,8 @@
 
 namespace media {
 
-/** Writes all bytes, however many calls that takes. @return 0, or the errno value of the first failure
+/** Writes all bytes, however many calls that takes. @return 0, or the errno value of the first
+ *  failure
  *  @throws Interrupted when a signal asks the program to stop while the reader is slow */
 int writeFully(int descriptor, const void* bytes, std::size_t count);
 

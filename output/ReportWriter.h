@@ -12,7 +12,8 @@ namespace output {
 /** Takes the text of a report, piece by piece. May throw OutputError. */
 using TextSink = std::function<void(std::string_view)>;
 
-/** Writes what was found in several tracks, each as soon as it is known. Every call may throw OutputError. */
+/** Writes what was found in several tracks, each as soon as it is known. Every call may throw
+ *  OutputError. */
 class ReportWriter {
 public:
     virtual ~ReportWriter() = default;
@@ -21,7 +22,8 @@ public:
     virtual void add(const ReportEntry& entry) = 0;
     virtual void addFailure(const std::string& path, const std::string& reason) = 0;
 
-    /** Also called when the work is broken off: what was written until then is complete in itself. */
+    /** Also called when the work is broken off: what was written until then is complete in
+     *  itself. */
     virtual void end() {}
 };
 

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Part of builds with a leak checker only.
 
-// The checker asks for these names: NOLINTBEGIN(bugprone-reserved-identifier, cert-dcl37-c, cert-dcl51-cpp)
+// The checker asks for these names: NOLINTBEGIN(bugprone-reserved-identifier, cert-dcl37-c,
+// cert-dcl51-cpp)
 extern "C" {
 
 const char* __lsan_default_suppressions();

@@ -6,8 +6,8 @@
 
 namespace output {
 
-/** A length or place in a track: "3:07.25", "1:03:07.25". Cut, not rounded, to hundredths: a beat is never told as
- *  later than it is. Negative values count as 0. */
+/** A length or place in a track: "3:07.25", "1:03:07.25". Cut, not rounded, to hundredths: a beat
+ *  is never told as later than it is. Negative values count as 0. */
 std::string clockTime(double seconds);
 
 /** As clockTime without the hundredths: "3:07". */

@@ -13,7 +13,8 @@ namespace beatatlas::track::inner {
 
 namespace {
 
-/** How many frames a simple session senses. The core takes a minute for none and for more than the track has. */
+/** How many frames a simple session senses. The core takes a minute for none and for more than the
+ *  track has. */
 int sensedFrames(const BA_TrackOptions& options, int rate, int frames) {
     // The option is read after it, so that no compiler multiplies before.
     const NearestScope mode;

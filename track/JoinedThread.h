@@ -6,10 +6,11 @@
 
 namespace beatatlas::track::inner {
 
-/** A thread that has ended when this goes. It begins with the rounding mode of the one that starts it.
+/** A thread that has ended when this goes. It begins with the rounding mode of the one that starts
+ *  it.
  *
- *  The host's signal handlers run in the host's own threads: here signals are blocked. Only those that tell of a fault
- *  of the thread itself reach it as they reach any other. */
+ *  The host's signal handlers run in the host's own threads: here signals are blocked. Only those
+ *  that tell of a fault of the thread itself reach it as they reach any other. */
 class JoinedThread {
 public:
     JoinedThread() = default;

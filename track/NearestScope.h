@@ -5,8 +5,8 @@
 
 namespace beatatlas::track::inner {
 
-/** Rounds to nearest while it lives, then gives the thread its own mode back. Where numbers of a session are put into
- *  units for people, so that 128.01 BPM is the double that reads so. */
+/** Rounds to nearest while it lives, then gives the thread its own mode back. Where numbers of a
+ *  session are put into units for people, so that 128.01 BPM is the double that reads so. */
 class NearestScope {
 public:
     NearestScope() { std::fesetround(FE_TONEAREST); }

@@ -12,8 +12,8 @@ struct Failure {
     int status;
 };
 
-/** How an analysis ends, whichever thread of it fails: the first failure decides, and the other threads see it and give
- *  up. */
+/** How an analysis ends, whichever thread of it fails: the first failure decides, and the other
+ *  threads see it and give up. */
 class Outcome {
 public:
     int status() const { return status_; }

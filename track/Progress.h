@@ -6,8 +6,8 @@
 
 namespace beatatlas::track::inner {
 
-/** Tells the host how far an analysis has come, in units of work of which the analysis knows the total. May be shared by
- *  threads. */
+/** Tells the host how far an analysis has come, in units of work of which the analysis knows the
+ *  total. May be shared by threads. */
 class Progress {
 public:
     using Callback = int (*)(void* host, double fraction);
@@ -16,7 +16,8 @@ public:
     Progress(Callback callback, void* host, std::int64_t total)
         : callback_(callback), host_(host), total_(total) {}
 
-    /** Adds work that is done and tells the host. @throws Failure when the host asks to stop, or has asked before */
+    /** Adds work that is done and tells the host. @throws Failure when the host asks to stop, or
+     *  has asked before */
     void add(std::int64_t units);
 
 private:

@@ -10,7 +10,8 @@ namespace beatatlas::track::inner {
 
 BA_TrackOptions defaultOptions();
 
-/** Writes the options of this version over the first `size` bytes of a host's and zeros after them. */
+/** Writes the options of this version over the first `size` bytes of a host's and zeros after
+ *  them. */
 void writeOptions(const BA_TrackOptions& options, void* hosts, std::size_t size);
 
 /** Reads the options of a host of any version.

@@ -21,7 +21,8 @@ constexpr std::size_t kUndividedFrame = 4096;
 constexpr double kShortSeconds = 30.0;
 constexpr double kGigabyte = 1e9;
 
-// Hops by mode before they are divided, for tracks of 30 s and more; short ones need little memory anyway.
+// Hops by mode before they are divided, for tracks of 30 s and more; short ones need little memory
+// anyway.
 constexpr std::array<double, 5> kLongHops = {512.0, 1024.0, 1488.0, 1720.0, 2304.0};
 
 double physicalMemoryBytes() {
@@ -35,8 +36,8 @@ std::size_t BeatCutter::frameLength() const {
     return kUndividedFrame / static_cast<std::size_t>(options_.div);
 }
 
-/** One frame of silence before, so that the first sound lies under as many frames as every other; three behind, since
- *  the frames end up to two hops early. */
+/** One frame of silence before, so that the first sound lies under as many frames as every other;
+ *  three behind, since the frames end up to two hops early. */
 std::size_t BeatCutter::paddedLength(std::size_t frames) const {
     return frames + 4 * frameLength();
 }
@@ -44,7 +45,8 @@ std::size_t BeatCutter::paddedLength(std::size_t frames) const {
 double BeatCutter::bytesFor(const media::Recording& recording) const {
     const bool isShort = static_cast<double>(recording.frames()) < kShortSeconds * recording.rate;
     const double hop = isShort ? kLongHops[0] : kLongHops[static_cast<std::size_t>(options_.mode)];
-    // Magnitude and phase of half a frame's bins for every hop; the padded channel and the library's sum.
+    // Magnitude and phase of half a frame's bins for every hop; the padded channel and the
+    // library's sum.
     const double working = 8.0 * (static_cast<double>(kUndividedFrame) / 2.0) / hop + 8.0;
     const double kept = 4.0 * static_cast<double>(recording.channels.size());
     return (working + kept) * static_cast<double>(recording.frames());

@@ -16,14 +16,16 @@ struct CutOptions {
 
 /** Cuts the percussive beats out of a recording, channel by channel.
  *
- *  The library leaves a buffer's first frame faded in and its last frames untouched; silence put around each channel
- *  for the call keeps that off the music. Each call holds the spectrum of a whole channel in memory. */
+ *  The library leaves a buffer's first frame faded in and its last frames untouched; silence put
+ *  around each channel for the call keeps that off the music. Each call holds the spectrum of a
+ *  whole channel in memory. */
 class BeatCutter {
 public:
     explicit BeatCutter(const CutOptions& options) : options_(options) {}
 
     /** @param shown  is told how much is done, 0 to 1
-     *  @throws TrackError when the recording is too long for the library or for this machine's memory
+     *  @throws TrackError when the recording is too long for the library or for this machine's
+     *    memory
      *  @throws Interrupted between two channels */
     void cut(media::Recording& recording, const std::function<void(double)>& shown) const;
 

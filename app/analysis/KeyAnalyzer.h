@@ -10,7 +10,8 @@
 
 namespace app {
 
-/** Decodes one file and finds its key. The buffer is gathered while the track is decoded for the session. */
+/** Decodes one file and finds its key. The buffer is gathered while the track is decoded for the
+ *  session. */
 class KeyAnalyzer {
 public:
     /** @param reading  how to read the file; what is to be found in it is not read */

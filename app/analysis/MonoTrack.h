@@ -22,9 +22,9 @@ struct MonoTrack {
 
 /** Gathers a track's stereo blocks as mono, to be thinned out in one go.
  *
- *  The library's resampler begins from silence in every call and is so ill-conditioned in single precision that a
- *  track thinned out in pieces comes out several per cent different: so the whole track it is. Memory: 4 bytes a frame
- *  while gathering, 8 while thinning out. */
+ *  The library's resampler begins from silence in every call and is so ill-conditioned in single
+ *  precision that a track thinned out in pieces comes out several per cent different: so the whole
+ *  track it is. Memory: 4 bytes a frame while gathering, 8 while thinning out. */
 class MonoGatherer {
 public:
     static constexpr double kBytesPerFrame = 8.0;

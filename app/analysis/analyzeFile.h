@@ -9,7 +9,8 @@
 
 namespace app {
 
-/** Analyses a file as media::FileAnalysis does, with its progress shown, and tells what was asked for beside the answers.
+/** Analyses a file as media::FileAnalysis does, with its progress shown, and tells what was asked
+ *  for beside the answers.
  *  @param options  their progress is not read */
 output::TrackReport analyzeFile(const std::string& path, media::FileAnalysis::Options options,
                                 ProgressLine& progress);

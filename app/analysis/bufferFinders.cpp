@@ -8,8 +8,9 @@ namespace app {
 
 namespace {
 
-// Thinned out, a hop of 128 samples: at longer ones the answer for music wanders by several hertz with where the
-// frames happen to fall. At the session's rate even the undivided hop overlaps most windows.
+// Thinned out, a hop of 128 samples: at longer ones the answer for music wanders by several hertz
+// with where the frames happen to fall. At the session's rate even the undivided hop overlaps most
+// windows.
 constexpr int kThinnedHopDivisor = 16;
 constexpr int kSessionHopDivisor = 1;
 constexpr int kLowestSessionRate = 44100;
@@ -24,7 +25,8 @@ bool isShorterThan(const MonoTrack& track, double seconds) {
     return static_cast<double>(track.samples.size()) < seconds * track.rate;
 }
 
-/** The hop between frames before it is divided: it depends on the mode and on the track's length. */
+/** The hop between frames before it is divided: it depends on the mode and on the track's
+ *  length. */
 int undividedKeyHop(int mode, bool isLong) {
     if (mode == 0) return 2048;
     if (isLong) return 16384;

@@ -15,7 +15,8 @@ constexpr double kUsualPitchHz = 440.0;
  *  @param mode  how closely to look, 0 (all candidates, shortest hop) to 4 */
 std::optional<int> findPitch(MonoTrack& track, int mode);
 
-/** The key of the whole track, thinned out, numbered 0 to 23; nothing for silence and for less than two seconds.
+/** The key of the whole track, thinned out, numbered 0 to 23; nothing for silence and for less than
+ *  two seconds.
  *  @param referenceHz  what A4 is tuned to
  *  @param mode         weights, 0 to 4 */
 std::optional<int> findKey(MonoTrack& track, double referenceHz, int mode);

@@ -17,7 +17,8 @@ class AnalysisArguments {
 public:
     void declare(CLI::App& arguments);
 
-    /** Settles what was asked for, before any track. @throws UsageError when two arguments do not go together */
+    /** Settles what was asked for, before any track. @throws UsageError when two arguments do not
+     *  go together */
     void settle();
 
     const beatatlas::track::Options& options() const { return options_; }

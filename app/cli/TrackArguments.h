@@ -18,8 +18,8 @@ class App;
 
 namespace app {
 
-/** The arguments of every command that reads tracks, and what goes with each track: progress, warnings, the reason
- *  why it failed. */
+/** The arguments of every command that reads tracks, and what goes with each track: progress,
+ *  warnings, the reason why it failed. */
 class TrackArguments {
 public:
     void declare(CLI::App& arguments);
@@ -35,7 +35,8 @@ public:
 
     /** Works on one track, with progress and warnings on standard error.
      *  @param work  takes a ProgressLine, gives something that is a TrackSource
-     *  @return nothing when the track failed; the reason, which went to standard error too, is in failure() */
+     *  @return nothing when the track failed; the reason, which went to standard error too, is in
+     *           failure() */
     template <class Work>
     auto attempt(const std::string& path, Work work)
         -> std::optional<std::invoke_result_t<Work, ProgressLine&>> {

@@ -31,8 +31,8 @@ std::size_t terminalColumns() {
     return size.ws_col;
 }
 
-/** The first characters of the text, as many as surely fit: a wrapped line could not be wiped. Every character from
- *  U+0800 on, among them all those of double width, counts as two columns. */
+/** The first characters of the text, as many as surely fit: a wrapped line could not be wiped.
+ *  Every character from U+0800 on, among them all those of double width, counts as two columns. */
 std::string shortened(std::string_view text, std::size_t columns) {
     std::string kept;
     while (!text.empty()) {

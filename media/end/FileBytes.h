@@ -8,7 +8,8 @@ namespace media {
 
 class FileInput;
 
-/** A piece of a file. Reading outside it gives zeros, so that no header needs a length check of its own. */
+/** A piece of a file. Reading outside it gives zeros, so that no header needs a length check of its
+ *  own. */
 class FileBytes {
 public:
     FileBytes(const FileInput& input, std::int64_t offset, std::size_t count);

@@ -9,9 +9,9 @@ namespace media {
 class Container;
 class FileInput;
 
-/** The byte at which a file must end at the earliest, by what its own structure says; nothing for formats that do not
- *  say it, and for files of unknown length as streaming writers make them. A file shorter than that was cut off, even
- *  when everything left in it decodes. */
+/** The byte at which a file must end at the earliest, by what its own structure says; nothing for
+ *  formats that do not say it, and for files of unknown length as streaming writers make them. A
+ *  file shorter than that was cut off, even when everything left in it decodes. */
 std::optional<std::int64_t> declaredEnd(const Container& container, const FileInput& input);
 
 /** @name By container

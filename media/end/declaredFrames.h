@@ -9,14 +9,14 @@ namespace media {
 class Container;
 class FileInput;
 
-/** Frames of music by the file's own account, what the encoder added left out as far as the file tells it; nothing for
- *  formats that tell no length, or none that is exact to the frame.
+/** Frames of music by the file's own account, what the encoder added left out as far as the file
+ *  tells it; nothing for formats that tell no length, or none that is exact to the frame.
  *  @param rate  Hz, of the track */
 std::optional<std::int64_t> declaredFrames(const Container& container, const FileInput& input,
                                            int rate);
 
-/** What the encoder's header of an MP3 file adds to the music before and after it, in frames, as FFmpeg drops it; 0
- *  when there is no such header. */
+/** What the encoder's header of an MP3 file adds to the music before and after it, in frames, as
+ *  FFmpeg drops it; 0 when there is no such header. */
 std::int64_t mpegAudioPadding(const FileInput& input);
 
 }  // namespace media

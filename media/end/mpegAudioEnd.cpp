@@ -18,8 +18,9 @@ constexpr std::uint64_t kHasQuality = 8;
 constexpr std::size_t kSeekTableBytes = 100;
 constexpr std::size_t kHeaderFrameBytes = 192;
 
-// Behind the Xing header LAME and its followers put their name and settings, and 21 bytes on two times 12 bits: the
-// frames of silence they put before the music, and after it. Every decoder delays by 529 more.
+// Behind the Xing header LAME and its followers put their name and settings, and 21 bytes on two
+// times 12 bits: the frames of silence they put before the music, and after it. Every decoder
+// delays by 529 more.
 constexpr std::size_t kDelaysAt = 21;
 constexpr std::int64_t kDecoderDelay = 529;
 

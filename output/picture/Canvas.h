@@ -32,7 +32,8 @@ public:
 
     void fillRect(const Rect& rect, const Color& color);
 
-    /** A rectangle whose neighbours touch it: without smoothed edges, which would leave seams between them. */
+    /** A rectangle whose neighbours touch it: without smoothed edges, which would leave seams
+     *  between them. */
     void fillColumn(const Rect& rect, const Color& color);
 
     void fillRoundedRect(const Rect& rect, double radius, const Color& color);

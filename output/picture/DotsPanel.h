@@ -8,7 +8,8 @@
 
 namespace output {
 
-/** The strip of dots: one for each hundredth of the track, larger and brighter the stronger its bass. */
+/** The strip of dots: one for each hundredth of the track, larger and brighter the stronger its
+ *  bass. */
 class DotsPanel {
 public:
     DotsPanel(const std::vector<beatatlas::track::WavePoint>& dots, const Rect& area)

@@ -14,8 +14,8 @@ namespace {
 constexpr double kCornerRadius = 6.0;
 constexpr double kPadding = 14.0;
 constexpr double kBarShare = 0.74;  ///< of a point's width; the rest is a gap
-// Perceived loudness grows with sound pressure to the power of 0.6 (Stevens); drawn by the bare level, a single crash
-// would flatten the rest of the track.
+// Perceived loudness grows with sound pressure to the power of 0.6 (Stevens); drawn by the bare
+// level, a single crash would flatten the rest of the track.
 constexpr double kLoudnessExponent = 0.6;
 constexpr double kLeastBarHeight = 2.0;  ///< silence is a thin line, not nothing
 constexpr double kBarTickHeight = 6.0;

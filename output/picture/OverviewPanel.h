@@ -7,8 +7,8 @@
 
 namespace output {
 
-/** The whole track: the loudness wave in its six colours with their key, the zoomed stretch marked, a tick for every
- *  bar. Heights follow perceived loudness; the loudest point fills the panel. */
+/** The whole track: the loudness wave in its six colours with their key, the zoomed stretch marked,
+ *  a tick for every bar. Heights follow perceived loudness; the loudest point fills the panel. */
 class OverviewPanel {
 public:
     OverviewPanel(const beatatlas::track::TrackResult& analysis, const ZoomStretch& stretch,

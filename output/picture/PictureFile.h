@@ -12,7 +12,8 @@ namespace output {
 /** Takes the bytes of a picture, piece by piece. May throw. */
 using ByteSink = std::function<void(const void* bytes, std::size_t count)>;
 
-/** Draws the picture of a track. @throws OutputError when it cannot be drawn, and what the sink throws */
+/** Draws the picture of a track. @throws OutputError when it cannot be drawn, and what the sink
+ *  throws */
 void writePicture(const TrackReport& report, const PictureOptions& options, PictureFormat format,
                   const ByteSink& write);
 

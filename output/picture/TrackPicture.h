@@ -8,8 +8,8 @@
 
 namespace output {
 
-/** The picture of a track: its heading; the overview with the loudness wave; the dots strip; a stretch of the zoom wave
- *  with the beat grid. Drawn in a space of kWidth by kHeight units. */
+/** The picture of a track: its heading; the overview with the loudness wave; the dots strip; a
+ *  stretch of the zoom wave with the beat grid. Drawn in a space of kWidth by kHeight units. */
 class TrackPicture {
 public:
     static constexpr double kWidth = 1600.0;

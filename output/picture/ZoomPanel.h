@@ -8,8 +8,9 @@
 
 namespace output {
 
-/** A stretch of the zoom wave, coloured by its share of bass, with the beat grid over it: beats as lines, downbeats
- *  brighter and with the number of their bar. Above it stand the stretch's times and the key to the colours. */
+/** A stretch of the zoom wave, coloured by its share of bass, with the beat grid over it: beats as
+ *  lines, downbeats brighter and with the number of their bar. Above it stand the stretch's times
+ *  and the key to the colours. */
 class ZoomPanel {
 public:
     ZoomPanel(const beatatlas::track::TrackResult& analysis, const ZoomStretch& stretch,

@@ -14,8 +14,8 @@ struct ZoomStretch {
     double to;
 };
 
-/** As asked for, and moved into the track; by itself the loudest stretch of that length, begun on a downbeat where
- *  there is one. A track shorter than the stretch is shown whole. */
+/** As asked for, and moved into the track; by itself the loudest stretch of that length, begun on a
+ *  downbeat where there is one. A track shorter than the stretch is shown whole. */
 ZoomStretch chooseZoomStretch(const beatatlas::track::TrackResult& analysis,
                               const PictureOptions& options);
 

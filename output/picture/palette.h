@@ -17,13 +17,15 @@ constexpr Color kBeat = Color::rgb(0xD5DCE8);
 constexpr Color kHalo = Color::rgb(0x0E1219).withAlpha(0.55);
 constexpr Color kDot = Color::rgb(0xFF8A4C);
 
-/** A loudness colour: bass is warm, highs are cool, and what little bass there is makes it green or blue. */
+/** A loudness colour: bass is warm, highs are cool, and what little bass there is makes it green or
+ *  blue. */
 struct LoudColor {
     Color color;
     const char* meaning;
 };
 
-// By colour number. 0 to 3 are stretches with bass: which band leads, and whether mids or highs come with it.
+// By colour number. 0 to 3 are stretches with bass: which band leads, and whether mids or highs
+// come with it.
 constexpr std::array<LoudColor, 6> kLoud = {{{Color::rgb(0xFF4D5E), "bass over mids"},
                                              {Color::rgb(0xFF9A3D), "mids over bass"},
                                              {Color::rgb(0xE65BC4), "bass over highs"},

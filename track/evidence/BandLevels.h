@@ -13,21 +13,22 @@
 
 namespace beatatlas::track::inner {
 
-/** Groups of bands whose onsets are told apart: low (below 170 Hz), low middle (520 Hz), middle (2 kHz), high middle
- *  (5 kHz) and high (15.5 kHz). */
+/** Groups of bands whose onsets are told apart: low (below 170 Hz), low middle (520 Hz), middle (2
+ *  kHz), high middle (5 kHz) and high (15.5 kHz). */
 inline constexpr std::size_t kGroups = 5;
 
 /** The spectrum of a track at 150 frames a second: its levels in bands of a fifth of an octave.
  *
- *  How loud the track is as a whole, against which a level is to be judged, is known only at its end. Until then a level
- *  is kept in 16 bits: some 10 kB per second of audio.
+ *  How loud the track is as a whole, against which a level is to be judged, is known only at its
+ *  end. Until then a level is kept in 16 bits: some 10 kB per second of audio.
  *
- *  Life: construct, rounding to nearest → put() per block → finish() → takeChunk() until it gives none. */
+ *  Life: construct, rounding to nearest → put() per block → finish() → takeChunk() until it gives
+ *  none. */
 class BandLevels {
 public:
     static constexpr int kFramesPerSecond = 150;
-    // An hour. Blocks of more than 32 MB go back to the system as soon as they are let go, and of the last one only what
-    // is written counts.
+    // An hour. Blocks of more than 32 MB go back to the system as soon as they are let go, and of
+    // the last one only what is written counts.
     static constexpr std::size_t kChunkFrames = std::size_t{1} << 19;
 
     /** @param rate  44100 or 48000 Hz */
@@ -42,12 +43,13 @@ public:
     /** Bands of group g: from groupStarts()[g] to groupStarts()[g + 1], exclusive. */
     const std::array<std::size_t, kGroups + 1>& groupStarts() const { return groupStarts_; }
 
-    /** The level, a magnitude of the spectrum, that the mean over all bands passes in one frame of ten; 0 for silence.
-     *  Between finish() and the first takeChunk().
+    /** The level, a magnitude of the spectrum, that the mean over all bands passes in one frame of
+     *  ten; 0 for silence. Between finish() and the first takeChunk().
      *  @param levelOfCode  as levelsOfCodes() gives them */
     double loudLevel(const std::vector<float>& levelOfCode) const;
 
-    /** Codes of the next kChunkFrames frames, band by band within a frame, and lets them go; null after the last. */
+    /** Codes of the next kChunkFrames frames, band by band within a frame, and lets them go; null
+     *  after the last. */
     std::unique_ptr<LevelCode[]> takeChunk();
 
 private:

@@ -8,13 +8,14 @@ namespace beatatlas::track::inner {
 
 /** Sums of the bins of each band of a spectrum, of bands one bin to dozens wide.
  *
- *  All sums of 2, 4, 8 and 16 neighbours are made in vector lanes, and a band is put together from a few of them: the
- *  order of the additions is the same in every vector form. */
+ *  All sums of 2, 4, 8 and 16 neighbours are made in vector lanes, and a band is put together from
+ *  a few of them: the order of the additions is the same in every vector form. */
 class BandSums {
 public:
     static constexpr int kMostBins = 512;
 
-    /** @param edges  ascending bins below kMostBins: band b holds edges[b] to edges[b + 1], exclusive */
+    /** @param edges  ascending bins below kMostBins: band b holds edges[b] to edges[b + 1],
+     *  exclusive */
     explicit BandSums(const std::vector<int>& edges);
 
     /** Where the powers of kMostBins bins are to be written before sum(). */

@@ -10,8 +10,8 @@
 
 namespace beatatlas::track::inner {
 
-/** How much the harmony after a time differs from that before, ten times a second: the distance between the directions of
- *  the mean chroma on both sides, 0 … √2. */
+/** How much the harmony after a time differs from that before, ten times a second: the distance
+ *  between the directions of the mean chroma on both sides, 0 … √2. */
 struct ChordChanges {
     /** Half a second, one and two on each side. */
     enum Span : std::size_t { kHalf, kOne, kTwo };

@@ -14,7 +14,8 @@ namespace beatatlas::track::inner {
 /** What sounds, by pitch class from A. */
 using Chroma = std::array<float, 12>;
 
-/** The pitch classes of a track, ten times a second: how strongly each sounds between 100 Hz and 2 kHz.
+/** The pitch classes of a track, ten times a second: how strongly each sounds between 100 Hz and 2
+ *  kHz.
  *
  *  Life: construct, rounding to nearest → put() per block → finish(). */
 class ChromaStream {
@@ -27,8 +28,8 @@ public:
     /** Takes the mean of both channels, full scale ±1.0. */
     void put(const float* mono, std::int64_t samples);
 
-    /** The frames of the whole track, compressed: ln(1 + c), where 1 is a twelfth of what sounds in the middle one of
-     *  all frames. Call once. */
+    /** The frames of the whole track, compressed: ln(1 + c), where 1 is a twelfth of what sounds in
+     *  the middle one of all frames. Call once. */
     std::vector<Chroma> finish();
 
 private:

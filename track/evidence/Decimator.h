@@ -7,11 +7,12 @@
 
 namespace beatatlas::track::inner {
 
-/** Keeps one sample of eight behind a linear-phase low-pass. Output m stands for input 8m; silence lies before the
- *  stream and after it.
+/** Keeps one sample of eight behind a linear-phase low-pass. Output m stands for input 8m; silence
+ *  lies before the stream and after it.
  *
- *  Single precision, rounding to nearest, which the caller sees to, construction included. The same bits in every
- *  vector form and for blocks of every size. Life: construct → put() per block → finish(). */
+ *  Single precision, rounding to nearest, which the caller sees to, construction included. The same
+ *  bits in every vector form and for blocks of every size. Life: construct → put() per block →
+ *  finish(). */
 class Decimator {
 public:
     static constexpr int kFactor = 8;

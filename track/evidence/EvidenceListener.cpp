@@ -7,7 +7,8 @@ namespace beatatlas::track::inner {
 
 namespace {
 
-// The mean of both channels, with 16-bit full scale brought to ±1.0: a power of two, so the product is exact.
+// The mean of both channels, with 16-bit full scale brought to ±1.0: a power of two, so the product
+// is exact.
 constexpr float kMonoScale = 1.0F / 65536.0F;
 
 }  // namespace

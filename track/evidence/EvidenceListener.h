@@ -21,8 +21,9 @@ struct Evidence {
     ChordChanges changes;
 };
 
-/** Gathers the evidence from a track. The same bits for blocks of every size, in every rounding mode and vector form.
- *  Where another maths library gives other last bits (of exp2, log1p, cos), those of the evidence may differ too.
+/** Gathers the evidence from a track. The same bits for blocks of every size, in every rounding
+ *  mode and vector form. Where another maths library gives other last bits (of exp2, log1p, cos),
+ *  those of the evidence may differ too.
  *
  *  Life: construct → hear the whole track → finish(). Memory: 11 kB per second of the track. */
 class EvidenceListener : public Listener {

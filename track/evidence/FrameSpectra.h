@@ -9,25 +9,26 @@
 
 namespace beatatlas::track::inner {
 
-/** Windowed frames of real samples and their spectra, many at a time: two frames are the real and the imaginary part of
- *  one complex transform, whose spectrum has the symmetric half of the one and the antisymmetric of the other, and
- *  several transforms run side by side.
+/** Windowed frames of real samples and their spectra, many at a time: two frames are the real and
+ *  the imaginary part of one complex transform, whose spectrum has the symmetric half of the one
+ *  and the antisymmetric of the other, and several transforms run side by side.
  *
- *  Single precision, rounding to nearest, which the caller sees to, construction included. The same bits in every
- *  vector form. Memory: 256 bytes a point, allocated when constructed. */
+ *  Single precision, rounding to nearest, which the caller sees to, construction included. The same
+ *  bits in every vector form. Memory: 256 bytes a point, allocated when constructed. */
 class FrameSpectra {
 public:
     static constexpr int kFrames = 2 * FrameTransform::kFramesAtOnce;
 
     /** @param points  of a spectrum, a power of two of at least 64
-     *  @param window  of a frame, at most so many samples; what is missing counts as silence after it */
+     *  @param window  of a frame, at most so many samples; what is missing counts as silence after
+     *                 it */
     FrameSpectra(int points, std::vector<float> window);
 
     /** Transforms the frames that begin at samples[starts[f]], f < count ≤ kFrames. */
     void transform(const float* samples, const std::ptrdiff_t* starts, int count);
 
-    /** |X|² of the bins 0 … bins − 1 of the frames 2 × pair and 2 × pair + 1; bins is a multiple of 16, at most half the
-     *  points. */
+    /** |X|² of the bins 0 … bins − 1 of the frames 2 × pair and 2 × pair + 1; bins is a multiple of
+     *  16, at most half the points. */
     void powers(int pair, int bins, float* even, float* odd) const;
 
     /** One value of a frame's spectrum; 0 < bin < points. */
@@ -40,8 +41,8 @@ private:
     const float* im(int pair) const { return im_.data() + pair * stride_; }
 
     int points_;
-    // A line more than the points, so that the same point of all frames does not fall into one set of the cache; what
-    // follows the last one repeats the first.
+    // A line more than the points, so that the same point of all frames does not fall into one set
+    // of the cache; what follows the last one repeats the first.
     std::ptrdiff_t stride_;
     FrameTransform transform_;
     std::vector<float> window_;

@@ -8,8 +8,8 @@
 
 #include "dsp/vectorLanes.h"
 
-/** Levels in 16 bits, on a logarithmic scale: 1024 steps an octave, so a step is 0.006 dB, over 64 octaves. Code 0 stands
- *  for silence. */
+/** Levels in 16 bits, on a logarithmic scale: 1024 steps an octave, so a step is 0.006 dB, over 64
+ *  octaves. Code 0 stands for silence. */
 namespace beatatlas::track::inner {
 
 using LevelCode = std::uint16_t;
@@ -24,8 +24,9 @@ inline constexpr std::size_t kCodedTogether = 16;
 
 /** The codes of the square roots of sixteen energies ≥ 0, in lanes, whatever the register.
  *
- *  The logarithm of a float is its exponent and that of its mantissa 1 + t. The polynomial is the one of degree 5
- *  through the Chebyshev points of 0 ≤ t ≤ 1: off by at most 1.5e-5 octaves, a hundredth of a code. */
+ *  The logarithm of a float is its exponent and that of its mantissa 1 + t. The polynomial is the
+ *  one of degree 5 through the Chebyshev points of 0 ≤ t ≤ 1: off by at most 1.5e-5 octaves, a
+ *  hundredth of a code. */
 BEATATLAS_LANES void codeLevels(const Lanes<float, kCodedTogether>& energies,
                                 Lanes<std::int32_t, kCodedTogether>& codes) {
     using Ints = Lanes<std::int32_t, kCodedTogether>;

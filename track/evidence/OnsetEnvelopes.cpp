@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
-// Method: spectral flux of log-compressed bands, as surveyed in S. Böck, F. Krebs, M. Schedl, "Evaluating the online
-// capabilities of onset detection methods" (2012).
-//   1. the logarithm of a level, relative to the loud passages of the track; nearly linear far below them, so that the
-//      rustle of a quiet passage is no onset
+// Method: spectral flux of log-compressed bands, as surveyed in S. Böck, F. Krebs, M. Schedl,
+// "Evaluating the online capabilities of onset detection methods" (2012).
+//   1. the logarithm of a level, relative to the loud passages of the track; nearly linear far
+//      below them, so that the rustle of a quiet passage is no onset
 //   2. its rise in each band over one frame and over two, averaged over each group of bands
 //   3. each group divided by its mean over the track: what seldom happens in a group counts more
 //   4. its largest value about each frame, for what asks how strongly something begins about a time
@@ -67,7 +67,8 @@ public:
         return levels;
     }
 
-    /** Mean rise of a group of the latest frame over the one `lag` before; 0 where there is none. */
+    /** Mean rise of a group of the latest frame over the one `lag` before; 0 where there is
+     *  none. */
     float riseOver(std::int64_t lag, std::size_t group) const {
         if (frame_ <= lag) return 0.0F;
         const float* row = rows_[static_cast<std::size_t>((frame_ - 1) % 3)].data();
@@ -114,7 +115,8 @@ float meanFrom(std::size_t first, const std::array<float, kCount>& values) {
     return sum / static_cast<float>(kCount - first);
 }
 
-/** Puts the largest of its neighbours into the place of each row; at the ends, of those that there are. */
+/** Puts the largest of its neighbours into the place of each row; at the ends, of those that there
+ *  are. */
 void spreadPeaks(std::vector<Groups>& rises) {
     std::array<Groups, kPeakFramesBefore> before;  // as they were
     before.fill(rises.front());
@@ -130,7 +132,8 @@ void spreadPeaks(std::vector<Groups>& rises) {
     }
 }
 
-/** Brings peaks into parts of their mean, without the exceptional ones; keeps the upper groups' as they are. */
+/** Brings peaks into parts of their mean, without the exceptional ones; keeps the upper groups' as
+ *  they are. */
 void makeStrengths(OnsetEnvelopes& envelopes) {
     envelopes.upper.reserve(envelopes.strength.size());
     for (const Groups& peaks : envelopes.strength)
