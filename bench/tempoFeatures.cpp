@@ -107,11 +107,11 @@ Analysis analyze(const Wave& wave) {
         listener.hear(block);
     }
     sessions.close();
-    Analysis analysis{
-        listener.finish(),
-        {downbeatsOf(sessions.simple(), wave.rate), downbeatsOf(sessions.varied(), wave.rate)},
-        {}};
-    analysis.answer = decideTempo(analysis.evidence, sessions, wave.rate, {});
+    Analysis analysis{listener.finish(),
+                      {downbeatsOf(sessions.grids().simple, wave.rate),
+                       downbeatsOf(sessions.grids().varied, wave.rate)},
+                      {}};
+    analysis.answer = decideTempo(analysis.evidence, sessions.grids(), wave.rate, {});
     return analysis;
 }
 

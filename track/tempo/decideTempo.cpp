@@ -38,7 +38,7 @@ enum class Pick { beats, downbeats };
 /** A decision about one track, stage by stage. */
 class Decision {
 public:
-    Decision(const Evidence& evidence, const SessionPair& sessions, int rate,
+    Decision(const Evidence& evidence, const SessionGrids& sessions, int rate,
              const TempoWishes& wishes)
         : evidence_(evidence), sessions_(sessions), rate_(rate), wishes_(wishes) {}
 
@@ -64,7 +64,7 @@ public:
 private:
     std::vector<double> proposedTempi() const {
         std::vector<double> hz;
-        for (const int bpm100 : {sessions_.varied().bpm100, sessions_.simple().bpm100})
+        for (const int bpm100 : {sessions_.varied.bpm100, sessions_.simple.bpm100})
             if (bpm100 > 0) hz.push_back(static_cast<double>(bpm100) / 100.0 / 60.0);
         return hz;
     }
@@ -90,8 +90,8 @@ private:
     void readMetre() {
         const BeatLine line(answer_.line);
         answer_.metres =
-            judgeMetre({evidence_, line, 60.0 * hz_, secondsOf(sessions_.varied(), Pick::beats),
-                        secondsOf(sessions_.simple(), Pick::beats), firstOnset()});
+            judgeMetre({evidence_, line, 60.0 * hz_, secondsOf(sessions_.varied, Pick::beats),
+                        secondsOf(sessions_.simple, Pick::beats), firstOnset()});
         if (answer_.metres.empty()) return;
         const MetreReading& metre = answer_.metres.front();
         answer_.beats =
@@ -132,8 +132,8 @@ private:
         answer_.stretches = findStretches(answer_.beats);
         if (answer_.beats.size() >= kLeastBeatsForBars) {
             answer_.bars = countBars(evidence_, answer_.beats, answer_.stretches,
-                                     {secondsOf(sessions_.simple(), Pick::downbeats),
-                                      secondsOf(sessions_.varied(), Pick::downbeats)},
+                                     {secondsOf(sessions_.simple, Pick::downbeats),
+                                      secondsOf(sessions_.varied, Pick::downbeats)},
                                      wishes_.beatsPerBar);
             answer_.confidence.bars = confidenceOfBars(answer_.bars.share);
         } else {
@@ -206,7 +206,7 @@ private:
     }
 
     const Evidence& evidence_;
-    const SessionPair& sessions_;
+    const SessionGrids& sessions_;
     int rate_;
     const TempoWishes& wishes_;
     double hz_ = 0.0;
@@ -215,7 +215,7 @@ private:
 
 }  // namespace
 
-TempoAnswer decideTempo(const Evidence& evidence, const SessionPair& sessions, int rate,
+TempoAnswer decideTempo(const Evidence& evidence, const SessionGrids& sessions, int rate,
                         const TempoWishes& wishes) {
     const NearestScope mode;
     return Decision(evidence, sessions, rate, wishes).make();

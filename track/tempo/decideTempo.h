@@ -52,7 +52,7 @@ struct TempoAnswer {
  *
  *  The same bits whatever the rounding mode and vector form. Where another maths library gives other last bits (of exp,
  *  log, sin, cos), those of the answer may differ too. */
-TempoAnswer decideTempo(const Evidence& evidence, const SessionPair& sessions, int rate,
+TempoAnswer decideTempo(const Evidence& evidence, const SessionGrids& sessions, int rate,
                         const TempoWishes& wishes);
 
 }  // namespace beatatlas::track::inner
