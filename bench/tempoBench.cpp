@@ -41,7 +41,7 @@ struct Stages {
         evidence = listener.finish();
         hearTrack(sessions);
         sessions.close();
-        answer = decideTempo(evidence, sessions, kRate, {});
+        answer = decideTempo(evidence, sessions.grids(), kRate, {});
         local = followTempo(evidence.onsets.full, kHz);
         tracked = trackBeats(evidence.onsets.sharp, local);
     }
@@ -76,7 +76,7 @@ void sessionPair(benchmark::State& state) {
         SessionPair pair(kRate, kFrames, false);
         hearTrack(pair);
         pair.close();
-        benchmark::DoNotOptimize(pair.varied().bpm100);
+        benchmark::DoNotOptimize(pair.grids().varied.bpm100);
     }
     reportAudio(state, kFrames);
 }
@@ -186,7 +186,8 @@ void bars(benchmark::State& state) {
 BENCHMARK(bars)->Unit(benchmark::kMillisecond);
 
 void tempoDecision(benchmark::State& state) {
-    run(state, [](const Stages& s) { return decideTempo(s.evidence, s.sessions, kRate, {}).bpm; });
+    run(state,
+        [](const Stages& s) { return decideTempo(s.evidence, s.sessions.grids(), kRate, {}).bpm; });
 }
 BENCHMARK(tempoDecision)->Unit(benchmark::kMillisecond);
 

@@ -84,8 +84,16 @@ Wave readWave(const char* path) {
 /** What is heard of a track, and the answer. */
 struct Analysis {
     Evidence evidence;
+    SessionDownbeats downbeats;
     TempoAnswer answer;
 };
+
+std::vector<double> downbeatsOf(const SessionGrid& grid, int rate) {
+    std::vector<double> seconds;
+    for (const auto& beat : grid.beats)
+        if (beat.group == 1) seconds.push_back(static_cast<double>(beat.pos) / rate);
+    return seconds;
+}
 
 Analysis analyze(const Wave& wave) {
     constexpr std::size_t kBlock = 16384;
@@ -99,8 +107,11 @@ Analysis analyze(const Wave& wave) {
         listener.hear(block);
     }
     sessions.close();
-    Analysis analysis{listener.finish(), {}};
-    analysis.answer = decideTempo(analysis.evidence, sessions, wave.rate, {});
+    Analysis analysis{listener.finish(),
+                      {downbeatsOf(sessions.grids().simple, wave.rate),
+                       downbeatsOf(sessions.grids().varied, wave.rate)},
+                      {}};
+    analysis.answer = decideTempo(analysis.evidence, sessions.grids(), wave.rate, {});
     return analysis;
 }
 
@@ -153,14 +164,16 @@ void printReadings(const std::string& id, const Analysis& analysis) {
                               metre, answer.isSteady),
                      metre.features);
     std::printf("]}\n");
-    if (answer.bars.empty()) return;
+    if (answer.beats.size() < kLeastBeatsForBars) return;
+    const std::vector<BarReading> bars = judgeBars(
+        analysis.evidence, answer.beats, analysis.downbeats.simple, analysis.downbeats.varied);
     beginGroup(id, "bar", kBarWeights);
-    for (const BarReading& bar : answer.bars) {
+    for (const BarReading& bar : bars) {
         std::vector<double> downbeats;
         for (auto k = static_cast<std::size_t>(bar.phase); k < answer.beats.size();
              k += static_cast<std::size_t>(bar.beats))
             downbeats.push_back(answer.beats[k]);
-        printReading(&bar == &answer.bars.front(), bar.beats, bar.phase, downbeats, bar.features);
+        printReading(&bar == &bars.front(), bar.beats, bar.phase, downbeats, bar.features);
     }
     std::printf("]}\n");
 }

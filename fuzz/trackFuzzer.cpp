@@ -37,13 +37,16 @@ Audio fuzzTrack(FuzzInput& input) {
 /** Mostly options that are taken; now and then any bytes where one stands. */
 BA_TrackOptions fuzzOptions(FuzzInput& input) {
     BA_TrackOptions options = beatatlas::test::defaultsOf();
-    options.tempo = input.between(0, 3);
+    options.tempo = input.between(0, 4);
     options.section_beats = input.between(1, 70);
     options.range_seconds = input.between(0, 30) / 10.0;
     options.wants_key = input.between(0, 1);
     options.skips_session_key = input.between(0, 1);
     options.wants_waves = input.between(0, 1);
     options.threads = input.between(1, 3);
+    if (input.flag()) options.lowest_bpm = input.between(20, 500);
+    if (options.lowest_bpm > 0.0) options.highest_bpm = 2.0 * options.lowest_bpm;
+    if (input.flag()) options.beats_per_bar = input.between(3, 4);
     if (input.between(0, 15) != 0) return options;
     // All but the callback, which would be called.
     const int at = input.between(0, static_cast<int>(offsetof(BA_TrackOptions, progress)) - 1);
@@ -82,7 +85,7 @@ void requireKey(const Found& found) {
 void requireLists(const Found& found) {
     require(found.bpm >= 0.0, "a tempo from 0 up");
     for (const BA_TrackBeat& beat : found.beats) {
-        require(beat.number_in_bar >= 1 && beat.number_in_bar <= 4, "beats are numbered 1 to 4");
+        require(beat.number_in_bar >= 1 && beat.number_in_bar <= 5, "beats are numbered 1 to 5");
         require(std::isfinite(beat.seconds) && beat.bpm > 0.0, "beats have times and tempi");
     }
     requireKey(found);

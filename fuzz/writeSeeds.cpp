@@ -81,6 +81,7 @@ int main(int argc, char** argv) {
         writeNoise(folder / "beatlist", 3);
         writeNoise(folder / "arguments", 4);
         writeNoise(folder / "track", 5);
+        writeNoise(folder / "tempo", 6);
         writeTracks(folder / "decoder");
     } catch (const std::exception& error) {
         std::fprintf(stderr, "writeSeeds: %s\n", error.what());

@@ -13,16 +13,21 @@ namespace output {
 
 namespace {
 
-/** The range of the local tempos when they differ, else nothing. */
-std::string tempoRange(const std::vector<beatatlas::track::Beat>& beats) {
-    if (beats.empty()) return {};
-    const auto [slowest, fastest] =
-        std::minmax_element(beats.begin(), beats.end(),
-                            [](const beatatlas::track::Beat& a, const beatatlas::track::Beat& b) {
-                                return a.bpm < b.bpm;
-                            });
+template <class Part>
+std::string tempoRangeOf(const std::vector<Part>& parts, const char* layout) {
+    if (parts.empty()) return {};
+    const auto [slowest, fastest] = std::minmax_element(
+        parts.begin(), parts.end(), [](const Part& a, const Part& b) { return a.bpm < b.bpm; });
     if (slowest->bpm == fastest->bpm) return {};
-    return fmt::format(", {} to {} along the track", bpmText(slowest->bpm), bpmText(fastest->bpm));
+    return fmt::format(fmt::runtime(layout), bpmText(slowest->bpm), bpmText(fastest->bpm));
+}
+
+/** How far the tempo goes: from stretch to stretch where it is known in stretches, else from beat to beat. */
+std::string tempoRange(const beatatlas::track::TrackResult& analysis) {
+    const auto& judgement = analysis.judgement;
+    if (judgement && !judgement->isSteady && judgement->stretches.size() > 1)
+        return tempoRangeOf(judgement->stretches, ", varies: {} to {}");
+    return tempoRangeOf(analysis.beats, ", {} to {} along the track");
 }
 
 // What was right on fewer tracks than that is told with its likeliest alternative.
@@ -103,8 +108,8 @@ std::string textSummary(const TrackReport& report) {
     const beatatlas::track::Options& options = report.options;
     std::string text = trackFileText(report, analysis.frames);
     if (options.tempo != beatatlas::track::TempoMode::off) {
-        text += textLine("tempo",
-                         tempoText(report) + tempoRange(analysis.beats) + judgementText(analysis));
+        text +=
+            textLine("tempo", tempoText(report) + tempoRange(analysis) + judgementText(analysis));
         text += textLine("beats", beatsText(analysis));
     }
     if (options.wantsKey) text += textLine("key", keyDetails(report)) + keyChangesText(report);

@@ -20,13 +20,6 @@ double inHundredths(double bpm) {
     return std::round(100.0 * bpm) / 100.0;
 }
 
-/** From 1, the downbeat. */
-std::int32_t numberInBar(const TempoAnswer& answer, std::size_t beat) {
-    const auto perBar = static_cast<std::size_t>(answer.beatsPerBar);
-    const std::size_t phase = static_cast<std::size_t>(answer.barPhase) % perBar;
-    return static_cast<std::int32_t>((beat + perBar - phase) % perBar) + 1;
-}
-
 double localBpm(const std::vector<double>& beats, std::size_t i) {
     const std::size_t from = i < kBeatsAround ? 0 : i - kBeatsAround;
     const std::size_t to = std::min(i + kBeatsAround, beats.size() - 1);
@@ -79,7 +72,7 @@ void AutoSession::addBeatsTo(TrackResult& result) const {
         const double bpm = answer_.isSteady ? result.bpm : inHundredths(localBpm(beats, i));
         const double frame = std::clamp(std::round(beats[i] * result.rate), 0.0, last);
         result.beats.push_back(
-            {beats[i], bpm, static_cast<std::int64_t>(frame), numberInBar(answer_, i), 0});
+            {beats[i], bpm, static_cast<std::int64_t>(frame), answer_.bars.numbers[i], 0});
     }
 }
 

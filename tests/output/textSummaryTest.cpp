@@ -75,6 +75,54 @@ TEST(textSummary, TellsWhereTheKeyChanges) {
                 HasSubstr("  changes  A minor (8A) from 0:00.00, Bb minor (3A) from 0:04.50\n"));
 }
 
+/** Of an automatic tempo that is sure in every part. */
+TrackReport judgedReport() {
+    TrackReport report = test::exampleReport();
+    report.analysis.judgement = {true,
+                                 *report.analysis.bpm,
+                                 {0.99, 0.99, 0.98, 0.91},
+                                 {{0.1, 7.6, 120.0}},
+                                 {{beatatlas::track::ReadingKind::shifted, 120.0, 0.25, 0.5},
+                                  {beatatlas::track::ReadingKind::half, 60.0, 0.125, 0.0}}};
+    return report;
+}
+
+TEST(textSummary, TellsASureTempoWithoutDoubts) {
+    EXPECT_THAT(textSummary(judgedReport()), HasSubstr("tempo    120.00 BPM\n"));
+}
+
+TEST(textSummary, TellsTheLikeliestOtherTempoOfAnUnsureLevel) {
+    TrackReport report = judgedReport();
+    report.analysis.judgement->confidence.level = 0.88;
+    EXPECT_THAT(textSummary(report), HasSubstr("120.00 BPM, perhaps 60.00\n"));
+}
+
+TEST(textSummary, TellsOfBeatsThatMayLieBetween) {
+    TrackReport report = judgedReport();
+    report.analysis.judgement->confidence.phase = 0.6;
+    EXPECT_THAT(textSummary(report), HasSubstr("120.00 BPM, beats perhaps between these\n"));
+}
+
+TEST(textSummary, TellsOfAPulseThatIsHardlyClear) {
+    TrackReport report = judgedReport();
+    report.analysis.judgement->confidence.tempo = 0.5;
+    EXPECT_THAT(textSummary(report), HasSubstr("120.00 BPM; hardly a clear pulse\n"));
+}
+
+TEST(textSummary, TellsHowFarATempoOfStretchesVaries) {
+    TrackReport report = judgedReport();
+    report.analysis.judgement->isSteady = false;
+    report.analysis.judgement->stretches = {{0.1, 4.0, 125.5}, {4.0, 7.6, 100.0}};
+    EXPECT_THAT(textSummary(report), HasSubstr("120.00 BPM, varies: 100.00 to 125.50\n"));
+}
+
+TEST(textSummary, TellsTheTempoBeforeItWasBroughtIntoARange) {
+    TrackReport report = judgedReport();
+    report.analysis.judgement->rawBpm = 60.0;
+    EXPECT_THAT(textSummary(report),
+                HasSubstr("120.00 BPM (60.00 before it was brought into the range)\n"));
+}
+
 TEST(textSummary, TellsBothRatesOfAConvertedTrack) {
     TrackReport report = test::exampleReport();
     report.format.trackRate = 96000;

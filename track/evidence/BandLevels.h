@@ -16,6 +16,7 @@ namespace beatatlas::track::inner {
 /** Groups of bands whose onsets are told apart: low (below 170 Hz), low middle (520 Hz), middle (2
  *  kHz), high middle (5 kHz) and high (15.5 kHz). */
 inline constexpr std::size_t kGroups = 5;
+enum Group : std::size_t { kLow, kLowMiddle, kMiddle, kHighMiddle, kHigh };
 
 /** The spectrum of a track at 150 frames a second: its levels in bands of a fifth of an octave.
  *

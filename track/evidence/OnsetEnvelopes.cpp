@@ -58,33 +58,32 @@ public:
         ++frame_;
     }
 
-    /** Mean level of each group in the latest frame. */
-    Groups level() const {
-        const float* row = rows_[static_cast<std::size_t>((frame_ - 1) % 3)].data();
-        Groups levels{};
-        for (std::size_t g = 0; g < kGroups; ++g)
-            levels[g] = meanOf(g, [row](std::size_t band) { return row[band]; });
-        return levels;
-    }
+    /** Of a group in the latest frame: mean level, and mean rise over one frame and over two; 0 where none was before. */
+    struct Means {
+        float level;
+        float rise;
+        float riseOverTwo;
+    };
 
-    /** Mean rise of a group of the latest frame over the one `lag` before; 0 where there is
-     *  none. */
-    float riseOver(std::int64_t lag, std::size_t group) const {
-        if (frame_ <= lag) return 0.0F;
-        const float* row = rows_[static_cast<std::size_t>((frame_ - 1) % 3)].data();
-        const float* before = rows_[static_cast<std::size_t>((frame_ - 1 - lag) % 3)].data();
-        return meanOf(group, [row, before](std::size_t band) {
-            return std::max(0.0F, row[band] - before[band]);
-        });
+    // The three sums go side by side: none waits for another.
+    Means meansOf(std::size_t group) const {
+        const float* row = rowBefore(0);
+        const float* last = rowBefore(std::min<std::int64_t>(1, frame_ - 1));
+        const float* lastButOne = frame_ > 2 ? rowBefore(2) : row;
+        Means sums{};
+        for (std::size_t band = starts_[group]; band < starts_[group + 1]; ++band) {
+            sums.level += row[band];
+            sums.rise += std::max(0.0F, row[band] - last[band]);
+            sums.riseOverTwo += std::max(0.0F, row[band] - lastButOne[band]);
+        }
+        const auto count = static_cast<float>(starts_[group + 1] - starts_[group]);
+        return {sums.level / count, sums.rise / count, sums.riseOverTwo / count};
     }
 
 private:
-    template <class Value>
-    float meanOf(std::size_t group, const Value& value) const {
-        float sum = 0.0F;
-        for (std::size_t band = starts_[group]; band < starts_[group + 1]; ++band)
-            sum += value(band);
-        return sum / static_cast<float>(starts_[group + 1] - starts_[group]);
+    /** The row of so many frames ago. */
+    const float* rowBefore(std::int64_t frames) const {
+        return rows_[static_cast<std::size_t>((frame_ - 1 - frames) % 3)].data();
     }
 
     std::vector<float> compressed_;
@@ -158,12 +157,15 @@ OnsetEnvelopes makeOnsetEnvelopes(BandLevels& levels) {
         const std::size_t end = std::min(frames, quick.size() + BandLevels::kChunkFrames);
         for (const LevelCode* codes = chunk.get(); quick.size() < end; codes += levels.bands()) {
             meter.put(codes);
-            envelopes.level.push_back(meter.level());
+            Groups& level = envelopes.level.emplace_back();
             Groups& rise = rises.emplace_back();
             SharpGroups& quickRise = quick.emplace_back();
-            for (std::size_t g = 0; g < kGroups; ++g) rise[g] = meter.riseOver(2, g);
-            for (std::size_t g = 0; g < kSharpGroups; ++g)
-                quickRise[g] = meter.riseOver(1, kFirstSharpGroup + g);
+            for (std::size_t g = 0; g < kGroups; ++g) {
+                const RiseMeter::Means means = meter.meansOf(g);
+                level[g] = means.level;
+                rise[g] = means.riseOverTwo;
+                if (g >= kFirstSharpGroup) quickRise[g - kFirstSharpGroup] = means.rise;
+            }
         }
     }
     divideByMean(quick);

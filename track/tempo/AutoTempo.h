@@ -27,7 +27,7 @@ public:
     /** Call once. */
     TempoAnswer finish() {
         sessions_.close();
-        return decideTempo(evidence_.finish(), sessions_, rate_, wishes_);
+        return decideTempo(evidence_.finish(), sessions_.grids(), rate_, wishes_);
     }
 
     /** For the waves. */

@@ -82,17 +82,17 @@ void SessionPair::close() {
 }
 
 void SessionPair::closeVaried() {
-    const float bpm = proposeGrid(true, varied_.beats);
-    variedUnitEnvelope_.analyze(bpm, varied_.beats, true);
-    varied_.bpm100 = tempoHundredths(bpm);
+    const float bpm = proposeGrid(true, grids_.varied.beats);
+    variedUnitEnvelope_.analyze(bpm, grids_.varied.beats, true);
+    grids_.varied.bpm100 = tempoHundredths(bpm);
 }
 
 void SessionPair::closeSimple() {
-    float bpm = proposeGrid(false, simple_.beats);
-    bpm = simpleEnvelopeMaker_.analyze(bpm, simple_.beats);
-    simpleUnitEnvelope_.analyze(bpm, simple_.beats, false);
-    unitBeatAdjust_.analyze(bpm, simple_.beats);
-    simple_.bpm100 = tempoHundredths(bpm);
+    float bpm = proposeGrid(false, grids_.simple.beats);
+    bpm = simpleEnvelopeMaker_.analyze(bpm, grids_.simple.beats);
+    simpleUnitEnvelope_.analyze(bpm, grids_.simple.beats, false);
+    unitBeatAdjust_.analyze(bpm, grids_.simple.beats);
+    grids_.simple.bpm100 = tempoHundredths(bpm);
 }
 
 float SessionPair::proposeGrid(bool isVaried, peakss::BeatList& beats) const {

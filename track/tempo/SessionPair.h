@@ -22,6 +22,11 @@ struct SessionGrid {
     peakss::BeatList beats;  // the final grid
 };
 
+struct SessionGrids {
+    SessionGrid varied;
+    SessionGrid simple;
+};
+
 /** Two sessions of the core over one track, one of varied tempo with phrases of 32 beats and a simple one that senses
  *  all of the track. They sense the same beats, so the track is filtered and sensed once; only the closing analysis is
  *  done twice. Each grid is that of a session of its own, bit for bit.
@@ -37,8 +42,7 @@ public:
     /** Runs both closing analyses. */
     void close();
 
-    const SessionGrid& varied() const { return varied_; }
-    const SessionGrid& simple() const { return simple_; }
+    const SessionGrids& grids() const { return grids_; }
 
     /** The waves, as a session of the core has them when it is asked for the first time. */
     const WavePoint* loudWave();
@@ -74,8 +78,7 @@ private:
     UnitBeatAdjust unitBeatAdjust_;
     LoudViewMaker loudViewMaker_;
     ZoomViewMaker zoomViewMaker_;
-    SessionGrid varied_;
-    SessionGrid simple_;
+    SessionGrids grids_;
 };
 
 }  // namespace beatatlas::track::inner

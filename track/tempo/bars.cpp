@@ -33,10 +33,6 @@ constexpr double kRatioFloor = 0.05;
 constexpr double kTinyDeviation = 1e-6;
 constexpr double kTiny = 1e-9;
 
-constexpr std::size_t kLow = 0;
-constexpr std::size_t kMiddle = 2;
-constexpr std::size_t kHighMiddle = 3;
-
 /** The mean of every step-th value from phase on. */
 template <class Values, class Read>
 double meanOf(const Values& values, std::size_t phase, std::size_t step, const Read& read) {

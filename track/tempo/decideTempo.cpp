@@ -38,7 +38,7 @@ enum class Pick { beats, downbeats };
 /** A decision about one track, stage by stage. */
 class Decision {
 public:
-    Decision(const Evidence& evidence, const SessionPair& sessions, int rate,
+    Decision(const Evidence& evidence, const SessionGrids& sessions, int rate,
              const TempoWishes& wishes)
         : evidence_(evidence), sessions_(sessions), rate_(rate), wishes_(wishes) {}
 
@@ -58,14 +58,13 @@ public:
         if (answer_.beats.size() < 2) return {};
         readBars();
         bringIntoRange();
-        answer_.stretches = findStretches(answer_.beats);
         return std::move(answer_);
     }
 
 private:
     std::vector<double> proposedTempi() const {
         std::vector<double> hz;
-        for (const int bpm100 : {sessions_.varied().bpm100, sessions_.simple().bpm100})
+        for (const int bpm100 : {sessions_.varied.bpm100, sessions_.simple.bpm100})
             if (bpm100 > 0) hz.push_back(static_cast<double>(bpm100) / 100.0 / 60.0);
         return hz;
     }
@@ -91,8 +90,8 @@ private:
     void readMetre() {
         const BeatLine line(answer_.line);
         answer_.metres =
-            judgeMetre({evidence_, line, 60.0 * hz_, secondsOf(sessions_.varied(), Pick::beats),
-                        secondsOf(sessions_.simple(), Pick::beats), firstOnset()});
+            judgeMetre({evidence_, line, 60.0 * hz_, secondsOf(sessions_.varied, Pick::beats),
+                        secondsOf(sessions_.simple, Pick::beats), firstOnset()});
         if (answer_.metres.empty()) return;
         const MetreReading& metre = answer_.metres.front();
         answer_.beats =
@@ -130,34 +129,44 @@ private:
     }
 
     void readBars() {
-        answer_.beatsPerBar = wishes_.beatsPerBar != 0 ? wishes_.beatsPerBar : kUsualBar;
-        if (answer_.beats.size() >= kLeastBeatsForBars) judgeBarsOf(answer_.beats);
+        answer_.stretches = findStretches(answer_.beats);
+        if (answer_.beats.size() >= kLeastBeatsForBars) {
+            answer_.bars = countBars(evidence_, answer_.beats, answer_.stretches,
+                                     {secondsOf(sessions_.simple, Pick::downbeats),
+                                      secondsOf(sessions_.varied, Pick::downbeats)},
+                                     wishes_.beatsPerBar);
+            answer_.confidence.bars = confidenceOfBars(answer_.bars.share);
+        } else {
+            answer_.bars = countFromFirst();
+        }
         answer_.downbeats.clear();
-        for (auto k = static_cast<std::size_t>(answer_.barPhase); k < answer_.beats.size();
-             k += static_cast<std::size_t>(answer_.beatsPerBar))
-            answer_.downbeats.push_back(answer_.beats[k]);
+        for (std::size_t k = 0; k < answer_.beats.size(); ++k)
+            if (answer_.bars.numbers[k] == 1) answer_.downbeats.push_back(answer_.beats[k]);
     }
 
-    void judgeBarsOf(const std::vector<double>& beats) {
-        answer_.bars = judgeBars(evidence_, beats, secondsOf(sessions_.simple(), Pick::downbeats),
-                                 secondsOf(sessions_.varied(), Pick::downbeats));
-        const auto isWanted = [this](const BarReading& reading) {
-            return wishes_.beatsPerBar == 0 || reading.beats == wishes_.beatsPerBar;
-        };
-        const auto best = std::find_if(answer_.bars.begin(), answer_.bars.end(), isWanted);
-        answer_.beatsPerBar = best->beats;
-        answer_.barPhase = best->phase;
-        answer_.confidence.bars = confidenceOfBars(best->share);
+    /** Too few beats to tell. */
+    BarCount countFromFirst() const {
+        const int perBar = wishes_.beatsPerBar != 0 ? wishes_.beatsPerBar : kUsualBar;
+        BarCount count{perBar, {}, 0.0};
+        for (std::size_t k = 0; k < answer_.beats.size(); ++k)
+            count.numbers.push_back(static_cast<int>(k) % perBar + 1);
+        return count;
     }
 
     /** Doubles or halves the tempo until it lies in the range wished for. */
     void bringIntoRange() {
         answer_.rawBpm = answer_.bpm;
         if (wishes_.highestBpm == 0.0) return;
-        for (; answer_.bpm < wishes_.lowestBpm; answer_.bpm *= 2.0) doubleBeats();
-        for (; answer_.bpm > wishes_.highestBpm && answer_.beats.size() > 2; answer_.bpm /= 2.0)
+        while (answer_.bpm < wishes_.lowestBpm) {
+            answer_.bpm *= 2.0;
+            doubleBeats();
+            readBars();
+        }
+        while (answer_.bpm > wishes_.highestBpm && answer_.beats.size() > 2) {
+            answer_.bpm /= 2.0;
             halveBeats();
-        if (answer_.bpm != answer_.rawBpm) readBars();
+            readBars();
+        }
     }
 
     void doubleBeats() {
@@ -168,17 +177,16 @@ private:
         }
         beats.push_back(answer_.beats.back());
         answer_.beats = std::move(beats);
-        answer_.barPhase *= 2;
     }
 
-    /** Those stay that keep the downbeats. */
+    /** Those stay that keep the first downbeat. */
     void halveBeats() {
+        const std::vector<int>& numbers = answer_.bars.numbers;
+        const auto first = std::find(numbers.begin(), numbers.end(), 1) - numbers.begin();
         std::vector<double> beats;
-        for (auto i = static_cast<std::size_t>(answer_.barPhase % 2); i < answer_.beats.size();
-             i += 2)
+        for (auto i = static_cast<std::size_t>(first % 2); i < answer_.beats.size(); i += 2)
             beats.push_back(answer_.beats[i]);
         answer_.beats = std::move(beats);
-        answer_.barPhase /= 2;
     }
 
     std::vector<double> secondsOf(const SessionGrid& grid, Pick pick) const {
@@ -198,7 +206,7 @@ private:
     }
 
     const Evidence& evidence_;
-    const SessionPair& sessions_;
+    const SessionGrids& sessions_;
     int rate_;
     const TempoWishes& wishes_;
     double hz_ = 0.0;
@@ -207,7 +215,7 @@ private:
 
 }  // namespace
 
-TempoAnswer decideTempo(const Evidence& evidence, const SessionPair& sessions, int rate,
+TempoAnswer decideTempo(const Evidence& evidence, const SessionGrids& sessions, int rate,
                         const TempoWishes& wishes) {
     const NearestScope mode;
     return Decision(evidence, sessions, rate, wishes).make();

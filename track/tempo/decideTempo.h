@@ -5,8 +5,8 @@
 
 #include "track/evidence/EvidenceListener.h"
 #include "track/tempo/SessionPair.h"
-#include "track/tempo/bars.h"
 #include "track/tempo/confidence.h"
+#include "track/tempo/countBars.h"
 #include "track/tempo/metre.h"
 #include "track/tempo/steadiness.h"
 #include "track/tempo/stretches.h"
@@ -35,8 +35,7 @@ struct TempoAnswer {
     double rawBpm = 0.0;            // before it was brought into the range wished for
     std::vector<double> beats;      // seconds, ascending
     std::vector<double> downbeats;  // those that begin a bar
-    int beatsPerBar = 0;
-    int barPhase = 0;  // the first downbeat among the beats
+    BarCount bars;                  // of these beats
     bool isSteady = true;
     std::vector<TempoStretch> stretches;         // one when it is steady
     std::vector<TempoAlternative> alternatives;  // the likeliest first
@@ -47,14 +46,13 @@ struct TempoAnswer {
     Steadiness steadiness;
     std::vector<double> line;          // the beats that all readings are measured on, seconds
     std::vector<MetreReading> metres;  // the best first
-    std::vector<BarReading> bars;      // the best first; none of a track of few beats
 };
 
 /** Weighs what two sessions of the core found and what else was heard of a track.
  *
  *  The same bits whatever the rounding mode and vector form. Where another maths library gives other last bits (of exp,
  *  log, sin, cos), those of the answer may differ too. */
-TempoAnswer decideTempo(const Evidence& evidence, const SessionPair& sessions, int rate,
+TempoAnswer decideTempo(const Evidence& evidence, const SessionGrids& sessions, int rate,
                         const TempoWishes& wishes);
 
 }  // namespace beatatlas::track::inner

@@ -26,12 +26,6 @@ constexpr double kTripleLead = 0.4;
 constexpr double kOnBeat = 0.125;  // of a beat
 constexpr double kTiny = 1e-6;
 
-// Groups of bands.
-constexpr std::size_t kLow = 0;
-constexpr std::size_t kLowMiddle = 1;
-constexpr std::size_t kMiddle = 2;
-constexpr std::size_t kHighMiddle = 3;
-
 /** Periods and the phases in which they make sense, in twelfths. */
 struct Period {
     int period;
@@ -127,22 +121,28 @@ private:
 
     void compareStrengths(const MetreReading& reading) {
         std::array<Groups, kParts> means{};
-        std::array<Groups, 2> alternate{};
+        std::array<Groups, 2> alternate{};  // of even beats, of odd ones
         for (int k = 0; k < beats_; ++k) {
             for (std::size_t part = 0; part < kParts; ++part) {
                 const double time = timeOf(reading, k + kPartOfBeat[part]);
                 const OnsetEnvelopes::Groups& strength = onsets_.strength[onsets_.frameAt(time)];
-                for (std::size_t g = 0; g < kGroups; ++g) {
-                    means[part][g] += static_cast<double>(strength[g]) / beats_;
-                    if (part != kOn) continue;
-                    const int count = k % 2 == 0 ? (beats_ + 1) / 2 : beats_ / 2;
-                    alternate[static_cast<std::size_t>(k % 2)][g] +=
-                        static_cast<double>(strength[g]) / count;
-                }
+                add(strength, means[part]);
+                if (part == kOn) add(strength, alternate[static_cast<std::size_t>(k % 2)]);
             }
         }
+        for (Groups& sums : means) divide(sums, beats_);
+        divide(alternate[0], (beats_ + 1) / 2);
+        divide(alternate[1], beats_ / 2);
         setStrengths(means);
         setAlternation(alternate);
+    }
+
+    static void add(const OnsetEnvelopes::Groups& strength, Groups& sums) {
+        for (std::size_t g = 0; g < kGroups; ++g) sums[g] += static_cast<double>(strength[g]);
+    }
+
+    static void divide(Groups& sums, int count) {
+        for (double& sum : sums) sum /= count;
     }
 
     void setStrengths(const std::array<Groups, kParts>& means) {

@@ -230,5 +230,59 @@ TEST_F(AnalyzeCommand, StopsOnRequestAndCompletesItsDocument) {
     }
 }
 
+class AnalyzeTempo : public AnalyzeCommand {
+protected:
+    Json tempoWith(std::vector<std::string> options) {
+        const std::string path = folder_.file("kicks.wav");
+        test::writeAudioFile(path, {"wav", "pcm_s16le"}, test::kicks(44100, 30.0, 0.5));
+        options.insert(options.begin(), {"analyze", "--json", "--no-key", path});
+        const ToolRun run = runTool(options);
+        EXPECT_EQ(run.exitStatus, 0) << run.err;
+        return Json::parse(run.out)["tracks"][0];
+    }
+};
+
+TEST_F(AnalyzeTempo, IsDoubledOrHalvedIntoTheRange) {
+    const Json plain = tempoWith({});
+    const double bpm = plain["tempo"]["bpm"];
+    ASSERT_GT(bpm, 0.0);
+    for (const double factor : {0.5, 1.0, 2.0}) {
+        const int low = static_cast<int>(0.7 * factor * bpm);
+        const Json track =
+            tempoWith({"--bpm-range", std::to_string(low) + ":" + std::to_string(2 * low)});
+        EXPECT_NEAR(track["tempo"]["bpm"].get<double>(), factor * bpm, 0.011);
+        EXPECT_EQ(track["tempo"]["rawBpm"], bpm);
+        EXPECT_NEAR(static_cast<double>(track["beats"].size()),
+                    factor * static_cast<double>(plain["beats"].size()), 1.0);
+    }
+}
+
+TEST_F(AnalyzeTempo, CountsTheBeatsOfABarThatIsKnown) {
+    for (const int perBar : {3, 4}) {
+        const Json beats = tempoWith({"--beats-per-bar", std::to_string(perBar)})["beats"];
+        ASSERT_GT(beats.size(), 13U);
+        for (std::size_t i = 1; i < beats.size(); ++i)
+            EXPECT_EQ(beats[i]["beat"].get<int>(), beats[i - 1]["beat"].get<int>() % perBar + 1);
+    }
+}
+
+TEST_F(AnalyzeTempo, RefusesRangesAndBarsThatItCannotTake) {
+    const std::vector<std::vector<std::string>> kRefused = {
+        {"--bpm-range", "100:150"},  // less than an octave
+        {"--bpm-range", "120"},
+        {"--bpm-range", "160:80"},
+        {"--bpm-range", "a:b"},
+        {"--beats-per-bar", "5"},
+        {"--beats-per-bar", "0"},
+        {"--tempo", "varied", "--bpm-range", "80:160"},
+        {"--tempo", "simple", "--beats-per-bar", "4"},
+    };
+    for (std::vector<std::string> arguments : kRefused) {
+        arguments.insert(arguments.begin(), "analyze");
+        arguments.push_back("no-file.wav");
+        EXPECT_EQ(runTool(arguments).exitStatus, 2) << arguments[1] << " " << arguments[2];
+    }
+}
+
 }  // namespace
 }  // namespace app

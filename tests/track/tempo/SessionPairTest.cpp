@@ -57,10 +57,10 @@ void expectSessions(int rate, const StereoTrack& track, bool waves, int block) {
     simple.setQuiet(true);
     simple.createSimple(rate, track.frames(), 0, track.frames(), waves, waves, false);
     simple.setSample(track.left.data(), track.right.data(), track.frames());
-    EXPECT_EQ(pair.varied().bpm100, varied.getBpm());
-    EXPECT_EQ(pair.simple().bpm100, simple.getBpm());
-    EXPECT_EQ(bitsOf(pair.varied().beats), bitsOf(varied.getBeatList()));
-    EXPECT_EQ(bitsOf(pair.simple().beats), bitsOf(simple.getBeatList()));
+    EXPECT_EQ(pair.grids().varied.bpm100, varied.getBpm());
+    EXPECT_EQ(pair.grids().simple.bpm100, simple.getBpm());
+    EXPECT_EQ(bitsOf(pair.grids().varied.beats), bitsOf(varied.getBeatList()));
+    EXPECT_EQ(bitsOf(pair.grids().simple.beats), bitsOf(simple.getBeatList()));
     EXPECT_EQ(valuesOf(pair.loudWave(), pair.loudNum()),
               valuesOf(varied.getLoudWave(), varied.getLoudNum()));
     EXPECT_EQ(valuesOf(pair.dotsWave(), pair.dotsNum()),

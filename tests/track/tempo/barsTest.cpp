@@ -15,25 +15,9 @@ using namespace beatatlas::track::inner;
 constexpr double kSeconds = 48.0;
 const std::vector<double> kBeats = evenTimes(0.5, 0.5, kSeconds);
 
-/** A chord and a strong bass on the first beats of bars of `perBar` beats, the first of them being beat `phase`. */
 Evidence barsOf(std::size_t perBar, std::size_t phase) {
-    Evidence evidence;
-    evidence.seconds = kSeconds;
-    const auto frames = static_cast<std::size_t>(kSeconds * 150.0) + 1;
-    evidence.onsets.sharp.assign(frames, 0.0F);
-    evidence.onsets.strength.assign(frames, {});
-    evidence.onsets.level.assign(frames, {});
-    evidence.chroma.assign(480, Chroma{});
-    for (std::size_t k = 0; k < kBeats.size(); ++k) {
-        const bool isFirst = k % perBar == phase;
-        for (float& group : evidence.onsets.strength[evidence.onsets.frameAt(kBeats[k])])
-            group = isFirst ? 3.0F : 1.0F;
-        const std::size_t bar = (k + perBar - phase) / perBar;
-        const auto from = static_cast<std::size_t>(kBeats[k] * 10.0 + 0.5);
-        for (std::size_t i = from; i < from + 5 && i < 480; ++i)
-            evidence.chroma[i][bar * 5 % 12] = 2.0F;
-    }
-    return evidence;
+    return evidenceOfBars(kBeats, kSeconds,
+                          [=](std::size_t beat) { return beat % perBar == phase; });
 }
 
 TEST(Bars, BeginWhereChordsChangeAndTheBassIsStrong) {

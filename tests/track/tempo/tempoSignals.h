@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <vector>
@@ -50,6 +51,31 @@ inline track::inner::Evidence evidenceOf(int rate, const StereoTrack& track) {
     track::inner::EvidenceListener listener(rate);
     hearBlocks(listener, track, 16384);
     return listener.finish();
+}
+
+/** A chord and a strong bass on the downbeats, something on every beat. */
+template <class IsDownbeat>
+track::inner::Evidence evidenceOfBars(const std::vector<double>& beats, double seconds,
+                                      const IsDownbeat& isDownbeat) {
+    track::inner::Evidence evidence;
+    evidence.seconds = seconds;
+    const auto frames = static_cast<std::size_t>(seconds * 150.0) + 1;
+    evidence.onsets.sharp.assign(frames, 0.0F);
+    evidence.onsets.strength.assign(frames, {});
+    evidence.onsets.level.assign(frames, {});
+    evidence.chroma.assign(static_cast<std::size_t>(seconds * 10.0), track::inner::Chroma{});
+    std::size_t bar = 0;
+    for (std::size_t k = 0; k < beats.size(); ++k) {
+        if (isDownbeat(k)) ++bar;
+        for (float& group : evidence.onsets.strength[evidence.onsets.frameAt(beats[k])])
+            group = isDownbeat(k) ? 3.0F : 1.0F;
+        const double end = k + 1 < beats.size() ? beats[k + 1] : seconds;
+        const auto to =
+            std::min(evidence.chroma.size(), static_cast<std::size_t>(end * 10.0 + 0.5));
+        for (auto i = static_cast<std::size_t>(beats[k] * 10.0 + 0.5); i < to; ++i)
+            evidence.chroma[i][bar * 5 % 12] = 2.0F;
+    }
+    return evidence;
 }
 
 inline StereoTrack inBothChannels(const std::vector<float>& mono) {
