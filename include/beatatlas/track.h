@@ -25,7 +25,7 @@
  *  --------------
  *  1. Where the defaults will not do: BA_TrackOptionsInit, then change fields.
  *  2. BA_TrackAnalyze, which asks the host for the audio piece by piece and so needs little memory of its own (some
- *     30 MB and 25 KB per second of track with the auto tempo, less with the others), or BA_TrackAnalyzeArrays for audio in memory. Either does all the work before it
+ *     32 MB and 30 KB per second of track with the auto tempo, less with the others), or BA_TrackAnalyzeArrays for audio in memory. Either does all the work before it
  *     returns.
  *  3. The getters, in any order and any number of times.
  *  4. BA_TrackRelease.
