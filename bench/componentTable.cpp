@@ -42,6 +42,8 @@ const Names kTempoParts = {"bandLevels",
                            "sessionPair",
                            "sessionPairClose",
                            "autoTempo"};
+// The key by evidence beside the session's, as a whole and part by part.
+const Names kKeyParts = {"evidenceKey", "keyPeaks", "keyFolding", "keySegments"};
 const Names kUtilities = {"resampler",         "beatCutter/0",       "beatCutter/4",
                           "pitchDetector/1/0", "pitchDetector/10/0", "pitchDetector/10/4",
                           "keyCodeScale/0",    "keyCodeScale/3"};
@@ -134,12 +136,15 @@ void printComponents() {
     all.insert(all.end(), kSessions.begin(), kSessions.end());
     all.insert(all.end(), kApart.begin(), kApart.end());
     all.insert(all.end(), kTempoParts.begin(), kTempoParts.end());
+    all.insert(all.end(), kKeyParts.begin(), kKeyParts.end());
     const std::vector<FormRun> runs = runInEveryForm(all);
     printSessionParts(runs);
     printHead(runs, "sessions, and components on their own", "");
-    const std::size_t tempoParts = all.size() - kTempoParts.size();
+    const std::size_t keyParts = all.size() - kKeyParts.size();
+    const std::size_t tempoParts = keyParts - kTempoParts.size();
     for (std::size_t i = kSessionParts.size(); i < all.size(); ++i) {
         if (i == tempoParts) printHead(runs, "automatic tempo", "");
+        if (i == keyParts) printHead(runs, "key by evidence", "");
         printRow(runs, all[i]);
         std::printf("\n");
     }

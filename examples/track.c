@@ -27,7 +27,7 @@ int main(int argc, char** argv) {
     BA_Track* track;
     int status = BA_TrackAnalyze(NULL, 44100, frames, &source, &track);
     if (status != BA_TRACK_OK) return fprintf(stderr, "%s\n", BA_TrackStatusText(status)), 1;
-    printf("tempo %.2f BPM, key %d\n", BA_TrackBpm(track), (int)BA_TrackSessionKey(track));
+    printf("tempo %.2f BPM, key %d\n", BA_TrackBpm(track), (int)BA_TrackKey(track));
     static BA_TrackBeat beats[100000];
     size_t count = BA_TrackBeats(track, beats, 100000);
     for (size_t i = 0, bar = 0; i < count && i < 100000; ++i)

@@ -378,7 +378,7 @@ BA_API size_t BA_TrackKeySegments(const BA_Track* track, BA_TrackKeySegment* out
 BA_API size_t BA_TrackChroma(const BA_Track* track, double* out, size_t room);
 
 /** How far the track is tuned above 440 Hz, in hundredths of a semitone, -50 to 50; and what its A4
- *  is in Hz, by which a track without an answer can be told: 0. */
+ *  is in Hz. Both 0 for a track without a key. */
 BA_API double BA_TrackTuningCents(const BA_Track* track);
 BA_API double BA_TrackTuningHz(const BA_Track* track);
 

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The key by evidence as a host gets it: whatever else is asked for, from any source, and from samples that are none.
+// The key by evidence as a host gets it: whatever else is asked for, from any source, and from
+// samples that are no numbers.
 #include <cmath>
 #include <limits>
 

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
-// Method: peaks of the spectrum, folded into pitch classes about the track's own tuning; the correlation of their mean with
-// the profile of each key, as proposed by C. Krumhansl and M. Schmuckler, "Cognitive Foundations of Musical Pitch" (1990),
-// chapter 4; beside it, how much of the time the triad on its tonic sounds.
+// Method: peaks of the spectrum, folded into pitch classes about the track's own tuning; the
+// correlation of their mean with the profile of each key, as in C. Krumhansl, "Cognitive
+// Foundations of Musical Pitch" (1990), chapter 4; beside it, how much of the time the triad on
+// its tonic sounds, and the triad the track begins with.
 #include "track/key/EvidenceKey.h"
 
 #include <algorithm>
@@ -20,7 +21,8 @@ namespace beatatlas::track::inner {
 
 namespace {
 
-// The mean of both channels, with 16-bit full scale brought to ±1.0: a power of two, so the product is exact.
+// The mean of both channels, with 16-bit full scale brought to ±1.0: a power of two, so the
+// product is exact.
 constexpr float kMonoScale = 1.0F / 65536.0F;
 
 constexpr double kCentsOfSemitone = 100.0;

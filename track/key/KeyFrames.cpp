@@ -14,12 +14,14 @@ namespace {
 
 // 60 dB below the loudest place: what rings behind the end.
 constexpr float kLeastTop = 1e-3F;
-// A sine 100 dB below full scale, under a Hann window of 4,096 samples: nobody hears that, whatever the rest is.
+// A sine 100 dB below full scale, under a Hann window of 4,096 samples: nobody hears that,
+// whatever the rest is.
 constexpr float kSilence = 1e-5F * 1024.0F;
 // How much likelier a triad is the better it fits.
 constexpr double kTriadSharpness = 10.0;
 
-/** The frame with its neighbours, which holds a chord more surely than one that falls between two. */
+/** The frame with its neighbours, which holds a chord more surely than one that falls between
+ *  two. */
 ChromaSum aroundFrame(const std::vector<Chroma>& chroma, std::size_t frame) {
     ChromaSum sum{};
     const std::size_t from = frame == 0 ? 0 : frame - 1;

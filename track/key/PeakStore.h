@@ -10,8 +10,8 @@
 
 namespace beatatlas::track::inner {
 
-/** The frames of a track as peaks, until its tuning and its loudest place are known. Only peaks that may be in a chroma
- *  stay.
+/** The frames of a track as peaks, until its tuning and its loudest place are known. Only peaks
+ *  that may be in a chroma stay.
  *
  *  Memory: 8 bytes a peak and 16 a frame. */
 class PeakStore {

@@ -48,7 +48,8 @@ void PeakStream::addBatch(const FrameSpectra& spectra, int frames) {
     }
 }
 
-// The stream's first frame is centred on the first sample: half of it is silence, and its edge no sound.
+// The stream's first frame is centred on the first sample: half of it is silence, and its edge
+// no sound.
 void PeakStream::addFrame(const float* powers) {
     if (!hasBegun_) {
         hasBegun_ = true;

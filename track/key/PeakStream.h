@@ -12,8 +12,8 @@
 
 namespace beatatlas::track::inner {
 
-/** Finds the peaks of a track as it passes, and its tuning: frames of three quarters of a second, each half over the one
- *  before, at an eighth of the rate.
+/** Finds the peaks of a track as it passes, and its tuning: frames of three quarters of a second,
+ *  each half over the one before, at an eighth of the rate.
  *
  *  Life: construct, rounding to nearest → put() per block → finish() → getters. */
 class PeakStream {
@@ -24,7 +24,8 @@ public:
     /** Takes the mean of both channels, full scale ±1.0. */
     void put(const float* mono, std::int64_t samples);
 
-    /** Takes in the frames that were still waiting for others; of a track only whole frames count. Call once. */
+    /** Takes in the frames that were still waiting for others; of a track only whole frames
+     *  count. Call once. */
     void finish();
 
     const PeakStore& peaks() const { return store_; }

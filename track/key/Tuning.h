@@ -8,8 +8,8 @@
 
 namespace beatatlas::track::inner {
 
-/** How far a track's instruments are from semitones counted from 440 Hz: the mean direction of all its peaks on a circle
- *  of one semitone, which no single wrong note can turn far. */
+/** How far a track's instruments are from semitones counted from 440 Hz: the mean direction of
+ *  all its peaks on a circle of one semitone, which no single wrong note can turn far. */
 class Tuning {
 public:
     void add(const std::vector<SpectralPeak>& frame);

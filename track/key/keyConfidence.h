@@ -3,8 +3,8 @@
 
 namespace beatatlas::track::inner {
 
-/** How likely a key is right, 0 … 1: the share of right answers on tracks of known key, or the probability itself where it
- *  is lower than on any of those.
+/** How likely a key is right, 0 … 1: the share of right answers on tracks of known key, or the
+ *  probability itself where it is lower than on any of those.
  *  @param probability  that the scores give it */
 double confidenceOfKey(double probability);
 

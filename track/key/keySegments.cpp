@@ -11,8 +11,9 @@ namespace {
 constexpr std::size_t kBarsOfWindow = 8;
 constexpr double kSecondsOfWindow = 16.0;  // eight bars of four beats at 120 BPM
 constexpr double kLeastWindow = 1.0;
-// A window in a key a semitone away scores about one more in it than in the key before, in one a fifth away a quarter. A
-// change pays within a window there and within two here; what chords of one key do to single windows stays below that.
+// A window scores about one more in its own key than in one a semitone away, a quarter more than in
+// one a fifth away: a change pays after one window, or after two. What the chords of one key do to
+// single windows stays below that.
 constexpr double kChangePrice = 0.5;
 
 /** The first beats of every eighth bar. */
@@ -28,7 +29,8 @@ std::vector<double> phraseStarts(const std::vector<BA_TrackBeat>& beats, double 
     return starts;
 }
 
-/** How many whole windows of a length of at least kLeastWindow a stretch of a track has room for. */
+/** How many whole windows of a length of at least kLeastWindow a stretch of a track has room
+ *  for. */
 std::size_t windowsIn(double seconds, double window) {
     return seconds > 0.0 ? static_cast<std::size_t>(seconds / window) : 0;
 }
@@ -43,8 +45,8 @@ FrameRange framesBetween(const KeyFrames& frames, double from, double to) {
     return {at(from), at(to)};
 }
 
-/** The best path through the windows seen so far that ends in each key: the last window but begun, or a second one of
- *  the key heard, without which it may not change again. */
+/** The best path through the windows seen so far that ends in each key: the last window but
+ *  begun, or a second one of the key heard, without which it may not change again. */
 struct Paths {
     KeyValues begun{};
     KeyValues settled{};

@@ -17,8 +17,8 @@ struct FrameRange {
 /** The mean chroma of at least one frame, adding up to 1. */
 ChromaSum meanChroma(const KeyFrames& frames, FrameRange range);
 
-/** How well each key fits what sounds in at least one frame: how often its notes are heard, and how much of the time the
- *  triad on its tonic. */
+/** How well each key fits what sounds in at least one frame: how often its notes are heard, and
+ *  how much of the time the triad on its tonic. */
 KeyValues scoreStretch(const KeyFrames& frames, FrameRange range);
 
 /** The same for music that begins there: the triad it begins with counts as well. */

@@ -59,10 +59,13 @@ protected:
     std::string track_ = folder_.file("track.wav");
 };
 
-/** The commands that read a track more than once, where it does not fit into memory. */
+/** The commands that read a track more than once, where it does not fit into memory: for the session's key, which
+ *  `analyze` tells in JSON alone. */
 class FileFaultBetweenPasses : public FileFault {
 protected:
-    std::vector<std::string> slowReading() const override { return {"--threads=1", "--memory=1M"}; }
+    std::vector<std::string> slowReading() const override {
+        return {"--threads=1", "--memory=1M", "--json"};
+    }
 };
 
 TEST_P(FileFaultBetweenPasses, TellsThatTheFileIsGone) {
@@ -149,8 +152,8 @@ const auto nameOfCommand = [](const auto& command) { return command.param; };
 
 INSTANTIATE_TEST_SUITE_P(Commands, FileFault,
                          testing::Values("analyze", "draw", "pitch", "key", "cut"), nameOfCommand);
-INSTANTIATE_TEST_SUITE_P(Commands, FileFaultBetweenPasses,
-                         testing::Values("analyze", "draw", "key"), nameOfCommand);
+INSTANTIATE_TEST_SUITE_P(Commands, FileFaultBetweenPasses, testing::Values("analyze", "key"),
+                         nameOfCommand);
 
 }  // namespace
 }  // namespace app

@@ -47,7 +47,8 @@ TEST(PeakFinder, CountsSemitonesFromA4) {
     EXPECT_NEAR(hzOfPitch(pitchOf(123.4)), 123.4, 1e-9);
 }
 
-// A bin is 1.35 Hz wide, at 440 Hz a twentieth of a semitone; the parabola is off by 5 % of a bin at most.
+// A bin is 1.35 Hz wide, at 440 Hz a twentieth of a semitone; the parabola is off by 5 % of a
+// bin at most.
 TEST(PeakFinder, PlacesATonesPeakBetweenTheBins) {
     for (const double hz : {110.0, 261.63, 440.3, 441.0, 880.7, 1500.2}) {
         const Peaks peaks = peaksOf(tone(hz, 0.5));
@@ -59,7 +60,8 @@ TEST(PeakFinder, PlacesATonesPeakBetweenTheBins) {
     }
 }
 
-// The top of the window's transform is a quarter of its length times the amplitude. A bin half a bin away has 0.85 of it.
+// The top of the window's transform is a quarter of its length times the amplitude. A bin half a
+// bin away has 0.85 of it.
 TEST(PeakFinder, MeasuresAmplitudesAgainstTheLargestBin) {
     const double onBin = 327.0 * kRate / kPoints;
     std::vector<float> sound = tone(onBin, 0.5);

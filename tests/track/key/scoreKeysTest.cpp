@@ -22,7 +22,8 @@ TEST(ScoreKeys, FindsAllKeysOfCadences) {
         EXPECT_EQ(bestKey(scoresOf(keyFramesOf(cadences(key, 64)))), static_cast<std::size_t>(key));
 }
 
-// The same music a tone higher scores the same in the key a tone higher, but for what the weights of octaves make of it.
+// The same music a tone higher scores the same in the key a tone higher, but for what the
+// weights of octaves make of it.
 TEST(ScoreKeys, DoesNotPreferATonic) {
     const KeyValues inA = scoresOf(keyFramesOf(cadences(0, 32)));
     const KeyValues inB = scoresOf(keyFramesOf(cadences(2, 32)));
