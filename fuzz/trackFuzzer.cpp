@@ -41,7 +41,7 @@ BA_TrackOptions fuzzOptions(FuzzInput& input) {
     options.section_beats = input.between(1, 70);
     options.range_seconds = input.between(0, 30) / 10.0;
     options.wants_key = input.between(0, 1);
-    options.skips_session_key = input.between(0, 1);
+    options.wants_session_key = input.between(0, 1);
     options.wants_waves = input.between(0, 1);
     options.threads = input.between(1, 3);
     if (input.flag()) options.lowest_bpm = input.between(20, 500);

@@ -41,16 +41,15 @@ TrackAnalysis::TrackAnalysis(const BA_TrackOptions& options, int rate, int frame
       units_(unitsOf(options, source.fewest_passes != 0)),
       progress_(options.progress, options.progress_host, totalUnits()),
       beats_(makeBeatFinder(options, rate, frames)) {
-    if (options.wants_key == 0) return;
-    key_.emplace(rate);
-    if (options.skips_session_key == 0) sessionKey_.emplace(rate, frames);
+    if (options.wants_key != 0) key_.emplace(rate);
+    if (options.wants_session_key != 0) sessionKey_.emplace(rate, frames);
 }
 
 // Of two parts side by side the longer one tells how far the analysis is.
 TrackAnalysis::Units TrackAnalysis::unitsOf(const BA_TrackOptions& options, bool isFewestPasses) {
     const std::int64_t beats = beatUnits(options) + (options.wants_key != 0 ? kKeyUnits : 0);
     const std::int64_t closing = closingUnits(options);
-    if (options.wants_key == 0 || options.skips_session_key != 0) return {0, beats, closing, 0};
+    if (options.wants_session_key == 0) return {0, beats, closing, 0};
     if (options.threads == 1) return {kLevelUnits, beats, closing, kSessionKeyUnits};
     if (isFewestPasses) return {kLevelUnits, beats, 0, kSessionKeyUnits};
     if (beats + closing < kSessionKeyUnits) return {kLevelUnits, 0, 0, kSessionKeyUnits};

@@ -63,7 +63,7 @@ private:
     std::unique_ptr<BeatFinder> beats_;
     Levels levels_;
     std::optional<EvidenceKey> key_;        // when it is wanted
-    std::optional<KeySession> sessionKey_;  // the same
+    std::optional<KeySession> sessionKey_;  // the same holds for it
 };
 
 }  // namespace beatatlas::track::inner

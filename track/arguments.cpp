@@ -20,7 +20,7 @@ constexpr std::size_t kOptionEnds[] = {
     offsetof(BA_TrackOptions, reserved),      offsetof(BA_TrackOptions, progress),
     offsetof(BA_TrackOptions, progress_host), offsetof(BA_TrackOptions, lowest_bpm),
     offsetof(BA_TrackOptions, highest_bpm),   offsetof(BA_TrackOptions, beats_per_bar),
-    offsetof(BA_TrackOptions, reserved_bar),  offsetof(BA_TrackOptions, skips_session_key),
+    offsetof(BA_TrackOptions, reserved_bar),  offsetof(BA_TrackOptions, wants_session_key),
     offsetof(BA_TrackOptions, reserved_key),  sizeof(BA_TrackOptions)};
 constexpr std::size_t kSourceEnds[] = {offsetof(BA_TrackSource, host),
                                        offsetof(BA_TrackSource, open),

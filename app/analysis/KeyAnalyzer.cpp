@@ -14,6 +14,7 @@ beatatlas::track::Options keyAlone() {
     beatatlas::track::Options options;
     options.tempo = beatatlas::track::TempoMode::off;
     options.wantsWaves = false;
+    options.wantsSessionKey = true;
     return options;
 }
 

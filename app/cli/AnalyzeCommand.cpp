@@ -21,7 +21,7 @@ std::unique_ptr<output::ReportEntry> AnalyzeCommand::examine(const std::string& 
     media::FileAnalysis::Options reading = tracks().reading(path, effort_.effort());
     reading.track = analysis_.options();
     // Text does not tell it, and it takes a pass of its own.
-    reading.track.wantsSessionKey = isJson();
+    reading.track.wantsSessionKey = isJson() && reading.track.wantsKey;
     const auto analyze = [&](ProgressLine& progress) {
         output::TrackReport report = analyzeFile(path, reading, progress);
         report.keyNotation = keyNotation_;

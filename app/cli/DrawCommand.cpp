@@ -65,7 +65,6 @@ ExitCode DrawCommand::run(ResultStream&) {
         throw base::UsageError("the picture would replace the track itself");
     media::FileAnalysis::Options reading = tracks_.reading(path, effort_.effort());
     reading.track = analysis_.options();
-    reading.track.wantsSessionKey = false;
     auto report = tracks_.attempt(
         path, [&](ProgressLine& progress) { return analyzeFile(path, reading, progress); });
     if (!report) return kExitFailed;

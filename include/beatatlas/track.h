@@ -149,9 +149,10 @@ typedef struct BA_TrackOptions {
     double highest_bpm;
     int32_t beats_per_bar; /**< auto tempo: 3 or 4, where it is known. Default: 0, found out */
     int32_t reserved_bar;  /**< 0 */
-    int32_t
-        skips_session_key; /**< not 0: leave out the session's key with its ranking and notes, which takes passes of
-                                its own and a tenth of the time; BA_TrackKey is right more often. Default: 0 */
+
+    /** Not 0: find the key of a session of libbeatatlas too, with its ranking and notes. It takes
+     *  passes of its own and a quarter of the time; BA_TrackKey is right more often. Default: 0. */
+    int32_t wants_session_key;
     int32_t reserved_key; /**< 0 */
 } BA_TrackOptions;
 

@@ -56,8 +56,8 @@ struct Options {
     double rangeSeconds = 0;
 
     bool wantsKey = true;  ///< find the key by evidence
-    /** Find the session's key as well, which takes passes of its own. */
-    bool wantsSessionKey = true;
+    /** Find the key of a session of libbeatatlas too, which takes passes of its own. */
+    bool wantsSessionKey = false;
     bool wantsWaves = true;  ///< make the three waves
 
     /** Automatic tempo: a range into which the tempo is brought by doubling or halving, with its
@@ -274,7 +274,7 @@ inline BA_TrackOptions toOptions(const Options& options, Host& host) {
     plain.section_beats = options.sectionBeats;
     plain.range_seconds = options.rangeSeconds;
     plain.wants_key = options.wantsKey ? 1 : 0;
-    plain.skips_session_key = options.wantsSessionKey ? 0 : 1;
+    plain.wants_session_key = options.wantsSessionKey ? 1 : 0;
     plain.wants_waves = options.wantsWaves ? 1 : 0;
     plain.threads = options.threads;
     plain.lowest_bpm = options.lowestBpm;

@@ -41,6 +41,7 @@ protected:
 
     AnalysedFile analyze(const std::string& path, bool acceptsCutOff = false) const {
         FileAnalysis::Options options;
+        options.track.wantsSessionKey = true;
         options.acceptsCutOff = acceptsCutOff;
         return FileAnalysis(options).analyze(path);
     }
@@ -78,6 +79,7 @@ TEST_P(OneDecodingOfEveryFormat, GivesTheSameResultsWhateverMemoryAndThreadsItMa
     for (const std::int64_t memory : {kNoMemory, std::int64_t{1} << 30}) {
         for (const int threads : {1, 2, 3, 4}) {
             FileAnalysis::Options options;
+            options.track.wantsSessionKey = true;
             options.effort = {memory, threads};
             options.note = [](const std::string& text) { ADD_FAILURE() << text; };
             std::int64_t heard = 0;
@@ -147,6 +149,7 @@ TEST_F(FileAnalysisTest, GivesTheSameResultsWhenMemoryRunsOutOnTheWay) {
         const test::PlainAnalysis plain(track_);
         for (const int threads : {1, 2, 3}) {
             FileAnalysis::Options options;
+            options.track.wantsSessionKey = true;
             options.effort = {86LL << 20, threads};
             test::expectSameResults(FileAnalysis(options).analyze(track_).result, plain.result());
         }
@@ -156,6 +159,7 @@ TEST_F(FileAnalysisTest, GivesTheSameResultsWhenMemoryRunsOutOnTheWay) {
 TEST_F(FileAnalysisTest, ReadsAFileOnceWhereMemoryAllows) {
     for (const int threads : {1, 2}) {
         FileAnalysis::Options options;
+        options.track.wantsSessionKey = true;
         options.effort.threads = threads;
         options.alongside = [&](const StereoBlock&) { std::filesystem::remove(track_); };
         SetUp();
@@ -169,6 +173,7 @@ TEST_F(FileAnalysisTest, TellsOfItsProgressWithoutEverFallingBack) {
         for (const std::int64_t memory : {kNoMemory, std::int64_t{1} << 30}) {
             double last = 0.0;
             FileAnalysis::Options options;
+            options.track.wantsSessionKey = true;
             options.effort = {memory, 2};
             options.progress = [&](double fraction, double) {
                 EXPECT_GE(fraction, last);

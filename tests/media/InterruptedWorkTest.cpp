@@ -65,6 +65,7 @@ protected:
 
     FileAnalysis::Options optionsFor(const Way& way) const {
         FileAnalysis::Options options;
+        options.track.wantsSessionKey = true;
         options.effort = {way.memory, way.threads};
         return options;
     }

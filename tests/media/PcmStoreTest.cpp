@@ -80,7 +80,7 @@ TEST(PcmChunk, KeepsTheBitsOfWhatIsNoSixteenBitValue) {
         StereoBlock block = blockFrom(0, 5000);
         block.right.back() = odd;
         media::PcmMemory memory;
-    const PcmChunk chunk(block, memory);
+        const PcmChunk chunk(block, memory);
         EXPECT_FALSE(chunk.isInteger()) << odd;
         EXPECT_EQ(chunk.bytes(), 5000U * 2 * 4);
         const StereoBlock copy = copyOf(block);

@@ -64,6 +64,7 @@ protected:
             for (const int threads : {1, 2, 3}) {
                 std::vector<std::string> notes;
                 FileAnalysis::Options options;
+                options.track.wantsSessionKey = true;
                 options.effort = {memory, threads};
                 options.acceptsCutOff = acceptsCutOff;
                 options.note = [&](const std::string& text) { notes.push_back(text); };

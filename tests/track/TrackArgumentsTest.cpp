@@ -56,7 +56,7 @@ TEST(TrackOptionsTest, HaveTheStatedDefaults) {
     EXPECT_EQ(options.highest_bpm, 0.0);
     EXPECT_EQ(options.beats_per_bar, 0);
     EXPECT_EQ(options.reserved_bar, 0);
-    EXPECT_EQ(options.skips_session_key, 0);
+    EXPECT_EQ(options.wants_session_key, 0);
     EXPECT_EQ(options.reserved_key, 0);
 }
 
@@ -230,7 +230,7 @@ TEST(TrackArgumentsTest, ASourceOfAnOlderHostHasQuickPasses) {
     watched.isFewestPasses = true;
     BA_TrackSource source = watched.asSource();
     source.size = offsetof(BA_TrackSource, fewest_passes);
-    BA_TrackOptions options = defaultsOf();
+    BA_TrackOptions options = allWanted();
     options.threads = 2;
     BA_Track* track = nullptr;
     EXPECT_EQ(BA_TrackAnalyze(&options, 44100, music().frames(), &source, &track), BA_TRACK_OK);
@@ -315,7 +315,8 @@ TEST(TrackGetterTest, ANullHandleIsAnsweredNeutrally) {
 class TrackListTest : public ::testing::Test {
 protected:
     void SetUp() override {
-        ASSERT_EQ(BA_TrackAnalyzeArrays(nullptr, music().rate, music().left.data(),
+        const BA_TrackOptions options = allWanted();
+        ASSERT_EQ(BA_TrackAnalyzeArrays(&options, music().rate, music().left.data(),
                                         music().right.data(), music().frames(), &track_),
                   BA_TRACK_OK);
     }

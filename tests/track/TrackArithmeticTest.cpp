@@ -48,7 +48,7 @@ private:
 
 TEST_F(TrackArithmeticTest, IsTheHostsInEveryModeAndTheResultsAreTheSame) {
     for (const int tempo : {BA_TRACK_TEMPO_CONSTANT, BA_TRACK_TEMPO_SIMPLE}) {
-        BA_TrackOptions options = defaultsOf();
+        BA_TrackOptions options = allWanted();
         options.tempo = tempo;
         options.range_seconds = 4.0;
         const Found expected = analyseArrays(options, audio_);
@@ -67,7 +67,7 @@ TEST_F(TrackArithmeticTest, IsTheHostsAfterAnAnalysisThatFailed) {
         for (long read = 1; read < 8; ++read) {
             WatchedSource source(audio_);
             source.failsAtRead = read;
-            BA_TrackOptions options = defaultsOf();
+            BA_TrackOptions options = allWanted();
             options.threads = 1 + static_cast<int>(read % 2);
             std::fesetround(mode);
             source.analyse(options);
@@ -100,7 +100,7 @@ TEST_F(TrackArithmeticTest, NothingIsPrinted) {
     for (const int tempo : {BA_TRACK_TEMPO_CONSTANT, BA_TRACK_TEMPO_VARIED, BA_TRACK_TEMPO_SIMPLE,
                             BA_TRACK_TEMPO_OFF}) {
         for (const int threads : {1, 2}) {
-            BA_TrackOptions options = defaultsOf();
+            BA_TrackOptions options = allWanted();
             options.tempo = tempo;
             options.threads = threads;
             ::testing::internal::CaptureStdout();

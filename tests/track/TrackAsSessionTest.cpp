@@ -93,9 +93,9 @@ protected:
     static bool wantsWaves() { return std::get<3>(GetParam()); }
 
     static BA_TrackOptions options() {
-        BA_TrackOptions options = defaultsOf();
+        BA_TrackOptions options = allWanted();
         options.tempo = tempo();
-        options.wants_key = wantsKey() ? 1 : 0;
+        options.wants_key = options.wants_session_key = wantsKey() ? 1 : 0;
         options.wants_waves = wantsWaves() ? 1 : 0;
         return options;
     }
@@ -142,10 +142,10 @@ INSTANTIATE_TEST_SUITE_P(
 TEST(TrackAsSessionEdgeTest, TheVariedGridIsMeasuredOverTheStatedPhrase) {
     const Audio audio = shortMusic(44100, 20, 126.3);
     for (const int beats : {4, 8, 64, 7}) {
-        BA_TrackOptions options = defaultsOf();
+        BA_TrackOptions options = allWanted();
         options.tempo = BA_TRACK_TEMPO_VARIED;
         options.section_beats = beats;
-        options.wants_key = 0;
+        options.wants_key = options.wants_session_key = 0;
         const SessionRequest request{.kind = SessionKind::varied, .sectionBeats = beats};
         expectSame(analyseArrays(options, audio),
                    analyseTrack(request, inSessionScale(audio), {4096}));
@@ -164,10 +164,10 @@ TEST(TrackAsSessionEdgeTest, ASimpleGridIsSensedInTheStatedRange) {
                                              {1e300, whole},
                                              {std::numeric_limits<double>::infinity(), whole}};
     for (const auto& [seconds, frames] : ranges) {
-        BA_TrackOptions options = defaultsOf();
+        BA_TrackOptions options = allWanted();
         options.tempo = BA_TRACK_TEMPO_SIMPLE;
         options.range_seconds = seconds;
-        options.wants_key = 0;
+        options.wants_key = options.wants_session_key = 0;
         const SessionRequest request{.kind = SessionKind::simple, .sectionBeats = frames};
         expectSame(analyseArrays(options, audio),
                    analyseTrack(request, inSessionScale(audio), {4096}));
@@ -176,8 +176,8 @@ TEST(TrackAsSessionEdgeTest, ASimpleGridIsSensedInTheStatedRange) {
 
 // Of about half of all tempi the nearest double lies above: a quotient that was cut off would be another.
 TEST(TrackAsSessionEdgeTest, ATempoIsTheDoubleNearestToItsHundredths) {
-    BA_TrackOptions options = defaultsOf();
-    options.wants_key = options.wants_waves = 0;
+    BA_TrackOptions options = allWanted();
+    options.wants_key = options.wants_session_key = options.wants_waves = 0;
     for (const double played : {91.7, 101.3, 117.7, 127.9, 133.1, 142.6}) {
         const Found found = analyseArrays(options, shortMusic(44100, 10, played));
         EXPECT_GT(found.bpm, 0.0);
@@ -204,7 +204,7 @@ TEST(TrackAsSessionEdgeTest, TooLoudSamplesAreClippedAndThoseThatAreNoNumbersAre
         audio.right[i] = odd[(i / 997 + 3) % std::size(odd)];
     }
     const SessionResults expected = analyseTrack({.key = true}, inSessionScale(audio), {4096});
-    BA_TrackOptions options = defaultsOf();
+    BA_TrackOptions options = allWanted();
     options.tempo = BA_TRACK_TEMPO_CONSTANT;
     const Found found = analyseArrays(options, audio);
     expectSame(found, expected);
@@ -216,7 +216,7 @@ TEST(TrackAsSessionEdgeTest, ATrackOfAnyLengthIsClosed) {
         Audio audio = shortMusic(44100, 2);
         audio.left.resize(static_cast<std::size_t>(frames));
         audio.right.resize(static_cast<std::size_t>(frames));
-        const Found found = analyseArrays(defaultsOf(), audio);
+        const Found found = analyseArrays(allWanted(), audio);
         expectSame(found, analyseTrack({.key = true}, inSessionScale(audio), {4096}));
         EXPECT_EQ(found.frames, frames);
     }
@@ -224,7 +224,7 @@ TEST(TrackAsSessionEdgeTest, ATrackOfAnyLengthIsClosed) {
 
 TEST(TrackAsSessionEdgeTest, SilenceHasNeitherTempoNorKey) {
     const Audio audio{44100, silence(5 * 44100), silence(5 * 44100)};
-    const Found found = analyseArrays(defaultsOf(), audio);
+    const Found found = analyseArrays(allWanted(), audio);
     EXPECT_EQ(found.status, BA_TRACK_OK);
     EXPECT_TRUE(found.hasTrack);
     EXPECT_EQ(found.bpm, 0.0);

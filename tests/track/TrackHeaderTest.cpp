@@ -53,6 +53,13 @@ struct CountedSource {
     }
 };
 
+/** As allWanted(). */
+Options allOptions() {
+    Options options;
+    options.wantsSessionKey = true;
+    return options;
+}
+
 void expectSameWave(const std::vector<track::WavePoint>& found,
                     const std::vector<BA_WaveInfo>& expected) {
     ASSERT_EQ(found.size(), expected.size());
@@ -63,8 +70,8 @@ void expectSameWave(const std::vector<track::WavePoint>& found,
 }
 
 TEST(TrackHeaderTest, GivesWhatThePlainInterfaceGives) {
-    const TrackResult result = analysed({});
-    const Found expected = analyseArrays(defaultsOf(), music());
+    const TrackResult result = analysed(allOptions());
+    const Found expected = analyseArrays(allWanted(), music());
     EXPECT_EQ(result.rate, expected.rate);
     EXPECT_EQ(result.frames, expected.frames);
     EXPECT_EQ(result.bpm, expected.bpm);
@@ -90,8 +97,8 @@ TEST(TrackHeaderTest, GivesWhatThePlainInterfaceGives) {
 }
 
 TEST(TrackHeaderTest, GivesTheKeyOfThePlainInterface) {
-    const TrackResult result = analysed({});
-    const Found expected = analyseArrays(defaultsOf(), music());
+    const TrackResult result = analysed(allOptions());
+    const Found expected = analyseArrays(allWanted(), music());
     ASSERT_TRUE(result.key.has_value());
     const track::Key& key = *result.key;
     EXPECT_EQ(key.best(), expected.key);
@@ -121,10 +128,11 @@ TEST(TrackHeaderTest, OptionsReachTheLibrary) {
     options.wantsWaves = false;
     options.wantsKey = false;
     options.threads = 2;
-    BA_TrackOptions plain = defaultsOf();
+    BA_TrackOptions plain = allWanted();
     plain.tempo = BA_TRACK_TEMPO_VARIED;
     plain.section_beats = 8;
     plain.wants_key = 0;
+    plain.wants_session_key = 0;
     const TrackResult result = analysed(options);
     EXPECT_EQ(result.bpm, analyseArrays(plain, music()).bpm);
     EXPECT_TRUE(result.loudWave.empty());
@@ -134,9 +142,10 @@ TEST(TrackHeaderTest, OptionsReachTheLibrary) {
     options.tempo = track::TempoMode::off;
     EXPECT_FALSE(analysed(options).bpm.has_value());
     options.wantsKey = true;
-    options.wantsSessionKey = false;
     EXPECT_TRUE(analysed(options).key.has_value());
     EXPECT_FALSE(analysed(options).sessionKey.has_value());
+    options.wantsSessionKey = true;
+    EXPECT_TRUE(analysed(options).sessionKey.has_value());
     options.tempo = track::TempoMode::simple;
     options.rangeSeconds = -1.0;
     EXPECT_THROW(analysed(options), track::Error);
@@ -145,11 +154,11 @@ TEST(TrackHeaderTest, OptionsReachTheLibrary) {
 TEST(TrackHeaderTest, ASourceIsOpenedAsOftenAsNeededAndItsPassesGoAway) {
     for (const bool fewest : {false, true}) {
         CountedSource counted;
-        Options options;
+        Options options = allOptions();
         options.threads = 2;
         const TrackResult result =
             track::analyze(options, 44100, music().frames(), counted.source(fewest));
-        EXPECT_EQ(result.bpm, analysed({}).bpm);
+        EXPECT_EQ(result.bpm, analysed(allOptions()).bpm);
         EXPECT_EQ(counted.opens, fewest ? 2 : 3);
         EXPECT_EQ(counted.passes.use_count(), 1) << "no pass is alive";
     }

@@ -96,6 +96,12 @@ BA_TrackOptions defaultsOf() {
     return options;
 }
 
+BA_TrackOptions allWanted() {
+    BA_TrackOptions options = defaultsOf();
+    options.wants_session_key = 1;
+    return options;
+}
+
 Found analyseArrays(const BA_TrackOptions& options, const Audio& audio) {
     BA_Track* track = nullptr;
     const int status = BA_TrackAnalyzeArrays(&options, audio.rate, audio.left.data(),

@@ -56,6 +56,9 @@ Found readAndRelease(int status, BA_Track* track);
 
 BA_TrackOptions defaultsOf();
 
+/** The defaults, and the session's key too. */
+BA_TrackOptions allWanted();
+
 Found analyseArrays(const BA_TrackOptions& options, const Audio& audio);
 
 /** A host's source that hands out audio and watches how it is asked for it. */

@@ -29,20 +29,20 @@ bool sameKey(Found a, const Found& b) {
 
 // Eight seconds have one window: beats do not matter.
 TEST(TrackKeyOptionsTest, DoesNotDependOnWhatElseIsWanted) {
-    const Found expected = analyseArrays(defaultsOf(), music());
+    const Found expected = analyseArrays(allWanted(), music());
     ASSERT_EQ(expected.keys.size(), 24U);
     ASSERT_GE(expected.sessionKey, 0);
     for (int tempo = BA_TRACK_TEMPO_CONSTANT; tempo <= BA_TRACK_TEMPO_AUTO; ++tempo) {
-        for (const int skips : {0, 1}) {
-            BA_TrackOptions options = defaultsOf();
+        for (const int wants : {0, 1}) {
+            BA_TrackOptions options = allWanted();
             options.tempo = tempo;
-            options.skips_session_key = skips;
-            options.wants_waves = skips;
+            options.wants_session_key = wants;
+            options.wants_waves = wants;
             const Found found = analyseArrays(options, music());
             EXPECT_TRUE(sameKey(found, expected)) << tempo;
-            EXPECT_EQ(found.sessionKey < 0, skips == 1);
-            EXPECT_EQ(found.ranking.empty(), skips == 1);
-            EXPECT_EQ(found.notes.empty(), skips == 1);
+            EXPECT_EQ(found.sessionKey < 0, wants == 0);
+            EXPECT_EQ(found.ranking.empty(), wants == 0);
+            EXPECT_EQ(found.notes.empty(), wants == 0);
         }
     }
 }
@@ -52,9 +52,9 @@ TEST(TrackKeyOptionsTest, TakesNoPassOfItsOwn) {
         for (int threads = 1; threads <= 2; ++threads) {
             WatchedSource source(music());
             source.isFewestPasses = isFewestPasses;
-            BA_TrackOptions options = defaultsOf();
+            BA_TrackOptions options = allWanted();
             options.threads = threads;
-            options.skips_session_key = 1;
+            options.wants_session_key = 0;
             const Found found = source.analyse(options);
             EXPECT_EQ(source.opens(), 1);
             EXPECT_EQ(found.keys.size(), 24U);
@@ -63,8 +63,9 @@ TEST(TrackKeyOptionsTest, TakesNoPassOfItsOwn) {
 }
 
 TEST(TrackKeyOptionsTest, IsNotThereWhenNoKeyIsWanted) {
-    BA_TrackOptions options = defaultsOf();
+    BA_TrackOptions options = allWanted();
     options.wants_key = 0;
+    options.wants_session_key = 0;
     const Found found = analyseArrays(options, music());
     EXPECT_EQ(found.key, -1);
     EXPECT_EQ(found.keyConfidence, 0.0);
@@ -73,10 +74,15 @@ TEST(TrackKeyOptionsTest, IsNotThereWhenNoKeyIsWanted) {
     EXPECT_TRUE(found.keySegments.empty());
     EXPECT_TRUE(found.chroma.empty());
     EXPECT_EQ(found.sessionKey, -1);
+
+    options.wants_session_key = 1;
+    const Found sessionKeyAlone = analyseArrays(options, music());
+    EXPECT_EQ(sessionKeyAlone.key, -1);
+    EXPECT_EQ(sessionKeyAlone.sessionKey, analyseArrays(allWanted(), music()).sessionKey);
 }
 
 TEST(TrackKeyOptionsTest, LastsFromTheBeginningToTheEnd) {
-    const Found found = analyseArrays(defaultsOf(), music());
+    const Found found = analyseArrays(allWanted(), music());
     ASSERT_EQ(found.keySegments.size(), 1U);
     EXPECT_EQ(found.keySegments[0].from_seconds, 0.0);
     EXPECT_EQ(found.keySegments[0].to_seconds, 8.0);
@@ -85,7 +91,7 @@ TEST(TrackKeyOptionsTest, LastsFromTheBeginningToTheEnd) {
 }
 
 Found keyOf(const std::vector<float>& samples) {
-    BA_TrackOptions options = defaultsOf();
+    BA_TrackOptions options = allWanted();
     options.tempo = BA_TRACK_TEMPO_OFF;
     return analyseArrays(options, {44100, samples, samples});
 }

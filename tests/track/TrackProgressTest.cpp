@@ -42,9 +42,9 @@ private:
 };
 
 BA_TrackOptions optionsOf(int way) {
-    BA_TrackOptions options = defaultsOf();
+    BA_TrackOptions options = allWanted();
     options.threads = 1 + way % 3;
-    options.wants_key = way < 6 ? 1 : 0;
+    options.wants_key = options.wants_session_key = way < 6 ? 1 : 0;
     return options;
 }
 
@@ -124,9 +124,9 @@ TEST(TrackProgress, IsAboutEvenInTimeWhateverIsAskedFor) {
     const Audio audio = shortMusic(44100, 60);
     for (const int tempo : {BA_TRACK_TEMPO_CONSTANT, BA_TRACK_TEMPO_OFF, BA_TRACK_TEMPO_AUTO}) {
         for (const int way : {0, 1, 2, 3, 4, 5, 6, 7}) {
-            BA_TrackOptions options = defaultsOf();
+            BA_TrackOptions options = allWanted();
             options.tempo = tempo;
-            options.wants_key = way & 1;
+            options.wants_key = options.wants_session_key = way & 1;
             options.wants_waves = way >> 1 & 1;
             const double atHalf = fractionAtHalfTime(options, audio, (way >> 2 & 1) == 1);
             EXPECT_GT(atHalf, 0.25) << "tempo " << tempo << ", way " << way;

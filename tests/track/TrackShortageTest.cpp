@@ -74,7 +74,7 @@ class TrackShortageTest : public ::testing::TestWithParam<Way> {};
 
 TEST_P(TrackShortageTest, IsSaidAndLeaksNothing) {
     const auto [threads, isFewestPasses, shortage, tempo] = GetParam();
-    BA_TrackOptions options = defaultsOf();
+    BA_TrackOptions options = allWanted();
     options.threads = threads;
     options.tempo = tempo;
     const Found expected = analyseArrays(options, music());
@@ -155,14 +155,14 @@ private:
 };
 
 TEST(ThreadShortageTest, TheCallingThreadDoesTheWork) {
-    const Found expected = analyseArrays(defaultsOf(), music());
+    const Found expected = analyseArrays(allWanted(), music());
     const auto caller = std::this_thread::get_id();
     for (const bool isFewestPasses : {false, true}) {
         WatchedSource source(music());
         source.isFewestPasses = isFewestPasses;
         bool isForeign = false;
         source.atEveryCall = [&] { isForeign = isForeign || std::this_thread::get_id() != caller; };
-        BA_TrackOptions options = defaultsOf();
+        BA_TrackOptions options = allWanted();
         options.threads = 2;
         const NoThreads shortage;
         EXPECT_THROW(std::thread([] {}).join(), std::system_error);

@@ -40,9 +40,9 @@ void PrintTo(const Way& way, std::ostream* out) {
 class TrackSourceTest : public ::testing::TestWithParam<Way> {
 protected:
     static BA_TrackOptions options() {
-        BA_TrackOptions options = defaultsOf();
+        BA_TrackOptions options = allWanted();
         options.threads = GetParam().threads;
-        options.wants_key = GetParam().wantsKey ? 1 : 0;
+        options.wants_key = options.wants_session_key = GetParam().wantsKey ? 1 : 0;
         return options;
     }
     void expectOrderly(const WatchedSource& source) const {

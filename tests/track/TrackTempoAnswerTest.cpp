@@ -22,8 +22,8 @@ using TrackHandle = std::unique_ptr<BA_Track, ReleaseTrack>;
 
 TrackHandle analyse(const Audio& audio, double lowest = 0.0, double highest = 0.0,
                     std::int32_t perBar = 0) {
-    BA_TrackOptions options = defaultsOf();
-    options.wants_key = 0;
+    BA_TrackOptions options = allWanted();
+    options.wants_key = options.wants_session_key = 0;
     options.wants_waves = 0;
     options.lowest_bpm = lowest;
     options.highest_bpm = highest;

@@ -17,10 +17,10 @@ constexpr int kSeconds = 8;
 
 TEST(TrackThreadsTest, AnyNumberOfThreadsAndPassesFindsTheSameBits) {
     const Audio audio = shortMusic(44100, kSeconds, 126.3);
-    const Found expected = analyseArrays(defaultsOf(), audio);
+    const Found expected = analyseArrays(allWanted(), audio);
     ASSERT_EQ(expected.status, BA_TRACK_OK);
     for (int threads = 1; threads <= 4; ++threads) {
-        BA_TrackOptions options = defaultsOf();
+        BA_TrackOptions options = allWanted();
         options.threads = threads;
         EXPECT_TRUE(sameBits(analyseArrays(options, audio), expected)) << threads;
         for (const bool isFewestPasses : {false, true}) {
@@ -38,7 +38,7 @@ TEST(TrackThreadsTest, AnalysesAtOnceFindWhatTheyFindAlone) {
     std::vector<Found> alone;
     for (int i = 0; i < 4; ++i) {
         tracks.push_back(shortMusic(i % 2 == 0 ? 44100 : 48000, kSeconds, 100.0 + 9.3 * i));
-        options.push_back(defaultsOf());
+        options.push_back(allWanted());
         options.back().tempo = i;
         options.back().threads = 1 + i % 3;
         alone.push_back(analyseArrays(options.back(), tracks.back()));
@@ -69,7 +69,7 @@ TEST(TrackThreadsTest, NoThreadIsLeftAndNoneIsStartedThatIsNotAllowed) {
             const std::lock_guard lock(mutex);
             seen.insert(std::this_thread::get_id());
         };
-        BA_TrackOptions options = defaultsOf();
+        BA_TrackOptions options = allWanted();
         options.threads = threads;
         source.analyse(options);
         EXPECT_EQ(seen.count(std::this_thread::get_id()), 1U);
@@ -99,7 +99,7 @@ TEST(TrackThreadsTest, SignalsOfTheHostAreKeptFromTheThreadsOfTheLibrary) {
                 EXPECT_EQ(takes(signal), isOwn) << signal;
             for (const int fault : {SIGSEGV, SIGBUS, SIGFPE}) EXPECT_TRUE(takes(fault)) << fault;
         };
-        BA_TrackOptions options = defaultsOf();
+        BA_TrackOptions options = allWanted();
         options.threads = 2;
         EXPECT_EQ(source.analyse(options).status, BA_TRACK_OK);
         EXPECT_GT(callsOfOthers, 0);
@@ -130,7 +130,7 @@ TEST(TrackThreadsTest, ACancelledThreadOfTheHostIsLetGo) {
         const auto analyse = [](void* argument) -> void* {
             auto& own = *static_cast<Host*>(argument);
             own.thread = std::this_thread::get_id();
-            BA_TrackOptions options = defaultsOf();
+            BA_TrackOptions options = allWanted();
             options.threads = 2;
             options.progress_host = argument;
             options.progress = [](void* hosts, double fraction) {

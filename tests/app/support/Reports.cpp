@@ -55,6 +55,7 @@ output::TrackReport emptyReport() {
     report.format = {"flac", "flac", 2, kRate, kRate};
     report.analysis.rate = kRate;
     report.analysis.frames = kRate * kSeconds;
+    report.options.wantsSessionKey = true;
     return report;
 }
 

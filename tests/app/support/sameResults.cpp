@@ -88,7 +88,9 @@ PlainAnalysis::PlainAnalysis(const std::string& path) {
     Recorder sound;
     media::TrackDecoder decoder(path);
     decoder.run(sound);
-    result_ = beatatlas::track::analyze({}, decoder.format().sessionRate, sound.left.data(),
+    beatatlas::track::Options all;
+    all.wantsSessionKey = true;
+    result_ = beatatlas::track::analyze(all, decoder.format().sessionRate, sound.left.data(),
                                         sound.right.data(), std::ssize(sound.left));
 }
 
