@@ -77,8 +77,10 @@ std::string wrongLengthNote(std::int64_t declared, std::int64_t found) {
 FileAnalysis::FileAnalysis(Options options) : options_(std::move(options)) {}
 
 AnalysedFile FileAnalysis::analyze(const std::string& path) const {
+    // The session's key takes a second pass.
     FilePasses passes(path, {options_.effort, options_.track.tempo, options_.acceptsCutOff,
-                             options_.alongside, options_.alongsideBytesPerFrame});
+                             !options_.track.wantsSessionKey, options_.alongside,
+                             options_.alongsideBytesPerFrame});
     WholeProgress progress(options_.progress);
     const auto declared = passes.declaredFrames();
     if (declared) {

@@ -70,7 +70,7 @@ std::int64_t FilePasses::keptBytes() const {
 void FilePasses::expect(std::int64_t frames) {
     PcmStore& store = first_.store();
     const double perFrame = store.beginsWithFloats() ? kBytesPerFloatFrame : kBytesPerIntegerFrame;
-    const bool isKept = store.isWhole() &&
+    const bool isKept = !options_.isReadOnce && store.isWhole() &&
                         static_cast<double>(frames) * perFrame <= static_cast<double>(keptBytes());
     if (isKept) return;
     store.setLimit(kWindowBytes);

@@ -20,13 +20,14 @@ namespace media {
  *
  *  The passes go along with the decoding from its first frame. Once more has been decoded than may
  *  be kept, only what the present pass still needs is, and every further pass decodes the file
- *  anew. */
+ *  anew. What is read but once is not kept at all. */
 class FilePasses {
 public:
     struct Options {
         Effort effort;
         beatatlas::track::TempoMode tempo{};  ///< the analysis takes memory accordingly
         bool acceptsCutOff = false;
+        bool isReadOnce = false;  ///< one pass will do, if the declared length is true
 
         /** Takes every stretch of the first decoding. */
         std::function<void(const StereoBlock&)> alongside;

@@ -3,8 +3,8 @@
 cmake_minimum_required(VERSION 3.25)
 
 file(READ ${SOURCE_DIR}/README.md readme)
-file(READ ${SOURCE_DIR}/examples/overview.c example)
+file(READ ${SOURCE_DIR}/examples/track.c example)
 string(FIND "${readme}" "${example}" place)
 if(place EQUAL -1)
-    message(FATAL_ERROR "README.md does not show examples/overview.c as it is")
+    message(FATAL_ERROR "README.md does not show examples/track.c as it is")
 endif()
