@@ -138,6 +138,7 @@ private:
             answer_.confidence.bars = confidenceOfBars(answer_.bars.share);
         } else {
             answer_.bars = countFromFirst();
+            answer_.confidence.bars = 0.0;  // not that of the beats before they were halved
         }
         answer_.downbeats.clear();
         for (std::size_t k = 0; k < answer_.beats.size(); ++k)
