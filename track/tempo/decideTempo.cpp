@@ -2,7 +2,8 @@
 // The stages:
 //   1. the exact tempo, from the proposals of the sessions
 //   2. how it changes along the track, and beats that follow it
-//   3. whether beats of even distances do as well; the better ones are the line on which everything is measured
+//   3. whether beats of even distances do as well; the better ones are the line on which everything
+//      is measured
 //   4. which parts of the line's beats are the beats
 //   5. the beats, moved onto the onsets
 //   6. their bars

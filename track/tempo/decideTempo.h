@@ -50,8 +50,8 @@ struct TempoAnswer {
 
 /** Weighs what two sessions of the core found and what else was heard of a track.
  *
- *  The same bits whatever the rounding mode and vector form. Where another maths library gives other last bits (of exp,
- *  log, sin, cos), those of the answer may differ too. */
+ *  The same bits whatever the rounding mode and vector form. Where another maths library gives
+ *  other last bits (of exp, log, sin, cos), those of the answer may differ too. */
 TempoAnswer decideTempo(const Evidence& evidence, const SessionGrids& sessions, int rate,
                         const TempoWishes& wishes);
 
