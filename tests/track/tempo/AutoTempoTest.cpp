@@ -103,8 +103,8 @@ void pluck(std::vector<float>& track, double at, double hz, double seconds, doub
     mixInto(track, tone, static_cast<std::size_t>(at * kWaltzRate + 0.5));
 }
 
-/** A bass note and a chord on one, the chord an octave higher and a brush on two and three, a hat on every eighth;
- *  another chord every bar. */
+/** A bass note and a chord on one, the chord an octave higher and a brush on two and three, a hat
+ *  on every eighth; another chord every bar. */
 std::vector<float> waltz(const std::vector<double>& beats, double interval) {
     std::vector<float> track = silence(std::size_t{kWaltzRate} * 60);
     std::vector<double> brushes;
