@@ -27,8 +27,8 @@ public:
     /** What else is to be done with the track. Both run where it is decoded. */
     struct Hooks {
         std::function<void(const StereoBlock&)> alongside;  ///< takes every stretch
-        std::function<void(const TrackDecoder&, std::int64_t frames)>
-            atEnd;  ///< once all is decoded, before readers see the end; may refuse it by throwing
+        /** Once all is decoded, before readers see the end; may refuse it by throwing. */
+        std::function<void(const TrackDecoder&, std::int64_t frames)> atEnd;
     };
 
     /** Opens the file. @throws TrackError when it holds no audio that can be decoded */

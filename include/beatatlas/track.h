@@ -4,9 +4,8 @@
  *  known about it.
  *
  *  libbeatatlas_track builds on the sessions of libbeatatlas and does for the host what they leave
- *  to it: it makes the two passes, scales and clips the samples, keeps the host's rounding mode,
- *  prints nothing to standard output, and can use more than one processor. It knows nothing of
- *  files. C linkage; compiles as C99 and as C++. C++ hosts may prefer track.hpp, which wraps this
+ *  to it: it makes the passes, scales and clips the samples, keeps the host's rounding mode, prints
+ *  nothing to standard output, and can use more than one processor. It knows nothing of files. C linkage; compiles as C99 and as C++. C++ hosts may prefer track.hpp, which wraps this
  *  interface in values and exceptions.
  *
  *  A whole analysis of audio in memory:
@@ -176,8 +175,8 @@ typedef struct BA_TrackSource {
      *                     ±1.0
      *  @param frames      from 1
      *  @return how many were handed out, at most `frames`; fewer do not mean the end. 0: the track
-     *           is over. Below 0:
-     *          stop the analysis. More than `frames` counts as a track of the wrong length */
+     *          is over. Below 0: stop the analysis. More than `frames` counts as a track of the
+     *          wrong length */
     int64_t (*read)(void* host, void* pass, float* left, float* right, int64_t frames);
 
     /** Ends a pass, wherever it has come to. */

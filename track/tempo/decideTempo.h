@@ -24,8 +24,8 @@ struct TempoWishes {
 struct TempoAlternative {
     double bpm = 0.0;
     double tempoRatio = 1.0;  // of its tempo to the answer's
-    double shiftBeats =
-        0.0;  // that its first beat lies behind one of the answer's, in beats of the answer
+    /** How far its first beat lies behind one of the answer's, in beats of the answer. */
+    double shiftBeats = 0.0;
     double share = 0.0;  // 0 … 1
 };
 
