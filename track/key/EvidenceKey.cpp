@@ -6,7 +6,6 @@
 #include "track/key/EvidenceKey.h"
 
 #include <algorithm>
-#include <cmath>
 #include <cstddef>
 #include <cstdint>
 
