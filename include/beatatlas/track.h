@@ -206,7 +206,9 @@ typedef struct BA_TrackConfidence {
     double tempo; /**< that the music has this pulse, or one of its multiples or parts */
     double level; /**< that people tap this multiple of it, where the pulse is right */
     double phase; /**< that they tap at these places, where the level is right */
-    double bars;  /**< that the bars begin at these beats, where the beats are right */
+    /** That the bars begin at these beats, where the beats are right; 0 where there are too few beats
+     *  to tell. */
+    double bars;
 } BA_TrackConfidence;
 
 /** Another reading of the beats. */
