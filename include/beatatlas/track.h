@@ -35,10 +35,10 @@
  *  -----
  *  Two channels of 32-bit floats, full scale ±1.0, at 44,100 or 48,000 frames per second. A frame
  *  is one sample per channel. Louder samples and infinities are clipped to full scale, NaN counts
- *  as 0. A mono track is given as both channels. The results are, bit for bit, those of a session
- *  of libbeatatlas that is fed the same samples times 32,768, clipped to -32,768 … 32,767. They do
- *  not depend on the number of threads, on how the source hands out its frames, or on the rounding
- *  mode.
+ *  as 0. A mono track is given as both channels. No result depends on the number of threads, on how
+ *  the source hands out its frames, or on the rounding mode. Waves, the session's key, and tempo and
+ *  beats in every mode but auto are, bit for bit, those of a session of libbeatatlas that is fed the
+ *  same samples times 32,768, clipped to -32,768 … 32,767.
  *
  *  Threads
  *  -------
@@ -360,8 +360,8 @@ BA_API size_t BA_TrackWave(const BA_Track* track, int wave, BA_WaveInfo* out, si
 /** The likeliest key by evidence, numbered as in BA_TrackKeyScore: what sounds, folded into pitch
  *  classes about the track's own tuning, is compared with the profile of each key, and so are the
  *  triads that sound. It is right more often than that of a session, and says how sure it is. -1
- *  when there is none: in silence and in tracks of less than a second; when it was not wanted; and
- *  for null. Confidence, lists and tuning are then 0 or empty. */
+ *  when there is none: in silence and in tracks of less than some three quarters of a second; when
+ *  it was not wanted; and for null. Confidence, lists and tuning are then 0 or empty. */
 BA_API int32_t BA_TrackKey(const BA_Track* track);
 
 /** How sure that key is: the share of tracks of known key on which such an answer was right, 0 to
