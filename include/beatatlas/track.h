@@ -211,7 +211,8 @@ typedef struct BA_TrackConfidence {
     double bars;
 } BA_TrackConfidence;
 
-/** Another reading of the beats. */
+/** Another reading of the beats. The answer that it is compared with is the one before it was
+ *  brought into a range. */
 typedef struct BA_TrackReading {
     double bpm;
     /** Its probability, 0 to 1; that of the chosen reading and of all others add up to 1. */
