@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 // beatatlas_tempo_features [--features] FILE.wav...
 //
-// The automatic tempo of 16-bit stereo files of 44.1 or 48 kHz, one line of JSON each. With --features, instead, what
-// its choices are made from, for programs that fit their weights: a line with all readings of the beats, and one with
-// those of the bars.
+// The automatic tempo of 16-bit stereo files of 44.1 or 48 kHz, one line of JSON each. With
+// --features, instead, what its choices are made from, for programs that fit their weights: a line
+// with all readings of the beats, and one with those of the bars.
 #include <algorithm>
 #include <cstdint>
 #include <cstdio>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-// The decision of the automatic tempo on evidence and proposals that no track may ever give: onsets and chords of any
-// course, grids of sessions in any order, any wish. Up to a minute and a half of music, which the target for whole
-// tracks has no time for.
+// The decision of the automatic tempo on evidence and proposals that no track may ever give: onsets
+// and chords of any course, grids of sessions in any order, any wish. Up to a minute and a half of
+// music, which the target for whole tracks has no time for.
 #include <algorithm>
 #include <cmath>
 #include <vector>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-// Whole tracks: any options, any audio, sources that stop or have another length, any rounding mode. What could be
-// analysed is analysed again on another number of threads and in other steps, and has to come out the same. An input
-// buys 60,000 frames.
+// Whole tracks: any options, any audio, sources that stop or have another length, any rounding
+// mode. What could be analysed is analysed again on another number of threads and in other steps,
+// and has to come out the same. An input buys 60,000 frames.
 #include <algorithm>
 #include <cfenv>
 #include <cmath>

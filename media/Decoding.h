@@ -15,11 +15,11 @@
 
 namespace media {
 
-/** One decoding of a file into a store, at the session's rate: in a thread of its own, or in that of the reader, a packet
- *  whenever the reader has nothing left.
+/** One decoding of a file into a store, at the session's rate: in a thread of its own, or in that
+ *  of the reader, a packet whenever the reader has nothing left.
  *
- *  Whatever goes wrong is thrown to the readers, once they come to that place. When the object goes the decoding has
- *  stopped, wherever it was. */
+ *  Whatever goes wrong is thrown to the readers, once they come to that place. When the object goes
+ *  the decoding has stopped, wherever it was. */
 class Decoding {
 public:
     enum class Place { ownThread, readersThread };
@@ -27,8 +27,8 @@ public:
     /** What else is to be done with the track. Both run where it is decoded. */
     struct Hooks {
         std::function<void(const StereoBlock&)> alongside;  ///< takes every stretch
-        std::function<void(const TrackDecoder&, std::int64_t frames)>
-            atEnd;  ///< once all is decoded, before readers see the end; may refuse it by throwing
+        /** Once all is decoded, before readers see the end; may refuse it by throwing. */
+        std::function<void(const TrackDecoder&, std::int64_t frames)> atEnd;
     };
 
     /** Opens the file. @throws TrackError when it holds no audio that can be decoded */
@@ -49,14 +49,16 @@ public:
     /** Waits for the first frames. @throws the reason when there are none */
     void awaitFirst();
 
-    /** Goes on for a moment. @return false when the end has not come. @throws the reason when the decoding failed */
+    /** Goes on for a moment. @return false when the end has not come. @throws the reason when the
+     *  decoding failed */
     bool awaitEnd();
 
     /** @name Known after awaitFirst()
      *  @{ */
     int sessionRate() const { return sessionRate_; }
 
-    /** Length at the session's rate by the file's own account, see TrackDecoder::declaredFrames(). */
+    /** Length at the session's rate by the file's own account, see
+     *  TrackDecoder::declaredFrames(). */
     std::optional<std::int64_t> declaredFrames() const { return declaredFrames_; }
     /** @} */
 

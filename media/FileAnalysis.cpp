@@ -26,8 +26,7 @@ public:
     void setSeconds(double seconds) { seconds_ = seconds; }
 
     /** @param fraction  of what was left when beginAgain() was called. A decoder that looks at
-     *  another place of its
-     *                   file may tell less than before: that is not shown
+     *                   another place of its file may tell less than before: that is not shown
      *  @throws Interrupted */
     void show(double fraction) {
         base::Interrupt::check();

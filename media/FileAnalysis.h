@@ -26,8 +26,8 @@ struct AnalysedFile {
 class FileAnalysis {
 public:
     struct Options {
-        beatatlas::track::Options
-            track;  ///< what is to be found; threads and progress are not read
+        /** What is to be found; threads and progress are not read. */
+        beatatlas::track::Options track;
         Effort effort;
 
         /** Takes what is left of a track that was cut off, instead of refusing it. */
@@ -49,8 +49,7 @@ public:
     explicit FileAnalysis(Options options);
 
     /** @throws TrackError with the reason why the track cannot be analysed, Interrupted,
-     *  std::bad_alloc; whatever a
-     *          callback throws */
+     *          std::bad_alloc; whatever a callback throws */
     AnalysedFile analyze(const std::string& path) const;
 
 private:

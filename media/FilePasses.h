@@ -25,7 +25,8 @@ class FilePasses {
 public:
     struct Options {
         Effort effort;
-        beatatlas::track::TempoMode tempo{};  ///< the analysis takes memory accordingly
+        /** The analysis takes memory accordingly. */
+        beatatlas::track::TempoMode tempo = beatatlas::track::TempoMode::automatic;
         bool acceptsCutOff = false;
         bool isReadOnce = false;  ///< one pass will do, if the declared length is true
 

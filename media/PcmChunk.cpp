@@ -11,12 +11,14 @@ namespace media {
 
 namespace {
 
-// So many samples are looked at before it is decided whether to look at more: lossy decoders give themselves away at once.
+// So many samples are looked at before it is decided whether to look at more: lossy decoders give
+// themselves away at once.
 constexpr std::size_t kProbeSamples = 512;
 
 /** The 16-bit value of a sample that has one; of any other sample the value of another.
  *
- *  In floats from 256 to 512 the last bit counts 1/32,768: the sum has the value in its low bits. */
+ *  In floats from 256 to 512 the last bit counts 1/32,768: the sum has the value in its low
+ *  bits. */
 std::int16_t toInteger(float sample) {
     constexpr float kMiddle = 384.0F;
     return static_cast<std::int16_t>(std::bit_cast<std::uint32_t>(sample + kMiddle) -

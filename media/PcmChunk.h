@@ -13,8 +13,9 @@ class PcmMemory;
 
 /** A stretch of stereo audio in memory, given back bit for bit.
  *
- *  Music that comes from 16-bit samples is kept in them, which is half the room; where a single sample is none of the
- *  65,536 values, or a zero with a sign, the whole stretch stays in floats. */
+ *  Music that comes from 16-bit samples is kept in them, which is half the room; where a single
+ *  sample is none of the 65,536 values, or a zero with a sign, the whole stretch stays in
+ *  floats. */
 class PcmChunk {
 public:
     /** @param memory  where the samples are kept  @throws std::bad_alloc */

@@ -31,8 +31,9 @@ std::shared_ptr<std::byte> makeBlock(std::size_t bytes) {
 std::shared_ptr<std::byte> PcmMemory::take(std::size_t bytes) {
     const std::size_t room = roundUp(bytes, kVector);
     if (used_ + room > size_) {
-        size_ = roundUp(room, kHugePage);
-        block_ = makeBlock(size_);
+        const std::size_t size = roundUp(room, kHugePage);
+        block_ = makeBlock(size);
+        size_ = size;
         used_ = 0;
     }
     std::shared_ptr<std::byte> piece(block_, block_.get() + used_);

@@ -8,11 +8,13 @@ namespace media {
 
 /** Room for samples, cut from blocks as large as a huge page of memory.
  *
- *  A track takes a hundred megabytes that are filled once and read twice. In pages of the usual 4 KiB, getting them from
- *  the system costs a quarter of a decoding; in huge pages, where the system has them, next to nothing. */
+ *  A track takes a hundred megabytes that are filled once and read once or twice. In pages of the
+ *  usual 4 KiB, getting them from the system costs a quarter of a decoding; in huge pages, where
+ *  the system has them, next to nothing. */
 class PcmMemory {
 public:
-    /** A piece, aligned for vectors. Its block goes with the last piece that was cut from it. @throws std::bad_alloc */
+    /** A piece, aligned for vectors. Its block goes with the last piece that was cut from it.
+     *  @throws std::bad_alloc */
     std::shared_ptr<std::byte> take(std::size_t bytes);
 
 private:

@@ -41,7 +41,8 @@ bool PcmStore::mustWait() const {
     return whenFull_ == WhenFull::wait && bytes_ >= limitBytes_ && !isAbandoned_;
 }
 
-/** Once something is gone no new reader can come, and nothing is worth keeping but what the present ones need. */
+/** Once something is gone no new reader can come, and nothing is worth keeping but what the present
+ *  ones need. */
 void PcmStore::dropWhatIsRead() {
     if (bytes_ < limitBytes_ && droppedChunks_ == 0) return;
     std::int64_t needed = droppedChunks_ + std::ssize(chunks_);

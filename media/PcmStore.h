@@ -17,11 +17,13 @@ namespace media {
 
 class PcmReader;
 
-/** A decoded track in memory, growing while one thread writes it and others read it, each at its own place.
+/** A decoded track in memory, growing while one thread writes it and others read it, each at its
+ *  own place.
  *
- *  Up to its limit it keeps everything, so that the track can be read any number of times. At the limit it becomes a
- *  window: what every reader has passed is dropped, and a writer that waits for readers waits until there is room
- *  again. Without a reader everything is dropped, and only the frames are counted.
+ *  Up to its limit it keeps everything, so that the track can be read any number of times. At the
+ *  limit it becomes a window: what every reader has passed is dropped, and a writer that waits for
+ *  readers waits until there is room again. Without a reader everything is dropped, and only the
+ *  frames are counted.
  *
  *  All waiting ends when a signal asks the program to stop: base::Interrupted is thrown then. */
 class PcmStore {
@@ -60,10 +62,12 @@ public:
     bool isWhole() const;         ///< nothing has been dropped so far
     bool hasEnded() const;        ///< nothing follows, for whichever reason
 
-    /** Waits until the first frames are there, or the end. @throws the reason when it failed without a frame */
+    /** Waits until the first frames are there, or the end. @throws the reason when it failed
+     *  without a frame */
     void awaitFirst();
 
-    /** Waits for the end, at most so long. @return false when it has not come. @throws the reason when it failed */
+    /** Waits for the end, at most so long. @return false when it has not come. @throws the reason
+     *  when it failed */
     bool awaitEnd(int milliseconds);
 
     /** Whether the first stretch needs floats. Once there are frames, and none was dropped. */

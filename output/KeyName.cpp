@@ -56,8 +56,9 @@ std::string KeyName::in(KeyNotation notation) const {
     return musical();
 }
 
-/** Steps along the circle of fifths from C major (or A minor), 0 to 11. Seven is its own inverse modulo twelve, so the
- *  same product that turns steps into semitones turns semitones into steps. */
+/** Steps along the circle of fifths from C major (or A minor), 0 to 11. Seven is its own inverse
+ *  modulo twelve, so the same product that turns steps into semitones turns semitones into
+ *  steps. */
 int KeyName::fifthsFromC() const {
     const int tonic = number_ % kNotes;
     const int relativeMajor = isMinor() ? tonic + kFromAToC : tonic;

@@ -15,8 +15,8 @@ enum class KeyNotation {
     openKey,
 };
 
-/** The names of a key, numbered as by the library: 0 to 11 are A major, A sharp major … G sharp major, 12 to 23 the
- *  minor keys on the same notes. */
+/** The names of a key, numbered as by the library: 0 to 11 are A major, A sharp major … G sharp
+ *  major, 12 to 23 the minor keys on the same notes. */
 class KeyName {
 public:
     explicit KeyName(int number) : number_(number) {}
@@ -24,7 +24,8 @@ public:
     int number() const { return number_; }
     bool isMinor() const { return number_ >= 12; }
 
-    /** As musicians write it, in the spelling with the fewer accidentals: "A minor", "Bb major", "F# minor". */
+    /** As musicians write it, in the spelling with the fewer accidentals: "A minor", "Bb major",
+     *  "F# minor". */
     std::string musical() const;
 
     /** The same with sharps alone, "A# major", and with flats alone, "Gb minor". */

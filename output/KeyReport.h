@@ -13,8 +13,8 @@ struct KeyOptions {
     int mode = 0;                   ///< weights, 0 to 4
 };
 
-/** The key of one track by all finders: by evidence (analysis.key), that of a buffer, and that of a session
- *  (analysis.sessionKey). */
+/** The key of one track by all finders: by evidence (analysis.key), that of a buffer, and that of a
+ *  session (analysis.sessionKey). */
 struct KeyReport : TrackReport {
     KeyOptions wanted;
     std::optional<double> pitchHz;  ///< as given, else as found

@@ -13,8 +13,8 @@ namespace output {
 struct TrackReport : base::TrackSource {
     beatatlas::track::Options options;  ///< what was asked for
     beatatlas::track::TrackResult analysis;
-    std::optional<KeyNotation>
-        keyNotation;  ///< how text names keys; nothing: in several ways at once
+    /** How text names keys; nothing: in several ways at once. */
+    std::optional<KeyNotation> keyNotation;
 };
 
 }  // namespace output

@@ -22,7 +22,8 @@ std::string tempoRangeOf(const std::vector<Part>& parts, const char* layout) {
     return fmt::format(fmt::runtime(layout), bpmText(slowest->bpm), bpmText(fastest->bpm));
 }
 
-/** How far the tempo goes: from stretch to stretch where it is known in stretches, else from beat to beat. */
+/** How far the tempo goes: from stretch to stretch where it is known in stretches, else from beat
+ *  to beat. */
 std::string tempoRange(const beatatlas::track::TrackResult& analysis) {
     const auto& judgement = analysis.judgement;
     if (judgement && !judgement->isSteady && judgement->stretches.size() > 1)

@@ -120,8 +120,7 @@ Json trackJson(const TrackReport& report, bool withWaves) {
         track["beats"] = beatsJson(analysis);
     }
     if (report.options.wantsKey) track["key"] = keyJson(analysis.key);
-    if (report.options.wantsSessionKey)
-        track["sessionKey"] = sessionKeyJson(analysis.sessionKey);
+    if (report.options.wantsSessionKey) track["sessionKey"] = sessionKeyJson(analysis.sessionKey);
     if (withWaves) track["waves"] = wavesJson(analysis);
     return track;
 }

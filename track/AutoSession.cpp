@@ -26,7 +26,8 @@ double localBpm(const std::vector<double>& beats, std::size_t i) {
     return 60.0 * static_cast<double>(to - from) / (beats[to] - beats[from]);
 }
 
-/** What another reading makes of the chosen one. Both are on one line of twelfths: ratios are exact to rounding. */
+/** What another reading makes of the chosen one. Both are on one line of twelfths: ratios are exact
+ *  to rounding. */
 std::int32_t kindOf(const TempoAlternative& other) {
     const auto isRatio = [&](double ratio) { return std::abs(other.tempoRatio - ratio) < 1e-6; };
     if (isRatio(2.0)) return BA_TRACK_READING_DOUBLE;

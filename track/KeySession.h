@@ -32,7 +32,8 @@ public:
 
     void setLevels(const Levels& levels);
 
-    /** The last block runs the closing analysis. @throws std::bad_alloc also where the core would go on without */
+    /** The last block runs the closing analysis. @throws std::bad_alloc also where the core would
+     *  go on without */
     void hear(const Block& block) override;
 
     void addTo(TrackResult& result) const;

@@ -10,7 +10,8 @@
 
 namespace beatatlas::track::inner {
 
-/** One pass over the host's source: gathers its frames into blocks and brings them into the scale of sessions. */
+/** One pass over the host's source: gathers its frames into blocks and brings them into the scale
+ *  of sessions. */
 class Pass {
 public:
     /** Opens the source. @throws Failure when it asks to stop; std::bad_alloc */
@@ -19,8 +20,9 @@ public:
     Pass(const Pass&) = delete;
     Pass& operator=(const Pass&) = delete;
 
-    /** The next block, valid until the next call; one without frames after the last. Before the last one is given, the
-     *  source is seen to end there and closed: what the last block sets off may take long.
+    /** The next block, valid until the next call; one without frames after the last. Before the
+     *  last one is given, the source is seen to end there and closed: what the last block sets off
+     *  may take long.
      *  @throws Failure when the source asks to stop or has another length */
     Block next();
 

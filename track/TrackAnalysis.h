@@ -18,9 +18,9 @@ namespace beatatlas::track::inner {
 
 /** One analysis: decides who hears which pass over the source, and in which thread.
  *
- *  The key by evidence hears what the beats are found in. The key session has to know the levels of the whole track before
- *  it hears the first frame. Where passes are quick one of them goes before for that; otherwise the beats' pass takes
- *  them. */
+ *  The key by evidence hears what the beats are found in. The key session has to know the levels of
+ *  the whole track before it hears the first frame. Where passes are quick one of them goes before
+ *  for that; otherwise the beats' pass takes them. */
 class TrackAnalysis {
 public:
     /** @param options,source  checked, and alive as long as the analysis

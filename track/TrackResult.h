@@ -11,8 +11,8 @@ namespace beatatlas::track::inner {
 
 inline constexpr int kWaveKinds = 3;
 
-/** Everything that is known about a track: plain data in the records of the interface, with no ties to what found it.
- *  Empty lists and a tempo of 0: nothing was found, or it was not asked for. */
+/** Everything that is known about a track: plain data in the records of the interface, with no ties
+ *  to what found it. Empty lists and a tempo of 0: nothing was found, or it was not asked for. */
 struct TrackResult {
     std::int32_t rate = 0;
     std::int64_t frames = 0;

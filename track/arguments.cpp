@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Structures of the interface grow at their end only. A host says how much of one it knows: what it does not know keeps
-// its default, and what this version does not know must be 0.
+// Structures of the interface grow at their end only. A host says how much of one it knows: what it
+// does not know keeps its default, and what this version does not know must be 0.
 #include "track/arguments.h"
 
 #include <algorithm>
@@ -11,8 +11,8 @@ namespace beatatlas::track::inner {
 
 namespace {
 
-// Where the fields end, which is where the next ones begin: a structure is taken up to the last field that the host holds
-// whole.
+// Where the fields end, which is where the next ones begin: a structure is taken up to the last
+// field that the host holds whole.
 constexpr std::size_t kOptionEnds[] = {
     offsetof(BA_TrackOptions, tempo),         offsetof(BA_TrackOptions, section_beats),
     offsetof(BA_TrackOptions, range_seconds), offsetof(BA_TrackOptions, wants_key),

@@ -9,6 +9,7 @@
 
 #include "base/errors.h"
 #include "cli/numberBetween.h"
+#include "cli/oneOf.h"
 
 namespace app {
 
@@ -73,7 +74,7 @@ void AnalysisArguments::declare(CLI::App& arguments) {
                     "varied: one session whose tempo may change along the track\n"
                     "simple: sensed at the track's beginning only, one regular grid\n"
                     "off: no tempo and no beats")
-        ->transform(CLI::CheckedTransformer(tempoModes()).description(""))
+        ->transform(oneOf(tempoModes()))
         ->option_text("MODE");
     arguments
         .add_option("--bpm-range", bpmRange_,

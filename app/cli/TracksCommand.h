@@ -17,8 +17,8 @@ class Option;
 
 namespace app {
 
-/** A command that takes any number of tracks and tells of each what it found, as text or JSON. A track that fails
- *  keeps none of the others from being told. */
+/** A command that takes any number of tracks and tells of each what it found, as text or JSON. A
+ *  track that fails keeps none of the others from being told. */
 class TracksCommand : public Command {
 public:
     void declare(CLI::App& arguments) override;

@@ -6,6 +6,8 @@
 
 #include <CLI/CLI.hpp>
 
+#include "cli/oneOf.h"
+
 namespace app {
 
 namespace {
@@ -29,7 +31,7 @@ CLI::Option* addKeyNotation(CLI::App& arguments, std::optional<output::KeyNotati
                     "flats: Gb minor, Bb major\n"
                     "camelot: 11A, 6B\n"
                     "openkey: 4m, 11d")
-        ->transform(CLI::CheckedTransformer(notations()).description(""))
+        ->transform(oneOf(notations()))
         ->option_text("NAMES");
 }
 

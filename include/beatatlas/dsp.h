@@ -63,9 +63,8 @@ BA_API float mode_v(float* v, int n);
 /** @name Sorts
  *
  *  lo and hi are the first and the last index of the part to sort; lo ≥ hi does nothing. idx is
- *  rearranged like
- *  v: filled with 0, 1, 2 … beforehand it tells afterwards where each value stood. NaNs end up
- *  somewhere.
+ *  rearranged like v: filled with 0, 1, 2 … beforehand it tells afterwards where each value stood.
+ *  NaNs end up somewhere.
  *  @{ */
 
 /** Sorts v[lo … hi] in descending order, idx along with it. Not stable. */
@@ -157,8 +156,7 @@ BA_API int make_bitrev(int n, int* table);
  *            n < 0: inverse, with e^(+2πi f t / |n|), of |n| points. 0: nothing.
  *  @param re,im  |n| values each
  *  @return 0; or 1 with "malloc error" on standard error when there is no memory for the tables:
- *           the arrays are
- *          as they were then */
+ *          the arrays are as they were then */
 BA_API int fft_less_normalize(int n, float* re, float* im);
 
 /** out[i] = sqrt(re[i]² + im[i]²) for n bins. */

@@ -4,9 +4,8 @@
  *  known about it.
  *
  *  libbeatatlas_track builds on the sessions of libbeatatlas and does for the host what they leave
- *  to it: it makes the two passes, scales and clips the samples, keeps the host's rounding mode,
- *  prints nothing to standard output, and can use more than one processor. It knows nothing of
- *  files. C linkage; compiles as C99 and as C++. C++ hosts may prefer track.hpp, which wraps this
+ *  to it: it makes the passes, scales and clips the samples, keeps the host's rounding mode, prints
+ *  nothing to standard output, and can use more than one processor. It knows nothing of files. C linkage; compiles as C99 and as C++. C++ hosts may prefer track.hpp, which wraps this
  *  interface in values and exceptions.
  *
  *  A whole analysis of audio in memory:
@@ -36,10 +35,10 @@
  *  -----
  *  Two channels of 32-bit floats, full scale ±1.0, at 44,100 or 48,000 frames per second. A frame
  *  is one sample per channel. Louder samples and infinities are clipped to full scale, NaN counts
- *  as 0. A mono track is given as both channels. The results are, bit for bit, those of a session
- *  of libbeatatlas that is fed the same samples times 32,768, clipped to -32,768 … 32,767. They do
- *  not depend on the number of threads, on how the source hands out its frames, or on the rounding
- *  mode.
+ *  as 0. A mono track is given as both channels. No result depends on the number of threads, on how
+ *  the source hands out its frames, or on the rounding mode. Waves, the session's key, and tempo and
+ *  beats in every mode but auto are, bit for bit, those of a session of libbeatatlas that is fed the
+ *  same samples times 32,768, clipped to -32,768 … 32,767.
  *
  *  Threads
  *  -------
@@ -176,8 +175,8 @@ typedef struct BA_TrackSource {
      *                     ±1.0
      *  @param frames      from 1
      *  @return how many were handed out, at most `frames`; fewer do not mean the end. 0: the track
-     *           is over. Below 0:
-     *          stop the analysis. More than `frames` counts as a track of the wrong length */
+     *          is over. Below 0: stop the analysis. More than `frames` counts as a track of the
+     *          wrong length */
     int64_t (*read)(void* host, void* pass, float* left, float* right, int64_t frames);
 
     /** Ends a pass, wherever it has come to. */
@@ -207,10 +206,13 @@ typedef struct BA_TrackConfidence {
     double tempo; /**< that the music has this pulse, or one of its multiples or parts */
     double level; /**< that people tap this multiple of it, where the pulse is right */
     double phase; /**< that they tap at these places, where the level is right */
-    double bars;  /**< that the bars begin at these beats, where the beats are right */
+    /** That the bars begin at these beats, where the beats are right; 0 where there are too few beats
+     *  to tell. */
+    double bars;
 } BA_TrackConfidence;
 
-/** Another reading of the beats. */
+/** Another reading of the beats. The answer that it is compared with is the one before it was
+ *  brought into a range. */
 typedef struct BA_TrackReading {
     double bpm;
     /** Its probability, 0 to 1; that of the chosen reading and of all others add up to 1. */
@@ -359,8 +361,8 @@ BA_API size_t BA_TrackWave(const BA_Track* track, int wave, BA_WaveInfo* out, si
 /** The likeliest key by evidence, numbered as in BA_TrackKeyScore: what sounds, folded into pitch
  *  classes about the track's own tuning, is compared with the profile of each key, and so are the
  *  triads that sound. It is right more often than that of a session, and says how sure it is. -1
- *  when there is none: in silence and in tracks of less than a second; when it was not wanted; and
- *  for null. Confidence, lists and tuning are then 0 or empty. */
+ *  when there is none: in silence and in tracks of less than some three quarters of a second; when
+ *  it was not wanted; and for null. Confidence, lists and tuning are then 0 or empty. */
 BA_API int32_t BA_TrackKey(const BA_Track* track);
 
 /** How sure that key is: the share of tracks of known key on which such an answer was right, 0 to

@@ -158,11 +158,11 @@ struct KeySegment {
 /** The key by evidence, and how the track is tuned. */
 struct Key {
     std::array<KeyCandidate, kKeyCount> ranking{};  ///< the likeliest first
-    double confidence =
-        0.0;  ///< the share of tracks of known key on which such an answer was right
+    /** The share of tracks of known key on which such an answer was right. */
+    double confidence = 0.0;
     std::vector<KeySegment> segments;  ///< one where the key does not change
-    std::array<double, kPitchClassCount>
-        chroma{};              ///< how strongly the notes from A upward sound; adds up to 1
+    /** How strongly the notes from A upward sound; adds up to 1. */
+    std::array<double, kPitchClassCount> chroma{};
     double tuningCents = 0.0;  ///< above A4 = 440 Hz, -50 to 50
     double tuningHz = 440.0;   ///< what A4 is
 
@@ -392,8 +392,7 @@ inline TrackResult finish(int status, const Track& track, const ThrownByHost& th
  *  @param rate    frames per second: 44100 or 48000
  *  @param frames  length of the track, 1 to 2,147,483,647
  *  @throws Error for an argument out of its range and a source that has another length;
- *    std::bad_alloc; and whatever
- *          the source or the progress call throws */
+ *          std::bad_alloc; and whatever the source or the progress call throws */
 inline TrackResult analyze(const Options& options, int rate, std::int64_t frames,
                            const Source& source) {
     if (!source.open) throw Error(BA_TRACK_BAD_ARGUMENT);

@@ -49,9 +49,8 @@ struct S_KEY_SCALE_RESULT {
  *                     diverges, so that the answer means nothing.
  *  @param text        untouched; may be null
  *  @return 0 to 11: major keys whose tonic is pitch class 0 to 11, counted in semitones from the
- *           reference pitch
- *          (A, A♯, B, C …); 12 to 23: the minor keys in the same order. _key_table of key_tables.h
- *          names them. */
+ *          reference pitch (A, A♯, B, C …); 12 to 23: the minor keys in the same order. _key_table
+ *          of key_tables.h names them. */
 BA_API int KeyCodeScale(S_KEY_SCALE_RESULT* result, float* samples, long n, float rate, float ref,
                         int hopDivisor, int mode, const char* text);
 
@@ -105,11 +104,9 @@ BA_API void filter8_mono(float* in, float* out, long n, float* a, float* b);
  *  @param rate  sampling rate in Hz
  *  @param div   divides the lengths of frame and hop; 1, 2, 4 … make sense
  *  @param mode  H × div. 0 and any value not listed: 512. For buffers of 30 s and more 1: 1024, 2:
- *               1488, 3: 1720,
- *               4: 2304; for shorter ones 1: 512, 2: 1128, 3: 1184, 4: 1464
+ *               1488, 3: 1720, 4: 2304; for shorter ones 1: 512, 2: 1128, 3: 1184, 4: 1464
  *  @note Working memory: about 32 bytes per sample at a hop of 512, the less the longer the hop.
- *  When there is not
- *        enough, out is untouched. */
+ *        When there is not enough, out is untouched. */
 BA_API void CutBeats(float* out, float* in, int n, float rate, int div, int mode);
 
 /** Finds what A4 is tuned to in a mono recording, in whole hertz.

@@ -46,7 +46,8 @@ TEST(DownmixMatrix, LeavesStereoAlone) {
 }
 
 TEST(DownmixMatrix, FoldsFivePointOneByTheUsualRule) {
-    // Each side gets front 1, centre and surround 0.7071: 2.4142 together, so that all are lowered by that.
+    // Each side gets front 1, centre and surround 0.7071: 2.4142 together, so that all are lowered
+    // by that.
     const float sum = 1.0F + kMinus3dB + kMinus3dB;
     const auto gains =
         gainsOf("5.1");  // left, right, centre, effects, surround left, surround right

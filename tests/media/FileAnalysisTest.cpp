@@ -71,7 +71,8 @@ protected:
     std::string track_ = folder_.file("track");
 };
 
-// Short of memory the track is decoded once for each of two passes, and once more before where its length is not declared.
+// Short of memory the track is decoded once for each of two passes, and once more before where its
+// length is not declared.
 TEST_P(OneDecodingOfEveryFormat, GivesTheSameResultsWhateverMemoryAndThreadsItMayTake) {
     const auto& [format, rate] = GetParam();
     test::writeAudioFile(track_, format.kind, music(rate, 3.3));
@@ -107,7 +108,8 @@ TEST_P(OneDecodingOfEveryFormat, KnowsTheLengthBeforehandWhereTheFileDeclaresIt)
     }
 }
 
-// What FFmpeg's own writers declare: none in Matroska and Wave 64, none to the frame in ASF; none in a bare stream.
+// What FFmpeg's own writers declare: none in Matroska and Wave 64, none to the frame in ASF; none
+// in a bare stream.
 INSTANTIATE_TEST_SUITE_P(
     Files, OneDecodingOfEveryFormat,
     testing::Combine(
@@ -138,8 +140,8 @@ INSTANTIATE_TEST_SUITE_P(
                      testing::Values(48000)),
     [](const auto& instance) { return std::get<0>(instance.param).name; });
 
-// Of 86 MiB the program and the analysis take 78. Of the rest 4 bytes of each 4.7 are the track's, 6.8 MiB: twenty seconds
-// of floats.
+// Of 86 MiB the program and the analysis take 78. Of the rest 4 bytes of each 4.7 are the track's,
+// 6.8 MiB: twenty seconds of floats.
 TEST_F(FileAnalysisTest, GivesTheSameResultsWhenMemoryRunsOutOnTheWay) {
     Sound sound = music(44100, 40.0);
     // Silence at first looks as if it could be kept in integers.
@@ -213,7 +215,8 @@ TEST_F(FileAnalysisTest, AnalysesWhatIsLeftWhenThatIsWanted) {
 }
 
 TEST_F(FileAnalysisTest, RefusesATrackTooLongToCountBeforeDecodingIt) {
-    // One byte a frame: the header of a WAV of 2.3 thousand million frames, and a hole in the disk for the music.
+    // One byte a frame: the header of a WAV of 2.3 thousand million frames, and a hole in the disk
+    // for the music.
     constexpr std::uint32_t kFrames = 2300000000U;
     const auto number = [](std::uint32_t value, int bytes) {
         std::string text;

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Work on a file that ends before its end, in every phase: whatever ends it is told once, and no thread is left behind.
+// Work on a file that ends before its end, in every phase: whatever ends it is told once, and no
+// thread is left behind.
 #include <chrono>
 #include <csignal>
 #include <cstdlib>
@@ -22,7 +23,8 @@ namespace {
 constexpr int kFrames = 44100 * 16;
 constexpr int kStretches = (kFrames + 16383) / 16384;
 
-/** How the work is done: what may be kept, by how many threads, and whether the file declares its length. */
+/** How the work is done: what may be kept, by how many threads, and whether the file declares its
+ *  length. */
 struct Way {
     std::int64_t memory;
     int threads;
@@ -113,7 +115,8 @@ TEST_F(InterruptedWork, TellsWhatTheHostThrowsWhereverTheWorkIs) {
     }
 }
 
-/** Analyses in this process and ends it: with 0 when the analysis was interrupted and nothing is left running. */
+/** Analyses in this process and ends it: with 0 when the analysis was interrupted and nothing is
+ *  left running. */
 [[noreturn]] void exitAsInterrupted(const std::function<void()>& work) {
     const std::ptrdiff_t before = threadsBefore();
     base::Interrupt::install();

@@ -5,9 +5,18 @@
 #include <cstdint>
 #include <cstring>
 #include <memory>
+#include <new>
 #include <vector>
 
 #include <gtest/gtest.h>
+
+extern "C" {
+
+/** An absurd request is to be refused under the address sanitizer too, not reported. */
+const char* __asan_default_options() {
+    return "allocator_may_return_null=1";
+}
+}
 
 namespace {
 
@@ -16,7 +25,8 @@ using media::PcmMemory;
 constexpr std::size_t kBlockBytes = std::size_t{2} << 20U;
 
 TEST(PcmMemoryTest, PiecesOfAnyLengthKeepWhatIsWrittenToThem) {
-    // Of every length about those of decoders' blocks, beyond a block and back, more than a block in all.
+    // Of every length about those of decoders' blocks, beyond a block and back, more than a block
+    // in all.
     std::vector<std::size_t> lengths = {1, 63, 64, 65, kBlockBytes - 1, kBlockBytes + 1, 8192};
     for (std::size_t i = 0; i < 400; ++i) lengths.push_back(9216);
     PcmMemory memory;
@@ -45,6 +55,19 @@ TEST(PcmMemoryTest, APieceOutlivesTheMemoryItWasCutFrom) {
     memory.reset();
     std::memset(piece.get(), 7, 100);
     EXPECT_EQ(piece.get()[99], std::byte{7});
+}
+
+TEST(PcmMemoryTest, ABlockThatCannotBeHadLeavesTheMemoryAsItWas) {
+    constexpr std::size_t kMoreThanThereIs = std::size_t{1} << 60U;
+    PcmMemory memory;
+    EXPECT_THROW(memory.take(kMoreThanThereIs), std::bad_alloc);
+    const std::shared_ptr<std::byte> first = memory.take(100);
+    ASSERT_NE(first, nullptr);
+    EXPECT_THROW(memory.take(kMoreThanThereIs), std::bad_alloc);
+    const std::shared_ptr<std::byte> large = memory.take(2 * kBlockBytes);
+    std::memset(first.get(), 7, 100);
+    std::memset(large.get(), 8, 2 * kBlockBytes);
+    EXPECT_EQ(first.get()[99], std::byte{7});
 }
 
 }  // namespace

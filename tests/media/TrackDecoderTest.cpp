@@ -72,7 +72,8 @@ TEST_P(EveryFormat, CountsPositionsFromTheFirstFrameOfMusic) {
     EXPECT_EQ(decoded.tally.damagedPackets, 0);
 }
 
-// Opus always decodes at 48,000 Hz; AAC and MP3 without a header tell no padding at the end, WMA none at all.
+// Opus always decodes at 48,000 Hz; AAC and MP3 without a header tell no padding at the end, WMA
+// none at all.
 INSTANTIATE_TEST_SUITE_P(
     Files, EveryFormat,
     testing::Combine(
@@ -135,7 +136,8 @@ TEST_F(TrackDecoderTest, ConvertsOtherRatesAndKeepsTheTimes) {
         const int sessionRate = decoded.format.sessionRate;
         EXPECT_EQ(sessionRate, rate % 11025 == 0 ? 44100 : 48000);
         EXPECT_EQ(decoded.format.trackRate, rate);
-        // A place that falls between two frames of the track is rounded by half of one when the clicks are made.
+        // A place that falls between two frames of the track is rounded by half of one when the
+        // clicks are made.
         const double tolerance = 0.6 * sessionRate / rate + 0.1;
         EXPECT_NEAR(test::clickNear(decoded.sound.left, sessionRate, 0.5), 0.5 * sessionRate,
                     tolerance)

@@ -35,7 +35,8 @@ protected:
         test::writeFile(track_, bytes);
     }
 
-    /** The last 32 of the 36 bits that count the frames, behind "fLaC", a block's header and 14 bytes of it. */
+    /** The last 32 of the 36 bits that count the frames, behind "fLaC", a block's header and 14
+     *  bytes of it. */
     void declareFlac(std::uint64_t frames) {
         declare(write({"flac", "flac"}), 4 + 4 + 14, 4, frames, false);
     }
@@ -123,7 +124,8 @@ TEST_F(WrongLength, IsNothingToTellOfWhereItIsMissing) {
     EXPECT_THAT(notesOnTheRightResults(), IsEmpty());
 }
 
-// A WAV ends where its header says, so less is its true length; more is cut off, and FFmpeg goes by the file's own end.
+// A WAV ends where its header says, so less is its true length; more is cut off, and FFmpeg goes by
+// the file's own end.
 TEST_F(WrongLength, OfAWaveIsTrueOrRefused) {
     for (const std::int64_t frames : {kFrames - 1, kFrames / 2}) {
         declareWave(static_cast<std::uint64_t>(frames));

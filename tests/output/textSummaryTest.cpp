@@ -12,7 +12,8 @@ namespace {
 using testing::HasSubstr;
 using testing::Not;
 
-// 15 beats from 0.1 s on, beginning with the fourth of a bar: bars begin at beats 1, 5, 9 and 13, the first at 0.6 s.
+// 15 beats from 0.1 s on, beginning with the fourth of a bar: bars begin at beats 1, 5, 9 and 13,
+// the first at 0.6 s.
 TEST(textSummary, TellsAllThatWasFound) {
     EXPECT_EQ(textSummary(test::exampleReport()),
               "music/track.flac\n"

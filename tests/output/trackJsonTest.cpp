@@ -113,6 +113,7 @@ TEST(trackJson, TellsWhatWasNotFoundAsNullAndLeavesOutWhatWasNotAskedFor) {
     EXPECT_TRUE(asked["sessionKey"].is_null());
     report.options.tempo = beatatlas::track::TempoMode::off;
     report.options.wantsKey = false;
+    report.options.wantsSessionKey = false;
     const Json unasked = trackJson(report, false);
     EXPECT_FALSE(unasked.contains("tempo"));
     EXPECT_FALSE(unasked.contains("beats"));

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Arguments out of range, structures of hosts older and newer than the library, and handles that are null.
+// Arguments out of range, structures of hosts older and newer than the library, and handles that
+// are null.
 #include <array>
 #include <cmath>
 #include <cstddef>
@@ -115,7 +116,8 @@ TEST(TrackOptionsTest, AtTheEndsOfTheirRangesAreTaken) {
               BA_TRACK_OK);
 }
 
-// Each size of an older host ends behind a field. What it did not know is filled with what would be refused.
+// Each size of an older host ends behind a field. What it did not know is filled with what would be
+// refused.
 TEST(TrackOptionsTest, OfAnOlderHostHaveDefaultsForWhatItLacks) {
     const std::size_t sizes[] = {
         offsetof(BA_TrackOptions, tempo),         offsetof(BA_TrackOptions, section_beats),

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// What a whole-track analysis finds is what a session of the core finds, bit for bit: in every mode, at both rates, with
-// each switch, for samples that no audio should have.
+// What a whole-track analysis finds is what a session of the core finds, bit for bit: in every
+// mode, at both rates, with each switch, for samples that no audio should have.
 #include <algorithm>
 #include <cmath>
 #include <limits>
@@ -174,7 +174,8 @@ TEST(TrackAsSessionEdgeTest, ASimpleGridIsSensedInTheStatedRange) {
     }
 }
 
-// Of about half of all tempi the nearest double lies above: a quotient that was cut off would be another.
+// Of about half of all tempi the nearest double lies above: a quotient that was cut off would be
+// another.
 TEST(TrackAsSessionEdgeTest, ATempoIsTheDoubleNearestToItsHundredths) {
     BA_TrackOptions options = allWanted();
     options.wants_key = options.wants_session_key = options.wants_waves = 0;

@@ -69,7 +69,8 @@ public:
     // What it does; to be set before the analysis.
     std::vector<std::int64_t> readSizes;  ///< the most frames reads hand out, in turn; empty: all
 
-    /** What passes hand out, in turn and the last one on; after the audio silence; empty: the audio. */
+    /** What passes hand out, in turn and the last one on; after the audio silence; empty: the
+     *  audio. */
     std::vector<std::int64_t> lengths;
 
     int failsAtOpen = 0;   ///< this open, from 1, gives null

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
-// Every request for memory is refused in turn, in one thread and in two: the analysis says so, leaks nothing, and finds
-// the same as ever once there is memory again. Where the system has no thread to give, the calling one does the work.
+// Every request for memory is refused in turn, in one thread and in two: the analysis says so,
+// leaks nothing, and finds the same as ever once there is memory again. Where the system has no
+// thread to give, the calling one does the work.
 #include <cfenv>
 #include <ostream>
 #include <system_error>

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// What the host's source is promised, and every way in which it can end an analysis: one thread and two, few passes and
-// quick ones.
+// What the host's source is promised, and every way in which it can end an analysis: one thread and
+// two, few passes and quick ones.
 #include <limits>
 #include <ostream>
 #include <stdexcept>

@@ -178,7 +178,8 @@ TEST(TrackTempoAnswer, IsNoneForSamplesThatAreNoNumbers) {
         inBothChannels(std::vector<float>(kFrames, std::numeric_limits<float>::quiet_NaN())));
 }
 
-/** Syllables of a hummed tone or a hiss, a seventh to a third of a second each, with pauses between words. */
+/** Syllables of a hummed tone or a hiss, a seventh to a third of a second each, with pauses between
+ *  words. */
 Audio speech(std::uint64_t seed) {
     constexpr int kRate = 44100;
     std::vector<float> track = silence(std::size_t{kRate} * 60);

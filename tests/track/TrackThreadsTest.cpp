@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// One track, one answer: however many threads work on it, whatever else runs beside it. The thread sanitizer watches
-// this program as well.
+// One track, one answer: however many threads work on it, whatever else runs beside it. The thread
+// sanitizer watches this program as well.
 #include <thread>
 #include <vector>
 
@@ -78,7 +78,8 @@ TEST(TrackThreadsTest, NoThreadIsLeftAndNoneIsStartedThatIsNotAllowed) {
     }
 }
 
-// A handler of the host may take any of its threads by surprise, but never one that it does not know.
+// A handler of the host may take any of its threads by surprise, but never one that it does not
+// know.
 TEST(TrackThreadsTest, SignalsOfTheHostAreKeptFromTheThreadsOfTheLibrary) {
     const Audio audio = shortMusic(44100, 2);
     const auto takes = [](int signal) {
@@ -107,7 +108,8 @@ TEST(TrackThreadsTest, SignalsOfTheHostAreKeptFromTheThreadsOfTheLibrary) {
     }
 }
 
-// The unwinding of the host's thread passes through the library, which closes its passes and ends its own thread.
+// The unwinding of the host's thread passes through the library, which closes its passes and ends
+// its own thread.
 #if defined(__SANITIZE_ADDRESS__)
 constexpr bool kStacksAreWatched = true;
 #elif defined(__has_feature)

@@ -5,25 +5,22 @@ known.
 
 usage: fit_weights.py DUMP.jsonl CORPUSDIR... [--ridge 2] [--cap NAME=VALUE ...] [--real 3]
 
-DUMP.jsonl has one line a group, that is a piece and a kind of choice:
+DUMP.jsonl is what `beatatlas_tempo_features --features` (bench/tempoFeatures.cpp) prints: one line
+a group, that is a piece and a kind of choice:
   {"id": "waltz-0", "kind": "level", "features": ["l", "on_lm", ...],
    "hypotheses": [{"name": "12/0", "times": [0.51, 1.02, ...], "values": [0.1, 0.7, ...]}, ...]}
 times are the beats (kind "level") or first beats of bars (kind "bar") the hypothesis stands for,
-in seconds; values are its
-features, in the order of the names. CORPUSDIRs hold corpus.json and beats/ as make_styles.py
-writes them; ids are unique.
+in seconds; values are its features, in the order of the names. CORPUSDIRs hold corpus.json and
+beats/ as make_styles.py writes them; ids are unique.
 
 The right hypotheses of a group are those whose F-measure (+-70 ms) against the truth is at least
-0.9 of the best; a group
-whose best is below 0.8 teaches nothing and is left out. The model is a softmax over the group's
-hypotheses of a weighted sum
-of features; the weights maximise the likelihood of the right ones (several count together) less a
-ridge on standardised
-weights. Pieces of the half "judge" are never fitted on. Pieces without a style (real music) count
---real times, those whose
-octave is a matter of taste half. Printed for each kind: the weights, the share of right choices
-and mean F for each half, the
-same with every style left out in turn, and how often a probability was right (calibration).
+0.9 of the best; a group whose best is below 0.8 teaches nothing and is left out. The model is a
+softmax over the group's hypotheses of a weighted sum of features; the weights maximise the
+likelihood of the right ones (several count together) less a ridge on standardised weights. Pieces
+of the half "judge" are never fitted on. Pieces without a style (real music) count --real times,
+those whose octave is a matter of taste half. Printed for each kind: the weights, the share of
+right choices and mean F for each half, the same with every style left out in turn, and how often a
+probability was right (calibration).
 
 Needs Debian's python3-numpy and python3-scipy.
 """
@@ -63,8 +60,9 @@ def read_truth(folders):
                 continue
             with open(os.path.join(folder, e['beats'])) as f:
                 lines = [line.split() for line in f]
-            truth[e['id']] = e, [float(t) for t, _ in lines], [float(t) for t,
-                                                            d in lines if d == '1']
+            beats = [float(t) for t, _ in lines]
+            bars = [float(t) for t, first in lines if first == '1']
+            truth[e['id']] = e, beats, bars
     return truth
 
 

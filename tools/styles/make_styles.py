@@ -5,16 +5,13 @@
 usage: make_styles.py OUTDIR [--seeds N] [--only STYLE,...] [--jobs N] [--midi-only]
 
 OUTDIR gets corpus.json, beats/ID.txt (seconds, a tab, 1 on the first beat of a bar), midi/ID.mid
-and ID.flac (44.1 kHz,
-16 bits). Every style has N seeds (4); the same seed gives the same piece everywhere. Pieces of
-even seeds are the half to
-fit weights on (half: "fit"), those of odd seeds the half to judge by ("judge"), so both halves
-hold every style.
+and ID.flac (44.1 kHz, 16 bits). Every style has N seeds (4); the same seed gives the same piece
+everywhere. Pieces of even seeds are the half to fit weights on (half: "fit"), those of odd seeds
+the half to judge by ("judge"), so both halves hold every style.
 
 The beat is the one listeners tap: the dotted quarter of a jig, the quarter of a waltz. Where
-musicians disagree on the octave
-(half-time trap, bossa nova) the piece is flagged octave_unsure. A beatless intro has no beats in
-the truth.
+musicians disagree on the octave (half-time trap, bossa nova) the piece is flagged octave_unsure. A
+beatless intro has no beats in the truth.
 
 Needs Debian's fluidsynth, fluid-soundfont-gm, ffmpeg and python3-numpy.
 """

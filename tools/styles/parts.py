@@ -3,18 +3,16 @@
 
 A pattern is a string of cells, `grid` cells a beat, one or more bars long. '.' is a rest and '-'
 holds the note before it.
-Drums: X loud, x plain, o ghost. Bass: r root, 5 fifth, 8 octave, 3 third, a semitone below the
-next root.
-Chords: x, X. Arpeggios: a digit for the chord tone, counted on into the next octave. Melody
-rhythms: x.
+
+Drums: X loud, x plain, o ghost. Bass: r root, 5 fifth, 8 octave, 3 third, a: a semitone below the
+next root. Chords: x, X. Arpeggios: a digit for the chord tone, counted on into the next octave.
+Melody rhythms: x.
 """
 from harmony import lay, voicing
 
 DRUMS = dict(kick=36, snare=38, rim=37, clap=39, hat=42, open=46, pedal=44, ride=51, bell=53,
-             crash=49, shaker=70,
-             tambourine=54, cowbell=56, conga=63, conga_low=64, claves=75, low_tom=41, tom=45,
-             high_tom=48, brush=40,
-             cabasa=69, triangle=81, surdo=41)
+             crash=49, shaker=70, tambourine=54, cowbell=56, conga=63, conga_low=64, claves=75,
+             low_tom=41, tom=45, high_tom=48, brush=40, cabasa=69, triangle=81, surdo=41)
 LOUDNESS = {'X': 116, 'x': 92, 'o': 52}
 CHANNELS = dict(bass=0, chords=1, arp=2, lead=3, pad=4, second=5, drums=9)
 

@@ -7,9 +7,10 @@ from harmony import Harmony, lay
 from timing import Clock
 
 LEAD_IN = (0.0, 1.5)  # seconds before the first beat
+FEEL = dict(swing=0.5, jitter=0.0, map='steady')  # where a style says nothing else
 # FluidSynth starts a note in the next block of 64 samples after its millisecond; with the sounds'
-# own attack a drum is heard
-# 3 to 5 ms after the tick (measured with claves, hats, snares and kicks of seven kits).
+# own attack a drum is heard 3 to 5 ms after the tick (measured with claves, hats, snares and kicks
+# of seven kits).
 ATTACK = 0.004
 
 
@@ -36,8 +37,7 @@ class Piece:
         for name in ('swing', 'jitter', 'map'):
             if isinstance(feel.get(name), tuple):
                 feel[name] = float(rng.uniform(*feel[name]))
-            feel[name] = choose(rng, feel.get(name, dict(swing=0.5, jitter=0.0,
-                                                         map='steady')[name]))
+            feel[name] = choose(rng, feel.get(name, FEEL[name]))
         bars = max(12, int(round(rng.uniform(62, 82) * self.bpm / 60 / meter / 4)) * 4)
         self.feel, self.bars = feel, bars
         self.clock = Clock(rng, feel, bars * meter + meter, self.bpm, meter,
@@ -66,8 +66,8 @@ class Piece:
         scale = sorted(lay(c, self.lead_low) for c in self.harmony.scale)
         pitch = scale[degree % 7] + 12 * (degree // 7)
         if strong:
-            tones = [lay(c, self.lead_low) + 12 * k for c in self.harmony.chord(at,
-                                                            section) for k in (0, 1)]
+            chord = self.harmony.chord(at, section)
+            tones = [lay(c, self.lead_low) + 12 * k for c in chord for k in (0, 1)]
             pitch = min(tones, key=lambda t: abs(t - pitch))
         return pitch
 
@@ -79,9 +79,8 @@ class Piece:
         intro = self.style.get('intro')
         if intro:
             count = int(round(rng.uniform(*intro) * self.bpm / 60 / meter / 4 + 0.5)) * 4
-            sections.append(Section(0, count * meter, [p for p in ('pad',
-                                                            'lead') if p in layers][:1
-                                                            + int(rng.integers(2))]))
+            beatless = [p for p in ('pad', 'lead') if p in layers]
+            sections.append(Section(0, count * meter, beatless[:1 + int(rng.integers(2))]))
             bar, self.first_beat = count, count * meter
         elif rng.random() < 0.6:
             keep = [p for p in layers if p != 'lead' and rng.random() < 0.7] or layers
@@ -143,8 +142,8 @@ class Piece:
         """The tonic on the bar line after the last bar."""
         at = self.bars * self.style['meter']
         tonic = [self.harmony.scale[k] for k in (0, 2, 4)]
-        for part, low in (('bass', self.bass_low), ('chords', self.chord_low), ('arp',
-                                                            self.chord_low)):
+        for part, low in (('bass', self.bass_low), ('chords', self.chord_low),
+                          ('arp', self.chord_low)):
             if part in self.style['sounds']:
                 for c in tonic[:1] if part == 'bass' else tonic:
                     self.note(part, at, self.style['meter'] - 0.2, lay(c, low), 90)
@@ -154,8 +153,8 @@ class Piece:
     def truth(self):
         """(seconds, 1 on the first beat of a bar) of every beat, from the first rhythmic bar on."""
         last, meter = self.bars * self.style['meter'], self.style['meter']
-        return [(float(self.clock.beat_times[b]) + ATTACK,
-                 int(b % meter == 0)) for b in range(self.first_beat, last + 1)]
+        return [(float(self.clock.beat_times[b]) + ATTACK, int(b % meter == 0))
+                for b in range(self.first_beat, last + 1)]
 
 
 LEVELS = dict(drums=(90, 115), bass=(85, 110), chords=(60, 90), arp=(55, 85), lead=(75, 105),

@@ -49,7 +49,7 @@ def key_of(entry):
 
 def examine(tool, folder, entry):
     """What the tool says of an entry, or nothing where there is no audio."""
-    files = [f for f in glob.glob(f"{folder}/{glob.escape(entry['id'])}.*")
+    files = [f for f in sorted(glob.glob(f"{glob.escape(folder)}/{glob.escape(entry['id'])}.*"))
              if not f.endswith(('.txt', '.mid', '.json'))]
     if not files:
         return None

@@ -3,7 +3,6 @@
 
 #include <array>
 #include <cstddef>
-#include <tuple>
 #include <vector>
 
 #include "track/evidence/ChromaStream.h"
@@ -24,9 +23,6 @@ struct ChordChanges {
 };
 
 ChordChanges findChordChanges(const std::vector<Chroma>& chroma);
-
-/** A chroma of any length, and sums of some. */
-using ChromaSum = std::array<double, std::tuple_size_v<Chroma>>;
 
 /** The distance between the directions of two. */
 double chordDistance(const ChromaSum& a, const ChromaSum& b);

@@ -4,6 +4,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <tuple>
 #include <vector>
 
 #include "track/evidence/Decimator.h"
@@ -13,6 +14,9 @@ namespace beatatlas::track::inner {
 
 /** What sounds, by pitch class from A. */
 using Chroma = std::array<float, 12>;
+
+/** A chroma of any length, and sums of some. */
+using ChromaSum = std::array<double, std::tuple_size_v<Chroma>>;
 
 /** The pitch classes of a track, ten times a second: how strongly each sounds between 100 Hz and 2
  *  kHz.

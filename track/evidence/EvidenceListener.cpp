@@ -2,16 +2,9 @@
 #include "track/evidence/EvidenceListener.h"
 
 #include "track/NearestScope.h"
+#include "track/evidence/mixToMono.h"
 
 namespace beatatlas::track::inner {
-
-namespace {
-
-// The mean of both channels, with 16-bit full scale brought to ±1.0: a power of two, so the product
-// is exact.
-constexpr float kMonoScale = 1.0F / 65536.0F;
-
-}  // namespace
 
 EvidenceListener::EvidenceListener(int rate) : rate_(rate) {
     const NearestScope mode;
@@ -21,9 +14,7 @@ EvidenceListener::EvidenceListener(int rate) : rate_(rate) {
 
 void EvidenceListener::hear(const Block& block) {
     const NearestScope mode;
-    mono_.resize(static_cast<std::size_t>(block.frames));
-    for (std::size_t i = 0; i < mono_.size(); ++i)
-        mono_[i] = (block.left[i] + block.right[i]) * kMonoScale;
+    mixToMono(block, mono_);
     frames_ += block.frames;
     levels_->put(mono_.data(), block.frames);
     chroma_->put(mono_.data(), block.frames);

@@ -58,7 +58,8 @@ public:
         ++frame_;
     }
 
-    /** Of a group in the latest frame: mean level, and mean rise over one frame and over two; 0 where none was before. */
+    /** Of a group in the latest frame: mean level, and mean rise over one frame and over two; 0
+     *  where none was before. */
     struct Means {
         float level;
         float rise;

@@ -10,20 +10,23 @@
 
 namespace beatatlas::track::inner {
 
-/** Spectra of a stream of samples at even distances: frame i is centred on sample i × step, rounded. Silence lies before
- *  the stream and behind it. Frames come in batches that do not depend on the caller's blocks.
+/** Spectra of a stream of samples at even distances: frame i is centred on sample i × step,
+ *  rounded. Silence lies before the stream and behind it. Frames come in batches that do not depend
+ *  on the caller's blocks.
  *
- *  Life: construct → put() per block → finish() with the number of frames wanted. Nothing is allocated in put(). */
+ *  Life: construct → put() per block → finish() with the number of frames wanted. Nothing is
+ *  allocated in put(). */
 class SpectrumStream {
 public:
     static constexpr int kLength = 1024;
 
     /** @param step    samples from frame to frame, 1 … length
-     *  @param length  samples of a frame, under a periodic Hann window; a power of two of at least 64 */
+     *  @param length  samples of a frame, under a periodic Hann window; a power of two of at least
+     *                 64 */
     explicit SpectrumStream(double step, int length = kLength);
 
-    /** Takes the next samples and calls take(const FrameSpectra&, int count) for each batch of frames that is complete:
-     *  the next `count` ones. */
+    /** Takes the next samples and calls take(const FrameSpectra&, int count) for each batch of
+     *  frames that is complete: the next `count` ones. */
     template <class Take>
     void put(const float* samples, std::int64_t count, const Take& take) {
         while (count > 0) {

@@ -6,11 +6,11 @@
 #include "track/key/EvidenceKey.h"
 
 #include <algorithm>
-#include <cmath>
 #include <cstddef>
 #include <cstdint>
 
 #include "track/NearestScope.h"
+#include "track/evidence/mixToMono.h"
 #include "track/key/KeyFrames.h"
 #include "track/key/PeakFinder.h"
 #include "track/key/keyConfidence.h"
@@ -20,10 +20,6 @@
 namespace beatatlas::track::inner {
 
 namespace {
-
-// The mean of both channels, with 16-bit full scale brought to ±1.0: a power of two, so the
-// product is exact.
-constexpr float kMonoScale = 1.0F / 65536.0F;
 
 constexpr double kCentsOfSemitone = 100.0;
 
@@ -60,9 +56,7 @@ EvidenceKey::EvidenceKey(int rate) {
 
 void EvidenceKey::hear(const Block& block) {
     const NearestScope mode;
-    mono_.resize(static_cast<std::size_t>(block.frames));
-    for (std::size_t i = 0; i < mono_.size(); ++i)
-        mono_[i] = (block.left[i] + block.right[i]) * kMonoScale;
+    mixToMono(block, mono_);
     stream_->put(mono_.data(), block.frames);
 }
 

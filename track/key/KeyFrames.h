@@ -16,12 +16,12 @@ using KeyValues = std::array<double, kKeys>;
 
 /** What sounds in the frames of a track, but for those in which nothing does. */
 struct KeyFrames {
-    /** A triad for each key on its tonic, as parts of 1. */
+    /** How far the triad on the tonic of each key is what sounds, adding up to 1. */
     using Triads = std::array<float, kKeys>;
 
     std::vector<double> seconds;  // the middle of each frame, ascending
     std::vector<Chroma> chroma;
-    std::vector<Triads> triads;  // how far each is what sounds about that time
+    std::vector<Triads> triads;  // in the frame and its neighbours
 
     std::size_t size() const { return chroma.size(); }
 };

@@ -11,10 +11,10 @@ struct SpectralPeak {
     float strength;  // amplitude as a part of the largest bin's
 };
 
-/** Finds the local maxima of power spectra from 40 Hz to 3 kHz and places them between the bins:
- *  under a Hann window the logarithm of a partial's bins is close to a parabola. Only those are
- *  placed that may be heard in a chroma, whatever the tuning turns out to be, or tell of the
- *  tuning.
+/** Finds the local maxima of power spectra from 40 Hz to 3 kHz, or to half the rate where that is
+ *  less, and places them between the bins: under a Hann window the logarithm of a partial's bins is
+ *  close to a parabola. Only those are placed that may be heard in a chroma, whatever the tuning
+ *  turns out to be, or tell of the tuning.
  *
  *  Rounds to nearest, which the caller sees to. */
 class PeakFinder {

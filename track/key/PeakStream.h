@@ -13,7 +13,7 @@
 namespace beatatlas::track::inner {
 
 /** Finds the peaks of a track as it passes, and its tuning: frames of three quarters of a second,
- *  each half over the one before, at an eighth of the rate.
+ *  each overlapping the one before by half, at an eighth of the rate.
  *
  *  Life: construct, rounding to nearest → put() per block → finish() → getters. */
 class PeakStream {

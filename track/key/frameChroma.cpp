@@ -7,8 +7,6 @@
 #include <cstddef>
 #include <numbers>
 
-#include "track/evidence/ChordChanges.h"
-
 namespace beatatlas::track::inner {
 
 namespace {

@@ -27,8 +27,8 @@ std::vector<double> keyWindows(const std::vector<BA_TrackBeat>& beats, double se
 
 /** Finds where another key holds clearly for at least two windows: the best path of keys through
  *  the windows, in which every change has its price.
- *  @param frames     at least one
- *  @param windows    as of keyWindows()
+ *  @param frames       at least one
+ *  @param windows      as of keyWindows()
  *  @param wholeScores  of the whole track: without a change its best key is that of the one segment
  *  @return in order of time, without gaps, at least one; neighbours have different keys */
 std::vector<KeySegment> findKeySegments(const KeyFrames& frames, const std::vector<double>& windows,

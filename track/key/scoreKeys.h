@@ -3,7 +3,7 @@
 
 #include <cstddef>
 
-#include "track/evidence/ChordChanges.h"
+#include "track/evidence/ChromaStream.h"
 #include "track/key/KeyFrames.h"
 
 namespace beatatlas::track::inner {

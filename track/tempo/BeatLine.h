@@ -6,7 +6,8 @@
 
 namespace beatatlas::track::inner {
 
-/** A line of beats in time. A place on it is counted in beats from the first one, with fractions between. */
+/** A line of beats in time. A place on it is counted in beats from the first one, with fractions
+ *  between. */
 class BeatLine {
 public:
     /** @param seconds  ascending, at least two */

@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: MIT
-// Method: a tempogram and the best path through it, as in G. Peeters, "Template-based estimation of time-varying tempo"
-// (2007).
+// Method: a tempogram and the best path through it, as in G. Peeters, "Template-based estimation of
+// time-varying tempo" (2007).
 //   1. the spectrum of the onsets in windows of eight seconds, two seconds apart
-//   2. for each of 121 tempi about that of the track, how strong its first four harmonics are in each window
-//   3. the path from window to window with the greatest sum of strengths, less a price for each step aside
+//   2. for each of 121 tempi about that of the track, how strong its first four harmonics are in
+//      each window
+//   3. the path from window to window with the greatest sum of strengths, less a price for each
+//      step aside
 #include "track/tempo/LocalTempo.h"
 
 #include <algorithm>
@@ -130,8 +132,9 @@ std::vector<View> viewsOf(const std::vector<float>& envelope, const Row& tempi) 
     return views;
 }
 
-/** Where the best way to each tempo comes from. A step costs in proportion to its length, so what is best for a tempo is
- *  passed on from its neighbours, upward and downward; or it comes from the best of all. */
+/** Where the best way to each tempo comes from. A step costs in proportion to its length, so what
+ *  is best for a tempo is passed on from its neighbours, upward and downward; or it comes from the
+ *  best of all. */
 std::array<std::uint8_t, kTempi> bestSources(const Row& sums, Row& best) {
     std::array<std::uint8_t, kTempi> from;
     const auto take = [&](std::size_t tempo, std::size_t source, double sum) {

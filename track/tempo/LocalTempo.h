@@ -5,11 +5,12 @@
 
 namespace beatatlas::track::inner {
 
-/** The tempo along a track: where it lies within a third of that of the whole track, two seconds apart. */
+/** The tempo along a track: where it lies within a third of that of the whole track, two seconds
+ *  apart. */
 struct LocalTempo {
     std::vector<double> hz;  // beats a second, of windows of eight seconds
-    /** How far the beats of a window and their harmonics stand out of its other frequencies, in the middle one of all
-     *  windows. Noise gives about 2. */
+    /** How far the beats of a window and their harmonics stand out of its other frequencies, in the
+     *  middle one of all windows. Noise gives about 2. */
     double standing = 0.0;
 
     /** Of a time; straight between the middles of two windows. */

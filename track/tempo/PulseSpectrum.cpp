@@ -16,8 +16,8 @@ namespace beatatlas::track::inner {
 
 namespace {
 
-// A quarter of a window: what a Hann window leaves of frequencies that the cutting folds onto each other is below a
-// hundredth.
+// A quarter of a window: what a Hann window leaves of frequencies that the cutting folds onto each
+// other is below a hundredth.
 constexpr int kHop = SpectrumStream::kLength / 4;
 constexpr double kHzPerBin =
     static_cast<double>(BandLevels::kFramesPerSecond) / SpectrumStream::kLength;
@@ -30,7 +30,8 @@ std::vector<float> withoutMean(const std::vector<float>& envelope) {
     double sum = 0.0;
     for (const float value : envelope) sum += static_cast<double>(value);
     const double mean = sum / static_cast<double>(envelope.size());
-    // Half a window of silence before: otherwise the first half of the first window would count less.
+    // Half a window of silence before: otherwise the first half of the first window would count
+    // less.
     std::vector<float> centred(SpectrumStream::kLength / 2);
     centred.reserve(centred.size() + envelope.size());
     for (const float value : envelope)
@@ -38,7 +39,8 @@ std::vector<float> withoutMean(const std::vector<float>& envelope) {
     return centred;
 }
 
-/** What a window lets through of a frequency so many bins from the middle of one, at most a half. */
+/** What a window lets through of a frequency so many bins from the middle of one, at most a
+ *  half. */
 double windowGain(double bins) {
     const double angle = std::numbers::pi * bins;
     const double sinc = bins == 0.0 ? 1.0 : std::sin(angle) / angle;
@@ -59,7 +61,8 @@ Place placeOf(double hz) {
     return {static_cast<int>(nearest), rounds - std::floor(rounds), windowGain(bins - nearest)};
 }
 
-/** |Σ value(w) · e^(−2πi · rounds · w)|, in eight sums side by side: they do not wait for each other. */
+/** |Σ value(w) · e^(−2πi · rounds · w)|, in eight sums side by side: they do not wait for each
+ *  other. */
 double magnitudeAt(const std::complex<float>* values, std::size_t count, double rounds) {
     constexpr std::size_t kSums = 8;
     std::array<double, kSums> re{};

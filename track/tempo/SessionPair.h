@@ -27,9 +27,10 @@ struct SessionGrids {
     SessionGrid simple;
 };
 
-/** Two sessions of the core over one track, one of varied tempo with phrases of 32 beats and a simple one that senses
- *  all of the track. They sense the same beats, so the track is filtered and sensed once; only the closing analysis is
- *  done twice. Each grid is that of a session of its own, bit for bit.
+/** Two sessions of the core over one track, one of varied tempo with phrases of 32 beats and a
+ *  simple one that senses all of the track. They sense the same beats, so the track is filtered and
+ *  sensed once; only the closing analysis is done twice. Each grid is that of a session of its own,
+ *  bit for bit.
  *
  *  Life: construct → hear the whole track → close() → getters. */
 class SessionPair : public Listener {

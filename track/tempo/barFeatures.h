@@ -26,7 +26,8 @@ inline constexpr std::size_t kBarFeatures = 11;
 
 using BarFeatures = std::array<double, kBarFeatures>;
 
-/** In the order of BarFeature. Fitted by multinomial logistic regression over tracks of known bars. */
+/** In the order of BarFeature. Fitted by multinomial logistic regression over tracks of known
+ *  bars. */
 inline constexpr std::array<FeatureWeight, kBarFeatures> kBarWeights = {{
     // Bars of other than four beats are rare.
     {"n3", -0.3451},

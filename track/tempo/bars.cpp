@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Method: a list of possible bars, features of each, and a logistic model that weighs them.
 //   1. for each beat: what begins on it, what sounds until the next one, the chords
-//   2. how much the chords change at each beat, with which distances the onsets repeat, where something new begins
+//   2. how much the chords change at each beat, with which distances the onsets repeat, where
+//      something new begins
 //   3. for each length and phase of bars, what there is on their first beats
 #include "track/tempo/bars.h"
 
@@ -120,7 +121,8 @@ std::array<double, kLongestRepetition> repetitionsOf(const std::vector<Groups>& 
     return repetitions;
 }
 
-/** Where the level of four beats differs most from that of the four before; 0 at all but a sixteenth of the beats. */
+/** Where the level of four beats differs most from that of the four before; 0 at all but a
+ *  sixteenth of the beats. */
 std::vector<double> newnessOf(const std::vector<Groups>& levels) {
     std::vector<double> newness(levels.size());
     for (std::size_t k = 1; k < levels.size(); ++k) {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <cstddef>
 #include <vector>
 
 #include "track/evidence/EvidenceListener.h"
@@ -17,6 +18,9 @@ struct BarReading {
     double share = 0.0;  // of all readings, as a probability
 };
 
+/** Fewer tell nothing of bars. */
+inline constexpr std::size_t kLeastBeatsForBars = 13;
+
 /** Judges bars of three, four and five beats in every phase.
  *  @param beats            seconds, at least kLeastBeatsForBars
  *  @param simpleDownbeats  first beats of the sessions' bars, seconds
@@ -24,7 +28,5 @@ struct BarReading {
 std::vector<BarReading> judgeBars(const Evidence& evidence, const std::vector<double>& beats,
                                   const std::vector<double>& simpleDownbeats,
                                   const std::vector<double>& variedDownbeats);
-
-inline constexpr std::size_t kLeastBeatsForBars = 13;
 
 }  // namespace beatatlas::track::inner

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Method: every beat of the track is laid over the others, and what they have in common shows where it is.
+// Method: every beat of the track is laid over the others, and what they have in common shows where
+// it is.
 #include "track/tempo/beatFold.h"
 
 #include <algorithm>

@@ -16,8 +16,8 @@ struct Class {
 
 constexpr double kAny = 1e300;
 
-// Counted over tracks of known metre by tools/styles/score_tempo.py; docs/accuracy.md has the counts. Classes of fewer
-// than eight tracks lean towards the middle.
+// Counted over tracks of known metre by tools/styles/score_tempo.py; docs/accuracy.md has the
+// counts. Classes of fewer than eight tracks lean towards the middle.
 constexpr std::array<Class, 5> kPulse = {
     {{2.5, 0.10}, {4.0, 0.50}, {8.0, 0.85}, {16.0, 0.94}, {kAny, 0.99}}};
 constexpr std::array<Class, 4> kLevel = {{{0.7, 0.70}, {0.85, 0.88}, {0.95, 0.96}, {kAny, 0.99}}};

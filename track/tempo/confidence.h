@@ -3,17 +3,13 @@
 
 namespace beatatlas::track::inner {
 
-/** How likely an answer is right, each part given the ones before, 0 … 1: the shares of right answers on tracks of known
- *  metre. 0 where there is no answer. */
+/** How likely an answer is right, each part given the ones before, 0 … 1: the shares of right
+ *  answers on tracks of known metre. 0 where there is no answer. */
 struct TempoConfidence {
     double pulse = 0.0;  // the tempo up to the level of the metre
     double level = 0.0;
     double phase = 0.0;
     double bars = 0.0;
-
-    double tempo() const { return pulse * level; }
-    double beats() const { return tempo() * phase; }
-    double downbeats() const { return beats() * bars; }
 };
 
 /** @param clarity  of the pulse, see clarityOf() */

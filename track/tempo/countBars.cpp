@@ -20,7 +20,8 @@ struct Part {
     std::size_t end = 0;
 };
 
-/** Cut where one long stretch follows another. Short ones, as the steps of a ramp are, belong to what comes before. */
+/** Cut where one long stretch follows another. Short ones, as the steps of a ramp are, belong to
+ *  what comes before. */
 std::vector<Part> partsOf(const std::vector<double>& beats,
                           const std::vector<TempoStretch>& stretches) {
     const auto indexOf = [&](double time) {
@@ -51,8 +52,8 @@ std::vector<double> timesIn(const Part& part, const std::vector<double>& beats,
             part.end == beats.size() ? times.end() : isBefore(part.end)};
 }
 
-/** What a part tells of bars of one length; each reading in the place of its first downbeat, counted from the beginning
- *  of the track, within a bar. */
+/** What a part tells of bars of one length; each reading in the place of its first downbeat,
+ *  counted from the beginning of the track, within a bar. */
 struct PartJudgement {
     std::array<double, kLongestBar> scores{};
     std::array<double, kLongestBar> shares{};

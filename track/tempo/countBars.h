@@ -25,8 +25,9 @@ struct BarCount {
 
 /** Counts the beats of a track in bars.
  *
- *  Music that goes on in another tempo goes on with a new bar: long stretches of their own tempo are judged on their own,
- *  and the count begins anew with one where what is heard there clearly says so. All have bars of the same length.
+ *  Music that goes on in another tempo goes on with a new bar: long stretches of their own tempo
+ *  are judged on their own, and the count begins anew with one where what is heard there clearly
+ *  says so. All have bars of the same length.
  *  @param beats        seconds, at least kLeastBeatsForBars
  *  @param stretches    of these beats
  *  @param beatsPerBar  3 or 4 where it is known, else 0 */

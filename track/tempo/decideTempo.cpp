@@ -2,7 +2,8 @@
 // The stages:
 //   1. the exact tempo, from the proposals of the sessions
 //   2. how it changes along the track, and beats that follow it
-//   3. whether beats of even distances do as well; the better ones are the line on which everything is measured
+//   3. whether beats of even distances do as well; the better ones are the line on which everything
+//      is measured
 //   4. which parts of the line's beats are the beats
 //   5. the beats, moved onto the onsets
 //   6. their bars
@@ -138,6 +139,7 @@ private:
             answer_.confidence.bars = confidenceOfBars(answer_.bars.share);
         } else {
             answer_.bars = countFromFirst();
+            answer_.confidence.bars = 0.0;  // not that of the beats before they were halved
         }
         answer_.downbeats.clear();
         for (std::size_t k = 0; k < answer_.beats.size(); ++k)

@@ -24,8 +24,8 @@ struct TempoWishes {
 struct TempoAlternative {
     double bpm = 0.0;
     double tempoRatio = 1.0;  // of its tempo to the answer's
-    double shiftBeats =
-        0.0;  // that its first beat lies behind one of the answer's, in beats of the answer
+    /** How far its first beat lies behind one of the answer's, in beats of the answer. */
+    double shiftBeats = 0.0;
     double share = 0.0;  // 0 … 1
 };
 
@@ -50,8 +50,8 @@ struct TempoAnswer {
 
 /** Weighs what two sessions of the core found and what else was heard of a track.
  *
- *  The same bits whatever the rounding mode and vector form. Where another maths library gives other last bits (of exp,
- *  log, sin, cos), those of the answer may differ too. */
+ *  The same bits whatever the rounding mode and vector form. Where another maths library gives
+ *  other last bits (of exp, log, sin, cos), those of the answer may differ too. */
 TempoAnswer decideTempo(const Evidence& evidence, const SessionGrids& sessions, int rate,
                         const TempoWishes& wishes);
 

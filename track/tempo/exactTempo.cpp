@@ -14,8 +14,8 @@ namespace {
 
 // Tempi of sessions are off by less.
 constexpr double kSessionShare = 0.012;
-// Steps of a track's resolution, one beat more or less over its length, at the first harmonic. At the eighth it is most
-// of a step of that.
+// Steps of a track's resolution, one beat more or less over its length, at the first harmonic. At
+// the eighth it is most of a step of that.
 constexpr double kStep = 0.1;
 constexpr double kClearlyStronger = 1.02;
 // Of another metre. A lower bar lets dotted figures take the tempo over.

@@ -33,7 +33,8 @@ double valueAt(const std::vector<float>& sharp, double frame) {
     return low + share * (static_cast<double>(sharp[after]) - low);
 }
 
-/** The mean onset at the beats when they are moved by −7 … 7 frames, each with half of its neighbours. */
+/** The mean onset at the beats when they are moved by −7 … 7 frames, each with half of its
+ *  neighbours. */
 std::array<double, kShifts> onsetsByShift(const std::vector<float>& sharp,
                                           const std::vector<double>& beats) {
     std::array<double, kShifts> means{};

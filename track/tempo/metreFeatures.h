@@ -34,10 +34,12 @@ inline constexpr std::size_t kMetreFeatures = 19;
 
 using MetreFeatures = std::array<double, kMetreFeatures>;
 
-/** In the order of MetreFeature. Fitted by multinomial logistic regression over tracks of known metre: 48 styles of
- *  synthesised music, games' and electronic pieces, and the synthesised drum machine of the tests. */
+/** In the order of MetreFeature. Fitted by multinomial logistic regression over tracks of known
+ *  metre: 48 styles of synthesised music, games' and electronic pieces, and the synthesised drum
+ *  machine of the tests. */
 inline constexpr std::array<FeatureWeight, kMetreFeatures> kMetreWeights = {{
-    // A log-normal distribution of the tempo about 110 BPM, and of the length of a bar about two seconds.
+    // A log-normal distribution of the tempo about 110 BPM, and of the length of a bar about two
+    // seconds.
     {"l", 1.1553},
     {"l2", -1.2091},
     {"lbar", -0.5180},
@@ -45,14 +47,15 @@ inline constexpr std::array<FeatureWeight, kMetreFeatures> kMetreWeights = {{
     // Drums and chords are strong on beats,
     {"on_lm", 1.5283},
     {"on_hm", 0.8345},
-    // the bass stronger than half a beat or thirds of one later, and sixteenths do not fill everything.
+    // the bass stronger than half a beat or thirds of one later, and sixteenths do not fill
+    // everything.
     {"r_lo", 0.6546},
     {"t_lo", 0.6533},
     {"q_mi", 0.8428},
     // What begins on a beat has not died away half a beat later where beats are short.
     {"e_lm", -1.9294},
-    // Snares answer kicks at a beat's distance, in slow music more than in fast; what alternates without bass is a beat
-    // too many.
+    // Snares answer kicks at a beat's distance, in slow music more than in fast; what alternates
+    // without bass is a beat too many.
     {"alt_mi", 0.9659},
     {"l_alt", -1.2210},
     {"aa_mi", -1.8647},

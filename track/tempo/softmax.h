@@ -15,8 +15,8 @@ struct FeatureWeight {
     double weight;
 };
 
-/** Scores readings by the weights of their features, puts the best first, and gives each its share: its probability in a
- *  logistic model of these weights. Of equal ones the earlier stays first. */
+/** Scores readings by the weights of their features, puts the best first, and gives each its share:
+ *  its probability in a logistic model of these weights. Of equal ones the earlier stays first. */
 template <class Reading, class Weights>
 void rankByScore(std::vector<Reading>& readings, const Weights& weights) {
     for (Reading& reading : readings) {
@@ -24,7 +24,8 @@ void rankByScore(std::vector<Reading>& readings, const Weights& weights) {
         for (std::size_t i = 0; i < weights.size(); ++i)
             reading.score += weights[i].weight * reading.features[i];
     }
-    // A few dozen at the most; and unlike a stable sort of the standard library it asks for no memory.
+    // A few dozen at the most; and unlike a stable sort of the standard library it asks for no
+    // memory.
     const auto isBetter = [](const Reading& a, const Reading& b) { return a.score > b.score; };
     for (auto next = readings.begin(); next != readings.end(); ++next)
         std::rotate(std::upper_bound(readings.begin(), next, *next, isBetter), next,

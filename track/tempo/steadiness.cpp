@@ -41,7 +41,8 @@ Complex turn(double rounds) {
     return {std::cos(angle), std::sin(angle)};
 }
 
-/** What the frames from … to − 1 see of a frequency, in cycles a frame; their phases count from the track's start. */
+/** What the frames from … to − 1 see of a frequency, in cycles a frame; their phases count from the
+ *  track's start. */
 Complex seenIn(const std::vector<float>& sharp, double mean, std::size_t from, std::size_t to,
                double cycles) {
     const Complex step = turn(cycles);

@@ -9,11 +9,12 @@ namespace beatatlas::track::inner {
 
 /** What tells a steady tempo from one that changes. */
 struct Steadiness {
-    /** How well the onsets keep in step with the tempo along the track, 0 … 1: the sum of what windows of eight seconds
-     *  see of it, each with its phase, against the sum without phases. Steady tempo gives .95 and more, drummers less. */
+    /** How well the onsets keep in step with the tempo along the track, 0 … 1: the sum of what
+     *  windows of eight seconds see of it, each with its phase, against the sum without phases.
+     *  Steady tempo gives .95 and more, drummers less. */
     double coherence = 0.0;
-    /** How much begins on beats of even distances, in parts of what begins on tracked ones. Steady tempo gives .95 and
-     *  more; steps, ramps and drummers .92 and less. */
+    /** How much begins on beats of even distances, in parts of what begins on tracked ones. Steady
+     *  tempo gives .95 and more; steps, ramps and drummers .92 and less. */
     double evenness = 0.0;
     bool isSteady = true;
 };

@@ -23,7 +23,8 @@ double offAt(const std::vector<double>& beats, std::size_t first, std::size_t k)
     return std::abs(meanInterval(beats, k, k + kLocalBeats) / soFar - 1.0);
 }
 
-/** The beat at which another tempo begins, or the last one. It shows a few beats before, and most at the beat itself. */
+/** The beat at which another tempo begins, or the last one. It shows a few beats before, and most
+ *  at the beat itself. */
 std::size_t endOf(const std::vector<double>& beats, std::size_t first) {
     for (std::size_t k = first + kLocalBeats; k + kLocalBeats < beats.size(); ++k) {
         if (offAt(beats, first, k) <= kOtherTempo) continue;

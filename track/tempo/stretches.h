@@ -12,8 +12,8 @@ struct TempoStretch {
     double bpm = 0.0;   // the mean
 };
 
-/** Cuts beats where their tempo goes 4 % away from the mean of the stretch so far. A drummer's wavering stays within one,
- *  a step begins another, and a ramp becomes a stair.
+/** Cuts beats where their tempo goes 4 % away from the mean of the stretch so far. A drummer's
+ *  wavering stays within one, a step begins another, and a ramp becomes a stair.
  *  @param beats  seconds, ascending; none of fewer than two */
 std::vector<TempoStretch> findStretches(const std::vector<double>& beats);
 

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: MIT
-// Method: dynamic programming after D. Ellis, "Beat tracking by dynamic programming" (2007). Each frame's score is that
-// of its onset plus the best score of an earlier beat, less what the distance between them costs.
-//   1. the onsets, smoothed; each with what follows it a half, a quarter and three quarters of a beat later
+// Method: dynamic programming after D. Ellis, "Beat tracking by dynamic programming" (2007). Each
+// frame's score is that of its onset plus the best score of an earlier beat, less what the distance
+// between them costs.
+//   1. the onsets, smoothed; each with what follows it a half, a quarter and three quarters of a
+//      beat later
 //   2. scores frame by frame, and for each frame the beat before it
 //   3. from the best of the last frames backward, beat by beat
 //   4. each beat onto the top of its onset; beats in front of the first one

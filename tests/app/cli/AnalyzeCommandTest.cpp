@@ -122,7 +122,8 @@ TEST_F(AnalyzeCommand, RefusesACutOffTrackUnlessAskedToTakeIt) {
     EXPECT_EQ(Json::parse(taken.out)["tracks"][0]["frames"], 220500 - 50000);
 }
 
-// A FLAC that declares half of its frames: the last 32 of the 36 bits that count them, behind 22 bytes.
+// A FLAC that declares half of its frames: the last 32 of the 36 bits that count them, behind 22
+// bytes.
 TEST_F(AnalyzeCommand, TellsOnStandardErrorHowAFileWasReadWhenAsked) {
     const std::string track = folder_.file("a.flac");
     test::writeAudioFile(track, {"flac", "flac"}, test::clicks(44100, 2, 4.0, {0.5, 1.0}));

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Files that fail while they are worked on: every command says what happened in one line and leaves nothing half-written.
+// Files that fail while they are worked on: every command says what happened in one line and leaves
+// nothing half-written.
 #include <algorithm>
 #include <csignal>
 
@@ -49,7 +50,8 @@ protected:
         return run.run();
     }
 
-    /** With one thread a track is decoded no faster than it is analysed: the fault comes before the end. */
+    /** With one thread a track is decoded no faster than it is analysed: the fault comes before the
+     *  end. */
     virtual std::vector<std::string> slowReading() const {
         if (GetParam() == "pitch" || GetParam() == "cut") return {};
         return {"--threads=1"};
@@ -59,8 +61,8 @@ protected:
     std::string track_ = folder_.file("track.wav");
 };
 
-/** The commands that read a track more than once, where it does not fit into memory: for the session's key, which
- *  `analyze` tells in JSON alone. */
+/** The commands that read a track more than once, where it does not fit into memory: for the
+ *  session's key, which `analyze` tells in JSON alone. */
 class FileFaultBetweenPasses : public FileFault {
 protected:
     std::vector<std::string> slowReading() const override {

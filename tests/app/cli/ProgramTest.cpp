@@ -104,6 +104,18 @@ TEST(Program, RefusesACommandLineItDoesNotUnderstand) {
     }
 }
 
+// A number is what the name stands for inside, and no name.
+TEST(Program, TellsTheNamesThatAnOptionTakes) {
+    for (const std::string value : {"fast", "AUTO", "4"})
+        EXPECT_EQ(runTool({"analyze", "--tempo", value, "x"}).err,
+                  "beatatlas: --tempo: takes one of auto, constant, off, simple, varied, not " +
+                      value + " (see beatatlas --help)\n");
+    for (const std::string command : {"analyze", "key"})
+        EXPECT_EQ(runTool({command, "--key-notation", "german", "x"}).err,
+                  "beatatlas: --key-notation: takes one of camelot, flats, openkey, sharps, "
+                  "standard, not german (see beatatlas --help)\n");
+}
+
 TEST(Program, NamesTheCommandItDoesNotKnow) {
     EXPECT_EQ(runTool({"si\nng"}).err,
               "beatatlas: there is no command si\\nng (see beatatlas --help)\n");

@@ -66,7 +66,8 @@ protected:
     int ownError_ = -1;
 };
 
-// Of 79 usable columns a third is the bar: 26, of which 42 % fill 10. Percentage, speed and time take 28.
+// Of 79 usable columns a third is the bar: 26, of which 42 % fill 10. Percentage, speed and time
+// take 28.
 TEST_F(ProgressLineTest, ShowsNameBarAndPercentAndWipesThemInTheEnd) {
     resize(80);
     { ProgressLine("/music/of/a/friend/song.mp3", true).show(0.42, 300.0); }
@@ -125,7 +126,8 @@ TEST_F(ProgressLineTest, PrintsNothingWhenNotWanted) {
     EXPECT_EQ(shown(), "");
 }
 
-// 43 % of 300 s in 1.5 s are 129 s of music: 86 times. As 43 % took 1.5 s, the other 57 % take 1.99 s.
+// 43 % of 300 s in 1.5 s are 129 s of music: 86 times. As 43 % took 1.5 s, the other 57 % take
+// 1.99 s.
 TEST(ProgressLine, TellsSpeedAndTimeLeft) {
     EXPECT_EQ(progressFigures(0.43, 300.0, 1.5, Speed::shown), "   43 %    86x     0:01 left");
     EXPECT_EQ(progressFigures(0.43, 300.0, 1.5, Speed::hidden), "   43 %     0:01 left");

@@ -15,7 +15,8 @@ struct FileKind {
     bool hasCover = false;          ///< a picture beside the music, as music shops put it there
 };
 
-/** Writes a sound as an audio file. @throws std::runtime_error, which says what FFmpeg could not do */
+/** Writes a sound as an audio file. @throws std::runtime_error, which says what FFmpeg could not
+ *  do */
 void writeAudioFile(const std::string& path, const FileKind& kind, const Sound& sound);
 
 }  // namespace test

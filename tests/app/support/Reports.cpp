@@ -10,7 +10,8 @@ constexpr int kSeconds = 8;
 constexpr int kFramesPerBeat = kRate / 2;
 constexpr int kFirstBeat = 4800;  // a tenth of a second
 
-// 12 + 15 i modulo 24 meets each of its eight values three times: the rest of the ranking does not matter here.
+// 12 + 15 i modulo 24 meets each of its eight values three times: the rest of the ranking does not
+// matter here.
 int rankedKey(int rank) {
     return (12 + 15 * rank) % beatatlas::track::kKeyCount;
 }

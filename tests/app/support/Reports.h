@@ -5,7 +5,8 @@
 
 namespace test {
 
-/** Eight seconds at 120 BPM in A minor, at 48,000 Hz, from a stereo FLAC; waves of the lengths a session gives. */
+/** Eight seconds at 120 BPM in A minor, at 48,000 Hz, from a stereo FLAC; waves of the lengths a
+ *  session gives. */
 output::TrackReport exampleReport();
 
 /** The same track, with nothing found in it. */

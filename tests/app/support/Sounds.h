@@ -16,8 +16,8 @@ struct Sound {
     std::size_t frames() const { return channels.front().size(); }
 };
 
-/** Silence with a soft click of 21 frames around each of the places, alike on all channels. A click survives lossy
- *  coding with its middle where it was. */
+/** Silence with a soft click of 21 frames around each of the places, alike on all channels. A click
+ *  survives lossy coding with its middle where it was. */
 Sound clicks(int rate, int channels, double seconds, const std::vector<double>& places);
 
 /** One tone, alike on all channels. */
@@ -26,7 +26,8 @@ Sound tone(int rate, int channels, double seconds, double hertz, double amplitud
 /** Adds one mono sound to every channel of another, from its beginning. */
 void mixInto(Sound& sound, const Sound& added);
 
-/** Triads on the degrees I, IV, V, I of a key, a second each, over and over; sines on notes around A4.
+/** Triads on the degrees I, IV, V, I of a key, a second each, over and over; sines on notes around
+ *  A4.
  *  @param key  as the library numbers it: 0 to 11 major from A upward, 12 to 23 minor */
 Sound cadence(int rate, int channels, double seconds, int key, double referenceHz);
 
@@ -46,7 +47,8 @@ public:
     std::vector<float> right;
 };
 
-/** The middle of the loudest click within 0.05 s of the place, as a frame; -1 when it is silent there. */
+/** The middle of the loudest click within 0.05 s of the place, as a frame; -1 when it is silent
+ *  there. */
 double clickNear(const std::vector<float>& channel, int rate, double seconds);
 
 }  // namespace test

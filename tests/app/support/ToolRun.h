@@ -11,7 +11,8 @@ namespace test {
 /** Where the tool's standard output leads in a run. */
 enum class OutputPlace { captured, fullDisk, closedPipe, closed };
 
-/** How the tool is run, and what it did. It always runs without the superuser's right to open what it may not. */
+/** How the tool is run, and what it did. It always runs without the superuser's right to open what
+ *  it may not. */
 struct ToolRun {
     std::vector<std::string> arguments;
     std::string folder;  ///< working folder; empty: the test's own

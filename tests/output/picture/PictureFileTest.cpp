@@ -139,7 +139,8 @@ TEST_F(PictureFile, ShowsDotsWhereThereIsBass) {
 
 TEST_F(PictureFile, DrawsTheBeatGridWithBrighterDownbeats) {
     const Pixels picture = draw(test::exampleReport());
-    // The stretch is the whole of 8 s: 190 units a second. Row 586 lies above the wave, where only downbeats reach.
+    // The stretch is the whole of 8 s: 190 units a second. Row 586 lies above the wave, where only
+    // downbeats reach.
     const auto isWhite = [](std::uint32_t pixel) {
         return (pixel & 0xFF) > 0xC0 && (pixel >> 16) > 0xC0;
     };

@@ -16,7 +16,8 @@ TEST(TimeAxis, LaysTheStretchOverTheWidth) {
     EXPECT_DOUBLE_EQ(axis.secondsAt(600.0), 15.0);
 }
 
-// 1000 units hold eleven labels of 84 units: the step is the least round one above an eleventh of the stretch or so.
+// 1000 units hold eleven labels of 84 units: the step is the least round one above an eleventh of
+// the stretch or so.
 TEST(TimeAxis, ChoosesRoundStepsThatLeaveRoomForTheLabels) {
     EXPECT_DOUBLE_EQ(TimeAxis(0.0, 10.0, kArea).labelStep(), 1.0);        // 0.84
     EXPECT_DOUBLE_EQ(TimeAxis(0.0, 240.0, kArea).labelStep(), 30.0);      // 20.2

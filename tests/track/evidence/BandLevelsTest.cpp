@@ -37,8 +37,8 @@ TEST(BandLevels, AreThereAHundredAndFiftyTimesASecond) {
     EXPECT_EQ(levelsOf(44100, silence(294 * 5000)).frames(), 5001);
 }
 
-// Bins of 43 Hz: 1 … 7 one by one, then a fifth of an octave each up to 15.5 kHz. Groups begin at bins 1, 4, 12, 46 and
-// 116 or the next band behind.
+// Bins of 43 Hz: 1 … 7 one by one, then a fifth of an octave each up to 15.5 kHz. Groups begin at
+// bins 1, 4, 12, 46 and 116 or the next band behind.
 TEST(BandLevels, CoverTheBandsOfFiveGroups) {
     const BandLevels levels(44100);
     EXPECT_EQ(levels.bands(), 35U);
@@ -46,8 +46,9 @@ TEST(BandLevels, CoverTheBandsOfFiveGroups) {
     EXPECT_EQ(BandLevels(48000).bands(), 34U);
 }
 
-// A sine of amplitude 1 in the middle of bin 100 (band of bins 97 … 110): half the sum of the window, 256, in its bin and
-// half of that in the two beside it: √(256² + 2 · 128²) = 313.5, that is 8.292 octaves above 1.
+// A sine of amplitude 1 in the middle of bin 100 (band of bins 97 … 110): half the sum of the
+// window, 256, in its bin and half of that in the two beside it: √(256² + 2 · 128²) = 313.5, that
+// is 8.292 octaves above 1.
 TEST(BandLevels, TellTheLevelOfASine) {
     const double hz = 100.0 * 44100.0 / 1024.0;
     const std::vector<LevelCode> codes = codesOf(levelsOf(44100, sine(44100, hz, 44100, 1.0)));
@@ -65,8 +66,8 @@ TEST(BandLevels, DoNotCareForTheSizeOfBlocks) {
         EXPECT_EQ(codesOf(levelsOf(44100, noise, block)), expected) << block;
 }
 
-// Noise in the last tenth and a little more of a silent track: nine tenths of the frames are silent, and the level that
-// is passed by one in ten is not.
+// Noise in the last tenth and a little more of a silent track: nine tenths of the frames are
+// silent, and the level that is passed by one in ten is not.
 TEST(BandLevels, JudgeByTheLoudPassages) {
     const std::vector<float> levelOfCode = levelsOfCodes();
     EXPECT_EQ(levelsOf(44100, silence(441000)).loudLevel(levelOfCode), 0.0);

@@ -17,8 +17,9 @@ std::vector<Chroma> twoNotes() {
     return chroma;
 }
 
-// Directions at a right angle are √2 apart, whatever the level. Half a second after the change, two seconds before hold
-// 5 frames of the new note and 15 of the old one: the direction (15, 5) / √250 is √(2 − 2 · 5 / √250) = 1.169 from it.
+// Directions at a right angle are √2 apart, whatever the level. Half a second after the change, two
+// seconds before hold 5 frames of the new note and 15 of the old one: the direction (15, 5) / √250
+// is √(2 − 2 · 5 / √250) = 1.169 from it.
 TEST(ChordChanges, AreGreatestWhereNotesChange) {
     const ChordChanges changes = findChordChanges(twoNotes());
     EXPECT_NEAR(changes.at(ChordChanges::kHalf, 5.0), std::numbers::sqrt2, 1e-5);

@@ -33,7 +33,8 @@ std::complex<double> binOf(const float* samples, const std::vector<float>& windo
 
 const std::vector<float> kNoise = whiteNoise(2000, 1.0, 7);
 
-// An odd number of frames: the last one has no partner. Frames of 200 samples in 256 points end in silence.
+// An odd number of frames: the last one has no partner. Frames of 200 samples in 256 points end in
+// silence.
 TEST(FrameSpectra, GiveEachFrameItsOwnSpectrum) {
     const std::vector<float> window = symmetricHann(200);
     FrameSpectra spectra(kPoints, window);
@@ -69,7 +70,8 @@ TEST(FrameSpectra, AreTheSameBitsInEveryVectorForm) {
     for (const auto& powers : found) EXPECT_EQ(powers, found.front());
 }
 
-// cos²: the copies half a window apart add up to 1 in the periodic form; the symmetric one ends on 0 on both sides.
+// cos²: the copies half a window apart add up to 1 in the periodic form; the symmetric one ends on
+// 0 on both sides.
 TEST(FrameSpectra, KnowBothHannWindows) {
     const std::vector<float> periodic = periodicHann(64);
     for (std::size_t i = 0; i < 32; ++i) EXPECT_NEAR(periodic[i] + periodic[i + 32], 1.0F, 1e-6F);

@@ -43,7 +43,8 @@ TEST(OnsetEnvelopes, AverageOneAndHaveAValueAFrame) {
     EXPECT_NEAR(meanOf(onsets.full), 1.0, 1e-4);
 }
 
-// A burst from 0.25 + i / 2 s on, that is frame 37.5 + 75 i. The window of 1,024 samples reaches it 1.7 frames before.
+// A burst from 0.25 + i / 2 s on, that is frame 37.5 + 75 i. The window of 1,024 samples reaches it
+// 1.7 frames before.
 TEST(OnsetEnvelopes, RiseWhereSoundsBegin) {
     const OnsetEnvelopes onsets = envelopesOf(bursts(8));
     for (std::size_t i = 0; i < 8; ++i) {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "track/key/PeakFinder.h"
 
+#include <algorithm>
 #include <cmath>
 #include <vector>
 
@@ -83,8 +84,8 @@ TEST(PeakFinder, HearsNothingInSilenceAndInAConstant) {
 
 TEST(PeakFinder, DoesNotPlaceWhatNoChromaHears) {
     std::vector<float> sound = tone(440.0, 0.5);
-    mixInto(sound,
-            tone(660.0, 0.5 * 0.01));  // below a fiftieth, and below what tells of the tuning
+    // Below a fiftieth, and below what tells of the tuning.
+    mixInto(sound, tone(660.0, 0.5 * 0.01));
     EXPECT_EQ(peaksOf(sound).list.size(), 1U);
     mixInto(sound, tone(660.0, 0.5 * 0.03));
     EXPECT_EQ(peaksOf(sound).list.size(), 2U);

@@ -38,7 +38,8 @@ TEST(Bars, HaveTwelveReadingsWhoseSharesAddUp) {
     EXPECT_NEAR(shares, 1.0, 1e-12);
 }
 
-// Three of four downbeats near beats 2, 6 and 10; the fourth lies between two beats and counts only in the divisor.
+// Three of four downbeats near beats 2, 6 and 10; the fourth lies between two beats and counts only
+// in the divisor.
 TEST(Bars, CountTheSessionsDownbeats) {
     const std::vector<double> votes = {kBeats[2] + 0.1, kBeats[6], kBeats[10] - 0.1,
                                        kBeats[14] + 0.2};

@@ -26,11 +26,4 @@ TEST(TempoConfidence, GrowsWithTheEvidence) {
     expectRising(confidenceOfBars, 0.0, 1.0);
 }
 
-TEST(TempoConfidence, OfAPartBuildsOnThePartsBefore) {
-    const TempoConfidence confidence{0.9, 0.8, 0.5, 0.5};
-    EXPECT_DOUBLE_EQ(confidence.tempo(), 0.72);
-    EXPECT_DOUBLE_EQ(confidence.beats(), 0.36);
-    EXPECT_DOUBLE_EQ(confidence.downbeats(), 0.18);
-}
-
 }  // namespace

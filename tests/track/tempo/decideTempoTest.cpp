@@ -154,6 +154,7 @@ TEST(TempoDecision, CountsFourFromTheFirstOfFewBeats) {
     ASSERT_LT(answer.beats.size(), kLeastBeatsForBars);
     EXPECT_EQ(answer.bars.numbers.front(), 1);
     EXPECT_EQ(answer.bars.beatsPerBar, 4);
+    EXPECT_EQ(answer.confidence.bars, 0.0) << "nothing is known of where they begin";
     expectNumbered(answer);
 }
 

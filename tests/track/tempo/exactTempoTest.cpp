@@ -16,7 +16,8 @@ PulseSpectrum spectrumOf(double bpm, double seconds) {
     return PulseSpectrum(onsetsAt(evenTimes(0.21, 60.0 / bpm, seconds - 0.1), seconds));
 }
 
-// Ninety seconds tell apart beats that differ by 1 in 90 s · 2 Hz at the first harmonic; the parabola divides that.
+// Ninety seconds tell apart beats that differ by 1 in 90 s · 2 Hz at the first harmonic; the
+// parabola divides that.
 TEST(ExactTempo, FindsAHundredthOfABpm) {
     for (const double bpm : {71.37, 98.765, 123.45, 174.02}) {
         PulseSpectrum spectrum = spectrumOf(bpm, 90.0);
@@ -31,7 +32,8 @@ TEST(ExactTempo, KeepsTheFirstProposalUnlessAnotherIsClearlyStronger) {
     EXPECT_NEAR(findExactTempo(spectrum, 60.0, {2.3, 2.0}).hz, 2.0, 1e-3);
 }
 
-// A proposal of three beats where the music has two: every other harmonic of it meets a line, all of the right one do.
+// A proposal of three beats where the music has two: every other harmonic of it meets a line, all
+// of the right one do.
 TEST(ExactTempo, CorrectsThreeForTwo) {
     PulseSpectrum spectrum = spectrumOf(120.0, 60.0);
     EXPECT_NEAR(findExactTempo(spectrum, 60.0, {4.0 / 3.0}).hz, 2.0, 1e-3);

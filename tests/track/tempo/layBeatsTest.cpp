@@ -18,7 +18,8 @@ MetreReading reading(int period, int phase, double bpm) {
 
 const std::vector<float> kFlat(3001, 1.0F);
 
-// A line of 120 BPM from 0.2 s on. Every second of its beats, from the second one on: 0.7, 1.7 … 19.7.
+// A line of 120 BPM from 0.2 s on. Every second of its beats, from the second one on: 0.7, 1.7
+// … 19.7.
 TEST(LaidBeats, AreWhereTheReadingHasThem) {
     const BeatLine line(evenTimes(0.2, 0.5, 20.0));
     const std::vector<double> beats = layBeats(kFlat, 20.0, line, reading(24, 12, 60.0), true);

@@ -50,7 +50,8 @@ double featureOf(const MetreReading& reading, MetreFeature feature) {
 
 const BeatLine kLine(evenTimes(0.2, 0.5, kSeconds));
 
-// 120 BPM times 12 over the period: 240 (4 phases), 180 (4), 120 (6), 90 (4), 80 (6), 60 (12), 40 (6).
+// 120 BPM times 12 over the period: 240 (4 phases), 180 (4), 120 (6), 90 (4), 80 (6), 60 (12),
+// 40 (6).
 TEST(Metre, ReadsAllTempiThatPeopleCount) {
     const std::vector<MetreReading> readings = read(emptyEvidence(), kLine);
     EXPECT_EQ(readings.size(), 42U);
@@ -87,7 +88,8 @@ TEST(Metre, ComparesWhatBeginsOnAndBetweenBeats) {
     EXPECT_NEAR(featureOf(reading, MetreFeature::tempo), std::log2(120.0 / 110.0), 1e-12);
 }
 
-// Every other beat begins with 4, the others with 1: ln(4.05 / 1.05) in all groups alike, so no backbeat.
+// Every other beat begins with 4, the others with 1: ln(4.05 / 1.05) in all groups alike, so no
+// backbeat.
 TEST(Metre, HearsBeatsThatAlternate) {
     Evidence evidence = emptyEvidence();
     accent(evidence, kLine.seconds(), 1.0F);

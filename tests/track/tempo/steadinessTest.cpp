@@ -27,7 +27,8 @@ TEST(Steadiness, KnowsEvenBeats) {
     EXPECT_TRUE(steadiness.isSteady);
 }
 
-// Half a minute of each of two tempi: even beats of the first one meet the second one's onsets by chance only.
+// Half a minute of each of two tempi: even beats of the first one meet the second one's onsets by
+// chance only.
 TEST(Steadiness, KnowsAStep) {
     const std::vector<double> even = evenTimes(0.2, 0.5, 59.9);
     std::vector<double> music = evenTimes(0.2, 0.5, 30.0);

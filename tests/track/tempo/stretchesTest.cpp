@@ -22,7 +22,8 @@ TEST(TempoStretches, AreOneWhereTheTempoIsSteady) {
     EXPECT_NEAR(stretches[0].bpm, 120.0, 1e-9);
 }
 
-// Looking four beats ahead, a step of a tenth shows two beats before, and most at the last beat of the old tempo, 20 s.
+// Looking four beats ahead, a step of a tenth shows two beats before, and most at the last beat of
+// the old tempo, 20 s.
 TEST(TempoStretches, BeginWhereAnotherTempoDoes) {
     std::vector<double> beats = evenTimes(0.0, 0.5, 20.1);
     const std::vector<double> later = evenTimes(20.55, 0.55, 40.0);

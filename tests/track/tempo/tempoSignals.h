@@ -14,7 +14,8 @@
 
 namespace beatatlas::test {
 
-/** An onset envelope: 1 on the frame nearest to each time, half of it on the two beside, of 150 frames a second. */
+/** An onset envelope: 1 on the frame nearest to each time, half of it on the two beside, of 150
+ *  frames a second. */
 inline std::vector<float> onsetsAt(const std::vector<double>& times, double seconds) {
     std::vector<float> envelope(static_cast<std::size_t>(seconds * 150.0) + 1);
     for (const double time : times) {

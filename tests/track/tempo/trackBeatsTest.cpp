@@ -19,7 +19,8 @@ double distanceToNearest(double time, const std::vector<double>& times) {
     return least;
 }
 
-/** Beats whose tempo grows evenly from 100 to 120 BPM within a minute: beat n at the time t with 5/3 t + t²/360 = n. */
+/** Beats whose tempo grows evenly from 100 to 120 BPM within a minute: beat n at the time t with
+ *  5/3 t + t²/360 = n. */
 std::vector<double> ramp() {
     std::vector<double> times;
     for (int n = 0;; ++n) {

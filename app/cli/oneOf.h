@@ -1,0 +1,27 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <map>
+#include <string>
+#include <type_traits>
+
+#include <CLI/CLI.hpp>
+
+namespace app {
+
+/** Accepts the names of an option's values, and nothing else. */
+template <class Value>
+CLI::Validator oneOf(const std::map<std::string, Value>& values) {
+    const auto toNumber = [values](std::string& text) -> std::string {
+        if (const auto found = values.find(text); found != values.end()) {
+            text = std::to_string(static_cast<std::underlying_type_t<Value>>(found->second));
+            return {};
+        }
+        std::string names;
+        for (const auto& [name, value] : values) names += (names.empty() ? "" : ", ") + name;
+        return "takes one of " + names + ", not " + text;
+    };
+    return {toNumber, ""};
+}
+
+}  // namespace app
