@@ -3,6 +3,10 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdlib>
+#include <fstream>
+#include <string>
+#include <string_view>
 
 #include <fmt/format.h>
 #include <unistd.h>
@@ -21,12 +25,22 @@ constexpr std::size_t kUndividedFrame = 4096;
 constexpr double kShortSeconds = 30.0;
 constexpr double kGigabyte = 1e9;
 
+// Of what is free: other programs go on meanwhile.
+constexpr double kMostOfMemory = 0.9;
+
 // Hops by mode before they are divided, for tracks of 30 s and more; short ones need little memory
 // anyway.
 constexpr std::array<double, 5> kLongHops = {512.0, 1024.0, 1488.0, 1720.0, 2304.0};
 
-double physicalMemoryBytes() {
-    return static_cast<double>(sysconf(_SC_PHYS_PAGES)) *
+// What the system may give without taking it from another program. Linux tells it; elsewhere half of all counts.
+double availableMemoryBytes() {
+    std::ifstream memory("/proc/meminfo");
+    for (std::string line; std::getline(memory, line);) {
+        constexpr std::string_view kName = "MemAvailable:";
+        if (line.starts_with(kName))
+            return 1024.0 * std::strtod(line.c_str() + kName.size(), nullptr);
+    }
+    return 0.5 * static_cast<double>(sysconf(_SC_PHYS_PAGES)) *
            static_cast<double>(sysconf(_SC_PAGESIZE));
 }
 
@@ -42,26 +56,26 @@ std::size_t BeatCutter::paddedLength(std::size_t frames) const {
     return frames + 4 * frameLength();
 }
 
+/** What it takes beside the recording, which is in memory already. */
 double BeatCutter::bytesFor(const media::Recording& recording) const {
     const bool isShort = static_cast<double>(recording.frames()) < kShortSeconds * recording.rate;
     const double hop = isShort ? kLongHops[0] : kLongHops[static_cast<std::size_t>(options_.mode)];
     // Magnitude and phase of half a frame's bins for every hop; the padded channel and the
     // library's sum.
     const double working = 8.0 * (static_cast<double>(kUndividedFrame) / 2.0) / hop + 8.0;
-    const double kept = 4.0 * static_cast<double>(recording.channels.size());
-    return (working + kept) * static_cast<double>(recording.frames());
+    return working * static_cast<double>(recording.frames());
 }
 
 void BeatCutter::refuseTooLong(const media::Recording& recording) const {
     if (paddedLength(recording.frames()) > static_cast<std::size_t>(media::kMostFrames))
         throw base::TrackError("is too long: more than 2,147,000,000 frames cannot be cut");
     const double needed = bytesFor(recording);
-    const double present = physicalMemoryBytes();
-    if (present <= 0.0 || needed <= present) return;
+    const double available = availableMemoryBytes();
+    if (needed <= kMostOfMemory * available) return;
     throw base::TrackError(
-        fmt::format("is too long: cutting it takes {:.1f} GB of memory, and there are "
-                    "{:.1f} GB (a higher --mode takes less)",
-                    needed / kGigabyte, present / kGigabyte));
+        fmt::format("is too long: cutting it takes {:.1f} GB more of memory, and {:.1f} GB are "
+                    "free (a higher --mode takes less)",
+                    needed / kGigabyte, available / kGigabyte));
 }
 
 void BeatCutter::cut(media::Recording& recording, const std::function<void(double)>& shown) const {

@@ -366,7 +366,7 @@ BA_API size_t BA_TrackWave(const BA_Track* track, int wave, BA_WaveInfo* out, si
 BA_API int32_t BA_TrackKey(const BA_Track* track);
 
 /** How sure that key is: the share of tracks of known key on which such an answer was right, 0 to
- *  1. Where it is below 0.8, show the second candidate too, or none. */
+ *  1; of a few seconds of music it is small, since a few chords fit many keys. Where it is below 0.8, show the second candidate too, or none. */
 BA_API double BA_TrackKeyConfidence(const BA_Track* track);
 
 /** All 24 keys, the likeliest first. */

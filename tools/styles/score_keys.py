@@ -2,7 +2,7 @@
 # SPDX-License-Identifier: MIT
 """Scores the keys that the tool finds on tracks of known key, and how sure it may be of them.
 
-usage: score_keys.py TOOL FOLDER... [--jobs N] [--misses]
+usage: score_keys.py TOOL FOLDER... [--jobs N] [--misses] [--excerpt SECONDS]
 
 TOOL is the built program, build/release/app/beatatlas. A FOLDER holds corpus.json, as
 make_styles.py writes it, and the audio of its entries beside it, ID.flac or in any other format.
@@ -13,11 +13,16 @@ are exactly right, and a weighted score (the same key 1, a fifth up 0.5, the rel
 parallel one 0.2), by evidence and of the session. Then the calibration over all folders: for each
 class of the probability that the scores give, how many tracks fell into it and the share of them
 that was right; and how many tracks are told with a change of key.
+
+With --excerpt nothing but so many seconds of each track is heard, from its twelfth on (FFmpeg's
+program cuts them out), against the key of the whole track.
 """
 import argparse
 import glob
 import json
+import os
 import subprocess
+import tempfile
 from multiprocessing.pool import ThreadPool
 
 NOTES = {'C': 0, 'D': 2, 'E': 4, 'F': 5, 'G': 7, 'A': 9, 'B': 11}
@@ -47,14 +52,24 @@ def key_of(entry):
     return parse_key(entry['name']) if entry else None
 
 
-def examine(tool, folder, entry):
+def cut_out(file, seconds, folder):
+    """So many seconds of a file, in one of their own."""
+    excerpt = f'{folder}/{os.path.basename(file)}.wav'
+    subprocess.run(['ffmpeg', '-v', 'error', '-ss', '12', '-t', str(seconds), '-i', file, excerpt],
+                   check=True)
+    return excerpt
+
+
+def examine(tool, folder, entry, seconds):
     """What the tool says of an entry, or nothing where there is no audio."""
     files = [f for f in sorted(glob.glob(f"{glob.escape(folder)}/{glob.escape(entry['id'])}.*"))
              if not f.endswith(('.txt', '.mid', '.json'))]
     if not files:
         return None
-    run = subprocess.run([tool, 'analyze', '--json', '-q', '--', files[0]], check=True,
-                         capture_output=True)
+    with tempfile.TemporaryDirectory() as temporary:
+        file = cut_out(files[0], seconds, temporary) if seconds else files[0]
+        run = subprocess.run([tool, 'analyze', '--json', '-q', '--', file], check=True,
+                             capture_output=True)
     track = json.loads(run.stdout)['tracks'][0]
     key, session = track['key'], track['sessionKey']
     true = parse_key(entry['key'])
@@ -82,11 +97,13 @@ def print_calibration(tracks):
 
 
 def main():
-    parser = argparse.ArgumentParser(usage='score_keys.py TOOL FOLDER... [--jobs N] [--misses]')
+    parser = argparse.ArgumentParser(
+        usage='score_keys.py TOOL FOLDER... [--jobs N] [--misses] [--excerpt SECONDS]')
     parser.add_argument('tool')
     parser.add_argument('folders', nargs='+')
     parser.add_argument('--jobs', type=int, default=1)
     parser.add_argument('--misses', action='store_true', help='list the wrong answers')
+    parser.add_argument('--excerpt', type=float, metavar='SECONDS')
     args = parser.parse_args()
     everything = []
     print('| tracks | number | by evidence, exact / weighted | session |\n|---|---|---|---|')
@@ -94,7 +111,8 @@ def main():
         with open(f'{folder}/corpus.json', encoding='utf-8') as f:
             entries = [e for e in json.load(f) if e.get('key')]
         with ThreadPool(args.jobs) as pool:
-            answers = pool.map(lambda e: examine(args.tool, folder, e), entries, chunksize=1)
+            answers = pool.map(lambda e: examine(args.tool, folder, e, args.excerpt), entries,
+                               chunksize=1)
         tracks = [t for t in answers if t]
         if not tracks:
             continue

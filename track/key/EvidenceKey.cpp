@@ -41,9 +41,10 @@ std::vector<BA_TrackKeySegment> toRecords(const std::vector<KeySegment>& segment
     std::vector<BA_TrackKeySegment> records;
     records.reserve(segments.size());
     for (const KeySegment& segment : segments)
-        records.push_back({segment.from, segment.to,
-                           confidenceOfKey(segment.probabilities[segment.key]),
-                           static_cast<std::int32_t>(segment.key), 0});
+        records.push_back(
+            {segment.from, segment.to,
+             confidenceOfKey(segment.probabilities[segment.key], segment.to - segment.from),
+             static_cast<std::int32_t>(segment.key), 0});
     return records;
 }
 
@@ -76,7 +77,8 @@ void EvidenceKey::addTo(TrackResult& result) {
     const double seconds = static_cast<double>(result.frames) / static_cast<double>(result.rate);
     result.keySegments =
         toRecords(findKeySegments(frames, keyWindows(result.beats, seconds), scores));
-    result.keyConfidence = confidenceOfKey(result.keys.front().probability);
+    const double heard = static_cast<double>(frames.size()) * stream_->secondsPerFrame();
+    result.keyConfidence = confidenceOfKey(result.keys.front().probability, heard);
 }
 
 }  // namespace beatatlas::track::inner

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "track/key/keyConfidence.h"
 
+#include <algorithm>
 #include <array>
 
 namespace beatatlas::track::inner {
@@ -15,16 +16,33 @@ struct Class {
 
 // Counted by tools/styles/score_keys.py; see docs/accuracy.md.
 constexpr std::array<Class, 4> kClasses = {{{0.8, 0.47}, {0.9, 0.82}, {0.96, 0.98}, {2.0, 0.99}}};
+
+/** In pieces with less music than that, in seconds, so many of the likely answers were right. */
+struct Length {
+    double below;
+    double confidence;
+};
+
+// Counted by tools/styles/score_keys.py --excerpt, as well.
+constexpr std::array<Length, 4> kLengths = {{{3.0, 0.38}, {6.0, 0.44}, {12.0, 0.65}, {24.0, 0.84}}};
+
 // Noise and drums alone: no track of known key had less, so there is nothing to count.
 constexpr double kLeastCounted = 0.3;
 
-}  // namespace
-
-double confidenceOfKey(double probability) {
+double confidenceOfWhole(double probability) {
     if (probability < kLeastCounted) return probability;
     for (const Class& entry : kClasses)
         if (probability < entry.below) return entry.confidence;
     return kClasses.back().confidence;
+}
+
+}  // namespace
+
+double confidenceOfKey(double probability, double seconds) {
+    const double confidence = confidenceOfWhole(probability);
+    for (const Length& entry : kLengths)
+        if (seconds < entry.below) return std::min(confidence, entry.confidence);
+    return confidence;
 }
 
 }  // namespace beatatlas::track::inner

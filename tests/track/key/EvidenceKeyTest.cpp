@@ -73,7 +73,7 @@ TEST(EvidenceKey, FindsEveryKeyAndIsSureOfMost) {
     for (int key = 0; key < 24; ++key) {
         const TrackResult result = keyOf(cadence(key));
         expectKey(result, key);
-        if (result.keyConfidence > 0.8) ++sure;
+        if (result.keys[0].probability > 0.8) ++sure;
         ASSERT_EQ(result.keySegments.size(), 1U);
         EXPECT_EQ(result.keySegments[0].key, key);
         EXPECT_EQ(result.keySegments[0].from_seconds, 0.0);
