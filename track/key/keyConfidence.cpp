@@ -23,8 +23,9 @@ struct Length {
     double confidence;
 };
 
-// Counted by tools/styles/score_keys.py --excerpt, as well.
-constexpr std::array<Length, 4> kLengths = {{{3.0, 0.38}, {6.0, 0.44}, {12.0, 0.65}, {24.0, 0.84}}};
+// Counted in excerpts (score_keys.py --excerpt) of 1.5, 3, 6, 12 and 24 seconds.
+constexpr std::array<Length, 5> kLengths = {
+    {{3.0, 0.37}, {6.0, 0.43}, {12.0, 0.62}, {24.0, 0.80}, {48.0, 0.88}}};
 
 // Noise and drums alone: no track of known key had less, so there is nothing to count.
 constexpr double kLeastCounted = 0.3;

@@ -30,10 +30,10 @@ TEST(KeyConfidence, OfNoiseIsNextToNothing) {
     EXPECT_EQ(confidenceOfKey(0.08, kWholeTrack), 0.08);
 }
 
-// In three seconds of music fewer than half of the likely answers are right, in half a minute nearly all.
+// In three seconds of music fewer than half of the likely answers are right, in a minute nearly all.
 TEST(KeyConfidence, GrowsWithWhatWasHeard) {
     double last = 0.0;
-    for (int i = 0; i <= 400; ++i) {
+    for (int i = 0; i <= 600; ++i) {
         const double confidence = confidenceOfKey(0.99, i / 10.0);
         ASSERT_GE(confidence, last) << i;
         last = confidence;
