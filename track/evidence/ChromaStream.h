@@ -7,8 +7,7 @@
 #include <tuple>
 #include <vector>
 
-#include "track/evidence/Decimator.h"
-#include "track/evidence/SpectrumStream.h"
+#include "track/evidence/DecimatedPowers.h"
 
 namespace beatatlas::track::inner {
 
@@ -45,16 +44,11 @@ private:
     };
 
     static std::vector<Tone> tonesOf(double rate);
-    void addDecimated(const std::vector<float>& samples);
-    void addBatch(const FrameSpectra& spectra, int frames);
     void addFrame(const float* powers);
     void compress();
 
-    double step_;              // decimated samples from frame to frame
+    DecimatedPowers powers_;
     std::vector<Tone> tones_;  // ascending
-    Decimator decimator_;
-    SpectrumStream stream_;
-    std::int64_t decimated_ = 0;
     std::vector<Chroma> frames_;
 };
 

@@ -4,8 +4,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "track/evidence/Decimator.h"
-#include "track/evidence/SpectrumStream.h"
+#include "track/evidence/DecimatedPowers.h"
 #include "track/key/PeakFinder.h"
 #include "track/key/PeakStore.h"
 #include "track/key/Tuning.h"
@@ -35,15 +34,10 @@ public:
     double secondsPerFrame() const;
 
 private:
-    void addDecimated(const std::vector<float>& samples);
-    void addBatch(const FrameSpectra& spectra, int frames);
     void addFrame(const float* powers);
 
-    double rate_;  // of what is left of the track
-    Decimator decimator_;
-    SpectrumStream stream_;
+    DecimatedPowers powers_;
     PeakFinder finder_;
-    std::int64_t decimated_ = 0;
     bool hasBegun_ = false;
     std::vector<SpectralPeak> frame_;
     Tuning tuning_;
