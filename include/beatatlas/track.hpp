@@ -407,7 +407,8 @@ inline TrackResult analyze(const Options& options, int rate, std::int64_t frames
 }
 
 /** Analyses a track that lies in memory.
- *  @param left,right  `frames` samples each, full scale ±1.0
+ *  @param left   `frames` samples, full scale ±1.0
+ *  @param right  the same of the other side
  *  @throws as above */
 inline TrackResult analyze(const Options& options, int rate, const float* left, const float* right,
                            std::int64_t frames) {
