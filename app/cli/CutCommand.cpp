@@ -65,8 +65,8 @@ void CutCommand::declare(CLI::App& arguments) {
 }
 
 ExitCode CutCommand::run(ResultStream&) {
-    tracks_.settle();
     const std::string path = unguarded(path_);
+    tracks_.settle({path});
     const std::string outputPath = unguarded(outputPath_);
     if (!hasEnding(outputPath, ".wav"))
         throw base::UsageError("the result's name must end in .wav (--output)");

@@ -67,8 +67,8 @@ void DrawCommand::declare(CLI::App& arguments) {
 
 ExitCode DrawCommand::run(ResultStream&) {
     analysis_.settle();
-    tracks_.settle();
     const std::string path = unguarded(path_);
+    tracks_.settle({path});
     const std::string outputPath = unguarded(outputPath_);
     const output::PictureFormat format = pictureFormatOf(outputPath);
     media::OutputFile::requireWritable(outputPath);
