@@ -2,9 +2,8 @@
 #include "io/columns.h"
 
 #include <algorithm>
+#include <clocale>
 #include <cwchar>
-
-#include <locale.h>
 
 #include "base/displayName.h"
 
