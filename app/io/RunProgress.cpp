@@ -15,6 +15,7 @@ namespace app {
 namespace {
 
 constexpr double kShortestMeasuredSeconds = 0.5;
+constexpr double kLongestToldSeconds = 1000.0 * 3600.0;  // what has hardly begun may seem endless
 
 /** At least 1: also what cannot be read is something to do. */
 double weightOf(const std::string& path) {
@@ -41,7 +42,7 @@ void RunProgress::begin() {
 }
 
 void RunProgress::show(double fraction, double trackSeconds) {
-    current_ = std::clamp(fraction, 0.0, 1.0);
+    current_ = fraction > 0.0 ? std::min(fraction, 1.0) : 0.0;
     trackSeconds_ = trackSeconds;
 }
 
@@ -70,7 +71,8 @@ std::optional<double> RunProgress::speed(double elapsedSeconds) const {
 std::optional<double> RunProgress::secondsLeft(double elapsedSeconds) const {
     const double done = fraction();
     if (elapsedSeconds < kShortestMeasuredSeconds || done <= 0.0) return std::nullopt;
-    return elapsedSeconds * (1.0 - done) / done;
+    const double left = elapsedSeconds * (1.0 - done) / done;
+    return left <= kLongestToldSeconds ? std::optional(left) : std::nullopt;
 }
 
 std::string RunProgress::count() const {

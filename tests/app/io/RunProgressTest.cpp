@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "io/RunProgress.h"
 
+#include <limits>
+
 #include <gtest/gtest.h>
 
 #include "support/TemporaryFolder.h"
@@ -39,6 +41,14 @@ TEST_F(RunProgressTest, CountsBytesOfFiles) {
     EXPECT_DOUBLE_EQ(run_.secondsLeft(10.0).value(), 30.0);
 }
 
+TEST_F(RunProgressTest, TellsNoTimeThatCannotBeTold) {
+    run_.begin();
+    run_.show(1e-30, 200.0);
+    EXPECT_FALSE(run_.secondsLeft(10.0)) << "an age";
+    run_.show(0.5, 200.0);
+    EXPECT_FALSE(run_.secondsLeft(0.1)) << "too early";
+}
+
 // A folder full of what cannot be read must not shorten what is left: of 700 bytes 100 are done.
 TEST_F(RunProgressTest, LeavesOutWhatFailed) {
     work(1.0, true);
@@ -68,8 +78,10 @@ TEST_F(RunProgressTest, TakesFractionsOutsideToTheNearerEnd) {
     run_.begin();
     run_.show(7.5, 200.0);
     EXPECT_DOUBLE_EQ(run_.fraction(), 0.1);
-    run_.show(-1.0, 200.0);
-    EXPECT_EQ(run_.fraction(), 0.0);
+    for (const double none : {-1.0, std::numeric_limits<double>::quiet_NaN()}) {
+        run_.show(none, 200.0);
+        EXPECT_EQ(run_.fraction(), 0.0);
+    }
 }
 
 TEST(RunProgress, CountsNoSingleTrack) {
