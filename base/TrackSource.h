@@ -15,6 +15,23 @@ struct TrackFormat {
     int sessionRate = 0;  ///< Hz, of the analysis
 };
 
+/** What of a track's sound was not analysed as it is. */
+struct Overload {
+    std::int64_t heard = 0;       ///< samples of all channels
+    std::int64_t clipped = 0;     ///< of them beyond full scale
+    float peak = 0.0F;            ///< the loudest of those; full scale is 1
+    std::int64_t notNumbers = 0;  ///< taken for silence
+
+    /** Lossy decoders and rate converters go over full scale here and there, and nobody hears what
+     *  is clipped of it. */
+    bool isTooLoud() const {
+        constexpr float kLoudPeak = 2.0F;  // 6 dB
+        constexpr double kManySamples = 0.01;
+        return peak >= kLoudPeak ||
+               static_cast<double>(clipped) > kManySamples * static_cast<double>(heard);
+    }
+};
+
 /** Where a track came from, and in which state its file was. */
 struct TrackSource {
     std::string path;
@@ -23,6 +40,8 @@ struct TrackSource {
 
     /** Stretches that could not be decoded; silence stands in their place. */
     std::int64_t damagedPackets = 0;
+
+    Overload overload;
 };
 
 }  // namespace base

@@ -53,6 +53,9 @@ public:
     /** Length by the file's own account, seconds. */
     std::optional<double> declaredSeconds() const { return container_.declaredSeconds(); }
 
+    /** Hz, by the file's own account; 0 when it has none. */
+    int declaredRate() const { return container_.stream().codecpar->sample_rate; }
+
     /** Whether the file ends before its own account of itself does: what was decoded is not the
      *  whole track. After run(). */
     bool isCutOff() const;

@@ -86,9 +86,9 @@ std::string keyChangesText(const TrackReport& report) {
 }
 
 std::string wavesText(const beatatlas::track::TrackResult& analysis) {
-    return fmt::format(
-        "{} loudness, {} dots, {} zoom points", grouped(std::ssize(analysis.loudWave)),
-        grouped(std::ssize(analysis.dotsWave)), grouped(std::ssize(analysis.zoomWave)));
+    return fmt::format("{} loudness, {}, {}", grouped(std::ssize(analysis.loudWave)),
+                       counted(std::ssize(analysis.dotsWave), "dot"),
+                       counted(std::ssize(analysis.zoomWave), "zoom point"));
 }
 
 }  // namespace

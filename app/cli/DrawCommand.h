@@ -24,6 +24,9 @@ public:
     ExitCode run(ResultStream& results) override;
 
 private:
+    /** @throws TrackError when the zoomed stretch would begin where the track has ended */
+    void refuseBeyondEnd(double trackSeconds) const;
+
     AnalysisArguments analysis_;
     EffortArguments effort_;
     TrackArguments tracks_;

@@ -171,9 +171,9 @@ typedef struct BA_TrackSource {
     void* (*open)(void* host);
 
     /** Hands out the next frames of a pass.
-     *  @param left,right  room for this many frames, all of which may be written to; full scale
-     *                     ±1.0
-     *  @param frames      from 1
+     *  @param left    room for this many frames, all of which may be written to; full scale ±1.0
+     *  @param right   the same for the other side
+     *  @param frames  from 1
      *  @return how many were handed out, at most `frames`; fewer do not mean the end. 0: the track
      *          is over. Below 0: stop the analysis. More than `frames` counts as a track of the
      *          wrong length */
@@ -298,7 +298,9 @@ BA_API int BA_TrackAnalyze(const BA_TrackOptions* options, int32_t rate, int64_t
 
 /** Analyses a track that lies in memory.
  *
- *  @param left,right  `frames` samples each, full scale ±1.0; only read
+ *  @param left   `frames` samples, full scale ±1.0; only read
+ *  @param right  the same of the other side
+ *
  *  The other arguments and the result as for BA_TrackAnalyze; left or right null:
  *  BA_TRACK_BAD_ARGUMENT. */
 BA_API int BA_TrackAnalyzeArrays(const BA_TrackOptions* options, int32_t rate, const float* left,

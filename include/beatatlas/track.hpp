@@ -203,7 +203,8 @@ struct TrackResult {
 /** Why an analysis gave no result: a bad argument, a source of the wrong length. */
 class Error : public std::runtime_error {
 public:
-    explicit Error(int status) : std::runtime_error(BA_TrackStatusText(status)), status_(status) {}
+    explicit Error(int status) : Error(status, BA_TrackStatusText(status)) {}
+    Error(int status, const char* text) : std::runtime_error(text), status_(status) {}
 
     int status() const { return status_; }  ///< BA_TRACK_…
 
@@ -252,7 +253,11 @@ inline int showProgress(void* host, double fraction) {
 
 inline void* openPass(void* host) {
     auto& own = *static_cast<Host*>(host);
-    const auto call = [&]() -> void* { return new Pass(own.source->open()); };
+    const auto call = [&]() -> void* {
+        Pass pass = own.source->open();
+        if (!pass) throw Error(BA_TRACK_BAD_ARGUMENT, "The source opened an empty pass.");
+        return new Pass(std::move(pass));
+    };
     return own.thrown.guard(call, static_cast<void*>(nullptr));
 }
 
@@ -391,11 +396,11 @@ inline TrackResult finish(int status, const Track& track, const ThrownByHost& th
  *
  *  @param rate    frames per second: 44100 or 48000
  *  @param frames  length of the track, 1 to 2,147,483,647
- *  @throws Error for an argument out of its range and a source that has another length;
- *          std::bad_alloc; and whatever the source or the progress call throws */
+ *  @throws Error for an argument out of its range, a source without a function to open it or with
+ *          an empty pass, and a source that has another length; std::bad_alloc; and whatever the source or the progress call throws */
 inline TrackResult analyze(const Options& options, int rate, std::int64_t frames,
                            const Source& source) {
-    if (!source.open) throw Error(BA_TRACK_BAD_ARGUMENT);
+    if (!source.open) throw Error(BA_TRACK_BAD_ARGUMENT, "The source has no function to open it.");
     detail::Host host{options, &source, {}};
     const BA_TrackOptions plainOptions = detail::toOptions(options, host);
     const BA_TrackSource plainSource{
@@ -407,7 +412,8 @@ inline TrackResult analyze(const Options& options, int rate, std::int64_t frames
 }
 
 /** Analyses a track that lies in memory.
- *  @param left,right  `frames` samples each, full scale ±1.0
+ *  @param left   `frames` samples, full scale ±1.0
+ *  @param right  the same of the other side
  *  @throws as above */
 inline TrackResult analyze(const Options& options, int rate, const float* left, const float* right,
                            std::int64_t frames) {

@@ -43,5 +43,20 @@ for example in overview track; do
     fi
     grep -q 'missing.raw: No such file' "$work/error.txt"
 done
+
+# What cannot be a track is refused by its name.
+: >"$work/empty.raw"
+for name in empty.raw .; do
+    if "$work/cmake-host/track" "$work/$name" 2>"$work/error.txt"; then
+        echo "track is content with $name"
+        exit 1
+    fi
+    grep -q "$work/$name: empty, a folder or too long" "$work/error.txt"
+done
+
+# The whole-track library prints nothing of its own to a host in C.
+"$work/cmake-host/track" "$work/track.raw" 2>"$work/error.txt" |
+    awk '!/^(tempo|bar) / { print "unexpected: " $0; found = 1 } END { exit found }'
+[[ ! -s $work/error.txt ]]
 grep -q 'loud 400, dots 100, zoom 300 points' "$work/pkg-overview.txt"
 grep -q 'tempo 0.00 BPM, key ' "$work/pkg-track.txt"

@@ -32,6 +32,14 @@ TEST(textSummary, SaysPlainlyWhatWasNotFound) {
     EXPECT_THAT(text, HasSubstr("key      no key found\n"));
 }
 
+TEST(textSummary, CountsOneOfAThingAsOne) {
+    TrackReport report = test::emptyReport();
+    report.analysis.frames = 1;
+    report.analysis.zoomWave.resize(1);
+    EXPECT_THAT(textSummary(report), HasSubstr("  (1 frame)\n"));
+    EXPECT_THAT(textSummary(report), HasSubstr(", 1 zoom point\n"));
+}
+
 TEST(textSummary, IsSilentAboutWhatWasNotAskedFor) {
     TrackReport report = test::emptyReport();
     report.options.tempo = beatatlas::track::TempoMode::off;

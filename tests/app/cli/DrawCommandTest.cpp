@@ -2,6 +2,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/resource.h>
+#include <sys/stat.h>
 
 #include "support/AudioFileWriter.h"
 #include "support/TemporaryFolder.h"
@@ -41,6 +42,48 @@ TEST_F(DrawCommand, WritesAnSvgOfTheStretchAskedFor) {
                  "off", track_, "--output", folder_.file("out.svg")});
     EXPECT_EQ(run.exitStatus, 0) << run.err;
     EXPECT_THAT(test::readFile(folder_.file("out.svg")), HasSubstr("width=\"1000px\""));
+}
+
+// The track has three seconds.
+TEST_F(DrawCommand, TakesClockTimesAndRefusesThoseBehindTheEnd) {
+    const std::string picture = folder_.file("out.svg");
+    const auto draw = [&](const std::string& from) {
+        return runTool({"draw", track_, "-o", picture, "--span", "0:01", "--from", from});
+    };
+    EXPECT_EQ(draw("1.5").exitStatus, 0);
+    const std::string inSeconds = test::readFile(picture);
+    EXPECT_EQ(draw("0:01.5").exitStatus, 0);
+    EXPECT_EQ(test::readFile(picture), inSeconds);
+    EXPECT_EQ(draw("0:02").exitStatus, 0);
+    EXPECT_NE(test::readFile(picture), inSeconds);
+    const std::string before = test::readFile(picture);
+    for (const char* beyond : {"3", "1:02:03.5"}) {
+        const ToolRun run = draw(beyond);
+        EXPECT_EQ(run.exitStatus, 1);
+        EXPECT_THAT(run.err, HasSubstr("a.flac: ends at 0:03.00, before --from "));
+        EXPECT_EQ(std::count(run.err.begin(), run.err.end(), '\n'), 1) << run.err;
+        EXPECT_EQ(test::readFile(picture), before);
+    }
+    EXPECT_EQ(draw("1:75").exitStatus, 2);
+}
+
+TEST_F(DrawCommand, ReplacesNoFileThatMayNotBeWritten) {
+    const std::string picture = folder_.file("out.png");
+    test::writeFile(picture, "old");
+    chmod(picture.c_str(), 0444);
+    const ToolRun run = runTool({"draw", track_, "-o", picture});
+    EXPECT_EQ(run.exitStatus, 1);
+    EXPECT_EQ(run.err, "beatatlas: " + picture + " cannot be written: Permission denied\n");
+    EXPECT_EQ(test::readFile(picture), "old");
+}
+
+TEST_F(DrawCommand, ReplacesNoFileInAFolderThatMayNotBeWritten) {
+    const std::string picture = folder_.file("out.png");
+    test::writeFile(picture, "old");
+    chmod(folder_.path().c_str(), 0555);
+    const ToolRun run = runTool({"draw", track_, "-o", picture});
+    chmod(folder_.path().c_str(), 0755);
+    EXPECT_THAT(run.err, HasSubstr("it is replaced as a whole, and its folder: Permission denied"));
 }
 
 TEST_F(DrawCommand, NeedsNoStandardOutput) {
