@@ -18,6 +18,8 @@ namespace {
 // No line holds more, and laying out a tag of megabytes takes its time.
 constexpr std::size_t kLongestTagBytes = 600;
 
+constexpr double kAnswersGap = 1.4;  ///< between tempo and key, in sizes of their letters
+
 /** A tag as one line; nothing when it says nothing or is no text. */
 std::string shownTag(const std::string& tag) {
     const std::size_t first = tag.find_first_not_of(" \t\r\n");
@@ -45,6 +47,7 @@ std::string pictureTitle(const TrackReport& report) {
 void Heading::draw(Canvas& canvas) const {
     drawTitle(canvas);
     drawAnswers(canvas);
+    drawRemarks(canvas);
 }
 
 void Heading::drawTitle(Canvas& canvas) const {
@@ -58,29 +61,30 @@ void Heading::drawTitle(Canvas& canvas) const {
     canvas.text(area.x, area.bottom(), file, muted(), area.width);
 }
 
-void Heading::drawAnswers(Canvas& canvas) const {
-    const bool wantsTempo = report_.options.tempo != beatatlas::track::TempoMode::off;
-    const Rect& keyArea = wantsTempo ? layout_.key : layout_.tempo;
-    const TextStyle style{layout_.answerSize, theme_.text, true};
-    const double y = layout_.tempo.y + (layout_.isCompact ? layout_.answerSize : layout_.titleSize);
-    if (wantsTempo) canvas.text(layout_.tempo.x, y, tempoText(report_), style, layout_.tempo.width);
-    if (report_.options.wantsKey) canvas.text(keyArea.x, y, keyText(report_), style, keyArea.width);
-    const std::string tempo = wantsTempo ? asSentence(tempoRemarks(report_)) : "";
-    const std::string key = report_.options.wantsKey ? asSentence(keyDoubts(report_)) : "";
-    if (layout_.isCompact) {
-        drawRemarks(canvas, tempo, key);
-        return;
-    }
-    const double below = layout_.title.bottom();
-    canvas.paragraph(layout_.tempo.x, below, tempo, muted(), layout_.tempo.width, kRemarkLines);
-    canvas.paragraph(keyArea.x, below, key, muted(), keyArea.width, kRemarkLines);
+bool Heading::wantsTempo() const {
+    return report_.options.tempo != beatatlas::track::TempoMode::off;
 }
 
-void Heading::drawRemarks(Canvas& canvas, const std::string& tempo, const std::string& key) const {
+void Heading::drawAnswers(Canvas& canvas) const {
+    const TextStyle style{layout_.answerSize, theme_.text, true};
+    const Rect& area = layout_.answers;
+    const double y = area.y + layout_.answerSize;
+    double x = area.x;
+    if (wantsTempo()) {
+        x += canvas.text(x, y, tempoText(report_), style, area.width);
+        x += kAnswersGap * layout_.answerSize;
+    }
+    if (report_.options.wantsKey) canvas.text(x, y, keyText(report_), style, area.right() - x);
+}
+
+void Heading::drawRemarks(Canvas& canvas) const {
+    const std::string tempo = wantsTempo() ? asSentence(tempoRemarks(report_)) : "";
+    const std::string key = report_.options.wantsKey ? asSentence(keyDoubts(report_)) : "";
     std::string text = tempo.empty() ? "" : "tempo " + tempo;
-    if (!key.empty()) text += (text.empty() ? "key " : " · key ") + key;
+    if (!key.empty()) text += (text.empty() ? "key " : "  ·  key ") + key;
     const Rect& area = layout_.remarks;
-    canvas.paragraph(area.x, area.y + layout_.bodySize, text, muted(), area.width, kRemarkLines);
+    canvas.paragraph(area.x, area.y + layout_.bodySize, text, muted(), area.width,
+                     layout_.remarkLines);
 }
 
 }  // namespace output

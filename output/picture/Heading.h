@@ -20,7 +20,8 @@ public:
 private:
     void drawTitle(Canvas& canvas) const;
     void drawAnswers(Canvas& canvas) const;
-    void drawRemarks(Canvas& canvas, const std::string& tempo, const std::string& key) const;
+    void drawRemarks(Canvas& canvas) const;
+    bool wantsTempo() const;
     TextStyle muted() const { return {layout_.bodySize, theme_.mutedText}; }
 
     const TrackReport& report_;

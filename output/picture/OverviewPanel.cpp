@@ -107,8 +107,10 @@ void OverviewPanel::drawBars(Canvas& canvas) const {
 }
 
 void OverviewPanel::drawStretchMark(Canvas& canvas) const {
+    if (stretch_.from <= axis_.from() && stretch_.to >= axis_.to()) return;
     const double left = axis_.xOf(stretch_.from);
-    const Rect mark{left, area_.y, std::max(2.0, axis_.xOf(stretch_.to) - left), area_.height};
+    const Rect mark{left, keys_.bottom(), std::max(2.0, axis_.xOf(stretch_.to) - left),
+                    area_.bottom() - keys_.bottom()};
     canvas.fillRect(mark, theme_.mark.withAlpha(0.1));
     canvas.strokeRect(mark, 1.0, theme_.mark.withAlpha(0.6));
 }

@@ -10,10 +10,10 @@ namespace output {
 
 namespace {
 
-constexpr double kLeastForAnswersBesideTitle = 1250.0;
+constexpr double kLeastForRemarksInOneRow = 1100.0;
 constexpr double kLeastForLegendInOneRow = 1000.0;
 constexpr double kLineHeight = 1.35;
-constexpr double kColumnGap = 28.0;
+constexpr double kAnswersGap = 12.0;
 constexpr double kAxisHeight = 30.0;     ///< times below a panel
 constexpr double kCaptionHeight = 38.0;  ///< words above a panel
 
@@ -34,17 +34,17 @@ constexpr Sizes kTitleSize{20.0, 30.0};
 constexpr Sizes kAnswerSize{18.0, 28.0};
 constexpr Sizes kBodySize{12.0, 15.0};
 constexpr Sizes kSmallSize{12.0, 13.0};
-constexpr Sizes kOverviewHeight{150.0, 280.0};
+constexpr Sizes kOverviewHeight{150.0, 254.0};
 constexpr Sizes kDotsHeight{26.0, 44.0};
-constexpr Sizes kZoomHeight{150.0, 256.0};
+constexpr Sizes kZoomHeight{150.0, 244.0};
 
 }  // namespace
 
 PictureLayout::PictureLayout(int widthPixels)
     : scale(std::max(1.0, widthPixels / kWidestUnits)), width(widthPixels / scale), height(0.0),
-      isCompact(width < kLeastForAnswersBesideTitle), titleSize(kTitleSize.at(width)),
-      answerSize(kAnswerSize.at(width)), bodySize(kBodySize.at(width)),
-      smallSize(kSmallSize.at(width)), title{}, tempo{}, key{}, remarks{}, overview{}, legend{},
+      titleSize(kTitleSize.at(width)), answerSize(kAnswerSize.at(width)),
+      bodySize(kBodySize.at(width)), smallSize(kSmallSize.at(width)), title{}, answers{}, remarks{},
+      remarkLines(width < kLeastForRemarksInOneRow ? 2 : 1), overview{}, legend{},
       legendRows(width < kLeastForLegendInOneRow ? 2 : 1), dots{}, zoom{} {
     const double margin = kMargin.at(width);
     placeHeading(margin);
@@ -54,27 +54,14 @@ PictureLayout::PictureLayout(int widthPixels)
 void PictureLayout::placeHeading(double margin) {
     const double inner = width - 2.0 * margin;
     const double line = kLineHeight * bodySize;
-    const double titleHeight = kLineHeight * titleSize;
-    const double answerHeight = kLineHeight * answerSize;
-    title = {margin, margin, inner, titleHeight + line};
-    if (!isCompact) {
-        const double column = (inner - 2.0 * kColumnGap) / 10.0;
-        const double answersHeight = titleHeight + kRemarkLines * line;
-        title.width = 4.0 * column;
-        tempo = {title.right() + kColumnGap, margin, 3.0 * column, answersHeight};
-        key = {tempo.right() + kColumnGap, margin, 3.0 * column, answersHeight};
-        return;
-    }
-    const double column = (inner - kColumnGap) / 2.0;
-    tempo = {margin, title.bottom() + 8.0, column, answerHeight};
-    key = {tempo.right() + kColumnGap, tempo.y, column, answerHeight};
-    remarks = {margin, tempo.bottom(), inner, kRemarkLines * line};
+    title = {margin, 0.8 * margin, inner, kLineHeight * titleSize + line};
+    answers = {margin, title.bottom() + kAnswersGap, inner, kLineHeight * answerSize};
+    remarks = {margin, answers.bottom(), inner, remarkLines * line};
 }
 
 void PictureLayout::placePanels(double margin) {
     const double inner = width - 2.0 * margin;
-    const double headingEnd = isCompact ? remarks.bottom() : tempo.bottom();
-    overview = {margin, headingEnd + 12.0, inner, kOverviewHeight.at(width)};
+    overview = {margin, remarks.bottom() + 12.0, inner, kOverviewHeight.at(width)};
     legend = {margin, overview.bottom() + kAxisHeight, inner, legendRows * kLegendRowHeight};
     dots = {margin, legend.bottom() + kCaptionHeight, inner, kDotsHeight.at(width)};
     zoom = {margin, dots.bottom() + kCaptionHeight, inner, kZoomHeight.at(width)};

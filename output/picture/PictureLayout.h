@@ -17,7 +17,6 @@ struct PictureLayout {
     double scale;  ///< pixels for a unit
     double width;
     double height;
-    bool isCompact;  ///< the answers stand below the title, not beside it
 
     double titleSize;
     double answerSize;
@@ -25,9 +24,9 @@ struct PictureLayout {
     double smallSize;
 
     Rect title;    ///< the name above facts of the file
-    Rect tempo;    ///< the answer; what there is to add below it
-    Rect key;      ///< likewise
-    Rect remarks;  ///< compact: what there is to add to both
+    Rect answers;  ///< tempo and key
+    Rect remarks;  ///< what there is to add to them
+    int remarkLines;
     Rect overview;
     Rect legend;  ///< of the overview's colours
     int legendRows;
@@ -39,7 +38,6 @@ private:
     void placePanels(double margin);
 };
 
-constexpr int kRemarkLines = 2;  ///< below an answer; compact: below both
 constexpr double kLegendRowHeight = 20.0;
 constexpr double kCaptionRise = 11.0;  ///< base line of a panel's caption above the panel
 

@@ -203,7 +203,7 @@ TEST_F(DrawCommand, NeedsNoFont) {
     const output::PictureLayout layout(1600);
     const auto ground = test::hexOf(output::theme(output::ThemeName::dark).background);
     EXPECT_GT(picture.countOthers(ground, layout.title), 200);
-    EXPECT_GT(picture.countOthers(ground, layout.tempo), 200);
+    EXPECT_GT(picture.countOthers(ground, layout.answers), 200);
 }
 
 }  // namespace

@@ -170,6 +170,21 @@ TEST(PictureFile, NeverHidesTheWaveBehindTheGrid) {
     }
 }
 
+TEST(PictureFile, MarksTheZoomedStretchUnlessItIsTheWholeTrack) {
+    PictureOptions options;
+    const int y = static_cast<int>(kLayout.overview.y) + 4;  // above the wave
+    const auto isMarked = [&](const Pixels& picture, int x) {
+        return picture.at(x, y) != hexOf(kDark.panel);
+    };
+    EXPECT_FALSE(isMarked(drawPixels(test::exampleReport(), options), 40 + 3 * 190));
+    options.zoomFromSeconds = 2.0;
+    options.zoomSpanSeconds = 2.0;
+    const Pixels picture = drawPixels(test::exampleReport(), options);
+    EXPECT_FALSE(isMarked(picture, 40 + 190));
+    EXPECT_TRUE(isMarked(picture, 40 + 3 * 190));
+    EXPECT_FALSE(isMarked(picture, 40 + 5 * 190));
+}
+
 TEST(PictureFile, DrawsNoGridBeforeThereIsOne) {
     TrackReport report = test::exampleReport();
     report.analysis.beats.clear();

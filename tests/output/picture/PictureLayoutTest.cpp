@@ -11,10 +11,8 @@ namespace output {
 namespace {
 
 std::vector<Rect> partsOf(const PictureLayout& layout) {
-    std::vector<Rect> parts = {layout.title,  layout.tempo, layout.key, layout.overview,
-                               layout.legend, layout.dots,  layout.zoom};
-    if (layout.isCompact) parts.push_back(layout.remarks);
-    return parts;
+    return {layout.title,  layout.answers, layout.remarks, layout.overview,
+            layout.legend, layout.dots,    layout.zoom};
 }
 
 bool overlap(const Rect& a, const Rect& b) {
@@ -27,6 +25,7 @@ TEST(PictureLayout, KeepsItsPartsInsideAndApartAtEveryWidth) {
         const std::vector<Rect> parts = partsOf(layout);
         for (std::size_t i = 0; i < parts.size(); ++i) {
             ASSERT_GE(parts[i].x, 14.0) << width;
+            ASSERT_GE(parts[i].y, 10.0) << width;
             ASSERT_LE(parts[i].right(), layout.width - 14.0 + 1e-9) << width;
             ASSERT_LE(parts[i].bottom(), layout.height) << width;
             for (std::size_t j = 0; j < i; ++j)
