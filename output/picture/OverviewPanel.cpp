@@ -141,8 +141,9 @@ void OverviewPanel::drawLegend(Canvas& canvas) const {
     const std::size_t perRow = kLoudClasses.size() / static_cast<std::size_t>(layout_.legendRows);
     const double pitch = std::min(kLegendPitch, area.width / static_cast<double>(perRow));
     for (std::size_t i = 0; i < kLoudClasses.size(); ++i) {
+        const std::size_t row = i / perRow;
         const double x = area.x + static_cast<double>(i % perRow) * pitch;
-        const double y = area.y + static_cast<double>(i / perRow) * kLegendRowHeight +
+        const double y = area.y + static_cast<double>(row) * kLegendRowHeight +
                          (kLegendRowHeight + kLegendSwatch) / 2.0 - 1.0;
         canvas.fillRoundedRect({x, y - kLegendSwatch + 1.0, kLegendSwatch, kLegendSwatch}, 3.0,
                                theme_.scale[kLoudClasses[i].step]);

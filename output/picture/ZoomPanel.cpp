@@ -82,7 +82,7 @@ beatatlas::track::WavePoint ZoomPanel::columnAt(double left, double right) const
 
 void ZoomPanel::drawWave(Canvas& canvas) const {
     const double column = canvas.pixel();
-    const auto columns = static_cast<int>(std::floor(wave_.width / column));
+    const auto columns = static_cast<int>(std::lround(wave_.width / column));
     for (int i = 0; i < columns; ++i) {
         const double x = wave_.x + i * column;
         const beatatlas::track::WavePoint point = columnAt(x, x + column);

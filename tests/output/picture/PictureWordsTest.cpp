@@ -82,14 +82,19 @@ private:
     PangoLayout* layout_;
 };
 
-class PictureScript : public testing::TestWithParam<const char*> {};
+struct Script {
+    const char* name;
+    const char* title;
+};
+
+class PictureScript : public testing::TestWithParam<Script> {};
 
 // Boxes would take other pixels than the letters do.
 TEST_P(PictureScript, IsWrittenInItsOwnLetters) {
-    ReferenceTitle reference(GetParam());
+    ReferenceTitle reference(GetParam().title);
     if (!reference.hasLetters())
-        GTEST_SKIP() << "no font that is installed here has the letters of " << GetParam();
-    const Pixels picture = drawPixels(titled(GetParam()));
+        GTEST_SKIP() << "no font that is installed here has letters for " << GetParam().name;
+    const Pixels picture = drawPixels(titled(GetParam().title));
     const Rect area{kLayout.title.x, kLayout.title.y, kLayout.title.width,
                     kLayout.titleSize * 1.28};
     const int expected = reference.ink();
@@ -97,8 +102,12 @@ TEST_P(PictureScript, IsWrittenInItsOwnLetters) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Each, PictureScript,
-                         testing::Values("Night Song", "夜の音楽", "أغنية الليل", "Ночная песня",
-                                         "夜晚的歌"));
+                         testing::Values(Script{"Latin", "Night Song"},
+                                         Script{"Japanese", "夜の音楽"},
+                                         Script{"Arabic", "أغنية الليل"},
+                                         Script{"Cyrillic", "Ночная песня"},
+                                         Script{"Chinese", "夜晚的歌"}),
+                         [](const auto& tested) { return std::string(tested.param.name); });
 
 TEST(PictureWords, BeginAtTheLeftInEveryScript) {
     for (const char* title : {"Night Song", "أغنية الليل"}) {

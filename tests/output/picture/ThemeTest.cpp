@@ -83,7 +83,10 @@ TEST_P(ThemeTest, TakesNumbersFromOutsideForTheNearest) {
     EXPECT_EQ(&theme_.ofLoudness(77), &theme_.ofLoudness(5));
 }
 
-INSTANTIATE_TEST_SUITE_P(Both, ThemeTest, testing::Values(ThemeName::dark, ThemeName::light));
+INSTANTIATE_TEST_SUITE_P(Both, ThemeTest, testing::Values(ThemeName::dark, ThemeName::light),
+                         [](const auto& tested) {
+                             return tested.param == ThemeName::dark ? "Dark" : "Light";
+                         });
 
 }  // namespace
 }  // namespace output
