@@ -6,6 +6,12 @@
 
 namespace base {
 
+/** How a track is called by its file's tags; empty where they do not say. */
+struct TrackTags {
+    std::string artist;
+    std::string title;
+};
+
 /** What a track's file says about itself. */
 struct TrackFormat {
     std::string container;  ///< FFmpeg's short name, "mov,mp4,m4a,3gp,3g2,mj2" for MP4
@@ -13,6 +19,7 @@ struct TrackFormat {
     int channels = 0;
     int trackRate = 0;    ///< Hz, of the file
     int sessionRate = 0;  ///< Hz, of the analysis
+    TrackTags tags = {};
 };
 
 /** What of a track's sound was not analysed as it is. */

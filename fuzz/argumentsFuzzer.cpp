@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The tool's command line: its own words, numbers and file names in any order, and any other bytes. Commands that parse
 // are run, in a folder of their own with a short track in it; no argument can name anything outside, because no argument
-// holds a slash.
+// holds a slash or two dots in a row.
 #include <algorithm>
 #include <cstdlib>
 #include <filesystem>
@@ -60,7 +60,8 @@ std::string argumentOf(FuzzInput& input, const std::vector<std::string>& words) 
         const char character = static_cast<char>(input.byte());
         // An argument ends at its first zero byte.
         if (character == '\0') break;
-        raw += character == '/' ? '_' : character;
+        const bool leadsOutside = character == '/' || (character == '.' && raw.ends_with('.'));
+        raw += leadsOutside ? '_' : character;
     }
     return raw;
 }
@@ -87,6 +88,8 @@ public:
             if (std::find(kept_.begin(), kept_.end(), name) == kept_.end())
                 std::filesystem::remove_all(folder_->file(name));
         }
+        for (const auto& picture : std::filesystem::directory_iterator(folder_->file("folder")))
+            std::filesystem::remove_all(picture);
     }
 
 private:

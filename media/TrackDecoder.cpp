@@ -30,6 +30,7 @@ TrackDecoder::TrackDecoder(const std::string& path)
       packet_(makePacket()), frame_(makeFrame()) {
     format_.container = container_.format();
     format_.codec = decoder_.codec();
+    format_.tags = container_.tags();
 }
 
 void TrackDecoder::run(TrackSink& sink) {

@@ -98,10 +98,13 @@ std::string tempoText(const TrackReport& report) {
     return bpm ? bpmText(*bpm) + " BPM" : "no tempo found";
 }
 
+std::string tempoRemarks(const TrackReport& report) {
+    return tempoRange(report.analysis) + judgementText(report.analysis);
+}
+
 std::string keyText(const TrackReport& report) {
     if (!report.analysis.key) return kNoKeyText;
-    const int best = report.analysis.key->best();
-    return shortKeyName(best, report.keyNotation) + keyDoubts(report);
+    return shortKeyName(report.analysis.key->best(), report.keyNotation);
 }
 
 std::string textSummary(const TrackReport& report) {
@@ -109,8 +112,7 @@ std::string textSummary(const TrackReport& report) {
     const beatatlas::track::Options& options = report.options;
     std::string text = trackFileText(report, analysis.frames);
     if (options.tempo != beatatlas::track::TempoMode::off) {
-        text +=
-            textLine("tempo", tempoText(report) + tempoRange(analysis) + judgementText(analysis));
+        text += textLine("tempo", tempoText(report) + tempoRemarks(report));
         text += textLine("beats", beatsText(analysis));
     }
     if (options.wantsKey) text += textLine("key", keyDetails(report)) + keyChangesText(report);

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "cli/DrawCommand.h"
 
+#include <map>
+
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
 
@@ -10,8 +12,8 @@
 #include "cli/keyNotation.h"
 #include "cli/messages.h"
 #include "cli/numberBetween.h"
+#include "cli/oneOf.h"
 #include "cli/timeArgument.h"
-#include "io/fileEnding.h"
 #include "media/OutputFile.h"
 #include "output/picture/PictureFile.h"
 #include "output/textFormat.h"
@@ -20,11 +22,8 @@ namespace app {
 
 namespace {
 
-/** @throws UsageError when the name ends in neither .png nor .svg */
-output::PictureFormat pictureFormatOf(const std::string& path) {
-    if (hasEnding(path, ".png")) return output::PictureFormat::png;
-    if (hasEnding(path, ".svg")) return output::PictureFormat::svg;
-    throw base::UsageError("the picture's name must end in .png or .svg (--output)");
+std::map<std::string, output::ThemeName> themes() {
+    return {{"dark", output::ThemeName::dark}, {"light", output::ThemeName::light}};
 }
 
 }  // namespace
@@ -37,13 +36,10 @@ void DrawCommand::refuseBeyondEnd(double trackSeconds) const {
 }
 
 void DrawCommand::declare(CLI::App& arguments) {
-    arguments.add_option("FILE", path_, "a track of any common audio format")
+    arguments.add_option("FILE", paths_, "tracks of any common audio format")
         ->required()
-        ->option_text(" ");
-    arguments
-        .add_option("-o,--output", outputPath_, "the picture: a name that ends in .png or .svg")
-        ->required()
-        ->option_text("OUT");
+        ->option_text("...");
+    places_.declare(arguments);
     arguments
         .add_option("--from", picture_.zoomFromSeconds,
                     "where the zoomed stretch begins (default: at the loudest place)")
@@ -59,6 +55,9 @@ void DrawCommand::declare(CLI::App& arguments) {
                     "width of the picture in pixels (default: 1600)")
         ->check(numberBetween(output::kNarrowestPicture, output::kWidestPicture))
         ->option_text("PIXELS");
+    arguments.add_option("--theme", picture_.theme, "dark (default) or light")
+        ->transform(oneOf(themes()))
+        ->option_text("NAME");
     addKeyNotation(arguments, keyNotation_);
     analysis_.declare(arguments);
     effort_.declare(arguments);
@@ -67,29 +66,46 @@ void DrawCommand::declare(CLI::App& arguments) {
 
 ExitCode DrawCommand::run(ResultStream&) {
     analysis_.settle();
-    const std::string path = unguarded(path_);
-    tracks_.settle({path});
-    const std::string outputPath = unguarded(outputPath_);
-    const output::PictureFormat format = pictureFormatOf(outputPath);
-    media::OutputFile::requireWritable(outputPath);
-    if (media::OutputFile::isSameFile(path, outputPath))
-        throw base::UsageError("the picture would replace the track itself");
+    for (std::string& path : paths_) path = unguarded(path);
+    tracks_.settle(paths_);
+    places_.settle(paths_);
+    bool allDone = true;
+    for (std::size_t i = 0; i < paths_.size(); ++i) allDone = drawTrack(i, paths_[i]) && allDone;
+    tracks_.tellOutcome();
+    return allDone ? kExitDone : kExitFailed;
+}
+
+bool DrawCommand::drawTrack(std::size_t track, const std::string& path) {
     media::FileAnalysis::Options reading = tracks_.reading(path, effort_.effort());
     reading.track = analysis_.options();
-    auto report = tracks_.attempt(path, [&](ProgressLine& progress) {
-        auto analysed = analyzeFile(path, reading, progress);
-        refuseBeyondEnd(analysed.analysis.seconds());
-        return analysed;
+    std::string warning;
+    const auto report = tracks_.attempt(path, [&](ProgressLine& progress) {
+        requireFree(track);
+        output::TrackReport found = analyzeFile(path, reading, progress);
+        refuseBeyondEnd(found.analysis.seconds());
+        found.keyNotation = keyNotation_;
+        warning = write(found, places_.path(track));
+        return found;
     });
-    if (!report) return kExitFailed;
-    report->keyNotation = keyNotation_;
-    media::OutputFile picture(outputPath);
-    output::writePicture(*report, picture_, format, [&](const void* bytes, std::size_t count) {
-        picture.write(bytes, count);
-    });
-    const std::string warning = picture.commit();
-    if (!warning.empty()) printFileWarning(outputPath, warning);
-    return kExitDone;
+    if (!warning.empty()) printFileWarning(places_.path(track), warning);
+    return report.has_value();
+}
+
+/** One picture that cannot be written keeps none of the others from being drawn. */
+void DrawCommand::requireFree(std::size_t track) const {
+    try {
+        places_.requireFree(track);
+    } catch (const base::OutputError& error) {
+        throw base::TrackError(error.what());
+    }
+}
+
+std::string DrawCommand::write(const output::TrackReport& report, const std::string& path) const {
+    media::OutputFile picture(path);
+    output::writePicture(
+        report, picture_, places_.format(),
+        [&](const void* bytes, std::size_t count) { picture.write(bytes, count); });
+    return picture.commit();
 }
 
 }  // namespace app

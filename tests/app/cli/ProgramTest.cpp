@@ -44,7 +44,8 @@ TEST(Program, PrintsHelpForEachCommand) {
     }
     const ToolRun draw = runTool({"draw", "--help"});
     EXPECT_EQ(draw.exitStatus, 0);
-    for (const char* part : {"--output", "--from", "--span", "--width", "--key-notation"})
+    for (const char* part : {"FILE", "--output", "--directory", "--format", "--overwrite", "--from",
+                             "--span", "--width", "--theme", "--key-notation"})
         EXPECT_THAT(draw.out, HasSubstr(part));
     const ToolRun key = runTool({"key", "--help"});
     for (const char* part : {"FILE", "--json", "--pitch", "--mode", "--key-notation", "--partial"})

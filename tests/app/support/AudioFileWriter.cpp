@@ -36,6 +36,7 @@ public:
         addStream();
         if (kind_.hasCover) addCover();
         require(avio_open(&format_->pb, ("file:" + path).c_str(), AVIO_FLAG_WRITE), "open");
+        av_dict_parse_string(&format_->metadata, kind_.tags, "=", ":", 0);
         AVDictionary* options = nullptr;
         av_dict_parse_string(&options, kind.muxerOptions, "=", ":", 0);
         const int written = avformat_write_header(format_, &options);
