@@ -38,6 +38,9 @@ public:
     /** The program that wrote the file, as its tags name it; empty when they do not. */
     std::string writer() const;
 
+    /** The encoder of the music stream, as its tags name it; empty when they do not. */
+    std::string encoder() const;
+
     /** Length of the music stream in seconds by its own account, encoder padding included or not as
      *  the format has it; nothing when the format has no such account and it could only be guessed
      *  from the bit rate. */
