@@ -64,8 +64,10 @@ constexpr std::array kUsualDelays = {
     UsualDelay{AV_CODEC_ID_SPEEX, 349 + 160, 32000},
 };
 
-// What FFmpeg drops by the header of an MP3 that tells no delay of its encoder: the decoder's.
+// What FFmpeg drops by the header of an MP3 that has 0 for its encoder's delay, and by one that has
+// -529 in its twelve bits.
 constexpr std::int64_t kMp3DecoderDelay = 529;
+constexpr std::int64_t kMp3NegativeDelay = 4096;
 
 bool isWmaByFfmpeg(const Container& container) {
     const AVCodecID codec = container.stream().codecpar->codec_id;
@@ -83,6 +85,19 @@ bool isLayer2(const AVPacket& packet) {
     return packet.size >= 2 && packet.data[0] == 0xFF && (packet.data[1] & 0xE6) == 0xE4;
 }
 
+/** The frame with LAME's or Xing's header, which some programs copy along with the music. It stands
+ *  where the side information of an ordinary frame would end. */
+bool isMp3Header(const AVPacket& packet) {
+    const std::string_view bytes(reinterpret_cast<const char*>(packet.data),
+                                 static_cast<std::size_t>(packet.size));
+    for (const std::size_t at : {4U + 9U, 4U + 17U, 4U + 32U}) {
+        if (bytes.size() < at + 4) return false;
+        const std::string_view mark = bytes.substr(at, 4);
+        if (mark == "Xing" || mark == "Info") return true;
+    }
+    return false;
+}
+
 }  // namespace
 
 EncoderDelay::EncoderDelay(const Container& container, const FileInput& input)
@@ -94,11 +109,24 @@ void EncoderDelay::prepare(AVCodecContext& context) const {
     if (isWmaByFfmpeg(container_)) context.flags2 |= AV_CODEC_FLAG2_SKIP_MANUAL;
 }
 
-void EncoderDelay::look(const AVPacket& first) {
-    std::size_t size = 0;
-    const std::uint8_t* told = av_packet_get_side_data(&first, AV_PKT_DATA_SKIP_SAMPLES, &size);
-    if (told != nullptr && size >= 4) told_ = AV_RL32(told);
+void EncoderDelay::look(AVPacket& first) {
     if (codec_ == AV_CODEC_ID_MP3 && isLayer2(first)) codec_ = AV_CODEC_ID_MP2;
+    beginsWithHeader_ = codec_ == AV_CODEC_ID_MP3 && isMp3Header(first);
+    std::size_t size = 0;
+    std::uint8_t* told = av_packet_get_side_data(&first, AV_PKT_DATA_SKIP_SAMPLES, &size);
+    if (told == nullptr || size < 4) return;
+    told_ = AV_RL32(told);
+    if (!isTagOfCopy()) return;
+    told_ = usualFrames(0);
+    AV_WL32(told, static_cast<std::uint32_t>(told_));
+}
+
+/** FFmpeg's own header of an MP3 that it copied, or whose encoder told it nothing, has no delay but
+ *  the decoder's, or less than none, which becomes as much as the header holds. */
+bool EncoderDelay::isTagOfCopy() const {
+    const bool isOfMp3 = codec_ == AV_CODEC_ID_MP3 && container_.isFormat("mp3");
+    return isOfMp3 && (told_ == kMp3DecoderDelay || told_ == kMp3NegativeDelay) &&
+           container_.writer().starts_with("Lav");
 }
 
 std::int64_t EncoderDelay::framesToDrop(int blockFrames, int rate) const {
@@ -109,20 +137,15 @@ std::int64_t EncoderDelay::framesToDrop(int blockFrames, int rate) const {
         // makes it drop as many frames of that rate, which are fewer.
         return told_ == 0 ? 0 : std::max<std::int64_t>(0, codec.initial_padding - told_);
     }
-    if (told_ > 0) return tellsAll() ? 0 : std::max<std::int64_t>(0, usualFrames(rate) - told_);
+    // Speex' encoder has its own look-ahead told, and no file that of the decoder.
+    if (told_ > 0 && codec_ == AV_CODEC_ID_SPEEX)
+        return std::max<std::int64_t>(0, usualFrames(rate) - told_);
+    if (told_ > 0) return 0;
     if (container_.isFormat("matroska") && codec.initial_padding > 0) return codec.initial_padding;
     const std::int64_t priming = container_.isFormat("caf") ? cafPriming(input_) : 0;
     if (priming > 0) return priming;
-    return isLosslessDts(codec) ? 0 : usualFrames(rate);
-}
-
-bool EncoderDelay::tellsAll() const {
-    // Speex' encoder has its own look-ahead told, and no file that of the decoder.
-    if (codec_ == AV_CODEC_ID_SPEEX) return false;
-    // FFmpeg's own header of an MP3 that it copied, or whose encoder told it nothing, has no delay
-    // but the decoder's.
-    return told_ != kMp3DecoderDelay || !container_.isFormat("mp3") ||
-           !container_.writer().starts_with("Lav");
+    if (isLosslessDts(codec)) return 0;
+    return usualFrames(rate) + (beginsWithHeader_ ? blockFrames : 0);
 }
 
 std::int64_t EncoderDelay::usualFrames(int rate) const {

@@ -25,9 +25,10 @@ public:
      *  its hands off. Call before the codec is opened. */
     void prepare(AVCodecContext& context) const;
 
-    /** Looks what the stream holds, and how much it tells FFmpeg to drop.
+    /** Looks what the stream holds, and how much it tells FFmpeg to drop; where that is known to be
+     *  wrong, it is put right.
      *  @param first  the stream's first packet */
-    void look(const AVPacket& first);
+    void look(AVPacket& first);
 
     /** @param blockFrames  length of the first decoded block
      *  @param rate         of that block
@@ -35,13 +36,14 @@ public:
     std::int64_t framesToDrop(int blockFrames, int rate) const;
 
 private:
-    bool tellsAll() const;
+    bool isTagOfCopy() const;
     std::int64_t usualFrames(int rate) const;
 
     const Container& container_;
     const FileInput& input_;
     AVCodecID codec_;
-    std::int64_t told_ = 0;  ///< frames that FFmpeg drops by the file's word
+    bool beginsWithHeader_ = false;  ///< an MP3's own, which is decoded as a block of silence
+    std::int64_t told_ = 0;          ///< frames that FFmpeg drops by the file's word
 };
 
 }  // namespace media

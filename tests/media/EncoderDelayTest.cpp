@@ -203,15 +203,43 @@ TEST_F(EncoderDelayTest, FollowsTheCodecDelayOfMatroska) {
     EXPECT_NEAR(shiftInFrames(path), 1024.0 - 441.0, 0.5);
 }
 
-// A copy by FFmpeg has a header that tells the decoder's delay alone, as of an encoder without one.
+// FFmpeg puts a header in front of a copied MP3 that has 0 for the delay that it was not told, or
+// less the decoder's 529.
 TEST_F(EncoderDelayTest, DoesNotTakeTheHeaderOfACopiedMp3ForItsEncodersWord) {
     const std::string path = written({"MP3", "mp3"}, "libmp3lame");
-    std::string bytes = test::readFile(path);
-    const std::size_t delaysAt = bytes.find("Lavc") + 21;
+    const std::string original = test::readFile(path);
+    const std::size_t delaysAt = original.find("Lavc") + 21;
     // 576 frames in the upper twelve of 24 bits.
-    ASSERT_EQ(bytes.at(delaysAt), '\x24');
-    bytes[delaysAt] = '\0';
-    test::writeFile(path, bytes);
+    ASSERT_EQ(original.substr(delaysAt, 1), "\x24");
+    for (const char* delay : {"\x00\x00", "\xDE\xF0"}) {
+        std::string bytes = original;
+        bytes.replace(delaysAt, 2, delay, 2);
+        test::writeFile(path, bytes);
+        TrackDecoder decoder(path);
+        test::Recorder sound;
+        decoder.run(sound);
+        EXPECT_NEAR(test::patternShift(sound.left, kRate).value_or(NAN) * kRate, 0.0, 0.5);
+        EXPECT_EQ(decoder.declaredFrames(), static_cast<std::int64_t>(sound.left.size()));
+    }
+}
+
+std::string littleEndian(std::uint32_t value, int bytes) {
+    std::string text;
+    for (int i = 0; i < bytes; ++i) text += static_cast<char>(value >> (8 * i));
+    return text;
+}
+
+// A whole MP3 in the shell of a WAV, as some programs make them: its header is a block of silence.
+TEST_F(EncoderDelayTest, DropsTheHeaderOfAnMp3InsideAnotherContainer) {
+    const std::string path = written({"MP3", "mp3", "id3v2_version=0"}, "libmp3lame");
+    const std::string mp3 = test::readFile(path);
+    const auto length = static_cast<std::uint32_t>(mp3.size());
+    const std::string format = littleEndian(0x55, 2) + littleEndian(2, 2) + littleEndian(kRate, 4) +
+                               littleEndian(16000, 4) + littleEndian(1, 2) + littleEndian(0, 2) +
+                               littleEndian(0, 2);
+    test::writeFile(path, "RIFF" + littleEndian(length + 4 + 8 + 18 + 8, 4) + "WAVEfmt " +
+                              littleEndian(18, 4) + format + "data" + littleEndian(length, 4) +
+                              mp3);
     EXPECT_NEAR(shiftInFrames(path), 0.0, 0.5);
 }
 
