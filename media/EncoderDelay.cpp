@@ -36,15 +36,16 @@ struct UsualDelay {
 //   G.723.1    A look-ahead of 7.5 ms at 8 kHz (ITU-T G.723.1).
 //   Nellymoser Half of its transform of 256.
 //   RealAudio 14.4   A block of 20 ms at 8 kHz, by which FFmpeg's encoder looks ahead.
-//   Opus       The look-ahead of libopus, 6.5 ms at 48 kHz (RFC 7845, 5.1.1).
-//   Speex      The look-ahead of encoder and decoder (libspeex: 40 + 40 in narrow band, 143 + 80 in
-//              wide, 349 + 160 in ultra-wide band).
+//   Opus       The look-ahead of libopus, 6.5 ms at 48 kHz (its OPUS_GET_LOOKAHEAD).
+//   Speex      The look-ahead of encoder and decoder (libspeex' SPEEX_GET_LOOKAHEAD): 40 + 40 in
+//              narrow band, 143 + 80 in wide, 349 + 160 in ultra-wide band.
+// All but Apple's and those of MPEG layer 1 were found with FFmpeg's encoders as well, by
+// tests/media/positions.
 constexpr std::array kUsualDelays = {
     UsualDelay{AV_CODEC_ID_MP1, 481},
     UsualDelay{AV_CODEC_ID_MP2, 481},
     UsualDelay{AV_CODEC_ID_MP3, 528 + 529, 0, "libshine"},
     UsualDelay{AV_CODEC_ID_MP3, 576 + 529},
-    UsualDelay{AV_CODEC_ID_AAC, 1024, 0, "Lavf"},
     UsualDelay{AV_CODEC_ID_AAC, 2112, 0, "iTunes"},
     UsualDelay{AV_CODEC_ID_AAC, 2112, 0, "com.apple"},
     UsualDelay{AV_CODEC_ID_AAC, 2112, 0, "QuickTime"},
@@ -141,7 +142,9 @@ std::int64_t EncoderDelay::framesToDrop(int blockFrames, int rate) const {
     if (told_ > 0 && codec_ == AV_CODEC_ID_SPEEX)
         return std::max<std::int64_t>(0, usualFrames(rate) - told_);
     if (told_ > 0) return 0;
-    if (container_.isFormat("matroska") && codec.initial_padding > 0) return codec.initial_padding;
+    // A second of it is no delay but damage.
+    const bool hasCodecDelay = codec.initial_padding > 0 && codec.initial_padding < rate;
+    if (container_.isFormat("matroska") && hasCodecDelay) return codec.initial_padding;
     const std::int64_t priming = container_.isFormat("caf") ? cafPriming(input_) : 0;
     if (priming > 0) return priming;
     if (isLosslessDts(codec)) return 0;
