@@ -42,6 +42,11 @@ bool isAudioContainer(const AVInputFormat& format) {
                        [&](std::string_view name) { return hasName(format.name, name); });
 }
 
+std::string tagOf(const AVDictionary* tags, const char* name) {
+    const AVDictionaryEntry* tag = av_dict_get(tags, name, nullptr, 0);
+    return tag == nullptr ? std::string() : tag->value;
+}
+
 int refuseToOpen(AVFormatContext*, AVIOContext**, const char*, int, AVDictionary**) {
     return AVERROR(EPERM);
 }
@@ -117,7 +122,12 @@ bool Container::isFormat(const char* name) const {
 }
 
 std::string Container::writer() const {
-    return tagOf(context_->metadata, "encoder");
+    const std::string program = tagOf(context_->metadata, "encoder");
+    return program.empty() ? tagOf(context_->metadata, "software") : program;
+}
+
+std::string Container::encoder() const {
+    return tagOf(stream_->metadata, "encoder");
 }
 
 base::TrackTags Container::tags() const {

@@ -39,6 +39,9 @@ public:
     /** The program that wrote the file, as its tags name it; empty when they do not. */
     std::string writer() const;
 
+    /** The encoder of the music stream, as its tags name it; empty when they do not. */
+    std::string encoder() const;
+
     /** How the track is called, by the music stream's own tags (Ogg has them there), else the
      *  file's. As they were found: not always UTF-8. */
     base::TrackTags tags() const;

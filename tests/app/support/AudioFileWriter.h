@@ -14,6 +14,7 @@ struct FileKind {
     const char* muxerOptions = "";  ///< "key=value:key=value"
     bool hasCover = false;          ///< a picture beside the music, as music shops put it there
     const char* tags = "";          ///< "key=value:key=value"
+    int bitRate = 192000;
 };
 
 /** Writes a sound as an audio file. @throws std::runtime_error, which says what FFmpeg could not
