@@ -11,17 +11,18 @@ namespace beatatlas::track::inner {
 
 inline constexpr int kWaveKinds = 3;
 
-/** Everything that is known about a track: plain data in the records of the interface, with no ties
- *  to what found it. Empty lists and a tempo of 0: nothing was found, or it was not asked for. */
+/** All results of a track: plain data in the records of the interface, independent of the objects
+ *  that found it. Empty lists and a tempo of 0 mean that nothing was found or that it was not asked
+ *  for. */
 struct TrackResult {
     std::int32_t rate = 0;
     std::int64_t frames = 0;
     double bpm = 0.0;
-    double rawBpm = 0.0;         // before it was brought into a range
-    std::int32_t isSteady = -1;  // 1, 0, -1: not known
+    double rawBpm = 0.0;         // before it was brought into the range of the options
+    std::int32_t isSteady = -1;  // 1, 0, or -1 if not known
     BA_TrackConfidence confidence{};
     std::vector<BA_TrackTempoStretch> stretches;
-    std::vector<BA_TrackReading> readings;  // but for the chosen one, best first
+    std::vector<BA_TrackReading> readings;  // other than the chosen one, best first
     std::vector<BA_TrackBeat> beats;
     std::array<std::vector<BA_WaveInfo>, kWaveKinds> waves;  // by BA_TRACK_WAVE_…
     std::vector<BA_TrackKeyCandidate> keys;                  // by evidence, the likeliest first

@@ -219,8 +219,8 @@ typedef struct BA_TrackReading {
     double bpm;
     /** Its probability, 0 to 1; those of the chosen reading and of all others add up to 1. */
     double share;
-    /** The distance from a beat of the answer to the next beat of this reading, in beats of the
-     *  answer, 0 to 1. */
+    /** How far its first beat lies after the beat of the answer before it, in beats of the answer,
+     *  0 to 1. */
     double shift_beats;
     int32_t kind;     /**< BA_TRACK_READING_… */
     int32_t reserved; /**< 0 */

@@ -115,8 +115,8 @@ struct Reading {
     /** Its probability, 0 to 1; those of the chosen reading and of all others add up to 1. */
     double share = 0.0;
 
-    /** The distance from a beat of the answer to the next beat of this reading, in beats of the
-     *  answer, 0 to 1. */
+    /** How far its first beat lies after the beat of the answer before it, in beats of the answer,
+     *  0 to 1. */
     double shiftBeats = 0.0;
 };
 

@@ -13,7 +13,7 @@
 
 namespace beatatlas::track::inner {
 
-/** What a host knows or wants of the tempo. */
+/** What a host knows about the tempo or wants it to be. */
 struct TempoWishes {
     double lowestBpm = 0.0;  // a range to bring the tempo into; both 0: none
     double highestBpm = 0.0;
@@ -23,8 +23,8 @@ struct TempoWishes {
 /** Another reading of the beats, and how likely it is. */
 struct TempoAlternative {
     double bpm = 0.0;
-    double tempoRatio = 1.0;  // of its tempo to the answer's
-    /** How far its first beat lies behind one of the answer's, in beats of the answer. */
+    double tempoRatio = 1.0;  // its tempo divided by that of the answer
+    /** How far its first beat lies after a beat of the answer, in beats of the answer, 0 … 1. */
     double shiftBeats = 0.0;
     double share = 0.0;  // 0 … 1
 };
@@ -32,26 +32,26 @@ struct TempoAlternative {
 /** The tempo of a track, and what led to it. */
 struct TempoAnswer {
     double bpm = 0.0;               // 0, without beats: no tempo
-    double rawBpm = 0.0;            // before it was brought into the range wished for
+    double rawBpm = 0.0;            // before it was brought into the host's range
     std::vector<double> beats;      // seconds, ascending
-    std::vector<double> downbeats;  // those that begin a bar
+    std::vector<double> downbeats;  // the beats that begin a bar
     BarCount bars;                  // of these beats
     bool isSteady = true;
-    std::vector<TempoStretch> stretches;         // one when it is steady
+    std::vector<TempoStretch> stretches;         // one if it is steady
     std::vector<TempoAlternative> alternatives;  // the likeliest first
     TempoConfidence confidence;
 
     double clarity = 0.0;   // see clarityOf()
     double standing = 0.0;  // see LocalTempo
     Steadiness steadiness;
-    std::vector<double> line;          // the beats that all readings are measured on, seconds
+    std::vector<double> line;          // the beats on which all readings are based, seconds
     std::vector<MetreReading> metres;  // the best first
 };
 
-/** Weighs what two sessions of the core found and what else was heard of a track.
+/** Weighs the results of two sessions of the core against the evidence found in the track.
  *
- *  The same bits whatever the rounding mode and vector form. Where another maths library gives
- *  other last bits (of exp, log, sin, cos), those of the answer may differ too. */
+ *  The same bits in every rounding mode and vector form. With another mathematics library, exp,
+ *  log, sin and cos may differ in their last bits, and so may the answer. */
 TempoAnswer decideTempo(const Evidence& evidence, const SessionGrids& sessions, int rate,
                         const TempoWishes& wishes);
 
