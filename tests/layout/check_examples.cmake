@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-# What the program is said to print of the demo's track is what it prints.
+# The documents show the program's real output for the demo track.
 cmake_minimum_required(VERSION 3.25)
 
 file(MAKE_DIRECTORY ${FOLDER})

@@ -42,7 +42,7 @@ def ask(tool, mode, path):
 
 
 def compare(reference, other):
-    """(deviation in BPM, largest distance in s of beats with a partner, how many beats have none)"""
+    """(deviation in BPM, largest distance in s of beats with a partner, how many have none)"""
     (bpm, beats), (other_bpm, other_beats) = reference, other
     if len(beats) < 2 or len(other_beats) < 2:
         return other_bpm - bpm, 0.0, abs(len(beats) - len(other_beats))

@@ -4,10 +4,10 @@
 
 usage: make_styles.py OUTDIR [--seeds N] [--only STYLE,...] [--jobs N] [--midi-only]
 
-OUTDIR receives corpus.json, beats/ID.txt (seconds, a tab, 1 on the first beat of a bar), midi/ID.mid
-and ID.flac (44.1 kHz, 16 bits). Every style has N seeds (4); the same seed gives the same piece
-everywhere. Pieces of even seeds are the half for fitting weights (half: "fit"), those of odd seeds
-the half for judging ("judge"), so both halves contain every style.
+OUTDIR receives corpus.json, beats/ID.txt (seconds, a tab, 1 on the first beat of a bar),
+midi/ID.mid and ID.flac (44.1 kHz, 16 bits). Every style has N seeds (4); the same seed gives the
+same piece everywhere. Pieces of even seeds are the half for fitting weights (half: "fit"), those of
+odd seeds the half for judging ("judge"), so both halves contain every style.
 
 The beat is the one listeners tap: the dotted quarter of a jig, the quarter of a waltz. Where
 musicians disagree on the octave (half-time trap, bossa nova) the piece is flagged octave_unsure. A
