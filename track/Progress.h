@@ -25,7 +25,8 @@ private:
     Callback callback_;
     void* host_;
     std::int64_t total_;
-    std::mutex mutex_;  // of what follows, and of the host's call
+    // Protects what follows, and the host's call.
+    std::mutex mutex_;
     std::int64_t done_ = 0;
     bool isStopped_ = false;
 };

@@ -60,7 +60,8 @@ private:
     LevelCode* nextFrame();
 
     int hop_;
-    std::vector<int> edges_;  // bins at which a band begins, and the end of the last one
+    // Bins at which a band begins, and the end of the last one.
+    std::vector<int> edges_;
     std::array<std::size_t, kGroups + 1> groupStarts_{};
     int bins_;           // that are used, a multiple of 16
     BandSums evenSums_;  // of the first of two frames

@@ -26,9 +26,12 @@ public:
     void sum(int bins, float* sums);
 
 private:
-    std::vector<float> neighbours_;        // powers, then their sums of 2, 4, 8 and 16 neighbours
-    std::vector<std::size_t> terms_;       // of all bands, as indexes into neighbours_
-    std::vector<std::size_t> firstTerms_;  // index of each band's first term, and the end
+    // Powers, then their sums of 2, 4, 8 and 16 neighbours.
+    std::vector<float> neighbours_;
+    // The terms of all bands, as indexes into neighbours_.
+    std::vector<std::size_t> terms_;
+    // Index of each band's first term, and the end.
+    std::vector<std::size_t> firstTerms_;
 };
 
 }  // namespace beatatlas::track::inner

@@ -28,8 +28,10 @@ public:
 private:
     void filterBuffer();
 
-    std::vector<float> taps_;    // kTaps, a zero after the last
-    std::vector<float> buffer_;  // begins at the first sample that the next output needs
+    // kTaps weights; the last one is zero.
+    std::vector<float> taps_;
+    // Begins at the first sample that the next output needs.
+    std::vector<float> buffer_;
     std::vector<float> outputs_;
     std::int64_t samples_ = 0;
     std::int64_t made_ = 0;

@@ -73,8 +73,10 @@ private:
     std::int64_t length_;
     FrameSpectra spectra_;
     std::vector<float> buffer_;
-    std::int64_t bufferStart_;  // position of the buffer's first sample in the stream
-    std::int64_t filled_;       // samples in the buffer
+    // Position of the buffer's first sample in the stream.
+    std::int64_t bufferStart_;
+    // Samples in the buffer.
+    std::int64_t filled_;
     std::int64_t nextFrame_ = 0;
 };
 

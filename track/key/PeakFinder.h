@@ -7,8 +7,10 @@ namespace beatatlas::track::inner {
 
 /** A partial of the sound. */
 struct SpectralPeak {
-    float pitch;     // semitones, 69 at 440 Hz
-    float strength;  // amplitude relative to that of the largest bin
+    /** Semitones, 69 at 440 Hz. */
+    float pitch;
+    /** Amplitude relative to that of the largest bin. */
+    float strength;
 };
 
 /** Finds the local maxima of power spectra from 40 Hz to 3 kHz (or half the rate, if lower) and
@@ -35,8 +37,10 @@ private:
     double hzPerBin_;
     int firstBin_;
     int endBin_;
-    std::vector<float> weights_;  // weight of each bin's power in a chroma
-    std::vector<int> bins_;       // the bins of a frame's maxima
+    // Weight of each bin's power in a chroma.
+    std::vector<float> weights_;
+    // The bins of a frame's maxima.
+    std::vector<int> bins_;
 };
 
 inline constexpr double kPitchOfA4 = 69.0;

@@ -7,7 +7,8 @@ namespace beatatlas::track::inner {
 
 /** The tempo along a track, every two seconds, within a third of the tempo of the whole track. */
 struct LocalTempo {
-    std::vector<double> hz;  // beats per second, in windows of eight seconds
+    /** Beats per second, in windows of eight seconds. */
+    std::vector<double> hz;
     /** How far the beats and their harmonics stand out from the other frequencies of a window; the
      *  median of all windows. Noise gives about 2. */
     double standing = 0.0;

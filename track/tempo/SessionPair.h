@@ -18,8 +18,10 @@ namespace beatatlas::track::inner {
 
 /** The answer of a session: tempo and grid as a host receives them. */
 struct SessionGrid {
-    int bpm100 = 0;          // hundredths of a BPM; 0: none was found
-    peakss::BeatList beats;  // the final grid
+    /** Hundredths of a BPM; 0: none was found. */
+    int bpm100 = 0;
+    /** The final grid. */
+    peakss::BeatList beats;
 };
 
 struct SessionGrids {

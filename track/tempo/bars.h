@@ -15,7 +15,7 @@ struct BarReading {
     int phase = 0;  // index of the first downbeat
     BarFeatures features{};
     double score = 0.0;
-    double share = 0.0;  // of all readings, as a probability
+    double share = 0.0;  // probability among all readings
 };
 
 /** With fewer beats nothing can be said about bars. */

@@ -6,7 +6,8 @@ namespace beatatlas::track::inner {
 /** How likely each part of an answer is right if the parts before it are, 0 … 1: the share of right
  *  answers on tracks of known metre. 0 where there is no answer. */
 struct TempoConfidence {
-    double pulse = 0.0;  // the tempo, up to the level of the metre
+    /** The tempo, up to the level of the metre. */
+    double pulse = 0.0;
     double level = 0.0;
     double phase = 0.0;
     double bars = 0.0;

@@ -19,8 +19,10 @@ struct SessionDownbeats {
 /** How the beats of a track are numbered in bars. */
 struct BarCount {
     int beatsPerBar = 4;
-    std::vector<int> numbers;  // of each beat in its bar; 1 is a downbeat
-    double share = 0.0;        // probability of the chosen readings; the mean over several parts
+    /** The number of each beat in its bar; 1 is a downbeat. */
+    std::vector<int> numbers;
+    /** Probability of the chosen readings; the mean over several parts. */
+    double share = 0.0;
 };
 
 /** Numbers the beats of a track in bars.

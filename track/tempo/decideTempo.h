@@ -15,15 +15,18 @@ namespace beatatlas::track::inner {
 
 /** What a host knows about the tempo or wants it to be. */
 struct TempoWishes {
-    double lowestBpm = 0.0;  // a range to bring the tempo into; both 0: none
+    /** A range in BPM to bring the tempo into; both 0: none. */
+    double lowestBpm = 0.0;
     double highestBpm = 0.0;
-    int beatsPerBar = 0;  // 0: not known
+    /** 3 or 4; 0: not known. */
+    int beatsPerBar = 0;
 };
 
 /** Another reading of the beats, and how likely it is. */
 struct TempoAlternative {
     double bpm = 0.0;
-    double tempoRatio = 1.0;  // its tempo divided by that of the answer
+    /** Its tempo divided by that of the answer. */
+    double tempoRatio = 1.0;
     /** How far its first beat lies after a beat of the answer, in beats of the answer, 0 … 1. */
     double shiftBeats = 0.0;
     double share = 0.0;  // 0 … 1
@@ -31,21 +34,32 @@ struct TempoAlternative {
 
 /** The tempo of a track, and what led to it. */
 struct TempoAnswer {
-    double bpm = 0.0;               // 0, without beats: no tempo
-    double rawBpm = 0.0;            // before it was brought into the host's range
-    std::vector<double> beats;      // seconds, ascending
-    std::vector<double> downbeats;  // the beats that begin a bar
-    BarCount bars;                  // of these beats
+    /** 0 if no tempo was found; there are no beats then. */
+    double bpm = 0.0;
+    /** The tempo before it was brought into the host's range. */
+    double rawBpm = 0.0;
+    /** Seconds, ascending. */
+    std::vector<double> beats;
+    /** The beats that begin a bar. */
+    std::vector<double> downbeats;
+    /** How these beats are numbered in bars. */
+    BarCount bars;
     bool isSteady = true;
-    std::vector<TempoStretch> stretches;         // one if it is steady
-    std::vector<TempoAlternative> alternatives;  // the likeliest first
+    /** Sections of nearly one tempo; a single one if the tempo is steady. */
+    std::vector<TempoStretch> stretches;
+    /** Other readings, the likeliest first. */
+    std::vector<TempoAlternative> alternatives;
     TempoConfidence confidence;
 
-    double clarity = 0.0;   // see clarityOf()
-    double standing = 0.0;  // see LocalTempo
+    /** How clear the pulse is, see clarityOf(). */
+    double clarity = 0.0;
+    /** See LocalTempo. */
+    double standing = 0.0;
     Steadiness steadiness;
-    std::vector<double> line;          // the beats on which all readings are based, seconds
-    std::vector<MetreReading> metres;  // the best first
+    /** The beats on which all readings are based, seconds. */
+    std::vector<double> line;
+    /** All readings, the best first. */
+    std::vector<MetreReading> metres;
 };
 
 /** Weighs the results of two sessions of the core against the evidence found in the track.

@@ -13,12 +13,15 @@ namespace beatatlas::track::inner {
 
 /** A reading of the beat line: where on the line the beats fall that people count. */
 struct MetreReading {
-    int period = 12;  // beat interval in twelfths of a beat of the line
-    int phase = 0;    // position of the first beat, in the same unit
+    /** Beat interval in twelfths of a beat of the line. */
+    int period = 12;
+    /** Position of the first beat, in the same unit. */
+    int phase = 0;
     double bpm = 0.0;
     MetreFeatures features{};
     double score = 0.0;
-    double share = 0.0;  // of all readings, as a probability
+    /** Probability among all readings. */
+    double share = 0.0;
 };
 
 /** The evidence by which the readings are judged. */

@@ -7,9 +7,12 @@ namespace beatatlas::track::inner {
 
 /** A section of beats of nearly one tempo. */
 struct TempoStretch {
-    double from = 0.0;  // first beat, seconds
-    double to = 0.0;    // first beat of the next section, or the last beat of the track
-    double bpm = 0.0;   // the mean
+    /** First beat, seconds. */
+    double from = 0.0;
+    /** First beat of the next section, or the last beat of the track. */
+    double to = 0.0;
+    /** The mean tempo. */
+    double bpm = 0.0;
 };
 
 /** Cuts beats where their tempo deviates by 4 % from the mean of the section so far. A drummer's
