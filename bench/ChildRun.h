@@ -20,7 +20,8 @@ struct ChildRun {
  *  @throws std::runtime_error if it cannot be run or its exit status is not 0 */
 ChildRun runChild(const char* program, const std::vector<std::string>& words);
 
-/** The work of the small process: runs the words and prints one line of figures. */
+/** Called in the small process: runs the program named by `words` and prints one line of
+ *  figures. */
 void reportRun(const std::vector<std::string>& words);
 
 }  // namespace beatatlas::bench

@@ -41,7 +41,7 @@ inline constexpr std::array<FeatureWeight, kBarFeatures> kBarWeights = {{
     {"a_mi", 2.9607},
     {"a_lo", 1.3201},
     {"e_mi", -3.7868},
-    // The downbeats that the sessions found.
+    // Agreement with the downbeats that the sessions found.
     {"v_simple", 2.2983},
     {"v_varied", 1.1664},
 }};

@@ -11,7 +11,7 @@
 
 namespace beatatlas::track::inner {
 
-/** A reading of the beat line: where on the line the beats fall that people count. */
+/** A reading of the beat line: the positions on the line of the beats that people count. */
 struct MetreReading {
     /** Beat interval in twelfths of a beat of the line. */
     int period = 12;

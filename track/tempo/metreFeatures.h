@@ -63,7 +63,7 @@ inline constexpr std::array<FeatureWeight, kMetreFeatures> kMetreWeights = {{
     {"cm_h", 6.7419},
     {"cm_2", 11.7027},
     {"zb", 1.8812},
-    // The beats that the sessions found, and that a track begins with a beat.
+    // Agreement with the beats that the sessions found, and whether the first onset is on a beat.
     {"vp_varied", 2.8010},
     {"vp_simple", 1.2147},
     {"first", 1.0000},
