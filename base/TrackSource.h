@@ -12,13 +12,17 @@ struct TrackTags {
     std::string title;
 };
 
-/** What a track's file says about itself. */
+/** The format of a track's file. */
 struct TrackFormat {
-    std::string container;  ///< FFmpeg's short name, "mov,mp4,m4a,3gp,3g2,mj2" for MP4
-    std::string codec;      ///< FFmpeg's short name
+    /** FFmpeg's short name, "mov,mp4,m4a,3gp,3g2,mj2" for MP4. */
+    std::string container;
+    /** FFmpeg's short name. */
+    std::string codec;
     int channels = 0;
-    int trackRate = 0;    ///< Hz, of the file
-    int sessionRate = 0;  ///< Hz, of the analysis
+    /** Rate of the file, Hz. */
+    int trackRate = 0;
+    /** Rate of the analysis, Hz. */
+    int sessionRate = 0;
     TrackTags tags = {};
 };
 
@@ -39,13 +43,14 @@ struct Overload {
     }
 };
 
-/** Where a track came from, and in which state its file was. */
+/** Where a track came from, and the state of its file. */
 struct TrackSource {
     std::string path;
     TrackFormat format;
-    bool isCutOff = false;  ///< the file holds only the beginning of the track
+    /** The file holds only the beginning of the track. */
+    bool isCutOff = false;
 
-    /** Stretches that could not be decoded; silence stands in their place. */
+    /** How many sections could not be decoded; they are replaced by silence. */
     std::int64_t damagedPackets = 0;
 
     Overload overload;

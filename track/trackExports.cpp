@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The interface: arguments are checked here, and no exception goes beyond.
+// The C interface: checks arguments and lets no exception out.
 #include <algorithm>
 #include <memory>
 

@@ -1,9 +1,9 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
 # compare_examples.sh CMAKE GENERATOR CC CXX SOURCE_DIR PREFIX WORK_DIR
-# Builds the examples against the installed copy as two hosts would: one finds the CMake package,
-# one asks pkg-config. Both must run and say the same, and tell what is wrong with a file that is
-# not there. Both are C++ as well.
+# Builds the examples against the installed copy as two hosts would: one with the CMake package, one
+# with pkg-config. Both must run, print the same, and report a missing file. Both also compile as
+# C++.
 set -euo pipefail
 cmake=$1 generator=$2 cc=$3 cxx=$4 source=$5 prefix=$6 work=$7
 rm -rf "$work"

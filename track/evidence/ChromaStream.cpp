@@ -28,7 +28,7 @@ float sumOf(const Chroma& frame) {
     return sum;
 }
 
-/** The middle one of the sums, or the mean of the two in the middle. */
+/** The median of the sums of all frames. */
 float medianSum(const std::vector<Chroma>& frames) {
     std::vector<float> sums;
     sums.reserve(frames.size());

@@ -11,14 +11,14 @@
 
 namespace beatatlas::track::inner {
 
-/** What sounds, by pitch class from A. */
+/** The strength of each pitch class, from A. */
 using Chroma = std::array<float, 12>;
 
-/** A chroma of any length, and sums of some. */
+/** A chroma in double precision: sums and means of frames, or scaled. */
 using ChromaSum = std::array<double, std::tuple_size_v<Chroma>>;
 
-/** The pitch classes of a track, ten times a second: how strongly each sounds between 100 Hz and 2
- *  kHz.
+/** The chroma of a track ten times a second: how strongly each pitch class sounds between 100 Hz
+ *  and 2 kHz.
  *
  *  Life: construct, rounding to nearest → put() per block → finish(). */
 class ChromaStream {
@@ -31,8 +31,8 @@ public:
     /** Takes the mean of both channels, full scale ±1.0. */
     void put(const float* mono, std::int64_t samples);
 
-    /** The frames of the whole track, compressed: ln(1 + c), where 1 is a twelfth of what sounds in
-     *  the middle one of all frames. Call once. */
+    /** The frames of the whole track, compressed: ln(1 + c), where c = 1 is a twelfth of the median
+     *  strength of all frames. Call once. */
     std::vector<Chroma> finish();
 
 private:

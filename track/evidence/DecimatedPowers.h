@@ -9,31 +9,32 @@
 
 namespace beatatlas::track::inner {
 
-/** The power spectra of a track at an eighth of its rate, at even distances: what pitches are heard
- *  by. The first frame is centred on the first sample.
+/** Power spectra of a track at an eighth of its rate, evenly spaced, in which pitches are found.
+ *  The first frame is centred on the first sample.
  *
  *  Life: construct, rounding to nearest → put() per block → finish(). */
 class DecimatedPowers {
 public:
     /** @param rate    44100 or 48000 Hz
-     *  @param step    decimated samples from frame to frame
-     *  @param length  decimated samples of a frame, a power of two of at least 64 */
+     *  @param step    hop between frames in decimated samples
+     *  @param length  frame length in decimated samples, a power of two of at least 64 */
     DecimatedPowers(int rate, double step, int length)
         : rate_(static_cast<double>(rate) / Decimator::kFactor), step_(step), bins_(length / 2),
           even_(static_cast<std::size_t>(bins_)), odd_(even_), stream_(step, length) {}
 
-    /** What is left of the track's rate, Hz. */
+    /** The rate after decimation, Hz. */
     double rate() const { return rate_; }
 
     /** Takes the mean of both channels, full scale ±1.0, and calls take(const float* powers) for
-     *  each frame that is complete, with half as many bins as a frame has samples. */
+     *  each complete frame, with half as many bins as a frame has samples. */
     template <class Take>
     void put(const float* mono, std::int64_t samples, const Take& take) {
         add(decimator_.put(mono, samples), take);
     }
 
-    /** The same for the frames that were still waiting for others. Call once.
-     *  @return the whole steps of the track; a few more frames may have been taken */
+    /** The same for the frames that were still waiting to fill a batch. Call once.
+     *  @return the number of whole hops in the track; take() may have been called for a few frames
+     *          more */
     template <class Take>
     std::int64_t finish(const Take& take) {
         add(decimator_.finish(), take);

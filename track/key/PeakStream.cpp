@@ -25,8 +25,8 @@ double PeakStream::secondsPerFrame() const {
     return static_cast<double>(kStep) / powers_.rate();
 }
 
-// The stream's first frame is centred on the first sample: half of it is silence, and its edge
-// no sound.
+// The stream's first frame is centred on the first sample: half of it is padding, and the edge
+// would show partials that do not sound.
 void PeakStream::addFrame(const float* powers) {
     if (!hasBegun_) {
         hasBegun_ = true;

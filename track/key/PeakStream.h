@@ -11,8 +11,8 @@
 
 namespace beatatlas::track::inner {
 
-/** Finds the peaks of a track as it passes, and its tuning: frames of three quarters of a second,
- *  each overlapping the one before by half, at an eighth of the rate.
+/** Finds the peaks of a track while it is fed, and its tuning: frames of three quarters of a second
+ *  at an eighth of the rate, each overlapping the one before by half.
  *
  *  Life: construct, rounding to nearest → put() per block → finish() → getters. */
 class PeakStream {
@@ -23,14 +23,14 @@ public:
     /** Takes the mean of both channels, full scale ±1.0. */
     void put(const float* mono, std::int64_t samples);
 
-    /** Takes in the frames that were still waiting for others; of a track only whole frames
-     *  count. Call once. */
+    /** Processes the frames that were still waiting to fill a batch; an incomplete frame at the end
+     *  of the track is dropped. Call once. */
     void finish();
 
     const PeakStore& peaks() const { return store_; }
     double tuning() const { return tuning_.semitones(); }
 
-    /** From the middle of a frame to that of the next; half a frame. */
+    /** The hop from frame to frame, half a frame. */
     double secondsPerFrame() const;
 
 private:
