@@ -13,6 +13,8 @@
 #include "media/FrameChain.h"
 #include "media/StreamDecoder.h"
 #include "media/TrackSink.h"
+#include "media/time/PacketTimes.h"
+#include "media/time/Timeline.h"
 
 namespace media {
 
@@ -69,7 +71,11 @@ private:
     void begin(const AVFrame& frame, FrameChain& chain);
     bool isIncomplete(const AVPacket& packet) const;
     void noteDamage(const AVPacket* packet);
-    void fillDamage(FrameChain& chain);
+    std::int64_t missingBefore(const AVFrame& frame);
+    void keepTime(std::int64_t missing, const AVFrame& frame, FrameChain& chain);
+    void fillGap(std::int64_t frames, int rate, FrameChain& chain);
+    void fillEnd(FrameChain& chain);
+    bool isEndDamaged(double missingSeconds) const;
     void deliver(AVFrame& frame, FrameChain& chain);
     void dropPadding(AVFrame& frame) const;
     bool tellsPacketLengths() const;
@@ -79,12 +85,16 @@ private:
     Container container_;
     EncoderDelay delay_;
     StreamDecoder decoder_;
+    PacketTimes packets_;
+    Timeline timeline_;
     PacketPointer packet_;
     FramePointer frame_;
     DecodeTally tally_;
     PendingDamage pendingDamage_;
     base::TrackFormat format_;
     std::optional<std::int64_t> declaredFrames_;
+    std::int64_t decodedEnd_ = 0;  ///< bytes of the file behind the last packet that was decoded
+    bool isAlarmed_ = false;       ///< something was amiss since the last frame of known time
 };
 
 }  // namespace media

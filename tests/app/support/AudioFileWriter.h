@@ -13,6 +13,7 @@ struct FileKind {
     const char* encoder;
     const char* muxerOptions = "";  ///< "key=value:key=value"
     bool hasCover = false;          ///< a picture beside the music, as music shops put it there
+    const char* encoderOptions = "";
 };
 
 /** Writes a sound as an audio file. @throws std::runtime_error, which says what FFmpeg could not
