@@ -51,6 +51,13 @@ int refuseToOpen(AVFormatContext*, AVIOContext**, const char*, int, AVDictionary
 Container::Container(FileInput& input) : input_(input) {
     open(recognise());
     chooseStream();
+    if (isFormat("ogg")) surveyPages();
+}
+
+void Container::surveyPages() {
+    const OggSurvey survey = surveyOgg(input_);
+    if (!survey.isSound && !survey.isChained) oggPackets_.emplace(input_, *stream_);
+    lacksEnd_ = !survey.hasEnd;
 }
 
 const AVInputFormat* Container::recognise() const {
@@ -93,6 +100,10 @@ void Container::refuse(int error, const char* otherwise) const {
 }
 
 bool Container::next(AVPacket& packet) {
+    if (oggPackets_) {
+        base::Interrupt::check();
+        return oggPackets_->next(packet);
+    }
     for (;;) {
         const int result = av_read_frame(context_.get(), &packet);
         base::Interrupt::check();

@@ -8,6 +8,7 @@
 
 #include "media/FileInput.h"
 #include "media/ffmpeg.h"
+#include "media/ogg/OggPackets.h"
 
 namespace media {
 
@@ -43,6 +44,9 @@ public:
      *  from the bit rate. */
     std::optional<double> declaredSeconds() const;
 
+    /** Whether the file, of a format that marks its end, has no such mark. */
+    bool lacksEnd() const { return lacksEnd_; }
+
 private:
     struct ContextClose {
         void operator()(AVFormatContext* context) const { avformat_close_input(&context); }
@@ -51,12 +55,15 @@ private:
     const AVInputFormat* recognise() const;
     void open(const AVInputFormat* format);
     void chooseStream();
+    void surveyPages();
     [[noreturn]] void refuse(int error, const char* otherwise) const;
 
     FileInput& input_;
     std::unique_ptr<AVFormatContext, ContextClose> context_;
     AVStream* stream_ = nullptr;
+    std::optional<OggPackets> oggPackets_;  ///< where pages are damaged
     int failure_ = 0;
+    bool lacksEnd_ = false;
 };
 
 }  // namespace media

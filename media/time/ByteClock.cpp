@@ -29,12 +29,15 @@ std::span<const std::uint8_t> bytesOf(const AVPacket& packet) {
     return {packet.data, static_cast<std::size_t>(packet.size)};
 }
 
+/** The frames of several streams may stand in one packet. */
 std::optional<std::size_t> ac3Length(std::span<const std::uint8_t> bytes) {
+    std::size_t all = 0;
     std::uint8_t identification = 0;
     std::uint16_t length = 0;
-    if (av_ac3_parse_header(bytes.data(), bytes.size(), &identification, &length) < 0)
-        return std::nullopt;
-    return length;
+    while (all < bytes.size() && av_ac3_parse_header(bytes.data() + all, bytes.size() - all,
+                                                     &identification, &length) >= 0)
+        all += length;
+    return all == 0 ? std::nullopt : std::optional(all);
 }
 
 }  // namespace
@@ -54,11 +57,8 @@ std::int64_t ByteClock::ownLength(const AVPacket& packet) const {
     case AV_CODEC_ID_AAC:
         length = adtsPacketLength(bytesOf(packet));
         break;
-    case AV_CODEC_ID_AC3:
+    default:
         length = ac3Length(bytesOf(packet));
-        break;
-    default:  // frames of several streams may stand in one packet
-        length = static_cast<std::size_t>(packet.size);
     }
     return length ? static_cast<std::int64_t>(*length) : 0;
 }
@@ -67,6 +67,8 @@ bool ByteClock::judge(AVPacket& packet) {
     locate(packet);
     const std::int64_t length = ownLength(packet);
     const bool isKnown = length > 0 && length <= packet.size;
+    if (length == 0 && tellsLengths_) return false;
+    tellsLengths_ = tellsLengths_ || isKnown;
     if (end_ >= 0 && packet.pos > end_) {
         const std::int64_t missing = missingPackets(packet);
         time_ += missing * duration_;

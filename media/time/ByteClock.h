@@ -34,13 +34,14 @@ private:
     const FileInput& input_;
     PacketQueue& queue_;
     AVCodecID codec_;
-    bool arePlacesOff_;           ///< FFmpeg does not count the bytes it passes over
-    std::string window_;          ///< of the file, around the next packet
+    bool arePlacesOff_;   ///< FFmpeg does not count the bytes it passes over
+    std::string window_;  ///< of the file, around the next packet
     std::int64_t windowAt_ = 0;
-    std::int64_t end_ = -1;       ///< where the last packet ended by its own account
-    std::int64_t time_ = 0;       ///< of the next packet
-    std::int64_t duration_ = 0;   ///< of every packet, in the stream's time base
-    double meanBytes_ = 0.0;      ///< of the packets of the last seconds
+    std::int64_t end_ = -1;      ///< where the last packet ended by its own account
+    std::int64_t time_ = 0;      ///< of the next packet
+    std::int64_t duration_ = 0;  ///< of every packet, in the stream's time base
+    double meanBytes_ = 0.0;     ///< of the packets of the last seconds
+    bool tellsLengths_ = false;  ///< packets of free bit rate do not
     bool isAlarmed_ = false;
 };
 
