@@ -44,6 +44,10 @@ public:
      *  from the bit rate. */
     std::optional<double> declaredSeconds() const;
 
+    /** Pages whose bytes were not those that were written, and pages that were there before. */
+    std::int64_t damagedPages() const { return oggPackets_ ? oggPackets_->damagedPages() : 0; }
+    std::int64_t repeatedPages() const { return oggPackets_ ? oggPackets_->repeatedPages() : 0; }
+
     /** Whether the file, of a format that marks its end, has no such mark. */
     bool lacksEnd() const { return lacksEnd_; }
 
@@ -56,6 +60,8 @@ private:
     void open(const AVInputFormat* format);
     void chooseStream();
     void surveyPages();
+    bool resume();
+    std::int64_t findBytes(const std::string& bytes, std::int64_t from) const;
     [[noreturn]] void refuse(int error, const char* otherwise) const;
 
     FileInput& input_;
@@ -64,6 +70,8 @@ private:
     std::optional<OggPackets> oggPackets_;  ///< where pages are damaged
     int failure_ = 0;
     bool lacksEnd_ = false;
+    std::int64_t packetEnd_ = 0;       ///< bytes of the file behind the last packet
+    std::int64_t lastFailureAt_ = -1;  ///< place in the file from which reading went on
 };
 
 }  // namespace media

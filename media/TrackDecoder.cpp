@@ -23,6 +23,9 @@ constexpr double kDelayAndPaddingSeconds = 0.2;
 // ends there.
 constexpr double kLeastShareOfEnd = 0.5;
 
+// So much denser than the rest may what is missing have been.
+constexpr double kMostUneven = 2.0;
+
 constexpr AVRational perSecond(int rate) {
     return {1, rate};
 }
@@ -31,7 +34,8 @@ constexpr AVRational perSecond(int rate) {
 
 TrackDecoder::TrackDecoder(const std::string& path)
     : input_(path), container_(input_), delay_(container_), decoder_(container_.stream(), delay_),
-      packets_(container_, input_), timeline_(packets_.tick()), packet_(makePacket()), frame_(makeFrame()) {
+      packets_(container_, input_), timeline_(packets_.tick()), packet_(makePacket()),
+      frame_(makeFrame()) {
     format_.container = container_.format();
     format_.codec = decoder_.codec();
 }
@@ -63,7 +67,8 @@ void TrackDecoder::finish(FrameChain& chain) {
     decode(nullptr, chain);
     fillEnd(chain);
     chain.finish();
-    tally_.repeatedPackets = packets_.repeatedPackets();
+    tally_.damagedPackets += container_.damagedPages();
+    tally_.repeatedPackets = packets_.repeatedPackets() + container_.repeatedPages();
     format_.sessionRate = chain.outputRate();
 }
 
@@ -189,11 +194,13 @@ void TrackDecoder::fillEnd(FrameChain& chain) {
     tally_.damagedPackets += std::exchange(pendingDamage_, {}).packets;
     fillGap(missing, format_.trackRate, chain);
     tally_.isLastPacketDamaged = false;
+    tally_.isLastPacketIncomplete = false;
 }
 
 /** Whether the file has bytes where the rest of the track should be: otherwise it was cut off. */
 bool TrackDecoder::isEndDamaged(double missingSeconds) const {
     if (decodedEnd_ <= 0 || tally_.seconds <= 0.0) return false;
+    if (container_.isFormat("mp4") && declaredEnd(container_, input_) == input_.size()) return true;
     const double perSecond = static_cast<double>(decodedEnd_) / tally_.seconds;
     const auto behind = static_cast<double>(input_.size() - decodedEnd_);
     return behind >= kLeastShareOfEnd * missingSeconds * perSecond;
@@ -207,17 +214,28 @@ bool TrackDecoder::isCutOff() const {
     if (hasTrouble && !tellsPacketLengths() && !declaredSeconds()) return true;
     if (isShorterThanDeclared()) return true;
     const auto end = declaredEnd(container_, input_);
-    // What is missing in the middle is no missing end.
-    const bool isExplained = !tally_.gaps.empty() && declaredSeconds();
-    return end && *end > input_.size() && !isExplained;
+    return end && *end > input_.size() && !isMissingInside(*end - input_.size());
+}
+
+/** Whether the gaps within the track have room for the bytes: what is missing in the middle is no
+ *  missing end. */
+bool TrackDecoder::isMissingInside(std::int64_t bytes) const {
+    if (decodedEnd_ <= 0) return false;
+    double gaps = 0.0;
+    for (const base::Gap& gap : tally_.gaps) gaps += gap.length;
+    const double missing =
+        static_cast<double>(bytes) * tally_.seconds / static_cast<double>(decodedEnd_);
+    return gaps > 0.0 && missing <= gaps * kMostUneven;
 }
 
 bool TrackDecoder::isShorterThanDeclared() const {
     const auto declared = container_.declaredSeconds();
     if (!declared) return false;
     if (format_.trackRate == 0) return true;
+    // FFmpeg takes the last packet of CAF for a whole one.
+    const bool isExact = decoder_.isLossless() && !container_.isFormat("caf");
     const double tolerance =
-        decoder_.isLossless() ? 0.5 / format_.trackRate : kDelayAndPaddingSeconds;
+        isExact ? 0.5 / format_.trackRate : kDelayAndPaddingSeconds;
     return tally_.seconds + tolerance < *declared;
 }
 

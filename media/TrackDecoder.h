@@ -80,6 +80,7 @@ private:
     void dropPadding(AVFrame& frame) const;
     bool tellsPacketLengths() const;
     bool isShorterThanDeclared() const;
+    bool isMissingInside(std::int64_t bytes) const;
 
     FileInput input_;
     Container container_;

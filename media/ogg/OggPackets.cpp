@@ -6,6 +6,10 @@
 #include <numeric>
 #include <string_view>
 
+extern "C" {
+#include <libavutil/intreadwrite.h>
+}
+
 namespace media {
 
 namespace {
@@ -70,6 +74,11 @@ void OggPackets::hand(Piece& piece, AVPacket& packet) const {
     packet.pts = packet.dts = piece.time;
     packet.duration = piece.duration;
     packet.pos = pageOffset_;
+    if (piece.skippedStart == 0 && piece.skippedEnd == 0) return;
+    std::uint8_t* skipped = av_packet_new_side_data(&packet, AV_PKT_DATA_SKIP_SAMPLES, 10);
+    if (skipped == nullptr) throw std::bad_alloc();
+    AV_WL32(skipped, static_cast<std::uint32_t>(piece.skippedStart));
+    AV_WL32(skipped + 4, static_cast<std::uint32_t>(piece.skippedEnd));
 }
 
 bool OggPackets::readPage() {
@@ -78,7 +87,9 @@ bool OggPackets::readPage() {
     if (!isOurs(*page)) return true;
     const bool isRepeated =
         line_ >= 0 && page->number < number_ && page->granule >= 0 && page->granule <= line_;
+    repeatedPages_ += isRepeated ? 1 : 0;
     if (isRepeated) return true;
+    damagedPages_ += page->isSound ? 0 : 1;
     isContiguous_ = page->number == number_ || (!page->isSound && !pages_.hasSkipped());
     number_ = (isContiguous_ ? number_ : page->number) + 1;
     isPageSound_ = page->isSound;
@@ -137,9 +148,18 @@ bool OggPackets::isHeader(const std::string& bytes, const OggPage& page) const {
     }
 }
 
+/** The header tells it for all packets: the length of a frame, and how many are in a packet. */
+std::int64_t OggPackets::speexDuration() const {
+    const AVCodecParameters& codec = *stream_.codecpar;
+    if (codec.extradata_size < 68) return 0;
+    const std::int64_t frame = AV_RL32(codec.extradata + 56);
+    const std::int64_t frames = AV_RL32(codec.extradata + 64);
+    return std::clamp<std::int64_t>(frame, 0, 10000) * std::clamp<std::int64_t>(frames, 1, 100);
+}
+
 std::int64_t OggPackets::durationOf(const std::string& bytes) {
-    if (parser_ == nullptr || codec_ == nullptr)
-        return av_get_audio_frame_duration2(stream_.codecpar, static_cast<int>(bytes.size()));
+    if (stream_.codecpar->codec_id == AV_CODEC_ID_SPEEX) return speexDuration();
+    if (parser_ == nullptr || codec_ == nullptr) return 0;
     std::string padded = bytes;
     padded.append(AV_INPUT_BUFFER_PADDING_SIZE, '\0');
     std::uint8_t* out = nullptr;
@@ -149,6 +169,19 @@ std::int64_t OggPackets::durationOf(const std::string& bytes) {
                      reinterpret_cast<const std::uint8_t*>(padded.data()),
                      static_cast<int>(bytes.size()), AV_NOPTS_VALUE, AV_NOPTS_VALUE, -1);
     return std::max(0, parser_->duration);
+}
+
+/** The first block of Vorbis gives no sound; what the second gives before the time 0 is the coder's
+ *  delay. */
+void OggPackets::trimStart(std::deque<Piece>& pieces) {
+    if (pieces.size() > 1 && pieces[1].time < 0) pieces[1].skippedStart = -pieces[1].time;
+}
+
+void OggPackets::trimEnd(std::deque<Piece>& pieces, std::int64_t end) {
+    while (!pieces.empty() && pieces.back().time >= end) pieces.pop_back();
+    if (pieces.empty()) return;
+    Piece& last = pieces.back();
+    last.skippedEnd = std::max<std::int64_t>(0, last.time + last.duration - end);
 }
 
 /** Packets of another kind than those before are wrong bits, when the page's time tells that some
@@ -189,9 +222,11 @@ void OggPackets::setTimes(const OggPage& page, std::deque<Piece>& pieces) {
         piece->time = time;
         time += piece->duration;
     }
+    if (line_ < 0 && stream_.codecpar->codec_id == AV_CODEC_ID_VORBIS) trimStart(pieces);
+    if (isTrimmed) trimEnd(pieces, end);
     line_ = end;
     if (page.isSound && stream_.codecpar->codec_id == AV_CODEC_ID_OPUS)
-        usualKind_ = static_cast<unsigned char>(pieces.back().bytes[0]);
+        usualKind_ = pieces.empty() ? -1 : static_cast<unsigned char>(pieces.back().bytes[0]);
 }
 
 }  // namespace media

@@ -21,6 +21,7 @@ constexpr std::size_t kPrintBytes = 64;
 
 // Where no length is told, a damaged time must not pass for a long silence.
 constexpr double kLongestUntold = 60.0;
+constexpr double kLongestStepBack = 1.0;
 constexpr double kSpareSeconds = 1.0;
 
 // Half a packet: less is no packet missing.
@@ -94,21 +95,24 @@ bool PacketTimes::judge(AVPacket& packet) {
 }
 
 void PacketTimes::follow(const AVPacket& packet) {
+    repeatedTo_.reset();
     if (packet.duration > 0) usual_ = packet.duration;
     line_ = packet.pts + duration(packet);
+    while (!seen_.empty() && seen_.back().time > packet.pts) seen_.pop_back();
     seen_.push_back({packet.pts, printOf(packet)});
     if (seen_.size() > kMostSeen) seen_.pop_front();
 }
 
 bool PacketTimes::judgeJump(AVPacket& packet) {
     isAlarmed_ = true;
-    if (packet.pts < line_ && isRepeated(packet)) {
+    if (packet.pts < line_ && (isRepeated(packet) || goesOnRepeating(packet))) {
+        repeatedTo_ = packet.pts + duration(packet);
         ++repeatedPackets_;
         return false;
     }
     if (returnsToLine(packet) || !isSharedByNext(packet)) {
         packet.pts = line_;
-    } else if (packet.pts < line_ || !isPlausible(packet.pts)) {
+    } else if (packet.pts < line_ ? !isSmallStepBack(packet) : !isPlausible(packet.pts)) {
         // Another recording begins: joined files count anew.
         shift_ += line_ - packet.pts;
         packet.pts = line_;
@@ -125,6 +129,16 @@ bool PacketTimes::isRepeated(const AVPacket& packet) const {
         if (seen->print == print) return true;
     }
     return false;
+}
+
+/** Whether a packet stands among repeated ones but is not what it was: one of the two is damaged. */
+bool PacketTimes::goesOnRepeating(const AVPacket& packet) const {
+    return repeatedTo_ && std::abs(packet.pts - *repeatedTo_) <= tolerance(packet);
+}
+
+/** Pieces of a damaged packet pass for packets, until the next time that is told. */
+bool PacketTimes::isSmallStepBack(const AVPacket& packet) const {
+    return static_cast<double>(line_ - packet.pts) * tick_ <= kLongestStepBack;
 }
 
 /** Whether a packet to come stands where it would if no time were missing here. */

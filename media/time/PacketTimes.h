@@ -50,6 +50,8 @@ private:
     bool judge(AVPacket& packet);
     bool judgeJump(AVPacket& packet);
     bool isRepeated(const AVPacket& packet) const;
+    bool goesOnRepeating(const AVPacket& packet) const;
+    bool isSmallStepBack(const AVPacket& packet) const;
     bool returnsToLine(const AVPacket& packet);
     bool isSharedByNext(const AVPacket& packet);
     bool isPlausible(std::int64_t time) const;
@@ -69,6 +71,7 @@ private:
     std::int64_t first_ = 0;  ///< time of the first packet
     std::int64_t shift_ = 0;  ///< what a new line of times differs by from the first
     std::int64_t usual_ = 0;  ///< duration of the last packet that had one
+    std::optional<std::int64_t> repeatedTo_;  ///< within a run of repeated packets: its time
     std::int64_t repeatedPackets_ = 0;
     std::int64_t endPosition_ = -1;
     bool isAlarmed_ = false;
