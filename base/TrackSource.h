@@ -11,10 +11,10 @@ namespace base {
 struct TrackFormat {
     std::string container;  ///< FFmpeg's short name, "mov,mp4,m4a,3gp,3g2,mj2" for MP4
     std::string codec;      ///< FFmpeg's short name
-    int channels = 0;     ///< at its beginning, as the rate
-    int trackRate = 0;    ///< Hz, of the file
-    int sessionRate = 0;  ///< Hz, of the analysis
-    bool changes = false; ///< has other channels or another rate further on
+    int channels = 0;       ///< at its beginning, as the rate
+    int trackRate = 0;      ///< Hz, of the file
+    int sessionRate = 0;    ///< Hz, of the analysis
+    bool changes = false;   ///< has other channels or another rate further on
 };
 
 /** A stretch of a track that its file no longer holds; silence stands in its place. */
@@ -34,6 +34,7 @@ struct TrackSource {
 
     std::int64_t repeatedPackets = 0;  ///< were there twice, and were taken once
     std::vector<Gap> gaps;             ///< in order of time, apart from each other
+    bool lacksEnd = false;             ///< its format marks a track's end, and it has no such mark
 };
 
 }  // namespace base

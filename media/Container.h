@@ -44,6 +44,10 @@ public:
      *  from the bit rate. */
     std::optional<double> declaredSeconds() const;
 
+    /** Whether the packets' times are those of the pages' granules. FFmpeg's own are not exact, so
+     *  that a sound file is taken as it is. */
+    bool isReadByPages() const { return oggPackets_.has_value(); }
+
     /** Pages whose bytes were not those that were written, and pages that were there before. */
     std::int64_t damagedPages() const { return oggPackets_ ? oggPackets_->damagedPages() : 0; }
     std::int64_t repeatedPages() const { return oggPackets_ ? oggPackets_->repeatedPages() : 0; }

@@ -55,6 +55,9 @@ public:
     /** Length by the file's own account, seconds. */
     std::optional<double> declaredSeconds() const { return container_.declaredSeconds(); }
 
+    /** Whether the file, of a format that marks its end, has no such mark. */
+    bool lacksEnd() const { return container_.lacksEnd(); }
+
     /** Whether the file ends before its own account of itself does: what was decoded is not the
      *  whole track. After run(). */
     bool isCutOff() const;

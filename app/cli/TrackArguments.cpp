@@ -5,7 +5,7 @@
 
 #include "cli/messages.h"
 #include "media/ffmpeg.h"
-#include "output/textFormat.h"
+#include "output/fileWarnings.h"
 
 namespace app {
 
@@ -31,10 +31,8 @@ media::FileAnalysis::Options TrackArguments::reading(const std::string& path,
 }
 
 void TrackArguments::warnOf(const base::TrackSource& file) {
-    if (file.isCutOff) printFileWarning(file.path, "is cut off; only its beginning was taken");
-    if (file.damagedPackets == 0) return;
-    const std::string places = output::counted(file.damagedPackets, "damaged place");
-    printFileWarning(file.path, places + " could not be decoded; silence was put there");
+    for (const std::string& warning : output::fileWarnings(file))
+        printFileWarning(file.path, warning);
 }
 
 void TrackArguments::fail(const std::string& path, const std::string& reason) {

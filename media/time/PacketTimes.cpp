@@ -27,8 +27,8 @@ constexpr double kSpareSeconds = 1.0;
 // Half a packet: less is no packet missing.
 constexpr std::int64_t kToleranceDivisor = 2;
 
-constexpr std::array<const char*, 10> kTimed = {"ogg",    "flac", "matroska", "mp4", "asf",
-                                                "mpegts", "flv",  "wv",       "tta", "caf"};
+constexpr std::array<const char*, 9> kTimed = {"flac", "matroska", "mp4", "asf", "mpegts",
+                                               "flv",  "wv",       "tta", "caf"};
 constexpr std::array<const char*, 4> kByBytes = {"mp3", "aac", "ac3", "eac3"};
 
 /** FNV-1a of the beginning, and the length. */
@@ -43,6 +43,7 @@ std::uint64_t printOf(const AVPacket& packet) {
 
 PacketTimes::Clock PacketTimes::clockOf(const Container& container) {
     const auto isOne = [&](const char* name) { return container.isFormat(name); };
+    if (container.isReadByPages()) return Clock::times;
     if (std::any_of(kTimed.begin(), kTimed.end(), isOne)) return Clock::times;
     if (std::any_of(kByBytes.begin(), kByBytes.end(), isOne)) return Clock::bytes;
     return Clock::none;
