@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <string>
+#include <vector>
 
 namespace base {
 
@@ -12,17 +13,28 @@ struct TrackTags {
     std::string title;
 };
 
+/** A section of a track that its file no longer holds; it is replaced by silence. */
+struct Gap {
+    /** Seconds from the beginning of the track. */
+    double start = 0.0;
+    /** Seconds. */
+    double length = 0.0;
+};
+
 /** The format of a track's file. */
 struct TrackFormat {
     /** FFmpeg's short name, "mov,mp4,m4a,3gp,3g2,mj2" for MP4. */
     std::string container;
     /** FFmpeg's short name. */
     std::string codec;
+    /** At the beginning of the track, like the rate. */
     int channels = 0;
     /** Rate of the file, Hz. */
     int trackRate = 0;
     /** Rate of the analysis, Hz. */
     int sessionRate = 0;
+    /** Another rate, or another number of channels, follows later. */
+    bool changes = false;
     TrackTags tags = {};
 };
 
@@ -50,8 +62,15 @@ struct TrackSource {
     /** The file holds only the beginning of the track. */
     bool isCutOff = false;
 
-    /** How many sections could not be decoded; they are replaced by silence. */
+    /** Packets that could not be decoded, or only in part. */
     std::int64_t damagedPackets = 0;
+
+    /** Packets that were there twice, and were taken once. */
+    std::int64_t repeatedPackets = 0;
+    /** In order of time, not touching each other. */
+    std::vector<Gap> gaps;
+    /** The format marks a track's end, and the file has no such mark. */
+    bool lacksEnd = false;
 
     Overload overload;
 };

@@ -8,6 +8,7 @@
 
 #include "base/Interrupt.h"
 #include "base/errors.h"
+#include "media/end/FileBytes.h"
 
 namespace media {
 
@@ -62,6 +63,13 @@ std::string tagOf(const AVDictionary* tags, const char* name) {
 Container::Container(FileInput& input) : input_(input) {
     open(recognise());
     chooseStream();
+    if (isFormat("ogg")) surveyPages();
+}
+
+void Container::surveyPages() {
+    const OggSurvey survey = surveyOgg(input_);
+    if (!survey.isSound && !survey.isChained) oggPackets_.emplace(input_, *stream_);
+    lacksEnd_ = !survey.hasEnd;
 }
 
 const AVInputFormat* Container::recognise() const {
@@ -104,17 +112,46 @@ void Container::refuse(int error, const char* otherwise) const {
 }
 
 bool Container::next(AVPacket& packet) {
+    if (oggPackets_) {
+        base::Interrupt::check();
+        return oggPackets_->next(packet);
+    }
     for (;;) {
         const int result = av_read_frame(context_.get(), &packet);
         base::Interrupt::check();
         if (result == AVERROR(EAGAIN)) continue;
+        if (result < 0 && result != AVERROR_EOF && result != AVERROR_EXIT && resume()) continue;
         if (result < 0) {
             failure_ = result == AVERROR_EOF ? 0 : result;
             return false;
         }
+        packetEnd_ = std::max(packetEnd_, packet.pos + packet.size);
         if (packet.stream_index == stream_->index) return true;
         av_packet_unref(&packet);
     }
+}
+
+/** Goes on behind a place that cannot be read. Each time a later one: the end is reached. */
+bool Container::resume() {
+    AVIOContext* bytes = input_.context();
+    std::int64_t place = avio_tell(bytes);
+    if (isFormat("wv")) {
+        place = findBytes("wvpk", std::max(lastFailureAt_ + 1, packetEnd_));
+        if (place < 0) return false;
+    }
+    if (place <= lastFailureAt_ || place >= input_.size()) return false;
+    lastFailureAt_ = place;
+    return avio_seek(bytes, place, SEEK_SET) >= 0;
+}
+
+/** Where the bytes occur next; -1 when they do not. */
+std::int64_t Container::findBytes(const std::string& bytes, std::int64_t from) const {
+    constexpr std::size_t kWindow = 1U << 16;
+    for (std::int64_t at = from; at < input_.size(); at += kWindow - bytes.size()) {
+        const std::size_t found = FileBytes(input_, at, kWindow).text(0, kWindow).find(bytes);
+        if (found != std::string::npos) return at + static_cast<std::int64_t>(found);
+    }
+    return -1;
 }
 
 bool Container::isFormat(const char* name) const {

@@ -9,6 +9,7 @@
 #include "base/TrackSource.h"
 #include "media/FileInput.h"
 #include "media/ffmpeg.h"
+#include "media/ogg/OggPackets.h"
 
 namespace media {
 
@@ -51,6 +52,17 @@ public:
      *  from the bit rate. */
     std::optional<double> declaredSeconds() const;
 
+    /** Whether the packets' times are those of the pages' granules. FFmpeg's own are not exact, so
+     *  that a sound file is taken as it is. */
+    bool isReadByPages() const { return oggPackets_.has_value(); }
+
+    /** Pages whose bytes were not those that were written, and pages that were there before. */
+    std::int64_t damagedPages() const { return oggPackets_ ? oggPackets_->damagedPages() : 0; }
+    std::int64_t repeatedPages() const { return oggPackets_ ? oggPackets_->repeatedPages() : 0; }
+
+    /** Whether the file, of a format that marks its end, has no such mark. */
+    bool lacksEnd() const { return lacksEnd_; }
+
 private:
     struct ContextClose {
         void operator()(AVFormatContext* context) const { avformat_close_input(&context); }
@@ -59,12 +71,19 @@ private:
     const AVInputFormat* recognise() const;
     void open(const AVInputFormat* format);
     void chooseStream();
+    void surveyPages();
+    bool resume();
+    std::int64_t findBytes(const std::string& bytes, std::int64_t from) const;
     [[noreturn]] void refuse(int error, const char* otherwise) const;
 
     FileInput& input_;
     std::unique_ptr<AVFormatContext, ContextClose> context_;
     AVStream* stream_ = nullptr;
+    std::optional<OggPackets> oggPackets_;  ///< where pages are damaged
     int failure_ = 0;
+    bool lacksEnd_ = false;
+    std::int64_t packetEnd_ = 0;       ///< bytes of the file behind the last packet
+    std::int64_t lastFailureAt_ = -1;  ///< place in the file from which reading went on
 };
 
 }  // namespace media

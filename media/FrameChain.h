@@ -12,8 +12,8 @@ class FrameChain {
 public:
     virtual ~FrameChain() = default;
 
-    /** Frames at the track's own rate that are decoded but belong to the encoder's delay. Before
-     *  the first put(). */
+    /** Leaves out so many of the next frames at the track's own rate: they belong to the encoder's
+     *  delay, or were there before. */
     virtual void dropFrames(std::int64_t frames) = 0;
 
     virtual void put(const AVFrame& frame) = 0;

@@ -20,7 +20,7 @@ public:
     RecordingChain(double expectedSeconds, std::function<void(std::size_t)> counted)
         : expectedSeconds_(expectedSeconds), counted_(std::move(counted)) {}
 
-    void dropFrames(std::int64_t frames) override { framesToDrop_ = frames; }
+    void dropFrames(std::int64_t frames) override { framesToDrop_ += frames; }
 
     /** @throws TrackError when rate or channels change on the way
      *  @throws Interrupted */

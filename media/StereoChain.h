@@ -20,7 +20,7 @@ class StereoChain : public FrameChain {
 public:
     explicit StereoChain(TrackSink& sink) : sink_(sink) {}
 
-    void dropFrames(std::int64_t frames) override { framesToDrop_ = frames; }
+    void dropFrames(std::int64_t frames) override { framesToDrop_ += frames; }
     void put(const AVFrame& frame) override;
     void putSilence(std::int64_t frames) override;
     void finish() override;

@@ -19,6 +19,13 @@ namespace {
 // below this.
 constexpr double kDelayAndPaddingSeconds = 0.2;
 
+// A damaged end of this share of the bytes that the missing time would take is one; a file with less
+// ends there.
+constexpr double kLeastShareOfEnd = 0.5;
+
+// So much denser than the rest may what is missing have been.
+constexpr double kMostUneven = 2.0;
+
 constexpr AVRational perSecond(int rate) {
     return {1, rate};
 }
@@ -26,8 +33,9 @@ constexpr AVRational perSecond(int rate) {
 }  // namespace
 
 TrackDecoder::TrackDecoder(const std::string& path)
-    : input_(path), container_(input_), delay_(container_, input_), decoder_(container_.stream(), delay_),
-      packet_(makePacket()), frame_(makeFrame()) {
+    : input_(path), container_(input_), delay_(container_, input_),
+      decoder_(container_.stream(), delay_), packets_(container_, input_),
+      timeline_(packets_.tick()), packet_(makePacket()), frame_(makeFrame()) {
     format_.container = container_.format();
     format_.codec = decoder_.codec();
     format_.tags = container_.tags();
@@ -44,7 +52,7 @@ void TrackDecoder::run(FrameChain& chain) {
 }
 
 bool TrackDecoder::step(FrameChain& chain) {
-    if (!container_.next(*packet_)) {
+    if (!packets_.next(*packet_)) {
         finish(chain);
         return false;
     }
@@ -58,8 +66,10 @@ void TrackDecoder::finish(FrameChain& chain) {
     input_.requireReadable();
     tally_.readFailure = container_.failure();
     decode(nullptr, chain);
+    fillEnd(chain);
     chain.finish();
-    format_.trackRate = chain.trackRate();
+    tally_.damagedPackets += container_.damagedPages();
+    tally_.repeatedPackets = packets_.repeatedPackets() + container_.repeatedPages();
     format_.sessionRate = chain.outputRate();
 }
 
@@ -86,7 +96,7 @@ bool TrackDecoder::isIncomplete(const AVPacket& packet) const {
     const std::span<const std::uint8_t> bytes(packet.data, static_cast<std::size_t>(packet.size));
     if (!tellsPacketLengths()) return false;
     const auto length =
-        container_.isFormat("mp3") ? mpegLayer3PacketLength(bytes) : adtsPacketLength(bytes);
+        container_.isFormat("mp3") ? mpegAudioPacketLength(bytes) : adtsPacketLength(bytes);
     return length && *length > bytes.size();
 }
 
@@ -102,29 +112,58 @@ void TrackDecoder::noteDamage(const AVPacket* packet) {
 }
 
 /** Damage counts once something after it decodes; at a file's end it is a foreign tag, or the file
- *  was cut off. */
-void TrackDecoder::fillDamage(FrameChain& chain) {
+ *  was cut off.
+ *  @return frames of silence; below 0, frames whose time has passed */
+std::int64_t TrackDecoder::missingBefore(const AVFrame& frame) {
     const PendingDamage damage = std::exchange(pendingDamage_, {});
     tally_.damagedPackets += damage.packets;
-    if (chain.trackRate() == 0) return;
+    isAlarmed_ |= packets_.takeAlarm() || damage.packets > 0;
     const AVRational timeBase = container_.stream().time_base;
-    const std::int64_t frames =
-        av_rescale_q(damage.duration, timeBase, perSecond(chain.trackRate()));
+    if (!packets_.tellTime())
+        return av_rescale_q(damage.duration, timeBase, perSecond(frame.sample_rate));
+    if (frame.pts == AV_NOPTS_VALUE) return 0;
+    const double seconds = static_cast<double>(frame.pts) * packets_.tick();
+    return timeline_.place(seconds, frame, std::exchange(isAlarmed_, false));
+}
+
+void TrackDecoder::keepTime(std::int64_t missing, const AVFrame& frame, FrameChain& chain) {
+    if (missing > 0) fillGap(missing, frame.sample_rate, chain);
+    if (missing < 0) chain.dropFrames(std::min<std::int64_t>(-missing, frame.nb_samples));
+}
+
+void TrackDecoder::fillGap(std::int64_t frames, int rate, FrameChain& chain) {
+    if (chain.trackRate() == 0) return;
     chain.putSilence(frames);
+    const double start = tally_.seconds;
     tally_.frames += frames;
+    tally_.seconds += static_cast<double>(frames) / rate;
+    const double length = tally_.seconds - start;
+    if (!tally_.gaps.empty() && tally_.gaps.back().start + tally_.gaps.back().length == start)
+        tally_.gaps.back().length += length;
+    else
+        tally_.gaps.push_back({start, length});
 }
 
 void TrackDecoder::deliver(AVFrame& frame, FrameChain& chain) {
     dropPadding(frame);
     if (frame.nb_samples <= 0) return;
     if (tally_.frames == 0) begin(frame, chain);
-    fillDamage(chain);
-    tally_.frames += frame.nb_samples;
+    if (frame.sample_rate != format_.trackRate || frame.ch_layout.nb_channels != format_.channels)
+        format_.changes = true;
+    const std::int64_t missing = missingBefore(frame);
+    keepTime(missing, frame, chain);
+    const std::int64_t taken =
+        frame.nb_samples + std::clamp<std::int64_t>(missing, -frame.nb_samples, 0);
+    tally_.frames += taken;
+    tally_.seconds += static_cast<double>(taken) / frame.sample_rate;
+    timeline_.advance(taken, frame.sample_rate);
+    decodedEnd_ = packets_.endPosition();
     chain.put(frame);
 }
 
 void TrackDecoder::begin(const AVFrame& frame, FrameChain& chain) {
     format_.channels = frame.ch_layout.nb_channels;
+    format_.trackRate = frame.sample_rate;
     const std::int64_t dropped = delay_.framesToDrop(frame.nb_samples, frame.sample_rate);
     chain.dropFrames(dropped);
     if (const auto frames = media::declaredFrames(container_, input_, frame.sample_rate))
@@ -148,23 +187,56 @@ void TrackDecoder::dropPadding(AVFrame& frame) const {
     frame.nb_samples = static_cast<int>(std::clamp<std::int64_t>(frames, 0, frame.nb_samples));
 }
 
+/** A track that ends in damage has its whole length all the same. */
+void TrackDecoder::fillEnd(FrameChain& chain) {
+    if (!isShorterThanDeclared() || !declaredFrames_ || format_.changes) return;
+    const std::int64_t missing = *declaredFrames_ - tally_.frames;
+    if (missing <= 0 || !isEndDamaged(static_cast<double>(missing) / format_.trackRate)) return;
+    tally_.damagedPackets += std::exchange(pendingDamage_, {}).packets;
+    fillGap(missing, format_.trackRate, chain);
+    tally_.isLastPacketDamaged = false;
+    tally_.isLastPacketIncomplete = false;
+}
+
+/** Whether the file has bytes where the rest of the track should be: otherwise it was cut off. */
+bool TrackDecoder::isEndDamaged(double missingSeconds) const {
+    if (decodedEnd_ <= 0 || tally_.seconds <= 0.0) return false;
+    if (container_.isFormat("mp4") && declaredEnd(container_, input_) == input_.size()) return true;
+    const double perSecond = static_cast<double>(decodedEnd_) / tally_.seconds;
+    const auto behind = static_cast<double>(input_.size() - decodedEnd_);
+    return behind >= kLeastShareOfEnd * missingSeconds * perSecond;
+}
+
 bool TrackDecoder::isCutOff() const {
     if (tally_.isLastPacketIncomplete) return true;
     // Where neither the file nor its packets tell a length, trouble at the end is all there is to
     // go by; where they do, it may as well be a foreign tag after the music.
     const bool hasTrouble = tally_.readFailure != 0 || tally_.isLastPacketDamaged;
     if (hasTrouble && !tellsPacketLengths() && !declaredSeconds()) return true;
+    if (isShorterThanDeclared()) return true;
     const auto end = declaredEnd(container_, input_);
-    return (end && *end > input_.size()) || isShorterThanDeclared();
+    return end && *end > input_.size() && !isMissingInside(*end - input_.size());
+}
+
+/** Whether the gaps within the track have room for the bytes: what is missing in the middle is no
+ *  missing end. */
+bool TrackDecoder::isMissingInside(std::int64_t bytes) const {
+    if (decodedEnd_ <= 0) return false;
+    double gaps = 0.0;
+    for (const base::Gap& gap : tally_.gaps) gaps += gap.length;
+    const double missing =
+        static_cast<double>(bytes) * tally_.seconds / static_cast<double>(decodedEnd_);
+    return gaps > 0.0 && missing <= gaps * kMostUneven;
 }
 
 bool TrackDecoder::isShorterThanDeclared() const {
     const auto declared = container_.declaredSeconds();
     if (!declared) return false;
     if (format_.trackRate == 0) return true;
-    const double rate = format_.trackRate;
-    const double tolerance = decoder_.isLossless() ? 0.5 / rate : kDelayAndPaddingSeconds;
-    return static_cast<double>(tally_.frames) / rate + tolerance < *declared;
+    // FFmpeg takes the last packet of CAF for a whole one.
+    const bool isExact = decoder_.isLossless() && !container_.isFormat("caf");
+    const double tolerance = isExact ? 0.5 / format_.trackRate : kDelayAndPaddingSeconds;
+    return tally_.seconds + tolerance < *declared;
 }
 
 }  // namespace media

@@ -13,6 +13,8 @@
 #include "media/FrameChain.h"
 #include "media/StreamDecoder.h"
 #include "media/TrackSink.h"
+#include "media/time/PacketTimes.h"
+#include "media/time/Timeline.h"
 
 namespace media {
 
@@ -56,6 +58,9 @@ public:
     /** Hz, by the file's own account; 0 when it has none. */
     int declaredRate() const { return container_.stream().codecpar->sample_rate; }
 
+    /** Whether the file, of a format that marks its end, has no such mark. */
+    bool lacksEnd() const { return container_.lacksEnd(); }
+
     /** Whether the file ends before its own account of itself does: what was decoded is not the
      *  whole track. After run(). */
     bool isCutOff() const;
@@ -72,22 +77,31 @@ private:
     void begin(const AVFrame& frame, FrameChain& chain);
     bool isIncomplete(const AVPacket& packet) const;
     void noteDamage(const AVPacket* packet);
-    void fillDamage(FrameChain& chain);
+    std::int64_t missingBefore(const AVFrame& frame);
+    void keepTime(std::int64_t missing, const AVFrame& frame, FrameChain& chain);
+    void fillGap(std::int64_t frames, int rate, FrameChain& chain);
+    void fillEnd(FrameChain& chain);
+    bool isEndDamaged(double missingSeconds) const;
     void deliver(AVFrame& frame, FrameChain& chain);
     void dropPadding(AVFrame& frame) const;
     bool tellsPacketLengths() const;
     bool isShorterThanDeclared() const;
+    bool isMissingInside(std::int64_t bytes) const;
 
     FileInput input_;
     Container container_;
     EncoderDelay delay_;
     StreamDecoder decoder_;
+    PacketTimes packets_;
+    Timeline timeline_;
     PacketPointer packet_;
     FramePointer frame_;
     DecodeTally tally_;
     PendingDamage pendingDamage_;
     base::TrackFormat format_;
     std::optional<std::int64_t> declaredFrames_;
+    std::int64_t decodedEnd_ = 0;  ///< bytes of the file behind the last packet that was decoded
+    bool isAlarmed_ = false;       ///< something was amiss since the last frame of known time
 };
 
 }  // namespace media

@@ -18,7 +18,9 @@ TrackFile usableTrack(const std::string& path, const TrackDecoder& decoder, std:
         throw base::TrackError(
             "is cut off: it ends before the track does (--partial takes what is there)");
     }
-    return {{path, decoder.format(), isCutOff, tally.damagedPackets, {}}, decoder.fileState()};
+    return {{path, decoder.format(), isCutOff, tally.damagedPackets, tally.repeatedPackets,
+             tally.gaps, decoder.lacksEnd(), {}},
+            decoder.fileState()};
 }
 
 void refuseUnlessUnchanged(const TrackDecoder& decoder, const FileState& state) {

@@ -38,6 +38,13 @@ Json audioJson(const base::TrackFormat& format) {
             {"sampleRate", format.trackRate}};
 }
 
+Json gapsJson(const std::vector<base::Gap>& gaps) {
+    Json json = Json::array();
+    for (const base::Gap& gap : gaps)
+        json.push_back({{"start", gap.start}, {"length", gap.length}});
+    return json;
+}
+
 Json candidatesJson(const beatatlas::track::Key& key) {
     Json ranking = Json::array();
     for (const beatatlas::track::KeyCandidate& candidate : key.ranking) {
@@ -119,6 +126,10 @@ Json trackFileJson(const base::TrackSource& file, std::int64_t frames) {
     track["audio"] = audioJson(file.format);
     track["partial"] = file.isCutOff;
     track["damagedPackets"] = file.damagedPackets;
+    track["repeatedPackets"] = file.repeatedPackets;
+    track["gaps"] = gapsJson(file.gaps);
+    track["lacksEnd"] = file.lacksEnd;
+    track["formatChanges"] = file.format.changes;
     track["sampleRate"] = file.format.sessionRate;
     track["frames"] = frames;
     track["seconds"] = static_cast<double>(frames) / file.format.sessionRate;

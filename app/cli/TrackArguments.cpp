@@ -1,27 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "cli/TrackArguments.h"
 
-#include <cmath>
-
 #include <CLI/CLI.hpp>
-#include <fmt/format.h>
 
 #include "cli/messages.h"
 #include "media/ffmpeg.h"
-#include "output/textFormat.h"
+#include "output/fileWarnings.h"
 
 namespace app {
-
-namespace {
-
-std::string loudness(const base::Overload& overload) {
-    const std::string samples = "clipped " + output::counted(overload.clipped, "sample");
-    if (std::isinf(overload.peak)) return samples + ", up to infinity";
-    return samples +
-           fmt::format(", up to {:.1f} dB over full scale", 20.0 * std::log10(overload.peak));
-}
-
-}  // namespace
 
 void TrackArguments::declare(CLI::App& arguments) {
     arguments.add_flag("--partial", acceptsCutOff_,
@@ -49,17 +35,8 @@ media::FileAnalysis::Options TrackArguments::reading(const std::string& path,
 }
 
 void TrackArguments::warnOf(const base::TrackSource& file) {
-    if (file.isCutOff) printFileWarning(file.path, "is cut off; only its beginning was taken");
-    if (file.damagedPackets > 0) {
-        const std::string places = output::counted(file.damagedPackets, "damaged place");
-        printFileWarning(file.path, places + " could not be decoded; silence was put there");
-    }
-    const base::Overload& overload = file.overload;
-    if (overload.isTooLoud()) printFileWarning(file.path, "is too loud: " + loudness(overload));
-    if (overload.notNumbers > 0) {
-        const std::string samples = output::counted(overload.notNumbers, "sample");
-        printFileWarning(file.path, "holds no number in " + samples + "; silence was put there");
-    }
+    for (const std::string& warning : output::fileWarnings(file))
+        printFileWarning(file.path, warning);
 }
 
 void TrackArguments::fail(const std::string& path, const std::string& reason) {

@@ -11,7 +11,7 @@ namespace media {
 /** The length in bytes that a packet of a bare stream tells in its own header; nothing when there
  *  is no such header. A shorter packet was cut off, which the decoders pass over in silence.
  *  @{ */
-std::optional<std::size_t> mpegLayer3PacketLength(std::span<const std::uint8_t> packet);
+std::optional<std::size_t> mpegAudioPacketLength(std::span<const std::uint8_t> packet);
 std::optional<std::size_t> adtsPacketLength(std::span<const std::uint8_t> packet);
 /** @} */
 

@@ -25,6 +25,21 @@ TEST(trackJson, TellsTheTrackAndItsAudio) {
     EXPECT_EQ(track["seconds"], 8.0);
     EXPECT_EQ(track["partial"], false);
     EXPECT_EQ(track["damagedPackets"], 0);
+    EXPECT_EQ(track["gaps"], Json::array());
+}
+
+TEST(trackJson, TellsWhatIsWrongWithTheFile) {
+    TrackReport report = test::exampleReport();
+    report.gaps = {{2.5, 0.25}, {7.0, 1.0}};
+    report.repeatedPackets = 3;
+    report.lacksEnd = true;
+    report.format.changes = true;
+    const Json track = trackJson(report, false);
+    EXPECT_EQ(track["gaps"], Json::parse(R"([{"start":2.5,"length":0.25},
+                                             {"start":7.0,"length":1.0}])"));
+    EXPECT_EQ(track["repeatedPackets"], 3);
+    EXPECT_EQ(track["lacksEnd"], true);
+    EXPECT_EQ(track["formatChanges"], true);
 }
 
 TEST(trackJson, TellsEveryBeatWithItsPlaceAndTempo) {

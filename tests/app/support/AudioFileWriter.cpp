@@ -77,7 +77,11 @@ private:
         av_channel_layout_default(&encoder_->ch_layout, static_cast<int>(sound_.channels.size()));
         if ((format_->oformat->flags & AVFMT_GLOBALHEADER) != 0)
             encoder_->flags |= AV_CODEC_FLAG_GLOBAL_HEADER;
-        require(avcodec_open2(encoder_, codec, nullptr), "encoder");
+        AVDictionary* options = nullptr;
+        av_dict_parse_string(&options, kind_.encoderOptions, "=", ":", 0);
+        const int opened = avcodec_open2(encoder_, codec, &options);
+        av_dict_free(&options);
+        require(opened, "encoder");
         AVChannelLayout layout = encoder_->ch_layout;
         require(swr_alloc_set_opts2(&converter_, &layout, encoder_->sample_fmt, sound_.rate,
                                     &layout, AV_SAMPLE_FMT_FLTP, sound_.rate, 0, nullptr),

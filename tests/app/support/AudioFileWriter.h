@@ -15,6 +15,7 @@ struct FileKind {
     bool hasCover = false;          ///< a picture beside the music, as music shops put it there
     const char* tags = "";          ///< "key=value:key=value"
     int bitRate = 192000;
+    const char* encoderOptions = "";
 };
 
 /** Writes a sound as an audio file. @throws std::runtime_error, which says what FFmpeg could not

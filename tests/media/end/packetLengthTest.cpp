@@ -12,25 +12,31 @@ using Bytes = std::array<std::uint8_t, 8>;
 
 // 144 × 128,000 / 44,100 = 417.96, and one byte more when padded.
 TEST(packetLength, OfMpegLayer3FollowsFromBitRateAndRate) {
-    EXPECT_EQ(mpegLayer3PacketLength(Bytes{0xFF, 0xFB, 0x90, 0x00}), 417U);
-    EXPECT_EQ(mpegLayer3PacketLength(Bytes{0xFF, 0xFB, 0x92, 0x00}), 418U);
-    EXPECT_EQ(mpegLayer3PacketLength(Bytes{0xFF, 0xFB, 0xE4, 0x00}),
+    EXPECT_EQ(mpegAudioPacketLength(Bytes{0xFF, 0xFB, 0x90, 0x00}), 417U);
+    EXPECT_EQ(mpegAudioPacketLength(Bytes{0xFF, 0xFB, 0x92, 0x00}), 418U);
+    EXPECT_EQ(mpegAudioPacketLength(Bytes{0xFF, 0xFB, 0xE4, 0x00}),
               960U);  // 320 kbit/s at 48,000 Hz
 }
 
 // 72 × 64,000 / 22,050 = 208.98; 72 × 8,000 / 8,000 = 72.
 TEST(packetLength, OfMpeg2IsHalfOfThat) {
-    EXPECT_EQ(mpegLayer3PacketLength(Bytes{0xFF, 0xF3, 0x80, 0x00}), 208U);
-    EXPECT_EQ(mpegLayer3PacketLength(Bytes{0xFF, 0xE3, 0x18, 0x00}), 72U);
+    EXPECT_EQ(mpegAudioPacketLength(Bytes{0xFF, 0xF3, 0x80, 0x00}), 208U);
+    EXPECT_EQ(mpegAudioPacketLength(Bytes{0xFF, 0xE3, 0x18, 0x00}), 72U);
+}
+
+// 144 × 160,000 / 44,100 = 522.4; 144 × 80,000 / 22,050 = 522.4: as long in MPEG-2.
+TEST(packetLength, OfLayer2HasItsOwnBitRates) {
+    EXPECT_EQ(mpegAudioPacketLength(Bytes{0xFF, 0xFD, 0x90, 0x00}), 522U);
+    EXPECT_EQ(mpegAudioPacketLength(Bytes{0xFF, 0xF5, 0x90, 0x00}), 522U);
 }
 
 TEST(packetLength, OfOtherLayersAndBadHeadersIsUnknown) {
-    EXPECT_EQ(mpegLayer3PacketLength(Bytes{0xFF, 0xFD, 0x90, 0x00}), std::nullopt);  // layer II
-    EXPECT_EQ(mpegLayer3PacketLength(Bytes{0xFF, 0xFB, 0x00, 0x00}),
+    EXPECT_EQ(mpegAudioPacketLength(Bytes{0xFF, 0xFF, 0x90, 0x00}), std::nullopt);  // layer I
+    EXPECT_EQ(mpegAudioPacketLength(Bytes{0xFF, 0xFB, 0x00, 0x00}),
               std::nullopt);  // free bit rate
-    EXPECT_EQ(mpegLayer3PacketLength(Bytes{0xFF, 0xFB, 0x9C, 0x00}), std::nullopt);  // no such rate
-    EXPECT_EQ(mpegLayer3PacketLength(Bytes{'T', 'A', 'G', 0}), std::nullopt);
-    EXPECT_EQ(mpegLayer3PacketLength({}), std::nullopt);
+    EXPECT_EQ(mpegAudioPacketLength(Bytes{0xFF, 0xFB, 0x9C, 0x00}), std::nullopt);  // no such rate
+    EXPECT_EQ(mpegAudioPacketLength(Bytes{'T', 'A', 'G', 0}), std::nullopt);
+    EXPECT_EQ(mpegAudioPacketLength({}), std::nullopt);
 }
 
 TEST(packetLength, OfAdtsStandsInItsHeader) {

@@ -1,0 +1,170 @@
+// SPDX-License-Identifier: MIT
+#include "media/time/PacketTimes.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdlib>
+#include <string_view>
+
+namespace media {
+
+namespace {
+
+// As long as the longest clusters and fragments that are usual: one damaged time may stand for all
+// packets of such a group.
+constexpr std::size_t kLookAhead = 600;
+
+// Some minutes of the shortest packets.
+constexpr std::size_t kMostSeen = 16384;
+
+constexpr std::size_t kPrintBytes = 64;
+
+// Where no length is told, a damaged time must not pass for a long silence.
+constexpr double kLongestUntold = 60.0;
+constexpr double kLongestStepBack = 1.0;
+constexpr double kSpareSeconds = 1.0;
+
+// Half a packet: less is no packet missing.
+constexpr std::int64_t kToleranceDivisor = 2;
+
+constexpr std::array<const char*, 9> kTimed = {"flac", "matroska", "mp4", "asf", "mpegts",
+                                               "flv",  "wv",       "tta", "caf"};
+constexpr std::array<const char*, 4> kByBytes = {"mp3", "aac", "ac3", "eac3"};
+
+/** FNV-1a of the beginning, and the length. */
+std::uint64_t printOf(const AVPacket& packet) {
+    std::uint64_t print = 0xCBF29CE484222325ULL ^ static_cast<std::uint64_t>(packet.size);
+    const std::size_t count = std::min(kPrintBytes, static_cast<std::size_t>(packet.size));
+    for (std::size_t i = 0; i < count; ++i) print = (print ^ packet.data[i]) * 0x100000001B3ULL;
+    return print;
+}
+
+}  // namespace
+
+PacketTimes::Clock PacketTimes::clockOf(const Container& container) {
+    const auto isOne = [&](const char* name) { return container.isFormat(name); };
+    if (container.isReadByPages()) return Clock::times;
+    if (std::any_of(kTimed.begin(), kTimed.end(), isOne)) return Clock::times;
+    if (std::any_of(kByBytes.begin(), kByBytes.end(), isOne)) return Clock::bytes;
+    return Clock::none;
+}
+
+PacketTimes::PacketTimes(Container& container, const FileInput& input)
+    : container_(container), queue_(container), clock_(clockOf(container)),
+      tick_(av_q2d(container.stream().time_base)) {
+    if (clock_ == Clock::bytes) bytes_.emplace(container, input, queue_);
+}
+
+bool PacketTimes::next(AVPacket& packet) {
+    while (queue_.next(packet)) {
+        const bool isTaken = bytes_ ? bytes_->judge(packet) : judge(packet);
+        if (bytes_ && bytes_->takeAlarm()) isAlarmed_ = true;
+        if ((packet.flags & AV_PKT_FLAG_CORRUPT) != 0) isAlarmed_ = true;
+        if (packet.pos >= 0) endPosition_ = std::max(endPosition_, packet.pos + packet.size);
+        if (isTaken) return true;
+        isAlarmed_ = true;
+        av_packet_unref(&packet);
+    }
+    return false;
+}
+
+std::int64_t PacketTimes::duration(const AVPacket& packet) const {
+    return packet.duration > 0 ? packet.duration : usual_;
+}
+
+std::int64_t PacketTimes::tolerance(const AVPacket& packet) const {
+    return std::max<std::int64_t>(2, duration(packet) / kToleranceDivisor);
+}
+
+/** @return false when the packet is to be left out */
+bool PacketTimes::judge(AVPacket& packet) {
+    if (clock_ == Clock::none || packet.pts == AV_NOPTS_VALUE) {
+        if (hasLine_) line_ += duration(packet);
+        return true;
+    }
+    packet.pts += shift_;
+    if (!hasLine_) {
+        hasLine_ = true;
+        first_ = packet.pts;
+    } else if (usual_ == 0 && packet.duration <= 0) {
+        usual_ = std::max<std::int64_t>(0, packet.pts - line_);
+    } else if (std::abs(packet.pts - line_) > tolerance(packet)) {
+        if (!judgeJump(packet)) return false;
+    }
+    follow(packet);
+    return true;
+}
+
+void PacketTimes::follow(const AVPacket& packet) {
+    repeatedTo_.reset();
+    if (packet.duration > 0) usual_ = packet.duration;
+    line_ = packet.pts + duration(packet);
+    while (!seen_.empty() && seen_.back().time > packet.pts) seen_.pop_back();
+    seen_.push_back({packet.pts, printOf(packet)});
+    if (seen_.size() > kMostSeen) seen_.pop_front();
+}
+
+bool PacketTimes::judgeJump(AVPacket& packet) {
+    isAlarmed_ = true;
+    if (packet.pts < line_ && (isRepeated(packet) || goesOnRepeating(packet))) {
+        repeatedTo_ = packet.pts + duration(packet);
+        ++repeatedPackets_;
+        return false;
+    }
+    if (returnsToLine(packet) || !isSharedByNext(packet)) {
+        packet.pts = line_;
+    } else if (packet.pts < line_ ? !isSmallStepBack(packet) : !isPlausible(packet.pts)) {
+        // Another recording begins: joined files count anew.
+        shift_ += line_ - packet.pts;
+        packet.pts = line_;
+    }
+    return true;
+}
+
+bool PacketTimes::isRepeated(const AVPacket& packet) const {
+    const std::int64_t from = packet.pts - tolerance(packet);
+    auto seen = std::lower_bound(seen_.begin(), seen_.end(), from,
+                                 [](const Seen& a, std::int64_t time) { return a.time < time; });
+    const std::uint64_t print = printOf(packet);
+    for (; seen != seen_.end() && seen->time <= packet.pts + tolerance(packet); ++seen) {
+        if (seen->print == print) return true;
+    }
+    return false;
+}
+
+/** Whether a packet stands among repeated ones but is not what it was: one of the two is damaged. */
+bool PacketTimes::goesOnRepeating(const AVPacket& packet) const {
+    return repeatedTo_ && std::abs(packet.pts - *repeatedTo_) <= tolerance(packet);
+}
+
+/** Pieces of a damaged packet pass for packets, until the next time that is told. */
+bool PacketTimes::isSmallStepBack(const AVPacket& packet) const {
+    return static_cast<double>(line_ - packet.pts) * tick_ <= kLongestStepBack;
+}
+
+/** Whether a packet to come stands where it would if no time were missing here. */
+bool PacketTimes::returnsToLine(const AVPacket& packet) {
+    std::int64_t line = line_ + duration(packet);
+    for (const PacketPointer& later : queue_.lookAhead(kLookAhead)) {
+        if (later->pts != AV_NOPTS_VALUE &&
+            std::abs(later->pts + shift_ - line) <= tolerance(*later))
+            return true;
+        line += duration(*later);
+    }
+    return false;
+}
+
+bool PacketTimes::isSharedByNext(const AVPacket& packet) {
+    const auto& later = queue_.lookAhead(kLookAhead);
+    if (later.empty() || later.front()->pts == AV_NOPTS_VALUE) return true;
+    const std::int64_t expected = packet.pts + duration(packet);
+    return std::abs(later.front()->pts + shift_ - expected) <= 2 * tolerance(packet);
+}
+
+bool PacketTimes::isPlausible(std::int64_t time) const {
+    const auto declared = container_.declaredSeconds();
+    if (declared) return static_cast<double>(time - first_) * tick_ <= *declared + kSpareSeconds;
+    return static_cast<double>(time - line_) * tick_ <= kLongestUntold;
+}
+
+}  // namespace media

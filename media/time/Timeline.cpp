@@ -1,0 +1,57 @@
+// SPDX-License-Identifier: MIT
+#include "media/time/Timeline.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "media/ffmpeg.h"
+
+namespace media {
+
+namespace {
+
+// The first times of a track tell of the encoder's delay in many ways.
+constexpr int kSettlingFrames = 4;
+
+constexpr double kWaverTicks = 2.2;
+constexpr double kLeastFrames = 2.0;
+
+// Fast enough for times that are rounded at every packet, slow against what a tick wavers.
+constexpr double kFollowing = 1.0 / 64.0;
+
+}  // namespace
+
+double Timeline::toleranceFor(const AVFrame& frame, bool isAlarmed) const {
+    const double waver = std::max(kWaverTicks * tick_, kLeastFrames / frame.sample_rate);
+    return isAlarmed ? waver : std::max(waver, 0.5 * frame.nb_samples / frame.sample_rate);
+}
+
+/** Packets are lost whole. Where the times are too coarse to tell their number of frames, they do
+ *  not stand against it. */
+std::int64_t Timeline::wholeBlocks(double frames, const AVFrame& frame) const {
+    const double blocks = std::round(frames / frame.nb_samples) * frame.nb_samples;
+    const double waver = kWaverTicks * tick_ * frame.sample_rate;
+    return std::llround(std::abs(blocks - frames) <= waver ? blocks : frames);
+}
+
+std::int64_t Timeline::place(double seconds, const AVFrame& frame, bool isAlarmed) {
+    const double late = seconds - expected_;
+    if (placed_ == 0 || (placed_ < kSettlingFrames && !isAlarmed)) {
+        ++placed_;
+        expected_ = seconds;
+        return 0;
+    }
+    if (std::abs(late) <= toleranceFor(frame, isAlarmed)) {
+        expected_ += late * kFollowing;
+        return 0;
+    }
+    const std::int64_t missing = wholeBlocks(late * frame.sample_rate, frame);
+    if (missing > 0) advance(missing, frame.sample_rate);
+    return missing;
+}
+
+void Timeline::advance(std::int64_t frames, int rate) {
+    expected_ += static_cast<double>(frames) / rate;
+}
+
+}  // namespace media
