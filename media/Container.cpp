@@ -43,11 +43,6 @@ bool isAudioContainer(const AVInputFormat& format) {
                        [&](std::string_view name) { return hasName(format.name, name); });
 }
 
-std::string tagOf(const AVDictionary* tags, const char* name) {
-    const AVDictionaryEntry* tag = av_dict_get(tags, name, nullptr, 0);
-    return tag == nullptr ? std::string() : tag->value;
-}
-
 int refuseToOpen(AVFormatContext*, AVIOContext**, const char*, int, AVDictionary**) {
     return AVERROR(EPERM);
 }
