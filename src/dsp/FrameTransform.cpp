@@ -4,8 +4,8 @@
 #include <algorithm>
 
 #include "dsp/fftCore.h"
-#include "dsp/turnFour.h"
-#include "dsp/vectorLanes.h"
+#include "dsp/lanes/transpose.h"
+#include "dsp/lanes/vectorLanes.h"
 
 namespace beatatlas {
 

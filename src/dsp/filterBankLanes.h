@@ -5,7 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "dsp/vectorLanes.h"
+#include "dsp/lanes/vectorLanes.h"
 
 namespace beatatlas {
 

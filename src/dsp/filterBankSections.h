@@ -5,7 +5,7 @@
 #include <cstdint>
 
 #include "dsp/filterBankLanes.h"
-#include "dsp/vectorLanes.h"
+#include "dsp/lanes/vectorLanes.h"
 
 namespace beatatlas {
 

@@ -3,7 +3,7 @@
 
 #include <cstddef>
 
-#include "dsp/vectorLanes.h"
+#include "dsp/lanes/vectorLanes.h"
 
 namespace beatatlas::fft {
 

@@ -3,8 +3,8 @@
 #include <cstdint>
 
 #include "dsp/RealSpectrum.h"
+#include "dsp/lanes/vectorLanes.h"
 #include "dsp/realSpectrumBins.h"
-#include "dsp/vectorLanes.h"
 
 namespace beatatlas::fft {
 

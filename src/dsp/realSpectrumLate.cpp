@@ -6,8 +6,8 @@
 #include <utility>
 
 #include "dsp/RealSpectrum.h"
+#include "dsp/lanes/vectorLanes.h"
 #include "dsp/realSpectrumBins.h"
-#include "dsp/vectorLanes.h"
 
 namespace beatatlas::fft {
 

@@ -6,8 +6,8 @@
 #include <cstddef>
 #include <cstdlib>
 
-#include "dsp/sampleLanes.h"
-#include "dsp/vectorLanes.h"
+#include "dsp/lanes/sampleLanes.h"
+#include "dsp/lanes/vectorLanes.h"
 
 namespace beatatlas {
 

@@ -10,8 +10,8 @@
 #include <cmath>
 #include <cstddef>
 
+#include "dsp/lanes/sampleLanes.h"
 #include "dsp/processorYield.h"
-#include "dsp/sampleLanes.h"
 #include "dsp/truncation.h"
 #include "envelope/GridOffset.h"
 #include "envelope/designFilter.h"

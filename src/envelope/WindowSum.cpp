@@ -3,7 +3,7 @@
 
 #include <algorithm>
 
-#include "dsp/vectorLanes.h"
+#include "dsp/lanes/vectorLanes.h"
 
 namespace beatatlas {
 

@@ -5,7 +5,7 @@
 #include <cstddef>
 
 #include "dsp/isConstant.h"
-#include "dsp/sampleLanes.h"
+#include "dsp/lanes/sampleLanes.h"
 #include "dsp/truncation.h"
 #include "key/keyBandLanes.h"
 

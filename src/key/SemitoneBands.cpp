@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "dsp/vectorLanes.h"
+#include "dsp/lanes/vectorLanes.h"
 #include "key/pitchClasses.h"
 
 namespace beatatlas {

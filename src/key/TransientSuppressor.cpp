@@ -7,8 +7,8 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "dsp/lanes/vectorLanes.h"
 #include "dsp/truncation.h"
-#include "dsp/vectorLanes.h"
 
 namespace beatatlas {
 

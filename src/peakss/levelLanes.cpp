@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <cstddef>
 
-#include "dsp/vectorLanes.h"
+#include "dsp/lanes/vectorLanes.h"
 
 namespace peakss {
 

@@ -7,7 +7,7 @@
 
 #include "dsp/filterBankKernel.h"
 #include "dsp/isConstant.h"
-#include "dsp/sampleLanes.h"
+#include "dsp/lanes/sampleLanes.h"
 #include "key/keyBandLanes.h"
 
 namespace beatatlas {

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "session/TrackFilters.h"
 
-#include "dsp/VectorForm.h"
+#include "dsp/lanes/VectorForm.h"
 #include "peakss/bandDesigns.h"
 #include "session/KeyBandRunner.h"
 

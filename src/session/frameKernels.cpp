@@ -10,7 +10,7 @@
 #include <cstring>
 #include <utility>
 
-#include "dsp/VectorForm.h"
+#include "dsp/lanes/VectorForm.h"
 #include "dsp/truncation.h"
 
 namespace beatatlas {

@@ -9,8 +9,8 @@
 #include <cstdint>
 #include <cstring>
 
+#include "dsp/lanes/vectorLanes.h"
 #include "dsp/truncation.h"
-#include "dsp/vectorLanes.h"
 
 namespace beatatlas {
 

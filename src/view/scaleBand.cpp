@@ -3,7 +3,7 @@
 
 #include <cstring>
 
-#include "dsp/VectorForm.h"
+#include "dsp/lanes/VectorForm.h"
 #include "view/fullScale.h"
 
 namespace beatatlas {

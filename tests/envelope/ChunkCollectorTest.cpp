@@ -7,7 +7,7 @@
 
 #include <gtest/gtest.h>
 
-#include "dsp/sampleLanes.h"
+#include "dsp/lanes/sampleLanes.h"
 #include "envelope/kickTrack.h"
 #include "support/RoundTowardZero.h"
 

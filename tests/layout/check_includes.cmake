@@ -14,7 +14,7 @@ set(may_api api session peakss/BeatInfo.h view dsp util key)
 
 set(faults "")
 foreach(room dsp view peakss envelope key util session api)
-    file(GLOB files ${SOURCE_DIR}/src/${room}/*.h ${SOURCE_DIR}/src/${room}/*.cpp)
+    file(GLOB_RECURSE files ${SOURCE_DIR}/src/${room}/*.h ${SOURCE_DIR}/src/${room}/*.cpp)
     foreach(file ${files})
         file(STRINGS ${file} lines REGEX "^#include \"")
         foreach(line ${lines})

@@ -6,7 +6,7 @@
 #include <cstring>
 #include <vector>
 
-#include "dsp/vectorLanes.h"
+#include "dsp/lanes/vectorLanes.h"
 
 /** Levels in 16 bits, on a logarithmic scale: 1024 steps an octave, so a step is 0.006 dB, over 64
  *  octaves. Code 0 stands for silence. */

@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "dsp/vectorLanes.h"
+#include "dsp/lanes/vectorLanes.h"
 
 /** Sample conversions for kernels in lanes; sampleBlocks.h has them for everybody else. */
 namespace beatatlas {

@@ -6,7 +6,7 @@
 #include <cstring>
 #include <utility>
 
-#include "dsp/VectorForm.h"
+#include "dsp/lanes/VectorForm.h"
 
 /** Values side by side in one register, for kernels that are written once for every width.
  *

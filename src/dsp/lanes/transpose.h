@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "dsp/vectorLanes.h"
+#include "dsp/lanes/vectorLanes.h"
 
 namespace beatatlas {
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "dsp/VectorForm.h"
+#include "dsp/lanes/VectorForm.h"
 
 #include <algorithm>
 #include <atomic>
