@@ -35,7 +35,7 @@ BEATATLAS_LANES void layOut(const Rows& rows, const int* bitReversal, std::ptrdi
                 from[j] = rows.row(f + j) + i;
                 to[j] = laidOut + (bitReversal[i + j] * lanes) + f;
             }
-            turnFour(from, to);
+            transposeFour(from, to);
         }
         for (; i < rows.length; ++i)
             for (std::ptrdiff_t j = 0; j < 4; ++j)
@@ -53,7 +53,7 @@ BEATATLAS_LANES void takeBack(const float* laidOut, std::ptrdiff_t lanes, const 
                 from[j] = laidOut + ((i + j) * lanes) + f;
                 to[j] = rows.row(f + j) + i;
             }
-            turnFour(from, to);
+            transposeFour(from, to);
         }
         const std::ptrdiff_t end = std::min(f + 4, rows.count);
         for (; i < rows.length; ++i)

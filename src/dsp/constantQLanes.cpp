@@ -50,7 +50,7 @@ BEATATLAS_LANES void layOut(const Request& request, const Group& group, int firs
         for (; i + 4 <= count; i += 4) {
             const float* from[4] = {frames[0] + i, frames[1] + i, frames[2] + i, frames[3] + i};
             float* at[4] = {to, to + group.lanes, to + (2 * group.lanes), to + (3 * group.lanes)};
-            turnFour(from, at);
+            transposeFour(from, at);
             to += 4 * group.lanes;
         }
         for (; i < count; ++i, to += group.lanes)

@@ -6,6 +6,8 @@
 #include <cstddef>
 #include <cstring>
 
+#include "dsp/lanes/transpose.h"
+
 namespace beatatlas {
 
 namespace {
@@ -119,16 +121,8 @@ struct SplitBands {
             loadLanes(late, rows[k + 4].data());
             pairs[k] = __builtin_shufflevector(early, late, 0, 1, 2, 3, 4, 5, 6, 7);
         }
-        const Eight low01 = __builtin_shufflevector(pairs[0], pairs[1], 0, 8, 1, 9, 4, 12, 5, 13);
-        const Eight low23 = __builtin_shufflevector(pairs[2], pairs[3], 0, 8, 1, 9, 4, 12, 5, 13);
-        const Eight high01 =
-            __builtin_shufflevector(pairs[0], pairs[1], 2, 10, 3, 11, 6, 14, 7, 15);
-        const Eight high23 =
-            __builtin_shufflevector(pairs[2], pairs[3], 2, 10, 3, 11, 6, 14, 7, 15);
-        store(__builtin_shufflevector(low01, low23, 0, 1, 8, 9, 4, 5, 12, 13), out[0] + i);
-        store(__builtin_shufflevector(low01, low23, 2, 3, 10, 11, 6, 7, 14, 15), out[1] + i);
-        store(__builtin_shufflevector(high01, high23, 0, 1, 8, 9, 4, 5, 12, 13), out[2] + i);
-        store(__builtin_shufflevector(high01, high23, 2, 3, 10, 11, 6, 7, 14, 15), out[3] + i);
+        transposeLanes<4>(pairs);
+        for (std::size_t band = 0; band < 4; ++band) store(pairs[band], out[band] + i);
     }
 
     BEATATLAS_LANES static void store(const Eight& band, float* out) {

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cstddef>
 
+#include "dsp/lanes/transpose.h"
 #include "dsp/lanes/vectorLanes.h"
 
 namespace peakss {
@@ -26,14 +27,8 @@ BEATATLAS_LANES void addHalfSteps(const float* samples, Floats& sums) {
         beatatlas::loadLanes(late, samples + (step + 4) * kUsualLength);
         steps[step] = __builtin_shufflevector(early, late, 0, 1, 2, 3, 4, 5, 6, 7);
     }
-    const Floats early01 = __builtin_shufflevector(steps[0], steps[1], 0, 8, 1, 9, 4, 12, 5, 13);
-    const Floats early23 = __builtin_shufflevector(steps[2], steps[3], 0, 8, 1, 9, 4, 12, 5, 13);
-    const Floats late01 = __builtin_shufflevector(steps[0], steps[1], 2, 10, 3, 11, 6, 14, 7, 15);
-    const Floats late23 = __builtin_shufflevector(steps[2], steps[3], 2, 10, 3, 11, 6, 14, 7, 15);
-    sums += __builtin_shufflevector(early01, early23, 0, 1, 8, 9, 4, 5, 12, 13);
-    sums += __builtin_shufflevector(early01, early23, 2, 3, 10, 11, 6, 7, 14, 15);
-    sums += __builtin_shufflevector(late01, late23, 0, 1, 8, 9, 4, 5, 12, 13);
-    sums += __builtin_shufflevector(late01, late23, 2, 3, 10, 11, 6, 7, 14, 15);
+    beatatlas::transposeLanes<4>(steps);
+    for (const Floats& sample : steps) sums += sample;
 }
 
 /** The means of `count` steps of eight samples, a multiple of the lanes; the same for every width. */

@@ -1,29 +1,48 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <cstddef>
+#include <utility>
+
 #include "dsp/lanes/vectorLanes.h"
 
 namespace beatatlas {
 
-/** Four values of each of four signals, turned: to[i][s] = from[s][i]. */
-BEATATLAS_LANES void turnFour(const float* const* from, float* const* to) {
-    using Four = Lanes<float, 4>;
-    Four a;
-    Four b;
-    Four c;
-    Four d;
-    loadLanes(a, from[0]);
-    loadLanes(b, from[1]);
-    loadLanes(c, from[2]);
-    loadLanes(d, from[3]);
-    const Four abLow = __builtin_shufflevector(a, b, 0, 4, 1, 5);
-    const Four cdLow = __builtin_shufflevector(c, d, 0, 4, 1, 5);
-    const Four abHigh = __builtin_shufflevector(a, b, 2, 6, 3, 7);
-    const Four cdHigh = __builtin_shufflevector(c, d, 2, 6, 3, 7);
-    storeLanes(Four(__builtin_shufflevector(abLow, cdLow, 0, 1, 4, 5)), to[0]);
-    storeLanes(Four(__builtin_shufflevector(abLow, cdLow, 2, 3, 6, 7)), to[1]);
-    storeLanes(Four(__builtin_shufflevector(abHigh, cdHigh, 0, 1, 4, 5)), to[2]);
-    storeLanes(Four(__builtin_shufflevector(abHigh, cdHigh, 2, 3, 6, 7)), to[3]);
+/** Lanes of a and b in turn, from lane kFrom of each group of kRows lanes. */
+template <std::size_t kRows, std::size_t kFrom, class Vector, std::size_t... kLane>
+BEATATLAS_LANES void interleaveLanes(const Vector& a, const Vector& b, Vector& interleaved,
+                                     std::index_sequence<kLane...>) {
+    constexpr std::size_t kCount = sizeof...(kLane);
+    interleaved = __builtin_shufflevector(
+        a, b,
+        (((kLane / kRows) * kRows) + kFrom + ((kLane % kRows) / 2) + ((kLane % 2) * kCount))...);
+}
+
+/** Transposes squares of kRows × kRows values, kRows a power of two: kRows vectors hold as many squares as each has
+ *  groups of kRows lanes. Lane l of a group of vector v goes to lane v of the same group of vector l. */
+template <std::size_t kRows, class Vector>
+BEATATLAS_LANES void transposeLanes(Vector* vectors) {
+    constexpr auto kLanes =
+        std::make_index_sequence<sizeof(Vector) / sizeof(decltype(Vector{}[0]))>{};
+    constexpr std::size_t kHalf = kRows / 2;
+    for (std::size_t round = 1; round < kRows; round *= 2) {
+        Vector interleaved[kRows];
+        for (std::size_t v = 0; v < kHalf; ++v) {
+            const Vector& a = vectors[v];
+            const Vector& b = vectors[kHalf + v];
+            interleaveLanes<kRows, 0>(a, b, interleaved[2 * v], kLanes);
+            interleaveLanes<kRows, kHalf>(a, b, interleaved[(2 * v) + 1], kLanes);
+        }
+        for (std::size_t v = 0; v < kRows; ++v) vectors[v] = interleaved[v];
+    }
+}
+
+/** Four values of each of four signals: to[i][s] = from[s][i]. */
+BEATATLAS_LANES void transposeFour(const float* const* from, float* const* to) {
+    Lanes<float, 4> rows[4];
+    for (std::size_t s = 0; s < 4; ++s) loadLanes(rows[s], from[s]);
+    transposeLanes<4>(rows);
+    for (std::size_t i = 0; i < 4; ++i) storeLanes(rows[i], to[i]);
 }
 
 }  // namespace beatatlas

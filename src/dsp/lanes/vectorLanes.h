@@ -75,14 +75,15 @@ BEATATLAS_AVX2 void runForAvx2(Arguments... arguments) {
 }
 #endif
 
-/** Calls Kernel<W>::run(arguments…), W being the doubles in a register of the form in use: 2, 4 or 8. run() is marked
- *  BEATATLAS_LANES, so that it takes on the registers of its caller. */
-template <template <std::size_t> class Kernel, class... Arguments>
+/** Calls Kernel<W>::run(arguments…), W being the doubles in a register of the form in use: 2, 4 or 8, but kWidest at
+ *  the most. run() is marked BEATATLAS_LANES, so that it takes on the registers of its caller. */
+template <template <std::size_t> class Kernel, std::size_t kWidest = 8, class... Arguments>
 void runInLanes(Arguments... arguments) {
 #if BEATATLAS_WIDE_FORMS
     const VectorForm form = vectorForm();
-    if (form == VectorForm::avx512) return runForAvx512<Kernel<8>, Arguments...>(arguments...);
-    if (form == VectorForm::avx2) return runForAvx2<Kernel<4>, Arguments...>(arguments...);
+    if constexpr (kWidest >= 8)
+        if (form == VectorForm::avx512) return runForAvx512<Kernel<8>, Arguments...>(arguments...);
+    if (form >= VectorForm::avx2) return runForAvx2<Kernel<4>, Arguments...>(arguments...);
 #endif
     Kernel<2>::run(arguments...);
 }
