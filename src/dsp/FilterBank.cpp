@@ -36,7 +36,8 @@ struct Coefficients {
 
 /** The lane's section from silence. */
 void startLane(FilterBankLanes& lanes, std::size_t lane, const Coefficients& c) {
-    assert(std::fabs(c.b2) == std::fabs(c.b0) || std::isnan(c.b0));  // an absurd rate designs no numbers
+    assert(std::fabs(c.b2) == std::fabs(c.b0) ||
+           std::isnan(c.b0));  // an absurd rate designs no numbers
     lanes.b0[lane] = c.b0;
     lanes.b1[lane] = c.b1;
     lanes.flipB2[lane] = std::bit_cast<std::int64_t>(c.b2) ^ std::bit_cast<std::int64_t>(c.b0);

@@ -33,6 +33,8 @@ public:
     /** Filters one block of len samples; in and out are different arrays. len ≤ 0 does nothing. */
     void operate(const double* in, double* out, int len) { section_.operate(in, out, len); }
 
+    const SecondOrderSection& section() const { return section_; }
+
     double b0() const { return section_.b0; }
     double b1() const { return section_.b1; }
     double b2() const { return section_.b2; }

@@ -116,10 +116,9 @@ void Analyzer::createAnalysers() {
     loudViewMaker_.create(rate_, totalSamples_);
     zoomViewMaker_.create(rate_, totalSamples_, kZoomPointsPerSecond, true);
     keyRankMaker_.create(rate_, totalSamples_);
-    trackFilters_.create(rate_, blockLen_,
-                         {&unitEnvelopeMaker_.audioFilter(),
-                          simple_ ? &simpleEnvelopeMaker_.audioFilter() : nullptr,
-                          zoomOn_ ? &zoomViewMaker_.bassFilter() : nullptr});
+    trackFilters_.create(rate_, {&unitEnvelopeMaker_.audioFilter(),
+                                 simple_ ? &simpleEnvelopeMaker_.audioFilter() : nullptr,
+                                 zoomOn_ ? &zoomViewMaker_.bassFilter() : nullptr});
 }
 
 void Analyzer::setSamplePre(const float* left, const float* right, int count) {

@@ -4,22 +4,25 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "dsp/filterBankLanes.h"
+#include "dsp/BankBlock.h"
 #include "key/KeyRankMaker.h"
+#include "session/SessionCascades.h"
 
 namespace beatatlas {
 
-/** Does the steps of a FilterBank, and beside them filters what waits in a KeyRankMaker: both wait for the
+/** Does the steps of a session's filter bank, and beside them filters what waits in a KeyRankMaker: both wait for the
  *  last outputs of their own sections, not for each other. */
-class KeyBandRunner : public FilterBankRunner {
+class KeyBandRunner {
 public:
+    using Block = BankBlock<SessionCascades>;
+
     /** @param most  frames to filter for the key at the most */
     KeyBandRunner(KeyRankMaker& keyRankMaker, int most);
     KeyBandRunner(const KeyBandRunner&) = delete;
     KeyBandRunner& operator=(const KeyBandRunner&) = delete;
 
-    void run(FilterBankLanes& lanes, FilterBankTile& tile,
-             const FilterBankStretch& stretch) override;
+    /** The steps of a block of n samples. */
+    void operator()(Block& block, int n);
 
 private:
     using BandStretch = KeyRankMaker::BandStretch;

@@ -127,8 +127,7 @@ TEST_F(TrackFiltersTest, AnalysersHearWhatTheyWouldFilterForThemselves) {
             Analysers got(rate, length);
             TrackFilters filters;
             filters.create(
-                rate, rate / 75,
-                {&got.unit.audioFilter(), &got.simple.audioFilter(), &got.zoom.bassFilter()});
+                rate, {&got.unit.audioFilter(), &got.simple.audioFilter(), &got.zoom.bassFilter()});
             for (int at = 0; at < length; at += rate / 75) {
                 const int n = std::min(rate / 75, length - at);
                 const float* mono = track.mono.data() + at;

@@ -40,7 +40,7 @@ void SessionPair::createAnalysers() {
     unitBeatAdjust_.create(rate_, frames_);
     loudViewMaker_.create(rate_, frames_);
     zoomViewMaker_.create(rate_, frames_, kZoomPointsPerSecond, true);
-    trackFilters_.create(rate_, blockFrames_,
+    trackFilters_.create(rate_,
                          {&variedUnitEnvelope_.audioFilter(), &simpleEnvelopeMaker_.audioFilter(),
                           wantsWaves_ ? &zoomViewMaker_.bassFilter() : nullptr});
 }
