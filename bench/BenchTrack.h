@@ -7,6 +7,7 @@
 
 #include <benchmark/benchmark.h>
 
+#include "bench/FilteredTrack.h"
 #include "peakss/BeatInfo.h"
 #include "support/TrackSynth.h"
 
@@ -35,6 +36,9 @@ test::StereoTrack makeSong(double seconds);
 /** Made once, at the first call. It holds too many events for a processor to learn by heart, so the same track may be
  *  played again and again. */
 const BenchTrack& benchTrack();
+
+/** What analysers hear of that track through filters. */
+FilteredTrack& filteredBenchTrack();
 
 /** Calls feed(first frame, frames) for block after block of the track. */
 template <typename Feed>

@@ -16,10 +16,11 @@ namespace {
 
 using Names = std::vector<std::string>;
 
-// What a session of constant tempo spends its time on; the loudness wave lives on the beat sensor's bands.
-const Names kSessionParts = {"preChecker",        "beatSensorAndLoudView", "keyRankMaker",
-                             "unitEnvelopeMaker", "unitBeatAdjust",        "zoomViewMaker",
-                             "beatListAnalysis",  "unitEnvelopeAnalyze",   "unitBeatAdjustAnalyze"};
+// What a session of constant tempo spends its time on; it filters once for all.
+const Names kSessionParts = {"preChecker",           "trackFilters",      "beatSensorAndLoudView",
+                             "keyRankMaker",         "unitEnvelopeMaker", "unitBeatAdjust",
+                             "zoomViewMaker",        "beatListAnalysis",  "unitEnvelopeAnalyze",
+                             "unitBeatAdjustAnalyze"};
 const Names kSessions = {"sessionConstant", "sessionVaried", "sessionSimple", "sessionBeatsOnly",
                          "sessionViewsOnly"};
 const Names kApart = {"beatSensor", "loudViewMaker", "simpleEnvelopeMaker", "sectionsInTurn",
@@ -122,9 +123,7 @@ void printSessionParts(const std::vector<FormRun>& runs) {
         printRow(runs, name);
         std::printf(" %.1f %% |\n", 100.0 * part / whole);
     }
-    std::printf("\nOn their own the parts take %.0f %% of a session's time: each filters for "
-                "itself, a session "
-                "once for all.\n",
+    std::printf("\nOn their own the parts take %.0f %% of a session's time.\n",
                 100.0 * parts / whole);
 }
 

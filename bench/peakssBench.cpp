@@ -11,13 +11,15 @@ namespace {
 
 void sense(peakss::BeatListMaker& maker, LVMakeBase* loudView) {
     const BenchTrack& track = benchTrack();
+    FilteredTrack& filtered = filteredBenchTrack();
     maker.create(kRate, 0, kFrames);
-    forEachBlock(
-        [&](int from, int count) { maker.put(track.mono.data() + from, count, loudView); });
+    forEachBlock([&](int from, int count) {
+        maker.put(track.mono.data() + from, filtered.bandsFrom(from), count, loudView);
+    });
 }
 
 void beatSensor(benchmark::State& state) {
-    benchTrack();
+    filteredBenchTrack();
     for (auto _ : state) {
         const TowardZeroScope mode;
         peakss::BeatListMaker maker;
@@ -30,7 +32,7 @@ BENCHMARK(beatSensor)->Unit(benchmark::kMillisecond);
 
 /** As in a session: the loudness wave lives on the sensor's bands. */
 void beatSensorAndLoudView(benchmark::State& state) {
-    benchTrack();
+    filteredBenchTrack();
     for (auto _ : state) {
         const TowardZeroScope mode;
         peakss::BeatListMaker maker;

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <array>
 #include <cstdint>
 #include <memory>
 #include <vector>
@@ -34,19 +33,15 @@ public:
      *  @return true */
     bool create(int sampleRate, int length);
 
-    /** Back to the first frame with an empty envelope; the filters keep their state. */
+    /** Back to the first frame with an empty envelope; the filter of the envelope keeps its state. */
     void reset();
 
-    /** Takes one block of interleaved 16-bit stereo; null and frames ≤ 0 do nothing. */
-    void putSample(const std::int16_t* samples, int frames);
+    /** Takes one block: the mean of both channels, in 16-bit scale, that has been through a section
+     *  like audioFilter(); null and frames ≤ 0 do nothing. */
+    void putSample(const double* filtered, int frames);
 
-    /** As putSample(), for frames whose mean of both channels has been through a section like
-     *  audioFilter(). */
-    void putFiltered(const double* filtered, int frames);
-
-    const SecondOrderSection& audioFilter() const {
-        return audioLowPass_->section();
-    }  ///< after create()
+    /** After create(). */
+    const SecondOrderSection& audioFilter() const { return audioLowPass_->section(); }
 
     /** Replaces `beats` by a regular grid from the first beat to the end of the track.
      *
@@ -62,14 +57,12 @@ public:
     const std::vector<std::int16_t>& envelope() const { return envelope_; }
 
 private:
-    void closeChunk(const double* mono, int frames, std::size_t index);
     void putLevel(double filteredFirst, std::size_t index);
     void layGrid(double beatSeconds, double firstBeat, peakss::BeatList& beats) const;
 
     int length_ = 0;
     int sampleRate_ = 0;
     ChunkCollector chunks_;
-    std::array<double, ChunkCollector::kChunkFrames> filteredBuffer_{};
     std::unique_ptr<LowPathFilter2D> audioLowPass_;
     std::unique_ptr<LowPathFilter2D> envelopeLowPass_;
     std::vector<std::int16_t> envelope_;

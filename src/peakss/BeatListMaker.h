@@ -21,15 +21,10 @@ public:
 
     void release();
 
-    /** Takes the next n samples of the track (full scale ±1.0); sends their bands to loudView if it is not null. */
-    void put(const float* mono, int n, beatatlas::LVMakeBase* loudView) {
-        sensor_.put(mono, n, loudView);
-    }
-
-    /** As put(), with the bands filtered already; see BeatSensor::putBands. */
-    void putBands(const float* mono, const BandSignals& bands, int n,
-                  beatatlas::LVMakeBase* loudView) {
-        sensor_.putBands(mono, bands, n, loudView);
+    /** Takes the next n samples of the track (full scale ±1.0), at most 1/75 s of it, with their bands, and sends these
+     *  to loudView if it is not null; see BeatSensor::put. */
+    void put(const float* mono, const BandSignals& bands, int n, beatatlas::LVMakeBase* loudView) {
+        sensor_.put(mono, bands, n, loudView);
     }
 
     /** The candidates found so far, ordered by position. */

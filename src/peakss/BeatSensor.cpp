@@ -22,6 +22,11 @@ constexpr int kBlocksPerSecond = 75;
 // Two votes may be one beat that two bands heard: a tempo needs more.
 constexpr int kMinVotes = 3;
 
+/** How many of a sensor's bands are filtered; the others are the onsets of these. */
+int filteredBands(int bands) {
+    return bands == 6 ? 4 : bands;
+}
+
 void runAhead(SensorBand& band, int from, int steps) {
     band.nextPeak = band.sensor.putQuietLevels(band.levels.get(), from, steps);
 }
@@ -41,7 +46,6 @@ bool BeatSensor::create(int rate, int start, int end, int decim, int bands) {
     decim_ = std::max(decim, 1);
     bands_ = makeBands(rate, blockLen, decim_, bandNum);
     bandNum_ = bandNum;
-    filters_.create(static_cast<float>(rate), blockLen, bandNum);
     blockLen_ = blockLen;
     start_ = start;
     end_ = end;
@@ -53,7 +57,7 @@ std::unique_ptr<SensorBand[]> BeatSensor::makeBands(int rate, int blockLen, int 
     auto made = std::make_unique<SensorBand[]>(static_cast<std::size_t>(bands));
     for (int b = 0; b < bands; ++b) {
         SensorBand& band = made[static_cast<std::size_t>(b)];
-        if (b >= SensorFilters::filteredBands(bands))
+        if (b >= filteredBands(bands))
             band.onsets = std::make_unique<float[]>(static_cast<std::size_t>(blockLen));
         band.levels = std::make_unique<float[]>(static_cast<std::size_t>(blockLen));
         band.buffer.create(b);
@@ -81,43 +85,24 @@ void BeatSensor::reset() {
 
 void BeatSensor::release() {
     bands_.reset();
-    filters_.release();
     bandNum_ = 0;
     blockLen_ = 0;
 }
 
-bool BeatSensor::put(const float* mono, int n, beatatlas::LVMakeBase* loudView) {
-    if (mono == nullptr || n <= 0 || blockLen_ == 0) return false;
-    sinceBeat_ = wrappingAdd(sinceBeat_, n);
-    bool chosen = false;
-    for (int done = 0; done < n && !isOver(loudView);) {
-        const int count = std::min(n - done, blockLen_);
-        const float* chunk = mono + done;
-        const BandSignals signals = filters_.operate(chunk, count, loudView != nullptr);
-        if (takeChunk(chunk, signals, count, loudView)) chosen = true;
-        done += count;
-    }
-    return chosen;
-}
-
-bool BeatSensor::putBands(const float* mono, const BandSignals& bands, int n,
-                          beatatlas::LVMakeBase* loudView) {
+bool BeatSensor::put(const float* mono, const BandSignals& bands, int n,
+                     beatatlas::LVMakeBase* loudView) {
     if (mono == nullptr || n <= 0 || n > blockLen_) return false;
     sinceBeat_ = wrappingAdd(sinceBeat_, n);
-    return !isOver(loudView) && takeChunk(mono, bands, n, loudView);
+    if (isOver(loudView)) return false;
+    for (int b = 0; b < filteredBands(bandNum_); ++b)
+        bands_[static_cast<std::size_t>(b)].signal = bands.bands[b];
+    makeOnsets(n);
+    if (loudView != nullptr) sendBands(mono, bands, n, *loudView);
+    return senseBeats(n);
 }
 
 bool BeatSensor::isOver(const beatatlas::LVMakeBase* loudView) const {
     return counter_ >= end_ && loudView == nullptr;
-}
-
-bool BeatSensor::takeChunk(const float* chunk, const BandSignals& signals, int n,
-                           beatatlas::LVMakeBase* loudView) {
-    for (int b = 0; b < SensorFilters::filteredBands(bandNum_); ++b)
-        bands_[static_cast<std::size_t>(b)].signal = signals.bands[b];
-    makeOnsets(n);
-    if (loudView != nullptr) sendBands(chunk, signals, n, *loudView);
-    return senseBeats(n);
 }
 
 void BeatSensor::makeOnsets(int n) {
@@ -131,15 +116,11 @@ void BeatSensor::makeOnsets(int n) {
     high.signal = high.onsets.get();
 }
 
-// The mid and high bands are those the view would make; its low band is of another width than those of the sensor.
-void BeatSensor::sendBands(const float* chunk, const BandSignals& signals, int n,
-                           beatatlas::LVMakeBase& loudView) {
+void BeatSensor::sendBands(const float* mono, const BandSignals& signals, int n,
+                           beatatlas::LVMakeBase& loudView) const {
     const int mid = bandNum_ < 4 ? 1 : 2;
-    if (mid + 1 >= bandNum_) {
-        loudView.analyzePeak(chunk, nullptr, nullptr, nullptr, n);
-    } else {
-        loudView.analyzePeak(chunk, signals.viewLow, signals.bands[mid], signals.bands[mid + 1], n);
-    }
+    if (mid + 1 >= bandNum_) return;
+    loudView.analyzePeak(mono, signals.viewLow, signals.bands[mid], signals.bands[mid + 1], n);
 }
 
 // The sample at index i counts as the one behind it, i + 1, on both borders of the range: the range thus begins one

@@ -5,7 +5,6 @@
 #include <memory>
 
 #include "peakss/BandSignals.h"
-#include "peakss/SensorFilters.h"
 #include "peakss/TempoVote.h"
 
 namespace beatatlas {
@@ -18,17 +17,16 @@ class BeatSensorSignal;
 class PeakBuffer;
 struct SensorBand;
 
-/** Turns a mono signal into beats: splits it into bands, rectifies each and averages it over short steps, follows
- *  each band's level peaks, and lets all bands vote on the tempo. Each time a band finds a regular beat of the
+/** Turns the rectified bands of a mono signal into beats: averages each over short steps, follows its level peaks, and
+ *  lets all bands vote on the tempo. Each time a band finds a regular beat of the
  *  tempo the vote agrees on, its receiver hears of it.
  *
  *  The six bands of a session: below 283 Hz; a band around 150 Hz; 283 to 6000 Hz; above 6000 Hz; the onsets of
- *  the first band (its level less a moving mean of 1 ms), and those of the fourth (0.2 ms). Three and four bands
- *  exist as well; with another number the bands pass the signal through.
+ *  the first band (its level less a moving mean of 1 ms), and those of the fourth (0.2 ms). With another number of
+ *  bands all are filtered, and none are onsets.
  *
  *  Life: setSignal(), create() → put() per block → release(); reset() starts over with the same design.
- *  Memory: per band a block of rate / 75 samples, a ring of peaks and its filter, allocated in create(). With another number
- *  of bands than four or six the filters allocate once more on the first block; put() allocates nothing else.
+ *  Memory: per band a block of rate / 75 samples and a ring of peaks, allocated in create(), nothing in put().
  *  Any cutting of the signal into blocks gives the same beats. */
 class BeatSensor {
 public:
@@ -47,20 +45,17 @@ public:
      *  @param bands       number of bands */
     bool create(int rate, int start, int end, int decim, int bands);
 
-    /** Back to the start of a track. The filters keep the signal they have in them. */
+    /** Back to the start of a track. */
     void reset();
 
     void release();
 
-    /** Takes the next n samples (full scale ±1.0) and sends their bands to loudView if it is not null; true when a
-     *  beat was chosen. n ≤ 0 and a null signal do nothing. Behind the end of the range only loudView is served. */
-    bool put(const float* mono, int n, beatatlas::LVMakeBase* loudView);
-
-    /** As put(), with the bands of the n samples filtered already: all of them from the start of the track on, by the
-     *  filters of designSensorBank(). For sensors of four and six bands.
-     *  @param n  at most a block of 1/75 s */
-    bool putBands(const float* mono, const BandSignals& bands, int n,
-                  beatatlas::LVMakeBase* loudView);
+    /** Takes the next n samples and sends their bands to loudView if it is not null; true when a beat was chosen. A null
+     *  signal, n ≤ 0 and more than a block do nothing. Behind the end of the range only loudView is served.
+     *  @param mono   full scale ±1.0; for loudView alone
+     *  @param bands  of the n samples, filtered from the start of the track on by the filters of designFilters()
+     *  @param n      at most a block of rate / 75 samples */
+    bool put(const float* mono, const BandSignals& bands, int n, beatatlas::LVMakeBase* loudView);
 
     /** Lets the bands that found a beat vote, and names the steadiest of them if the vote agrees with it: then the
      *  bands that disagree have lost their beat. Null when there is no such band. */
@@ -75,11 +70,9 @@ public:
 private:
     static std::unique_ptr<SensorBand[]> makeBands(int rate, int blockLen, int decim, int bands);
     bool isOver(const beatatlas::LVMakeBase* loudView) const;
-    bool takeChunk(const float* chunk, const BandSignals& signals, int n,
-                   beatatlas::LVMakeBase* loudView);
     void makeOnsets(int n);
-    void sendBands(const float* chunk, const BandSignals& signals, int n,
-                   beatatlas::LVMakeBase& loudView);
+    void sendBands(const float* mono, const BandSignals& signals, int n,
+                   beatatlas::LVMakeBase& loudView) const;
     bool senseBeats(int n);
     int closeSteps(int from, int to);
     bool followPeaks(int steps);
@@ -92,7 +85,6 @@ private:
 
     std::int32_t bandNum_ = 0;
     std::unique_ptr<SensorBand[]> bands_;
-    SensorFilters filters_;  // of put()
     BeatSensorSignal* signal_ = nullptr;
     std::int32_t decim_ = 1;
     std::int32_t decimCount_ = 0;  // samples in the current step

@@ -85,6 +85,7 @@ private:
     int fillBlock(const float* left, const float* right, int count);
     void dispatchBlock();
     void dispatchFiltered();
+    void dispatchBeats();
     float proposeGrid();
 
     bool created_ = false;

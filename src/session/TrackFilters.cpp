@@ -29,19 +29,24 @@ void designCascade(Bank& bank, std::size_t cascade, const SecondOrderSection* fi
 
 }  // namespace
 
-void TrackFilters::create(int rate, const Levels& levels) {
+void TrackFilters::create(int rate, const Wanted& wanted) {
     bank_ = std::make_unique<Bank>();
     designBands(static_cast<float>(rate));
-    designCascade(*bank_, SessionCascades::kPulses, levels.pulses);
-    designCascade(*bank_, SessionCascades::kBassLine, levels.bassLine);
-    designCascade(*bank_, SessionCascades::kBass, levels.bass);
+    designCascade(*bank_, SessionCascades::kPulses, wanted.pulses);
+    designCascade(*bank_, SessionCascades::kBassLine, wanted.bassLine);
+    designCascade(*bank_, SessionCascades::kBass, wanted.bass);
+    const bool wantsOthers = wanted.pulses != nullptr || wanted.bassLine != nullptr;
+    wantsBands_ = wanted.bands;
+    wantsMeans_ = wantsOthers || wanted.bass != nullptr;
+    bassAlone_.reset();
+    if (wanted.bass != nullptr && !wantsOthers && !wantsBands_) bassAlone_ = *wanted.bass;
 }
 
 void TrackFilters::designBands(float rate) {
     constexpr std::array kBands = {SessionCascades::kLow, SessionCascades::kDrum,
                                    SessionCascades::kMid, SessionCascades::kHigh};
     std::array<IirPassFilter, kBands.size()> filters;
-    peakss::designFilters(filters.data(), static_cast<int>(kBands.size()), rate);
+    peakss::designFilters(filters, rate);
     for (std::size_t band = 0; band < kBands.size(); ++band) {
         designCascade(*bank_, kBands[band], filters[band]);
         bands_[band] = bank_->magnitudes(kBands[band]);
@@ -53,9 +58,13 @@ void TrackFilters::designBands(float rate) {
 
 void TrackFilters::operate(const float* mono, const std::int16_t* stereo, int n,
                            KeyRankMaker* key) {
-    widenBlock(mono, bank_->signal(SessionCascades::kMono), n);
-    meansOfBlock(stereo, bank_->signal(SessionCascades::kMean),
-                 bank_->signal(SessionCascades::kWholeMean), n);
+    if (wantsBands_) widenBlock(mono, bank_->signal(SessionCascades::kMono), n);
+    if (wantsMeans_)
+        meansOfBlock(stereo, bank_->signal(SessionCascades::kMean),
+                     bank_->signal(SessionCascades::kWholeMean), n);
+    if (bassAlone_)
+        return bassAlone_->operate(bank_->signal(SessionCascades::kWholeMean), bassBlock_.data(),
+                                   n);
     // Both at once need the registers of AVX-512: with fewer, one after the other takes no longer.
     if (key == nullptr || vectorForm() != VectorForm::avx512) return bank_->operate(n);
     KeyBandRunner runner(*key, n);

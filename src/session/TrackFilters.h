@@ -2,8 +2,10 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 
 #include "dsp/CascadeBank.h"
 #include "dsp/SecondOrderSection.h"
@@ -14,7 +16,7 @@
 namespace beatatlas {
 
 /** What the analysers of a session hear through filters at the full rate, made block by block in one pass: sections of
- *  different filters do not wait for each other.
+ *  different filters do not wait for each other. A bass filter alone has no company to wait in, and is run plainly.
  *
  *  Life: create() → operate() per block, then the signals of that block. Memory: a bank of 90 KB, allocated in
  *  create(). */
@@ -22,8 +24,10 @@ class TrackFilters {
 public:
     using Bank = CascadeBank<SessionCascades>;
 
-    /** The analysers' filters over the 16-bit signal; null for an analyser that is off. */
-    struct Levels {
+    /** What will be heard: the bands of the beat sensor and the loudness view, and the analysers' own filters over
+     *  the 16-bit signal, null for an analyser that is off. */
+    struct Wanted {
+        bool bands;
         /** Of the unit envelope, used twice. */
         const SecondOrderSection* pulses;
         /** Of the simple envelope. */
@@ -33,7 +37,7 @@ public:
     };
 
     /** @param rate  of the track, in Hz. Throws std::bad_alloc. */
-    void create(int rate, const Levels& levels);
+    void create(int rate, const Wanted& wanted);
 
     /** Takes the next n frames in both forms, at most a block of 1/75 s: the mean of the channels, full scale ±1.0, and
      *  16 bits.
@@ -45,13 +49,19 @@ public:
     }
     const double* pulses() const { return bank_->values(SessionCascades::kPulses); }
     const double* bassLine() const { return bank_->values(SessionCascades::kBassLine); }
-    const double* bass() const { return bank_->values(SessionCascades::kBass); }
+    const double* bass() const {
+        return bassAlone_ ? bassBlock_.data() : bank_->values(SessionCascades::kBass);
+    }
 
 private:
     void designBands(float rate);
 
+    bool wantsBands_ = false;
+    bool wantsMeans_ = false;
     std::unique_ptr<Bank> bank_;
     std::array<float*, 4> bands_{};
+    std::optional<SecondOrderSection> bassAlone_;
+    std::array<double, static_cast<std::size_t>(SessionCascades::kMostSamples)> bassBlock_{};
 };
 
 }  // namespace beatatlas

@@ -24,11 +24,8 @@ public:
     void release();
 
     /** Takes one chunk of the rectified band, full scale ±1.0, m samples and at most a block, and follows its level
-     *  peaks. It may lie in ownSamples(). */
+     *  peaks. */
     void put(const float* band, int m);
-
-    /** Room for one block, where the band may be made; put() overwrites it. */
-    float* ownSamples() { return scaled_.data(); }
 
     /** Enters the peaks of the chunk into the strip.
      *  @param chunk  chunks fed so far, this one included */

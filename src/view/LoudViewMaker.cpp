@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
 // Chunk by chunk of 1/75 s:
-//   1. split the chunk into three rectified bands and follow their level peaks
+//   1. follow the level peaks of its three bands
 //   2. follow the peaks of the low and mid band once more, decimated, for the dots
 //   3. average the level of the whole signal and sum the peaks of each band, in strips of 400 points
 //   4. finish the loudness points that all four strips have left behind
@@ -12,7 +12,6 @@
 #include <cmath>
 #include <cstddef>
 
-#include "dsp/IirPassFilter.h"
 #include "view/Dot.h"
 
 namespace beatatlas {
@@ -26,20 +25,11 @@ constexpr std::int32_t kUncolored = 5;
 constexpr float kRatio = 0.75F;
 constexpr float kHighRatio = 0.66F;
 
-// Of the filter bank; the mid band has twice the sections.
-constexpr int kLowCascade = 0;
-constexpr int kHighCascade = 1;
-
-const float* after(const float* samples, std::ptrdiff_t offset) {
-    return samples == nullptr ? nullptr : samples + offset;
-}
-
 }  // namespace
 
 int LoudViewMaker::create(int rate, int len) {
     release();
     if (rate < kBlocksPerSecond) return 0;
-    rate_ = rate;
     const int blockLen = rate / kBlocksPerSecond;
     createBands(rate, len);
     averageLevel_.create(blockLen);
@@ -68,25 +58,12 @@ void LoudViewMaker::reset() {
 
 void LoudViewMaker::startOver() {
     for (LoudBand* band : {&low_, &mid_, &high_}) band->reset();
-    designFilters();
     lowDots_.reset();
     midDots_.reset();
     averageLevel_.reset();
     averageStrip_.reset();
     clearWaves();
     chunk_ = 0;
-}
-
-void LoudViewMaker::designFilters() {
-    constexpr float kButterworthQ = 0.70710677F;
-    const auto rate = static_cast<float>(rate_);
-    IirPassFilter filter;
-    filter.createBandPathFilterQ(kLowBandHz, rate, kLowBandQ);
-    filters_.design(kLowCascade, filter);
-    filter.createHiPathFilter(6000.0F, rate, kButterworthQ);
-    filters_.design(kHighCascade, filter);
-    filter.createMidPathFilterB(283.0F, 6000.0F, rate, kButterworthQ);
-    filters_.design(FilterBank::kLongCascade, filter);
 }
 
 void LoudViewMaker::clearWaves() {
@@ -105,10 +82,11 @@ void LoudViewMaker::release() {
 }
 
 int LoudViewMaker::analyzePeak(const float* in, float* low, float* mid, float* high, int n) {
-    if (blockLen_ == 0 || in == nullptr) return 0;
+    if (blockLen_ == 0) return 0;
+    if (in == nullptr || low == nullptr || mid == nullptr || high == nullptr) return 0;
     for (int at = 0; at < n;) {
         const int m = std::min(blockLen_, n - at);
-        takeChunk(in + at, after(low, at), after(mid, at), after(high, at), m);
+        takeChunk(in + at, low + at, mid + at, high + at, m);
         at += m;
     }
     return 1;
@@ -117,7 +95,6 @@ int LoudViewMaker::analyzePeak(const float* in, float* low, float* mid, float* h
 void LoudViewMaker::takeChunk(const float* in, const float* low, const float* mid,
                               const float* high, int m) {
     ++chunk_;
-    filterBands(in, low, mid, high, m);
     low_.put(low, m);
     mid_.put(mid, m);
     high_.put(high, m);
@@ -129,21 +106,6 @@ void LoudViewMaker::takeChunk(const float* in, const float* low, const float* mi
     lowDots_.sumPeaks(low_, chunk_);
     midDots_.sumPeaks(mid_, chunk_);
     finishDots(dotsReady());
-}
-
-/** Makes the bands that are null and points to them; the filters of the others do not hear the chunk. */
-void LoudViewMaker::filterBands(const float* in, const float*& low, const float*& mid,
-                                const float*& high, int m) {
-    if (low != nullptr && mid != nullptr && high != nullptr) return;
-    FilterBank::Outputs outputs{};
-    const auto make = [&outputs](std::size_t cascade, LoudBand& own, const float*& band) {
-        if (band != nullptr) return;
-        band = outputs[cascade] = own.ownSamples();
-    };
-    make(kLowCascade, low_, low);
-    make(kHighCascade, high_, high);
-    make(FilterBank::kLongCascade, mid_, mid);
-    filters_.operate(in, outputs, m);
 }
 
 void LoudViewMaker::fillAverageStrip(const float* in, int m) {

@@ -4,7 +4,6 @@
 #include <array>
 #include <cstdint>
 
-#include "dsp/FilterBank.h"
 #include "view/AverageLevel.h"
 #include "view/AverageStrip.h"
 #include "view/DotsBand.h"
@@ -37,12 +36,12 @@ public:
     /** Back to the state after create(); does nothing before it. */
     void reset();
 
-    /** Takes n mono samples of the track (full scale ±1.0). Each band pointer is either null, and the band is
-     *  filtered and rectified here, or holds that band's rectified signal for the same n samples.
+    /** Takes n mono samples of the track (full scale ±1.0) and their rectified bands: low is the band-pass of
+     *  kLowBandHz and kLowBandQ, mid and high are the bands of the beat sensor.
      *
      *  The samples are cut into blocks of 1/75 s from the start of each call; only the track's last block should be
      *  shorter. Samples past the declared length go on filling the last points.
-     *  @return 1 when all samples were used; 0 when nothing was, before create() or without input. */
+     *  @return 1 when all samples were used; 0 when nothing was: before create(), or when an array is null. */
     int analyzePeak(const float* in, float* low, float* mid, float* high, int n) override;
 
     /** Colours the loudness points from..to-1, as far as there are such points. */
@@ -51,7 +50,7 @@ public:
     /** Does nothing: the dots keep the colour they start with. */
     void analyzeDotsColor(int /*from*/, int /*to*/) {}
 
-    /** Frees the buffers and filters; safe to call twice. */
+    /** Frees the buffers; safe to call twice. */
     void release();
 
     int loudNum() const { return loudNum_; }  ///< final loudness points, 0..400
@@ -64,21 +63,16 @@ public:
 private:
     void createBands(int rate, int len);
     void startOver();
-    void designFilters();
     void clearWaves();
     void takeChunk(const float* in, const float* low, const float* mid, const float* high, int m);
-    void filterBands(const float* in, const float*& low, const float*& mid, const float*& high,
-                     int m);
     void fillAverageStrip(const float* in, int m);
     void finishLoudPoints(int ready);
     void finishDots(int ready);
     int loudPointsReady() const;
     int dotsReady() const;
 
-    int rate_ = 0;
     int blockLen_ = 0;  // 0: not created
     std::int64_t chunk_ = 0;
-    FilterBank filters_;  // of the bands that are not handed over
     LoudBand low_;
     LoudBand mid_;
     LoudBand high_;

@@ -22,7 +22,7 @@ struct ZoomPoint {
  *
  *  Life: create() → putSample() per block, of any length → count() and points() at any time; create() again starts
  *  over. What is fed after the frame that reaches the declared length is ignored.
- *  Memory: the points of the whole track and one frame, allocated in create(), nothing in putSample(). */
+ *  Memory: the points of the whole track, allocated in create(), nothing in putSample(). */
 class ZoomViewMaker {
 public:
     ZoomViewMaker() = default;
@@ -39,12 +39,11 @@ public:
     /** Back to the state after create(). */
     void reset();
 
-    /** Feeds n interleaved stereo frames; n < 1, a null array or a maker without arrays does nothing. */
-    void putSample(const std::int16_t* stereo, int n);
-
-    /** As putSample(), for frames whose whole mean of both channels has been through bassFilter() already. A track is fed
-     *  in this way or in the other, not in both. */
-    void putFiltered(const std::int16_t* stereo, const double* bass, int n);
+    /** Feeds n frames; n < 1, a null array or a maker without arrays does nothing.
+     *
+     *  @param stereo  n frames, left and right interleaved
+     *  @param bass    n values: the mean of both channels, cut to a whole number, through bassFilter() */
+    void putSample(const std::int16_t* stereo, const double* bass, int n);
 
     /** What makes the bass of the mono signal; designed by create(). */
     const SecondOrderSection& bassFilter() const { return bassFilter_; }
@@ -62,7 +61,6 @@ public:
 private:
     void designLowPass();
     int framesToTake(int left) const;
-    void filterFrames(const std::int16_t* stereo, int n);
     void takeFrames(const std::int16_t* stereo, const double* bass, int n);
     void finishFrame();
     void analyzeZV();
@@ -72,9 +70,7 @@ private:
     std::int32_t fill_ = 0;
     std::int32_t rate_ = 0;
     std::int32_t frameLen_ = 0;
-    std::int64_t capacity_ = 0;       // points
-    std::unique_ptr<double[]> mono_;  // part of a frame, and its bass
-    std::unique_ptr<double[]> bass_;
+    std::int64_t capacity_ = 0;   // points
     std::int32_t framePeak_ = 0;  // of the frame in hand
     double bassPeak_ = 0.0;
     std::int32_t trackPeak_ = 0;

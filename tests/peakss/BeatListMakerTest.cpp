@@ -11,6 +11,7 @@
 #include <gtest/gtest.h>
 
 #include "BeatSignals.h"
+#include "support/PlainBands.h"
 #include "support/RoundTowardZero.h"
 
 namespace {
@@ -33,10 +34,15 @@ std::vector<Bits> bitsOf(const peakss::BeatList& list) {
 
 class BeatListMakerTest : public beatatlas::test::RoundTowardZero {
 protected:
-    static void feed(BeatListMaker& maker, const std::vector<float>& signal, int block) {
+    /** Feeds a whole track, in blocks of at most 1/75 s. */
+    static void feed(BeatListMaker& maker, int rate, const std::vector<float>& signal, int block) {
+        beatatlas::test::PlainBands filters(rate, 6);
         const int size = static_cast<int>(signal.size());
-        for (int done = 0; done < size; done += block)
-            maker.put(signal.data() + done, std::min(block, size - done), nullptr);
+        for (int done = 0; done < size; done += block) {
+            const int count = std::min(block, size - done);
+            const float* mono = signal.data() + done;
+            maker.put(mono, filters.operate(mono, count), count, nullptr);
+        }
     }
 
     BeatListMaker maker_;
@@ -45,14 +51,14 @@ protected:
 TEST_F(BeatListMakerTest, ListIsEmptyBeforeAnythingIsFed) {
     EXPECT_TRUE(maker_.list().empty());
     const std::vector<float> signal(100, 0.5F);
-    maker_.put(signal.data(), 100, nullptr);
+    feed(maker_, 48000, signal, 100);
     EXPECT_TRUE(maker_.list().empty());
     maker_.release();
 }
 
 TEST_F(BeatListMakerTest, CandidatesAreOrderedByPosition) {
     maker_.create(48000, 0, 20 * 48000);
-    feed(maker_, drumLoop(48000, 20, 128.0), 640);
+    feed(maker_, 48000, drumLoop(48000, 20, 128.0), 640);
     ASSERT_GT(maker_.list().size(), 60U);
     EXPECT_TRUE(std::is_sorted(maker_.list().begin(), maker_.list().end(),
                                [](const BeatInfo& a, const BeatInfo& b) { return a.pos < b.pos; }));
@@ -62,7 +68,7 @@ TEST_F(BeatListMakerTest, CandidatesAreOrderedByPosition) {
 // of its filter and the place of the drum's loudest moment, both the same every time.
 TEST_F(BeatListMakerTest, CandidatesOfADrumLoopLieABeatApart) {
     maker_.create(48000, 0, 20 * 48000);
-    feed(maker_, drumLoop(48000, 20, 128.0), 640);
+    feed(maker_, 48000, drumLoop(48000, 20, 128.0), 640);
     std::vector<int> lows;
     for (const BeatInfo& beat : maker_.list()) {
         if (beat.band != 0) continue;
@@ -80,13 +86,13 @@ TEST_F(BeatListMakerTest, BlockLengthDoesNotChangeTheList) {
     const std::vector<float> signal = drumLoop(44100, 10, 110.0);
     const int size = static_cast<int>(signal.size());
     maker_.create(44100, 0, size);
-    feed(maker_, signal, size);
+    feed(maker_, 44100, signal, 588);
     const std::vector<Bits> whole = bitsOf(maker_.list());
     ASSERT_GT(whole.size(), 20U);
-    for (const int block : {1, 2, 3, 587, 588, 589, 640, 4096}) {
+    for (const int block : {1, 2, 3, 100, 587}) {
         BeatListMaker other;
         other.create(44100, 0, size);
-        feed(other, signal, block);
+        feed(other, 44100, signal, block);
         EXPECT_EQ(bitsOf(other.list()), whole) << block;
     }
 }
@@ -94,18 +100,18 @@ TEST_F(BeatListMakerTest, BlockLengthDoesNotChangeTheList) {
 TEST_F(BeatListMakerTest, CreateAgainStartsWithAnEmptyListAndEqualsANewMaker) {
     const std::vector<float> signal = drumLoop(48000, 8, 120.0);
     maker_.create(48000, 0, 8 * 48000);
-    feed(maker_, signal, 640);
+    feed(maker_, 48000, signal, 640);
     const std::vector<Bits> first = bitsOf(maker_.list());
     maker_.create(48000, 0, 8 * 48000);
     EXPECT_TRUE(maker_.list().empty());
-    feed(maker_, signal, 640);
+    feed(maker_, 48000, signal, 640);
     EXPECT_EQ(bitsOf(maker_.list()), first);
     EXPECT_FALSE(first.empty());
 }
 
 TEST_F(BeatListMakerTest, OnlyTheRangeIsSensed) {
     maker_.create(48000, 4 * 48000, 12 * 48000);
-    feed(maker_, drumLoop(48000, 20, 120.0), 640);
+    feed(maker_, 48000, drumLoop(48000, 20, 120.0), 640);
     ASSERT_FALSE(maker_.list().empty());
     EXPECT_GE(maker_.list().front().pos, 4 * 48000);
     EXPECT_LT(maker_.list().back().pos, 12 * 48000);
@@ -113,12 +119,12 @@ TEST_F(BeatListMakerTest, OnlyTheRangeIsSensed) {
 
 TEST_F(BeatListMakerTest, ReleaseEmptiesTheListAndStopsSensing) {
     maker_.create(48000, 0, std::numeric_limits<int>::max());
-    feed(maker_, drumLoop(48000, 8, 120.0), 640);
+    feed(maker_, 48000, drumLoop(48000, 8, 120.0), 640);
     EXPECT_FALSE(maker_.list().empty());
     maker_.release();
     maker_.release();
     EXPECT_TRUE(maker_.list().empty());
-    feed(maker_, drumLoop(48000, 8, 120.0), 640);
+    feed(maker_, 48000, drumLoop(48000, 8, 120.0), 640);
     EXPECT_TRUE(maker_.list().empty());
 }
 
