@@ -7,7 +7,7 @@
 #include <memory>
 #include <optional>
 
-#include "dsp/CascadeBank.h"
+#include "dsp/FilterBank.h"
 #include "dsp/SecondOrderSection.h"
 #include "key/KeyRankMaker.h"
 #include "peakss/BandSignals.h"
@@ -22,7 +22,7 @@ namespace beatatlas {
  *  create(). */
 class TrackFilters {
 public:
-    using Bank = CascadeBank<SessionCascades>;
+    using Bank = FilterBank<SessionCascades>;
 
     /** What will be heard: the bands of the beat sensor and the loudness view, and the analysers' own filters over
      *  the 16-bit signal, null for an analyser that is off. */
