@@ -9,10 +9,12 @@
 
 namespace beatatlas {
 
-/** What the steps of a bank work on: its sections, and the signals and outputs of the block in hand. Sample t of a
- *  block is taken at step t; a lane with a delay gives what came of it so many steps later.
+/** What the steps of a bank work on: its sections, and the signals and outputs of the block in
+ *  hand. Sample t of a block is taken at step t; a lane with a delay gives what came of it so many
+ *  steps later.
  *
- *  A plan has kCascades, an array of Cascade; kSignals, how many signals they hear; and kMostSamples of a block. */
+ *  A plan has kCascades, an array of Cascade; kSignals, how many signals they hear; and
+ *  kMostSamples of a block. */
 template <class Plan>
 struct BankBlock {
     static constexpr CascadeLayout kLayout = CascadeLayout::of(Plan::kCascades);

@@ -10,7 +10,8 @@ namespace beatatlas {
 
 /** One cascade of second-order sections in a filter bank. */
 struct Cascade {
-    /** What a bank gives of a cascade: what leaves its last section, in double; or the magnitudes of that, in float. */
+    /** What a bank gives of a cascade: what leaves its last section, in double; or the magnitudes
+     *  of that, in float. */
     enum class Output { values, magnitudes };
 
     /** Index of the bank's signal that the first section takes. */
@@ -20,16 +21,19 @@ struct Cascade {
     Output output;
 };
 
-/** Where the sections of up to eight cascades lie in sixteen lanes, and what each lane takes at a step.
+/** Where the sections of up to eight cascades lie in sixteen lanes, and what each lane takes at a
+ *  step.
  *
- *  The first section of cascade c has lane c and takes sample t at step t. Its second section has lane c + 8 and takes
- *  what the first gave a step ago. A third and a fourth section have an upper lane that no second section needs. They
- *  take an output of their own half of the lanes; a register is ready only when the slowest of its lanes is, so they
- *  take the output before the last: the one way through all five coefficients then spreads over two steps, which
- *  the feedback of every section takes anyway.
+ *  The first section of cascade c has lane c and takes sample t at step t. Its second section has
+ *  lane c + 8 and takes what the first gave a step ago. A third and a fourth section have an upper
+ *  lane that no second section needs. They take an output of their own half of the lanes; a
+ *  register is ready only when the slowest of its lanes is, so they take the output before the
+ *  last: the one way through all five coefficients then spreads over two steps, which the feedback
+ *  of every section takes anyway.
  *
- *  Which lanes are neighbours decides how many exchanges between registers a step needs: cascades over the same signal
- *  are best listed side by side, and in groups of four those that give magnitudes. */
+ *  Which lanes are neighbours decides how many exchanges between registers a step needs: cascades
+ *  over the same signal are best listed side by side, and in groups of four those that give
+ *  magnitudes. */
 struct CascadeLayout {
     static constexpr std::size_t kHalf = 8;
     static constexpr std::size_t kLanes = 2 * kHalf;

@@ -18,22 +18,23 @@
 
 namespace beatatlas {
 
-/** Cascades of second-order sections over one or several signals, run side by side; each gives the bits of its sections
- *  one after the other. The plan says which cascades; see BankBlock.
+/** Cascades of second-order sections over one or several signals, run side by side; each gives the
+ *  bits of its sections one after the other. The plan says which cascades; see BankBlock.
  *
- *  A section's output waits for its output before, so a cascade computed section by section spends its time
- *  waiting; sections of different cascades do not wait for each other. CascadeLayout says how they are laid into
- *  vector lanes. Lanes cost the same whether they are used or not.
+ *  A section's output waits for its output before, so a cascade computed section by section spends
+ *  its time waiting; sections of different cascades do not wait for each other. CascadeLayout says
+ *  how they are laid into vector lanes. Lanes cost the same whether they are used or not.
  *
- *  Life: design() for each section of the cascades that are used → signal() filled and operate() for consecutive
- *  blocks, then the outputs of that block. Memory: all within the object, some 130 bytes per sample of a block. */
+ *  Life: design() for each section of the cascades that are used → signal() filled and operate()
+ *  for consecutive blocks, then the outputs of that block. Memory: all within the object, some 130
+ *  bytes per sample of a block. */
 template <class Plan>
 class FilterBank {
 public:
     using Block = BankBlock<Plan>;
 
-    /** Gives a section its coefficients, and a silent past. Of the others b2 must be b0 or −b0, as in every design;
-     *  where no numbers could be designed, NaN. */
+    /** Gives a section its coefficients, and a silent past. Of the others b2 must be b0 or −b0, as
+     *  in every design; where no numbers could be designed, NaN. */
     void design(std::size_t cascade, std::size_t section, const SecondOrderSection& from);
 
     /** Room for the next block of a signal, Plan::kMostSamples. */
@@ -42,7 +43,8 @@ public:
     /** Filters n samples of every signal, at most Plan::kMostSamples; n ≤ 0 does nothing. */
     void operate(int n) { operate(n, runAlone); }
 
-    /** As above, with the steps done by run(Block&, int n), which may do other work beside them: BankSteps. */
+    /** As above, with the steps done by run(Block&, int n), which may do other work beside them:
+     *  BankSteps. */
     template <class Run>
     void operate(int n, Run&& run);
 
@@ -96,9 +98,10 @@ void FilterBank<Plan>::design(std::size_t cascade, std::size_t section,
     to.y1[lane] = to.y2[lane] = 0.0;
 }
 
-// In silence the sections die away to numbers so small that a processor takes a hundred times as long for each, and
-// there they stay for ever: rounded toward zero, what feeds back equals what is there. A sample that leaves every
-// section as it was shows that all samples like it will, with the same outputs.
+// In silence the sections die away to numbers so small that a processor takes a hundred times as
+// long for each, and there they stay for ever: rounded toward zero, what feeds back equals what is
+// there. A sample that leaves every section as it was shows that all samples like it will, with the
+// same outputs.
 template <class Plan>
 template <class Run>
 void FilterBank<Plan>::operate(int n, Run&& run) {

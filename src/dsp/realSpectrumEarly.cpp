@@ -8,7 +8,8 @@
 
 namespace beatatlas::fft {
 
-// The first stage, then two stages at a time, in which four spectra of n bins each become one; lanes are spectra.
+// The first stage, then two stages at a time, in which four spectra of n bins each become one;
+// lanes are spectra.
 template <std::size_t kWidth>
 struct RealSpectrum::EarlyStages {
     using Vector = Lanes<double, kWidth>;

@@ -23,8 +23,8 @@ constexpr std::array<double, 8> kSilentRow{};
 
 }  // namespace
 
-// The last three stages and the powers; lanes are bins, a few neighbours at a time. With n = 2 earlyBins(), the bins
-// that come of bin b are, stage by stage:
+// The last three stages and the powers; lanes are bins, a few neighbours at a time. With n = 2
+// earlyBins(), the bins that come of bin b are, stage by stage:
 //
 //     b             b            b
 //                                4n - b
@@ -35,7 +35,8 @@ constexpr std::array<double, 8> kSilentRow{};
 //                   n + b        n + b
 //                                3n - b
 //
-// A far bin takes its near one's sine for cosine and its cosine for sine: their angles add up to a quarter.
+// A far bin takes its near one's sine for cosine and its cosine for sine: their angles add up to a
+// quarter.
 template <std::size_t kWidth>
 struct RealSpectrum::LateStages {
     using Vector = Lanes<double, kWidth>;

@@ -69,8 +69,8 @@ struct LargestMagnitude {
     }
 };
 
-// A frame is one 32-bit lane, whichever channel lies in its upper half. Halving the sum toward zero gives the whole
-// part of the mean.
+// A frame is one 32-bit lane, whichever channel lies in its upper half. Halving the sum toward zero
+// gives the whole part of the mean.
 template <std::size_t kWidth>
 struct MeansOfBlock {
     using Frames = Lanes<std::int32_t, kWidth>;
@@ -137,7 +137,8 @@ struct MagnitudesOfBlock {
     }
 };
 
-/** Eight rows at a time, the same for every width: rows 0 to 3 in the lower lanes, 4 to 7 in the upper ones. */
+/** Eight rows at a time, the same for every width: rows 0 to 3 in the lower lanes, 4 to 7 in the
+ *  upper ones. */
 template <std::size_t>
 struct MagnitudesOfRows {
     BEATATLAS_LANES static void run(const std::array<float, 4>* rows, float* const* out, int n) {

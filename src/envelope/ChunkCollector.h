@@ -6,11 +6,11 @@
 
 namespace beatatlas {
 
-/** Cuts the fed signal into chunks of 128 frames, the grain of the level envelopes. The first value of
- *  a chunk stands for it.
+/** Cuts the fed signal into chunks of 128 frames, the grain of the level envelopes. The first value
+ *  of a chunk stands for it.
  *
- *  A chunk waits until it is full, whatever the blocks of the caller; only the last one is handed on
- *  short, as soon as the declared length is reached. What is fed after that is ignored. */
+ *  A chunk waits until it is full, whatever the blocks of the caller; only the last one is handed
+ *  on short, as soon as the declared length is reached. What is fed after that is ignored. */
 class ChunkCollector {
 public:
     static constexpr int kChunkFrames = 128;
@@ -23,8 +23,8 @@ public:
     /** Starts again at the first frame of the same track. */
     void rewind();
 
-    /** Takes one block and calls closeChunk(double first, std::size_t chunkIndex) for every chunk that
-     *  it completes.
+    /** Takes one block and calls closeChunk(double first, std::size_t chunkIndex) for every chunk
+     *  that it completes.
      *
      *  @param values  the filtered signal; null does nothing
      *  @param frames  in the block; ≤ 0 does nothing */

@@ -33,7 +33,8 @@ public:
      *  @return true */
     bool create(int sampleRate, int length);
 
-    /** Back to the first frame with an empty envelope; the filter of the envelope keeps its state. */
+    /** Back to the first frame with an empty envelope; the filter of the envelope keeps its
+     *  state. */
     void reset();
 
     /** Takes one block: the mean of both channels, in 16-bit scale, that has been through a section

@@ -35,11 +35,12 @@ public:
      *  @return true */
     bool create(int sampleRate, int length);
 
-    /** Back to the first frame with an empty envelope and no pulses; the filters of the envelope keep their state. */
+    /** Back to the first frame with an empty envelope and no pulses; the filters of the envelope
+     *  keep their state. */
     void reset();
 
-    /** Takes one block: the mean of both channels, in 16-bit scale, that has been through two sections
-     *  like audioFilter(), one after the other; null and frames ≤ 0 do nothing. */
+    /** Takes one block: the mean of both channels, in 16-bit scale, that has been through two
+     *  sections like audioFilter(), one after the other; null and frames ≤ 0 do nothing. */
     void putSample(const double* filtered, int frames);
 
     /** Either of the two equal sections of the audio filter; after create(). */

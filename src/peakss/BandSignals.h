@@ -3,13 +3,14 @@
 
 namespace peakss {
 
-/** The rectified bands of one block of the mono signal, full scale ±1.0. Every array has as many samples as the
- *  block. They stay the caller's; nobody keeps them beyond the call. */
+/** The rectified bands of one block of the mono signal, full scale ±1.0. Every array has as many
+ *  samples as the block. They stay the caller's; nobody keeps them beyond the call. */
 struct BandSignals {
-    /** One array for each band that is filtered, in the order of the sensor's bands: those of designFilters() and none
-     *  for the onsets. Never null. */
+    /** One array for each band that is filtered, in the order of the sensor's bands: those of
+     *  designFilters() and none for the onsets. Never null. */
     float* const* bands;
-    /** The band-pass of LVMakeBase::kLowBandHz and kLowBandQ; null when there is no loudness view. */
+    /** The band-pass of LVMakeBase::kLowBandHz and kLowBandQ; null when there is no loudness
+     *  view. */
     float* viewLow;
 };
 

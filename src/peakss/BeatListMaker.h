@@ -21,8 +21,8 @@ public:
 
     void release();
 
-    /** Takes the next n samples of the track (full scale ±1.0), at most 1/75 s of it, with their bands, and sends these
-     *  to loudView if it is not null; see BeatSensor::put. */
+    /** Takes the next n samples of the track (full scale ±1.0), at most 1/75 s of it, with their
+     *  bands, and sends these to loudView if it is not null; see BeatSensor::put. */
     void put(const float* mono, const BandSignals& bands, int n, beatatlas::LVMakeBase* loudView) {
         sensor_.put(mono, bands, n, loudView);
     }

@@ -17,17 +17,17 @@ class BeatSensorSignal;
 class PeakBuffer;
 struct SensorBand;
 
-/** Turns the rectified bands of a mono signal into beats: averages each over short steps, follows its level peaks, and
- *  lets all bands vote on the tempo. Each time a band finds a regular beat of the
- *  tempo the vote agrees on, its receiver hears of it.
+/** Turns the rectified bands of a mono signal into beats: averages each over short steps, follows
+ *  its level peaks, and lets all bands vote on the tempo. Each time a band finds a regular beat of
+ *  the tempo the vote agrees on, its receiver hears of it.
  *
- *  The six bands of a session: below 283 Hz; a band around 150 Hz; 283 to 6000 Hz; above 6000 Hz; the onsets of
- *  the first band (its level less a moving mean of 1 ms), and those of the fourth (0.2 ms). With another number of
- *  bands all are filtered, and none are onsets.
+ *  The six bands of a session: below 283 Hz; a band around 150 Hz; 283 to 6000 Hz; above 6000 Hz;
+ *  the onsets of the first band (its level less a moving mean of 1 ms), and those of the fourth
+ *  (0.2 ms). With another number of bands all are filtered, and none are onsets.
  *
- *  Life: setSignal(), create() → put() per block → release(); reset() starts over with the same design.
- *  Memory: per band a block of rate / 75 samples and a ring of peaks, allocated in create(), nothing in put().
- *  Any cutting of the signal into blocks gives the same beats. */
+ *  Life: setSignal(), create() → put() per block → release(); reset() starts over with the same
+ *  design. Memory: per band a block of rate / 75 samples and a ring of peaks, allocated in
+ *  create(), nothing in put(). Any cutting of the signal into blocks gives the same beats. */
 class BeatSensor {
 public:
     BeatSensor();
@@ -50,10 +50,12 @@ public:
 
     void release();
 
-    /** Takes the next n samples and sends their bands to loudView if it is not null; true when a beat was chosen. A null
-     *  signal, n ≤ 0 and more than a block do nothing. Behind the end of the range only loudView is served.
+    /** Takes the next n samples and sends their bands to loudView if it is not null; true when a
+     *  beat was chosen. A null signal, n ≤ 0 and more than a block do nothing. Behind the end of
+     *  the range only loudView is served.
      *  @param mono   full scale ±1.0; for loudView alone
-     *  @param bands  of the n samples, filtered from the start of the track on by the filters of designFilters()
+     *  @param bands  of the n samples, filtered from the start of the track on by the filters of
+     *                designFilters()
      *  @param n      at most a block of rate / 75 samples */
     bool put(const float* mono, const BandSignals& bands, int n, beatatlas::LVMakeBase* loudView);
 

@@ -10,8 +10,8 @@
 
 namespace beatatlas {
 
-/** Does the steps of a session's filter bank, and beside them filters what waits in a KeyRankMaker: both wait for the
- *  last outputs of their own sections, not for each other. */
+/** Does the steps of a session's filter bank, and beside them filters what waits in a KeyRankMaker:
+ *  both wait for the last outputs of their own sections, not for each other. */
 class KeyBandRunner {
 public:
     using Block = BankBlock<SessionCascades>;

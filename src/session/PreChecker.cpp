@@ -30,8 +30,8 @@ void PreChecker::putSample(const float* left, const float* right, int count) {
     }
 }
 
-// Up to its last sounding frame a stretch is music, quiet frames and all. The sums are whole numbers far below 2^53:
-// they come out the same in any order.
+// Up to its last sounding frame a stretch is music, quiet frames and all. The sums are whole
+// numbers far below 2^53: they come out the same in any order.
 void PreChecker::putStretch(const float* left, const float* right, int count) {
     const LevelTotals all = levelTotals(left, right, count);
     int tailStart = 0;

@@ -7,8 +7,9 @@ namespace beatatlas {
 
 /** Level statistics of a whole track, taken before its analysis.
  *
- *  Near-silence at the start and between sounding frames belongs to the music; only what follows the last
- *  sounding frame is the silent tail, and stays in the quiet figures. Levels are in 16-bit sample scale. */
+ *  Near-silence at the start and between sounding frames belongs to the music; only what follows
+ *  the last sounding frame is the silent tail, and stays in the quiet figures. Levels are in 16-bit
+ *  sample scale. */
 class PreChecker {
 public:
     PreChecker() = default;

@@ -15,17 +15,18 @@
 
 namespace beatatlas {
 
-/** What the analysers of a session hear through filters at the full rate, made block by block in one pass: sections of
- *  different filters do not wait for each other. A bass filter alone has no company to wait in, and is run plainly.
+/** What the analysers of a session hear through filters at the full rate, made block by block in
+ *  one pass: sections of different filters do not wait for each other. A bass filter alone has no
+ *  company to wait in, and is run plainly.
  *
- *  Life: create() → operate() per block, then the signals of that block. Memory: a bank of 90 KB, allocated in
- *  create(). */
+ *  Life: create() → operate() per block, then the signals of that block. Memory: a bank of 90 KB,
+ *  allocated in create(). */
 class TrackFilters {
 public:
     using Bank = FilterBank<SessionCascades>;
 
-    /** What will be heard: the bands of the beat sensor and the loudness view, and the analysers' own filters over
-     *  the 16-bit signal, null for an analyser that is off. */
+    /** What will be heard: the bands of the beat sensor and the loudness view, and the analysers'
+     *  own filters over the 16-bit signal, null for an analyser that is off. */
     struct Wanted {
         bool bands;
         /** Of the unit envelope, used twice. */
@@ -39,8 +40,8 @@ public:
     /** @param rate  of the track, in Hz. Throws std::bad_alloc. */
     void create(int rate, const Wanted& wanted);
 
-    /** Takes the next n frames in both forms, at most a block of 1/75 s: the mean of the channels, full scale ±1.0, and
-     *  16 bits.
+    /** Takes the next n frames in both forms, at most a block of 1/75 s: the mean of the channels,
+     *  full scale ±1.0, and 16 bits.
      *  @param key  may have as many of the frames filtered that wait in it; null: none */
     void operate(const float* mono, const std::int16_t* stereo, int n, KeyRankMaker* key);
 

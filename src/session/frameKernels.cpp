@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The plain form of each kernel stands first and serves the frames that fill no vector; the lanes do the same for eight
-// frames at a time.
+// The plain form of each kernel stands first and serves the frames that fill no vector; the lanes
+// do the same for eight frames at a time.
 #include "session/frameKernels.h"
 
 #include <algorithm>
@@ -16,7 +16,8 @@ namespace beatatlas {
 
 namespace {
 
-// The mean of both channels, with 16-bit full scale brought to ±1.0: a power of two, so the product is exact.
+// The mean of both channels, with 16-bit full scale brought to ±1.0: a power of two, so the product
+// is exact.
 constexpr float kMonoScale = 1.0F / 65536.0F;
 
 BEATATLAS_LANES void convertPlainly(const float* left, const float* right, int from, int to,
@@ -46,7 +47,8 @@ using Floats = Lanes<float, kLanes>;
 using Ints = Lanes<std::int32_t, kLanes>;
 using Bits = Lanes<std::uint32_t, kLanes>;
 
-/** truncToInt32() in each lane: what cannot be converted is exchanged for the number whose truncation is the answer. */
+/** truncToInt32() in each lane: what cannot be converted is exchanged for the number whose
+ *  truncation is the answer. */
 BEATATLAS_LANES void truncate(const Floats& samples, Ints& whole) {
     constexpr float kLowest = -2147483648.0F;
     constexpr float kTooHigh = 2147483648.0F;
@@ -81,8 +83,8 @@ BEATATLAS_LANES void convertEight(const float* left, const float* right, float* 
     storeLanes(pairs, stereo);
 }
 
-// Both kernels are the same for every width: eight lanes of 32 bits gain nothing from registers wider than those of
-// AVX2.
+// Both kernels are the same for every width: eight lanes of 32 bits gain nothing from registers
+// wider than those of AVX2.
 
 template <std::size_t>
 struct ConvertFrames {

@@ -14,7 +14,8 @@ struct LevelTotals {
 /** Magnitude of a sample cut to 16 bits; in int, so that −32768 has its true one. */
 std::int32_t magnitude(float sample);
 
-/** The magnitudes of n frames, each sample by magnitude(); in vector lanes, where whole numbers sum up the same. */
+/** The magnitudes of n frames, each sample by magnitude(); in vector lanes, where whole numbers sum
+ *  up the same. */
 LevelTotals levelTotals(const float* left, const float* right, int n);
 
 /** The two forms in which the analysers take n frames of full scale ±32768.

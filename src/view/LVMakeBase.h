@@ -17,8 +17,9 @@ public:
     LVMakeBase(const LVMakeBase&) = delete;
     LVMakeBase& operator=(const LVMakeBase&) = delete;
 
-    /** Takes n mono samples (full scale ±1.0) and their rectified low, mid and high bands, filtered from the start
-     *  of the track on. Returns 1 when all n samples were used, 0 when nothing was. */
+    /** Takes n mono samples (full scale ±1.0) and their rectified low, mid and high bands, filtered
+     *  from the start of the track on. Returns 1 when all n samples were used, 0 when nothing
+     *  was. */
     virtual int analyzePeak(const float* in, float* low, float* mid, float* high, int n) = 0;
 };
 

@@ -36,12 +36,13 @@ public:
     /** Back to the state after create(); does nothing before it. */
     void reset();
 
-    /** Takes n mono samples of the track (full scale ±1.0) and their rectified bands: low is the band-pass of
-     *  kLowBandHz and kLowBandQ, mid and high are the bands of the beat sensor.
+    /** Takes n mono samples of the track (full scale ±1.0) and their rectified bands: low is the
+     *  band-pass of kLowBandHz and kLowBandQ, mid and high are the bands of the beat sensor.
      *
-     *  The samples are cut into blocks of 1/75 s from the start of each call; only the track's last block should be
-     *  shorter. Samples past the declared length go on filling the last points.
-     *  @return 1 when all samples were used; 0 when nothing was: before create(), or when an array is null. */
+     *  The samples are cut into blocks of 1/75 s from the start of each call; only the track's last
+     *  block should be shorter. Samples past the declared length go on filling the last points.
+     *  @return 1 when all samples were used; 0 when nothing was: before create(), or when an array
+     *          is null. */
     int analyzePeak(const float* in, float* low, float* mid, float* high, int n) override;
 
     /** Colours the loudness points from..to-1, as far as there are such points. */

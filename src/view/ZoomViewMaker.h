@@ -42,7 +42,8 @@ public:
     /** Feeds n frames; n < 1, a null array or a maker without arrays does nothing.
      *
      *  @param stereo  n frames, left and right interleaved
-     *  @param bass    n values: the mean of both channels, cut to a whole number, through bassFilter() */
+     *  @param bass    n values: the mean of both channels, cut to a whole number, through
+     *                 bassFilter() */
     void putSample(const std::int16_t* stereo, const double* bass, int n);
 
     /** What makes the bass of the mono signal; designed by create(). */

@@ -19,7 +19,8 @@ BEATATLAS_LANES float scalePlainly(const float* band, float* scaled, int from, i
     return loudest;
 }
 
-/** scalePlainly() in lanes, the same for every width; which lane meets the loudest sample makes no difference. */
+/** scalePlainly() in lanes, the same for every width; which lane meets the loudest sample makes no
+ *  difference. */
 template <std::size_t>
 struct ScaleBand {
     static constexpr int kLanes = 8;

@@ -81,7 +81,8 @@ class FilterBankTest : public beatatlas::test::RoundTowardZero {
 protected:
     static constexpr std::size_t kCascades = Plan::kCascades.size();
 
-    /** A different one in each lane, so that no two can be taken for each other; some have b2 = −b0. */
+    /** A different one in each lane, so that no two can be taken for each other; some have b2 =
+     *  −b0. */
     static SecondOrderSection sectionOf(std::size_t cascade, std::size_t section) {
         SecondOrderSection made;
         const double angle =
@@ -178,8 +179,8 @@ TYPED_TEST(FilterBankTest, GivesTheBitsOfItsSectionsInEveryForm) {
     this->expectPlainBits(in, {1, 300, 2, 3, 100, 4, 5});
 }
 
-// After the burst every section comes to give the same tiny number for ever; nothing may be lost when the music goes on.
-// A level that stays the same is no different.
+// After the burst every section comes to give the same tiny number for ever; nothing may be lost
+// when the music goes on. A level that stays the same is no different.
 TYPED_TEST(FilterBankTest, WakesFromSilenceAndFromALevelWithTheSameBits) {
     const Signals burst = noise(TypeParam::kSignals, 50);
     for (const double level : {0.0, 0.25}) {
@@ -260,8 +261,9 @@ TYPED_TEST(FilterBankTest, BlockWithoutSamplesChangesNothing) {
     this->expectSame(this->expectedOf(in), outputs);
 }
 
-// Single sections leave upper lanes to third and fourth ones, the lowest first: that of cascade 0 to the third section of
-// cascade 3, which is two steps behind the second, and that of cascade 1 to the fourth.
+// Single sections leave upper lanes to third and fourth ones, the lowest first: that of cascade 0
+// to the third section of cascade 3, which is two steps behind the second, and that of cascade 1 to
+// the fourth.
 TEST(CascadeLayoutTest, LaysLaterSectionsWhereNoSecondSectionIs) {
     constexpr CascadeLayout kLayout = CascadeLayout::of(SessionCascades::kCascades);
     EXPECT_EQ(kLayout.lanes[SessionCascades::kMid], (std::array<std::size_t, 4>{3, 11, 8, 9}));

@@ -12,7 +12,8 @@
 
 namespace beatatlas::test {
 
-/** An envelope maker that filters for itself, sample by sample through kSections of its audio filter. */
+/** An envelope maker that filters for itself, sample by sample through kSections of its audio
+ *  filter. */
 template <class Maker, std::size_t kSections>
 class StereoFed : public Maker {
 public:

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Oracle: the filters in their plain form. The track pauses for a while: constant signals take ways of their own.
+// Oracle: the filters in their plain form. The track pauses for a while: constant signals take ways
+// of their own.
 #include "session/TrackFilters.h"
 
 #include <algorithm>

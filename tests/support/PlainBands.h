@@ -11,8 +11,9 @@
 
 namespace beatatlas::test {
 
-/** The rectified bands of a beat sensor and of a loudness view in their plain form, one cascade after the other. There are
- *  filters for sensors of 3, 4 and 6 bands; those of another number pass the signal through. */
+/** The rectified bands of a beat sensor and of a loudness view in their plain form, one cascade
+ *  after the other. There are filters for sensors of 3, 4 and 6 bands; those of another number pass
+ *  the signal through. */
 class PlainBands {
 public:
     PlainBands() = default;

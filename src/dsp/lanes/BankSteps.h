@@ -14,18 +14,20 @@ namespace beatatlas {
 
 /** The steps of a bank, for kernels; runInLanes() says what kWidth is.
  *
- *  Registers hold four doubles at the most: they answer sooner than wider ones, and the feedback of the sections is
- *  waited for. With AVX-512 there are twice as many of them, so that all coefficients find room. */
+ *  Registers hold four doubles at the most: they answer sooner than wider ones, and the feedback of
+ *  the sections is waited for. With AVX-512 there are twice as many of them, so that all
+ *  coefficients find room. */
 template <class Plan, std::size_t kWidth>
 class BankSteps {
 public:
     static constexpr std::size_t kLanes = std::min<std::size_t>(kWidth, 4);
 
-    /** Takes the n samples of the block, and beside(i) for i = 0 … count − 1: while a section waits for its own last
-     *  output, the processor can work on something that does not wait for the bank.
+    /** Takes the n samples of the block, and beside(i) for i = 0 … count − 1: while a section waits
+     *  for its own last output, the processor can work on something that does not wait for the
+     *  bank.
      *
-     *  At the borders of the block lanes whose sample lies outside it rest, so that every section has taken exactly
-     *  the samples of the block after the last step. */
+     *  At the borders of the block lanes whose sample lies outside it rest, so that every section
+     *  has taken exactly the samples of the block after the last step. */
     template <class Beside>
     BEATATLAS_LANES static void run(BankBlock<Plan>& block, int n, int count, Beside beside) {
         BankSteps bank;
@@ -63,8 +65,8 @@ private:
     using Values = Lanes<double, kLanes>;
     using Integers = Lanes<std::int64_t, kLanes>;
 
-    /** What the lanes of a register take: from which vectors, and from which lane of it. Vectors are named by a source
-     *  whose index is that of a signal or of a register. */
+    /** What the lanes of a register take: from which vectors, and from which lane of it. Vectors
+     *  are named by a source whose index is that of a signal or of a register. */
     struct Exchange {
         std::array<Source, kLanes> vectors{};
         std::size_t count = 0;
@@ -114,8 +116,8 @@ private:
         (write<kRegister>(block, k), ...);
     }
 
-    /** Steps from..to-1 of a block of n samples, in any of which some lanes may rest; a resting lane goes on giving
-     *  what it has, and so the outputs before the last are kept here. */
+    /** Steps from..to-1 of a block of n samples, in any of which some lanes may rest; a resting
+     *  lane goes on giving what it has, and so the outputs before the last are kept here. */
     BEATATLAS_LANES void stepsAtBorder(BankBlock<Plan>& block, int n, int from, int to) {
         Values late[kRegisters];
         for (std::size_t r = 0; r < kRegisters; ++r) late[r] = registers_[r].y2;
@@ -186,7 +188,8 @@ private:
         }
     }
 
-    /** With the first two vectors all lanes of both find their places; lanes of later vectors are left open. */
+    /** With the first two vectors all lanes of both are brought to their positions; lanes of later
+     *  vectors are left open. */
     template <std::size_t kRegister, std::size_t kNext, std::size_t... kLane>
     BEATATLAS_LANES static void shuffle(const Values& next, Values& taken,
                                         std::index_sequence<kLane...>) {

@@ -9,10 +9,11 @@
 
 namespace beatatlas {
 
-/** Second-order sections in memory, a lane each: their coefficients, and what they keep from sample to sample.
+/** Second-order sections in memory, a lane each: their coefficients, and what they keep from sample
+ *  to sample.
  *
- *  In every design b2 is b0 or −b0, and rounding toward zero treats both signs alike: the product of the one is that of
- *  the other, to the bit. */
+ *  In every design b2 is b0 or −b0, and rounding toward zero treats both signs alike: the product
+ *  of the one is that of the other, to the bit. */
 template <std::size_t kCount>
 struct SectionRows {
     using Row = std::array<double, kCount>;
@@ -55,7 +56,8 @@ struct SectionLanes {
         storeLanes(y2, rows.y2.data() + first);
     }
 
-    /** The operations of SecondOrderSection::operate, in its order; but the products are made when the input comes. */
+    /** The operations of SecondOrderSection::operate, in its order; but the products are made when
+     *  the input comes. */
     BEATATLAS_LANES void take(const Values& x) {
         const Values b0x = b0 * x;
         const Values y = (((b0x + b1x1) + b2x2) - (a1 * y1)) - (a2 * y2);
@@ -82,7 +84,8 @@ struct SectionLanes {
     Values b1x1, b2x1, b2x2, y1, y2;
 
 private:
-    // Comparisons of lanes are compiled before the registers of the caller are known, so masks are made by arithmetic.
+    // Comparisons of lanes are compiled before the registers of the caller are known, so masks are
+    // made by arithmetic.
     BEATATLAS_LANES static void choose(const Integers& mask, const Values& yes, Values& value) {
         Integers yesBits;
         Integers bits;

@@ -35,8 +35,8 @@ struct MonoOfBlock {
     }
 };
 
-/** out[i] = in[i] toward zero, the low 16 bits, n of them. Every value lies within 32 bits, unlike those that
- *  truncToInt16() takes. */
+/** out[i] = in[i] toward zero, the low 16 bits, n of them. Every value lies within 32 bits, unlike
+ *  those that truncToInt16() takes. */
 template <std::size_t kWidth>
 struct LowHalvesOfBlock {
     BEATATLAS_LANES static void run(const double* in, std::int16_t* out, int n) {

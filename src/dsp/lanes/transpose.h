@@ -18,8 +18,9 @@ BEATATLAS_LANES void interleaveLanes(const Vector& a, const Vector& b, Vector& i
         (((kLane / kRows) * kRows) + kFrom + ((kLane % kRows) / 2) + ((kLane % 2) * kCount))...);
 }
 
-/** Transposes squares of kRows × kRows values, kRows a power of two: kRows vectors hold as many squares as each has
- *  groups of kRows lanes. Lane l of a group of vector v goes to lane v of the same group of vector l. */
+/** Transposes squares of kRows × kRows values, kRows a power of two: kRows vectors hold as many
+ *  squares as each has groups of kRows lanes. Lane l of a group of vector v goes to lane v of the
+ *  same group of vector l. */
 template <std::size_t kRows, class Vector>
 BEATATLAS_LANES void transposeLanes(Vector* vectors) {
     constexpr auto kLanes =

@@ -10,8 +10,9 @@
 
 /** Values side by side in one register, for kernels that are written once for every width.
  *
- *  An operation on lanes acts on each of them as it would on a value of its own, rounding included: a kernel that gives
- *  every value the operations of the plain form in the same order gives its bits, whatever the width. */
+ *  An operation on lanes acts on each of them as it would on a value of its own, rounding included:
+ *  a kernel that gives every value the operations of the plain form in the same order gives its
+ *  bits, whatever the width. */
 namespace beatatlas {
 
 template <typename T, std::size_t kCount>
@@ -75,8 +76,9 @@ BEATATLAS_AVX2 void runForAvx2(Arguments... arguments) {
 }
 #endif
 
-/** Calls Kernel<W>::run(arguments…), W being the doubles in a register of the form in use: 2, 4 or 8, but kWidest at
- *  the most. run() is marked BEATATLAS_LANES, so that it takes on the registers of its caller. */
+/** Calls Kernel<W>::run(arguments…), W being the doubles in a register of the form in use: 2, 4 or
+ *  8, but kWidest at the most. run() is marked BEATATLAS_LANES, so that it takes on the registers
+ *  of its caller. */
 template <template <std::size_t> class Kernel, std::size_t kWidest = 8, class... Arguments>
 void runInLanes(Arguments... arguments) {
 #if BEATATLAS_WIDE_FORMS
