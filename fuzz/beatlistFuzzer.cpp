@@ -13,8 +13,8 @@
 #include "envelope/SimpleEnvelopeMaker.h"
 #include "envelope/UnitBeatAdjust.h"
 #include "envelope/UnitEnvelopeMaker.h"
-#include "peakss/BeatInfoAnalyzeInfo.h"
-#include "peakss/BeatInfoAnalyzer.h"
+#include "peakss/grid/BeatInfoAnalyzeInfo.h"
+#include "peakss/grid/BeatInfoAnalyzer.h"
 #include "require.h"
 
 namespace {

@@ -9,7 +9,7 @@
 #include "envelope/UnitEnvelopeMaker.h"
 #include "key/KeyRankMaker.h"
 #include "peakss/BeatInfo.h"
-#include "peakss/BeatListMaker.h"
+#include "peakss/sensing/BeatListMaker.h"
 #include "session/PreChecker.h"
 #include "session/TrackFilters.h"
 #include "view/LoudViewMaker.h"

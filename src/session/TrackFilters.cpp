@@ -2,7 +2,7 @@
 #include "session/TrackFilters.h"
 
 #include "dsp/VectorForm.h"
-#include "peakss/bandDesigns.h"
+#include "peakss/sensing/bandDesigns.h"
 #include "session/KeyBandRunner.h"
 
 namespace beatatlas {

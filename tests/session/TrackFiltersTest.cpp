@@ -13,7 +13,7 @@
 #include "envelope/SimpleEnvelopeMaker.h"
 #include "envelope/UnitEnvelopeMaker.h"
 #include "key/KeyRankMaker.h"
-#include "peakss/BeatListMaker.h"
+#include "peakss/sensing/BeatListMaker.h"
 #include "session/frameKernels.h"
 #include "support/RoundTowardZero.h"
 #include "support/TrackSynth.h"

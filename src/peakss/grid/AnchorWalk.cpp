@@ -1,0 +1,56 @@
+// SPDX-License-Identifier: MIT
+#include "peakss/grid/AnchorWalk.h"
+
+#include <cstddef>
+
+#include "dsp/truncation.h"
+#include "peakss/grid/beatSearch.h"
+
+namespace peakss {
+
+namespace {
+
+constexpr int kQuartersPerBeat = 4;
+constexpr double kBehindNumberRange = 2147483648.0;  // of positions
+
+}  // namespace
+
+AnchorWalk::AnchorWalk(const BeatList& raw, double beatSamples, int spacing, int tolerance)
+    : raw_(raw), quarterSamples_(beatSamples / kQuartersPerBeat),
+      spacing_(spacing > 0 ? spacing : kQuartersPerBeat), tolerance_(tolerance) {}
+
+void AnchorWalk::begin(double start) {
+    position_ = start;
+    bands_.assign(1, snap());
+}
+
+void AnchorWalk::walkBeat() {
+    for (int quarter = 0; quarter < kQuartersPerBeat; ++quarter) {
+        position_ += quarterSamples_;
+        bands_.push_back(kNoBand);
+        if (isAnchorPlace(place())) bands_.back() = snap();
+    }
+}
+
+void AnchorWalk::slide(std::int64_t fromPlace, std::int64_t places) {
+    const auto from = bands_.begin() + static_cast<std::ptrdiff_t>(fromPlace);
+    bands_.erase(from, from + static_cast<std::ptrdiff_t>(places));
+}
+
+int AnchorWalk::bandAt(std::int64_t place) const {
+    if (place < 0 || place > this->place()) return kNoBand;
+    return bands_[static_cast<std::size_t>(place)];
+}
+
+int AnchorWalk::snap() {
+    // A walk that has just left the number range would come out at its other end.
+    if (position_ >= kBehindNumberRange) return kNoBand;
+    int beat = -1;
+    const std::int32_t pos =
+        findNearPos(raw_, beatatlas::truncToInt32(position_), tolerance_, &beat);
+    if (beat < 0) return kNoBand;
+    position_ = pos;
+    return raw_[static_cast<std::size_t>(beat)].band;
+}
+
+}  // namespace peakss

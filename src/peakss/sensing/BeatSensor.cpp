@@ -1,0 +1,268 @@
+// SPDX-License-Identifier: MIT
+#include "peakss/sensing/BeatSensor.h"
+
+#include <algorithm>
+#include <cstddef>
+
+#include "dsp/truncation.h"
+#include "peakss/beatInterval.h"
+#include "peakss/sensing/BeatSensorSignal.h"
+#include "peakss/sensing/SensorBand.h"
+#include "peakss/sensing/StepMeans.h"
+#include "peakss/sensing/bandDesigns.h"
+#include "view/LVMakeBase.h"
+
+namespace peakss {
+
+using beatatlas::wrappingAdd;
+
+namespace {
+
+constexpr int kBlocksPerSecond = 75;
+// Two votes may be one beat that two bands heard: a tempo needs more.
+constexpr int kMinVotes = 3;
+
+void runAhead(SensorBand& band, int from, int steps) {
+    band.nextPeak = band.sensor.putQuietLevels(band.levels.get(), from, steps);
+}
+
+}  // namespace
+
+BeatSensor::BeatSensor() = default;
+
+BeatSensor::~BeatSensor() {
+    release();
+}
+
+bool BeatSensor::create(int rate, int start, int end, int decim, int bands) {
+    release();
+    const int blockLen = std::max(rate / kBlocksPerSecond, 0);
+    const int bandNum = std::max(bands, 0);
+    decim_ = std::max(decim, 1);
+    bands_ = makeBands(rate, blockLen, decim_, bandNum);
+    bandNum_ = bandNum;
+    filters_.create(static_cast<float>(rate), blockLen, bandNum);
+    blockLen_ = blockLen;
+    start_ = start;
+    end_ = end;
+    reset();
+    return true;
+}
+
+std::unique_ptr<SensorBand[]> BeatSensor::makeBands(int rate, int blockLen, int decim, int bands) {
+    auto made = std::make_unique<SensorBand[]>(static_cast<std::size_t>(bands));
+    for (int b = 0; b < bands; ++b) {
+        SensorBand& band = made[static_cast<std::size_t>(b)];
+        if (b >= SensorFilters::filteredBands(bands))
+            band.onsets = std::make_unique<float[]>(static_cast<std::size_t>(blockLen));
+        band.levels = std::make_unique<float[]>(static_cast<std::size_t>(blockLen));
+        band.buffer.create(b);
+        band.sensor.setSamplingRate(rate);
+        band.sensor.setStep(decim);
+    }
+    designOnsets(made.get(), bands);
+    return made;
+}
+
+void BeatSensor::reset() {
+    for (int b = 0; b < bandNum_; ++b) {
+        SensorBand& band = bands_[static_cast<std::size_t>(b)];
+        band.buffer.reset();
+        band.sensor.reset(start_);
+        band.acc = 0.0F;
+    }
+    lastInterval_ = lastLevel_ = 0.0F;
+    lastPos_ = 0;
+    decimCount_ = 0;
+    sinceBeat_ = 0;
+    counter_ = 0;
+    vote_.reset();
+}
+
+void BeatSensor::release() {
+    bands_.reset();
+    filters_.release();
+    bandNum_ = 0;
+    blockLen_ = 0;
+}
+
+bool BeatSensor::put(const float* mono, int n, beatatlas::LVMakeBase* loudView) {
+    if (mono == nullptr || n <= 0 || blockLen_ == 0) return false;
+    sinceBeat_ = wrappingAdd(sinceBeat_, n);
+    bool chosen = false;
+    for (int done = 0; done < n && !isOver(loudView);) {
+        const int count = std::min(n - done, blockLen_);
+        const float* chunk = mono + done;
+        const BandSignals signals = filters_.operate(chunk, count, loudView != nullptr);
+        if (takeChunk(chunk, signals, count, loudView)) chosen = true;
+        done += count;
+    }
+    return chosen;
+}
+
+bool BeatSensor::putBands(const float* mono, const BandSignals& bands, int n,
+                          beatatlas::LVMakeBase* loudView) {
+    if (mono == nullptr || n <= 0 || n > blockLen_) return false;
+    sinceBeat_ = wrappingAdd(sinceBeat_, n);
+    return !isOver(loudView) && takeChunk(mono, bands, n, loudView);
+}
+
+bool BeatSensor::isOver(const beatatlas::LVMakeBase* loudView) const {
+    return counter_ >= end_ && loudView == nullptr;
+}
+
+bool BeatSensor::takeChunk(const float* chunk, const BandSignals& signals, int n,
+                           beatatlas::LVMakeBase* loudView) {
+    for (int b = 0; b < SensorFilters::filteredBands(bandNum_); ++b)
+        bands_[static_cast<std::size_t>(b)].signal = signals.bands[b];
+    makeOnsets(n);
+    if (loudView != nullptr) sendBands(chunk, signals, n, *loudView);
+    return senseBeats(n);
+}
+
+void BeatSensor::makeOnsets(int n) {
+    if (bandNum_ != 6) return;
+    SensorBand& low = bands_[4];
+    SensorBand& high = bands_[5];
+    PeakSensor::getDiffs({{{&low.sensor, bands_[0].signal, low.onsets.get()},
+                           {&high.sensor, bands_[3].signal, high.onsets.get()}}},
+                         n);
+    low.signal = low.onsets.get();
+    high.signal = high.onsets.get();
+}
+
+// The mid and high bands are those the view would make; its low band is of another width than those of the sensor.
+void BeatSensor::sendBands(const float* chunk, const BandSignals& signals, int n,
+                           beatatlas::LVMakeBase& loudView) {
+    const int mid = bandNum_ < 4 ? 1 : 2;
+    if (mid + 1 >= bandNum_) {
+        loudView.analyzePeak(chunk, nullptr, nullptr, nullptr, n);
+    } else {
+        loudView.analyzePeak(chunk, signals.viewLow, signals.bands[mid], signals.bands[mid + 1], n);
+    }
+}
+
+// The sample at index i counts as the one behind it, i + 1, on both borders of the range: the range thus begins one
+// sample early and leaves out its last. Kept, as every position depends on it.
+bool BeatSensor::senseBeats(int n) {
+    const std::int64_t seen = counter_;
+    const std::int64_t count = n;
+    const auto first = static_cast<int>(std::clamp<std::int64_t>(start_ - seen - 1, 0, count));
+    const auto last = static_cast<int>(std::clamp<std::int64_t>(end_ - seen - 1, 0, count));
+    // Stops at the end of the range, so that it cannot wrap and enter the range again.
+    counter_ =
+        static_cast<std::int32_t>(std::min(seen + count, std::max<std::int64_t>(end_, seen)));
+    if (first >= last) return false;
+    return followPeaks(closeSteps(first, last));
+}
+
+/** Averages samples from..to-1 over steps, in every band; the last step may stay open. Returns how many closed. */
+int BeatSensor::closeSteps(int from, int to) {
+    StepMeans means{decim_, decimCount_};
+    int steps = 0;
+    for (int b = 0; b < bandNum_; ++b) {
+        SensorBand& band = bands_[static_cast<std::size_t>(b)];
+        means.open = decimCount_;
+        means.sum = band.acc;
+        steps = means.put(band.signal + from, to - from, band.levels.get());
+        band.acc = means.sum;
+    }
+    decimCount_ = means.open;
+    return steps;
+}
+
+// Peaks are rare and every band knows of its own alone, so each runs ahead to the next level that confirms one; the
+// confirming levels of all bands are then taken in order of time.
+bool BeatSensor::followPeaks(int steps) {
+    bool chosen = false;
+    int next = 0;
+    for (int b = 0; b < bandNum_; ++b) runAhead(bands_[static_cast<std::size_t>(b)], 0, steps);
+    for (;;) {
+        int step = steps;
+        for (int b = 0; b < bandNum_; ++b)
+            step = std::min(step, bands_[static_cast<std::size_t>(b)].nextPeak);
+        if (step == steps) break;
+        if (takePeaks(step, steps)) chosen = true;
+        next = step + 1;
+    }
+    if (next < steps) clearBeats();
+    return chosen;
+}
+
+/** Closes a step in which at least one band confirms a peak; whether a beat was chosen in it. */
+bool BeatSensor::takePeaks(int step, int steps) {
+    clearBeats();
+    bool found = false;
+    for (int b = 0; b < bandNum_; ++b) {
+        SensorBand& band = bands_[static_cast<std::size_t>(b)];
+        if (band.nextPeak != step) continue;
+        band.sensor.putLevel(band.levels[static_cast<std::size_t>(step)], band.buffer);
+        found = found || band.buffer.beatFound();
+        runAhead(band, step + 1, steps);
+    }
+    return found && chooseBeat();
+}
+
+// A beat found lasts until the next level.
+void BeatSensor::clearBeats() {
+    for (int b = 0; b < bandNum_; ++b) bands_[static_cast<std::size_t>(b)].buffer.clearBeat();
+}
+
+bool BeatSensor::chooseBeat() {
+    const PeakBuffer* chosen = selectBand();
+    if (chosen == nullptr) return false;
+    lastInterval_ = chosen->interval();
+    lastPos_ = chosen->beatPos();
+    lastLevel_ = chosen->beatLevel();
+    sinceBeat_ = 0;
+    signalBeats();
+    return true;
+}
+
+void BeatSensor::signalBeats() {
+    if (signal_ == nullptr) return;
+    for (int b = 0; b < bandNum_; ++b) {
+        PeakBuffer& buffer = bands_[static_cast<std::size_t>(b)].buffer;
+        if (!buffer.beatFound()) continue;
+        signal_->changeStat(buffer.interval(), buffer.beatPos(), buffer.beatLevel(), &buffer);
+    }
+}
+
+PeakBuffer* BeatSensor::selectBand() {
+    PeakBuffer* best = voteOfBands();
+    if (best == nullptr || !settleVote(best->interval())) return nullptr;
+    const int winner = vote_.winner();
+    if (vote_.votes(winner) < kMinVotes) return nullptr;
+    for (int b = 0; b < bandNum_; ++b) {
+        PeakBuffer& buffer = bands_[static_cast<std::size_t>(b)].buffer;
+        if (buffer.beatFound() && missesTempoOf(intervalOfBpm(winner), buffer.interval()))
+            buffer.clearBeat();
+    }
+    return best;
+}
+
+// Every band that found a beat adds its votes; the first of the steadiest is the best band.
+PeakBuffer* BeatSensor::voteOfBands() {
+    PeakBuffer* best = nullptr;
+    for (int b = 0; b < bandNum_; ++b) {
+        PeakBuffer& buffer = bands_[static_cast<std::size_t>(b)].buffer;
+        if (!buffer.beatFound()) continue;
+        vote_.add(buffer.interval(), buffer.dev());
+        if (best == nullptr || buffer.dev() < best->dev()) best = &buffer;
+    }
+    return best;
+}
+
+// Brings the winner of the vote to the best band's tempo. A band that alone is for it does not overturn the vote;
+// with enough votes behind it the music has changed, and the other tempi lose theirs.
+bool BeatSensor::settleVote(float interval) {
+    for (int winner = vote_.winner(); winner > 0; winner = vote_.winner()) {
+        if (!missesTempoOf(intervalOfBpm(winner), interval)) return true;
+        if (vote_.votesFor(interval) < kMinVotes) return false;
+        vote_.keepOnly(interval);
+        if (vote_.winner() < 0) return false;
+    }
+    return true;
+}
+
+}  // namespace peakss

@@ -1,0 +1,110 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <cstdint>
+#include <memory>
+
+#include "peakss/sensing/BandSignals.h"
+#include "peakss/sensing/SensorFilters.h"
+#include "peakss/sensing/TempoVote.h"
+
+namespace beatatlas {
+class LVMakeBase;
+}
+
+namespace peakss {
+
+class BeatSensorSignal;
+class PeakBuffer;
+struct SensorBand;
+
+/** Turns a mono signal into beats: splits it into bands, rectifies each and averages it over short steps, follows
+ *  each band's level peaks, and lets all bands vote on the tempo. Each time a band finds a regular beat of the
+ *  tempo the vote agrees on, its receiver hears of it.
+ *
+ *  The six bands of a session: below 283 Hz; a band around 150 Hz; 283 to 6000 Hz; above 6000 Hz; the onsets of
+ *  the first band (its level less a moving mean of 1 ms), and those of the fourth (0.2 ms). Three and four bands
+ *  exist as well; with another number the bands pass the signal through.
+ *
+ *  Life: setSignal(), create() → put() per block → release(); reset() starts over with the same design.
+ *  Memory: per band a block of rate / 75 samples, a ring of peaks and its filter, allocated in create(). With another number
+ *  of bands than four or six the filters allocate once more on the first block; put() allocates nothing else.
+ *  Any cutting of the signal into blocks gives the same beats. */
+class BeatSensor {
+public:
+    BeatSensor();
+    BeatSensor(const BeatSensor&) = delete;
+    BeatSensor& operator=(const BeatSensor&) = delete;
+    ~BeatSensor();
+
+    /** The receiver of the beats, null for none; it stays the caller's, and is kept by create and release. */
+    void setSignal(BeatSensorSignal* signal) { signal_ = signal; }
+
+    /** Returns true.
+     *  @param rate        in Hz; below 75 there is no block, and put() does nothing
+     *  @param start, end  samples whose peaks are followed: index i when start ≤ i + 1 < end
+     *  @param decim       samples averaged into one level, at least 1
+     *  @param bands       number of bands */
+    bool create(int rate, int start, int end, int decim, int bands);
+
+    /** Back to the start of a track. The filters keep the signal they have in them. */
+    void reset();
+
+    void release();
+
+    /** Takes the next n samples (full scale ±1.0) and sends their bands to loudView if it is not null; true when a
+     *  beat was chosen. n ≤ 0 and a null signal do nothing. Behind the end of the range only loudView is served. */
+    bool put(const float* mono, int n, beatatlas::LVMakeBase* loudView);
+
+    /** As put(), with the bands of the n samples filtered already: all of them from the start of the track on, by the
+     *  filters of designSensorBank(). For sensors of four and six bands.
+     *  @param n  at most a block of 1/75 s */
+    bool putBands(const float* mono, const BandSignals& bands, int n,
+                  beatatlas::LVMakeBase* loudView);
+
+    /** Lets the bands that found a beat vote, and names the steadiest of them if the vote agrees with it: then the
+     *  bands that disagree have lost their beat. Null when there is no such band. */
+    PeakBuffer* selectBand();
+
+    int bandNum() const { return bandNum_; }
+    float lastInterval() const { return lastInterval_; }   ///< of the last chosen beat, ms
+    std::int32_t lastPos() const { return lastPos_; }      ///< of its peak, samples
+    float lastLevel() const { return lastLevel_; }         ///< of the same peak
+    std::int32_t sinceBeat() const { return sinceBeat_; }  ///< samples fed since it was chosen
+
+private:
+    static std::unique_ptr<SensorBand[]> makeBands(int rate, int blockLen, int decim, int bands);
+    bool isOver(const beatatlas::LVMakeBase* loudView) const;
+    bool takeChunk(const float* chunk, const BandSignals& signals, int n,
+                   beatatlas::LVMakeBase* loudView);
+    void makeOnsets(int n);
+    void sendBands(const float* chunk, const BandSignals& signals, int n,
+                   beatatlas::LVMakeBase& loudView);
+    bool senseBeats(int n);
+    int closeSteps(int from, int to);
+    bool followPeaks(int steps);
+    bool takePeaks(int step, int steps);
+    void clearBeats();
+    bool chooseBeat();
+    void signalBeats();
+    PeakBuffer* voteOfBands();
+    bool settleVote(float interval);
+
+    std::int32_t bandNum_ = 0;
+    std::unique_ptr<SensorBand[]> bands_;
+    SensorFilters filters_;  // of put()
+    BeatSensorSignal* signal_ = nullptr;
+    std::int32_t decim_ = 1;
+    std::int32_t decimCount_ = 0;  // samples in the current step
+    float lastInterval_ = 0.0F;
+    std::int32_t lastPos_ = 0;
+    float lastLevel_ = 0.0F;
+    std::int32_t sinceBeat_ = 0;
+    std::int32_t blockLen_ = 0;
+    std::int32_t counter_ = 0;  // samples seen, up to the end of the range
+    std::int32_t start_ = 0;
+    std::int32_t end_ = 0;
+    TempoVote vote_;
+};
+
+}  // namespace peakss
