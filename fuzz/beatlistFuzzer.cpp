@@ -13,7 +13,6 @@
 #include "envelope/SimpleEnvelopeMaker.h"
 #include "envelope/UnitBeatAdjust.h"
 #include "envelope/UnitEnvelopeMaker.h"
-#include "peakss/grid/BeatInfoAnalyzeInfo.h"
 #include "peakss/grid/BeatInfoAnalyzer.h"
 #include "require.h"
 

@@ -22,6 +22,14 @@ struct BeatInfo {
     bool segHead = false;   ///< opens a phrase laid from a snapped anchor
 };
 
+inline std::int32_t groupNumber(const BeatInfo& beat) {
+    return beat.group >> 8;
+}
+
+inline std::int32_t groupWeight(const BeatInfo& beat) {
+    return beat.group & 0xFF;
+}
+
 using BeatList = std::vector<BeatInfo>;
 
 }  // namespace peakss

@@ -15,6 +15,18 @@ inline float intervalTolerance(float referenceMs) {
     return static_cast<float>(std::min(share, 20.0));
 }
 
+/** Whether an interval tells the tempo of a reference interval: it, its double or its half lies strictly within
+ *  the tolerance of the reference. A detector that follows half or twice the pulse hears the same tempo.
+ *
+ *  Nothing matches a reference that is no tempo (0, negative, infinite, not a number), itself included. */
+inline bool matchesTempo(float intervalMs, float referenceMs) {
+    const float tolerance = intervalTolerance(referenceMs);
+    const float low = referenceMs - tolerance;
+    const float high = referenceMs + tolerance;
+    const auto isInside = [low, high](float value) { return low < value && value < high; };
+    return isInside(intervalMs) || isInside(2.0F * intervalMs) || isInside(intervalMs / 2.0F);
+}
+
 /** True when neither the interval, nor its double, nor its half tells the tempo of the reference. Exactly at
  *  the tolerance is not a miss; what is not a number misses nothing. */
 inline bool missesTempoOf(float intervalMs, float referenceMs) {

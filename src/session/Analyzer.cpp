@@ -8,7 +8,6 @@
 #include "dsp/PromptSleeps.h"
 #include "dsp/RoundingMode.h"
 #include "dsp/processorYield.h"
-#include "peakss/grid/BeatInfoAnalyzeInfo.h"
 #include "peakss/grid/BeatInfoAnalyzer.h"
 #include "session/frameKernels.h"
 #include "session/tempoHundredths.h"

@@ -2,7 +2,7 @@
 #include "session/TrackFilters.h"
 
 #include "dsp/VectorForm.h"
-#include "peakss/sensing/bandDesigns.h"
+#include "peakss/sensing/designBands.h"
 #include "session/KeyBandRunner.h"
 
 namespace beatatlas {

@@ -9,7 +9,7 @@
 #include "dsp/FilterBank.h"
 #include "dsp/SecondOrderSection.h"
 #include "key/KeyRankMaker.h"
-#include "peakss/sensing/BandSignals.h"
+#include "peakss/sensing/designBands.h"
 
 namespace beatatlas {
 

@@ -6,7 +6,6 @@
 
 #include "dsp/RoundingMode.h"
 #include "dsp/processorYield.h"
-#include "peakss/grid/BeatInfoAnalyzeInfo.h"
 #include "peakss/grid/BeatInfoAnalyzer.h"
 #include "session/frameKernels.h"
 #include "session/tempoHundredths.h"

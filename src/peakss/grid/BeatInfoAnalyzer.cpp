@@ -6,40 +6,53 @@
 //                    fit each segment to its candidates, lay the grid, correct its gaps, number the bars
 #include "peakss/grid/BeatInfoAnalyzer.h"
 
+#include <cstdio>
 #include <optional>
 #include <utility>
 #include <vector>
 
 #include "peakss/grid/BandOffsets.h"
 #include "peakss/grid/BeatListDump.h"
-#include "peakss/grid/ProgressLines.h"
-#include "peakss/grid/barNumbering.h"
-#include "peakss/grid/closeCandidateCleanup.h"
-#include "peakss/grid/discontinuousGroupRemoval.h"
+#include "peakss/grid/adjustSegments.h"
+#include "peakss/grid/constantTempo.h"
+#include "peakss/grid/dropCloseCandidates.h"
+#include "peakss/grid/dropShortRuns.h"
+#include "peakss/grid/dropStrayGroups.h"
+#include "peakss/grid/findSegments.h"
 #include "peakss/grid/gapCorrectConstant.h"
 #include "peakss/grid/gapCorrectVaried.h"
-#include "peakss/grid/gridLaying.h"
-#include "peakss/grid/groupTempoTable.h"
-#include "peakss/grid/representativeInterval.h"
-#include "peakss/grid/representativeTempo.h"
-#include "peakss/grid/segmentAdjustment.h"
-#include "peakss/grid/segmentRefinement.h"
-#include "peakss/grid/segmentSearch.h"
-#include "peakss/grid/shortRunRemoval.h"
-#include "peakss/grid/tempoMismatchRemoval.h"
-#include "peakss/grid/tempoSegments.h"
+#include "peakss/grid/layGrid.h"
+#include "peakss/grid/numberBars.h"
+#include "peakss/grid/refineSegments.h"
+#include "peakss/grid/segments.h"
 
 namespace peakss {
 
 namespace {
 
+/** The lines on standard output that tell how an analysis goes; none when they are not wanted. */
+class ProgressLines {
+public:
+    explicit ProgressLines(bool areWanted) : areWanted_(areWanted) {}
+
+    void line(const char* text) const {
+        if (areWanted_) std::puts(text);
+    }
+    void list(const BeatList& beats) const {
+        if (areWanted_) printBeatList(beats, nullptr);
+    }
+
+private:
+    bool areWanted_;
+};
+
 // One segment for the whole track; none when the track has no tempo.
 std::optional<BeatList> constantTempoSegments(BeatList& raw, int length, const BeatListDump& dump,
                                               const ProgressLines& progress) {
-    const float interval = representativeInterval(raw, length);
+    const float interval = findTrackInterval(raw, length);
     if (interval == 0.0F) return std::nullopt;
     progress.line("BPMの一致しない値を消去します");
-    tempoMismatchRemoval(raw, interval);
+    dropOtherTempi(raw, interval);
     dump.section("[ BPMの一致しない値削除後のデータ ]", raw);
     if (raw.empty()) return std::nullopt;
     return BeatList{segmentFrom(raw.front(), interval)};
@@ -47,12 +60,12 @@ std::optional<BeatList> constantTempoSegments(BeatList& raw, int length, const B
 
 BeatList variedTempoSegments(BeatList& raw, int samplingRate, const BeatListDump& dump,
                              const ProgressLines& progress) {
-    discontinuousGroupRemoval(raw, groupTempoTable(raw));
+    dropStrayGroups(raw, measureGroupTempos(raw));
     dump.section("[ 連続しないBPM区間削除後のデータ ]", raw);
     progress.line("8個以上連続しない値を消去します");
-    shortRunRemoval(raw);
+    dropShortRuns(raw);
     dump.section("[ 8個以上連続しない値削除後のデータ ]", raw);
-    return segmentSearch(raw, samplingRate);
+    return findSegments(raw, samplingRate);
 }
 
 // The BPM of a grid that is even from its first beat on.
@@ -78,18 +91,18 @@ float BeatInfoAnalyzer::analyze(BeatInfoAnalyzeInfo* info, BeatList& out, int le
     if (!found) return 0.0F;
     BeatList& segments = *found;
 
-    segmentRefinement(segments, raw, length);
+    refineSegments(segments, raw, length);
     const std::vector<BandOffsets> offsetsMs(segments.size(), kDetectorOffsetsMs);
-    closeCandidateCleanup(raw, segments, length, samplingRate_);
+    dropCloseCandidates(raw, segments, length, samplingRate_);
     dump.section("[ 近い値調整後のデータ ]", raw);
-    float bpm = representativeTempo(segments, length);
+    float bpm = findMainTempo(segments, length);
     dump.representativeTempo(bpm);
     dump.section("[ アジャスト前区間情報 ]", segments);
     if (segments.empty()) return 0.0F;
 
-    segmentAdjustment(segments, raw, length, samplingRate_);
-    LaidGrid grid = gridLaying(segments, offsetsMs, raw, {barBeats, frontBeats, backBeats}, length,
-                               samplingRate_);
+    adjustSegments(segments, raw, length, samplingRate_);
+    LaidGrid grid =
+        layGrid(segments, offsetsMs, raw, {barBeats, frontBeats, backBeats}, length, samplingRate_);
     dump.section("[ アジャスト後区間情報 ]", segments);
     dump.section("[ 区間をBPM値で分割したデータ ]", grid.beats);
 
@@ -101,7 +114,7 @@ float BeatInfoAnalyzer::analyze(BeatInfoAnalyzeInfo* info, BeatList& out, int le
         bpm = gridTempo(grid.beats);
         reference = firstAnchorPosition(grid.beats);
     }
-    barNumbering(grid.beats, reference, barBeats);
+    numberBars(grid.beats, reference, barBeats);
     trimToTrack(grid.beats, length);
     dump.section("[ 位置補正後のデータ ]", grid.beats);
     dump.bandCounts(grid.beats);

@@ -5,12 +5,14 @@
 #include <cstdio>
 
 #include "peakss/BeatInfo.h"
-#include "peakss/grid/BeatInfoAnalyzeInfo.h"
-#include "peakss/grid/GridLayer.h"
 
 namespace peakss {
 
-class BeatListDump;
+/** What the analysis of a beat list is given. */
+struct BeatInfoAnalyzeInfo {
+    std::int32_t bandNum = 0;      ///< detection bands of the beat sensor; not read by the analysis
+    BeatList* beatList = nullptr;  ///< working copy of the raw list; candidates are erased from it
+};
 
 /** Turns the raw beat candidates of a track into a tempo and a beat grid numbered into bars.
  *

@@ -3,8 +3,6 @@
 
 #include <algorithm>
 
-#include "peakss/grid/printBeatList.h"
-
 namespace peakss {
 
 namespace {
@@ -13,6 +11,15 @@ constexpr const char* kDoubleLine =
     "============================================================\r\n";
 
 }  // namespace
+
+void printBeatList(const BeatList& list, std::FILE* stream) {
+    std::FILE* const target = stream != nullptr ? stream : stdout;
+    for (const BeatInfo& beat : list) {
+        const float bpm = 60000.0F / beat.interval;
+        std::fprintf(target, "%d\t%f\t%f\t%d\t%d\n", beat.group, static_cast<double>(bpm),
+                     static_cast<double>(beat.phase), beat.pos, beat.band);
+    }
+}
 
 void BeatListDump::banner() const {
     if (stream_ == nullptr) return;

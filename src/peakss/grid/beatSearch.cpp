@@ -2,6 +2,7 @@
 #include "peakss/grid/beatSearch.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstddef>
 #include <cstdlib>
 #include <limits>
@@ -102,6 +103,20 @@ std::int32_t findXPos(const BeatList& list, std::int32_t pos, int tolerance, int
     if (distance(point, pos) >= tolerance) return -1;
     *index = beat;
     return point;
+}
+
+float getBuffLevel(int count, const float* left, const float* right, int* index) {
+    constexpr float kSilence = 0.005F;
+    if (left == nullptr || right == nullptr || index == nullptr) return 0.0F;
+    const int firstIndex = *index;
+    float best = 0.0F;
+    for (int i = 0; i < count; ++i) {
+        const float level = std::max(std::fabs(left[i]), std::fabs(right[i])) / 32767.0F;
+        if (level < kSilence || !(level > best)) continue;
+        best = level;
+        *index = wrappingAdd(firstIndex, i);
+    }
+    return best;
 }
 
 }  // namespace peakss

@@ -6,7 +6,7 @@
 #include "peakss/grid/unsteadyTempoRuns.h"
 
 #include "dsp/processorYield.h"
-#include "peakss/grid/tempoMatch.h"
+#include "peakss/beatInterval.h"
 
 namespace peakss {
 

@@ -7,9 +7,10 @@
 #include "dsp/truncation.h"
 #include "peakss/beatInterval.h"
 #include "peakss/sensing/BeatSensorSignal.h"
-#include "peakss/sensing/SensorBand.h"
+#include "peakss/sensing/PeakBuffer.h"
+#include "peakss/sensing/PeakSensor.h"
 #include "peakss/sensing/StepMeans.h"
-#include "peakss/sensing/bandDesigns.h"
+#include "peakss/sensing/designBands.h"
 #include "view/LVMakeBase.h"
 
 namespace peakss {
@@ -21,12 +22,26 @@ namespace {
 constexpr int kBlocksPerSecond = 75;
 // Two votes may be one beat that two bands heard: a tempo needs more.
 constexpr int kMinVotes = 3;
-
-void runAhead(SensorBand& band, int from, int steps) {
-    band.nextPeak = band.sensor.putQuietLevels(band.levels.get(), from, steps);
-}
+// What the last two of six bands take the moving mean of.
+constexpr float kLowOnsetMs = 1.0F;
+constexpr float kHighOnsetMs = 0.2F;
 
 }  // namespace
+
+struct BeatSensor::Band {
+    PeakSensor sensor;
+    PeakBuffer buffer;
+    /** A block for a band that listens to the onsets of another. */
+    std::unique_ptr<float[]> onsets;
+    /** The chunk in hand, filtered and rectified, or its onsets. */
+    const float* signal = nullptr;
+    /** Sum of the samples in the current step. */
+    float acc = 0.0F;
+    /** Of the steps that the chunk in hand closes. */
+    std::unique_ptr<float[]> levels;
+    /** Index of the first of these levels that confirms a peak and has not been taken yet. */
+    int nextPeak = 0;
+};
 
 BeatSensor::BeatSensor() = default;
 
@@ -49,10 +64,11 @@ bool BeatSensor::create(int rate, int start, int end, int decim, int bands) {
     return true;
 }
 
-std::unique_ptr<SensorBand[]> BeatSensor::makeBands(int rate, int blockLen, int decim, int bands) {
-    auto made = std::make_unique<SensorBand[]>(static_cast<std::size_t>(bands));
+std::unique_ptr<BeatSensor::Band[]> BeatSensor::makeBands(int rate, int blockLen, int decim,
+                                                          int bands) {
+    auto made = std::make_unique<Band[]>(static_cast<std::size_t>(bands));
     for (int b = 0; b < bands; ++b) {
-        SensorBand& band = made[static_cast<std::size_t>(b)];
+        Band& band = made[static_cast<std::size_t>(b)];
         if (b >= SensorFilters::filteredBands(bands))
             band.onsets = std::make_unique<float[]>(static_cast<std::size_t>(blockLen));
         band.levels = std::make_unique<float[]>(static_cast<std::size_t>(blockLen));
@@ -60,13 +76,16 @@ std::unique_ptr<SensorBand[]> BeatSensor::makeBands(int rate, int blockLen, int 
         band.sensor.setSamplingRate(rate);
         band.sensor.setStep(decim);
     }
-    designOnsets(made.get(), bands);
+    if (bands == 6) {
+        made[4].sensor.setDiffAnalyze(kLowOnsetMs, 0);
+        made[5].sensor.setDiffAnalyze(kHighOnsetMs, 3);
+    }
     return made;
 }
 
 void BeatSensor::reset() {
     for (int b = 0; b < bandNum_; ++b) {
-        SensorBand& band = bands_[static_cast<std::size_t>(b)];
+        Band& band = bands_[static_cast<std::size_t>(b)];
         band.buffer.reset();
         band.sensor.reset(start_);
         band.acc = 0.0F;
@@ -122,8 +141,8 @@ bool BeatSensor::takeChunk(const float* chunk, const BandSignals& signals, int n
 
 void BeatSensor::makeOnsets(int n) {
     if (bandNum_ != 6) return;
-    SensorBand& low = bands_[4];
-    SensorBand& high = bands_[5];
+    Band& low = bands_[4];
+    Band& high = bands_[5];
     PeakSensor::getDiffs({{{&low.sensor, bands_[0].signal, low.onsets.get()},
                            {&high.sensor, bands_[3].signal, high.onsets.get()}}},
                          n);
@@ -161,7 +180,7 @@ int BeatSensor::closeSteps(int from, int to) {
     StepMeans means{decim_, decimCount_};
     int steps = 0;
     for (int b = 0; b < bandNum_; ++b) {
-        SensorBand& band = bands_[static_cast<std::size_t>(b)];
+        Band& band = bands_[static_cast<std::size_t>(b)];
         means.open = decimCount_;
         means.sum = band.acc;
         steps = means.put(band.signal + from, to - from, band.levels.get());
@@ -189,12 +208,16 @@ bool BeatSensor::followPeaks(int steps) {
     return chosen;
 }
 
+void BeatSensor::runAhead(Band& band, int from, int steps) {
+    band.nextPeak = band.sensor.putQuietLevels(band.levels.get(), from, steps);
+}
+
 /** Closes a step in which at least one band confirms a peak; whether a beat was chosen in it. */
 bool BeatSensor::takePeaks(int step, int steps) {
     clearBeats();
     bool found = false;
     for (int b = 0; b < bandNum_; ++b) {
-        SensorBand& band = bands_[static_cast<std::size_t>(b)];
+        Band& band = bands_[static_cast<std::size_t>(b)];
         if (band.nextPeak != step) continue;
         band.sensor.putLevel(band.levels[static_cast<std::size_t>(step)], band.buffer);
         found = found || band.buffer.beatFound();

@@ -4,9 +4,9 @@
 #include <cstdint>
 #include <memory>
 
-#include "peakss/sensing/BandSignals.h"
 #include "peakss/sensing/SensorFilters.h"
 #include "peakss/sensing/TempoVote.h"
+#include "peakss/sensing/designBands.h"
 
 namespace beatatlas {
 class LVMakeBase;
@@ -16,7 +16,6 @@ namespace peakss {
 
 class BeatSensorSignal;
 class PeakBuffer;
-struct SensorBand;
 
 /** Turns a mono signal into beats: splits it into bands, rectifies each and averages it over short steps, follows
  *  each band's level peaks, and lets all bands vote on the tempo. Each time a band finds a regular beat of the
@@ -73,7 +72,10 @@ public:
     std::int32_t sinceBeat() const { return sinceBeat_; }  ///< samples fed since it was chosen
 
 private:
-    static std::unique_ptr<SensorBand[]> makeBands(int rate, int blockLen, int decim, int bands);
+    struct Band;
+
+    static std::unique_ptr<Band[]> makeBands(int rate, int blockLen, int decim, int bands);
+    static void runAhead(Band& band, int from, int steps);
     bool isOver(const beatatlas::LVMakeBase* loudView) const;
     bool takeChunk(const float* chunk, const BandSignals& signals, int n,
                    beatatlas::LVMakeBase* loudView);
@@ -91,7 +93,7 @@ private:
     bool settleVote(float interval);
 
     std::int32_t bandNum_ = 0;
-    std::unique_ptr<SensorBand[]> bands_;
+    std::unique_ptr<Band[]> bands_;
     SensorFilters filters_;  // of put()
     BeatSensorSignal* signal_ = nullptr;
     std::int32_t decim_ = 1;

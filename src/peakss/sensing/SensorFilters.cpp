@@ -3,7 +3,7 @@
 
 #include <cmath>
 
-#include "peakss/sensing/bandDesigns.h"
+#include "peakss/sensing/designBands.h"
 
 namespace peakss {
 

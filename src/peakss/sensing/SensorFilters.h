@@ -8,7 +8,7 @@
 
 #include "dsp/FilterBank.h"
 #include "dsp/IirPassFilter.h"
-#include "peakss/sensing/BandSignals.h"
+#include "peakss/sensing/designBands.h"
 
 namespace peakss {
 

@@ -10,7 +10,6 @@
 #include <gtest/gtest.h>
 
 #include "peakss/grid/beatLists.h"
-#include "peakss/grid/printBeatList.h"
 #include "support/RoundTowardZero.h"
 
 namespace {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "peakss/grid/clearNearItems.h"
+#include "peakss/grid/dropCloseCandidates.h"
 
 #include <limits>
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "peakss/grid/getBuffLevel.h"
+#include "peakss/grid/beatSearch.h"
 
 #include <limits>
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "peakss/grid/getScore.h"
+#include "peakss/grid/SnapWalkScorer.h"
 
 #include <algorithm>
 #include <limits>
@@ -8,7 +8,6 @@
 
 #include <gtest/gtest.h>
 
-#include "peakss/grid/SnapWalkScorer.h"
 #include "peakss/grid/beatLists.h"
 #include "support/RoundTowardZero.h"
 

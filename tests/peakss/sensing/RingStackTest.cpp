@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include "peakss/sensing/PeakInfo.h"
+#include "peakss/sensing/PeakBuffer.h"
 
 namespace {
 
