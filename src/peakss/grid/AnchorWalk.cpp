@@ -4,13 +4,13 @@
 #include <cstddef>
 
 #include "dsp/truncation.h"
+#include "peakss/grid/beatLength.h"
 #include "peakss/grid/beatSearch.h"
 
 namespace peakss {
 
 namespace {
 
-constexpr int kQuartersPerBeat = 4;
 constexpr double kBehindNumberRange = 2147483648.0;  // of positions
 
 }  // namespace

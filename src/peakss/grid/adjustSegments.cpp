@@ -154,8 +154,8 @@ private:
 void apply(const Winner& winner, BeatInfo& segment) {
     segment.pos = truncToInt32(winner.start);
     segment.interval = static_cast<float>(winner.interval);
-    segment.group = truncToInt32(winner.spacingBeats * 4.0);
-    segment.band = winner.skippedBeats;
+    setAnchorSpacing(segment, truncToInt32(winner.spacingBeats * kQuartersPerBeat));
+    setSkippedBeats(segment, winner.skippedBeats);
 }
 
 }  // namespace

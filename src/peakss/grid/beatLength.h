@@ -8,6 +8,9 @@
 
 namespace peakss {
 
+/** A grid is tied to raw beats at quarter beats. */
+inline constexpr int kQuartersPerBeat = 4;
+
 inline double samplesPerMs(int samplingRate) {
     return samplingRate / 1000.0;
 }

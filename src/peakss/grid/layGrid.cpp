@@ -18,8 +18,6 @@ using beatatlas::truncToInt32;
 
 namespace {
 
-constexpr int kQuartersPerBeat = 4;
-
 GridPhrase usablePhrase(const GridPhrase& phrase) {
     const bool isUsable = phrase.barBeats > 0 && phrase.frontBeats >= 0 && phrase.backBeats >= 0;
     return isUsable ? phrase : GridPhrase{};
@@ -131,9 +129,9 @@ GridLayer::Segment GridLayer::beginSegment(const BeatInfo& record, const BandOff
                     .origin = 0.0,
                     .isHeadLaid = false,
                     .frontBeatsLaid = 0,
-                    .walk = AnchorWalk(raw_, beatSamples, record.group,
+                    .walk = AnchorWalk(raw_, beatSamples, anchorSpacing(record),
                                        snapTolerance(beatSamples, samplingRate_))};
-    segment.walk.begin(skipBeats(record.pos, record.band, beatSamples, segment.end));
+    segment.walk.begin(skipBeats(record.pos, skippedBeats(record), beatSamples, segment.end));
     const double offsetMs = bandOffset(offsetsMs, segment.walk.bandAt(0), carriedOffsetMs_);
     segment.origin = segment.walk.position() + offsetMs * samplesPerMs_;
     if (!std::exchange(hasOrigin_, true)) grid_.firstOrigin = truncToInt32(segment.origin);
@@ -173,7 +171,7 @@ void GridLayer::layHeadAndFront(Segment& segment) {
 void GridLayer::layHead(const Segment& segment) {
     const double room = std::max(segment.origin - segment.gridEnd, 0.0) / beatSamples_;
     const std::int64_t beatsThatFit = static_cast<std::int64_t>(room) + 2;
-    const std::int64_t wanted = static_cast<std::int64_t>(segment.record.band) + 1;
+    const std::int64_t wanted = static_cast<std::int64_t>(skippedBeats(segment.record)) + 1;
     for (std::int64_t j = std::min(wanted, beatsThatFit); j >= 1; --j) {
         const double pos = segment.origin - static_cast<double>(j) * beatSamples_;
         if (truncToInt32(pos) >= segment.gridEnd) layPlain(segment, pos);

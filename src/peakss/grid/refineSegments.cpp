@@ -10,13 +10,13 @@
 #include "peakss/beatInterval.h"
 #include "peakss/grid/BpmCountTbl.h"
 #include "peakss/grid/TempoWindow.h"
+#include "peakss/grid/beatLength.h"
 #include "peakss/grid/beatSearch.h"
+#include "peakss/grid/segments.h"
 
 namespace peakss {
 
 namespace {
-
-constexpr int kQuartersPerBeat = 4;
 
 class SegmentTally {
 public:
@@ -52,7 +52,7 @@ void measure(BeatInfo& segment, const BeatList& raw, int span, SegmentTally& tal
     if (slot < 0) return;
     segment.interval = fineSlotInterval(slot);
     segment.phase = 0.0F;
-    segment.group = kQuartersPerBeat;
+    setAnchorSpacing(segment, kQuartersPerBeat);
 }
 
 }  // namespace

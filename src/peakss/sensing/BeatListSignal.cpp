@@ -17,10 +17,6 @@ namespace {
 
 constexpr std::int32_t kWeightMask = 0xFF;
 
-std::int32_t weightOf(std::int32_t group) {
-    return group & kWeightMask;
-}
-
 std::int32_t nextGroup(std::int32_t group) {
     return wrappingAdd(group, kWeightMask + 1) & ~kWeightMask;
 }
@@ -78,7 +74,7 @@ void BeatListSignal::placeCandidate(const BeatInfo& candidate) {
     for (auto entry = end; entry != list_->begin() && (entry - 1)->pos == candidate.pos;) {
         --entry;
         if (!excludes(candidate, *entry)) continue;
-        if (weightOf(candidate.group) <= weightOf(entry->group)) return;
+        if (groupWeight(candidate) <= groupWeight(*entry)) return;
         // The new one takes its place at the end of the position's candidates, not that of the one it displaces.
         *std::move(entry + 1, end, entry) = candidate;
         return;

@@ -28,12 +28,12 @@ protected:
         peakss::adjustSegments(segments, raw, length, kRate);
         return segments;
     }
-    static void expectSegment(const BeatInfo& segment, int pos, float interval, int group,
-                              int band) {
+    static void expectSegment(const BeatInfo& segment, int pos, float interval, int spacing,
+                              int skipped) {
         EXPECT_EQ(segment.pos, pos);
         EXPECT_EQ(segment.interval, interval);
-        EXPECT_EQ(segment.group, group);
-        EXPECT_EQ(segment.band, band);
+        EXPECT_EQ(anchorSpacing(segment), spacing);
+        EXPECT_EQ(skippedBeats(segment), skipped);
     }
 };
 
@@ -112,21 +112,21 @@ TEST_F(AdjustSegmentsTest, SegmentAtTheFirstBeatReachesAnEighthBeforeIt) {
     const BeatList segments = adjusted({segmentAt(0), segmentAt(110000)},
                                        evenBeats(100000, 24000, 40), 100000 + 40 * 24000);
     EXPECT_EQ(segments[1].pos, 100000);
-    EXPECT_EQ(segments[1].band, 0);
+    EXPECT_EQ(skippedBeats(segments[1]), 0);
 }
 
 // Two beats, 2 beats apart. Every 4 beats a walk meets one of them, for 3000 points; every 2 beats both, 6000
 // against the doubled 3000, no strict gain; every beat both, 6000 against 12000. So the widest spacing stays.
 TEST_F(AdjustSegmentsTest, NarrowerSpacingMustMoreThanDoubleTheScore) {
     const BeatList segments = adjusted({segmentAt(0)}, beatsAt({48000, 96000}), 4000000);
-    EXPECT_EQ(segments[0].group, 16);
+    EXPECT_EQ(anchorSpacing(segments[0]), 16);
 }
 
 // Beats 26000 apart where 24000 are measured: one beat on, the walk finds the next 2000 away and snaps to it. Two or
 // four beats on it is 4000 or 8000 away, out of reach, and meets a beat only by chance.
 TEST_F(AdjustSegmentsTest, WanderingBeatsAreTiedMoreNarrowly) {
     const BeatList segments = adjusted({segmentAt(0)}, evenBeats(0, 26000, 60), 60 * 26000);
-    EXPECT_EQ(segments[0].group, 4);
+    EXPECT_EQ(anchorSpacing(segments[0]), 4);
     EXPECT_EQ(segments[0].interval, 502.0F);  // the slowest on trial is the nearest
 }
 
@@ -168,7 +168,7 @@ TEST_F(AdjustSegmentsTest, BeatAtTheFarEndOfTheNumberRangeIsMet) {
     const int last = kHighest - 1000;
     const BeatInfo segment = adjusted({segmentAt(last)}, beatsAt({last}), kHighest)[0];
     const int beat = static_cast<int>(segment.interval) * 48;
-    EXPECT_EQ(segment.band, last / beat);
+    EXPECT_EQ(skippedBeats(segment), last / beat);
     EXPECT_EQ(segment.pos, last % beat);
 }
 

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "peakss/BeatInfo.h"
+#include "peakss/grid/segments.h"
 
 namespace beatatlas::test {
 
@@ -62,7 +63,7 @@ inline peakss::BeatInfo segmentAt(std::int32_t pos, float interval = 500.0F) {
     peakss::BeatInfo segment;
     segment.pos = pos;
     segment.interval = interval;
-    segment.group = 4;
+    peakss::setAnchorSpacing(segment, 4);
     return segment;
 }
 

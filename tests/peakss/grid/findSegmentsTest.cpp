@@ -50,7 +50,7 @@ TEST_F(FindSegmentsTest, SegmentIsACopyOfItsBeatButForTheBand) {
     EXPECT_EQ(segments[0].group, (3 << 8) | 21);
     EXPECT_EQ(segments[0].phase, 1.25F);
     EXPECT_TRUE(segments[0].segHead);
-    EXPECT_EQ(segments[0].band, 0);
+    EXPECT_EQ(skippedBeats(segments[0]), 0);
 }
 
 // The window tells the new tempo some seconds ahead; the segment opens at the first beat of it all the same.

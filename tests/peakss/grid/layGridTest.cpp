@@ -48,8 +48,8 @@ Positions evenPositions(int first, int distance, int count) {
 
 BeatInfo fitted(int pos, float interval, int spacing, int skip) {
     BeatInfo segment = segmentAt(pos, interval);
-    segment.group = spacing;
-    segment.band = skip;
+    peakss::setAnchorSpacing(segment, spacing);
+    peakss::setSkippedBeats(segment, skip);
     return segment;
 }
 

@@ -44,12 +44,12 @@ TEST_F(RefineSegmentsTest, SegmentTakesTheCommonestTempoToATenth) {
     play(600.0F, 3);
     BeatList segments{segmentAt(0, 500.0F)};
     segments[0].phase = 3.0F;
-    segments[0].group = 777;
+    peakss::setAnchorSpacing(segments[0], 777);
     segments = refined(segments);
     ASSERT_EQ(segments.size(), 1U);
     EXPECT_EQ(segments[0].interval, 468.75F);
     EXPECT_EQ(segments[0].phase, 0.0F);
-    EXPECT_EQ(segments[0].group, 4);
+    EXPECT_EQ(anchorSpacing(segments[0]), 4);
 }
 
 // The first segment reaches up to the second's start, that beat included: three of 100 BPM against two of 128 and
