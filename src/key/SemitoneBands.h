@@ -14,9 +14,7 @@ public:
     void create(int bins, double binHz);
     void release();
 
-    int count() const { return static_cast<int>(lower_.size()); }
-    double lowerHz(int band) const { return lower_[static_cast<std::size_t>(band)]; }
-    double upperHz(int band) const { return upper_[static_cast<std::size_t>(band)]; }
+    int count() const { return static_cast<int>(bins_.size()); }
 
     /** Fills out with the largest magnitude inside each band, 0 where no bin falls into it.
      *  @param power  squared magnitudes of the bins, none of them NaN */
@@ -32,11 +30,6 @@ private:
     template <std::size_t kWidth>
     struct Largest;
 
-    void layBands();
-    void findBins(int bins, double binHz);
-
-    std::vector<double> lower_;  // Hz
-    std::vector<double> upper_;  // Hz
     std::vector<Bins> bins_;
 };
 

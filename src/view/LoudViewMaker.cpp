@@ -13,7 +13,6 @@
 #include <cstddef>
 
 #include "dsp/IirPassFilter.h"
-#include "view/Dot.h"
 
 namespace beatatlas {
 
@@ -32,6 +31,12 @@ constexpr int kHighCascade = 1;
 
 const float* after(const float* samples, std::ptrdiff_t offset) {
     return samples == nullptr ? nullptr : samples + offset;
+}
+
+/** The low band's sum; 1 where the mid band alone has one. */
+float dotLevel(std::int32_t lowSum, std::int32_t midSum) {
+    if (lowSum != 0) return static_cast<float>(lowSum);
+    return midSum != 0 ? 1.0F : 0.0F;
 }
 
 }  // namespace
@@ -92,8 +97,7 @@ void LoudViewMaker::designFilters() {
 void LoudViewMaker::clearWaves() {
     loudWave_.fill({0.0F, kUncolored});
     dotsWave_.fill({0.0F, kUncolored});
-    loudDetails_.fill({});
-    dotsClasses_.fill(0);
+    loudSteps_.fill({});
     loudNum_ = 0;
     dotsNum_ = 0;
 }
@@ -165,7 +169,7 @@ void LoudViewMaker::finishLoudPoints(int ready) {
         const LoudPoint point =
             makeLoudPoint(averageStrip_[k], low_.sum()[k], mid_.sum()[k], high_.sum()[k]);
         loudWave_[static_cast<std::size_t>(k)].level = point.level;
-        loudDetails_[static_cast<std::size_t>(k)] = point.detail;
+        loudSteps_[static_cast<std::size_t>(k)] = point.steps;
     }
 }
 
@@ -176,16 +180,15 @@ int LoudViewMaker::dotsReady() const {
 
 void LoudViewMaker::finishDots(int ready) {
     for (; dotsNum_ < ready; ++dotsNum_) {
-        const Dot dot = makeDot(lowDots_.sum()[dotsNum_], midDots_.sum()[dotsNum_]);
-        dotsWave_[static_cast<std::size_t>(dotsNum_)].level = dot.level;
-        dotsClasses_[static_cast<std::size_t>(dotsNum_)] = dot.levelClass;
+        dotsWave_[static_cast<std::size_t>(dotsNum_)].level =
+            dotLevel(lowDots_.sum()[dotsNum_], midDots_.sum()[dotsNum_]);
     }
 }
 
 void LoudViewMaker::analyzeLoudColor(int from, int to) {
     for (int k = std::max(from, 0); k < std::min(to, kLoudPoints); ++k)
         loudWave_[static_cast<std::size_t>(k)].color =
-            loudColor(loudDetails_[static_cast<std::size_t>(k)]);
+            loudColor(loudSteps_[static_cast<std::size_t>(k)]);
 }
 
 }  // namespace beatatlas

@@ -56,10 +56,8 @@ public:
 
     int loudNum() const { return loudNum_; }  ///< final loudness points, 0..400
     const WavePoint* loudWave() const { return loudWave_.data(); }
-    const LoudPointDetail* loudDetails() const { return loudDetails_.data(); }
     int dotsNum() const { return dotsNum_; }  ///< final dots, 0..100
     const WavePoint* dotsWave() const { return dotsWave_.data(); }
-    const std::int32_t* dotsClasses() const { return dotsClasses_.data(); }
 
 private:
     void createBands(int rate, int len);
@@ -87,9 +85,8 @@ private:
     AverageLevel averageLevel_;
     AverageStrip averageStrip_;
     std::array<WavePoint, kLoudPoints> loudWave_{};
-    std::array<LoudPointDetail, kLoudPoints> loudDetails_{};
+    std::array<LoudPointSteps, kLoudPoints> loudSteps_{};
     std::array<WavePoint, kDots> dotsWave_{};
-    std::array<std::int32_t, kDots> dotsClasses_{};
     int loudNum_ = 0;
     int dotsNum_ = 0;
 };

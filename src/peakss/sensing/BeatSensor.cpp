@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <cstddef>
 
-#include "dsp/truncation.h"
 #include "peakss/beatInterval.h"
 #include "peakss/sensing/BeatSensorSignal.h"
 #include "peakss/sensing/PeakBuffer.h"
@@ -14,8 +13,6 @@
 #include "view/LVMakeBase.h"
 
 namespace peakss {
-
-using beatatlas::wrappingAdd;
 
 namespace {
 
@@ -90,10 +87,7 @@ void BeatSensor::reset() {
         band.sensor.reset(start_);
         band.acc = 0.0F;
     }
-    lastInterval_ = lastLevel_ = 0.0F;
-    lastPos_ = 0;
     decimCount_ = 0;
-    sinceBeat_ = 0;
     counter_ = 0;
     vote_.reset();
 }
@@ -107,7 +101,6 @@ void BeatSensor::release() {
 
 bool BeatSensor::put(const float* mono, int n, beatatlas::LVMakeBase* loudView) {
     if (mono == nullptr || n <= 0 || blockLen_ == 0) return false;
-    sinceBeat_ = wrappingAdd(sinceBeat_, n);
     bool chosen = false;
     for (int done = 0; done < n && !isOver(loudView);) {
         const int count = std::min(n - done, blockLen_);
@@ -122,7 +115,6 @@ bool BeatSensor::put(const float* mono, int n, beatatlas::LVMakeBase* loudView) 
 bool BeatSensor::putBands(const float* mono, const BandSignals& bands, int n,
                           beatatlas::LVMakeBase* loudView) {
     if (mono == nullptr || n <= 0 || n > blockLen_) return false;
-    sinceBeat_ = wrappingAdd(sinceBeat_, n);
     return !isOver(loudView) && takeChunk(mono, bands, n, loudView);
 }
 
@@ -143,8 +135,11 @@ void BeatSensor::makeOnsets(int n) {
     if (bandNum_ != 6) return;
     Band& low = bands_[4];
     Band& high = bands_[5];
-    PeakSensor::getDiffs({{{&low.sensor, bands_[0].signal, low.onsets.get()},
-                           {&high.sensor, bands_[3].signal, high.onsets.get()}}},
+    const auto source = [this](const Band& band) {
+        return bands_[static_cast<std::size_t>(band.sensor.diffSource())].signal;
+    };
+    PeakSensor::getDiffs({{{&low.sensor, source(low), low.onsets.get()},
+                           {&high.sensor, source(high), high.onsets.get()}}},
                          n);
     low.signal = low.onsets.get();
     high.signal = high.onsets.get();
@@ -223,23 +218,14 @@ bool BeatSensor::takePeaks(int step, int steps) {
         found = found || band.buffer.beatFound();
         runAhead(band, step + 1, steps);
     }
-    return found && chooseBeat();
+    if (!found || selectBand() == nullptr) return false;
+    signalBeats();
+    return true;
 }
 
 // A beat found lasts until the next level.
 void BeatSensor::clearBeats() {
     for (int b = 0; b < bandNum_; ++b) bands_[static_cast<std::size_t>(b)].buffer.clearBeat();
-}
-
-bool BeatSensor::chooseBeat() {
-    const PeakBuffer* chosen = selectBand();
-    if (chosen == nullptr) return false;
-    lastInterval_ = chosen->interval();
-    lastPos_ = chosen->beatPos();
-    lastLevel_ = chosen->beatLevel();
-    sinceBeat_ = 0;
-    signalBeats();
-    return true;
 }
 
 void BeatSensor::signalBeats() {

@@ -66,10 +66,6 @@ public:
     PeakBuffer* selectBand();
 
     int bandNum() const { return bandNum_; }
-    float lastInterval() const { return lastInterval_; }   ///< of the last chosen beat, ms
-    std::int32_t lastPos() const { return lastPos_; }      ///< of its peak, samples
-    float lastLevel() const { return lastLevel_; }         ///< of the same peak
-    std::int32_t sinceBeat() const { return sinceBeat_; }  ///< samples fed since it was chosen
 
 private:
     struct Band;
@@ -87,7 +83,6 @@ private:
     bool followPeaks(int steps);
     bool takePeaks(int step, int steps);
     void clearBeats();
-    bool chooseBeat();
     void signalBeats();
     PeakBuffer* voteOfBands();
     bool settleVote(float interval);
@@ -98,10 +93,6 @@ private:
     BeatSensorSignal* signal_ = nullptr;
     std::int32_t decim_ = 1;
     std::int32_t decimCount_ = 0;  // samples in the current step
-    float lastInterval_ = 0.0F;
-    std::int32_t lastPos_ = 0;
-    float lastLevel_ = 0.0F;
-    std::int32_t sinceBeat_ = 0;
     std::int32_t blockLen_ = 0;
     std::int32_t counter_ = 0;  // samples seen, up to the end of the range
     std::int32_t start_ = 0;

@@ -77,17 +77,6 @@ void PeakSensor::setDiffAnalyze(float ms, int source) {
     diffOn_ = true;
 }
 
-void PeakSensor::getDiffs(const float* in, float* out, int n) {
-    changes(in, out, n);
-    float sum = diffSum_;
-    for (int i = 0; i < n; ++i) {
-        sum = sum + out[i];
-        out[i] = sum;
-    }
-    diffSum_ = sum;
-    lessMean(in, out, n);
-}
-
 // A running sum waits for itself with every sample; two of them wait together.
 void PeakSensor::getDiffs(const std::array<DiffBlock, 2>& blocks, int n) {
     for (const DiffBlock& block : blocks) block.sensor->changes(block.in, block.out, n);

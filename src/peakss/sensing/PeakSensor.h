@@ -54,17 +54,14 @@ public:
         return y >= 0.0F ? y : 0.0F;
     }
 
-    /** As n calls of getDiff() in turn; `out` is another array. Needs difference analysis. */
-    void getDiffs(const float* in, float* out, int n);
-
-    /** One sensor's part in a common call of getDiffs(). */
+    /** One sensor's part in a common call of getDiffs(); `out` is another array than `in`. */
     struct DiffBlock {
         PeakSensor* sensor;
         const float* in;
         float* out;
     };
 
-    /** getDiffs() of two different sensors at once. */
+    /** As n calls of getDiff() in turn of each of two different sensors, both with difference analysis. */
     static void getDiffs(const std::array<DiffBlock, 2>& blocks, int n);
 
     /** Takes the next level of the band; a peak it confirms goes into buffer at once. */
@@ -80,11 +77,9 @@ public:
     std::int32_t pos() const { return pos_; }  ///< of the latest level
     float line() const { return line_; }
     bool isTracking() const { return state_ == kTracking; }
-    bool isDiffOn() const { return diffOn_; }
     std::int32_t diffSource() const {
         return diffSource_;
     }  ///< −1: none, the band filters its own signal
-    std::int32_t diffLen() const { return diffLen_; }  ///< samples of the moving mean
 
 private:
     static constexpr std::int32_t kFollowing = 0;
