@@ -31,7 +31,7 @@
  *     it.
  *  5. BA_Release.
  *  A call out of this order does nothing. Nothing is ever reported by an error code: a getter of a
- *  session that has no answer returns the neutral result told at it (0, false, nothing written).
+ *  session that has no answer returns the neutral result described there (0, false, nothing written).
  *
  *  Samples
  *  -------
@@ -225,8 +225,7 @@ BA_API int BA_GetZoomWave(void* session, BA_WaveInfo* out);
 BA_API int BA_GetMainKey(void* session);
 
 /** @name Utilities on a caller's buffer
- *  They need a handle that is not null but use nothing of the session. beatatlas/utilities.h tells
- *  what each computes and offers them without a handle to C++ hosts.
+ *  They need a handle that is not null but use nothing of the session. beatatlas/utilities.h says what each computes and offers them without a handle to C++ hosts.
  *  @{ */
 
 /** Low-passes the input at 0.05 of its rate and takes every step-th sample (made for step 10).
@@ -249,7 +248,7 @@ BA_API void BA_CutBeats(void* session, float* out, float* in, int n, float rate,
  *  @param samples     n mono samples at rate
  *  @param hopDivisor  divides the hop between frames
  *  @param mode        0 to 4: search plan
- *  @return 434.0 for silence and for buffers too short to tell; 0.0 for a null handle */
+ *  @return 434.0 for silence and for buffers too short to judge; 0.0 for a null handle */
 BA_API float BA_PitchDetect(void* session, float* samples, int n, float rate, int hopDivisor,
                             int mode);
 

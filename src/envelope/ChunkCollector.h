@@ -9,9 +9,9 @@ namespace beatatlas {
 
 /** Cuts the fed audio into mono chunks of 128 frames, the grain of the level envelopes.
  *
- *  A chunk waits until it is full, whatever the blocks of the caller; only the last one is handed on
- *  short, as soon as the declared length is reached. What is fed after that is ignored, except that
- *  the last chunk takes what the completing block still holds for it. */
+ *  A chunk waits until it is full, whatever the blocks of the caller; only the last one is handed
+ *  on short, as soon as the declared length is reached. What is fed after that is ignored, except
+ *  that the last chunk takes what the completing block still holds for it. */
 class ChunkCollector {
 public:
     static constexpr int kChunkFrames = 128;

@@ -35,7 +35,8 @@ public:
      *  @return true */
     bool create(int sampleRate, int length);
 
-    /** Back to the first frame with an empty envelope and no pulses; the filters keep their state. */
+    /** Back to the first frame with an empty envelope and no pulses; the filters keep their
+     *  state. */
     void reset();
 
     /** Takes one block of interleaved 16-bit stereo; null and frames ≤ 0 do nothing. */
@@ -56,7 +57,8 @@ public:
      *  @param keepPhase  leaves out the half-beat move */
     void analyze(float bpm, peakss::BeatList& beats, bool keepPhase);
 
-    void release();  ///< safe to call twice
+    /** Safe to call twice. */
+    void release();
 
     /** One level per 128 frames, in 16-bit scale, centred on 0; 0 where nothing was fed. */
     const std::vector<std::int16_t>& envelope() const { return envelope_; }

@@ -79,7 +79,8 @@ struct SemitoneBands::Largest {
 
 void SemitoneBands::measure(const double* power, double* out) const {
     runInLanes<Largest>(bins_.data(), bins_.size(), power, out);
-    // The square root rises with its argument, rounded or not: one root per band gives the same bits.
+    // The square root rises with its argument, rounded or not: one root per band gives the same
+    // bits.
     for (std::size_t b = 0; b < bins_.size(); ++b) out[b] = std::sqrt(out[b]);
 }
 

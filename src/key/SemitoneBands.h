@@ -6,8 +6,8 @@
 
 namespace beatatlas {
 
-/** The bands a spectrum is read by: one per semitone, centred on 110 × 2^(b/12) Hz, from A2 to 20 kHz. Band b
- *  holds the pitch class b mod 12. */
+/** The bands a spectrum is read by: one per semitone, centred on 110 × 2^(b/12) Hz, from A2 to 20
+ *  kHz. Band b holds the pitch class b mod 12. */
 class SemitoneBands {
 public:
     /** Lays out the bands for a spectrum of bins bins, binHz apart. */

@@ -105,8 +105,8 @@ void Analyzer::limitSensingRange(int startSample, int rangeSamples) {
     startSample_ = startSample < 0 || startSample >= rangeSamples_ ? 0 : startSample;
 }
 
-// Every analyser is made, whatever the switches say: a getter of one that is off answers as an empty one does. The
-// fine adjustment alone has no place in a session of varied tempo.
+// Every analyser is made, whatever the switches say: a getter of one that is off answers as an
+// empty one does. The fine adjustment alone has no place in a session of varied tempo.
 void Analyzer::createAnalysers() {
     beatListMaker_.create(rate_, startSample_, rangeSamples_);
     simpleEnvelopeMaker_.create(rate_, totalSamples_);

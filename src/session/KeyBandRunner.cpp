@@ -33,7 +33,7 @@ struct KeyBandRunner::Kernel {
     static constexpr std::size_t kLanes = FilterBankSteps<kWidth>::kLanes;
 
     BEATATLAS_LANES static void run(FilterBankLanes* bank, FilterBankTile* tile,
-                                    const FilterBankStretch* steps, const BandStretch* key,
+                                    const FilterBankStretch* steps, const BandBlock* key,
                                     std::int16_t* samples, int count) {
         double signal[FilterBankTile::kSteps];
         MonoOfBlock<kLanes>::run(key->frames, signal, count);
@@ -53,7 +53,7 @@ void KeyBandRunner::run(FilterBankLanes& lanes, FilterBankTile& tile,
     const int count = std::min({key_.n, stretch.steps, FilterBankTile::kSteps});
     if (count == 0) return FilterBankRunner::run(lanes, tile, stretch);
     std::array<std::int16_t, FilterBankTile::kSteps> samples;
-    runInLanes<Kernel>(&lanes, &tile, &stretch, static_cast<const BandStretch*>(&key_),
+    runInLanes<Kernel>(&lanes, &tile, &stretch, static_cast<const BandBlock*>(&key_),
                        samples.data(), count);
     take(count, samples.data(), count);
 }

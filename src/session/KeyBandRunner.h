@@ -9,8 +9,8 @@
 
 namespace beatatlas {
 
-/** Does the steps of a FilterBank, and beside them filters what waits in a KeyRankMaker: both wait for the
- *  last outputs of their own sections, not for each other. */
+/** Does the steps of a FilterBank, and beside them filters what waits in a KeyRankMaker: both wait
+ *  for the last outputs of their own sections, not for each other. */
 class KeyBandRunner : public FilterBankRunner {
 public:
     /** @param most  frames to filter for the key at the most */
@@ -22,7 +22,7 @@ public:
              const FilterBankStretch& stretch) override;
 
 private:
-    using BandStretch = KeyRankMaker::BandStretch;
+    using BandBlock = KeyRankMaker::BandBlock;
 
     template <std::size_t kWidth>
     struct Kernel;
@@ -30,7 +30,7 @@ private:
     void take(int frames, const std::int16_t* samples, int n);
 
     KeyRankMaker& keyRankMaker_;
-    BandStretch key_;  // what is left of it
+    BandBlock key_;  // what is left of it
 };
 
 }  // namespace beatatlas

@@ -13,22 +13,28 @@
 
 namespace beatatlas {
 
-/** What the analysers of a session with beat analysis hear through filters at the full rate, made block by block in
- *  one pass: each analyser could filter for itself, but sections of different filters do not wait for each other.
+/** What the analysers of a session with beat analysis hear through filters at the full rate, made
+ *  block by block in one pass: each analyser could filter for itself, but sections of different
+ *  filters do not wait for each other.
  *
- *  Life: create() → operate() per block, then the signals of that block. Memory: eight blocks, allocated in create(). */
+ *  Life: create() → operate() per block, then the signals of that block. Memory: eight blocks,
+ *  allocated in create(). */
 class TrackFilters {
 public:
     /** The analysers' filters over the 16-bit signal; null for an analyser that is off. */
     struct Levels {
-        const SecondOrderSection* pulses;    ///< of the unit envelope, used twice
-        const SecondOrderSection* bassLine;  ///< of the simple envelope
-        const SecondOrderSection* bass;      ///< of the zoom wave
+        /** Filter of the unit envelope, used twice. */
+        const SecondOrderSection* pulses;
+        /** Filter of the simple envelope. */
+        const SecondOrderSection* bassLine;
+        /** Filter of the zoom wave. */
+        const SecondOrderSection* bass;
     };
 
     void create(int rate, int blockLen, const Levels& levels);
 
-    /** Takes the next n ≤ blockLen frames in both forms: the mean of the channels, full scale ±1.0, and 16 bits.
+    /** Takes the next n ≤ blockLen frames in both forms: the mean of the channels, full scale ±1.0,
+     *  and 16 bits.
      *  @param key  may have as many of the frames filtered that wait in it; null: none */
     void operate(const float* mono, const std::int16_t* stereo, int n, KeyRankMaker* key);
 

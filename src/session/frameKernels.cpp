@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The plain form of each kernel stands first and serves the frames that fill no vector; the lanes do the same for eight
-// frames at a time, and are compiled for each vector form.
+// The plain form of each kernel stands first and serves the frames that fill no vector; the lanes
+// do the same for eight frames at a time, and are compiled for each vector form.
 #include "session/frameKernels.h"
 
 #include <algorithm>
@@ -17,7 +17,8 @@ namespace beatatlas {
 
 namespace {
 
-// The mean of both channels, with 16-bit full scale brought to ±1.0: a power of two, so the product is exact.
+// The mean of both channels, with 16-bit full scale brought to ±1.0: a power of two, so the product
+// is exact.
 constexpr float kMonoScale = 1.0F / 65536.0F;
 
 void convertPlainly(const float* left, const float* right, int from, int to, float* mono,
@@ -50,7 +51,8 @@ BEATATLAS_LANES void load(const float* from, Floats& lanes) {
     std::memcpy(&lanes, from, sizeof lanes);
 }
 
-/** truncToInt32() in each lane: what cannot be converted is exchanged for the number whose truncation is the answer. */
+/** truncToInt32() in each lane: what cannot be converted is exchanged for the number whose
+ *  truncation is the answer. */
 BEATATLAS_LANES void truncate(const Floats& samples, Ints& whole) {
     constexpr float kLowest = -2147483648.0F;
     constexpr float kTooHigh = 2147483648.0F;

@@ -3,7 +3,8 @@
 // Chunk by chunk of 1/75 s:
 //   1. split the chunk into three rectified bands and follow their level peaks
 //   2. follow the peaks of the low and mid band once more, decimated, for the dots
-//   3. average the level of the whole signal and sum the peaks of each band, in strips of 400 points
+//   3. average the level of the whole signal and sum the peaks of each band, in strips of 400
+//      points
 //   4. finish the loudness points that all four strips have left behind
 //   5. sum the decimated peaks in strips of 100 dots and finish dots likewise
 #include "view/LoudViewMaker.h"
@@ -21,7 +22,8 @@ namespace {
 constexpr int kBlocksPerSecond = 75;
 constexpr std::int32_t kUncolored = 5;
 
-/** Shares of the held level that make a peak candidate: in the high band hats fall off faster than bass notes. */
+/** Shares of the held level that make a peak candidate: in the high band hats fall off faster than
+ *  bass notes. */
 constexpr float kRatio = 0.75F;
 constexpr float kHighRatio = 0.66F;
 
@@ -135,7 +137,8 @@ void LoudViewMaker::takeChunk(const float* in, const float* low, const float* mi
     finishDots(dotsReady());
 }
 
-/** Makes the bands that are null and points to them; the filters of the others do not hear the chunk. */
+/** Makes the bands that are null and points to them; the filters of the others do not hear the
+ *  chunk. */
 void LoudViewMaker::filterBands(const float* in, const float*& low, const float*& mid,
                                 const float*& high, int m) {
     if (low != nullptr && mid != nullptr && high != nullptr) return;

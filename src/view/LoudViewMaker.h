@@ -15,14 +15,14 @@
 
 namespace beatatlas {
 
-/** Draws a whole track as a strip of 400 loudness points, coloured by the balance of its bands, and one of 100 dots
- *  that follow the bass. Point k stands for the k-th part of the declared length.
+/** Draws a whole track as a strip of 400 loudness points, coloured by the balance of its bands, and
+ *  one of 100 dots that follow the bass. Point k stands for the k-th part of the declared length.
  *
- *  Life: create() → analyzePeak() block by block → loudNum(), loudWave(), dotsNum(), dotsWave() at any time; points
- *  become final as the stream passes them. Loudness points have colour 5 until analyzeLoudColor() is asked for them,
- *  dots keep it. create() again starts over.
- *  Memory: the peak records of three bands and a few blocks, allocated in create(). Feeding allocates only to
- *  double the records of a track of more than three hours. */
+ *  Life: create() → analyzePeak() block by block → loudNum(), loudWave(), dotsNum(), dotsWave() at
+ *  any time; points become final as the stream passes them. Loudness points have colour 5 until
+ *  analyzeLoudColor() is asked for them, dots keep it. create() again starts over. Memory: the peak
+ *  records of three bands and a few blocks, allocated in create(). Feeding allocates only to double
+ *  the records of a track of more than three hours. */
 class LoudViewMaker : public LVMakeBase {
 public:
     LoudViewMaker() = default;
@@ -30,19 +30,21 @@ public:
 
     /** @param rate  samples per second, at least 75
      *  @param len  declared length in samples
-     *  @return 1; 0, with nothing held, when the rate is out of range. Throws std::bad_alloc when memory is short;
-     *          feeding is then ignored. */
+     *  @return 1; 0, with nothing held, when the rate is out of range. Throws std::bad_alloc when
+     *          memory is short; feeding is then ignored. */
     int create(int rate, int len);
 
     /** Back to the state after create(); does nothing before it. */
     void reset();
 
-    /** Takes n mono samples of the track (full scale ±1.0). Each band pointer is either null, and the band is
-     *  filtered and rectified here, or holds that band's rectified signal for the same n samples.
+    /** Takes n mono samples of the track (full scale ±1.0). Each band pointer is either null, and
+     *  the band is filtered and rectified here, or holds that band's rectified signal for the same
+     *  n samples.
      *
-     *  The samples are cut into blocks of 1/75 s from the start of each call; only the track's last block should be
-     *  shorter. Samples past the declared length go on filling the last points.
-     *  @return 1 when all samples were used; 0 when nothing was, before create() or without input. */
+     *  The samples are cut into blocks of 1/75 s from the start of each call; only the track's last
+     *  block should be shorter. Samples past the declared length go on filling the last points.
+     *  @return 1 when all samples were used; 0 when nothing was, before create() or without
+     *          input. */
     int analyzePeak(const float* in, float* low, float* mid, float* high, int n) override;
 
     /** Colours the loudness points from..to-1, as far as there are such points. */
@@ -54,9 +56,11 @@ public:
     /** Frees the buffers and filters; safe to call twice. */
     void release();
 
-    int loudNum() const { return loudNum_; }  ///< final loudness points, 0..400
+    /** Final loudness points, 0..400. */
+    int loudNum() const { return loudNum_; }
     const WavePoint* loudWave() const { return loudWave_.data(); }
-    int dotsNum() const { return dotsNum_; }  ///< final dots, 0..100
+    /** Final dots, 0..100. */
+    int dotsNum() const { return dotsNum_; }
     const WavePoint* dotsWave() const { return dotsWave_.data(); }
 
 private:

@@ -91,7 +91,8 @@ TEST_F(BeatIntervalTest, WhatIsNoNumberMissesNothing) {
     EXPECT_TRUE(missesTempoOf(kInfinite, 500.0F));
 }
 
-// 312 / 500 × 4 = 2.496, 313 / 500 × 4 = 2.504: the border between a half and three quarters lies at 312.5.
+// 312 / 500 × 4 = 2.496, 313 / 500 × 4 = 2.504: the border between a half and three quarters lies
+// at 312.5.
 TEST_F(BeatIntervalTest, IntervalsAreRoundedHalfUpToQuarterBeats) {
     EXPECT_EQ(quarterBeats(500.0F, 500.0F), 1.0F);
     EXPECT_EQ(quarterBeats(312.0F, 500.0F), 0.5F);

@@ -25,21 +25,21 @@ void AnchorWalk::begin(double start) {
 }
 
 void AnchorWalk::walkBeat() {
-    for (int quarter = 0; quarter < kQuartersPerBeat; ++quarter) {
+    for (int i = 0; i < kQuartersPerBeat; ++i) {
         position_ += quarterSamples_;
         bands_.push_back(kNoBand);
-        if (isAnchorPlace(place())) bands_.back() = snap();
+        if (isAnchor(quarter())) bands_.back() = snap();
     }
 }
 
-void AnchorWalk::slide(std::int64_t fromPlace, std::int64_t places) {
-    const auto from = bands_.begin() + static_cast<std::ptrdiff_t>(fromPlace);
-    bands_.erase(from, from + static_cast<std::ptrdiff_t>(places));
+void AnchorWalk::slide(std::int64_t fromQuarter, std::int64_t quarters) {
+    const auto from = bands_.begin() + static_cast<std::ptrdiff_t>(fromQuarter);
+    bands_.erase(from, from + static_cast<std::ptrdiff_t>(quarters));
 }
 
-int AnchorWalk::bandAt(std::int64_t place) const {
-    if (place < 0 || place > this->place()) return kNoBand;
-    return bands_[static_cast<std::size_t>(place)];
+int AnchorWalk::bandAt(std::int64_t quarter) const {
+    if (quarter < 0 || quarter > this->quarter()) return kNoBand;
+    return bands_[static_cast<std::size_t>(quarter)];
 }
 
 int AnchorWalk::snap() {

@@ -8,33 +8,37 @@
 
 namespace peakss {
 
-/** Walks along one segment in quarter beats of fixed length and snaps to the raw beats it meets at anchor places.
+/** Walks along one segment in quarter beats of fixed length and snaps to the raw beats it meets at
+ *  the anchors.
  *
- *  A place is a count of quarter beats from the phrase's origin; the walk remembers which band it snapped to at
- *  each place so far. The list must outlive the walk. */
+ *  Quarters are quarter beats counted from the phrase's origin; the walk remembers which band it
+ *  snapped to at each of them so far. The list must outlive the walk. */
 class AnchorWalk {
 public:
     static constexpr int kNoBand = -1;
 
-    /** @param spacing    quarter beats from one anchor place to the next; below 1 counts as one beat
+    /** @param spacing    quarter beats from one anchor to the next; below 1 counts as one beat
      *  @param tolerance  samples */
     AnchorWalk(const BeatList& raw, double beatSamples, int spacing, int tolerance);
 
-    /** Place 0: a position in samples, or the raw beat near it. */
+    /** Quarter 0: a position in samples, or the raw beat near it. */
     void begin(double start);
 
-    /** One beat, four places. */
+    /** One beat, four quarters. */
     void walkBeat();
 
-    /** Makes a later beat of the phrase its origin: places from the given one on take over the bands that stand
-     *  so many places farther on; the ones before keep theirs, their beats are laid. */
-    void slide(std::int64_t fromPlace, std::int64_t places);
+    /** Makes a later beat of the phrase its origin: quarters from the given one on take over the
+     *  bands that stand so many quarters farther on; the ones before keep theirs, their beats are
+     *  laid. */
+    void slide(std::int64_t fromQuarter, std::int64_t quarters);
 
-    double position() const { return position_; }  ///< samples
-    std::int64_t place() const { return static_cast<std::int64_t>(bands_.size()) - 1; }
-    bool isAnchorPlace(std::int64_t place) const { return place % spacing_ == 0; }
-    /** The band snapped to at an anchor place; −1 when none was, and for places not reached. */
-    int bandAt(std::int64_t place) const;
+    /** Of the walk, in samples. */
+    double position() const { return position_; }
+    /** Quarters walked so far. */
+    std::int64_t quarter() const { return static_cast<std::int64_t>(bands_.size()) - 1; }
+    bool isAnchor(std::int64_t quarter) const { return quarter % spacing_ == 0; }
+    /** The band snapped to at an anchor; −1 when none was, and for quarters not reached. */
+    int bandAt(std::int64_t quarter) const;
 
 private:
     int snap();

@@ -9,8 +9,8 @@ namespace peakss {
 
 inline constexpr int kDetectorBands = 6;
 
-/** How far, in ms, a beat lies from the moment its band's detector fires: negative, since every detector is late;
- *  the low bands, whose envelopes rise slowly, most of all. */
+/** How far, in ms, a beat lies from the moment its band's detector fires: negative, since every
+ *  detector is late; the low bands, whose envelopes rise slowly, most of all. */
 using BandOffsets = std::array<double, kDetectorBands>;
 
 inline constexpr BandOffsets kDetectorOffsetsMs{-30.0, -20.0, -3.0, -3.0, -20.0, -3.0};

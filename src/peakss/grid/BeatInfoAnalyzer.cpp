@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: MIT
-// From raw candidates of six detection bands, with gaps, doublings and stray tempi, to one regular grid:
-//   constant tempo   find the track's tempo, drop the candidates of other tempi, take all of it as one segment
-//   varied tempo     drop the candidates that keep no tempo, split the rest where the tempo changes
-//   both             measure each segment's tempo, join equal neighbours, thin out candidates of one beat,
-//                    fit each segment to its candidates, lay the grid, correct its gaps, number the bars
+// From raw candidates of six detection bands, with gaps, doublings and stray tempi, to one regular
+// grid:
+//   constant tempo   findTrackInterval, dropOtherTempi; the whole track is one segment
+//   varied tempo     dropStrayGroups, dropShortRuns, findSegments
+//   both             refineSegments, dropCloseCandidates, findMainTempo, adjustSegments, layGrid,
+//                    gapCorrectConstant or gapCorrectVaried, numberBars, trimToTrack
 #include "peakss/grid/BeatInfoAnalyzer.h"
 
 #include <cstdio>
@@ -30,7 +31,7 @@ namespace peakss {
 
 namespace {
 
-/** The lines on standard output that tell how an analysis goes; none when they are not wanted. */
+/** The lines on standard output that show how far an analysis is; none when they are not wanted. */
 class ProgressLines {
 public:
     explicit ProgressLines(bool areWanted) : areWanted_(areWanted) {}

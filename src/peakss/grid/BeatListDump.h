@@ -9,15 +9,18 @@
 
 namespace peakss {
 
-/** Writes one line per beat: group (or number in the bar), BPM, phase, position and band, separated by tabs.
+/** Writes one line per beat: group (or number in the bar), BPM, phase, position and band, separated
+ *  by tabs.
  *
- *  Lines end in a bare line feed. The BPM is 60000 / interval in single precision, undivided by any check: an
- *  interval of 0 prints "inf". A null stream means standard output. */
+ *  Lines end in a bare line feed. The BPM is 60000 / interval in single precision, undivided by any
+ *  check: an interval of 0 prints "inf". A null stream means standard output. */
 void printBeatList(const BeatList& list, std::FILE* stream);
 
-/** A text trace of the analysis: the list between any two stages. Writes nothing when its stream is null.
+/** A text trace of the analysis: the list between any two stages. Writes nothing when its stream is
+ *  null.
  *
- *  The text is UTF-8. Headers end in CR LF, list lines in LF alone: readers of the trace rely on the mix. */
+ *  The text is UTF-8. Headers end in CR LF, list lines in LF alone: readers of the trace rely on
+ *  the mix. */
 class BeatListDump {
 public:
     explicit BeatListDump(std::FILE* stream) : stream_(stream) {}

@@ -30,7 +30,8 @@ void BpmCountTbl::create(int slots, int digits) {
 }
 
 int BpmCountTbl::intervalToSlot(double intervalMs) const {
-    // One decimal more than the table shows, so that the 5 rounds half up whatever the rounding mode.
+    // One decimal more than the table shows, so that the 5 rounds half up whatever the rounding
+    // mode.
     return truncToInt32(((kMsPerMinute / intervalMs) * scale_) * 10.0 + 5.0) / 10;
 }
 

@@ -9,9 +9,10 @@
 
 namespace peakss {
 
-/** Counts the tempi of a stretch of a list ordered by position, and goes on from the stretch before: each beat is
- *  counted when it enters and taken out when it leaves, so that a window moved along a track, or one that grows,
- *  costs each beat once. Tells what BpmCountTbl::count of the same stretch would tell.
+/** Counts the tempi in a span of a list ordered by position, and goes on from the span before: each
+ *  beat is counted when it enters and taken out when it leaves, so that a window moved along a
+ *  track, or one that grows, costs each beat once. Gives the counts of BpmCountTbl::count over the
+ *  same span.
  *
  *  The list must outlive the window and stay unchanged. */
 class TempoWindow {
@@ -19,10 +20,11 @@ public:
     /** An empty window counting into a table of so many slots and decimal digits. */
     TempoWindow(const BeatList& list, int slots, int digits);
 
-    /** The stretch from list[first] up to the last beat at most span samples behind it. */
+    /** The span from list[first] up to the last beat at most span samples behind it. */
     void moveTo(int first, int span);
 
-    /** The commonest slot in the window, the lowest of equals; −1 when no tempo lies in the table. */
+    /** The commonest slot in the window, the lowest of equals; −1 when no tempo lies in the
+     *  table. */
     int commonestSlot() const;
     /** As above among the slots from low up to, not including, high, cut to the table. */
     int commonestSlot(int low, int high) const;

@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: MIT
-// For each segment, a search over pulses: intervals around the measured one, and for each of them anchors every
-// 4, 2 and 1 beats from any origin in the first 4, 2 or 1 beats of the segment.
-// A pulse with half the spacing has twice the chances to score; doubling the best score with each halving makes
-// spacings compete on equal terms, and a clear hit at the measured interval ends the search.
+// For each segment, a search over pulses: intervals around the measured one, and for each of them
+// anchors every 4, 2 and 1 beats from any origin in the first 4, 2 or 1 beats of the segment.
+// A pulse with half the spacing has twice the chances to score; doubling the best score with each
+// halving makes spacings compete on equal terms, and a clear hit at the measured interval ends the
+// search.
 #include "peakss/grid/adjustSegments.h"
 
 #include <algorithm>
@@ -53,14 +54,16 @@ double nextOffset(double offsetMs) {
     return mirrored >= 0.0 ? mirrored + 1.0 : mirrored;
 }
 
-// How far a segment may reach across its boundary: up to an eighth of a beat behind the raw beat before it.
+// How far a segment may reach across its boundary: up to an eighth of a beat behind the raw beat
+// before it.
 std::int64_t boundaryLimit(const BeatList& raw, std::int32_t boundary, int eighth) {
     const auto beat = static_cast<std::size_t>(BeatInfoFinder::findIndex(raw, boundary));
     if (beat >= 1) return static_cast<std::int64_t>(raw[beat - 1].pos) + eighth;
     return static_cast<std::int64_t>(raw[beat].pos) - eighth;
 }
 
-// The start of a segment, or earlier, but not before the segment before it, and not before the track.
+// The start of a segment, or earlier, but not before the segment before it, and not before the
+// track.
 int searchLimit(std::int32_t start, std::int32_t startBefore, std::int64_t limit) {
     const std::int64_t earliest = std::max<std::int64_t>(startBefore, limit);
     return static_cast<int>(std::max<std::int64_t>(0, std::min<std::int64_t>(start, earliest)));

@@ -27,8 +27,8 @@ std::int32_t saturatingAdd(std::int32_t a, std::int32_t b) {
         sum, std::numeric_limits<std::int32_t>::min(), std::numeric_limits<std::int32_t>::max()));
 }
 
-// The eighth-beat point of a beat's own raster that lies nearest to a position; rounding is +0.5 for a position
-// behind the beat and −0.5 for one before it, since conversion truncates.
+// The eighth-beat point of a beat's own raster that lies nearest to a position; rounding is +0.5
+// for a position behind the beat and −0.5 for one before it, since conversion truncates.
 std::int32_t eighthBeatPoint(const BeatInfo& beat, std::int32_t pos, double rounding,
                              int samplingRate) {
     const double samplesPerMs = samplingRate / 1000.0;

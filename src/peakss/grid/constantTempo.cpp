@@ -24,8 +24,8 @@ float findTrackInterval(const BeatList& raw, int length) {
 }
 
 void dropOtherTempi(BeatList& raw, float trackInterval) {
-    // The walk begins with the tolerance itself where an interval is meant: in effect the first beat must match
-    // the track. Kept, since a very fast track's first beat may pass by it.
+    // The walk begins with the tolerance itself where an interval is meant: in effect the first
+    // beat must match the track. Kept, since a very fast track's first beat may pass by it.
     float previous = intervalTolerance(trackInterval);
     std::size_t kept = 0;
     for (std::size_t i = 0; i < raw.size(); ++i) {

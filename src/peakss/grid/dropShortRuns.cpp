@@ -10,8 +10,8 @@ namespace peakss {
 
 namespace {
 
-// Two bars of matches make a run; one of less than eight bars that falls back to the earlier tempo is a fill.
-// A run's first beat has nothing before it to match, and does not count.
+// Two bars of matches make a run; one of less than eight bars that falls back to the earlier tempo
+// is a fill. A run's first beat has nothing before it to match, and does not count.
 constexpr TempoRunRule kBeatRuns{
     .shortestRun = 8, .longestInterlude = 32, .shortestOpenRun = 8, .firstCountsAsHit = false};
 

@@ -5,8 +5,8 @@
 
 namespace peakss {
 
-/** Removes the beats that do not belong to at least eight consecutive matches of tempo, and the short interludes
- *  inside a longer tempo. */
+/** Removes the beats that do not belong to at least eight consecutive matches of tempo, and the
+ *  short interludes inside a longer tempo. */
 void dropShortRuns(BeatList& raw);
 
 }  // namespace peakss

@@ -35,7 +35,7 @@ GroupTempos measureGroupTempos(const BeatList& raw) {
         const std::int32_t group = groupNumber(beat);
         if (group > highest) {
             highest = group;
-            // An interval of 0 is no tempo yet; a later beat of the group may still tell it.
+            // An interval of 0 is no tempo yet; a later beat of the group may still have one.
             if (beat.interval != 0.0F) tempos.emplace(group, beat.interval);
             continue;
         }

@@ -32,8 +32,8 @@ int windowSpan(int samplingRate) {
     return static_cast<int>(std::min<std::int64_t>(span, std::numeric_limits<int>::max()));
 }
 
-// The coarse slots within the tolerance of half the interval, of itself and of its double. The half millisecond
-// shifts both limits toward slower tempi.
+// The coarse slots within the tolerance of half the interval, of itself and of its double. The half
+// millisecond shifts both limits toward slower tempi.
 std::array<SlotRange, 3> relatedSlots(float interval) {
     const float tolerance = intervalTolerance(interval);
     const auto around = [interval, tolerance](float factor) {
@@ -50,7 +50,8 @@ bool contains(const std::array<SlotRange, 3>& ranges, int slot) {
     });
 }
 
-// The earliest beat of the tempo, its double or its half, not later than the first beat of the tempo itself.
+// The earliest beat of the tempo, its double or its half, not later than the first beat of the
+// tempo itself.
 int earliestRelated(const TempoWindow& window, int from, int firstOfTempo, float interval) {
     const std::array<SlotRange, 3> related = relatedSlots(interval);
     int i = from;

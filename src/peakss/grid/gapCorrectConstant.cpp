@@ -26,8 +26,8 @@ struct EvenGrid {
     std::int64_t size;
 };
 
-// Anchors and beat length are single precision, as results are compared; the beats themselves are placed in
-// double, a float sum would drift.
+// Anchors and beat length are single precision, as results are compared; the beats themselves are
+// placed in double, a float sum would drift.
 EvenGrid evenGrid(float first, float last, int beatsBetween, int length) {
     const float beatSamples = (last - first) / static_cast<float>(beatsBetween);
     // An anchor ahead of the track by less than a beat opens the grid itself.

@@ -23,7 +23,7 @@ GridPhrase usablePhrase(const GridPhrase& phrase) {
     return isUsable ? phrase : GridPhrase{};
 }
 
-std::int64_t placesOf(const GridPhrase& phrase) {
+std::int64_t quartersOf(const GridPhrase& phrase) {
     const std::int64_t beats =
         static_cast<std::int64_t>(phrase.barBeats) + phrase.frontBeats + phrase.backBeats;
     return beats * kQuartersPerBeat;
@@ -38,11 +38,12 @@ double skipBeats(double start, int beats, double beatSamples, double end) {
 
 /** Lays a beat grid segment by segment, and carries over what one segment leaves to the next.
  *
- *  A segment is walked at its own tempo, snapping to raw beats; each time a whole phrase lies behind the walk,
- *  its mean beat length is measured between the anchors at its ends, and the phrase's bar is laid at that length.
+ *  A segment is walked at its own tempo, snapping to raw beats; each time a whole phrase lies
+ *  behind the walk, its mean beat length is measured between the anchors at its ends, and the
+ *  phrase's bar is laid at that length.
  *
- *  The raw list must outlive the layer and be ordered by position. A phrase without a bar, or with a negative
- *  part, counts as plain bars of four beats. */
+ *  The raw list must outlive the layer and be ordered by position. A phrase without a bar, or with
+ *  a negative part, counts as plain bars of four beats. */
 class GridLayer {
 public:
     GridLayer(const BeatList& raw, const GridPhrase& phrase, int samplingRate);
@@ -78,14 +79,14 @@ private:
     void layBeatsBehind(const Segment& segment, std::int64_t count);
     void continueToEnd(const Segment& segment);
 
-    void layAnchorPlace(const Segment& segment, double pos, std::int64_t place);
+    void layBeat(const Segment& segment, double pos, std::int64_t quarter);
     void layPlain(const Segment& segment, double pos);
     void tellLength();
-    double measure(const Segment& segment, std::int64_t places) const;
+    double measure(const Segment& segment, std::int64_t quarters) const;
 
     const BeatList& raw_;
     GridPhrase phrase_;
-    std::int64_t phrasePlaces_;  // quarter beats
+    std::int64_t phraseQuarters_;  // quarter beats
     int samplingRate_;
     double samplesPerMs_;
     bool hasOrigin_ = false;
@@ -95,7 +96,7 @@ private:
 };
 
 GridLayer::GridLayer(const BeatList& raw, const GridPhrase& phrase, int samplingRate)
-    : raw_(raw), phrase_(usablePhrase(phrase)), phrasePlaces_(placesOf(phrase_)),
+    : raw_(raw), phrase_(usablePhrase(phrase)), phraseQuarters_(quartersOf(phrase_)),
       samplingRate_(samplingRate), samplesPerMs_(samplesPerMs(samplingRate)),
       carriedOffsetMs_(largestOffset(kDetectorOffsetsMs)) {}
 
@@ -107,9 +108,9 @@ void GridLayer::laySegment(const BeatInfo& record, const BandOffsets& offsetsMs,
     while (segment.walk.position() < segment.end) {
         beatatlas::yieldProcessor();
         segment.walk.walkBeat();
-        if (segment.walk.place() == phrasePlaces_) layPhrase(segment);
+        if (segment.walk.quarter() == phraseQuarters_) layPhrase(segment);
     }
-    if (segment.walk.place() > 0) layPartPhrase(segment);
+    if (segment.walk.quarter() > 0) layPartPhrase(segment);
     continueToEnd(segment);
 }
 
@@ -138,9 +139,10 @@ GridLayer::Segment GridLayer::beginSegment(const BeatInfo& record, const BandOff
     return segment;
 }
 
-// A whole phrase lies behind the walk. Its bar is laid and becomes the last bar of the next phrase's front.
+// A whole phrase lies behind the walk. Its bar is laid and becomes the last bar of the next
+// phrase's front.
 void GridLayer::layPhrase(Segment& segment) {
-    beatSamples_ = measure(segment, phrasePlaces_);
+    beatSamples_ = measure(segment, phraseQuarters_);
     layHeadAndFront(segment);
     layBeatsBehind(segment, phrase_.barBeats);
 
@@ -153,12 +155,14 @@ void GridLayer::layPhrase(Segment& segment) {
 
 // The segment ends inside a phrase, which is then measured as far as it was walked.
 void GridLayer::layPartPhrase(Segment& segment) {
-    const std::int64_t places = segment.walk.place();
-    beatSamples_ = measure(segment, places);
-    // Stands in for the default in all later segments: the band heard last is likely to go on being heard.
-    carriedOffsetMs_ = bandOffset(segment.offsetsMs, segment.walk.bandAt(places), carriedOffsetMs_);
+    const std::int64_t quarters = segment.walk.quarter();
+    beatSamples_ = measure(segment, quarters);
+    // Stands in for the default in all later segments: the band heard last is likely to go on being
+    // heard.
+    carriedOffsetMs_ =
+        bandOffset(segment.offsetsMs, segment.walk.bandAt(quarters), carriedOffsetMs_);
     layHeadAndFront(segment);
-    layBeatsBehind(segment, places / kQuartersPerBeat - phrase_.frontBeats);
+    layBeatsBehind(segment, quarters / kQuartersPerBeat - phrase_.frontBeats);
 }
 
 void GridLayer::layHeadAndFront(Segment& segment) {
@@ -176,7 +180,7 @@ void GridLayer::layHead(const Segment& segment) {
         const double pos = segment.origin - static_cast<double>(j) * beatSamples_;
         if (truncToInt32(pos) >= segment.gridEnd) layPlain(segment, pos);
     }
-    layAnchorPlace(segment, segment.origin, 0);
+    layBeat(segment, segment.origin, 0);
     grid_.beats.back().segHead = true;
 }
 
@@ -185,8 +189,8 @@ void GridLayer::layFront(Segment& segment) {
         segment.origin += beatSamples_;
         if (segment.origin >= segment.end) break;
         ++segment.frontBeatsLaid;
-        layAnchorPlace(segment, segment.origin,
-                       static_cast<std::int64_t>(segment.frontBeatsLaid) * kQuartersPerBeat);
+        layBeat(segment, segment.origin,
+                static_cast<std::int64_t>(segment.frontBeatsLaid) * kQuartersPerBeat);
     }
 }
 
@@ -196,7 +200,7 @@ void GridLayer::layBeatsBehind(const Segment& segment, std::int64_t count) {
     for (std::int64_t j = 1; j <= count; ++j) {
         pos += beatSamples_;
         if (pos >= segment.end) break;
-        layAnchorPlace(segment, pos, (phrase_.frontBeats + j) * kQuartersPerBeat);
+        layBeat(segment, pos, (phrase_.frontBeats + j) * kQuartersPerBeat);
     }
 }
 
@@ -206,10 +210,10 @@ void GridLayer::continueToEnd(const Segment& segment) {
     for (; pos < segment.end; pos += beatSamples_) layPlain(segment, pos);
 }
 
-void GridLayer::layAnchorPlace(const Segment& segment, double pos, std::int64_t place) {
+void GridLayer::layBeat(const Segment& segment, double pos, std::int64_t quarter) {
     layPlain(segment, pos);
-    if (!segment.walk.isAnchorPlace(place)) return;
-    const int band = segment.walk.bandAt(place);
+    if (!segment.walk.isAnchor(quarter)) return;
+    const int band = segment.walk.bandAt(quarter);
     grid_.beats.back().band = band;
     if (!isDetectorBand(band)) return;
     const int index = static_cast<int>(grid_.beats.size()) - 1;
@@ -224,20 +228,23 @@ void GridLayer::layPlain(const Segment& segment, double pos) {
     grid_.beats.push_back(beat);
 }
 
-// Only the beats before a bar, and the last of all, tell the measured length; the others keep the segment's.
+// Only the beats before a bar, and the last of all, take the measured length; the others keep the
+// segment's.
 void GridLayer::tellLength() {
     if (grid_.beats.empty()) return;
     grid_.beats.back().interval = static_cast<float>(beatSamples_ / samplesPerMs_);
 }
 
-// The mean beat length from the phrase's origin to the walk, the latter moved by how late its band is heard.
-double GridLayer::measure(const Segment& segment, std::int64_t places) const {
-    const int band = segment.walk.bandAt(places);
+// The mean beat length from the phrase's origin to the walk, the latter moved by how late its band
+// is heard.
+double GridLayer::measure(const Segment& segment, std::int64_t quarters) const {
+    const int band = segment.walk.bandAt(quarters);
     const double offsetMs = bandOffset(segment.offsetsMs, band, carriedOffsetMs_);
     const double walked = (segment.walk.position() - segment.origin) * kQuartersPerBeat;
     const double late = (offsetMs * samplesPerMs_) * kQuartersPerBeat;
-    const double beatSamples = (walked + late) / static_cast<double>(places);
-    // Snapping cannot shorten a beat this far unless the raw list holds more than one pulse can meet.
+    const double beatSamples = (walked + late) / static_cast<double>(quarters);
+    // Snapping cannot shorten a beat this far unless the raw list holds more than one pulse can
+    // meet.
     return isWalkableBeat(beatSamples, samplingRate_) ? beatSamples : segment.beatSamples;
 }
 

@@ -9,8 +9,8 @@
 
 namespace peakss {
 
-/** The window that slides along a segment, in beats: the tempo of the whole phrase is that of its bar, which has
- *  the front beats before it and the back beats behind it. */
+/** The window that slides along a segment, in beats: the tempo of the whole phrase is that of its
+ *  bar, which has the front beats before it and the back beats behind it. */
 struct GridPhrase {
     int barBeats = 4;
     int frontBeats = 0;
@@ -20,10 +20,12 @@ struct GridPhrase {
 /** A beat grid as laid, before gaps are corrected and bars are numbered. */
 struct LaidGrid {
     BeatList beats;
-    int firstAnchor =
-        -1;  ///< index of the first beat tied to a raw beat of a detector band; −1 for none
-    int lastAnchor = -1;           ///< index of the last one when there are several; −1 otherwise
-    std::int32_t firstOrigin = 0;  ///< where the first segment's first phrase begins, samples
+    /** Index of the first beat tied to a raw beat of a detector band; −1 for none. */
+    int firstAnchor = -1;
+    /** Index of the last one when there are several; −1 otherwise. */
+    int lastAnchor = -1;
+    /** Where the first segment's first phrase begins, samples. */
+    std::int32_t firstOrigin = 0;
 };
 
 /** Lays the beat grid of all segments, one after the other, tied to the raw beats near it.

@@ -7,7 +7,8 @@
 
 namespace peakss {
 
-/** Numbers the beats into bars, from 1, so that the last beat at or before the reference is number 1.
+/** Numbers the beats into bars, from 1, so that the last beat at or before the reference is number
+ *  1.
  *
  *  @param reference  samples; one before the first beat makes the first beat number 1
  *  @param barBeats   beats per bar; fewer than 4 count as 4 */

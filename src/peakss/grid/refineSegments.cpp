@@ -23,7 +23,7 @@ public:
     explicit SegmentTally(const BeatList& raw)
         : coarse_(raw, kCoarseSlots, kCoarseDigits), fine_(raw, kFineSlots, kFineDigits) {}
 
-    // The commonest fine slot of the stretch near its commonest coarse one; −1 when it has no tempo.
+    // The commonest fine slot of the span near its commonest coarse one; −1 when it has no tempo.
     int commonestTempo(int first, int span) {
         coarse_.moveTo(first, span);
         fine_.moveTo(first, span);
@@ -38,7 +38,8 @@ private:
     TempoWindow fine_;
 };
 
-// The last segment is counted over the track's whole length, past its end: there is nothing behind it to count.
+// The last segment is counted over the track's whole length, past its end: there is nothing behind
+// it to count.
 int spanTo(const BeatList& segments, std::size_t from, std::size_t next, int length) {
     if (next >= segments.size()) return length;
     const std::int64_t span = static_cast<std::int64_t>(segments[next].pos) - segments[from].pos;
@@ -58,8 +59,8 @@ void measure(BeatInfo& segment, const BeatList& raw, int span, SegmentTally& tal
 }  // namespace
 
 void refineSegments(BeatList& segments, const BeatList& raw, int length) {
-    // Neighbours take turns: a segment measured again after taking in the next one finds its own tally still
-    // standing, and only goes on counting.
+    // Neighbours take turns: a segment measured again after taking in the next one finds its own
+    // tally still standing, and only goes on counting.
     std::array<SegmentTally, 2> tallies{SegmentTally(raw), SegmentTally(raw)};
     std::size_t held = 0;
     std::size_t next = 1;

@@ -8,11 +8,12 @@
 
 namespace peakss {
 
-// A segment, a part of the track of one tempo, is kept in the record of a beat: pos is its start, interval its beat in
-// ms. What two other fields hold is read and written by the functions here alone.
+// A segment, a part of the track of one tempo, is kept in the record of a beat: pos is its start,
+// interval its beat in ms. What two other fields hold is read and written by the functions here
+// alone.
 
-/** Quarter beats from one anchor to the next: the beats that the grid is tied to. The number that stands before the
- *  segment is refined means nothing. */
+/** Quarter beats from one anchor to the next: the beats that the grid is tied to. The number that
+ *  stands before the segment is refined means nothing. */
 inline std::int32_t anchorSpacing(const BeatInfo& segment) {
     return segment.group;
 }
@@ -43,8 +44,8 @@ inline std::int32_t segmentEnd(const BeatList& segments, std::size_t index, int 
     return index + 1 < segments.size() ? segments[index + 1].pos : length;
 }
 
-/** The BPM of the longest segment, the earlier of equals; the first counts from the start of the track. 0 when
- *  there is no segment.
+/** The BPM of the longest segment, the earlier of equals; the first counts from the start of the
+ *  track. 0 when there is no segment.
  *
  *  @param length  of the track in samples */
 float findMainTempo(const BeatList& segments, int length);

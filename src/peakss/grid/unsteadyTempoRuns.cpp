@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: MIT
-// Follows one open run at a time. A value that does not match the one before it breaks the run, which is then
+// Follows one open run at a time. A value that does not match the one before it breaks the run,
+// which is then
 //   1. dropped, when it is too short to be music;
-//   2. dropped, when it is an interlude: not long, and the breaking value is back at the accepted tempo;
+//   2. dropped, when it is an interlude: not long, and the breaking value is back at the accepted
+//      tempo;
 //   3. accepted otherwise, as the tempo that later runs are measured against.
 #include "peakss/grid/unsteadyTempoRuns.h"
 
@@ -35,7 +37,8 @@ private:
 
     bool hasAccepted() const { return accepted_.matches > 0; }
 
-    // Returns the index of the next value to place: i again when a dropped run leaves it to be compared anew.
+    // Returns the index of the next value to place: i again when a dropped run leaves it to be
+    // compared anew.
     std::size_t place(std::size_t i) {
         const float value = values_[i];
         if (matchesTempo(value, open_.last)) {

@@ -16,12 +16,14 @@ public:
     BeatListMaker(const BeatListMaker&) = delete;
     BeatListMaker& operator=(const BeatListMaker&) = delete;
 
-    /** An empty list for the samples start to end of a track (see BeatSensor::create); returns true. */
+    /** An empty list for the samples start to end of a track (see BeatSensor::create); returns
+     *  true. */
     bool create(int rate, int start, int end);
 
     void release();
 
-    /** Takes the next n samples of the track (full scale ±1.0); sends their bands to loudView if it is not null. */
+    /** Takes the next n samples of the track (full scale ±1.0); sends their bands to loudView if it
+     *  is not null. */
     void put(const float* mono, int n, beatatlas::LVMakeBase* loudView) {
         sensor_.put(mono, n, loudView);
     }

@@ -32,7 +32,8 @@ bool isSameTempo(float a, float b) {
     return bpmA == bpmB || 2 * bpmA == bpmB || bpmA == 2 * bpmB;
 }
 
-// Of the same tempo, or of tempi that cannot both be true; tempi a little apart are left to the analysis.
+// Of the same tempo, or of tempi that cannot both be true; tempi a little apart are left to the
+// analysis.
 bool excludes(const BeatInfo& candidate, const BeatInfo& entry) {
     return isSameTempo(entry.interval, candidate.interval) ||
            missesTempoOf(entry.interval, candidate.interval);
@@ -49,7 +50,8 @@ void BeatListSignal::changeStat(float interval, int /*pos*/, float /*level*/, Pe
     if (list_ == nullptr || buffer == nullptr) return;
     const RingStack<PeakInfo>& ring = buffer->ring();
     group_ = wrappingAdd(group_, buffer->count() + 2);
-    // A beat of n agreeing peaks reaches n + 1 places back, but never to a slot that holds no peak.
+    // A beat of n agreeing peaks reaches n + 1 entries back, but never to a slot that holds no
+    // peak.
     for (int k = std::min(buffer->count() + 1, ring.count() - 1); k >= 0; --k)
         placeCandidate(candidateOf(ring.back(k), interval, buffer->band()));
     group_ = nextGroup(group_);
@@ -66,7 +68,8 @@ BeatInfo BeatListSignal::candidateOf(const PeakInfo& peak, float interval,
     return candidate;
 }
 
-// Only the last seconds of the list are moved for an insertion: peaks come in the order of the track.
+// Only the last seconds of the list are moved for an insertion: peaks come in the order of the
+// track.
 void BeatListSignal::placeCandidate(const BeatInfo& candidate) {
     const auto end =
         std::upper_bound(list_->begin(), list_->end(), candidate.pos,
@@ -75,7 +78,8 @@ void BeatListSignal::placeCandidate(const BeatInfo& candidate) {
         --entry;
         if (!excludes(candidate, *entry)) continue;
         if (groupWeight(candidate) <= groupWeight(*entry)) return;
-        // The new one takes its place at the end of the position's candidates, not that of the one it displaces.
+        // The new one takes its place at the end of the position's candidates, not that of the one
+        // it displaces.
         *std::move(entry + 1, end, entry) = candidate;
         return;
     }

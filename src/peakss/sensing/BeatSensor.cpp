@@ -145,7 +145,8 @@ void BeatSensor::makeOnsets(int n) {
     high.signal = high.onsets.get();
 }
 
-// The mid and high bands are those the view would make; its low band is of another width than those of the sensor.
+// The mid and high bands are those the view would make; its low band is of another width than those
+// of the sensor.
 void BeatSensor::sendBands(const float* chunk, const BandSignals& signals, int n,
                            beatatlas::LVMakeBase& loudView) {
     const int mid = bandNum_ < 4 ? 1 : 2;
@@ -156,8 +157,8 @@ void BeatSensor::sendBands(const float* chunk, const BandSignals& signals, int n
     }
 }
 
-// The sample at index i counts as the one behind it, i + 1, on both borders of the range: the range thus begins one
-// sample early and leaves out its last. Kept, as every position depends on it.
+// The sample at index i counts as the one behind it, i + 1, on both borders of the range: the range
+// thus begins one sample early and leaves out its last. Kept, as every position depends on it.
 bool BeatSensor::senseBeats(int n) {
     const std::int64_t seen = counter_;
     const std::int64_t count = n;
@@ -170,7 +171,8 @@ bool BeatSensor::senseBeats(int n) {
     return followPeaks(closeSteps(first, last));
 }
 
-/** Averages samples from..to-1 over steps, in every band; the last step may stay open. Returns how many closed. */
+/** Averages samples from..to-1 over steps, in every band; the last step may stay open. Returns how
+ *  many closed. */
 int BeatSensor::closeSteps(int from, int to) {
     StepMeans means{decim_, decimCount_};
     int steps = 0;
@@ -185,8 +187,8 @@ int BeatSensor::closeSteps(int from, int to) {
     return steps;
 }
 
-// Peaks are rare and every band knows of its own alone, so each runs ahead to the next level that confirms one; the
-// confirming levels of all bands are then taken in order of time.
+// Peaks are rare and every band knows of its own alone, so each runs ahead to the next level that
+// confirms one; the confirming levels of all bands are then taken in order of time.
 bool BeatSensor::followPeaks(int steps) {
     bool chosen = false;
     int next = 0;
@@ -262,8 +264,9 @@ PeakBuffer* BeatSensor::voteOfBands() {
     return best;
 }
 
-// Brings the winner of the vote to the best band's tempo. A band that alone is for it does not overturn the vote;
-// with enough votes behind it the music has changed, and the other tempi lose theirs.
+// Brings the winner of the vote to the best band's tempo. A band that alone is for it does not
+// overturn the vote; with enough votes behind it the music has changed, and the other tempi lose
+// theirs.
 bool BeatSensor::settleVote(float interval) {
     for (int winner = vote_.winner(); winner > 0; winner = vote_.winner()) {
         if (!missesTempoOf(intervalOfBpm(winner), interval)) return true;

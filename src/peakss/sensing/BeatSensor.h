@@ -17,18 +17,20 @@ namespace peakss {
 class BeatSensorSignal;
 class PeakBuffer;
 
-/** Turns a mono signal into beats: splits it into bands, rectifies each and averages it over short steps, follows
- *  each band's level peaks, and lets all bands vote on the tempo. Each time a band finds a regular beat of the
- *  tempo the vote agrees on, its receiver hears of it.
+/** Turns a mono signal into beats: splits it into bands, rectifies each and averages it over short
+ *  steps, follows each band's level peaks, and lets all bands vote on the tempo. Each time a band
+ *  finds a regular beat of the tempo the vote agrees on, its receiver hears of it.
  *
- *  The six bands of a session: below 283 Hz; a band around 150 Hz; 283 to 6000 Hz; above 6000 Hz; the onsets of
- *  the first band (its level less a moving mean of 1 ms), and those of the fourth (0.2 ms). Three and four bands
- *  exist as well; with another number the bands pass the signal through.
+ *  The six bands of a session: below 283 Hz; a band around 150 Hz; 283 to 6000 Hz; above 6000 Hz;
+ *  the onsets of the first band (its level less a moving mean of 1 ms), and those of the fourth
+ *  (0.2 ms). Three and four bands exist as well; with another number the bands pass the signal
+ *  through.
  *
- *  Life: setSignal(), create() → put() per block → release(); reset() starts over with the same design.
- *  Memory: per band a block of rate / 75 samples, a ring of peaks and its filter, allocated in create(). With another number
- *  of bands than four or six the filters allocate once more on the first block; put() allocates nothing else.
- *  Any cutting of the signal into blocks gives the same beats. */
+ *  Life: setSignal(), create() → put() per block → release(); reset() starts over with the same
+ *  design. Memory: per band a block of rate / 75 samples, a ring of peaks and its filter, allocated
+ *  in create(). With another number of bands than four or six the filters allocate once more on the
+ *  first block; put() allocates nothing else. Any cutting of the signal into blocks gives the same
+ *  beats. */
 class BeatSensor {
 public:
     BeatSensor();
@@ -36,7 +38,8 @@ public:
     BeatSensor& operator=(const BeatSensor&) = delete;
     ~BeatSensor();
 
-    /** The receiver of the beats, null for none; it stays the caller's, and is kept by create and release. */
+    /** The receiver of the beats, null for none; it stays the caller's, and is kept by create and
+     *  release. */
     void setSignal(BeatSensorSignal* signal) { signal_ = signal; }
 
     /** Returns true.
@@ -51,18 +54,20 @@ public:
 
     void release();
 
-    /** Takes the next n samples (full scale ±1.0) and sends their bands to loudView if it is not null; true when a
-     *  beat was chosen. n ≤ 0 and a null signal do nothing. Behind the end of the range only loudView is served. */
+    /** Takes the next n samples (full scale ±1.0) and sends their bands to loudView if it is not
+     *  null; true when a beat was chosen. n ≤ 0 and a null signal do nothing. Behind the end of the
+     *  range only loudView is served. */
     bool put(const float* mono, int n, beatatlas::LVMakeBase* loudView);
 
-    /** As put(), with the bands of the n samples filtered already: all of them from the start of the track on, by the
-     *  filters of designSensorBank(). For sensors of four and six bands.
+    /** As put(), with the bands of the n samples filtered already: all of them from the start of
+     *  the track on, by the filters of designSensorBank(). For sensors of four and six bands.
      *  @param n  at most a block of 1/75 s */
     bool putBands(const float* mono, const BandSignals& bands, int n,
                   beatatlas::LVMakeBase* loudView);
 
-    /** Lets the bands that found a beat vote, and names the steadiest of them if the vote agrees with it: then the
-     *  bands that disagree have lost their beat. Null when there is no such band. */
+    /** Lets the bands that found a beat vote, and names the steadiest of them if the vote agrees
+     *  with it: then the bands that disagree have lost their beat. Null when there is no such
+     *  band. */
     PeakBuffer* selectBand();
 
     int bandNum() const { return bandNum_; }

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
 // The search for a regular beat among the level peaks of one band.
 //   1. suppose the newest interval to be so many beats: a beat length
-//   2. walk back over the older intervals, reading each in beats of that length, until a bar is filled exactly
+//   2. walk back over the older intervals, reading each in beats of that length, until a bar is
+//      filled exactly
 //   3. average the beat over the bar, and count how far back the peaks go on agreeing with it
 //   4. of all suppositions that fill a bar, keep the one with the most agreeing peaks
 #include "peakss/sensing/PeakBuffer.h"
@@ -60,7 +61,8 @@ float olderBeats(float intervalMs, const BarWalk& walk) {
     return 0.0F;
 }
 
-/** Whether the bar may still be filled from older entries; an overfull double bar becomes a fourfold one. */
+/** Whether the bar may still be filled from older entries; an overfull double bar becomes a
+ *  fourfold one. */
 bool mayWalkOn(const PeakRing& ring, float bar, BarWalk& walk) {
     // Keeps off the oldest stored entry, whose interval reaches back to a peak that is not stored.
     if (walk.sumBeats < walk.target)
@@ -86,7 +88,8 @@ bool fillsBar(const PeakRing& ring, float bar, BarWalk& walk) {
     return false;
 }
 
-/** Whether an interval is some quarter beats (up to 2.5), or whole beats (up to 4), of this beat length. */
+/** Whether an interval is some quarter beats (up to 2.5), or whole beats (up to 4), of this beat
+ *  length. */
 bool agreesWithBeat(float intervalMs, float beatMs) {
     float beats = quarterBeats(intervalMs, beatMs);
     if (beats > 2.5F) beats = static_cast<float>(truncToInt32(beats + 0.5F));

@@ -16,7 +16,8 @@ using beatatlas::wrappingSubtract;
 
 namespace {
 
-// As short as the shortest interval that is read as part of a beat; longer, and fast off-beats would merge.
+// As short as the shortest interval that is read as part of a beat; longer, and fast off-beats
+// would merge.
 constexpr double kConfirmSeconds = 0.29;
 // About a bar: so long a hit keeps its softer neighbours out.
 constexpr double kHoldSeconds = 1.7;
@@ -126,7 +127,8 @@ int PeakSensor::keepLastInputs(const float* in, int n) {
     return 0;
 }
 
-// The end of a peak and the start of the next may fall on the same level: both are looked at in turn.
+// The end of a peak and the start of the next may fall on the same level: both are looked at in
+// turn.
 void PeakSensor::putLevel(float level, PeakBuffer& buffer) {
     pos_ = wrappingAdd(pos_, step_);
     line_ -= slopeStep_;
@@ -155,8 +157,9 @@ int PeakSensor::putQuietLevels(const float* levels, int from, int to) {
     return to;
 }
 
-// Most stretches hold no time at which anything is due, and no level that comes up to the lowest point of the line, or
-// to the peak; what is not a number comes up to nothing. Nothing but the line and the time then changes.
+// Most blocks hold no time at which anything is due, and no level that comes up to the lowest point
+// of the line, or to the peak; what is not a number comes up to nothing. Nothing but the line and
+// the time then changes.
 bool PeakSensor::passesQuietly(const float* levels, int from, int to) {
     const std::int64_t duration = std::int64_t{step_} * (to - from);
     const bool tracking = state_ == kTracking;
@@ -204,7 +207,8 @@ int PeakSensor::followUntilPeak(const float* levels, int from, int to) {
     return to;
 }
 
-// While a peak is tracked the line stands still. Returns where to go on, or ~i when level i confirms the peak.
+// While a peak is tracked the line stands still. Returns where to go on, or ~i when level i
+// confirms the peak.
 int PeakSensor::trackUntilMoved(const float* levels, int from, int to) {
     const float peakLevel = peakLevel_;
     std::int32_t before = pos_;

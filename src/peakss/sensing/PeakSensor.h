@@ -12,15 +12,18 @@ class PeakBuffer;
 
 /** Follows the level of one band and reports its peaks, one at a time.
  *
- *  A threshold line lies over the level. A value on or above it opens a peak, a higher value moves the peak
- *  there, and 0.29 s without a higher one confirm it. The line starts at 75 % of the peak and holds for 1.7 s,
- *  falls to half the peak within 1.3 s, then halves every 1.3 s down to a floor: after a loud hit the softer ones
- *  between the beats are passed over, after a break the line has come down to the quiet passage.
+ *  A threshold line lies over the level. A value on or above it opens a peak, a higher value moves
+ *  the peak there, and 0.29 s without a higher one confirm it. The line starts at 75 % of the peak
+ *  and holds for 1.7 s, falls to half the peak within 1.3 s, then halves every 1.3 s down to a
+ *  floor: after a loud hit the softer ones between the beats are passed over, after a break the
+ *  line has come down to the quiet passage.
  *
- *  A sensor may instead listen to another band's rectified signal less its moving mean, which shows onsets only.
+ *  A sensor may instead listen to another band's rectified signal less its moving mean, which shows
+ *  onsets only.
  *
- *  Life: setSamplingRate() and setStep(), if wanted setDiffAnalyze() → per level putLevel(); reset() starts over.
- *  Memory: the ring of the moving mean only, allocated in setDiffAnalyze(). Positions wrap like int32. */
+ *  Life: setSamplingRate() and setStep(), if wanted setDiffAnalyze() → per level putLevel();
+ *  reset() starts over. Memory: the ring of the moving mean only, allocated in setDiffAnalyze().
+ *  Positions wrap like int32. */
 class PeakSensor {
 public:
     PeakSensor() = default;
@@ -35,14 +38,16 @@ public:
 
     void setStep(int samplesPerLevel) { step_ = samplesPerLevel; }
 
-    /** The line's course in seconds and shares: hold t0 at r0 of the peak, fall for t1 to r1 of the peak, then
-     *  falls of t2, each to r2 of the line. Uses the sampling rate set before. */
+    /** The line's course in seconds and shares: hold t0 at r0 of the peak, fall for t1 to r1 of the
+     *  peak, then falls of t2, each to r2 of the line. Uses the sampling rate set before. */
     void setLimitLine(float t0, float r0, float t1, float r1, float t2, float r2);
 
-    /** Listens to band source less its moving mean over ms, of 2 samples at least. Uses the rate set before. */
+    /** Listens to band source less its moving mean over ms, of 2 samples at least. Uses the rate
+     *  set before. */
     void setDiffAnalyze(float ms, int source);
 
-    /** The next input less its moving mean, never negative; the input itself without difference analysis. */
+    /** The next input less its moving mean, never negative; the input itself without difference
+     *  analysis. */
     float getDiff(float x) {
         if (!diffOn_) return x;
         float& oldest = diffRing_[static_cast<std::size_t>(diffIdx_)];
@@ -61,7 +66,8 @@ public:
         float* out;
     };
 
-    /** As n calls of getDiff() in turn of each of two different sensors, both with difference analysis. */
+    /** As n calls of getDiff() in turn of each of two different sensors, both with difference
+     *  analysis. */
     static void getDiffs(const std::array<DiffBlock, 2>& blocks, int n);
 
     /** Takes the next level of the band; a peak it confirms goes into buffer at once. */
@@ -71,15 +77,16 @@ public:
      *  @return the index of the first that does, not taken yet, or `to` */
     int putQuietLevels(const float* levels, int from, int to);
 
-    std::int32_t peakPos() const { return peakPos_; }  ///< of the tracked or last confirmed peak
+    /** Position of the tracked or last confirmed peak, in samples. */
+    std::int32_t peakPos() const { return peakPos_; }
     float peakLevel() const { return peakLevel_; }
     std::int32_t rate() const { return rate_; }
-    std::int32_t pos() const { return pos_; }  ///< of the latest level
+    /** Position of the latest level, in samples. */
+    std::int32_t pos() const { return pos_; }
     float line() const { return line_; }
     bool isTracking() const { return state_ == kTracking; }
-    std::int32_t diffSource() const {
-        return diffSource_;
-    }  ///< −1: none, the band filters its own signal
+    /** −1: none, the band filters its own signal. */
+    std::int32_t diffSource() const { return diffSource_; }
 
 private:
     static constexpr std::int32_t kFollowing = 0;

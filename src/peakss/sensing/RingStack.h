@@ -29,13 +29,14 @@ public:
         count_ = std::min(count_ + 1, capacity());
     }
 
-    /** The entry k places back from the newest, 0 ≤ k < count(). */
+    /** The entry k before the newest, 0 ≤ k < count(). */
     const Entry& back(int k) const {
         const int slot = (write_ - 1 - k + capacity()) % capacity();
         return entries_[static_cast<std::size_t>(slot)];
     }
 
-    int count() const { return count_; }  ///< entries held
+    /** Entries held. */
+    int count() const { return count_; }
     int capacity() const { return static_cast<int>(entries_.size()); }
 
 private:

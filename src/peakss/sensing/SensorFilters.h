@@ -14,8 +14,8 @@ namespace peakss {
 
 /** The filters of a beat sensor that is fed with the mono signal alone.
  *
- *  Life: create() → operate() chunk by chunk; release() is idempotent. Memory: a block of each band, allocated in
- *  create(); filters outside the bank allocate once more on the first block. */
+ *  Life: create() → operate() chunk by chunk; release() is idempotent. Memory: a block of each
+ *  band, allocated in create(); filters outside the bank allocate once more on the first block. */
 class SensorFilters {
 public:
     /** How many of a sensor's bands are filtered; the others are the onsets of these. */

@@ -36,7 +36,8 @@ BEATATLAS_LANES void addHalfSteps(const float* samples, Floats& sums) {
     sums += __builtin_shufflevector(late01, late23, 2, 3, 10, 11, 6, 7, 14, 15);
 }
 
-/** The means of `count` steps of eight samples, a multiple of the lanes; the same for every width. */
+/** The means of `count` steps of eight samples, a multiple of the lanes; the same for every
+ *  width. */
 template <std::size_t>
 struct UsualSteps {
     BEATATLAS_LANES static void run(const float* samples, int count, float* means) {

@@ -7,11 +7,15 @@ namespace peakss {
 
 /** Cuts a signal into steps and averages each, in order of time and in single precision. */
 struct StepMeans {
-    std::int32_t length;  ///< samples per step, at least 1
-    std::int32_t open;    ///< samples in the step that is not complete yet, below length
-    float sum = 0.0F;     ///< of these
+    /** Samples per step, at least 1. */
+    std::int32_t length;
+    /** Samples in the step that is not complete yet, below length. */
+    std::int32_t open;
+    /** Sum of these. */
+    float sum = 0.0F;
 
-    /** Takes n samples and writes the mean of each step that they complete; returns how many these are. */
+    /** Takes n samples and writes the mean of each step that they complete; returns how many these
+     *  are. */
     int put(const float* samples, int n, float* means);
 
 private:

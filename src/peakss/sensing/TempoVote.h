@@ -8,8 +8,9 @@ namespace peakss {
 
 /** The tempo vote of all bands over the whole track: one count per whole BPM, 0 to 255.
  *
- *  Each beat found adds to its tempo, the more the steadier it was. Nothing fades; only keepOnly() takes votes
- *  away, when a steady new tempo overrides the old majority. A tempo outside the range has no vote. */
+ *  Each beat found adds to its tempo, the more the steadier it was. Nothing fades; only keepOnly()
+ *  takes votes away, when a steady new tempo overrides the old majority. A tempo outside the range
+ *  has no vote. */
 class TempoVote {
 public:
     TempoVote() { reset(); }

@@ -5,8 +5,8 @@
 
 namespace peakss {
 
-/** One way to read the interval between two level peaks: as so many beats, when it lies strictly between the
- *  bounds (ms). */
+/** One way to read the interval between two level peaks: as so many beats, when it lies strictly
+ *  between the bounds (ms). */
 struct BeatReading {
     float aboveMs;
     float belowMs;
@@ -19,10 +19,11 @@ struct BeatReading {
 
 using BeatReadings = std::array<BeatReading, 9>;
 
-// Both tables hold the same nine readings, each open up to about 70 BPM; they differ in the order of trial. Where the
-// bounds overlap, the earlier row is tried first.
+// Both tables hold the same nine readings, each open up to about 70 BPM; they differ in the order
+// of trial. Where the bounds overlap, the earlier row is tried first.
 
-/** For the newest interval. All rows that hold it are tried; of equally well confirmed ones the earlier wins. */
+/** For the newest interval. All rows that hold it are tried; of equally well confirmed ones the
+ *  earlier wins. */
 inline constexpr BeatReadings kFirstReadings = {{
     {500.0F, 1276.0F, 1.5F},
     {468.0F, 1071.0F, 1.25F},

@@ -73,8 +73,8 @@ protected:
     bool isQuiet_ = false;
 };
 
-// Candidates tell 500 ms (120.0 BPM), but lie 24010 samples apart, which is 119.95: the even grid tells the tempo.
-// 24010 / 48 = 500.208313 in single precision, 60000 / 500.208313 = 119.950019…
+// Candidates tell 500 ms (120.0 BPM), but lie 24010 samples apart, which is 119.95: the even grid
+// tells the tempo. 24010 / 48 = 500.208313 in single precision, 60000 / 500.208313 = 119.950019…
 TEST_F(BeatInfoAnalyzerTest, ConstantTempoIsThatOfTheEvenGrid) {
     const Analysis result = analyzed(evenBeats(0, 24010, 80), 80 * 24010, false);
     EXPECT_NEAR(result.bpm, 119.95, 0.005);
@@ -110,8 +110,9 @@ TEST_F(BeatInfoAnalyzerTest, TrimmingBehindNumberingMayLeaveAFirstBeatThatIsNotN
     EXPECT_LE(result.beats.back().pos, 960000);
 }
 
-// 120 BPM for 32 beats, then 150. The grids join at 743856 and 748656; of the four beats around, the middle gap of
-// 4800 is too short, its beat goes, and 24000 samples lead up to 767856. Beat 1 is the first segment's origin, −144.
+// 120 BPM for 32 beats, then 150. The grids join at 743856 and 748656; of the four beats around,
+// the middle gap of 4800 is too short, its beat goes, and 24000 samples lead up to 767856. Beat 1
+// is the first segment's origin, −144.
 TEST_F(BeatInfoAnalyzerTest, VariedTempoFollowsAChangeAndTellsTheLongestSegmentsTempo) {
     const BeatList raw = joined(evenBeats(0, 24000, 32), evenBeats(768000, 19200, 40, 400.0F));
     for (const auto& [front, back] : {std::pair{16, 12}, {8, 4}, {0, 0}}) {
@@ -121,7 +122,8 @@ TEST_F(BeatInfoAnalyzerTest, VariedTempoFollowsAChangeAndTellsTheLongestSegments
         for (std::size_t i = 0; i < grouped.size(); ++i)
             grouped[i].group = (static_cast<int>(i) << 8) | 20;
         const Analysis result = analyzed(grouped, 1536000, true);
-        // Before adjustment the segments are equally long, 768000 samples: the earlier one tells the tempo.
+        // Before adjustment the segments are equally long, 768000 samples: the earlier one tells
+        // the tempo.
         EXPECT_EQ(result.bpm, 120.0F);
         std::vector<int> expected = positionsOf(evenBeats(23856, 24000, 31));
         for (int pos = 767856; pos < 1536000; pos += 19200) expected.push_back(pos);
@@ -169,8 +171,8 @@ TEST_F(BeatInfoAnalyzerTest, ListWithoutACountableTempoGivesNone) {
     EXPECT_TRUE(isUntouched(varied.beats));
 }
 
-// 0.3 BPM: coarse slot 0, fine slot 3, an interval of 200000 ms, while the one candidate tells 190000: it matches
-// neither that nor the walk's first value, and the list runs empty.
+// 0.3 BPM: coarse slot 0, fine slot 3, an interval of 200000 ms, while the one candidate tells
+// 190000: it matches neither that nor the walk's first value, and the list runs empty.
 TEST_F(BeatInfoAnalyzerTest, ListEmptiedByTheCleanupGivesNoTempo) {
     isTraced_ = true;
     const Analysis result = analyzed(beatsOfIntervals({190000.0F}), 960000, false);
@@ -225,7 +227,8 @@ TEST_F(BeatInfoAnalyzerTest, QuietItPrintsNothingAndFindsAndTracesTheSame) {
     }
 }
 
-// Without a segment the sections up to the segment list are still written, empty, and no closing line.
+// Without a segment the sections up to the segment list are still written, empty, and no closing
+// line.
 TEST_F(BeatInfoAnalyzerTest, TraceWithoutASegmentEndsAtTheEmptySegmentList) {
     isTraced_ = true;
     const Analysis result = analyzed(beatsOfIntervals({75.0F}), 960000, true);
@@ -274,9 +277,9 @@ TEST_F(BeatInfoAnalyzerTest, TraceDoesNotChangeTheResult) {
     EXPECT_EQ(plain.output, traced.output);
 }
 
-// Two bands at known tempi, heard 3 and 30 ms late, with a tenth missing and some strays. The walk may end on a beat
-// heard 30 ms late where it allows for 3: the error of 27 ms, 1296 samples, spreads over the last phrase. Over the
-// track's two minutes that is 0.02 % of the tempo.
+// Two bands at known tempi, heard 3 and 30 ms late, with a tenth missing and some strays. The walk
+// may end on a beat heard 30 ms late where it allows for 3: the error of 27 ms, 1296 samples,
+// spreads over the last phrase. Over the track's two minutes that is 0.02 % of the tempo.
 TEST_F(BeatInfoAnalyzerTest, FindsTheBeatsOfTracksOfKnownTempo) {
     for (const double bpm : {71.0, 93.47, 110.0, 127.996, 128.0, 150.5, 174.02}) {
         std::mt19937 random(17);
@@ -371,8 +374,9 @@ TEST_F(BeatInfoAnalyzerTest, RandomRecordsAreSafe) {
     }
 }
 
-// A ten-hour mix: a quarter of a million candidates, tempo changing every few minutes, some hundred of them at one
-// place. Any stage that erased one by one, or looked up beats from the start of the list, would take minutes.
+// A ten-hour mix: a quarter of a million candidates, tempo changing every few minutes, some hundred
+// of them at one place. Any stage that erased one by one, or looked up beats from the start of the
+// list, would take minutes.
 TEST_F(BeatInfoAnalyzerTest, HundredsOfThousandsOfCandidatesAreAnalysedAtOnce) {
     BeatList raw;
     double at = 5000.0;

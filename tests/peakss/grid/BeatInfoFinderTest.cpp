@@ -54,7 +54,8 @@ TEST(BeatInfoFinderTest, PositionBeforeTheFirstBeatMapsToTheFirst) {
     EXPECT_EQ(BeatInfoFinder::findIndex({}, 9), -1);
 }
 
-// 0 1 2 3 → the middle of four is index 1 (300 ≤ 250 fails), then index 0 (100 ≤ 250 holds) ends the search.
+// 0 1 2 3 → the middle of four is index 1 (300 ≤ 250 fails), then index 0 (100 ≤ 250 holds) ends
+// the search.
 TEST(BeatInfoFinderTest, ListOutOfOrderFollowsTheSameComparisons) {
     const BeatList list = beatsAt({100, 300, 200, 400});
     EXPECT_EQ(BeatInfoFinder::findIndex(list, 250), 0);

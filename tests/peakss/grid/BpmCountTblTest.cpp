@@ -104,8 +104,8 @@ TEST_F(BpmCountTblTest, TempoIsRoundedHalfUp) {
     EXPECT_EQ(fine_.intervalToSlot(640.0), 938);
 }
 
-// 60000 / 302.800903f = 198.1500028 BPM, just above the border between two slots; in single precision, rounded
-// toward zero, the product falls below it.
+// 60000 / 302.800903f = 198.1500028 BPM, just above the border between two slots; in single
+// precision, rounded toward zero, the product falls below it.
 TEST_F(BpmCountTblTest, IntervalIsWidenedBeforeTheDivision) {
     fine_.count(beatsOf({302.800903F}), 0, kNoLimit);
     EXPECT_EQ(fine_.getAverageIndex(), 1982);
@@ -151,7 +151,8 @@ TEST_F(BpmCountTblTest, FineSearchCoversOneCoarseSlotToEachSide) {
     EXPECT_EQ(winnerOf(129.02), -1);
 }
 
-// 60000 / 0.9 BPM = 66666.67 ms lies in slot 9, 1.0 BPM in slot 10, 0 BPM is reached by an endless interval.
+// 60000 / 0.9 BPM = 66666.67 ms lies in slot 9, 1.0 BPM in slot 10, 0 BPM is reached by an endless
+// interval.
 TEST_F(BpmCountTblTest, FineSearchAroundZeroBeginsAtTheFirstSlot) {
     const float endless = std::numeric_limits<float>::infinity();
     fine_.count(beatsOf({60000.0F, 60000.0F, 66000.0F, endless, endless, endless}), 0, kNoLimit);
@@ -182,7 +183,8 @@ TEST_F(BpmCountTblTest, SearchAroundAbsurdTempiStaysInsideTheTable) {
     EXPECT_EQ(fine_.getAverageIndex(std::numeric_limits<int>::min(), 0), -1);
 }
 
-// 150 ms is 400 BPM, the first slot outside; 0 ms and not-a-number have no tempo; a negative tempo has no slot.
+// 150 ms is 400 BPM, the first slot outside; 0 ms and not-a-number have no tempo; a negative tempo
+// has no slot.
 TEST_F(BpmCountTblTest, TempiOutsideTheTableCountNowhere) {
     const float notANumber = std::numeric_limits<float>::quiet_NaN();
     const BeatList list = beatsOf({150.0F, 0.0F, notANumber, -500.0F, 1e-30F, 500.0F});
@@ -195,7 +197,8 @@ TEST_F(BpmCountTblTest, TempiOutsideTheTableCountNowhere) {
     EXPECT_EQ(coarse_.hits(120), 1);
 }
 
-// −0.05 … −1.4 BPM: trunc(−1.4 × 10 + 5) = −9, and −9 / 10 truncates to slot 0; at −1.6 BPM it is −11 / 10 = −1.
+// −0.05 … −1.4 BPM: trunc(−1.4 × 10 + 5) = −9, and −9 / 10 truncates to slot 0; at −1.6 BPM it is
+// −11 / 10 = −1.
 TEST_F(BpmCountTblTest, SlightlyNegativeTempiCountInTheFirstSlot) {
     coarse_.count(beatsOf({-60000.0F / 1.4F}), 0, kNoLimit);
     EXPECT_EQ(coarse_.hits(0), 1);
@@ -218,7 +221,8 @@ TEST_F(BpmCountTblTest, DistancesBeyond31BitsDoNotWrap) {
     EXPECT_EQ(coarse_.hits(120), 1);
 }
 
-// An irregular player around 128 BPM: the fine search must find the tempo he returns to, not a lone far outlier.
+// An irregular player around 128 BPM: the fine search must find the tempo he returns to, not a lone
+// far outlier.
 TEST_F(BpmCountTblTest, FindsTheTempoOfAnUnsteadyPlayer) {
     const BeatList list =
         beatsOf({468.0F, 468.75F, 470.0F, 468.75F, 466.0F, 468.75F, 333.0F, 334.0F, 469.2F});

@@ -58,7 +58,8 @@ TEST_F(TempoWindowTest, TempiOutsideTheTableCountNowhere) {
     EXPECT_EQ(window.slotOf(1), 800);
 }
 
-// Oracle: the plain histogram, built anew for every stretch. Windows jump forth and back, grow and shrink.
+// Oracle: the plain histogram, built anew for every stretch. Windows jump forth and back, grow and
+// shrink.
 TEST_F(TempoWindowTest, TellsWhatAFreshHistogramTells) {
     std::mt19937 random(11);
     BeatList list;

@@ -40,8 +40,8 @@ TEST_F(ClearNearItemsTest, LimitIsSinglePrecisionAndTruncated) {
     EXPECT_EQ(keptOf({0, 16799}), (Positions{0, 16799}));
 }
 
-// 20000 opens a phrase and drops 10000. It is not compared with 0 then, from which it is far enough; 30000 is
-// compared with it and goes.
+// 20000 opens a phrase and drops 10000. It is not compared with 0 then, from which it is far
+// enough; 30000 is compared with it and goes.
 TEST_F(ClearNearItemsTest, ComparisonGoesOnWithTheBeatThatStays) {
     EXPECT_EQ(keptOf({0, 17000, 20000, 30000}, {2}), (Positions{0, 20000}));
     EXPECT_EQ(keptOf({0, 17000, 12000}, {2}), (Positions{0, 12000}));

@@ -51,7 +51,8 @@ TEST_F(DropOtherTempiTest, KeepsTheTempoItsDoubleAndItsHalf) {
               (Intervals{500.0F, 1000.0F, 250.0F}));
 }
 
-// 700 is dropped, but stays the value the next beat is compared with; 720 matches it, 740 matches 720.
+// 700 is dropped, but stays the value the next beat is compared with; 720 matches it, 740 matches
+// 720.
 TEST_F(DropOtherTempiTest, KeepsBeatsThatMatchADroppedNeighbour) {
     EXPECT_EQ(keptOf({500.0F, 700.0F, 719.0F, 738.0F, 500.0F}),
               (Intervals{500.0F, 719.0F, 738.0F, 500.0F}));

@@ -54,8 +54,8 @@ TEST_F(DropCloseCandidatesTest, GroupWeighsWhatItsFirstBeatWeighs) {
               (Positions{0, 11000}));
 }
 
-// 1000 and 3000 and 5000 are each too close to the next. The last kept one counts: 3000 yields to 1000, and 5000 is
-// far enough from that.
+// 1000 and 3000 and 5000 are each too close to the next. The last kept one counts: 3000 yields to
+// 1000, and 5000 is far enough from that.
 TEST_F(DropCloseCandidatesTest, ComparesWithTheLastKeptCandidate) {
     EXPECT_EQ(keptOf({weighing(1000, 5, 0), weighing(3000, 5, 1), weighing(5000, 5, 2)}),
               (Positions{1000, 5000}));
@@ -63,8 +63,8 @@ TEST_F(DropCloseCandidatesTest, ComparesWithTheLastKeptCandidate) {
               (Positions{3000}));
 }
 
-// 2000 samples: more than an eighth of 250 ms (1500), less than one of 500 ms (3000). The beat before a boundary is
-// compared across it, by the later segment's measure.
+// 2000 samples: more than an eighth of 250 ms (1500), less than one of 500 ms (3000). The beat
+// before a boundary is compared across it, by the later segment's measure.
 TEST_F(DropCloseCandidatesTest, EachSegmentMeasuresByItsOwnBeat) {
     const BeatList segments{segmentAt(0, 250.0F), segmentAt(100000, 500.0F)};
     EXPECT_EQ(keptOf({weighing(0, 5, 0), weighing(2000, 5, 1), weighing(99000, 5, 2),

@@ -76,13 +76,15 @@ TEST_F(DropShortRunsTest, KeepsARunOfEightMatchesThatDoesNotReturn) {
     EXPECT_EQ(keptOf({{kA, 9}, {kB, 9}, {kC, 9}}), (Rows{{kA, 9}, {kB, 9}, {kC, 9}}));
 }
 
-// A's count goes on behind the dropped B: 8 + 1 matches, so that C breaks an accepted run, not a single beat.
+// A's count goes on behind the dropped B: 8 + 1 matches, so that C breaks an accepted run, not a
+// single beat.
 TEST_F(DropShortRunsTest, BreakingBeatContinuesTheAcceptedRunCountIncluded) {
     EXPECT_EQ(keptOf({{kA, 9}, {kB, 2}, {kA, 1}, {kC, 9}}), (Rows{{kA, 10}, {kC, 9}}));
 }
 
-// Behind the dropped B, 490 matches the accepted 500 and continues its run. 515 breaks it (490 reaches to 509.6),
-// after fewer than 32 matches, but is back at the accepted 500: what came since goes, the accepted run stays.
+// Behind the dropped B, 490 matches the accepted 500 and continues its run. 515 breaks it (490
+// reaches to 509.6), after fewer than 32 matches, but is back at the accepted 500: what came since
+// goes, the accepted run stays.
 TEST_F(DropShortRunsTest, LaterReturnDropsOnlyTheBeatsSinceTheRunWasContinued) {
     EXPECT_EQ(keptOf({{kA, 9}, {kB, 2}, {490.0F, 1}, {515.0F, 9}}), (Rows{{kA, 9}, {515.0F, 9}}));
 }

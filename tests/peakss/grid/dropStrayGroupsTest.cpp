@@ -64,8 +64,8 @@ TEST_F(DropStrayGroupsTest, DropsGroupsWithoutATempoWhereverTheyStand) {
     EXPECT_EQ(keptOf({0.0F, 0.0F}), Groups{});
 }
 
-// Group 0 is followed by no match and goes. Group 1 begins anew and matches itself, so that with group 2 the run
-// has the two matches it needs.
+// Group 0 is followed by no match and goes. Group 1 begins anew and matches itself, so that with
+// group 2 the run has the two matches it needs.
 TEST_F(DropStrayGroupsTest, GroupBehindADroppedRunMatchesItself) {
     EXPECT_EQ(keptOf({kB, kA, kA, kC}), (Groups{1, 2}));
     // From the very first group on there is no such gift: one match is too few.
@@ -89,7 +89,8 @@ TEST_F(DropStrayGroupsTest, KeepsAShortRunThatDoesNotReturn) {
     EXPECT_EQ(keptOf(repeated(kA, 3) + repeated(kB, 3) + repeated(kC, 3)), fromTo(0, 9));
 }
 
-// Group 4 alone would be too short a run; with the accepted run's count it has 2 + 1 matches when B breaks it.
+// Group 4 alone would be too short a run; with the accepted run's count it has 2 + 1 matches when B
+// breaks it.
 TEST_F(DropStrayGroupsTest, BreakingGroupContinuesTheAcceptedRunCountIncluded) {
     EXPECT_EQ(keptOf({kA, kA, kA, kB, kA, kB, kB}), (Groups{0, 1, 2, 4, 5, 6}));
 }

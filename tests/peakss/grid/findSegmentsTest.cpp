@@ -53,7 +53,8 @@ TEST_F(FindSegmentsTest, SegmentIsACopyOfItsBeatButForTheBand) {
     EXPECT_EQ(skippedBeats(segments[0]), 0);
 }
 
-// The window tells the new tempo some seconds ahead; the segment opens at the first beat of it all the same.
+// The window tells the new tempo some seconds ahead; the segment opens at the first beat of it all
+// the same.
 TEST_F(FindSegmentsTest, SegmentOpensAtTheFirstBeatOfTheNewTempo) {
     play(500.0F, 40);
     const int change = end_;
@@ -69,8 +70,8 @@ TEST_F(FindSegmentsTest, DoubleTempoIsNoNewSegment) {
     EXPECT_EQ(positionsOf(peakss::findSegments(raw_, kRate)), (Positions{0}));
 }
 
-// A beat at half the new tempo stands before the first one of it: the segment opens there, with the interval of
-// the first beat of the tempo itself.
+// A beat at half the new tempo stands before the first one of it: the segment opens there, with the
+// interval of the first beat of the tempo itself.
 TEST_F(FindSegmentsTest, SegmentOpensAtAnEarlierBeatOfTheDoubledInterval) {
     play(500.0F, 40);
     const int change = end_;
@@ -89,8 +90,8 @@ TEST_F(FindSegmentsTest, SegmentOpensAtAnEarlierBeatOfTheHalvedInterval) {
     EXPECT_EQ(positionsOf(peakss::findSegments(raw_, kRate)), (Positions{0, change}));
 }
 
-// 60000 / (16 + 400 + 0.5) = 144.06 and 60000 / (400 − 16 + 0.5) = 156.05: slots 144 to 155 are near 150 BPM.
-// 143 BPM is not, 155 BPM is.
+// 60000 / (16 + 400 + 0.5) = 144.06 and 60000 / (400 − 16 + 0.5) = 156.05: slots 144 to 155 are
+// near 150 BPM. 143 BPM is not, 155 BPM is.
 TEST_F(FindSegmentsTest, NearTempiReachFromTheToleranceBelowToTheOneAbove) {
     for (const auto& [bpm, isNear] : {std::pair{143.0F, false}, std::pair{155.0F, true}}) {
         raw_.clear();
@@ -114,8 +115,8 @@ TEST_F(FindSegmentsTest, BeatsWithoutACountableTempoAreSkipped) {
     EXPECT_TRUE(peakss::findSegments({}, kRate).empty());
 }
 
-// Slot 0, slower than half a beat per minute, is an infinite interval, which no interval matches: a segment per
-// window.
+// Slot 0, slower than half a beat per minute, is an infinite interval, which no interval matches: a
+// segment per window.
 TEST_F(FindSegmentsTest, TempoBelowHalfABeatPerMinuteOpensASegmentEachTime) {
     play(200000.0F, 3);
     EXPECT_EQ(peakss::findSegments(raw_, kRate).size(), 3U);

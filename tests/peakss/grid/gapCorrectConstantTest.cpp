@@ -91,8 +91,8 @@ TEST_F(GapCorrectConstantTest, NothingIsAppendedBehindATrackThatHasEnded) {
     EXPECT_EQ(positionsOf(grid), (Positions{0, 1000, 2000}));
 }
 
-// 3 beats over 1000 samples: L is 333.33331 in single precision and the 3000th beat lies at 999999.9375; summed in
-// single precision it would be off by hundreds of samples.
+// 3 beats over 1000 samples: L is 333.33331 in single precision and the 3000th beat lies at
+// 999999.9375; summed in single precision it would be off by hundreds of samples.
 TEST_F(GapCorrectConstantTest, LongGridDoesNotDrift) {
     BeatList grid = beatsAt({0, 300, 600, 1000});
     gapCorrectConstant(grid, 1000000, 0, 3, kRate);
@@ -100,8 +100,9 @@ TEST_F(GapCorrectConstantTest, LongGridDoesNotDrift) {
     EXPECT_EQ(grid[3000].pos, 999999);
 }
 
-// The beat length has 24 bits, so that any multiple of it is exact in double. Reckoned in single precision, the start
-// of the grid would be off by up to a sixteenth of a sample, and one beat in some twenty would truncate otherwise.
+// The beat length has 24 bits, so that any multiple of it is exact in double. Reckoned in single
+// precision, the start of the grid would be off by up to a sixteenth of a sample, and one beat in
+// some twenty would truncate otherwise.
 TEST_F(GapCorrectConstantTest, EveryBeatLiesAWholeNumberOfBeatsFromTheFirstAnchor) {
     BeatList grid = beatsAt({1000001, 1168002});
     for (int i = 0; i < 6; ++i) grid.insert(grid.begin() + 1, beatAt(1100000));
@@ -113,7 +114,8 @@ TEST_F(GapCorrectConstantTest, EveryBeatLiesAWholeNumberOfBeatsFromTheFirstAncho
                   static_cast<int>(1000001.0 + (i - 41) * beat));
 }
 
-// Beyond 2^24 samples single precision knows only even positions; the anchor 20000001 counts as 20000000.
+// Beyond 2^24 samples single precision knows only even positions; the anchor 20000001 counts as
+// 20000000.
 TEST_F(GapCorrectConstantTest, AnchorsAreSinglePrecision) {
     BeatList grid = beatsAt({19000000, 20000001});
     gapCorrectConstant(grid, 20500000, 0, 1, kRate);

@@ -66,7 +66,8 @@ TEST_F(GapCorrectVariedTest, SlightlyShortGapIsSharedOut) {
     EXPECT_EQ(repaired({0, 1000, 1800, 2800}), (Positions{0, 933, 1866, 2800}));
 }
 
-// Equal neighbours of 1000 and a gap of 500: 2.5 in all, two gaps. 0.7 is 2.7 in all, which is not above it.
+// Equal neighbours of 1000 and a gap of 500: 2.5 in all, two gaps. 0.7 is 2.7 in all, which is not
+// above it.
 TEST_F(GapCorrectVariedTest, GapOfHalfItsNeighboursCollapsesTwoBeatsIntoOne) {
     EXPECT_EQ(repaired({0, 1000, 1500, 2500}), (Positions{0, 1250, 2500}));
     EXPECT_EQ(repaired({0, 1000, 1700, 2700}), (Positions{0, 1350, 2700}));
@@ -78,34 +79,37 @@ TEST_F(GapCorrectVariedTest, LongGapNearALargerFirstGapTakesItsLength) {
     EXPECT_EQ(repaired({0, 1000, 2200, 3100}), (Positions{0, 1000, 2000, 3100}));
 }
 
-// d1 = 1000 the smaller, d2 = 1300, d3 = 1100: 3300 + 1300 ≤ 5000, the rule fails; 3400 / 1100 = 3.09 < 3.3.
+// d1 = 1000 the smaller, d2 = 1300, d3 = 1100: 3300 + 1300 ≤ 5000, the rule fails; 3400 / 1100 =
+// 3.09 < 3.3.
 TEST_F(GapCorrectVariedTest, SlightlyLongGapIsSharedOut) {
     EXPECT_EQ(repaired({0, 1000, 2300, 3400}), (Positions{0, 1133, 2266, 3400}));
 }
 
-// d1 = 1000 the smaller, d2 = 1700, d3 = 1200: 3600 + 1700 > 5000. b2 moves to 2000; 3900 does not lie behind
-// 1000 + 1000 + 2000.
+// d1 = 1000 the smaller, d2 = 1700, d3 = 1200: 3600 + 1700 > 5000. b2 moves to 2000; 3900 does not
+// lie behind 1000 + 1000 + 2000.
 TEST_F(GapCorrectVariedTest, LongGapBehindASmallerFirstGapTakesItsLength) {
     EXPECT_EQ(repaired({0, 1000, 2700, 3900}), (Positions{0, 1000, 2000, 3900}));
 }
 
-// A gap of 3000 between neighbours of 1000: b2 moves to 2000, and since 5000 lies behind 4000 a beat is gained at
-// 3000, in front of b2's place. The windows that follow meet the negative gap: b = 1000 3000 2000 5000 has
-// d1 = 2000 the smaller, d2 = −1000, d3 = 3000, (2000 + 1000) / 1000 = 3 < 4, and moves 2000 to 3000 + 2000.
+// A gap of 3000 between neighbours of 1000: b2 moves to 2000, and since 5000 lies behind 4000 a
+// beat is gained at 3000, in front of b2's place. The windows that follow meet the negative gap: b
+// = 1000 3000 2000 5000 has d1 = 2000 the smaller, d2 = −1000, d3 = 3000, (2000 + 1000) / 1000 = 3
+// < 4, and moves 2000 to 3000 + 2000.
 TEST_F(GapCorrectVariedTest, GainedBeatStandsBeforeTheThirdOfTheWindow) {
     EXPECT_EQ(repaired({0, 1000, 4000, 5000}), (Positions{0, 1000, 3000, 5000, 5000}));
 }
 
-// A gap of 2000 between neighbours of 1000: 3000 + 2000 > 5000 fails, and 4000 / 1000 is not below 3.3. The window is
-// quartered: 1000, 2000 and 3000, the last gained in front of 2000.
+// A gap of 2000 between neighbours of 1000: 3000 + 2000 > 5000 fails, and 4000 / 1000 is not below
+// 3.3. The window is quartered: 1000, 2000 and 3000, the last gained in front of 2000.
 TEST_F(GapCorrectVariedTest, GapOfTwiceItsNeighboursGainsABeatInTheMiddle) {
     BeatList window = beatsAt({0, 1000, 3000, 4000});
     peakss::correctMiddleGap(window, true);
     EXPECT_EQ(positionsOf(window), (Positions{0, 1000, 3000, 2000, 4000}));
 }
 
-// In a list the next window, 1000 3000 2000 4000, has d1 = d3 = 2000 and d2 = −1000: no quotient is below 4,
-// 8000 > 8000 − 1000, and 3000 + 2000 does not lie before 4000: the beat at 2000 goes again.
+// In a list the next window, 1000 3000 2000 4000, has d1 = d3 = 2000 and d2 = −1000: no quotient is
+// below 4, 8000 > 8000 − 1000, and 3000 + 2000 does not lie before 4000: the beat at 2000 goes
+// again.
 TEST_F(GapCorrectVariedTest, NextWindowSeesTheNegativeGapAsItIs) {
     EXPECT_EQ(repaired({0, 1000, 3000, 4000}), (Positions{0, 1000, 3000, 4000}));
 }
@@ -156,8 +160,9 @@ TEST_F(GapCorrectVariedTest, WildPositionsAreSafe) {
     repaired({kLowest, kHighest, kLowest, kHighest, 0, kHighest});
 }
 
-// Each bar of five beats has a stray 50 samples before the next: gaps of 950, 50 and 1000. 900 / 50 and 4 × 950 pass by,
-// 2000 / 950 is less than 2.7: the first of the two moves to the middle, 1000 from either side, the other goes.
+// Each bar of five beats has a stray 50 samples before the next: gaps of 950, 50 and 1000. 900 / 50
+// and 4 × 950 pass by, 2000 / 950 is less than 2.7: the first of the two moves to the middle, 1000
+// from either side, the other goes.
 TEST_F(GapCorrectVariedTest, LongGridWithManyStraysIsRepairedInOnePass) {
     BeatList grid;
     for (int bar = 0; bar < 20000; ++bar) {

@@ -22,7 +22,8 @@ class GetScoreTest : public beatatlas::test::RoundTowardZero {};
 
 TEST_F(GetScoreTest, EachBeatMetGivesTheToleranceLessItsDistance) {
     double first = 0.0;
-    // From 0: 30 at distance 30, snaps; from 1030: 1000 at 30, snaps; from 2000: nothing within 100.
+    // From 0: 30 at distance 30, snaps; from 1030: 1000 at 30, snaps; from 2000: nothing within
+    // 100.
     EXPECT_EQ(getScore(beatsAt({30, 1000}), 0.0, 2500.0, 1000.0, 100, &first), 70.0 + 70.0);
     EXPECT_EQ(first, 30.0);
 }

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
-// Worked examples at 48 kHz with candidates of band 2, whose offset of −3 ms is −144 samples. A beat of 500 ms is
-// L = 24000 samples; with a candidate every L, the origin is 0 − 144, and a phrase of P beats measures
-// ((P × 24000 − (−144)) × 4 + (−144) × 4) / (P × 4) = 24000 exactly, whatever P.
+// Worked examples at 48 kHz with candidates of band 2, whose offset of −3 ms is −144 samples. A
+// beat of 500 ms is L = 24000 samples; with a candidate every L, the origin is 0 − 144, and a
+// phrase of P beats measures ((P × 24000 − (−144)) × 4 + (−144) × 4) / (P × 4) = 24000 exactly,
+// whatever P.
 #include "peakss/grid/layGrid.h"
 
 #include <limits>
@@ -86,8 +87,8 @@ INSTANTIATE_TEST_SUITE_P(, LayGridInAnyPhraseTest,
                                                    phrase.backBeats);
                          });
 
-// Candidates at beats 0 to 43, the track ends at beat 44. The last grid beat, −144 + 44 × 24000, lies before that.
-// Back-fill would begin at −24144, before the track.
+// Candidates at beats 0 to 43, the track ends at beat 44. The last grid beat, −144 + 44 × 24000,
+// lies before that. Back-fill would begin at −24144, before the track.
 TEST_P(LayGridInAnyPhraseTest, IdealListGivesTheIdealGrid) {
     const LaidGrid grid =
         laid({fitted(0, 500.0F, 16, 0)}, evenBeats(0, 24000, 44), GetParam(), 44 * 24000);
@@ -104,7 +105,8 @@ TEST_P(LayGridInAnyPhraseTest, IdealListGivesTheIdealGrid) {
     }
 }
 
-// Beats 10 to 14 are missing: the walk goes on at its own pace and meets beat 16 where it expects it.
+// Beats 10 to 14 are missing: the walk goes on at its own pace and meets beat 16 where it expects
+// it.
 TEST_P(LayGridInAnyPhraseTest, GapIsCrossedAtTheSegmentsTempo) {
     const BeatList raw = joined(evenBeats(0, 24000, 10), evenBeats(15 * 24000, 24000, 29));
     const LaidGrid grid = laid({fitted(0, 500.0F, 16, 0)}, raw, GetParam(), 44 * 24000);
@@ -114,8 +116,9 @@ TEST_P(LayGridInAnyPhraseTest, GapIsCrossedAtTheSegmentsTempo) {
     EXPECT_EQ(bandsOf(grid.beats), bands);
 }
 
-// The list begins at 200000; the fit has found the start 8000, eight whole beats before. The walk skips them, the
-// origin is 199856, and nine beats are filled in before it, of which the first, at −16144, lies before the track.
+// The list begins at 200000; the fit has found the start 8000, eight whole beats before. The walk
+// skips them, the origin is 199856, and nine beats are filled in before it, of which the first, at
+// −16144, lies before the track.
 TEST_P(LayGridInAnyPhraseTest, LateListIsFilledBackToTheStart) {
     const LaidGrid grid =
         laid({fitted(8000, 500.0F, 16, 8)}, evenBeats(200000, 24000, 35), GetParam(), 44 * 24000);
@@ -127,9 +130,10 @@ TEST_P(LayGridInAnyPhraseTest, LateListIsFilledBackToTheStart) {
     EXPECT_EQ(grid.firstOrigin, 199856);
 }
 
-// 120 BPM, then 150 (L = 19200) from 768000 on; the second segment is fitted to 748800 with skip 4. The first one's
-// beats stop before 748800, at 743856. The second's origin is 825600 − 144; five beats back from it would begin at
-// 729456, before the grid's last beat, so four are filled in, from 748656 on.
+// 120 BPM, then 150 (L = 19200) from 768000 on; the second segment is fitted to 748800 with skip 4.
+// The first one's beats stop before 748800, at 743856. The second's origin is 825600 − 144; five
+// beats back from it would begin at 729456, before the grid's last beat, so four are filled in,
+// from 748656 on.
 TEST_P(LayGridInAnyPhraseTest, TempoChangeJoinsTwoGrids) {
     const BeatList raw = joined(evenBeats(0, 24000, 32), evenBeats(768000, 19200, 40, 400.0F));
     const LaidGrid grid =
@@ -143,9 +147,10 @@ TEST_P(LayGridInAnyPhraseTest, TempoChangeJoinsTwoGrids) {
         EXPECT_EQ(grid.beats[i].interval, i < 32 ? 500.0F : 400.0F);
 }
 
-// Behind the gap of beats 10 to 14 the candidates come 2000 samples late. Phrases of 4 beats: up to beat 12 all is
-// as before (no candidate there); from 287856 to the late beat 16 there are
-// ((386000 − 287856) × 4 − 576) / 16 = 24500 a beat, told by the beat before the bar. Behind that all is even again.
+// Behind the gap of beats 10 to 14 the candidates come 2000 samples late. Phrases of 4 beats: up to
+// beat 12 all is as before (no candidate there); from 287856 to the late beat 16 there are ((386000
+// − 287856) × 4 − 576) / 16 = 24500 a beat, told by the beat before the bar. Behind that all is
+// even again.
 TEST_F(LayGridTest, LateReturnBehindAGapIsMeasuredInItsBar) {
     const BeatList raw = joined(evenBeats(0, 24000, 10), evenBeats(15 * 24000 + 2000, 24000, 29));
     const LaidGrid grid = laid({fitted(0, 500.0F, 16, 0)}, raw, kPhraseOf4, 44 * 24000);
@@ -157,11 +162,13 @@ TEST_F(LayGridTest, LateReturnBehindAGapIsMeasuredInItsBar) {
     EXPECT_EQ(grid.lastAnchor, 40);
 }
 
-// The same list in phrases of 32. The first ends at beat 32, 770000: ((770000 + 144) × 4 − 576) / 128 = 24062.5 for
-// beats 0 to 20. The window slides to beat 4 (96106) and ends at 866000: 24054.6875 for beats 21 to 24, and so on:
+// The same list in phrases of 32. The first ends at beat 32, 770000: ((770000 + 144) × 4 − 576) /
+// 128 = 24062.5 for beats 0 to 20. The window slides to beat 4 (96106) and ends at 866000:
+// 24054.6875 for beats 21 to 24, and so on:
 //   from 192356 to 962000: ((962000 − 192356) × 4 − 576) / 128 = 24046.875     beats 25 to 28
 //   from 288606 to 1058000: ((1058000 − 288606) × 4 − 576) / 128 = 24039.0625   beats 29 to 32
-// The walk has then reached the end, 1056000, and the phrase from 384856 (beat 16) is measured over 28 beats:
+// The walk has then reached the end, 1056000, and the phrase from 384856 (beat 16) is measured over
+// 28 beats:
 //   ((1058000 − 384856) × 4 − 576) / 112 = 24035.714…
 // for the beats behind 32, the first at 769667 + 24035.71 = 793702.7.
 TEST_F(LayGridTest, LateReturnBehindAGapIsSpreadOverAPhraseOf32) {
@@ -183,9 +190,10 @@ TEST_F(LayGridTest, LateReturnBehindAGapIsSpreadOverAPhraseOf32) {
     EXPECT_EQ(grid.beats[43].interval, ms((673144.0 * 4.0 - 576.0) / 112.0));
 }
 
-// And in phrases of 16: 8 beats of front, then bars. Beats 0 to 12 at ((386000 + 144) × 4 − 576) / 64 = 24125, the
-// first phrase ending at the late beat 16; then from 96356 to 482000: 24093.75 for beats 13 to 16; from 192856 to
-// 578000: 24062.5; from 289356 to 674000: 24031.25; from 385731 to 770000: 24007.8125.
+// And in phrases of 16: 8 beats of front, then bars. Beats 0 to 12 at ((386000 + 144) × 4 − 576) /
+// 64 = 24125, the first phrase ending at the late beat 16; then from 96356 to 482000: 24093.75 for
+// beats 13 to 16; from 192856 to 578000: 24062.5; from 289356 to 674000: 24031.25; from 385731 to
+// 770000: 24007.8125.
 TEST_F(LayGridTest, LateReturnBehindAGapIsSpreadOverAPhraseOf16) {
     const BeatList raw = joined(evenBeats(0, 24000, 10), evenBeats(15 * 24000 + 2000, 24000, 29));
     const LaidGrid grid = laid({fitted(0, 500.0F, 16, 0)}, raw, kPhraseOf16, 44 * 24000);
@@ -212,8 +220,9 @@ TEST_F(LayGridTest, SegmentShorterThanAPhraseIsMeasuredAsFarAsItGoes) {
     EXPECT_EQ(grid.lastAnchor, 10);
 }
 
-// Beats 0 to 44 are heard, the last of them where the track ends, and each is an anchor. Its grid beat lies 144 samples
-// before the end and is tied to it, in whatever part of a phrase the walk has ended.
+// Beats 0 to 44 are heard, the last of them where the track ends, and each is an anchor. Its grid
+// beat lies 144 samples before the end and is tied to it, in whatever part of a phrase the walk has
+// ended.
 TEST_P(LayGridInAnyPhraseTest, BeatsBehindTheLastPhraseTakeAnchorsUpToTheWalksEnd) {
     const LaidGrid grid =
         laid({fitted(0, 500.0F, 4, 0)}, evenBeats(0, 24000, 45), GetParam(), 44 * 24000);
@@ -230,8 +239,8 @@ TEST_P(LayGridInAnyPhraseTest, NoBeatStandsAtTheEnd) {
     }
 }
 
-// A band-0 candidate is heard 30 ms late (1440 samples), the one of band 2 four beats on 3 ms (144): between the
-// beats themselves lie 4 × 24000. The walk expects 1440 + 96000 and finds 96144.
+// A band-0 candidate is heard 30 ms late (1440 samples), the one of band 2 four beats on 3 ms
+// (144): between the beats themselves lie 4 × 24000. The walk expects 1440 + 96000 and finds 96144.
 TEST_F(LayGridTest, MeasurementAllowsForTheBandsOfBothAnchors) {
     const BeatList raw{beatAt(1440, 500.0F, 0, 20, 0), beatAt(96144, 500.0F, 1, 20, 2)};
     const LaidGrid grid = laid({fitted(0, 500.0F, 16, 0)}, raw, kPhraseOf4, 90000);
@@ -239,7 +248,8 @@ TEST_F(LayGridTest, MeasurementAllowsForTheBandsOfBothAnchors) {
     EXPECT_EQ(bandsOf(grid.beats), (Bands{0, -1, -1, -1}));
 }
 
-// The beat filled in before the origin, 24143 − 24143.5, truncates to 0, which is not before the track.
+// The beat filled in before the origin, 24143 − 24143.5, truncates to 0, which is not before the
+// track.
 TEST_F(LayGridTest, FilledInBeatIsJudgedByItsTruncatedPosition) {
     // ((120861 − 24143) × 4 − 576) / 16 = 24143.5
     const LaidGrid grid =
@@ -258,8 +268,8 @@ TEST_F(LayGridTest, OriginWithoutACandidateTakesTheLargestOffset) {
     EXPECT_EQ(grid.lastAnchor, -1);
 }
 
-// The first segment ends inside a phrase of 32 on a candidate of band 0 at 264000. The second has none near, and its
-// origin takes that band's −30 ms instead of −3.
+// The first segment ends inside a phrase of 32 on a candidate of band 0 at 264000. The second has
+// none near, and its origin takes that band's −30 ms instead of −3.
 TEST_F(LayGridTest, OffsetOfAPartPhrasesEndIsCarriedToLaterSegments) {
     BeatList raw = evenBeats(0, 24000, 12);
     for (BeatInfo& beat : raw) beat.band = 0;
@@ -278,8 +288,8 @@ TEST_F(LayGridTest, OffsetOfAWholePhrasesEndIsNotCarried) {
     EXPECT_EQ(positionsOf(grid.beats), evenPositions(-1440, 24000, 8) + Positions{185000 - 144});
 }
 
-// The candidate at 126100 draws the second segment's walk past its end, 126000: no head, no front. The grid goes on
-// from the first segment's last beat, 119856, at the second's own 4800 samples.
+// The candidate at 126100 draws the second segment's walk past its end, 126000: no head, no front.
+// The grid goes on from the first segment's last beat, 119856, at the second's own 4800 samples.
 TEST_F(LayGridTest, SegmentWalkedPastItsEndOnlyContinuesTheGrid) {
     const BeatList raw = joined(evenBeats(0, 24000, 5), beatsAt({126100}));
     const LaidGrid grid =
@@ -359,8 +369,9 @@ TEST_F(LayGridTest, SegmentsWhoseBeatIsNoTempoLayNothing) {
     EXPECT_TRUE(laid({}, raw, kPhraseOf32, kHighest).beats.empty());
 }
 
-// 51 ms are 2448 samples, hardly more than the tolerance of 2400: with a candidate on every 100th sample each snap
-// may hold the walk back. It ends, and no measured beat falls below the 50 ms bound.
+// 51 ms are 2448 samples, hardly more than the tolerance of 2400: with a candidate on every 100th
+// sample each snap may hold the walk back. It ends, and no measured beat falls below the 50 ms
+// bound.
 TEST_F(LayGridTest, CrowdedCandidatesDoNotHoldTheWalkBackForEver) {
     const BeatList raw = evenBeats(0, 100, 500);
     const LaidGrid grid = laid({fitted(0, 51.0F, 4, 0)}, raw, kPhraseOf4, 50000);
@@ -368,9 +379,9 @@ TEST_F(LayGridTest, CrowdedCandidatesDoNotHoldTheWalkBackForEver) {
     EXPECT_LE(grid.beats.size(), 50000U / 2400U + 3U);
 }
 
-// From 0 the walk expects 2448 and is held back to 60, behind the end: one beat of 60 samples, or of less than nothing
-// when that candidate is heard 30 ms late. Neither is a beat; the segment's own length is laid, of which no further
-// beat lies before the end.
+// From 0 the walk expects 2448 and is held back to 60, behind the end: one beat of 60 samples, or
+// of less than nothing when that candidate is heard 30 ms late. Neither is a beat; the segment's
+// own length is laid, of which no further beat lies before the end.
 TEST_F(LayGridTest, MeasuredLengthThatIsNoBeatGivesWayToTheSegments) {
     for (const int band : {2, 0}) {
         const BeatList raw{beatAt(0), beatAt(60, 500.0F, 1, 20, band)};

@@ -40,7 +40,8 @@ TEST_F(MeasureGroupTemposTest, IntervalOfZeroIsNoTempo) {
     EXPECT_EQ(peakss::measureGroupTempos({heard(0, 0.0F)}), GroupTempos{});
     EXPECT_EQ(peakss::measureGroupTempos({heard(0, 0.0F), heard(1, 500.0F), heard(0, 250.0F)}),
               (GroupTempos{{0, 250.0F}, {1, 500.0F}}));
-    // The highest group so far is passed even when it has no tempo: nothing stands behind it to agree with.
+    // The highest group so far is passed even when it has no tempo: nothing stands behind it to
+    // agree with.
     EXPECT_EQ(peakss::measureGroupTempos({heard(1, 0.0F), heard(1, 500.0F)}), GroupTempos{});
 }
 

@@ -52,8 +52,8 @@ TEST_F(RefineSegmentsTest, SegmentTakesTheCommonestTempoToATenth) {
     EXPECT_EQ(anchorSpacing(segments[0]), 4);
 }
 
-// The first segment reaches up to the second's start, that beat included: three of 100 BPM against two of 128 and
-// one of 120.
+// The first segment reaches up to the second's start, that beat included: three of 100 BPM against
+// two of 128 and one of 120.
 TEST_F(RefineSegmentsTest, SegmentIsMeasuredUpToTheNext) {
     play(600.0F, 3);
     play(468.75F, 2);
@@ -64,7 +64,8 @@ TEST_F(RefineSegmentsTest, SegmentIsMeasuredUpToTheNext) {
     EXPECT_EQ(intervalsOf(segments), (Intervals{600.0F, 500.0F}));
 }
 
-// Five beats of 128 BPM lie within the track, but the span counts its whole length from the segment's start on.
+// Five beats of 128 BPM lie within the track, but the span counts its whole length from the
+// segment's start on.
 TEST_F(RefineSegmentsTest, LastSegmentIsCountedPastTheEndOfTheTrack) {
     play(600.0F, 20);
     const int last = end_;
@@ -76,7 +77,8 @@ TEST_F(RefineSegmentsTest, LastSegmentIsCountedPastTheEndOfTheTrack) {
     EXPECT_EQ(intervalsOf(segments), (Intervals{600.0F, 500.0F}));
 }
 
-// Alone they tell 600 and 606.06 ms, which match. Joined, 99 BPM has four beats against three of 100.
+// Alone they tell 600 and 606.06 ms, which match. Joined, 99 BPM has four beats against three of
+// 100.
 TEST_F(RefineSegmentsTest, MatchingNeighboursJoinAndAreMeasuredAgain) {
     play(600.0F, 3);
     const int second = end_;
@@ -86,8 +88,8 @@ TEST_F(RefineSegmentsTest, MatchingNeighboursJoinAndAreMeasuredAgain) {
     EXPECT_FLOAT_EQ(segments[0].interval, 606.0606F);
 }
 
-// The second segment alone tells 500 ms and the third 510, which match. Joined they hold three beats of either, but
-// four of 600, the tempo of the first.
+// The second segment alone tells 500 ms and the third 510, which match. Joined they hold three
+// beats of either, but four of 600, the tempo of the first.
 TEST_F(RefineSegmentsTest, JoinedSegmentMayMatchTheOneBefore) {
     play(600.0F, 6);
     const int second = end_;

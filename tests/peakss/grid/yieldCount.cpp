@@ -9,7 +9,8 @@ long yields = 0;
 
 }  // namespace
 
-// Stands in for the system's: a zero-length sleep costs some 50 µs, and long lists would make the tests slow.
+// Stands in for the system's: a zero-length sleep costs some 50 µs, and long lists would make the
+// tests slow.
 extern "C" int nanosleep(const timespec* /*wanted*/, timespec* /*left*/) {
     ++yields;
     return 0;

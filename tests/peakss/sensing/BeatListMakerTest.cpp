@@ -58,8 +58,9 @@ TEST_F(BeatListMakerTest, CandidatesAreOrderedByPosition) {
                                [](const BeatInfo& a, const BeatInfo& b) { return a.pos < b.pos; }));
 }
 
-// 128 BPM at 48 kHz: a bass drum every 22500 samples from there on. The lowest band follows the drum with the delay
-// of its filter and the place of the drum's loudest moment, both the same every time.
+// 128 BPM at 48 kHz: a bass drum every 22500 samples from there on. The lowest band follows the
+// drum with the delay of its filter and the place of the drum's loudest moment, both the same every
+// time.
 TEST_F(BeatListMakerTest, CandidatesOfADrumLoopLieABeatApart) {
     maker_.create(48000, 0, 20 * 48000);
     feed(maker_, drumLoop(48000, 20, 128.0), 640);

@@ -69,8 +69,8 @@ protected:
     BeatListSignal signal_;
 };
 
-// Five peaks 500 ms apart: three intervals agree (the first peak has none), so the weight is 5 and all five peaks
-// enter.
+// Five peaks 500 ms apart: three intervals agree (the first peak has none), so the weight is 5 and
+// all five peaks enter.
 TEST_F(BeatListSignalTest, WritesEveryAgreeingPeakOldestFirst) {
     PeakTrain train(2);
     report(feed(train, {500, 500, 500, 500}));
@@ -86,7 +86,8 @@ TEST_F(BeatListSignalTest, WritesEveryAgreeingPeakOldestFirst) {
     EXPECT_EQ(list_[4].phase, 1.0F);
 }
 
-// 750, 750, 500 at 120 BPM, whose first peak has no interval; four intervals agree behind the newest.
+// 750, 750, 500 at 120 BPM, whose first peak has no interval; four intervals agree behind the
+// newest.
 TEST_F(BeatListSignalTest, PhaseIsTheDistanceToThePreviousPeakInQuarterBeats) {
     PeakTrain train;
     report(feed(train, {750, 750, 500, 750, 750, 500}));
@@ -134,7 +135,8 @@ TEST_F(BeatListSignalTest, SmallerWeightYieldsToTheLarger) {
     EXPECT_THAT(bands(), ElementsAre(1, 9, 1, 1, 1));
 }
 
-// The report's weight counts, not its number: 4 of a late group yields to the 5 of an early one; 255 stays.
+// The report's weight counts, not its number: 4 of a late group yields to the 5 of an early one;
+// 255 stays.
 TEST_F(BeatListSignalTest, WeightIsTheLowByteOfTheGroup) {
     enter(kSecond, 500.0F, 0x700 | 4);
     enter(kSecond + 24000, 500.0F, 5);
@@ -181,7 +183,8 @@ TEST_F(BeatListSignalTest, TempoExactlyAtTheToleranceIsNoClash) {
     EXPECT_THAT(bands(), ElementsAre(9, 1, 1, 1, 1, 1));
 }
 
-// The search goes from the last entry of the position backward, past what may stand beside the new one.
+// The search goes from the last entry of the position backward, past what may stand beside the new
+// one.
 TEST_F(BeatListSignalTest, EntriesOfOnePositionAreComparedFromTheLastBackward) {
     enter(kSecond, 500.0F, 99);
     enter(kSecond, 505.0F, 99);
@@ -220,7 +223,8 @@ TEST_F(BeatListSignalTest, EntriesOfNeighbouringPositionsAreLeftAlone) {
     EXPECT_THAT(bands(), ElementsAre(9, 1, 9, 1, 1, 1, 1));
 }
 
-// The agreement is counted 30 intervals back, which is 32 peaks: the whole ring, and the greatest weight.
+// The agreement is counted 30 intervals back, which is 32 peaks: the whole ring, and the greatest
+// weight.
 TEST_F(BeatListSignalTest, LongSteadyPulseReachesBackThroughTheRing) {
     PeakTrain train;
     report(feed(train, std::vector<int>(50, 500)));
@@ -240,7 +244,8 @@ TEST_F(BeatListSignalTest, EveryPeakOfASteadyPulseIsOnTheListOnce) {
         EXPECT_EQ(list_[static_cast<std::size_t>(i)].pos, kSecond + i * 24000);
 }
 
-// A buffer after a reset says that no peak agrees, and holds none: nothing may be made of its empty slots.
+// A buffer after a reset says that no peak agrees, and holds none: nothing may be made of its empty
+// slots.
 TEST_F(BeatListSignalTest, EmptyRingGivesNoCandidate) {
     PeakTrain train;
     report(train);

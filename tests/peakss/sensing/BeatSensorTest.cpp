@@ -109,7 +109,8 @@ TEST_F(BeatSensorTest, SilenceHasNoBeat) {
     EXPECT_TRUE(recorder_.beats.empty());
 }
 
-// A beat every 22500 samples: all bands must tell 468.75 ms, but for the 8 samples a level stands for.
+// A beat every 22500 samples: all bands must tell 468.75 ms, but for the 8 samples a level stands
+// for.
 TEST_F(BeatSensorTest, ClickTrainTellsItsInterval) {
     std::vector<float> clicks = silence(kRate, 20);
     for (std::size_t i = 22500; i < clicks.size(); i += 22500) clicks[i] = 0.9F;
@@ -117,7 +118,8 @@ TEST_F(BeatSensorTest, ClickTrainTellsItsInterval) {
     EXPECT_TRUE(put(clicks));
     ASSERT_GT(recorder_.beats.size(), 100U);
     for (const Beat& beat : recorder_.beats) EXPECT_NEAR(beat.interval, 468.75F, 0.17F);
-    // The last click, the 42nd, comes at 945000; the filters' delay puts the peak of its level within 10 ms.
+    // The last click, the 42nd, comes at 945000; the filters' delay puts the peak of its level
+    // within 10 ms.
     EXPECT_NEAR(recorder_.beats.back().pos, 945000, 480);
     EXPECT_GT(recorder_.beats.back().level, 0.0F);
 }
@@ -127,7 +129,8 @@ TEST_F(BeatSensorTest, DrumLoopsTellTheirTempo) {
         for (const double bpm : {93.47, 110.0, 127.996, 150.5}) {
             const std::vector<Beat> beats = beatsInBlocks(drumLoop(rate, 15, bpm), rate, rate / 75);
             ASSERT_GT(beats.size(), 20U) << bpm;
-            // Half and double time are other readings of the same pulse, dotted ones must stay exceptions.
+            // Half and double time are other readings of the same pulse, dotted ones must stay
+            // exceptions.
             std::size_t sameTempo = 0;
             std::size_t sameBeat = 0;
             for (const Beat& beat : beats) {
@@ -252,8 +255,8 @@ protected:
     }
 };
 
-// Levels end at multiples of 8 samples and are placed at their end; the pulses begin 200 ms, 9600 samples, after a
-// beat.
+// Levels end at multiples of 8 samples and are placed at their end; the pulses begin 200 ms, 9600
+// samples, after a beat.
 TEST_F(OneBandSensorTest, PeakLiesAtTheEndOfItsLevel) {
     pulsesAfterMs({500, 500, 500, 500, 500});
     ASSERT_FALSE(recorder_.beats.empty());
@@ -276,8 +279,8 @@ TEST_F(OneBandSensorTest, SteadyBeatIsChosenAtItsFirstVote) {
     EXPECT_TRUE(pulseAfterMs(500));
 }
 
-// Every other interval is 10 ms longer: from the mean of 500 ms each beat is 5 ms off, one vote each. Beats are
-// found from the fifth pulse on; the third vote for 120 BPM comes with the seventh.
+// Every other interval is 10 ms longer: from the mean of 500 ms each beat is 5 ms off, one vote
+// each. Beats are found from the fifth pulse on; the third vote for 120 BPM comes with the seventh.
 TEST_F(OneBandSensorTest, NoBeatIsChosenUntilATempoHasMoreThanTwoVotes) {
     EXPECT_FALSE(pulsesAfterMs({500, 495, 505, 495, 505}));
     EXPECT_FALSE(pulseAfterMs(495));
@@ -286,10 +289,10 @@ TEST_F(OneBandSensorTest, NoBeatIsChosenUntilATempoHasMoreThanTwoVotes) {
     EXPECT_EQ(recorder_.beats.size(), 1U);
 }
 
-// 120 BPM has the majority. After a break that no reading holds, intervals of 715 and 725 ms: the second and third
-// pulse tell 360 ms (two beats each), from the fourth on 720 ms fill a bar. Neither agrees with 120 BPM, its
-// double or half, and each beat, some ms off its mean, has one vote: 167 BPM two, then 83 BPM one, two, and with
-// the third it takes the vote over.
+// 120 BPM has the majority. After a break that no reading holds, intervals of 715 and 725 ms: the
+// second and third pulse tell 360 ms (two beats each), from the fourth on 720 ms fill a bar.
+// Neither agrees with 120 BPM, its double or half, and each beat, some ms off its mean, has one
+// vote: 167 BPM two, then 83 BPM one, two, and with the third it takes the vote over.
 TEST_F(OneBandSensorTest, NewTempoIsRefusedUntilItHasMoreThanTwoVotes) {
     pulsesAfterMs(std::vector<int>(10, 500));
     const std::size_t before = recorder_.beats.size();
@@ -301,8 +304,8 @@ TEST_F(OneBandSensorTest, NewTempoIsRefusedUntilItHasMoreThanTwoVotes) {
     EXPECT_EQ(recorder_.beats.back().interval, 720.0F);
 }
 
-// Twenty steady pulses at 120 BPM have dozens of votes; after ten at 83 BPM these are gone, and unsteady ones at
-// 120 BPM, found from the fourth interval on, must gather three votes anew.
+// Twenty steady pulses at 120 BPM have dozens of votes; after ten at 83 BPM these are gone, and
+// unsteady ones at 120 BPM, found from the fourth interval on, must gather three votes anew.
 TEST_F(OneBandSensorTest, OldTempoHasLostItsVotesAfterTheChange) {
     pulsesAfterMs(std::vector<int>(20, 500));
     pulseAfterMs(5000);
@@ -347,8 +350,8 @@ TEST_F(OneBandSensorTest, StepsAreCountedAcrossCalls) {
     EXPECT_EQ(recorder_.beats[0].level, 1.0F);
 }
 
-// The sample at index i is used when start ≤ i + 1 < end. With one sample per level a lone sample is a peak or
-// nothing.
+// The sample at index i is used when start ≤ i + 1 < end. With one sample per level a lone sample
+// is a peak or nothing.
 class RangeTest : public BeatSensorTest {
 protected:
     // Whether the first of five equal pulses is sensed: if it is, the fifth closes a beat.
@@ -376,7 +379,8 @@ TEST_F(RangeTest, RangeBeginsOneSampleBeforeItsStart) {
     EXPECT_FALSE(isSensed(0, 2, kNoEnd));
 }
 
-// The fifth pulse, at 100 + 96000, is confirmed by the sample 13919 later: that one must be in the range.
+// The fifth pulse, at 100 + 96000, is confirmed by the sample 13919 later: that one must be in the
+// range.
 TEST_F(RangeTest, RangeEndsOneSampleBeforeItsEnd) {
     constexpr int confirming = 100 + 96000 + 13919;
     EXPECT_TRUE(isSensed(100, 0, confirming + 2));
@@ -397,8 +401,8 @@ protected:
     RecordingView view_;
 };
 
-// The view's mid and high bands are the rectified outputs of the third and fourth filter, as one long block; its low
-// band is that of a filter of its own.
+// The view's mid and high bands are the rectified outputs of the third and fourth filter, as one
+// long block; its low band is that of a filter of its own.
 TEST_F(ForwardingTest, ViewReceivesInputAndItsRectifiedBands) {
     const std::vector<float> signal = drumLoop(kRate, 1, 120.0);
     sensor_.create(kRate, 0, kNoEnd, 8, 6);
@@ -441,7 +445,8 @@ TEST_F(ForwardingTest, ThreeBandsSendTheSecondAndThird) {
     EXPECT_EQ(viewOfFour.highs, view_.highs);
 }
 
-// The view's own filter would not hear what passes while no view is attached; the beat sensor's filters do.
+// The view's own filter would not hear what passes while no view is attached; the beat sensor's
+// filters do.
 TEST_F(ForwardingTest, LowBandIsThatOfTheSamplesSentToAView) {
     const std::vector<float> signal = drumLoop(kRate, 1, 120.0);
     sensor_.create(kRate, 0, kNoEnd, 8, 6);
@@ -489,7 +494,8 @@ TEST_F(ForwardingTest, ViewIsServedBeforeTheStartAndBehindTheEnd) {
     EXPECT_EQ(view_.highs, whole.highs);
 }
 
-// Behind the end nothing is filtered without a view: one attached later finds the filters as they were.
+// Behind the end nothing is filtered without a view: one attached later finds the filters as they
+// were.
 TEST_F(ForwardingTest, WithoutAViewTheSensorStopsAtTheEnd) {
     sensor_.create(kRate, 0, kBlock, 8, 6);
     put(std::vector<float>(kBlock, 0.0F));
@@ -525,7 +531,8 @@ TEST_F(ForwardingTest, ServingTheViewBehindTheEndSensesNoMoreBeats) {
     EXPECT_EQ(recorder_.beats, alone);
 }
 
-// Bass at 120 BPM, hi-hat at 92: neither the other's double nor half. The bass bands are first with more votes.
+// Bass at 120 BPM, hi-hat at 92: neither the other's double nor half. The bass bands are first with
+// more votes.
 TEST_F(BeatSensorTest, BandsThatDisagreeWithTheVoteReportNothing) {
     std::vector<float> signal = silence(kRate, 12);
     addHits(signal, kRate, 120.0, 60.0, 40.0, 0.8);

@@ -9,7 +9,8 @@ namespace beatatlas::test {
 
 inline constexpr double kTwoPi = 6.283185307179586;
 
-/** Adds a hit that dies away (to 1/e in decayMs) to a signal; what lies behind its end is cut off. */
+/** Adds a hit that dies away (to 1/e in decayMs) to a signal; what lies behind its end is cut
+ *  off. */
 inline void addHit(std::vector<float>& signal, int rate, double second, double hz, double decayMs,
                    double level) {
     const auto from = static_cast<std::size_t>(std::lround(second * rate));

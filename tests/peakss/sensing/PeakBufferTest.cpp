@@ -82,8 +82,9 @@ TEST_F(PeakBufferTest, IntervalIsTheDistanceToThePreviousPeakInMs) {
     EXPECT_EQ(buffer_.interval(), 468.75F);
 }
 
-// 500 ms as one beat: the newest and three stored intervals fill the bar, and there must be a fourth stored peak to
-// spare. As 1.25 beats the bar overflows (1.25, 2.5, 3.75, 5), as 0.75 beats too (…, 3.75, 4.5).
+// 500 ms as one beat: the newest and three stored intervals fill the bar, and there must be a
+// fourth stored peak to spare. As 1.25 beats the bar overflows (1.25, 2.5, 3.75, 5), as 0.75 beats
+// too (…, 3.75, 4.5).
 TEST_F(PeakBufferTest, FifthPeakOfASteadyPulseClosesTheFirstBeat) {
     train_.peakAt(24000);
     for (int peak = 2; peak <= 4; ++peak) EXPECT_FALSE(train_.peakAfterMs(500)) << peak;
@@ -92,7 +93,8 @@ TEST_F(PeakBufferTest, FifthPeakOfASteadyPulseClosesTheFirstBeat) {
     EXPECT_EQ(buffer_.dev(), 0.0F);
     EXPECT_EQ(buffer_.beatPos(), 24000 * 5);
     EXPECT_EQ(buffer_.beatLevel(), 1.0F);
-    // The entry after the bar is the first peak, which has no interval to agree with: three intervals back.
+    // The entry after the bar is the first peak, which has no interval to agree with: three
+    // intervals back.
     EXPECT_EQ(buffer_.count(), 3);
 }
 
@@ -102,7 +104,8 @@ TEST_F(PeakBufferTest, SixthPeakOfASteadyPulseAgreesOneFurtherBack) {
     EXPECT_EQ(buffer_.count(), 4);
 }
 
-// The count stops where 31 peaks behind the newest have been looked at, however long the pulse goes on.
+// The count stops where 31 peaks behind the newest have been looked at, however long the pulse goes
+// on.
 TEST_F(PeakBufferTest, AgreementIsCountedThirtyIntervalsBackAtMost) {
     train_.peakAt(24000);
     train_.peaksAfterMs(std::vector<int>(30, 500));
@@ -138,8 +141,8 @@ TEST_F(PeakBufferTest, StrayPeakHasNoBeatAndKeepsTheStateOfTheLast) {
     EXPECT_EQ(buffer_.beatPos(), 24000 * 6);
 }
 
-// 325 ms as one beat is confirmed from the fifth peak on but faster than 180 BPM; as half a beat it takes seven
-// stored intervals and one to spare, so the ninth peak.
+// 325 ms as one beat is confirmed from the fifth peak on but faster than 180 BPM; as half a beat it
+// takes seven stored intervals and one to spare, so the ninth peak.
 TEST_F(PeakBufferTest, BeatFasterThan180BpmIsPassedOverForASlowerReading) {
     train_.peakAt(24000);
     for (int peak = 2; peak <= 8; ++peak) EXPECT_FALSE(train_.peakAfterMs(325)) << peak;
@@ -161,8 +164,8 @@ TEST_F(PeakBufferTest, SyncopatedBarTellsItsBeat) {
     EXPECT_EQ(buffer_.interval(), 500.0F);
 }
 
-// 700 ms fill the bar as four single beats and as two double ones of 350. A steady pulse agrees with both to its very
-// beginning.
+// 700 ms fill the bar as four single beats and as two double ones of 350. A steady pulse agrees
+// with both to its very beginning.
 TEST_F(PeakBufferTest, EarlierReadingStaysWhenALaterOneIsEquallyConfirmed) {
     train_.peakAt(24000);
     train_.peaksAfterMs(std::vector<int>(8, 700));
@@ -173,8 +176,9 @@ TEST_F(PeakBufferTest, EarlierReadingStaysWhenALaterOneIsEquallyConfirmed) {
     EXPECT_EQ(buffer_.count(), 7);
 }
 
-// Before the four of 700 ms lie five of 438: 1.25 beats of 350, but no number of quarters of 700. The single beat is
-// confirmed by the three intervals of its bar, the double one by all stored but the oldest.
+// Before the four of 700 ms lie five of 438: 1.25 beats of 350, but no number of quarters of 700.
+// The single beat is confirmed by the three intervals of its bar, the double one by all stored but
+// the oldest.
 TEST_F(PeakBufferTest, LaterReadingWithMoreAgreeingPeaksReplacesTheEarlier) {
     train_.peakAt(24000);
     train_.peaksAfterMs({438, 438, 438, 438, 438});
@@ -206,8 +210,8 @@ TEST_F(PeakBufferTest, DistanceAcrossTheWrapOfPositionsIsKept) {
     EXPECT_EQ(buffer_.ring().back(0).interval, 500.0F);
 }
 
-// Every bound is outside its row: an interval of 500 ms is neither 1.5 beats (500 … 1276) nor anything that
-// begins or ends there.
+// Every bound is outside its row: an interval of 500 ms is neither 1.5 beats (500 … 1276) nor
+// anything that begins or ends there.
 TEST_F(PeakBufferTest, BoundsOfTheReadingsAreStrict) {
     for (const peakss::BeatReadings& table : {peakss::kFirstReadings, peakss::kOlderReadings}) {
         for (const peakss::BeatReading& reading : table) {
@@ -265,9 +269,9 @@ TEST_F(PeakBufferTest, OldestStoredIntervalNeverFillsTheBar) {
     EXPECT_EQ(search(700.0F, {700, 700, 700, 700}, 4).avg, 700.0F);
 }
 
-// 2000 ms are four beats of 500, so the bar to fill is the double one. 1500 (3) makes 7; 1000 (2) makes 9, too
-// many, and the target becomes 16; three more of 1000 make 15, and 500 fills it. (As 2.5 beats of 800 nothing fits
-// 1500.)
+// 2000 ms are four beats of 500, so the bar to fill is the double one. 1500 (3) makes 7; 1000 (2)
+// makes 9, too many, and the target becomes 16; three more of 1000 make 15, and 500 fills it. (As
+// 2.5 beats of 800 nothing fits 1500.)
 TEST_F(PeakBufferTest, OverfullDoubleBarBecomesAFourfoldOne) {
     const BeatSearchResult found = search(2000.0F, {1500, 1000, 1000, 1000, 1000, 500, 3000, 0});
     EXPECT_EQ(found.row, 8);
@@ -285,7 +289,8 @@ TEST_F(PeakBufferTest, OverfullFourfoldBarFails) {
     EXPECT_EQ(search(2000.0F, {1500, 1000, 2000, 2000, 500, 500, 500, 500}, 7).row, -1);
 }
 
-// 510 (1), 510 (2), 510 (3), 1020 (5): a single bar has no larger one to go on with, though 16 is within reach.
+// 510 (1), 510 (2), 510 (3), 1020 (5): a single bar has no larger one to go on with, though 16 is
+// within reach.
 TEST_F(PeakBufferTest, OverfullSingleBarFails) {
     EXPECT_EQ(search(510.0F, {510, 510, 1020, 510, 510, 510, 510, 510, 510, 510}, 4).row, -1);
 }
@@ -296,14 +301,15 @@ TEST_F(PeakBufferTest, OlderIntervalExactlyAtTheToleranceDoesNotFit) {
     EXPECT_EQ(search(500.0F, {519.5F, 500, 500, 500, 500}, 4).row, 5);
 }
 
-// The average of 500, 500, 500, 500 has a tolerance of 20 ms: 520 disagrees, 519 is one interval more.
+// The average of 500, 500, 500, 500 has a tolerance of 20 ms: 520 disagrees, 519 is one interval
+// more.
 TEST_F(PeakBufferTest, AgreementExactlyAtTheToleranceEnds) {
     EXPECT_EQ(search(500.0F, {500, 500, 500, 520, 500, 500, 500}, 4).count, 3);
     EXPECT_EQ(search(500.0F, {500, 500, 500, 519, 400, 500, 500}, 4).count, 4);
 }
 
-// Beyond 2.5 beats only whole ones are known: 2.75 × 500 = 1375 becomes 3 beats of 458.3 and disagrees; 5 beats
-// become 4 of 625. 1250 is 2.5 beats, 2000 four.
+// Beyond 2.5 beats only whole ones are known: 2.75 × 500 = 1375 becomes 3 beats of 458.3 and
+// disagrees; 5 beats become 4 of 625. 1250 is 2.5 beats, 2000 four.
 TEST_F(PeakBufferTest, AgreementKnowsQuarterBeatsUpToTwoAndAHalfAndWholeOnesToFour) {
     const auto countBehindBar = [](float interval) {
         return search(500.0F, {500, 500, 500, interval, 100, 100}, 4).count;
@@ -318,8 +324,8 @@ TEST_F(PeakBufferTest, AgreementKnowsQuarterBeatsUpToTwoAndAHalfAndWholeOnesToFo
     EXPECT_EQ(countBehindBar(50.0F), 3);
 }
 
-// With a bar of 16 beats and a ring that is large enough: one beat and 30 halves fill it with the last entry that may
-// be walked; one beat more is out of reach.
+// With a bar of 16 beats and a ring that is large enough: one beat and 30 halves fill it with the
+// last entry that may be walked; one beat more is out of reach.
 TEST_F(PeakBufferTest, NoMoreThanThirtyEntriesAreWalked) {
     const RingStack<PeakInfo> ring = ringOf(std::vector<float>(40, 300.0F), 40);
     EXPECT_EQ(search(600.0F, ring, 4, 16.0F).row, 5);

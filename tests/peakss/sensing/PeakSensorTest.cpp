@@ -21,8 +21,8 @@ using peakss::PeakSensor;
 
 constexpr int kMaxPos = std::numeric_limits<int>::max();
 
-// At 48 kHz with 8 samples per level: a peak is confirmed 13919 samples (0.29 s) after its maximum, the line holds
-// for 81599 (1.7 s) and falls for 62400 (1.3 s) at a time.
+// At 48 kHz with 8 samples per level: a peak is confirmed 13919 samples (0.29 s) after its maximum,
+// the line holds for 81599 (1.7 s) and falls for 62400 (1.3 s) at a time.
 class PeakSensorTest : public beatatlas::test::RoundTowardZero {
 protected:
     static constexpr int kStep = 8;
@@ -123,8 +123,8 @@ TEST_F(PeakSensorTest, SofterLevelBelowTheHeldLineIsPassedOver) {
     EXPECT_EQ(sensor_.line(), 0.75F);
 }
 
-// 0.75 holds until 8 + 81600; then 0.25 / 62400 per sample down to half the peak. 62408 samples later (more than
-// 62400) the next fall halves the line, to 0.25 within another 62400.
+// 0.75 holds until 8 + 81600; then 0.25 / 62400 per sample down to half the peak. 62408 samples
+// later (more than 62400) the next fall halves the line, to 0.25 within another 62400.
 TEST_F(PeakSensorTest, LineFallsToHalfThePeakThenHalvesAgain) {
     constexpr int firstEnd = 8 + kFirstFall + 62400;
     put(1.0F);
@@ -142,14 +142,15 @@ TEST_F(PeakSensorTest, LineFallsToHalfThePeakThenHalvesAgain) {
     EXPECT_NEAR(sensor_.line(), 0.25F, 2e-3F);
 }
 
-// The target of a later fall is a share of the line as it is, not of the peak: with later falls to the line's
-// own level (share 1) the line stays at the 0.4 the first fall has reached.
+// The target of a later fall is a share of the line as it is, not of the peak: with later falls to
+// the line's own level (share 1) the line stays at the 0.4 the first fall has reached.
 TEST_F(PeakSensorTest, LaterFallsLeaveFromTheLine) {
     sensor_.setLimitLine(0.5F, 0.8F, 0.5F, 0.4F, 0.5F, 1.0F);  // 24000 samples each
     put(1.0F);
     EXPECT_EQ(sensor_.line(), 0.8F);
     silenceUntil(8 + 24000);
-    put(0.0F);  // more than 24000 after the peak only here: the fall is planned, and begins with the next level
+    // More than 24000 after the peak only here: the fall is planned, and begins with the next level.
+    put(0.0F);
     EXPECT_EQ(sensor_.line(), 0.8F);
     put(0.0F);
     EXPECT_LT(sensor_.line(), 0.8F);
@@ -171,7 +172,8 @@ TEST_F(PeakSensorTest, LineNeverStaysBelowTheFloor) {
 TEST_F(PeakSensorTest, LengthsBelongToTheSamplingRate) {
     sensor_.setSamplingRate(44100);
     EXPECT_EQ(sensor_.rate(), 44100);
-    // 44100 × 0.29 is just below 12789 in double precision: 12788, raised to 12792 in whole steps of 8.
+    // 44100 × 0.29 is just below 12789 in double precision: 12788, raised to 12792 in whole steps
+    // of 8.
     put(1.0F);
     silenceUntil(8 + 12784);
     EXPECT_EQ(confirmed(), 0);
@@ -219,7 +221,8 @@ TEST_F(PeakSensorTest, PeakIsConfirmedAcrossTheWrapOfPositions) {
     EXPECT_LT(sensor_.pos(), 0);
 }
 
-// Only a time that runs backward puts a position before its maximum; read unsigned, the distance is huge.
+// Only a time that runs backward puts a position before its maximum; read unsigned, the distance is
+// huge.
 TEST_F(PeakSensorTest, PositionBeforeTheMaximumEndsThePeakAtOnce) {
     sensor_.reset(1000);
     put(1.0F);
@@ -245,7 +248,8 @@ TEST_F(PeakSensorTest, WithoutDifferenceAnalysisTheInputPasses) {
     EXPECT_EQ(sensor_.getDiff(-0.5F), -0.5F);
 }
 
-// Mean of two: 1 − (1 + 0) / 2 = 0.5; 0 − (0 + 1) / 2 < 0; 2 − (2 + 0) / 2 = 1; 2 − (2 + 2) / 2 = 0.
+// Mean of two: 1 − (1 + 0) / 2 = 0.5; 0 − (0 + 1) / 2 < 0; 2 − (2 + 0) / 2 = 1; 2 − (2 + 2) / 2 =
+// 0.
 TEST_F(PeakSensorTest, DifferenceIsTheInputLessItsMovingMeanAndNeverNegative) {
     sensor_.setDiffAnalyze(0.001F, 0);
     EXPECT_EQ(sensor_.getDiff(1.0F), 0.5F);
@@ -342,8 +346,8 @@ void expectSameState(const PeakSensor& plain, const PeakSensor& fast) {
     EXPECT_EQ(fast.isTracking(), plain.isTracking());
 }
 
-// Hits that die away, a break in which the line falls to the floor, and a wrap of the positions; the oracle is
-// putLevel() alone.
+// Hits that die away, a break in which the line falls to the floor, and a wrap of the positions;
+// the oracle is putLevel() alone.
 TEST_F(PeakSensorTest, QuietRunsChangeNothing) {
     std::vector<float> levels = whiteNoise(200000, 17);
     float swell = 0.0F;

@@ -9,7 +9,8 @@
 
 namespace beatatlas::test {
 
-/** One band whose peaks are placed by the test: each goes through a real sensor into a real buffer. */
+/** One band whose peaks are placed by the test: each goes through a real sensor into a real
+ *  buffer. */
 class PeakTrain {
 public:
     static constexpr int kRate = 48000;  // 48 samples per ms

@@ -15,8 +15,8 @@ struct BeatSearchResult {
     int count = 0;
 };
 
-/** The beat search written straight down, over plain vectors: the oracle for the one in the library.
- *  older holds the stored intervals, newest first. */
+/** The beat search written straight down, over plain vectors: the oracle for the one in the
+ *  library. older holds the stored intervals, newest first. */
 inline BeatSearchResult plainBeatSearch(float newest, const std::vector<float>& older, float bar,
                                         int fromRow) {
     static constexpr float lowFirst[] = {500, 468, 923, 290, 320, 290, 666, 1500, 1125};

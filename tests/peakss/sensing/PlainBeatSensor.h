@@ -13,8 +13,9 @@
 
 namespace beatatlas::test {
 
-/** The six-band beat sensor written straight down, sample by sample and with a vote of plain loops: the oracle for
- *  the one in the library, of which it shares the filters and the peak sensing alone. */
+/** The six-band beat sensor written straight down, sample by sample and with a vote of plain loops:
+ *  the oracle for the one in the library, of which it shares the filters and the peak sensing
+ *  alone. */
 class PlainBeatSensor {
 public:
     PlainBeatSensor(int rate, int start, int end, peakss::BeatSensorSignal* signal)

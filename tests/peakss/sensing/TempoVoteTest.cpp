@@ -81,8 +81,8 @@ TEST_F(TempoVoteTest, TempiOutsideTheSlotsHaveNoVote) {
     EXPECT_EQ(vote_.votes(255), 4);
 }
 
-// Around 500 ms by 20 ms: 60000 / 520 = 115.4 to 60000 / 480 = 125, and the same about 60 and 240 BPM; 1040 ms
-// are 57.7 BPM and 240 ms 250.
+// Around 500 ms by 20 ms: 60000 / 520 = 115.4 to 60000 / 480 = 125, and the same about 60 and 240
+// BPM; 1040 ms are 57.7 BPM and 240 ms 250.
 TEST_F(TempoVoteTest, KeepOnlyLeavesATempoItsDoubleAndItsHalf) {
     for (const int bpm : {57, 58, 60, 62, 63, 90, 115, 116, 120, 125, 126, 180, 230, 231, 250, 251})
         vote_.add(60000.0F / static_cast<float>(bpm), 0.0F);
