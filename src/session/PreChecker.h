@@ -17,7 +17,7 @@ public:
     PreChecker(const PreChecker&) = delete;
     PreChecker& operator=(const PreChecker&) = delete;
 
-    /** Takes count frames (full scale ±32768), count > 0. */
+    /** Takes count frames (samples from −32768 to 32767), count > 0. */
     void putSample(const float* left, const float* right, int count);
 
     /** Frames counted as sounding, capped at the largest int. */

@@ -20,7 +20,9 @@ std::int32_t magnitude(float sample);
  *  up the same. */
 LevelTotals levelTotals(const float* left, const float* right, int n);
 
-/** The two forms in which the analysers take n frames of full scale ±32768.
+/** The two forms in which the analysers take n frames from −32768 to 32767. Louder samples wrap in
+ *  the second form, +32768.0 to −32768 the first of them.
+ *
  *  @param mono    receives the mean of both channels, full scale ±1.0
  *  @param stereo  receives both channels in turn, each by truncToInt16() */
 void convertFrames(const float* left, const float* right, int n, float* mono, std::int16_t* stereo);
