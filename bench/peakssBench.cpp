@@ -2,8 +2,8 @@
 #include "bench/BenchTrack.h"
 #include "bench/sessionRun.h"
 #include "dsp/RoundingMode.h"
-#include "peakss/BeatInfoAnalyzer.h"
-#include "peakss/BeatListMaker.h"
+#include "peakss/grid/BeatInfoAnalyzer.h"
+#include "peakss/sensing/BeatListMaker.h"
 #include "view/LoudViewMaker.h"
 
 namespace beatatlas::bench {

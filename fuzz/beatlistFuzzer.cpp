@@ -14,8 +14,7 @@
 #include "envelope/SimpleEnvelopeMaker.h"
 #include "envelope/UnitBeatAdjust.h"
 #include "envelope/UnitEnvelopeMaker.h"
-#include "peakss/BeatInfoAnalyzeInfo.h"
-#include "peakss/BeatInfoAnalyzer.h"
+#include "peakss/grid/BeatInfoAnalyzer.h"
 #include "require.h"
 
 namespace {

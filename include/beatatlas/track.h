@@ -48,7 +48,7 @@
  *  run at once. A BA_Track never changes: any threads may read it at once, and one of them releases
  *  it when all are done.
  *
- *  What the host's callbacks may rely on is told at BA_TrackOptions and BA_TrackSource. They must
+ *  What the host's callbacks may rely on is described at BA_TrackOptions and BA_TrackSource. They must
  *  not throw: open, read and progress are taken for asking to stop when they do, close ends the
  *  process.
  *
@@ -134,10 +134,10 @@ typedef struct BA_TrackOptions {
     int32_t threads;
     int32_t reserved; /**< 0 */
 
-    /** Is told how far the analysis has come: a fraction that never falls, grows about evenly in
+    /** Called with how far the analysis has come: a fraction that never falls, grows about evenly in
      *  time, and is 1 at the last call, which comes when all is done. May be called from any of the
      *  library's threads, never by two at once. Any result but 0 stops the analysis, after which it
-     *  is not called again. Default: null, not told. */
+     *  is not called again. Default: null, not called. */
     int (*progress)(void* host, double fraction);
     void* progress_host; /**< handed to progress. Default: null */
 
@@ -207,7 +207,7 @@ typedef struct BA_TrackConfidence {
     double level; /**< that people tap this multiple of it, where the pulse is right */
     double phase; /**< that they tap at these places, where the level is right */
     /** That the bars begin at these beats, where the beats are right; 0 where there are too few beats
-     *  to tell. */
+     *  to judge. */
     double bars;
 } BA_TrackConfidence;
 
@@ -292,7 +292,7 @@ BA_API void BA_TrackOptionsInit(BA_TrackOptions* options, size_t size);
  *          library does not know it. Nothing was called. BA_TRACK_NO_MEMORY: memory ran out, in
  *          whichever thread. BA_TRACK_STOPPED: open gave null, read less than 0, progress something
  *          else than 0, or one of them threw. BA_TRACK_WRONG_LENGTH: a pass had fewer or more
- *          frames than stated. Where two threads fail at once, either reason may be told. */
+ *          frames than stated. Where two threads fail at once, either reason may be given. */
 BA_API int BA_TrackAnalyze(const BA_TrackOptions* options, int32_t rate, int64_t frames,
                            const BA_TrackSource* source, BA_Track** track);
 
@@ -309,7 +309,7 @@ BA_API void BA_TrackRelease(BA_Track* track);
 
 /** @name Reading a result
  *
- *  A null handle is answered neutrally, as told at each function; any other value must come from an
+ *  A null handle is answered neutrally, as described at each function; any other value must come from an
  *  analysis and not have been released.
  *
  *  A list is copied to an array of the caller, as much of it as there is room for, from its

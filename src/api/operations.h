@@ -5,7 +5,8 @@
 
 #include "beatatlas/records.h"
 
-/** Each operation of the interface, written once for its plain and its C++ export. Handles may be null. */
+/** Each operation of the interface, written once for its plain and its C++ export. Handles may be
+ *  null. */
 namespace beatatlas {
 
 class Analyzer;

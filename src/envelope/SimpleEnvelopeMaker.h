@@ -14,8 +14,8 @@ namespace beatatlas {
 /** Follows the bass level of a track and lays a strictly regular beat grid on its pulses.
  *
  *  Serves the simple sessions: from a tempo and provisional beats it decides whether the beats sit
- *  on the loud pulses or half a beat off them, refines the beat period to a hundredth of an envelope
- *  value, and replaces the beats.
+ *  on the loud pulses or half a beat off them, refines the beat period to a hundredth of an
+ *  envelope value, and replaces the beats.
  *
  *  Life: create() → putSample() per block → analyze(), any number of times; reset() feeds the same
  *  track anew, create() again starts over.
@@ -47,12 +47,13 @@ public:
     /** Replaces `beats` by a regular grid from the first beat to the end of the track.
      *
      *  @param bpm  tempo of the provisional beats
-     *  @return     the refined tempo; `bpm` itself, with the beats untouched, when it is not above 0,
-     *              when there are no beats, or when it is so high that a refined beat would be shorter
-     *              than one envelope value */
+     *  @return     the refined tempo; `bpm` itself, with the beats untouched, when it is not above
+     *              0, when there are no beats, or when it is so high that a refined beat would be
+     *              shorter than one envelope value */
     float analyze(float bpm, peakss::BeatList& beats) const;
 
-    void release();  ///< safe to call twice
+    /** Safe to call twice. */
+    void release();
 
     /** One level per 128 frames, in 16-bit scale; 0 where nothing was fed. */
     const std::vector<std::int16_t>& envelope() const { return envelope_; }

@@ -36,7 +36,7 @@ int firstOfBar(const EnvelopeGrid& grid, const std::vector<int>& peaks,
     return scores.firstOfBar();
 }
 
-/** Place in the bar, 0..4, of the first given beat, when `firstOfBar` is that of the grid's. */
+/** Position in the bar, 0..4, of the first given beat, when `firstOfBar` is that of the grid's. */
 int placeOfFirstBeat(int firstOfBar, bool isPrepended) {
     const int back = -(firstOfBar % kBeatsPerBar);
     return isPrepended ? (back + 5) % kBeatsPerBar : back + kBeatsPerBar;

@@ -54,7 +54,8 @@ public:
      *  @param keepPhase  leaves out the half-beat move */
     void analyze(float bpm, peakss::BeatList& beats, bool keepPhase);
 
-    void release();  ///< safe to call twice
+    /** Safe to call twice. */
+    void release();
 
     /** One level per 128 frames, in 16-bit scale, centred on 0; 0 where nothing was fed. */
     const std::vector<std::int16_t>& envelope() const { return envelope_; }

@@ -8,8 +8,7 @@
 #include "dsp/PromptSleeps.h"
 #include "dsp/RoundingMode.h"
 #include "dsp/processorYield.h"
-#include "peakss/BeatInfoAnalyzeInfo.h"
-#include "peakss/BeatInfoAnalyzer.h"
+#include "peakss/grid/BeatInfoAnalyzer.h"
 #include "session/frameKernels.h"
 #include "session/tempoHundredths.h"
 

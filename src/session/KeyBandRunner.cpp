@@ -32,7 +32,7 @@ template <std::size_t kWidth>
 struct KeyBandRunner::Kernel {
     using Steps = BankSteps<SessionCascades, kWidth>;
 
-    BEATATLAS_LANES static void run(Block* block, int n, const BandStretch* key,
+    BEATATLAS_LANES static void run(Block* block, int n, const BandBlock* key,
                                     std::int16_t* samples, int count) {
         double signal[SessionCascades::kMostSamples];
         MonoOfBlock<Steps::kLanes>::run(key->frames, signal, count);
@@ -49,7 +49,7 @@ struct KeyBandRunner::Kernel {
 
 void KeyBandRunner::operator()(Block& block, int n) {
     std::array<std::int16_t, SessionCascades::kMostSamples> samples;
-    runInLanes<Kernel>(&block, n, static_cast<const BandStretch*>(&key_), samples.data(), key_.n);
+    runInLanes<Kernel>(&block, n, static_cast<const BandBlock*>(&key_), samples.data(), key_.n);
     take(key_.n, samples.data(), key_.n);
 }
 

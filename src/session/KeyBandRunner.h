@@ -25,7 +25,7 @@ public:
     void operator()(Block& block, int n);
 
 private:
-    using BandStretch = KeyRankMaker::BandStretch;
+    using BandBlock = KeyRankMaker::BandBlock;
 
     template <std::size_t kWidth>
     struct Kernel;
@@ -33,7 +33,7 @@ private:
     void take(int frames, const std::int16_t* samples, int n);
 
     KeyRankMaker& keyRankMaker_;
-    BandStretch key_;  // what is left of it
+    BandBlock key_;  // what is left of it
 };
 
 }  // namespace beatatlas

@@ -6,7 +6,7 @@
 #include "dsp/IirPassFilter.h"
 #include "dsp/lanes/VectorForm.h"
 #include "dsp/sampleBlocks.h"
-#include "peakss/bandDesigns.h"
+#include "peakss/sensing/designBands.h"
 #include "session/KeyBandRunner.h"
 #include "view/LVMakeBase.h"
 

@@ -10,7 +10,7 @@
 #include "dsp/FilterBank.h"
 #include "dsp/SecondOrderSection.h"
 #include "key/KeyRankMaker.h"
-#include "peakss/BandSignals.h"
+#include "peakss/sensing/designBands.h"
 #include "session/SessionCascades.h"
 
 namespace beatatlas {

@@ -35,8 +35,10 @@ public:
 
     const LevelDetector& detector() const { return detector_; }
     const PeakSum& sum() const { return sum_; }
-    const float* scaled() const { return scaled_.data(); }  ///< last chunk, rectified, 16-bit scale
-    float loudest() const { return loudest_; }              ///< of that chunk, 0 at the least
+    /** The last chunk, rectified, in 16-bit scale. */
+    const float* scaled() const { return scaled_.data(); }
+    /** The largest of that chunk, at least 0. */
+    float loudest() const { return loudest_; }
     PeakRecords& records() { return records_; }
 
 private:

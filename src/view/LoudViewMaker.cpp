@@ -3,7 +3,8 @@
 // Chunk by chunk of 1/75 s:
 //   1. follow the level peaks of its three bands
 //   2. follow the peaks of the low and mid band once more, decimated, for the dots
-//   3. average the level of the whole signal and sum the peaks of each band, in strips of 400 points
+//   3. average the level of the whole signal and sum the peaks of each band, in strips of 400
+//      points
 //   4. finish the loudness points that all four strips have left behind
 //   5. sum the decimated peaks in strips of 100 dots and finish dots likewise
 #include "view/LoudViewMaker.h"
@@ -12,8 +13,6 @@
 #include <cmath>
 #include <cstddef>
 
-#include "view/Dot.h"
-
 namespace beatatlas {
 
 namespace {
@@ -21,9 +20,16 @@ namespace {
 constexpr int kBlocksPerSecond = 75;
 constexpr std::int32_t kUncolored = 5;
 
-/** Shares of the held level that make a peak candidate: in the high band hats fall off faster than bass notes. */
+/** Shares of the held level that make a peak candidate: in the high band hats fall off faster than
+ *  bass notes. */
 constexpr float kRatio = 0.75F;
 constexpr float kHighRatio = 0.66F;
+
+/** The low band's sum; 1 where the mid band alone has one. */
+float dotLevel(std::int32_t lowSum, std::int32_t midSum) {
+    if (lowSum != 0) return static_cast<float>(lowSum);
+    return midSum != 0 ? 1.0F : 0.0F;
+}
 
 }  // namespace
 
@@ -69,8 +75,7 @@ void LoudViewMaker::startOver() {
 void LoudViewMaker::clearWaves() {
     loudWave_.fill({0.0F, kUncolored});
     dotsWave_.fill({0.0F, kUncolored});
-    loudDetails_.fill({});
-    dotsClasses_.fill(0);
+    loudSteps_.fill({});
     loudNum_ = 0;
     dotsNum_ = 0;
 }
@@ -127,7 +132,7 @@ void LoudViewMaker::finishLoudPoints(int ready) {
         const LoudPoint point =
             makeLoudPoint(averageStrip_[k], low_.sum()[k], mid_.sum()[k], high_.sum()[k]);
         loudWave_[static_cast<std::size_t>(k)].level = point.level;
-        loudDetails_[static_cast<std::size_t>(k)] = point.detail;
+        loudSteps_[static_cast<std::size_t>(k)] = point.steps;
     }
 }
 
@@ -138,16 +143,15 @@ int LoudViewMaker::dotsReady() const {
 
 void LoudViewMaker::finishDots(int ready) {
     for (; dotsNum_ < ready; ++dotsNum_) {
-        const Dot dot = makeDot(lowDots_.sum()[dotsNum_], midDots_.sum()[dotsNum_]);
-        dotsWave_[static_cast<std::size_t>(dotsNum_)].level = dot.level;
-        dotsClasses_[static_cast<std::size_t>(dotsNum_)] = dot.levelClass;
+        dotsWave_[static_cast<std::size_t>(dotsNum_)].level =
+            dotLevel(lowDots_.sum()[dotsNum_], midDots_.sum()[dotsNum_]);
     }
 }
 
 void LoudViewMaker::analyzeLoudColor(int from, int to) {
     for (int k = std::max(from, 0); k < std::min(to, kLoudPoints); ++k)
         loudWave_[static_cast<std::size_t>(k)].color =
-            loudColor(loudDetails_[static_cast<std::size_t>(k)]);
+            loudColor(loudSteps_[static_cast<std::size_t>(k)]);
 }
 
 }  // namespace beatatlas

@@ -14,14 +14,14 @@
 
 namespace beatatlas {
 
-/** Draws a whole track as a strip of 400 loudness points, coloured by the balance of its bands, and one of 100 dots
- *  that follow the bass. Point k stands for the k-th part of the declared length.
+/** Draws a whole track as a strip of 400 loudness points, coloured by the balance of its bands, and
+ *  one of 100 dots that follow the bass. Point k stands for the k-th part of the declared length.
  *
- *  Life: create() → analyzePeak() block by block → loudNum(), loudWave(), dotsNum(), dotsWave() at any time; points
- *  become final as the stream passes them. Loudness points have colour 5 until analyzeLoudColor() is asked for them,
- *  dots keep it. create() again starts over.
- *  Memory: the peak records of three bands and a few blocks, allocated in create(). Feeding allocates only to
- *  double the records of a track of more than three hours. */
+ *  Life: create() → analyzePeak() block by block → loudNum(), loudWave(), dotsNum(), dotsWave() at
+ *  any time; points become final as the stream passes them. Loudness points have colour 5 until
+ *  analyzeLoudColor() is asked for them, dots keep it. create() again starts over. Memory: the peak
+ *  records of three bands and a few blocks, allocated in create(). Feeding allocates only to double
+ *  the records of a track of more than three hours. */
 class LoudViewMaker : public LVMakeBase {
 public:
     LoudViewMaker() = default;
@@ -29,8 +29,8 @@ public:
 
     /** @param rate  samples per second, at least 75
      *  @param len  declared length in samples
-     *  @return 1; 0, with nothing held, when the rate is out of range. Throws std::bad_alloc when memory is short;
-     *          feeding is then ignored. */
+     *  @return 1; 0, with nothing held, when the rate is out of range. Throws std::bad_alloc when
+     *          memory is short; feeding is then ignored. */
     int create(int rate, int len);
 
     /** Back to the state after create(); does nothing before it. */
@@ -54,12 +54,12 @@ public:
     /** Frees the buffers; safe to call twice. */
     void release();
 
-    int loudNum() const { return loudNum_; }  ///< final loudness points, 0..400
+    /** Final loudness points, 0..400. */
+    int loudNum() const { return loudNum_; }
     const WavePoint* loudWave() const { return loudWave_.data(); }
-    const LoudPointDetail* loudDetails() const { return loudDetails_.data(); }
-    int dotsNum() const { return dotsNum_; }  ///< final dots, 0..100
+    /** Final dots, 0..100. */
+    int dotsNum() const { return dotsNum_; }
     const WavePoint* dotsWave() const { return dotsWave_.data(); }
-    const std::int32_t* dotsClasses() const { return dotsClasses_.data(); }
 
 private:
     void createBands(int rate, int len);
@@ -82,9 +82,8 @@ private:
     AverageLevel averageLevel_;
     AverageStrip averageStrip_;
     std::array<WavePoint, kLoudPoints> loudWave_{};
-    std::array<LoudPointDetail, kLoudPoints> loudDetails_{};
+    std::array<LoudPointSteps, kLoudPoints> loudSteps_{};
     std::array<WavePoint, kDots> dotsWave_{};
-    std::array<std::int32_t, kDots> dotsClasses_{};
     int loudNum_ = 0;
     int dotsNum_ = 0;
 };

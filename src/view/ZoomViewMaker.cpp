@@ -53,7 +53,8 @@ bool ZoomViewMaker::create(int rate, int total, int divisor, bool deferred) {
     return true;
 }
 
-// Bilinear transform with the corner pre-warped. The corner is 150 Hz whatever the number of points per second.
+// Bilinear transform with the corner pre-warped. The corner is 150 Hz whatever the number of points
+// per second.
 void ZoomViewMaker::designLowPass() {
     const double k = std::tan((kBassCornerHz * kPi) / static_cast<double>(rate_));
     const double kk = k * k;

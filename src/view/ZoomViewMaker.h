@@ -10,15 +10,18 @@ namespace beatatlas {
 
 /** One point of the zoom wave. */
 struct ZoomPoint {
-    std::int16_t level;  ///< peak magnitude 0..32767; once scaled 0..31, on a square law
-    std::int16_t color;  ///< 0 all bass … 7 no bass
+    /** Peak magnitude 0..32767; once scaled 0..31, on a square law. */
+    std::int16_t level;
+    /** 0 all bass … 7 no bass. */
+    std::int16_t color;
 };
 
-/** Draws a track as one point per frame of rate / divisor samples: its peak, and how much of it is bass.
+/** Draws a track as one point per frame of rate / divisor samples: its peak, and how much of it is
+ *  bass.
  *
- *  Bass is what a second-order Butterworth low-pass at 150 Hz leaves of the mono signal. Deferred, the levels stay
- *  raw peaks until the declared length has been fed and are then scaled together, relative to the loudest frame;
- *  otherwise each is scaled at once, relative to full scale.
+ *  Bass is what a second-order Butterworth low-pass at 150 Hz leaves of the mono signal. Deferred,
+ *  the levels stay raw peaks until the declared length has been fed and are then scaled together,
+ *  relative to the loudest frame; otherwise each is scaled at once, relative to full scale.
  *
  *  Life: create() → putSample() per block, of any length → count() and points() at any time; create() again starts
  *  over. What is fed after the frame that reaches the declared length is ignored.
@@ -32,8 +35,8 @@ public:
 
     /** @param total  declared frames per channel, at least 1
      *  @param divisor  points per second, at least 1 and at most rate
-     *  @return false, with nothing held, when an argument is out of range. Throws std::bad_alloc, with nothing held,
-     *          when the points find no memory. */
+     *  @return false, with nothing held, when an argument is out of range. Throws std::bad_alloc,
+     *          with nothing held, when the points find no memory. */
     bool create(int rate, int total, int divisor, bool deferred);
 
     /** Back to the state after create(). */
@@ -49,8 +52,8 @@ public:
     /** What makes the bass of the mono signal; designed by create(). */
     const SecondOrderSection& bassFilter() const { return bassFilter_; }
 
-    /** Scales every raw level made so far against the track's peak and returns count(). The deferred form does this
-     *  by itself, once, when the declared length is reached. */
+    /** Scales every raw level made so far against the track's peak and returns count(). The
+     *  deferred form does this by itself, once, when the declared length is reached. */
     int analyzeLV();
 
     /** Frees the arrays; safe to call twice. */

@@ -15,7 +15,7 @@
 #include "envelope/SimpleEnvelopeMaker.h"
 #include "envelope/UnitEnvelopeMaker.h"
 #include "key/KeyRankMaker.h"
-#include "peakss/BeatListMaker.h"
+#include "peakss/sensing/BeatListMaker.h"
 #include "session/frameKernels.h"
 #include "support/PlainBands.h"
 #include "support/RoundTowardZero.h"

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "dsp/IirPassFilter.h"
-#include "peakss/BandSignals.h"
+#include "peakss/sensing/designBands.h"
 
 namespace beatatlas::test {
 
