@@ -31,17 +31,18 @@
  *     it.
  *  5. BA_Release.
  *  A call out of this order does nothing. Nothing is ever reported by an error code: a getter of a
- *  session that has no answer returns the neutral result described there (0, false, nothing written).
+ *  session that has no answer returns the neutral result described there (0, false, nothing
+ *  written).
  *
  *  Samples
  *  -------
  *  Two arrays of 32-bit floats, left and right, in the scale of 16-bit integers: from -32768 to
  *  32767. Most analysers cut values to integers toward zero and keep the low 16 bits: louder values
  *  wrap. +32768.0, which decoders give for a sample of +1.0, is already one of them: it becomes
- *  -32768, which may change the key, the beats and the colours of the waves. Clip to -32768 and 32767 before
- *  feeding. NaN, infinities and values outside 32-bit integers count as 0 there. A mono track is fed
- *  as both channels. A frame is one sample per channel; every position
- *  and length here counts frames. The arrays are only read, and only during the call.
+ *  -32768, which may change the key, the beats and the colours of the waves. Clip to -32768 and
+ *  32767 before feeding. NaN, infinities and values outside 32-bit integers count as 0 there. A
+ *  mono track is fed as both channels. A frame is one sample per channel; every position and length
+ *  here counts frames. The arrays are only read, and only during the call.
  *
  *  Handles
  *  -------
@@ -229,7 +230,8 @@ BA_API int BA_GetZoomWave(void* session, BA_WaveInfo* out);
 BA_API int BA_GetMainKey(void* session);
 
 /** @name Utilities on a caller's buffer
- *  They need a handle that is not null but use nothing of the session. beatatlas/utilities.h says what each computes and offers them without a handle to C++ hosts.
+ *  They need a handle that is not null but use nothing of the session. beatatlas/utilities.h says
+ *  what each computes and offers them without a handle to C++ hosts.
  *  @{ */
 
 /** Low-passes the input at 0.05 of its rate and takes every step-th sample (made for step 10).

@@ -6,8 +6,8 @@
  *  overload).
  *
  *  Common to all of them:
- *  - Every array belongs to the caller, is not kept, and is as large as each function says; nothing is
- *    checked for null. Pointers are not const in the signatures, but only what is said to be
+ *  - Every array belongs to the caller, is not kept, and is as large as each function says; nothing
+ *    is checked for null. Pointers are not const in the signatures, but only what is said to be
  *    written is written.
  *  - Nothing is kept between calls: a filter starts from silence each time. Only fft_less_normalize
  *    allocates.

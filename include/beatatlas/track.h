@@ -5,8 +5,9 @@
  *
  *  libbeatatlas_track builds on the sessions of libbeatatlas and does for the host what they leave
  *  to it: it makes the passes, scales and clips the samples, keeps the host's rounding mode, prints
- *  nothing to standard output, and can use more than one processor. It knows nothing of files. C linkage; compiles as C99 and as C++. C++ hosts may prefer track.hpp, which wraps this
- *  interface in values and exceptions.
+ *  nothing to standard output, and can use more than one processor. It knows nothing of files. C
+ *  linkage; compiles as C99 and as C++. C++ hosts may prefer track.hpp, which wraps this interface
+ *  in values and exceptions.
  *
  *  A whole analysis of audio in memory:
  *
@@ -36,9 +37,9 @@
  *  Two channels of 32-bit floats, full scale ±1.0, at 44,100 or 48,000 frames per second. A frame
  *  is one sample per channel. Louder samples and infinities are clipped to full scale, NaN counts
  *  as 0. A mono track is given as both channels. No result depends on the number of threads, on how
- *  the source hands out its frames, or on the rounding mode. Waves, the session's key, and tempo and
- *  beats in every mode but auto are, bit for bit, those of a session of libbeatatlas that is fed the
- *  same samples times 32,768, clipped to -32,768 … 32,767.
+ *  the source hands out its frames, or on the rounding mode. Waves, the session's key, and tempo
+ *  and beats in every mode but auto are, bit for bit, those of a session of libbeatatlas that is
+ *  fed the same samples times 32,768, clipped to -32,768 … 32,767.
  *
  *  Threads
  *  -------
@@ -48,9 +49,9 @@
  *  run at once. A BA_Track never changes: any threads may read it at once, and one of them releases
  *  it when all are done.
  *
- *  What the host's callbacks may rely on is described at BA_TrackOptions and BA_TrackSource. They must
- *  not throw: open, read and progress are taken for asking to stop when they do, close ends the
- *  process.
+ *  What the host's callbacks may rely on is described at BA_TrackOptions and BA_TrackSource. They
+ *  must not throw: open, read and progress are taken for asking to stop when they do, close ends
+ *  the process.
  *
  *  Arithmetic and output
  *  ---------------------
@@ -134,10 +135,10 @@ typedef struct BA_TrackOptions {
     int32_t threads;
     int32_t reserved; /**< 0 */
 
-    /** Called with how far the analysis has come: a fraction that never falls, grows about evenly in
-     *  time, and is 1 at the last call, which comes when all is done. May be called from any of the
-     *  library's threads, never by two at once. Any result but 0 stops the analysis, after which it
-     *  is not called again. Default: null, not called. */
+    /** Called with how far the analysis has come: a fraction that never falls, grows about evenly
+     *  in time, and is 1 at the last call, which comes when all is done. May be called from any of
+     *  the library's threads, never by two at once. Any result but 0 stops the analysis, after
+     *  which it is not called again. Default: null, not called. */
     int (*progress)(void* host, double fraction);
     void* progress_host; /**< handed to progress. Default: null */
 
@@ -206,8 +207,8 @@ typedef struct BA_TrackConfidence {
     double tempo; /**< that the music has this pulse, or one of its multiples or parts */
     double level; /**< that people tap this multiple of it, where the pulse is right */
     double phase; /**< that they tap at these places, where the level is right */
-    /** That the bars begin at these beats, where the beats are right; 0 where there are too few beats
-     *  to judge. */
+    /** That the bars begin at these beats, where the beats are right; 0 where there are too few
+     *  beats to judge. */
     double bars;
 } BA_TrackConfidence;
 
@@ -309,8 +310,8 @@ BA_API void BA_TrackRelease(BA_Track* track);
 
 /** @name Reading a result
  *
- *  A null handle is answered neutrally, as described at each function; any other value must come from an
- *  analysis and not have been released.
+ *  A null handle is answered neutrally, as described at each function; any other value must come
+ *  from an analysis and not have been released.
  *
  *  A list is copied to an array of the caller, as much of it as there is room for, from its
  *  beginning; a null array counts as no room. The result is how many there are, whatever was
@@ -366,7 +367,8 @@ BA_API size_t BA_TrackWave(const BA_Track* track, int wave, BA_WaveInfo* out, si
 BA_API int32_t BA_TrackKey(const BA_Track* track);
 
 /** How sure that key is: the share of tracks of known key on which such an answer was right, 0 to
- *  1; of a few seconds of music it is small, since a few chords fit many keys. Where it is below 0.8, show the second candidate too, or none. */
+ *  1; of a few seconds of music it is small, since a few chords fit many keys. Where it is below
+ *  0.8, show the second candidate too, or none. */
 BA_API double BA_TrackKeyConfidence(const BA_Track* track);
 
 /** All 24 keys, the likeliest first. */

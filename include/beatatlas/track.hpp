@@ -69,8 +69,8 @@ struct Options {
     /** The most threads that may work at once, the calling one among them, from 1. */
     int threads = 1;
 
-    /** Called with how far the analysis has come, as BA_TrackOptions has it. To stop the analysis it
-     *  throws; analyze() then throws the same. */
+    /** Called with how far the analysis has come, as BA_TrackOptions has it. To stop the analysis
+     *  it throws; analyze() then throws the same. */
     std::function<void(double fraction)> progress;
 };
 
