@@ -79,6 +79,11 @@ const BenchTrack& benchTrack() {
     return track;
 }
 
+FilteredTrack& filteredBenchTrack() {
+    static FilteredTrack filtered(kRate, benchTrack().mono, benchTrack().interleaved);
+    return filtered;
+}
+
 void reportAudio(benchmark::State& state, double frames, double rate) {
     using benchmark::Counter;
     const double total = frames * static_cast<double>(state.iterations());

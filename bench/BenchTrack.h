@@ -7,6 +7,7 @@
 
 #include <benchmark/benchmark.h>
 
+#include "bench/FilteredTrack.h"
 #include "peakss/BeatInfo.h"
 #include "support/TrackSynth.h"
 
@@ -35,6 +36,9 @@ test::StereoTrack makeSong(double seconds);
 /** Made once, at the first call. It has too many events for a branch predictor to memorise, so the
  *  same track may be used repeatedly. */
 const BenchTrack& benchTrack();
+
+/** What analysers hear of that track through filters. */
+FilteredTrack& filteredBenchTrack();
 
 /** Calls feed(first frame, frames) for block after block of the track. */
 template <typename Feed>

@@ -16,15 +16,16 @@ namespace {
 
 using Names = std::vector<std::string>;
 
-// The parts of a session of constant tempo; the loudness wave uses the beat sensor's bands.
-const Names kSessionParts = {"preChecker",        "beatSensorAndLoudView", "keyRankMaker",
-                             "unitEnvelopeMaker", "unitBeatAdjust",        "zoomViewMaker",
-                             "beatListAnalysis",  "unitEnvelopeAnalyze",   "unitBeatAdjustAnalyze"};
+// What a session of constant tempo spends its time on; it filters once for all.
+const Names kSessionParts = {"preChecker",           "trackFilters",      "beatSensorAndLoudView",
+                             "keyRankMaker",         "unitEnvelopeMaker", "unitBeatAdjust",
+                             "zoomViewMaker",        "beatListAnalysis",  "unitEnvelopeAnalyze",
+                             "unitBeatAdjustAnalyze"};
 const Names kSessions = {"sessionConstant", "sessionVaried", "sessionSimple", "sessionBeatsOnly",
                          "sessionViewsOnly"};
 const Names kApart = {"beatSensor", "loudViewMaker", "simpleEnvelopeMaker", "sectionsInTurn",
                       "sectionsInBank"};
-// The automatic tempo without its sessions, part by part, and as a whole with them.
+// The automatic tempo beside its sessions, part by part, and as a whole with them.
 const Names kTempoParts = {"bandLevels",
                            "chromaStream",
                            "evidenceListener",
@@ -42,7 +43,7 @@ const Names kTempoParts = {"bandLevels",
                            "sessionPair",
                            "sessionPairClose",
                            "autoTempo"};
-// The key by evidence, as a whole and part by part.
+// The key by evidence beside the session's, as a whole and part by part.
 const Names kKeyParts = {"evidenceKey", "keyPeaks", "keyFolding", "keySegments"};
 const Names kUtilities = {"resampler",         "beatCutter/0",       "beatCutter/4",
                           "pitchDetector/1/0", "pitchDetector/10/0", "pitchDetector/10/4",
@@ -53,7 +54,7 @@ struct Figures {
     double timesRealTime = 0.0;
 };
 
-/** Stores the median of each benchmark's repetitions instead of printing it. */
+/** Takes the median of each benchmark's repetitions instead of printing it. */
 class Medians : public benchmark::BenchmarkReporter {
 public:
     bool ReportContext(const Context& /*context*/) override { return true; }
@@ -122,9 +123,7 @@ void printSessionParts(const std::vector<FormRun>& runs) {
         printRow(runs, name);
         std::printf(" %.1f %% |\n", 100.0 * part / whole);
     }
-    std::printf("\nOn their own the parts take %.0f %% of a session's time: each filters for "
-                "itself, a session "
-                "once for all.\n",
+    std::printf("\nOn their own the parts take %.0f %% of a session's time.\n",
                 100.0 * parts / whole);
 }
 

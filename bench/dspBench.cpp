@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include <array>
 #include <cmath>
+#include <memory>
 
 #include "beatatlas/dsp.h"
 #include "bench/BenchTrack.h"
@@ -8,6 +9,7 @@
 #include "dsp/FilterBank.h"
 #include "dsp/IirPassFilter.h"
 #include "dsp/RoundingMode.h"
+#include "dsp/sampleBlocks.h"
 
 namespace beatatlas::bench {
 namespace {
@@ -28,9 +30,21 @@ void iirPassFilter(benchmark::State& state) {
 }
 BENCHMARK(iirPassFilter)->Unit(benchmark::kMillisecond);
 
-/** The cascades of a session's beat sensor: a low band, a high band, a band and the view's low band
- *  of two sections each, and a band of four sections. */
-using Cascades = std::array<IirPassFilter, FilterBank::kCascades>;
+/** The sensor's bands and the view's low band, twelve sections. */
+struct BandPlan {
+    static constexpr int kMostSamples = kBlockFrames;
+    static constexpr std::size_t kSignals = 1;
+    static constexpr std::array<Cascade, 8> kCascades = [] {
+        std::array<Cascade, 8> cascades{};
+        cascades.fill({0, 2, Cascade::Output::magnitudes});
+        for (const std::size_t unused : {0U, 1U, 2U}) cascades[unused].sections = 1;
+        cascades[3].sections = 4;
+        return cascades;
+    }();
+};
+constexpr std::array<std::size_t, 5> kUsed = {4, 5, 6, 7, 3};
+
+using Cascades = std::array<IirPassFilter, kUsed.size()>;
 
 void design(Cascades& cascades) {
     constexpr float kQ = 0.70710677F;
@@ -41,7 +55,7 @@ void design(Cascades& cascades) {
     cascades[4].createMidPathFilterB(400.0F, 3000.0F, kRate, kQ);
 }
 
-/** Twelve sections in their plain form, each waiting for its own previous output. */
+/** Twelve sections in their plain form, each waiting for its own last output. */
 void sectionsInTurn(benchmark::State& state) {
     const BenchTrack& track = benchTrack();
     std::vector<float> out(kBlockFrames);
@@ -64,22 +78,18 @@ BENCHMARK(sectionsInTurn)->Unit(benchmark::kMillisecond);
 /** The same twelve in vector lanes. */
 void sectionsInBank(benchmark::State& state) {
     const BenchTrack& track = benchTrack();
-    std::array<std::vector<float>, FilterBank::kCascades> outs;
-    FilterBank::Outputs pointers{};
-    for (std::size_t c = 0; c < outs.size(); ++c) {
-        outs[c].resize(kBlockFrames);
-        pointers[c] = outs[c].data();
-    }
+    const auto bank = std::make_unique<FilterBank<BandPlan>>();
     for (auto _ : state) {
         const TowardZeroScope mode;
         Cascades cascades;
         design(cascades);
-        FilterBank bank;
-        for (int c = 0; c < FilterBank::kCascades; ++c)
-            bank.design(c, cascades[static_cast<std::size_t>(c)]);
+        for (std::size_t c = 0; c < kUsed.size(); ++c)
+            for (int s = 0; s < cascades[c].stageCount(); ++s)
+                bank->design(kUsed[c], static_cast<std::size_t>(s), cascades[c].stage(s).section());
         forEachBlock([&](int from, int count) {
-            bank.operate(track.mono.data() + from, pointers, count);
-            benchmark::DoNotOptimize(pointers[0]);
+            widenBlock(track.mono.data() + from, bank->signal(0), count);
+            bank->operate(count);
+            benchmark::DoNotOptimize(bank->magnitudes(kUsed[0]));
         });
     }
     reportAudio(state, kFrames);
@@ -101,8 +111,7 @@ void fft(benchmark::State& state) {
 }
 BENCHMARK(fft)->Arg(1024)->Arg(4096)->Unit(benchmark::kMicrosecond);
 
-/** Two octaves from A4, ten seconds at a tenth of the rate, as the pitch detector does for one
- *  candidate. */
+/** Two octaves from A4, ten seconds at a tenth of the rate, as the pitch detector does for one candidate. */
 void constantQBank(benchmark::State& state) {
     constexpr int kLength = 44100;
     constexpr int kHop = 2048;

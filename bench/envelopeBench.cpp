@@ -8,16 +8,28 @@
 namespace beatatlas::bench {
 namespace {
 
+/** What a maker hears of the track from a frame on. */
+const double* heardBy(const SimpleEnvelopeMaker& /*maker*/, int frame) {
+    return filteredBenchTrack().bassLine.data() + frame;
+}
+
+const double* heardBy(const UnitEnvelopeMaker& /*maker*/, int frame) {
+    return filteredBenchTrack().pulses.data() + frame;
+}
+
+const std::int16_t* heardBy(const UnitBeatAdjust& /*adjust*/, int frame) {
+    return benchTrack().interleaved.data() + (2 * frame);
+}
+
 template <typename Maker>
 void feedWholeTrack(Maker& maker) {
-    const std::int16_t* frames = benchTrack().interleaved.data();
     maker.create(kRate, kFrames);
-    forEachBlock([&](int from, int count) { maker.putSample(frames + (2 * from), count); });
+    forEachBlock([&](int from, int count) { maker.putSample(heardBy(maker, from), count); });
 }
 
 template <typename Maker>
 void feed(benchmark::State& state) {
-    benchTrack();
+    filteredBenchTrack();
     for (auto _ : state) {
         const TowardZeroScope mode;
         Maker maker;

@@ -4,6 +4,7 @@
 #include <array>
 #include <cstdint>
 #include <cstdio>
+#include <memory>
 #include <vector>
 
 #include "beatatlas/utilities.h"
@@ -15,8 +16,8 @@
 #include "envelope/UnitBeatAdjust.h"
 #include "envelope/UnitEnvelopeMaker.h"
 #include "key/KeyRankMaker.h"
-#include "peakss/BeatInfoAnalyzer.h"
-#include "peakss/BeatListMaker.h"
+#include "peakss/grid/BeatInfoAnalyzer.h"
+#include "peakss/sensing/BeatListMaker.h"
 #include "session/PreChecker.h"
 #include "view/LoudViewMaker.h"
 #include "view/ZoomViewMaker.h"
@@ -36,6 +37,7 @@ struct Piece {
     test::StereoTrack stereo;
     std::vector<float> mono;
     std::vector<std::int16_t> interleaved;
+    std::unique_ptr<bench::FilteredTrack> filtered;
     std::vector<float> thinned;
     PreChecker checker;
     peakss::BeatListMaker sensed;
@@ -47,6 +49,13 @@ template <typename Put>
 void inBlocks(Put put) {
     for (int from = 0; from < kLength; from += kBlockFrames)
         put(from, std::min(kBlockFrames, kLength - from));
+}
+
+void sense(peakss::BeatListMaker& maker, LVMakeBase* loudView) {
+    maker.create(kRate, 0, kLength);
+    inBlocks([&](int from, int count) {
+        maker.put(piece.mono.data() + from, piece.filtered->bandsFrom(from), count, loudView);
+    });
 }
 
 void makePiece() {
@@ -70,17 +79,23 @@ void makePiece() {
     }
     piece.thinned.resize(kThinnedLength);
     piece.checker.putSample(piece.stereo.left.data(), piece.stereo.right.data(), kLength);
+    piece.filtered = std::make_unique<bench::FilteredTrack>(kRate, piece.mono, piece.interleaved);
     const TowardZeroScope mode;
-    piece.sensed.create(kRate, 0, kLength);
-    inBlocks(
-        [](int from, int count) { piece.sensed.put(piece.mono.data() + from, count, nullptr); });
+    sense(piece.sensed, nullptr);
+}
+
+const std::int16_t* framesFrom(int frame) {
+    return piece.interleaved.data() + (2 * static_cast<std::ptrdiff_t>(frame));
 }
 
 template <typename Maker>
 void feedInterleaved(Maker& maker) {
-    inBlocks([&](int from, int count) {
-        maker.putSample(piece.interleaved.data() + (2 * static_cast<std::ptrdiff_t>(from)), count);
-    });
+    inBlocks([&](int from, int count) { maker.putSample(framesFrom(from), count); });
+}
+
+template <typename Maker>
+void feedFiltered(Maker& maker, const std::vector<double>& filtered) {
+    inBlocks([&](int from, int count) { maker.putSample(filtered.data() + from, count); });
 }
 
 }  // namespace
@@ -97,12 +112,19 @@ __attribute__((noinline)) void measured_preChecker() {
     checker.putSample(piece.stereo.left.data(), piece.stereo.right.data(), kLength);
 }
 
+__attribute__((noinline)) void measured_trackFilters() {
+    TrackFilters filters;
+    bench::createFilters(filters, kRate);
+    inBlocks([&](int from, int count) {
+        filters.operate(piece.mono.data() + from, framesFrom(from), count, nullptr);
+    });
+}
+
 __attribute__((noinline)) void measured_beatSensorAndLoudView() {
     peakss::BeatListMaker maker;
     LoudViewMaker loudView;
-    maker.create(kRate, 0, kLength);
     loudView.create(kRate, kLength);
-    inBlocks([&](int from, int count) { maker.put(piece.mono.data() + from, count, &loudView); });
+    sense(maker, &loudView);
 }
 
 __attribute__((noinline)) void measured_keyRankMaker() {
@@ -118,7 +140,7 @@ __attribute__((noinline)) void measured_unitEnvelopeMaker() {
     UnitEnvelopeMaker maker;
     peakss::BeatList beats = piece.grid;
     maker.create(kRate, kLength);
-    feedInterleaved(maker);
+    feedFiltered(maker, piece.filtered->pulses);
     maker.analyze(kBpm, beats, false);
 }
 
@@ -126,7 +148,7 @@ __attribute__((noinline)) void measured_simpleEnvelopeMaker() {
     SimpleEnvelopeMaker maker;
     peakss::BeatList beats = piece.grid;
     maker.create(kRate, kLength);
-    feedInterleaved(maker);
+    feedFiltered(maker, piece.filtered->bassLine);
     maker.analyze(kBpm, beats);
 }
 
@@ -151,7 +173,9 @@ __attribute__((noinline)) void measured_unitBeatAdjust() {
 __attribute__((noinline)) void measured_zoomViewMaker() {
     ZoomViewMaker maker;
     maker.create(kRate, kLength, 150, true);
-    feedInterleaved(maker);
+    inBlocks([&](int from, int count) {
+        maker.putSample(framesFrom(from), piece.filtered->bass.data() + from, count);
+    });
 }
 
 __attribute__((noinline)) void measured_resampler() {
@@ -181,9 +205,10 @@ struct Part {
     int frames;
 };
 
-constexpr std::array<Part, 13> kParts = {{
+constexpr std::array<Part, 14> kParts = {{
     {"wholeSession", measured_wholeSession, kLength},
     {"preChecker", measured_preChecker, kLength},
+    {"trackFilters", measured_trackFilters, kLength},
     {"beatSensorAndLoudView", measured_beatSensorAndLoudView, kLength},
     {"keyRankMaker", measured_keyRankMaker, kLength},
     {"unitEnvelopeMaker", measured_unitEnvelopeMaker, kLength},

@@ -2,8 +2,8 @@
 #include "bench/BenchTrack.h"
 #include "bench/sessionRun.h"
 #include "dsp/RoundingMode.h"
-#include "peakss/BeatInfoAnalyzer.h"
-#include "peakss/BeatListMaker.h"
+#include "peakss/grid/BeatInfoAnalyzer.h"
+#include "peakss/sensing/BeatListMaker.h"
 #include "view/LoudViewMaker.h"
 
 namespace beatatlas::bench {
@@ -11,13 +11,15 @@ namespace {
 
 void sense(peakss::BeatListMaker& maker, LVMakeBase* loudView) {
     const BenchTrack& track = benchTrack();
+    FilteredTrack& filtered = filteredBenchTrack();
     maker.create(kRate, 0, kFrames);
-    forEachBlock(
-        [&](int from, int count) { maker.put(track.mono.data() + from, count, loudView); });
+    forEachBlock([&](int from, int count) {
+        maker.put(track.mono.data() + from, filtered.bandsFrom(from), count, loudView);
+    });
 }
 
 void beatSensor(benchmark::State& state) {
-    benchTrack();
+    filteredBenchTrack();
     for (auto _ : state) {
         const TowardZeroScope mode;
         peakss::BeatListMaker maker;
@@ -30,7 +32,7 @@ BENCHMARK(beatSensor)->Unit(benchmark::kMillisecond);
 
 /** As in a session: the loudness wave uses the sensor's bands. */
 void beatSensorAndLoudView(benchmark::State& state) {
-    benchTrack();
+    filteredBenchTrack();
     for (auto _ : state) {
         const TowardZeroScope mode;
         peakss::BeatListMaker maker;

@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: MIT
-// The whole session as a host drives it, through the public interface only.
+// The whole session as a host drives it, and the filters that its analysers share.
 #include "beatatlas/beatatlas.hpp"
 #include "bench/BenchTrack.h"
+#include "bench/FilteredTrack.h"
 #include "bench/sessionRun.h"
+#include "dsp/RoundingMode.h"
 
 namespace beatatlas::bench {
 namespace {
@@ -14,6 +16,23 @@ void session(benchmark::State& state, CreateSession create, bool withKey) {
     for (auto _ : state) runSession(create, track, kFrames, withKey);
     reportAudio(state, kFrames);
 }
+
+/** What a session with everything in it filters for its analysers. */
+void trackFilters(benchmark::State& state) {
+    const BenchTrack& track = benchTrack();
+    for (auto _ : state) {
+        const TowardZeroScope mode;
+        TrackFilters filters;
+        createFilters(filters, kRate);
+        forEachBlock([&](int from, int count) {
+            filters.operate(track.mono.data() + from, track.interleaved.data() + (2 * from), count,
+                            nullptr);
+            benchmark::DoNotOptimize(filters.bass());
+        });
+    }
+    reportAudio(state, kFrames);
+}
+BENCHMARK(trackFilters)->Unit(benchmark::kMillisecond);
 
 void sessionConstant(benchmark::State& state) {
     session(state, createWholeSession, true);

@@ -9,12 +9,15 @@ namespace {
 
 void loudViewMaker(benchmark::State& state) {
     const BenchTrack& track = benchTrack();
+    FilteredTrack& filtered = filteredBenchTrack();
     for (auto _ : state) {
         const TowardZeroScope mode;
         LoudViewMaker maker;
         maker.create(kRate, kFrames);
         forEachBlock([&](int from, int count) {
-            maker.analyzePeak(track.mono.data() + from, nullptr, nullptr, nullptr, count);
+            const peakss::BandSignals bands = filtered.bandsFrom(from);
+            maker.analyzePeak(track.mono.data() + from, bands.viewLow, bands.bands[2],
+                              bands.bands[3], count);
         });
         maker.analyzeLoudColor(0, maker.loudNum());
         benchmark::DoNotOptimize(maker.loudWave());
@@ -25,12 +28,14 @@ BENCHMARK(loudViewMaker)->Unit(benchmark::kMillisecond);
 
 void zoomViewMaker(benchmark::State& state) {
     const BenchTrack& track = benchTrack();
+    const FilteredTrack& filtered = filteredBenchTrack();
     for (auto _ : state) {
         const TowardZeroScope mode;
         ZoomViewMaker maker;
         maker.create(kRate, kFrames, 150, true);
         forEachBlock([&](int from, int count) {
-            maker.putSample(track.interleaved.data() + (2 * from), count);
+            maker.putSample(track.interleaved.data() + (2 * from), filtered.bass.data() + from,
+                            count);
         });
         benchmark::DoNotOptimize(maker.points());
     }

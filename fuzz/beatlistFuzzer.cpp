@@ -11,11 +11,11 @@
 #include "FuzzAudio.h"
 #include "FuzzersRoundingMode.h"
 #include "dsp/RoundingMode.h"
+#include "dsp/sampleBlocks.h"
 #include "envelope/SimpleEnvelopeMaker.h"
 #include "envelope/UnitBeatAdjust.h"
 #include "envelope/UnitEnvelopeMaker.h"
-#include "peakss/BeatInfoAnalyzeInfo.h"
-#include "peakss/BeatInfoAnalyzer.h"
+#include "peakss/grid/BeatInfoAnalyzer.h"
 #include "require.h"
 
 namespace {
@@ -117,15 +117,17 @@ void refine(FuzzInput& input, int rate, int length, bool varied, float bpm,
             peakss::BeatList& grid) {
     const int fed = std::min(1 + static_cast<int>(input.bits32() % kMostFrames), length);
     const std::vector<std::int16_t> samples = interleaved(input, fed);
+    std::vector<double> mono(static_cast<std::size_t>(fed));
+    monoOfBlock(samples.data(), mono.data(), fed);
     if (input.flag()) {
         SimpleEnvelopeMaker simple;
         simple.create(rate, length);
-        simple.putSample(samples.data(), fed);
+        simple.putSample(mono.data(), fed);
         bpm = simple.analyze(bpm, grid);
     }
     UnitEnvelopeMaker unit;
     unit.create(rate, length);
-    unit.putSample(samples.data(), fed);
+    unit.putSample(mono.data(), fed);
     unit.analyze(bpm, grid, varied);
     if (varied && input.flag()) return;
     UnitBeatAdjust adjust;

@@ -26,20 +26,23 @@
  *     detection needs; until the declared length has arrived, BA_SetSample does nothing.
  *  3. The whole track through BA_SetSample, in calls of any length. The call that brings the
  *     declared length runs the closing analysis before it returns; BA_Analyzed is true from then
- *     on. More frames are ignored.
+ *     on. Later calls are ignored.
  *  4. The getters. The waves can be read during step 3 and grow; tempo, beats and key exist after
  *     it.
  *  5. BA_Release.
  *  A call out of this order does nothing. Nothing is ever reported by an error code: a getter of a
- *  session that has no answer returns the neutral result told at it (0, false, nothing written).
+ *  session that has no answer returns the neutral result described there (0, false, nothing
+ *  written).
  *
  *  Samples
  *  -------
- *  Two arrays of 32-bit floats, left and right, in the scale of 16-bit integers: full scale is
- *  ±32768. Values are cut to integers toward zero, of which the low 16 bits are kept (louder values
- *  wrap, so clip before feeding); NaN, infinities and values outside 32-bit integers count as 0
- *  there. A mono track is fed as both channels. A frame is one sample per channel; every position
- *  and length here counts frames. The arrays are only read, and only during the call.
+ *  Two arrays of 32-bit floats, left and right, in the scale of 16-bit integers: from -32768 to
+ *  32767. Most analysers cut values to integers toward zero and keep the low 16 bits: louder values
+ *  wrap. +32768.0, which decoders give for a sample of +1.0, is already one of them: it becomes
+ *  -32768, which may change the key, the beats and the colours of the waves. Clip to -32768 and
+ *  32767 before feeding. NaN, infinities and values outside 32-bit integers count as 0 there. A
+ *  mono track is fed as both channels. A frame is one sample per channel; every position and length
+ *  here counts frames. The arrays are only read, and only during the call.
  *
  *  Handles
  *  -------
@@ -158,7 +161,7 @@ BA_API bool BA_Analyzed(void* session);
  *  and for a null array. Frames of the completing call beyond the declared length enter the levels
  *  too.
  *
- *  @param left   count samples, full scale ±32768; only read
+ *  @param left   count samples, -32768 to 32767; only read
  *  @param right  the same of the other side */
 BA_API void BA_SetSamplePre(void* session, float* left, float* right, int count);
 
@@ -166,10 +169,12 @@ BA_API void BA_SetSamplePre(void* session, float* left, float* right, int count)
  *  before returning.
  *
  *  Ignored before the pre-check pass is complete (sessions with key detection), after the analysis,
- *  for count ≤ 0 and for a null array. How the track is split into calls does not change any
- *  result.
+ *  for count ≤ 0 and for a null array. How the track is split into calls does not change any result
+ *  as long as the completing call ends with the declared length. Where it brings more, the frames
+ *  beyond are analysed up to the end of the block that they began in, of 1/75 s counted from the
+ *  start of the track; those behind are ignored.
  *
- *  @param left   count samples, full scale ±32768; only read
+ *  @param left   count samples, -32768 to 32767; only read
  *  @param right  the same of the other side */
 BA_API void BA_SetSample(void* session, float* left, float* right, int count);
 
@@ -227,7 +232,7 @@ BA_API int BA_GetZoomWave(void* session, BA_WaveInfo* out);
 BA_API int BA_GetMainKey(void* session);
 
 /** @name Utilities on a caller's buffer
- *  They need a handle that is not null but use nothing of the session. beatatlas/utilities.h tells
+ *  They need a handle that is not null but use nothing of the session. beatatlas/utilities.h says
  *  what each computes and offers them without a handle to C++ hosts.
  *  @{ */
 
@@ -251,7 +256,7 @@ BA_API void BA_CutBeats(void* session, float* out, float* in, int n, float rate,
  *  @param samples     n mono samples at rate
  *  @param hopDivisor  divides the hop between frames
  *  @param mode        0 to 4: search plan
- *  @return 434.0 for silence and for buffers too short to tell; 0.0 for a null handle */
+ *  @return 434.0 for silence and for buffers too short to judge; 0.0 for a null handle */
 BA_API float BA_PitchDetect(void* session, float* samples, int n, float rate, int hopDivisor,
                             int mode);
 

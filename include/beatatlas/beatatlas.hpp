@@ -3,7 +3,7 @@
  *  Beat Atlas for C++ hosts: the interface of beatatlas.h with C++ linkage, and six functions more.
  *
  *  The life of a session, samples, handles, threads, the rounding mode and the lines on standard
- *  output are told in beatatlas.h and hold here. Two things differ:
+ *  output are described in beatatlas.h and hold here. Two things differ:
  *  - Exceptions pass. In practice that is std::bad_alloc, from the create and feeding calls and
  *    from the utilities; the session can still be released. (A create call that throws has released
  *    its session.)

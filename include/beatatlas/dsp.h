@@ -6,8 +6,8 @@
  *  overload).
  *
  *  Common to all of them:
- *  - Every array belongs to the caller, is not kept, and is large enough as told; nothing is
- *    checked for null. Pointers are not const in the signatures, but only what is told to be
+ *  - Every array belongs to the caller, is not kept, and is as large as each function says; nothing
+ *    is checked for null. Pointers are not const in the signatures, but only what is said to be
  *    written is written.
  *  - Nothing is kept between calls: a filter starts from silence each time. Only fft_less_normalize
  *    allocates.
@@ -63,7 +63,7 @@ BA_API float mode_v(float* v, int n);
 /** @name Sorts
  *
  *  lo and hi are the first and the last index of the part to sort; lo ≥ hi does nothing. idx is
- *  rearranged like v: filled with 0, 1, 2 … beforehand it tells afterwards where each value stood.
+ *  rearranged like v: filled with 0, 1, 2 … beforehand it says afterwards where each value stood.
  *  NaNs end up somewhere.
  *  @{ */
 
@@ -88,7 +88,7 @@ BA_API void BubSort(float* v, int* idx, int n);
 
 /** @name Small filters
  *
- *  All arithmetic is in single precision unless told otherwise. Frequencies are in Hz and lie
+ *  All arithmetic is in single precision unless stated otherwise. Frequencies are in Hz and lie
  *  between 0 and half the sampling rate fs; nothing is checked. Every filter may work in place (out
  *  = in), starts from silence, and does nothing for n ≤ 0.
  *  @{ */

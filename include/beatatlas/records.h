@@ -18,7 +18,7 @@ typedef struct BA_BeatInfo {
     int32_t bpm;     /**< offset 8: local tempo in hundredths of a BPM; 12850 is 128.50 BPM */
 } BA_BeatInfo;
 
-/** One point of a waveform overview. 8 bytes. What level and color mean is told at each wave's
+/** One point of a waveform overview. 8 bytes. What level and color mean is described at each wave's
  *  getter. */
 typedef struct BA_WaveInfo {
     float level;   /**< offset 0: height of the point */

@@ -7,7 +7,7 @@
  *
  *  Common to all of them:
  *  - Buffers belong to the caller and are not kept; pointers are not const in the signatures, but
- *    only what is told to be written is written.
+ *    only what is said to be written is written.
  *  - No state is kept between calls. Working memory lives for the call; std::bad_alloc is thrown
  *    when there is none, with nothing leaked.
  *  - They compute in the calling thread's rounding mode and leave it alone. A session rounds toward

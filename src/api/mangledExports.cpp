@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The exports with C++ linkage: exceptions pass. This file never sees the plain header, whose declarations would give
-// the same names C linkage.
+// The exports with C++ linkage: exceptions pass. This file never sees the plain header, whose
+// declarations would give the same names C linkage.
 #include <memory>
 
 #include "api/operations.h"

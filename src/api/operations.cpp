@@ -16,7 +16,8 @@ Analyzer* analyzerOf(void* session) {
     return static_cast<Analyzer*>(session);
 }
 
-// Copies the points the host does not hold yet to their own places in its array; the result is how many exist.
+// Copies the points the host does not hold yet to their own indices in its array; the result is how
+// many exist.
 int copyNewPoints(const WavePoint* points, int count, BA_WaveInfo* out, int have) {
     for (int i = std::max(have, 0); i < count; ++i) out[i] = {points[i].level, points[i].color};
     return count;

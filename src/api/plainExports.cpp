@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The plain exports: C linkage, and no exception crosses them but that of the session object's own allocation.
+// The plain exports: C linkage, and no exception crosses them but that of the session object's own
+// allocation.
 #include <cxxabi.h>
 
 #include "api/operations.h"
@@ -11,8 +12,8 @@ namespace {
 using beatatlas::Analyzer;
 using beatatlas::api::Tempo;
 
-// Runs an operation that changes the session; whatever it throws ends here. Only the unwinding of a cancelled
-// host thread goes on, since the C++ runtime ends a process in which it is swallowed.
+// Runs an operation that changes the session; whatever it throws ends here. Only the unwinding of a
+// cancelled host thread goes on, since the C++ runtime ends a process in which it is swallowed.
 template <class Operation>
 void shielded(void* session, Operation operation) {
     try {

@@ -10,7 +10,8 @@ namespace beatatlas {
 /** What a second-order Butterworth design needs to know about its corner. */
 struct ButterworthAngle {
     double cosine;
-    double alpha;  ///< sine over twice the quality factor 1/√2, written as a division by √2
+    /** Sine over twice the quality factor 1/√2, written as a division by √2. */
+    double alpha;
 
     ButterworthAngle(double freq, double sampleRate) {
         const double angle = freq * kShortTwoPi / sampleRate;

@@ -12,7 +12,8 @@ struct CFree {
     void operator()(void* block) const { std::free(block); }
 };
 
-/** An owned array of the C allocator, for the places that answer a shortage with a message and not an exception. */
+/** An owned array of the C allocator, where a shortage is answered with a message and not with an
+ *  exception. */
 template <typename T>
 using CArray = std::unique_ptr<T[], CFree>;
 

@@ -4,14 +4,15 @@
 #include <algorithm>
 
 #include "dsp/fftCore.h"
-#include "dsp/turnFour.h"
-#include "dsp/vectorLanes.h"
+#include "dsp/lanes/transpose.h"
+#include "dsp/lanes/vectorLanes.h"
 
 namespace beatatlas {
 
 namespace {
 
-/** Rows of points to and from lanes of frames; lanes that have no frame share one, and nothing of theirs is taken back. */
+/** Rows of points to and from lanes of frames; lanes that have no frame share one, and nothing of
+ *  theirs is taken back. */
 struct Rows {
     float* values;
     std::ptrdiff_t stride;
@@ -23,7 +24,7 @@ struct Rows {
     }
 };
 
-/** Each point goes to its bit-reversed place. */
+/** Each point goes to its bit-reversed position. */
 BEATATLAS_LANES void layOut(const Rows& rows, const int* bitReversal, std::ptrdiff_t lanes,
                             float* laidOut) {
     for (std::ptrdiff_t f = 0; f < lanes; f += 4) {
@@ -35,7 +36,7 @@ BEATATLAS_LANES void layOut(const Rows& rows, const int* bitReversal, std::ptrdi
                 from[j] = rows.row(f + j) + i;
                 to[j] = laidOut + (bitReversal[i + j] * lanes) + f;
             }
-            turnFour(from, to);
+            transposeFour(from, to);
         }
         for (; i < rows.length; ++i)
             for (std::ptrdiff_t j = 0; j < 4; ++j)
@@ -53,7 +54,7 @@ BEATATLAS_LANES void takeBack(const float* laidOut, std::ptrdiff_t lanes, const 
                 from[j] = laidOut + ((i + j) * lanes) + f;
                 to[j] = rows.row(f + j) + i;
             }
-            turnFour(from, to);
+            transposeFour(from, to);
         }
         const std::ptrdiff_t end = std::min(f + 4, rows.count);
         for (; i < rows.length; ++i)
@@ -61,7 +62,7 @@ BEATATLAS_LANES void takeBack(const float* laidOut, std::ptrdiff_t lanes, const 
     }
 }
 
-/** The points of all lanes at one place. */
+/** The points of all lanes at one position. */
 template <class Vector>
 struct Point {
     Vector re;
@@ -129,7 +130,8 @@ struct FrameTransform::FrameLanes {
         return t.sineTable_[static_cast<std::size_t>(h + (t.length_ / 4))];
     }
 
-    /** The stages k and 2k: four points at a time take part in both and stay in registers between. */
+    /** The stages k and 2k: four points at a time take part in both and stay in registers
+     *  between. */
     BEATATLAS_LANES static void twoStages(const FrameTransform& t, bool inverse, std::ptrdiff_t k,
                                           float* re, float* im) {
         const std::ptrdiff_t step = t.length_ / (4 * k);  // of the second; the first takes two

@@ -5,8 +5,8 @@ namespace beatatlas {
 
 /** First-order high-pass in double that takes the slow drift out of a level envelope.
  *
- *  The analogue RC high-pass by the bilinear transform, without prewarping: the corner is exact only
- *  far below the sample rate, which is where it is used.
+ *  The analogue RC high-pass by the bilinear transform, without prewarping: the corner is exact
+ *  only far below the sample rate, which is where it is used.
  *
  *  Life: create() once → operate() on consecutive blocks of one signal. There is no reset: whoever
  *  starts again builds a new filter. An object that was never designed copies its input. */
@@ -33,7 +33,8 @@ public:
 private:
     double b0_ = 1.0;
     double b1_ = 0.0;
-    double a0_ = 1.0;  // divided out of the others by the design
+    // Divided out of the others by the design.
+    double a0_ = 1.0;
     double a1_ = 0.0;
     double x1_ = 0.0;
     double y1_ = 0.0;

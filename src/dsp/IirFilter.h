@@ -7,13 +7,13 @@ namespace beatatlas {
 
 /** One second-order recursive section in double precision, direct form I.
  *
- *  The designs are those of the audio equaliser cookbook (R. Bristow-Johnson): bilinear transforms of analogue
- *  prototypes. Frequencies and sample rates are in Hz, q is the quality factor (0.70710677 for Butterworth), a
- *  bandwidth is in octaves. Nothing is validated: a q of 0 or a frequency at half the sample rate yields a
- *  section whose output means nothing.
+ *  The designs are those of the audio equaliser cookbook (R. Bristow-Johnson): bilinear transforms
+ *  of analogue prototypes. Frequencies and sample rates are in Hz, q is the quality factor
+ *  (0.70710677 for Butterworth), a bandwidth is in octaves. Nothing is validated: a q of 0 or a
+ *  frequency at half the sample rate yields a section whose output means nothing.
  *
- *  A fresh section passes its input through unchanged. A design replaces the coefficients and leaves the signal
- *  history alone; the history carries the signal from block to block. */
+ *  A fresh section passes its input through unchanged. A design replaces the coefficients and
+ *  leaves the signal history alone; the history carries the signal from block to block. */
 class IirFilter {
 public:
     IirFilter() = default;
@@ -33,12 +33,7 @@ public:
     /** Filters one block of len samples; in and out are different arrays. len ≤ 0 does nothing. */
     void operate(const double* in, double* out, int len) { section_.operate(in, out, len); }
 
-    double b0() const { return section_.b0; }
-    double b1() const { return section_.b1; }
-    double b2() const { return section_.b2; }
-    double a0() const { return section_.a0; }
-    double a1() const { return section_.a1; }
-    double a2() const { return section_.a2; }
+    const SecondOrderSection& section() const { return section_; }
 
 private:
     struct Corner;

@@ -28,10 +28,10 @@ void IirPassFilter::createLowPathFilter(float freq, float sampleRate, float q) {
 
 namespace {
 
-/** High-pass in the even places of a cascade, low-pass in the odd ones. */
+/** Sections 0, 2, … of a cascade are high-pass, the others low-pass. */
 auto alternatingCorners(float lowFreq, float highFreq, float sampleRate, float q) {
-    return [=](IirFilter& stage, int place) {
-        if (place % 2 == 0) {
+    return [=](IirFilter& stage, int section) {
+        if (section % 2 == 0) {
             stage.createHiPathFilter(lowFreq, sampleRate, q);
         } else {
             stage.createLowPathFilter(highFreq, sampleRate, q);

@@ -11,12 +11,14 @@ namespace beatatlas {
 
 /** A short cascade of second-order sections, float in and float out: one band of a signal.
  *
- *  Life: one create…, then operate() on consecutive blocks of one signal; the sections carry the signal across
- *  the block borders, so any cutting into blocks gives the same bits. A further create… drops the earlier
- *  sections and starts from silence; there is no other reset. Never created, it passes its input through.
+ *  Life: one create…, then operate() on consecutive blocks of one signal; the sections carry the
+ *  signal across the block borders, so any cutting into blocks gives the same bits. A further
+ *  create… drops the earlier sections and starts from silence; there is no other reset. Never
+ *  created, it passes its input through.
  *
- *  Frequencies and sample rates are in Hz, bandwidths in octaves; both corners of a two-corner band share q.
- *  Memory: the work buffers grow when a block is longer than every earlier one, and never shrink. */
+ *  Frequencies and sample rates are in Hz, bandwidths in octaves; both corners of a two-corner band
+ *  share q. Memory: the work buffers grow when a block is longer than every earlier one, and never
+ *  shrink. */
 class IirPassFilter {
 public:
     IirPassFilter() = default;
@@ -51,7 +53,8 @@ private:
 
     std::int32_t stageCount_ = 0;
     std::unique_ptr<IirFilter[]> stages_;
-    std::int32_t workCapacity_ = 0;  // samples of each work buffer
+    // Samples of each work buffer.
+    std::int32_t workCapacity_ = 0;
     std::unique_ptr<double[]> workA_;
     std::unique_ptr<double[]> workB_;
 };

@@ -22,7 +22,8 @@ long allowanceOfThread() {
 
 }  // namespace
 
-// A thread with a real-time policy has an allowance of 0 already, and 0 cannot be set: it stands for the default.
+// A thread with a real-time policy has an allowance of 0 already, and 0 cannot be set: it stands
+// for the default.
 PromptSleeps::PromptSleeps() {
     const long allowance = allowanceOfThread();
     if (allowance <= kLeast) return;

@@ -41,8 +41,9 @@ void RealSpectrum::release() {
     everyFourth_.reset();
 }
 
-// Joining spectra of n bins halves every row. The first half takes the bin on; the second half becomes bin n - b of the
-// longer spectrum. Bin n / 2, real before, becomes complex: its second half is the new imaginary part.
+// Joining spectra of n bins halves every row. The first half takes the bin on; the second half
+// becomes bin n - b of the longer spectrum. Bin n / 2, real before, becomes complex: its second
+// half is the new imaginary part.
 void RealSpectrum::layRows() {
     Rows* rows = rows_.get();
     std::int64_t count = 0;

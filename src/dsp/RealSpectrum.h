@@ -8,17 +8,20 @@
 
 namespace beatatlas::fft {
 
-/** The power spectrum of real, finite values: what transform() of fftCore.h gives with imaginary parts of zero,
- *  divided by the length, as squared magnitudes; bit for bit, in every rounding mode that treats both signs alike.
+/** The power spectrum of real, finite values: what transform() of fftCore.h gives with imaginary
+ *  parts of zero, divided by the length, as squared magnitudes; bit for bit, in every rounding mode
+ *  that treats both signs alike.
  *
- *  transform() joins spectra of ever more values, from single ones upward. Of real values the spectrum is its own
- *  mirror image, bin n - b of n the conjugate of bin b: transform() computes both by operations that differ in signs
- *  alone, and the sine table is symmetric to the bit. So half of each spectrum is enough here, bins 0 … n / 2, the
- *  first and the last of them real. What can differ are the signs of zeros, which no square shows.
+ *  transform() joins spectra of ever more values, from single ones upward. Of real values the
+ *  spectrum is its own mirror image, bin n - b of n the conjugate of bin b: transform() computes
+ *  both by operations that differ in signs alone, and the sine table is symmetric to the bit. So
+ *  half of each spectrum is enough here, bins 0 … n / 2, the first and the last of them real. What
+ *  can differ are the signs of zeros, which no square shows.
  *
- *  While spectra are short, bin b of all of them lies in two rows, one of real and one of imaginary parts; rows are
- *  joined with one twiddle factor, many spectra at a time (realSpectrumEarly.cpp). When eight spectra are left, their
- *  rows are turned, and the last three stages take neighbouring bins at a time (realSpectrumLate.cpp).
+ *  While spectra are short, bin b of all of them lies in two rows, one of real and one of imaginary
+ *  parts; rows are joined with one twiddle factor, many spectra at a time (realSpectrumEarly.cpp).
+ *  When eight spectra are left, their rows are transposed, and the last three stages take
+ *  neighbouring bins at a time (realSpectrumLate.cpp).
  *
  *  Memory: half of a sine table and a list of rows beside the table, made in create(). */
 class RealSpectrum {
@@ -30,7 +33,8 @@ public:
 
     void release();
 
-    std::int64_t size() const { return size_; }  ///< 0 without create()
+    /** 0 without create(). */
+    std::int64_t size() const { return size_; }
 
     /** @param values  size() of them; they are used up
      *  @param power   bins 0 … size() / 2 */
@@ -55,7 +59,8 @@ private:
     struct LateStages;
 
     static constexpr std::int64_t kLateSpectra = 8;
-    static constexpr std::int64_t kNoRow = -1;  // of imaginary parts: the bin is real
+    // In place of a row of imaginary parts: the bin is real.
+    static constexpr std::int64_t kNoRow = -1;
 
     std::int64_t earlyBins() const { return size_ / kLateSpectra / 2; }
     void layRows();
@@ -70,9 +75,12 @@ private:
 
     std::int64_t size_ = 0;
     const double* sineTable_ = nullptr;
-    CArray<Rows> rows_;           // complex bins as they come up: a stage has the first of them
-    CArray<Rows> lateRows_;       // bins 0 … earlyBins() by number, after the early stages
-    CArray<double> everySecond_;  // of the sine table's entries, as far as sines and cosines reach
+    // Complex bins as they come up: a stage has the first of them.
+    CArray<Rows> rows_;
+    // Bins 0 … earlyBins() by number, after the early stages.
+    CArray<Rows> lateRows_;
+    // Of the sine table's entries, as far as sines and cosines reach.
+    CArray<double> everySecond_;
     CArray<double> everyFourth_;
 };
 

@@ -9,13 +9,15 @@ namespace beatatlas {
 
 /** One second-order recursive section in double: coefficients, and the last two inputs and outputs.
  *
- *  Designs follow Robert Bristow-Johnson's audio EQ cookbook; a new section passes its input through.
- *  The state carries across blocks, so any cutting of a signal into blocks gives the same output. */
+ *  Designs follow Robert Bristow-Johnson's audio EQ cookbook; a new section passes its input
+ *  through. The state carries across blocks, so any cutting of a signal into blocks gives the same
+ *  output. */
 struct SecondOrderSection {
     double b0 = 1.0;
     double b1 = 0.0;
     double b2 = 0.0;
-    double a0 = 1.0;  ///< divided out of the others by every design
+    /** Divided out of the others by every design. */
+    double a0 = 1.0;
     double a1 = 0.0;
     double a2 = 0.0;
     double x2 = 0.0;
@@ -77,9 +79,9 @@ struct SecondOrderSection {
         y2 = outTwoBack;
     }
 
-    /** Whether the section took x twice and gave the same value twice, to the bit, and would give it again. It then goes
-     *  on doing so for as long as x lasts. In silence every section comes to that: what feeds back becomes too small to
-     *  shrink, and very slow to compute. */
+    /** Whether the section took x twice and gave the same value twice, to the bit, and would give
+     *  it again. It then goes on doing so for as long as x lasts. In silence every section comes to
+     *  that: what feeds back becomes too small to shrink, and very slow to compute. */
     bool restsAt(double x) const {
         SecondOrderSection after = *this;
         return sameBits(x1, x) && sameBits(x2, x) && sameBits(y1, y2) &&
@@ -98,8 +100,9 @@ struct SecondOrderSection {
     }
 };
 
-/** first.operate(), `between` of each sample, then second.operate(): the same values in one pass. in(n) is sample n,
- *  out(n, y) takes what it becomes; in() is asked for some samples more than once.
+/** first.operate(), `between` of each sample, then second.operate(): the same values in one pass.
+ *  in(n) is sample n, out(n, y) takes what it becomes; in() is asked for some samples more than
+ *  once.
  *
  *  A section waits for its own last output, and so does the second; taken together, the processor
  *  works on the one while the other waits, and on in() and out() besides. */

@@ -4,15 +4,15 @@
 #include <algorithm>
 #include <iterator>
 
-#include "dsp/turnFour.h"
-#include "dsp/vectorLanes.h"
+#include "dsp/lanes/transpose.h"
+#include "dsp/lanes/vectorLanes.h"
 
 namespace beatatlas {
 
 namespace {
 
 /** Samples of each frame that are laid out at a time: with 64 frames 32 KB. */
-constexpr int kStretch = 128;
+constexpr int kBlock = 128;
 constexpr int kWorthLanes = 3;              // fewer frames are summed one by one
 constexpr std::ptrdiff_t kMostFrames = 64;  // four vectors of 16
 
@@ -24,7 +24,7 @@ struct Request {
     std::ptrdiff_t hop;
     int frames;
     ConstantQSums* sums;
-    float* stretch;  // kStretch × kMostFrames
+    float* block;    // kBlock × kMostFrames
     float* running;  // per bin the cosine sums of kMostFrames frames, then the sine sums
 };
 
@@ -40,17 +40,17 @@ BEATATLAS_LANES const float* frameOfLane(const Request& request, const Group& gr
     return request.samples + (frame * request.hop);
 }
 
-/** stretch[i × lanes + lane] = sample first + i of the lane's frame. */
+/** block[i × lanes + lane] = sample first + i of the lane's frame. */
 BEATATLAS_LANES void layOut(const Request& request, const Group& group, int first, int count) {
     for (std::ptrdiff_t lane = 0; lane < group.lanes; lane += 4) {
         const float* frames[4];
         for (int f = 0; f < 4; ++f) frames[f] = frameOfLane(request, group, lane + f) + first;
-        float* to = request.stretch + lane;
+        float* to = request.block + lane;
         int i = 0;
         for (; i + 4 <= count; i += 4) {
             const float* from[4] = {frames[0] + i, frames[1] + i, frames[2] + i, frames[3] + i};
             float* at[4] = {to, to + group.lanes, to + (2 * group.lanes), to + (3 * group.lanes)};
-            turnFour(from, at);
+            transposeFour(from, at);
             to += 4 * group.lanes;
         }
         for (; i < count; ++i, to += group.lanes)
@@ -104,8 +104,8 @@ template <class Vector, std::size_t kVectors>
 BEATATLAS_LANES void correlateGroup(const Request& request, int first) {
     const Group group{first, kVectors * sizeof(Vector) / sizeof(float)};
     std::fill_n(request.running, std::ssize(*request.bins) * 2 * kMostFrames, 0.0F);
-    for (int from = 0; from < request.frameLength; from += kStretch) {
-        const int end = std::min(from + kStretch, request.frameLength);
+    for (int from = 0; from < request.frameLength; from += kBlock) {
+        const int end = std::min(from + kBlock, request.frameLength);
         layOut(request, group, from, end - from);
         for (std::size_t b = 0; b < request.bins->size(); ++b) {
             const ConstantQBin& bin = (*request.bins)[b];
@@ -114,7 +114,7 @@ BEATATLAS_LANES void correlateGroup(const Request& request, int first) {
             if (count <= 0) continue;
             addPoints<Vector, kVectors>(
                 bin.kernel + (2 * static_cast<std::ptrdiff_t>(begin - bin.start)),
-                request.stretch + (static_cast<std::ptrdiff_t>(begin - from) * group.lanes), count,
+                request.block + (static_cast<std::ptrdiff_t>(begin - from) * group.lanes), count,
                 runningOf(request, b));
         }
     }
@@ -145,10 +145,10 @@ void correlateFrames(const std::vector<ConstantQBin>& bins, int frameLength, con
             for (int f = 0; f < frames; ++f) *sums++ = correlate(bin, samples + (f * hop));
         return;
     }
-    std::vector<float> stretch(static_cast<std::size_t>(kStretch * kMostFrames));
+    std::vector<float> block(static_cast<std::size_t>(kBlock * kMostFrames));
     std::vector<float> running(bins.size() * 2 * static_cast<std::size_t>(kMostFrames));
-    const Request request{&bins,  frameLength, samples,        hop,
-                          frames, sums,        stretch.data(), running.data()};
+    const Request request{&bins,  frameLength, samples,      hop,
+                          frames, sums,        block.data(), running.data()};
     runInLanes<FrameLanes>(&request);
 }
 

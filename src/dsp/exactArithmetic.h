@@ -1,6 +1,7 @@
 /* SPDX-License-Identifier: MIT */
-/* Read before every source of the libraries (cmake/Flags.cmake). Results are defined to the bit; a compiler that may
- * reorder additions, divide by multiplying or forget that NaN exists gives others, and nothing would tell. */
+/* Read before every source of the libraries (cmake/Flags.cmake). Results are defined to the bit; a
+ * compiler that may reorder additions, divide by multiplying or forget that NaN exists gives
+ * others, and nothing would show it. */
 #ifndef BEATATLAS_DSP_EXACTARITHMETIC_H
 #define BEATATLAS_DSP_EXACTARITHMETIC_H
 

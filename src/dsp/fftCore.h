@@ -8,16 +8,19 @@
 
 #include "dsp/constants.h"
 
-/** The radix-2 transform and its tables, in either precision. Lengths are 64-bit so that no index overflows. A
- *  length that is no power of two yields numbers without meaning, but stays inside its arrays and ends. */
+/** The radix-2 transform and its tables, in either precision. Lengths are 64-bit so that no index
+ *  overflows. A length that is no power of two yields numbers without meaning, but stays inside its
+ *  arrays and ends. */
 namespace beatatlas::fft {
 
-/** Entries of a sine table of period n: a period and a quarter, so that cosines are read n/4 further on. */
+/** Entries of a sine table of period n: a period and a quarter, so that cosines are read n/4
+ *  further on. */
 constexpr std::int64_t sineTableLength(std::int64_t n) {
     return n + (n / 4);
 }
 
-/** The first quarter of the period by the rotation recurrence of R. Singleton: one sine serves the whole table. */
+/** The first quarter of the period by the rotation recurrence of R. Singleton: one sine serves the
+ *  whole table. */
 template <typename T>
 void fillFirstQuarter(std::int64_t n, T* table) {
     const T t = static_cast<T>(std::sin(kPi / static_cast<double>(n)));
@@ -37,7 +40,8 @@ void fillFirstQuarter(std::int64_t n, T* table) {
         table[i] = s;
         table[(n / 4) - i] = c;
     }
-    // One float literal for float, one double literal for double: each the nearest to the root of one half.
+    // One float literal for float, one double literal for double: each the nearest to the root of
+    // one half.
     if constexpr (sizeof(T) == sizeof(float)) {
         if (n / 8 != 0) table[n / 8] = 0.70710677F;
     } else {

@@ -8,7 +8,8 @@
 
 namespace beatatlas {
 
-/** Whether two numbers are the same to the bit: a zero and a negative zero are not, a NaN and itself are. */
+/** Whether two numbers are the same to the bit: a zero and a negative zero are not, a NaN and
+ *  itself are. */
 template <class T>
 bool sameBits(T a, T b) {
     using Bits =
@@ -17,7 +18,7 @@ bool sameBits(T a, T b) {
     return std::bit_cast<Bits>(a) == std::bit_cast<Bits>(b);
 }
 
-/** Whether all of n ≥ 1 values are the same to the bit. Of music the first two tell. */
+/** Whether all of n ≥ 1 values are the same to the bit. Of music the first two decide it. */
 template <class T>
 bool isConstant(const T* values, int n) {
     return std::all_of(values, values + n, [values](T value) { return sameBits(value, *values); });

@@ -8,7 +8,7 @@
 #include <cstdint>
 #include <cstring>
 
-#include "dsp/vectorLanes.h"
+#include "dsp/lanes/vectorLanes.h"
 
 namespace beatatlas {
 
@@ -16,7 +16,8 @@ namespace {
 
 constexpr int kAtOnce = 64;  // a whole number of vectors
 constexpr double kDoubt = 0x1p-44;
-/** So far the number of quarter turns has few enough bits to be multiplied by half of pi without rounding. */
+/** So far the number of quarter turns has few enough bits to be multiplied by half of pi without
+ *  rounding. */
 constexpr double kLargestAngle = 100000.0;
 
 // Half of pi in three pieces, the first of 33 bits and the second of as many.
@@ -24,7 +25,8 @@ constexpr double kHalfPi1 = 0x1.921fb544p+0;
 constexpr double kHalfPi2 = 0x1.0b4611a6p-34;
 constexpr double kHalfPi3 = 0x1.3198a2e037073p-69;
 constexpr double kTwoOverPi = 0x1.45f306dc9c883p-1;
-/** Added and taken away, it rounds to a whole number; on the way that number stands in the last bits. */
+/** Added and taken away, it rounds to a whole number; on the way that number stands in the last
+ *  bits. */
 constexpr double kRounder = 0x1.8p+52;
 
 /** 1 / n! with the signs of a cosine's or a sine's series. */
@@ -51,8 +53,8 @@ BEATATLAS_LANES void series(const std::array<double, 12>& terms, const Vector& s
     sum += terms[0];
 }
 
-/** Cosine and sine of the angles in the lanes, 0 … kLargestAngle. What is left of an angle after its quarter turns is
- *  at most a quarter turn, to either side, in every rounding mode. */
+/** Cosine and sine of the angles in the lanes, 0 … kLargestAngle. What is left of an angle after
+ *  its quarter turns is at most a quarter turn, to either side, in every rounding mode. */
 template <std::size_t kWidth>
 struct Tone {
     using Vector = Lanes<double, kWidth>;

@@ -3,12 +3,13 @@
 
 namespace beatatlas {
 
-/** Tables of cosines and sines in single precision: the bits that float(std::cos(x)) and float(std::sin(x)) have.
+/** Tables of cosines and sines in single precision: the bits that float(std::cos(x)) and
+ *  float(std::sin(x)) have.
  *
- *  A double is narrowed: of its 53 bits 24 remain, and the last ones rarely matter. So the values are first
- *  computed in vector lanes to about 2^-48, and where everything within 2^-44 of such a value narrows to the same float,
- *  that float is the answer: the mathematics library, whose error is smaller, gives it too. Elsewhere, about once in a
- *  hundred thousand, the library is asked.
+ *  A double is narrowed: of its 53 bits 24 remain, and the last ones rarely matter. So the values
+ *  are first computed in vector lanes to about 2^-48, and where everything within 2^-44 of such a
+ *  value narrows to the same float, that float is the answer: the mathematics library, whose error
+ *  is smaller, gives it too. Elsewhere, about once in a hundred thousand, the library is asked.
  *
  *  In any rounding mode; n ≤ 0 does nothing. */
 

@@ -3,7 +3,7 @@
 
 #include <cstddef>
 
-#include "dsp/vectorLanes.h"
+#include "dsp/lanes/vectorLanes.h"
 
 namespace beatatlas::fft {
 
@@ -23,8 +23,9 @@ struct Bins {
     Lanes<double, kWidth> im;
 };
 
-/** Joins bins b of two spectra of n bins, of the even and of the odd values: near is bin b of the joint spectrum, far
- *  is bin n - b. The operations of rotatePairs(), with the conjugate taken of what it calls i + k. */
+/** Joins bins b of two spectra of n bins, of the even and of the odd values: near is bin b of the
+ *  joint spectrum, far is bin n - b. The operations of rotatePairs(), with the conjugate taken of
+ *  what it calls i + k. */
 template <std::size_t kWidth>
 BEATATLAS_LANES void join(const Lanes<double, kWidth>& c, const Lanes<double, kWidth>& s,
                           const Bins<kWidth>& even, const Bins<kWidth>& odd, Bins<kWidth>& near,

@@ -3,12 +3,13 @@
 #include <cstdint>
 
 #include "dsp/RealSpectrum.h"
+#include "dsp/lanes/vectorLanes.h"
 #include "dsp/realSpectrumBins.h"
-#include "dsp/vectorLanes.h"
 
 namespace beatatlas::fft {
 
-// The first stage, then two stages at a time, in which four spectra of n bins each become one; lanes are spectra.
+// The first stage, then two stages at a time, in which four spectra of n bins each become one;
+// lanes are spectra.
 template <std::size_t kWidth>
 struct RealSpectrum::EarlyStages {
     using Vector = Lanes<double, kWidth>;

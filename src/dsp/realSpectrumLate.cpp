@@ -6,34 +6,13 @@
 #include <utility>
 
 #include "dsp/RealSpectrum.h"
+#include "dsp/lanes/transpose.h"
+#include "dsp/lanes/vectorLanes.h"
 #include "dsp/realSpectrumBins.h"
-#include "dsp/vectorLanes.h"
 
 namespace beatatlas::fft {
 
 namespace {
-
-/** Lanes of both vectors in turn, from lane kFrom of each. */
-template <std::size_t kWidth, std::size_t kFrom, std::size_t... kLane>
-BEATATLAS_LANES void zip(const Lanes<double, kWidth>& a, const Lanes<double, kWidth>& b,
-                         Lanes<double, kWidth>& zipped, std::index_sequence<kLane...>) {
-    zipped = __builtin_shufflevector(a, b, (kFrom + (kLane / 2) + ((kLane % 2) * kWidth))...);
-}
-
-/** Turns a square: lane l of vector v goes to lane v of vector l. */
-template <std::size_t kWidth>
-BEATATLAS_LANES void turn(Lanes<double, kWidth>* square) {
-    constexpr auto kLanes = std::make_index_sequence<kWidth>{};
-    constexpr std::size_t kHalf = kWidth / 2;
-    for (std::size_t round = 1; round < kWidth; round *= 2) {
-        Lanes<double, kWidth> zipped[kWidth];
-        for (std::size_t v = 0; v < kHalf; ++v) {
-            zip<kWidth, 0>(square[v], square[kHalf + v], zipped[2 * v], kLanes);
-            zip<kWidth, kHalf>(square[v], square[kHalf + v], zipped[(2 * v) + 1], kLanes);
-        }
-        for (std::size_t v = 0; v < kWidth; ++v) square[v] = zipped[v];
-    }
-}
 
 template <std::size_t kWidth, std::size_t... kLane>
 BEATATLAS_LANES void reverse(Lanes<double, kWidth>& lanes, std::index_sequence<kLane...>) {
@@ -44,8 +23,8 @@ constexpr std::array<double, 8> kSilentRow{};
 
 }  // namespace
 
-// The last three stages and the powers; lanes are bins, a few neighbours at a time. With n = 2 earlyBins(), the bins
-// that come of bin b are, stage by stage:
+// The last three stages and the powers; lanes are bins, a few neighbours at a time. With n = 2
+// earlyBins(), the bins that come of bin b are, stage by stage:
 //
 //     b             b            b
 //                                4n - b
@@ -56,7 +35,8 @@ constexpr std::array<double, 8> kSilentRow{};
 //                   n + b        n + b
 //                                3n - b
 //
-// A far bin takes its near one's sine for cosine and its cosine for sine: their angles add up to a quarter.
+// A far bin takes its near one's sine for cosine and its cosine for sine: their angles add up to a
+// quarter.
 template <std::size_t kWidth>
 struct RealSpectrum::LateStages {
     using Vector = Lanes<double, kWidth>;
@@ -117,8 +97,8 @@ struct RealSpectrum::LateStages {
                 loadLanes(im[lane],
                           (rows.im == kNoRow ? kSilentRow.data() : values + rows.im) + first);
             }
-            turn<kWidth>(re);
-            turn<kWidth>(im);
+            transposeLanes<kWidth>(re);
+            transposeLanes<kWidth>(im);
             for (std::size_t i = 0; i < kWidth; ++i) x[first + i] = {re[i], im[i]};
         }
     }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <array>
 #include <cstdint>
 
 namespace beatatlas {
@@ -9,6 +10,22 @@ namespace beatatlas {
  *
  *  @param stereo  n frames, left and right interleaved */
 void monoOfBlock(const std::int16_t* stereo, double* out, int n);
+
+/** The mean of both channels of each frame, exact, and its whole part. n ≤ 0 does nothing.
+ *
+ *  @param stereo  n frames, left and right interleaved
+ *  @param means   receives n values, as monoOfBlock() gives them
+ *  @param wholes  receives the same cut toward zero */
+void meansOfBlock(const std::int16_t* stereo, double* means, double* wholes, int n);
+
+/** out[i] = in[i]. n ≤ 0 does nothing. */
+void widenBlock(const float* in, double* out, int n);
+
+/** out[i] = |in[i]|, rounded to float before. n ≤ 0 does nothing. */
+void magnitudesOfBlock(const double* in, float* out, int n);
+
+/** out[s][i] = |rows[i][s]|. n ≤ 0 does nothing. */
+void magnitudesOfRows(const std::array<float, 4>* rows, const std::array<float*, 4>& out, int n);
 
 /** The largest |left + right| of the n frames. 0 for n ≤ 0.
  *

@@ -6,7 +6,8 @@
 
 namespace {
 
-/** The corner of a second-order section, narrowed to single precision where the sections use it so. */
+/** The corner of a second-order section, narrowed to single precision where the sections use it
+ *  so. */
 struct Corner {
     Corner(float fc, float q, float fs)
         : omega(static_cast<float>(((2.0 * beatatlas::kPi) * static_cast<double>(fc)) /
@@ -19,7 +20,8 @@ struct Corner {
     float d;
 };
 
-/** The feedback half, the same for low-pass and high-pass; its cosine alone is taken in double precision. */
+/** The feedback half, the same for low-pass and high-pass; its cosine alone is taken in double
+ *  precision. */
 void setFeedback(const Corner& corner, float* c) {
     const double cosine = std::cos(static_cast<double>(corner.omega));
     c[3] = static_cast<float>((-2.0 * cosine) / static_cast<double>(corner.d));
@@ -63,7 +65,8 @@ void filter1(float* in, float* out, long n, float b, float a) {
     for (long k = 0; k < n; ++k) {
         const float x = in[k];
         const float y = (b * x) + s;
-        // The zero of this section carries no weight, yet an infinite sample turns it into NaN: it stays.
+        // The zero of this section carries no weight, yet an infinite sample turns it into NaN: it
+        // stays.
         s = (a * y) + (0.0F * x);
         out[k] = y;
     }

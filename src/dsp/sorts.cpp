@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
-// Quicksort after C. A. R. Hoare with the middle element as pivot, in the variants the public header names, and
-// a bubble sort for small stable sorts.
+// Quicksort after C. A. R. Hoare with the middle element as pivot, in the variants the public
+// header names, and a bubble sort for small stable sorts.
 //
-// Neither half of a partition reaches into the other, so the order in which the halves are sorted cannot show in
-// the result. The shorter one is sorted by recursion and the longer one in the loop, which bounds the depth by
-// log2 of the length even for input made to defeat the pivot.
+// Neither half of a partition reaches into the other, so the order in which the halves are sorted
+// cannot show in the result. The shorter one is sorted by recursion and the longer one in the loop,
+// which bounds the depth by log2 of the length even for input made to defeat the pivot.
 #include <cstdint>
 #include <utility>
 
@@ -15,30 +15,31 @@ namespace {
 constexpr auto kDescending = [](auto a, auto b) { return a > b; };
 constexpr auto kAscending = [](auto a, auto b) { return a < b; };
 
-/** A stretch lo … hi of an array, both ends included. */
-struct Stretch {
+/** A range lo … hi of an array, both ends included. */
+struct Range {
     int lo;
     int hi;
 
-    std::int64_t places() const { return static_cast<std::int64_t>(hi) - lo; }
+    std::int64_t distance() const { return static_cast<std::int64_t>(hi) - lo; }
     int middle() const {
         return static_cast<int>((static_cast<std::int64_t>(lo) + static_cast<std::int64_t>(hi)) /
                                 2);
     }
 };
 
-/** The two stretches on either side of the pivot's value. */
+/** The two ranges on either side of the pivot's value. */
 struct Halves {
-    Stretch left;
-    Stretch right;
+    Range left;
+    Range right;
 };
 
 template <typename T, typename Before, typename Exchange>
-Halves partition(const T* v, Stretch all, Before before, Exchange exchange) {
+Halves partition(const T* v, Range all, Before before, Exchange exchange) {
     const T pivot = v[all.middle()];
     int i = all.lo;
     int j = all.hi;
-    // Each scan is stopped by the pivot or by what the last exchange left behind, so neither leaves the stretch.
+    // Each scan is stopped by the pivot or by what the last exchange left behind, so neither leaves
+    // the stretch.
     for (;;) {
         while (before(v[i], pivot)) ++i;
         while (before(pivot, v[j])) --j;
@@ -48,10 +49,10 @@ Halves partition(const T* v, Stretch all, Before before, Exchange exchange) {
 }
 
 template <typename T, typename Before, typename Exchange>
-void quickSort(const T* v, Stretch all, Before before, Exchange exchange) {
+void quickSort(const T* v, Range all, Before before, Exchange exchange) {
     while (all.lo < all.hi) {
         const Halves halves = partition(v, all, before, exchange);
-        const bool leftIsShorter = halves.left.places() < halves.right.places();
+        const bool leftIsShorter = halves.left.distance() < halves.right.distance();
         quickSort(v, leftIsShorter ? halves.left : halves.right, before, exchange);
         all = leftIsShorter ? halves.right : halves.left;
     }

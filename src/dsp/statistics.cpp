@@ -25,7 +25,8 @@ double max_v(double* v, int n, int* at) {
 float min_v(float* v, int n) {
     float answer = v[0];
     for (int i = 1; i < n; ++i) {
-        // Each value meets the first one, not the lowest so far: hosts know this answer, so it stays.
+        // Each value meets the first one, not the lowest so far: hosts know this answer, so it
+        // stays.
         if (v[i] < v[0]) answer = v[i];
     }
     return answer;

@@ -8,8 +8,8 @@ namespace beatatlas {
 
 /** The one conversion of a real number to a 32-bit integer: toward zero.
  *
- *  NaN, infinities and values outside int32 give the most negative int32, the answer of the hardware's own
- *  conversion, made explicit here because the language leaves it undefined. */
+ *  NaN, infinities and values outside int32 give the most negative int32, the answer of the
+ *  hardware's own conversion, made explicit here because the language leaves it undefined. */
 constexpr std::int32_t truncToInt32(double value) {
     // Both bounds are exact doubles; the comparison is false for NaN.
     if (value > -2147483649.0 && value < 2147483648.0) return static_cast<std::int32_t>(value);

@@ -11,7 +11,7 @@ namespace beatatlas {
 
 /** Votes of the pulses on which of four successive beats is the first of the bar.
  *
- *  The first pulse, pulses after long quiet stretches and the starts of rhythm figures each vote
+ *  The first pulse, pulses after long quiet passages and the starts of rhythm figures each vote
  *  for the beat nearest to them, with their level or with a constant. Life: construct → the add…
  *  stages in their order below → firstOfBar(). The constructor's arguments must outlive it. */
 class BarPhaseScores {
@@ -27,7 +27,7 @@ public:
     void addSectionStarts();
     void addFigures(const std::vector<int>& figures);
 
-    /** Place 0..3 of the bar's first beat, counted from the first beat of the grid. */
+    /** Position 0..3 of the bar's first beat, counted from the first beat of the grid. */
     int firstOfBar() const;
 
     const std::array<double, 4>& scores() const { return scores_; }

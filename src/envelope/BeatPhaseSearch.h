@@ -10,8 +10,10 @@ namespace beatatlas {
 
 /** Where the pulses of a track lie against its provisional beats. */
 struct BeatPhase {
-    bool isOnPulse;      ///< false: the pulses lie half a beat off the beats
-    std::int64_t start;  ///< envelope index of the pulse of the first beat; may be negative
+    /** False: the pulses lie half a beat off the beats. */
+    bool isOnPulse;
+    /** Envelope index of the pulse of the first beat; may be negative. */
+    std::int64_t start;
 };
 
 /** Slides the first minute's beats over the envelope and compares what they collect with what the

@@ -3,8 +3,6 @@
 
 #include <algorithm>
 
-#include "dsp/sampleBlocks.h"
-
 namespace beatatlas {
 
 std::size_t ChunkCollector::valueCount(int lengthFrames) {
@@ -26,13 +24,6 @@ int ChunkCollector::advance(int frames) {
     const int count = std::min(frames, kChunkFrames - fill_);
     consumed_ += count;
     fill_ += count;
-    return count;
-}
-
-int ChunkCollector::take(const std::int16_t* samples, int frames) {
-    double* to = chunkBuffer_.data() + fill_;
-    const int count = advance(frames);
-    monoOfBlock(samples, to, count);
     return count;
 }
 

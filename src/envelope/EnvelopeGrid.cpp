@@ -17,7 +17,7 @@ bool isFirstBeatPresent(const peakss::BeatInfo& first, int sampleRate) {
     return static_cast<float>(first.pos) / 128.0F <= beatLength * 0.9F;
 }
 
-/** The last place from 0 on that fits, judging places above 0 only. */
+/** The last index from 0 on that fits; index 0 is not tested. */
 template <class Fits>
 int lastFitting(std::size_t size, Fits fits) {
     int low = 0;

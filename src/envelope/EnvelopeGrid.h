@@ -9,23 +9,25 @@ namespace beatatlas {
 
 /** A beat grid on the time scale of a level envelope, one value per 128 frames. */
 struct EnvelopeGrid {
-    std::vector<int> beatIndex;      ///< envelope index of each beat; the first is at least 1
-    std::vector<double> beatLength;  ///< envelope values per beat, at each beat
+    /** Envelope index of each beat; the first is at least 1. */
+    std::vector<int> beatIndex;
+    /** Envelope values per beat, at each beat. */
+    std::vector<double> beatLength;
     /** The first beat of the track was missing: the grid starts with a made-up beat at index 1, the
-     *  given beats follow one place later, and the last of them is left out. */
+     *  given beats follow one index later, and the last of them is left out. */
     bool isPrepended = false;
 };
 
 /** @param beats  at least one */
 EnvelopeGrid makeEnvelopeGrid(const peakss::BeatList& beats, int sampleRate);
 
-/** The last place whose entry is ≤ x; 0 when all are greater, −1 for an empty list.
+/** The last index whose entry is ≤ x; 0 when all are greater, −1 for an empty list.
  *
- *  A binary search, as are the two below. A varied-tempo grid need not be ascending: what the search
- *  then finds is part of the result, so its halving rule is fixed. */
+ *  A binary search, as are the two below. A varied-tempo grid need not be ascending: what the
+ *  search then finds is part of the result, so its halving rule is fixed. */
 int getBeatIndex(int x, const std::vector<int>& list);
 
-/** The place whose entry is nearest to x, a midpoint tie going to the later one; −1 for an empty
+/** The index whose entry is nearest to x, a midpoint tie going to the later one; −1 for an empty
  *  list. */
 int getNearBeatIndex(int x, const std::vector<int>& list);
 

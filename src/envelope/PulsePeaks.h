@@ -10,7 +10,7 @@ namespace beatatlas {
  *  less than two thirds, at least as high as the average of them all.
  *
  *  @param envelope    signed level, one value per 128 frames
- *  @param peakLevels  as long as the envelope; receives each maximum's level at its place and loses
+ *  @param peakLevels  as long as the envelope; receives each maximum's level at its index and loses
  *                     the levels below the average. Levels found there already stay in the game.
  *  @return            envelope indices of the retained pulses, ascending, from 1 on. An envelope
  *                     without any maximum above 0 retains every index: its average is 0. */

@@ -7,12 +7,15 @@
 
 namespace beatatlas {
 
-/** Pulses that start a syncopated figure. Such figures start on the beat, which tells beats from
- *  off-beats, and most often on the first of a bar. */
+/** Pulses that start a syncopated figure. Such figures start on the beat, which sets beats apart
+ *  from off-beats, and most often on the first of a bar. */
 struct RhythmFigures {
-    std::vector<int> figureA;  ///< a gap of 2½ beats, then one of 1½ or 2
-    std::vector<int> figureB;  ///< a gap of 1½ beats
-    int countB = 0;            ///< figureB's size less the pulses of plain one-beat runs
+    /** A gap of 2½ beats, then one of 1½ or 2. */
+    std::vector<int> figureA;
+    /** A gap of 1½ beats. */
+    std::vector<int> figureB;
+    /** Size of figureB less the pulses of plain one-beat runs. */
+    int countB = 0;
 
     /** The pulses to trust: figureA when it is frequent enough, else figureB, else none (null). */
     const std::vector<int>* trusted() const;

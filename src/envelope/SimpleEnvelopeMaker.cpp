@@ -56,23 +56,12 @@ void SimpleEnvelopeMaker::reset() {
     std::fill(envelope_.begin(), envelope_.end(), std::int16_t{0});
 }
 
-void SimpleEnvelopeMaker::putSample(const std::int16_t* samples, int frames) {
-    chunks_.putSample(samples, frames, [this](const double* mono, int count, std::size_t index) {
-        closeChunk(mono, count, index);
-    });
+void SimpleEnvelopeMaker::putSample(const double* filtered, int frames) {
+    chunks_.putSample(filtered, frames,
+                      [this](double first, std::size_t index) { putLevel(first, index); });
 }
 
-void SimpleEnvelopeMaker::putFiltered(const double* filtered, int frames) {
-    chunks_.putFiltered(filtered, frames,
-                        [this](double first, std::size_t index) { putLevel(first, index); });
-}
-
-void SimpleEnvelopeMaker::closeChunk(const double* mono, int frames, std::size_t index) {
-    audioLowPass_->operate(mono, filteredBuffer_.data(), frames);
-    putLevel(filteredBuffer_[0], index);
-}
-
-// One value stands for the chunk: the filtered first frame. The others only carry the state on.
+// One value stands for the chunk: the filtered first frame.
 void SimpleEnvelopeMaker::putLevel(double filteredFirst, std::size_t index) {
     envelope_[index] = truncToInt16(filterValue(*envelopeLowPass_, std::fabs(filteredFirst)));
 }

@@ -10,8 +10,8 @@
 #include <cmath>
 #include <cstddef>
 
+#include "dsp/lanes/sampleLanes.h"
 #include "dsp/processorYield.h"
-#include "dsp/sampleLanes.h"
 #include "dsp/truncation.h"
 #include "envelope/GridOffset.h"
 #include "envelope/designFilter.h"
@@ -25,8 +25,8 @@ constexpr double kLevelCornerHz = 1000.0;   // keeps the peak of an attack withi
 constexpr int kMostSeconds = 900;
 constexpr int kDecimation = 4;
 
-// Without branches: in quiet passages the low-pass swings about zero, and nobody could predict them. What is not a number
-// counts for nothing.
+// Without branches: in quiet passages the low-pass swings about zero, and nobody could predict
+// them. What is not a number counts for nothing.
 std::int16_t storedLevel(double level) {
     const double sounding = level > 0.0 ? level : 0.0;
     return static_cast<std::int16_t>(sounding < 32767.0 ? sounding : 32767.0);
@@ -111,11 +111,11 @@ void UnitBeatAdjust::beatPositionAdjust(peakss::BeatList& beats) {
     }
     yieldProcessor();
     const WindowSum::Peak peak = windowSum_.findBeatPosition(2 * halfWindow_);
-    offsetBeatPosition(halfWindow_, peak.place, beats);
+    offsetBeatPosition(halfWindow_, peak.offset, beats);
 }
 
 void UnitBeatAdjust::offsetBeatPosition(int halfWindow, int peakIndex, peakss::BeatList& beats) {
-    // Without any level the peak's place is 0 and the grid moves back by the whole half window.
+    // Without any level the peak's offset is 0 and the grid moves back by the whole half window.
     const int aboutOneMs = truncToInt32(quarterRate_ * -0.001);
     const int shift = (peakIndex - halfWindow) * kDecimation + aboutOneMs * kDecimation;
     const float interval = beats.front().interval;

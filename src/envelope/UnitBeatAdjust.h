@@ -14,15 +14,15 @@ namespace beatatlas {
 
 /** The last refinement of tempo and beat grid, for tracks of constant tempo.
  *
- *  Keeps a rectified, band-limited level at a quarter of the audio rate, of at most the first 900 s.
- *  Tempos around the given one, 0.002 BPM apart, each lay a trial grid; the grid whose beats'
- *  ±50 ms neighbourhoods pile up the sharpest level peak wins, and the whole list then moves so that
- *  the peak falls on the beats.
+ *  Keeps a rectified, band-limited level at a quarter of the audio rate, of at most the first 900
+ *  s. Tempos around the given one, 0.002 BPM apart, each lay a trial grid; the grid whose beats'
+ *  ±50 ms neighbourhoods pile up the sharpest level peak wins, and the whole list then moves so
+ *  that the peak falls on the beats.
  *
  *  Life: create() → putSample() per block → analyze() once. reset() only clears the counters: the
- *  level and the trial grids are kept, so starting over takes another create().
- *  Memory: two bytes per four frames, at most 21.6 MB at 48 kHz, reserved in create() and touched as
- *  the track arrives; none allocated in putSample(). */
+ *  level and the trial grids are kept, so starting over takes another create(). Memory: two bytes
+ *  per four frames, at most 21.6 MB at 48 kHz, reserved in create() and touched as the track
+ *  arrives; none allocated in putSample(). */
 class UnitBeatAdjust {
 public:
     UnitBeatAdjust() = default;
@@ -50,7 +50,8 @@ public:
      *  @param beats  the grid; takes the length and tempo of the best trial, then its offset */
     void analyze(float& bpm, peakss::BeatList& beats);
 
-    void release();  ///< safe to call twice
+    /** Safe to call twice. */
+    void release();
 
     /** Levels at a quarter of the audio rate, 0..32767. */
     const std::vector<std::int16_t>& level() const { return level_; }

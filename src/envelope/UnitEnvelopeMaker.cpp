@@ -36,7 +36,7 @@ int firstOfBar(const EnvelopeGrid& grid, const std::vector<int>& peaks,
     return scores.firstOfBar();
 }
 
-/** Place in the bar, 0..4, of the first given beat, when `firstOfBar` is that of the grid's. */
+/** Position in the bar, 0..4, of the first given beat, when `firstOfBar` is that of the grid's. */
 int placeOfFirstBeat(int firstOfBar, bool isPrepended) {
     const int back = -(firstOfBar % kBeatsPerBar);
     return isPrepended ? (back + 5) % kBeatsPerBar : back + kBeatsPerBar;
@@ -68,8 +68,7 @@ bool UnitEnvelopeMaker::create(int sampleRate, int length) {
     sampleRate_ = sampleRate;
     const double audioRate = sampleRate;
     const double valueRate = audioRate / 128.0;
-    audioLowPassA_ = designFilter<LowPathFilter2D>(kAudioCornerHz, audioRate);
-    audioLowPassB_ = designFilter<LowPathFilter2D>(kAudioCornerHz, audioRate);
+    audioLowPass_ = designFilter<LowPathFilter2D>(kAudioCornerHz, audioRate);
     envelopeLowPass_ = designFilter<LowPathFilter2D>(kEnvelopeCornerHz, valueRate);
     envelopeHighPass_ = designFilter<HighPathFilter1D>(kDriftCornerHz, valueRate);
     envelope_.resize(ChunkCollector::valueCount(length));
@@ -84,31 +83,12 @@ void UnitEnvelopeMaker::reset() {
     std::fill(peakLevels_.begin(), peakLevels_.end(), std::int16_t{0});
 }
 
-void UnitEnvelopeMaker::putSample(const std::int16_t* samples, int frames) {
-    chunks_.putSample(samples, frames, [this](const double* mono, int count, std::size_t index) {
-        closeChunk(mono, count, index);
-    });
+void UnitEnvelopeMaker::putSample(const double* filtered, int frames) {
+    chunks_.putSample(filtered, frames,
+                      [this](double first, std::size_t index) { putLevel(first, index); });
 }
 
-void UnitEnvelopeMaker::putFiltered(const double* filtered, int frames) {
-    chunks_.putFiltered(filtered, frames,
-                        [this](double first, std::size_t index) { putLevel(first, index); });
-}
-
-void UnitEnvelopeMaker::closeChunk(const double* mono, int frames, std::size_t index) {
-    const auto untouched = [](double x) { return x; };
-    double filteredFirst = 0.0;
-    operateInTurn(
-        audioLowPassA_->section(), untouched, audioLowPassB_->section(),
-        [mono](int i) { return mono[i]; },
-        [&filteredFirst](int i, double y) {
-            if (i == 0) filteredFirst = y;
-        },
-        frames);
-    putLevel(filteredFirst, index);
-}
-
-// One value stands for the chunk: the filtered first frame. The others only carry the state on.
+// One value stands for the chunk: the filtered first frame.
 void UnitEnvelopeMaker::putLevel(double filteredFirst, std::size_t index) {
     const double level = filterValue(*envelopeLowPass_, std::fabs(filteredFirst));
     envelope_[index] = truncToInt16(filterValue(*envelopeHighPass_, level));
@@ -138,8 +118,7 @@ void UnitEnvelopeMaker::release() {
     length_ = 0;
     sampleRate_ = 0;
     chunks_.create(0);
-    audioLowPassA_.reset();
-    audioLowPassB_.reset();
+    audioLowPass_.reset();
     envelopeLowPass_.reset();
     envelopeHighPass_.reset();
     std::vector<std::int16_t>().swap(envelope_);

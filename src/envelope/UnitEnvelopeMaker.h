@@ -35,18 +35,16 @@ public:
      *  @return true */
     bool create(int sampleRate, int length);
 
-    /** Back to the first frame with an empty envelope and no pulses; the filters keep their state. */
+    /** Back to the first frame with an empty envelope and no pulses; the filters of the envelope
+     *  keep their state. */
     void reset();
 
-    /** Takes one block of interleaved 16-bit stereo; null and frames ≤ 0 do nothing. */
-    void putSample(const std::int16_t* samples, int frames);
-
-    /** As putSample(), for frames whose mean of both channels has been through two sections like
-     *  audioFilter(), one after the other. */
-    void putFiltered(const double* filtered, int frames);
+    /** Takes one block: the mean of both channels, in 16-bit scale, that has been through two
+     *  sections like audioFilter(), one after the other; null and frames ≤ 0 do nothing. */
+    void putSample(const double* filtered, int frames);
 
     /** Either of the two equal sections of the audio filter; after create(). */
-    const SecondOrderSection& audioFilter() const { return audioLowPassA_->section(); }
+    const SecondOrderSection& audioFilter() const { return audioLowPass_->section(); }
 
     /** Moves the beats by half a beat where the pulses ask for it, numbers them 1 to 4, and adds or
      *  drops one at each end so that they cover the track.
@@ -56,7 +54,8 @@ public:
      *  @param keepPhase  leaves out the half-beat move */
     void analyze(float bpm, peakss::BeatList& beats, bool keepPhase);
 
-    void release();  ///< safe to call twice
+    /** Safe to call twice. */
+    void release();
 
     /** One level per 128 frames, in 16-bit scale, centred on 0; 0 where nothing was fed. */
     const std::vector<std::int16_t>& envelope() const { return envelope_; }
@@ -64,15 +63,13 @@ public:
     const std::vector<std::int16_t>& peakLevels() const { return peakLevels_; }
 
 private:
-    void closeChunk(const double* mono, int frames, std::size_t index);
     void putLevel(double filteredFirst, std::size_t index);
     float envelopeRate() const { return static_cast<float>(sampleRate_) / 128.0F; }
 
     int length_ = 0;
     int sampleRate_ = 0;
     ChunkCollector chunks_;
-    std::unique_ptr<LowPathFilter2D> audioLowPassA_;
-    std::unique_ptr<LowPathFilter2D> audioLowPassB_;
+    std::unique_ptr<LowPathFilter2D> audioLowPass_;
     std::unique_ptr<LowPathFilter2D> envelopeLowPass_;
     std::unique_ptr<HighPathFilter1D> envelopeHighPass_;
     std::vector<std::int16_t> envelope_;

@@ -3,7 +3,7 @@
 
 #include <algorithm>
 
-#include "dsp/vectorLanes.h"
+#include "dsp/lanes/vectorLanes.h"
 
 namespace beatatlas {
 
@@ -31,9 +31,9 @@ struct AddLevels {
 }  // namespace
 
 void WindowSum::create(int width) {
-    const auto places = static_cast<std::size_t>(std::max(width, 0));
-    std::vector<double>(places).swap(sums_);
-    std::vector<std::int32_t>(places).swap(gathered_);
+    const auto levels = static_cast<std::size_t>(std::max(width, 0));
+    std::vector<double>(levels).swap(sums_);
+    std::vector<std::int32_t>(levels).swap(gathered_);
     gatheredCount_ = 0;
 }
 

@@ -7,25 +7,28 @@
 
 namespace beatatlas {
 
-/** Adds up the levels around many beats, place by place: beats that sit on the pulses pile them up
- *  in one spot.
+/** Adds up the levels around many beats, offset by offset: beats that sit on the pulses pile them
+ *  up in one spot.
  *
  *  Levels are 0..32767. They gather in 32-bit integers, which fill twice as many vector lanes as
  *  doubles, and go over into the double sums before they could overflow. Every sum stays a whole
  *  number below 2^53, so the doubles are exact and the same as if each level had been added there.
- *  Cost of add(): one addition per place. Memory: 12 bytes per place, allocated in create(). */
+ *  Cost of add(): one addition per offset. Memory: 12 bytes per offset, allocated in create(). */
 class WindowSum {
 public:
     struct Peak {
         double value = 0.0;
-        int place = 0;  ///< 0 when no sum is above 0
+        /** Index of the largest sum, 0 when none is above 0. */
+        int offset = 0;
     };
 
-    void create(int width);  ///< places per window; ≤ 0 makes an empty one
+    /** Levels per window; ≤ 0 makes an empty one. */
+    void create(int width);
     void clear();
-    void add(const std::int16_t* levels);  ///< reads one level per place
+    /** Reads one level per offset. */
+    void add(const std::int16_t* levels);
 
-    /** The largest of the first `count` sums and the first place that has it. */
+    /** The largest of the first `count` sums and the first offset that has it. */
     Peak findBeatPosition(int count);
 
     int width() const { return static_cast<int>(sums_.size()); }

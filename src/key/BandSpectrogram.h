@@ -8,11 +8,12 @@ namespace beatatlas {
 
 /** Magnitudes of every semitone band in every analysis frame.
  *
- *  Rows that were never written read as silence, also rows beyond those allocated: a pre-check may count more
- *  frames than the track was declared to have. What is written beyond them is dropped. */
+ *  Rows that were never written read as silence, also rows beyond those allocated: a pre-check may
+ *  count more frames than the track was declared to have. What is written beyond them is
+ *  dropped. */
 class BandSpectrogram {
 public:
-    /** Silence in rows × bands places; rows ≤ 0: none. Throws std::bad_alloc. */
+    /** Silence in rows × bands values; rows ≤ 0: none. Throws std::bad_alloc. */
     void create(int rows, int bands);
     void release();
 

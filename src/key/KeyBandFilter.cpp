@@ -5,7 +5,7 @@
 #include <cstddef>
 
 #include "dsp/isConstant.h"
-#include "dsp/sampleLanes.h"
+#include "dsp/lanes/sampleLanes.h"
 #include "dsp/truncation.h"
 #include "key/keyBandLanes.h"
 
@@ -45,8 +45,8 @@ double KeyBandFilter::filter(double x) {
     return x;
 }
 
-/** Low-passes 6 0 2 4, then 7 1 3 5, then both high-passes: an odd section finds what it takes in its own lane, and
- *  what leaves the last low-pass lies in front. */
+/** Low-passes 6 0 2 4, then 7 1 3 5, then both high-passes: an odd section finds what it takes in
+ *  its own lane, and what leaves the last low-pass lies in front. */
 std::size_t KeyBandFilter::placeOf(int stage) {
     constexpr std::size_t kHalf = kLowPasses / 2;
     const auto s = static_cast<std::size_t>(stage);
@@ -55,7 +55,8 @@ std::size_t KeyBandFilter::placeOf(int stage) {
 
 namespace {
 
-/** The conversions go in groups beside the steps, so that the processor makes them while it waits. */
+/** The conversions go in groups beside the steps, so that the processor makes them while it
+ *  waits. */
 template <std::size_t kWidth>
 struct FilterFrames {
     static constexpr std::size_t kLanes = std::min<std::size_t>(kWidth, 4);
@@ -78,15 +79,15 @@ struct FilterFrames {
 
 }  // namespace
 
-/** One step of the sections first … last, each of which takes what its predecessor reached a step ago; the first
- *  section of all takes x. */
+/** One step of the sections first … last, each of which takes what its predecessor reached a step
+ *  ago; the first section of all takes x. */
 void KeyBandFilter::stepStages(int first, int last, double x) {
     for (int stage = last; stage >= first; --stage)
         reached_[placeOf(stage)] = runStage(stage, stage == 0 ? x : reached_[placeOf(stage - 1)]);
 }
 
-// In silence the sections come to rest at numbers that are very slow to compute. A frame that leaves them all as they
-// were stands for all frames like it.
+// In silence the sections come to rest at numbers that are very slow to compute. A frame that
+// leaves them all as they were stands for all frames like it.
 void KeyBandFilter::filter(const std::int16_t* frames, std::int16_t* out, int n) {
     if (n < 2 || !isConstant(frames, 2 * n)) return filterInLanes(frames, out, n);
     const PerStage s1 = s1_;
@@ -100,12 +101,14 @@ void KeyBandFilter::filter(const std::int16_t* frames, std::int16_t* out, int n)
     }
 }
 
-// A wavefront: while the first section takes sample i, section s takes sample i − s, which the sections before it have
-// left behind by then. No section waits for another within a step, so all ten go side by side; each still sees every
-// sample in turn and computes what runStage() does. begin() starts the sections one by one and end() lets them run out,
-// so that every section has seen the whole block.
+// A wavefront: while the first section takes sample i, section s takes sample i − s, which the
+// sections before it have left behind by then. No section waits for another within a step, so all
+// ten go side by side; each still sees every sample in turn and computes what runStage() does.
+// begin() starts the sections one by one and end() lets them run out, so that every section has
+// seen the whole block.
 //
-// The magnitudes of the cascade's impulse response sum up to 2.74: no output of 16-bit samples leaves 18 bits.
+// The magnitudes of the cascade's impulse response sum up to 2.74: no output of 16-bit samples
+// leaves 18 bits.
 void KeyBandFilter::filterInLanes(const std::int16_t* frames, std::int16_t* out, int n) {
     if (n <= kLag) {
         for (std::ptrdiff_t i = 0; i < n; ++i)

@@ -7,13 +7,16 @@
 
 namespace beatatlas {
 
-/** Keeps the range in which keys are heard: eight equal low-pass sections at 5512 Hz, then two equal high-pass
- *  sections at 110 Hz, both with a quality of 0.707. The low-pass makes room for taking every fourth sample.
+/** Keeps the range in which keys are heard: eight equal low-pass sections at 5512 Hz, then two
+ *  equal high-pass sections at 110 Hz, both with a quality of 0.707. The low-pass makes room for
+ *  taking every fourth sample.
  *
- *  Sections in transposed direct form II, double precision. The signal is carried from call to call. */
+ *  Sections in transposed direct form II, double precision. The signal is carried from call to
+ *  call. */
 class KeyBandFilter {
 public:
-    /** There are coefficients for 44,100 and for 48,000; any other rate is filtered by the latter. */
+    /** There are coefficients for 44,100 and for 48,000; any other rate is filtered by the
+     *  latter. */
     void create(int rate);
 
     /** Back to silence. */
@@ -22,15 +25,15 @@ public:
     /** The plain form: one sample through one section after the other. */
     double filter(double x);
 
-    /** The mean of both channels of each frame through filter(x), cut to 16 bits; with all sections at work at once.
-     *  n ≤ 0 does nothing.
+    /** The mean of both channels of each frame through filter(x), cut to 16 bits; with all sections
+     *  at work at once. n ≤ 0 does nothing.
      *  @param frames  n interleaved stereo frames
      *  @param out     n samples; no part of frames */
     void filter(const std::int16_t* frames, std::int16_t* out, int n);
 
     /** @name filter() in steps, beside other work
-     *  begin() takes kLag frames; each step of the Wavefront takes one and gives a sample; end() gives the last kLag
-     *  samples. While it is under way there is no other call.
+     *  begin() takes kLag frames; each step of the Wavefront takes one and gives a sample; end()
+     *  gives the last kLag samples. While it is under way there is no other call.
      *  @{ */
     static constexpr int kLag = 9;
     void begin(const std::int16_t* frames);

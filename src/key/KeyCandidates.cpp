@@ -1,8 +1,11 @@
 // SPDX-License-Identifier: MIT
-// The key of twelve note strengths. The tonic is among the five strongest notes, and its third, fourth and fifth
-// are strong too; how much each rank is worth stands in the exported weight tables.
-//   1. rank the notes              3. take the best candidate
-//   2. score ten candidates        4. short tracks: settle major against minor of one tonic by third, sixth, seventh
+// The key of twelve note strengths. The tonic is among the five strongest notes, and its third,
+// fourth and fifth are strong too; how much each rank is worth stands in the exported weight
+// tables.
+//   1. rank the notes
+//   2. score ten candidates
+//   3. take the best candidate
+//   4. of short tracks settle major against minor of one tonic by third, sixth and seventh
 #include "key/KeyCandidates.h"
 
 #include <array>
@@ -70,8 +73,8 @@ Weights weightsOf(int mode, LengthClass lengthClass) {
             _table_5th[m][c]};
 }
 
-/** The tonic's own weight, then third, fourth and fifth in the order of their ranks: single precision keeps the
- *  order. */
+/** The tonic's own weight, then third, fourth and fifth in the order of their ranks: single
+ *  precision keeps the order. */
 float scoreOf(const NoteRanking& ranking, const Weights& weights, int tonicRank, bool isMajor) {
     const int tonic = ranking.noteAt(tonicRank);
     const int third = ranking.rankOf(tonic, isMajor ? kMajorThird : kMinorThird);
@@ -86,7 +89,8 @@ float scoreOf(const NoteRanking& ranking, const Weights& weights, int tonicRank,
     return score;
 }
 
-/** Candidate 2r is the major key of the note of rank r, candidate 2r + 1 its minor key; best first. */
+/** Candidate 2r is the major key of the note of rank r, candidate 2r + 1 its minor key; best
+ *  first. */
 std::array<int, kCandidates> rankCandidates(const NoteRanking& ranking, const Weights& weights) {
     std::array<float, kCandidates> scores{};
     std::array<int, kCandidates> candidates{};
@@ -98,7 +102,8 @@ std::array<int, kCandidates> rankCandidates(const NoteRanking& ranking, const We
     return candidates;
 }
 
-/** The notes in which the two scales of one tonic differ, by rank: the lower sum sounds more. Ties are minor. */
+/** The notes in which the two scales of one tonic differ, by rank: the lower sum sounds more. Ties
+ *  are minor. */
 bool soundsMajor(const NoteRanking& ranking, int tonic) {
     const int majorThird = ranking.rankOf(tonic, kMajorThird) + kMajorThirdHandicap;
     const int minorThird = ranking.rankOf(tonic, kMinorThird);

@@ -6,8 +6,9 @@
 
 namespace beatatlas {
 
-/** The key that twelve pitch class strengths speak for: 0 to 11 major, 12 to 23 minor, counted from the reference
- *  pitch. Equal strengths rank in the order of pitch classes; any strengths, NaN included, give some key.
+/** The key that twelve pitch class strengths speak for: 0 to 11 major, 12 to 23 minor, counted from
+ *  the reference pitch. Equal strengths rank in the order of pitch classes; any strengths, NaN
+ *  included, give some key.
  *  @param mode  row of the weight tables, 0 to 4; anything else counts as 0 */
 int keyOfStrengths(const PitchClassStrengths& strengths, int mode, LengthClass lengthClass);
 

@@ -2,7 +2,7 @@
 // The key of a track, block by block:
 //   1. duck the loudest transients        4. a 4096-point spectrum every 0.3 s
 //   2. band-limit                         5. the peak of every semitone band
-//   3. take every fourth sample           6. when all has come: note encounters, chroma, key ranking
+//   3. take every fourth sample           6. at the end: note encounters, chroma, key ranking
 #include "key/KeyRankMaker.h"
 
 #include <algorithm>
@@ -112,8 +112,8 @@ int KeyRankMaker::takeFrames(const std::int16_t* frames, int n) {
     return count;
 }
 
-/** Hands the frames on to the band filter, but what may still be ducked by frames to come: that stays for
- *  the next time. A track shorter than that is kept whole. */
+/** Hands the frames on to the band filter, but what may still be ducked by frames to come: that
+ *  stays for the next time. A track shorter than that is kept whole. */
 void KeyRankMaker::analyzeAC(bool last) {
     filterWaiting();
     const int ducked = suppressor_.preWindow() + suppressor_.postWindow();
@@ -133,7 +133,7 @@ void KeyRankMaker::filterWaiting() {
         filter_.end(last.data());
         takeFiltered(0, last.data(), KeyBandFilter::kLag);
     }
-    for (BandStretch next = waiting(decimation_.room()); next.n > 0;
+    for (BandBlock next = waiting(decimation_.room()); next.n > 0;
          next = waiting(decimation_.room())) {
         filter_.filter(next.frames, decimation_.end(), next.n);
         waitingFirst_ += next.n;
@@ -141,7 +141,7 @@ void KeyRankMaker::filterWaiting() {
     }
 }
 
-KeyRankMaker::BandStretch KeyRankMaker::waiting(int most) {
+KeyRankMaker::BandBlock KeyRankMaker::waiting(int most) {
     const int left = frames_ < maxFrames_ ? waitingEnd_ - waitingFirst_ : 0;
     return {&filter_, waiting_.get() + (2 * static_cast<std::ptrdiff_t>(waitingFirst_)),
             std::min(most, left)};

@@ -17,12 +17,13 @@ namespace beatatlas {
 
 /** Ranks the 24 keys of a whole track while it is fed.
  *
- *  Life: create → setPreCheckData with the levels of the whole track → putSample until the declared length has
- *  arrived; that call runs the closing analysis → getters. Getters before it give the keys in the order of their
- *  numbers and zeros. Create again starts over. Works in round-toward-zero, which the caller sets.
+ *  Life: create → setPreCheckData with the levels of the whole track → putSample until the declared
+ *  length has arrived; that call runs the closing analysis → getters. Getters before it give the
+ *  keys in the order of their numbers and zeros. Create again starts over. Works in
+ *  round-toward-zero, which the caller sets.
  *
- *  Memory: a row of 91 doubles per 0.3 s of the declared length, allocated in create; nothing while feeding but
- *  the transform's tables, once. */
+ *  Memory: a row of 91 doubles per 0.3 s of the declared length, allocated in create; nothing while
+ *  feeding but the transform's tables, once. */
 class KeyRankMaker {
 public:
     KeyRankMaker() = default;
@@ -41,8 +42,10 @@ public:
     /** Frees the buffers; the results stay. */
     void release();
 
-    /** Takes the levels of the whole track, before the first putSample. They are in 16-bit sample scale.
-     *  @param count  sounding frames; the closing analysis spans these instead of the declared length
+    /** Takes the levels of the whole track, before the first putSample. They are in 16-bit sample
+     *  scale.
+     *  @param count  sounding frames; the closing analysis spans these instead of the declared
+     *                length
      *  @param sum    Σ |left| + |right| over them
      *  @param peak   largest magnitude of one channel among them
      *  The figures of the silent tail that follow are not used.
@@ -50,23 +53,25 @@ public:
     int setPreCheckData(int count, double sum, double peak, int quietCount, double quietSum,
                         double quietPeak);
 
-    /** Feeds n interleaved stereo frames; the call that brings the declared length completes the analysis, all its
-     *  frames included. Ignored without create, for n ≤ 0, for null, and after the analysis. */
+    /** Feeds n interleaved stereo frames; the call that brings the declared length completes the
+     *  analysis, all its frames included. Ignored without create, for n ≤ 0, for null, and after
+     *  the analysis. */
     void putSample(const std::int16_t* frames, int n);
 
-    /** Whether frames were taken as silent because their spectrum found no memory: the results are those of another
-     *  track then. */
+    /** Whether frames were taken as silent because their spectrum found no memory: the results are
+     *  those of another track then. */
     bool hasMissedFrames() const { return spectrum_.hasMissedFrames(); }
 
-    /** Frames that wait for the band filter. They are filtered in time, but who has other work to do may have some of
-     *  them filtered beside it, in steps: takeFiltered() tells that so many more have been taken, and hands over the
-     *  samples that came of it. */
-    struct BandStretch {
+    /** Frames that wait for the band filter. They are filtered in time, but who has other work to
+     *  do may have some of them filtered beside it, in steps: takeFiltered() counts how many more
+     *  have been taken, and hands over the samples that came of it. */
+    struct BandBlock {
         KeyBandFilter* filter;
         const std::int16_t* frames;
         int n;
     };
-    BandStretch waiting(int most);  ///< n ≤ most
+    /** As many of them as may be filtered now, `most` frames at the most. */
+    BandBlock waiting(int most);
     void takeFiltered(int frames, const std::int16_t* samples, int n);
 
     /** 0 to 11: major keys from A upward; 12 to 23: minor keys from A minor. */
@@ -74,10 +79,14 @@ public:
 
     /** @name Each fills out, unless it is null, and returns the number of entries.
      *  @{ */
-    int getKeyRank(int* out) const;            ///< 24 key numbers, best first
-    int getKeyPoint(double* out) const;        ///< 24 scores in the same order
-    int getNoteEncount(int* out) const;        ///< 12 counts of strongest bands, from A
-    int getNoteEncountVal(double* out) const;  ///< 12 shares of their energy, from A
+    /** 24 key numbers, best first. */
+    int getKeyRank(int* out) const;
+    /** 24 scores in the same order. */
+    int getKeyPoint(double* out) const;
+    /** 12 counts of strongest bands, from A. */
+    int getNoteEncount(int* out) const;
+    /** 12 shares of their energy, from A. */
+    int getNoteEncountVal(double* out) const;
     /** @} */
 
     /** The transform of the analysis, double precision; see CachedFft::fft. */

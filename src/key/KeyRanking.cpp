@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-// A key scores by how much its seven degrees sound, the tonic and the fifth counting most. Major and minor of one
-// tonic share four degrees, so when they lead together the third decides: a leader whose third is the weaker one is
-// marked down until it no longer leads.
+// A key scores by how much its seven degrees sound, the tonic and the fifth counting most. Major
+// and minor of one tonic share four degrees, so when they lead together the third decides: a leader
+// whose third is the weaker one is marked down until it no longer leads.
 #include "key/KeyRanking.h"
 
 #include <algorithm>
@@ -69,11 +69,12 @@ void KeyRanking::sort() {
         }
 }
 
-/** Marks the leader down when its parallel key is second and has the stronger third; true when the order has
- *  changed by that.
+/** Marks the leader down when its parallel key is second and has the stronger third; true when the
+ *  order has changed by that.
  *
- *  While the leader keeps its place nothing else changes, so all its rounds are taken here. It loses the lead to
- *  its parallel key, whose third is the stronger one: there is no second time, the ranking stands after one. */
+ *  While the leader keeps its place nothing else changes, so all its rounds are taken here. It
+ *  loses the lead to its parallel key, whose third is the stronger one: there is no second time,
+ *  the ranking stands after one. */
 bool KeyRanking::settleParallelKeys(const Chroma& chroma) {
     const int leader = keys_[0];
     const int tonic = leader % kPitchClasses;
@@ -89,8 +90,9 @@ double subtractUntilBelow(double score, double step, double limit) {
     while (score >= limit) {
         const double next = score - step;
         if (!(next < score)) break;
-        // From one power of two to the next, differences rounded toward zero all lose the same amount, a whole
-        // number of the score's last places. As many as surely stay between the two are taken at once: exactly.
+        // From one power of two to the next, differences rounded toward zero all lose the same
+        // amount, a whole number of the score's last places. As many as surely stay between the two
+        // are taken at once: exactly.
         const int exponent = std::ilogb(score);
         const double lowerEnd =
             score > 0.0 ? std::ldexp(1.0, exponent) : -std::ldexp(2.0, exponent);

@@ -33,8 +33,9 @@ private:
     std::array<double, kKeys> scores_{};
 };
 
-/** The first of score, score - step, score - 2 step … that is not at or above limit, each difference rounded toward
- *  zero; or the one from which subtracting takes nothing away any more. step > 0.
+/** The first of score, score - step, score - 2 step … that is not at or above limit, each
+ *  difference rounded toward zero; or the one from which subtracting takes nothing away any more.
+ *  step > 0.
  *
  *  The bits are those of the plain loop, which may take more rounds than anyone can wait for. */
 double subtractUntilBelow(double score, double step, double limit);

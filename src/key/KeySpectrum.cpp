@@ -8,7 +8,7 @@
 #include <cstdint>
 
 #include "dsp/constants.h"
-#include "dsp/vectorLanes.h"
+#include "dsp/lanes/vectorLanes.h"
 
 namespace beatatlas {
 

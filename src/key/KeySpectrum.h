@@ -12,8 +12,8 @@ namespace beatatlas {
 
 /** The spectrum of one analysis frame, read by semitone bands.
  *
- *  Memory: a window and a frame of 4096 doubles and its spectrum, made in create(); the transform's tables come with the
- *  first frame. */
+ *  Memory: a window and a frame of 4096 doubles and its spectrum, made in create(); the transform's
+ *  tables come with the first frame. */
 class KeySpectrum {
 public:
     /** @param analysisRate  decimated samples per second */
@@ -22,8 +22,8 @@ public:
 
     const SemitoneBands& bands() const { return bands_; }
 
-    /** The magnitude of each band in one frame; all 0 when the transform finds no memory. Valid until the next
-     *  call. */
+    /** The magnitude of each band in one frame; all 0 when the transform finds no memory. Valid
+     *  until the next call. */
     const std::vector<double>& measure(const DecimationBuffer& samples);
 
     /** Whether a frame since create() found no memory. */

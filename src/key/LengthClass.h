@@ -5,8 +5,8 @@
 
 namespace beatatlas {
 
-/** Long tracks tell their key by how often notes sound, short ones by fewer chords: they are weighed apart. The
- *  values are the places in the weight tables. */
+/** The key of a long track shows in how often notes sound, that of a short one in fewer chords:
+ *  they are weighed apart. The values are the indices into the weight tables. */
 enum class LengthClass { isLong = 0, isShort = 1 };
 
 /** The class of n samples. */

@@ -29,9 +29,9 @@ public:
     auto end() const { return places_.end(); }
 
 private:
-    // Band k meets the first k places only, and is dropped when it exceeds none of them: it never takes an empty
-    // place behind them. Of falling totals the second strongest, band 1, is lost that way; hosts know the counts
-    // so.
+    // Band k meets the first k places only, and is dropped when it exceeds none of them: it never
+    // takes an empty place behind them. Of falling totals the second strongest, band 1, is lost
+    // that way; hosts know the counts so.
     void offer(const Place& candidate) {
         const auto met = places_.begin() + std::min(candidate.band, kPlaces);
         const auto weaker = std::find_if(places_.begin(), met, [&candidate](const Place& place) {

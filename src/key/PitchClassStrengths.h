@@ -26,8 +26,8 @@ struct KeyBuffer {
 /** Samples between frames; below 1 when hopDivisor leaves none. */
 int hopOf(const KeyBuffer& buffer);
 
-/** How much of each pitch class the buffer holds; all 0 for silence and where there is no whole frame.
- *  Throws std::bad_alloc, nothing else. */
+/** How much of each pitch class the buffer holds; all 0 for silence and where there is no whole
+ *  frame. Throws std::bad_alloc, nothing else. */
 PitchClassStrengths pitchClassStrengths(const KeyBuffer& buffer);
 
 }  // namespace beatatlas

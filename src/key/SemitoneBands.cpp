@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "dsp/vectorLanes.h"
+#include "dsp/lanes/vectorLanes.h"
 #include "key/pitchClasses.h"
 
 namespace beatatlas {
@@ -20,40 +20,39 @@ double transposed(double hz, double semitones) {
     return hz * std::pow(2.0, semitones / 12.0);
 }
 
-}  // namespace
+struct BandEdges {
+    double lowerHz;
+    double upperHz;
+};
 
-void SemitoneBands::create(int bins, double binHz) {
-    release();
-    layBands();
-    findBins(bins, binHz);
-}
-
-void SemitoneBands::release() {
-    lower_.clear();
-    upper_.clear();
-    bins_.clear();
-}
-
-void SemitoneBands::layBands() {
+std::vector<BandEdges> layBands() {
+    std::vector<BandEdges> bands;
     for (double octave = kLowestHz; octave < kOctavesEndHz; octave *= 2.0) {
         for (int s = 0; s < kPitchClasses; ++s) {
             const double lower = transposed(octave, static_cast<double>(s) - 0.5);
-            if (lower > kHighestHz) return;
-            lower_.push_back(lower);
-            upper_.push_back(transposed(octave, static_cast<double>(s) + 0.5));
+            if (lower > kHighestHz) return bands;
+            bands.push_back({lower, transposed(octave, static_cast<double>(s) + 0.5)});
         }
+    }
+    return bands;
+}
+
+}  // namespace
+
+// The walk never goes back: a bin belongs to one band.
+void SemitoneBands::create(int bins, double binHz) {
+    release();
+    int bin = 0;
+    for (const BandEdges& band : layBands()) {
+        while (bin < bins && static_cast<double>(bin) * binHz < band.lowerHz) ++bin;
+        const int first = bin;
+        while (bin < bins && static_cast<double>(bin) * binHz < band.upperHz) ++bin;
+        bins_.push_back({first, bin});
     }
 }
 
-// The walk never goes back: a bin belongs to one band.
-void SemitoneBands::findBins(int bins, double binHz) {
-    int bin = 0;
-    for (std::size_t band = 0; band < lower_.size(); ++band) {
-        while (bin < bins && static_cast<double>(bin) * binHz < lower_[band]) ++bin;
-        const int first = bin;
-        while (bin < bins && static_cast<double>(bin) * binHz < upper_[band]) ++bin;
-        bins_.push_back({first, bin});
-    }
+void SemitoneBands::release() {
+    bins_.clear();
 }
 
 /** The largest power of each band; that of numbers is the same in any order. */
@@ -80,7 +79,8 @@ struct SemitoneBands::Largest {
 
 void SemitoneBands::measure(const double* power, double* out) const {
     runInLanes<Largest>(bins_.data(), bins_.size(), power, out);
-    // The square root rises with its argument, rounded or not: one root per band gives the same bits.
+    // The square root rises with its argument, rounded or not: one root per band gives the same
+    // bits.
     for (std::size_t b = 0; b < bins_.size(); ++b) out[b] = std::sqrt(out[b]);
 }
 

@@ -6,17 +6,15 @@
 
 namespace beatatlas {
 
-/** The bands a spectrum is read by: one per semitone, centred on 110 × 2^(b/12) Hz, from A2 to 20 kHz. Band b
- *  holds the pitch class b mod 12. */
+/** The bands a spectrum is read by: one per semitone, centred on 110 × 2^(b/12) Hz, from A2 to 20
+ *  kHz. Band b holds the pitch class b mod 12. */
 class SemitoneBands {
 public:
     /** Lays out the bands for a spectrum of bins bins, binHz apart. */
     void create(int bins, double binHz);
     void release();
 
-    int count() const { return static_cast<int>(lower_.size()); }
-    double lowerHz(int band) const { return lower_[static_cast<std::size_t>(band)]; }
-    double upperHz(int band) const { return upper_[static_cast<std::size_t>(band)]; }
+    int count() const { return static_cast<int>(bins_.size()); }
 
     /** Fills out with the largest magnitude inside each band, 0 where no bin falls into it.
      *  @param power  squared magnitudes of the bins, none of them NaN */
@@ -32,11 +30,6 @@ private:
     template <std::size_t kWidth>
     struct Largest;
 
-    void layBands();
-    void findBins(int bins, double binHz);
-
-    std::vector<double> lower_;  // Hz
-    std::vector<double> upper_;  // Hz
     std::vector<Bins> bins_;
 };
 

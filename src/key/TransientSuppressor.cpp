@@ -7,8 +7,8 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "dsp/lanes/vectorLanes.h"
 #include "dsp/truncation.h"
-#include "dsp/vectorLanes.h"
 
 namespace beatatlas {
 
@@ -31,7 +31,8 @@ int magnitude(const std::int16_t* frame) {
     return std::max(std::abs(static_cast<int>(frame[0])), std::abs(static_cast<int>(frame[1])));
 }
 
-/** The largest whole level that is not above the threshold; a magnitude is above both or neither. */
+/** The largest whole level that is not above the threshold; a magnitude is above both or
+ *  neither. */
 int wholeLevel(double threshold) {
     // A threshold that is not a number is never exceeded.
     if (!(threshold < kMostMagnitude)) return kMostMagnitude;
@@ -62,7 +63,8 @@ void TransientSuppressor::makeGains() {
         now = gain;
         if (falling) {
             gain -= fall;
-            // The steps do not add up exactly: the floor is met when it is reached, not at the loud frame.
+            // The steps do not add up exactly: the floor is met when it is reached, not at the loud
+            // frame.
             falling = gain > kFloorGain;
             if (!falling) gain = kFloorGain;
         } else {
@@ -75,14 +77,14 @@ void TransientSuppressor::setLevels(double average, double peak) {
     threshold_ = ((peak - average) * kThresholdShare) + average;
 }
 
-/** Finds the first frame from `first` to `end` that is louder than level, or end: no frame of a stretch is examined by
- *  itself unless one of them is loud. */
+/** Finds the first frame from `first` to `end` that is louder than level, or end: no frame of a
+ *  block is examined by itself unless one of them is loud. */
 template <std::size_t kWidth>
 struct TransientSuppressor::Search {
     // Registers of 256 bits at the most: the compiler takes comparisons in wider ones apart.
     static constexpr std::size_t kWords = std::min<std::size_t>(kWidth, 4);
     using Samples = Lanes<std::int16_t, 4 * kWords>;
-    static constexpr std::ptrdiff_t kStretch = 64;
+    static constexpr std::ptrdiff_t kBlock = 64;
 
     BEATATLAS_LANES static void run(const std::int16_t* frames, std::ptrdiff_t first,
                                     std::ptrdiff_t end, int level, std::ptrdiff_t* found) {
@@ -91,7 +93,7 @@ struct TransientSuppressor::Search {
         fillLanes(above, static_cast<std::int16_t>(level));
         fillLanes(below, static_cast<std::int16_t>(-level));
         std::ptrdiff_t p = first;
-        while (p + kStretch <= end && !exceeds(frames + (2 * p), above, below)) p += kStretch;
+        while (p + kBlock <= end && !exceeds(frames + (2 * p), above, below)) p += kBlock;
         while (p < end && magnitude(frames + (2 * p)) <= level) ++p;
         *found = p;
     }
@@ -99,7 +101,7 @@ struct TransientSuppressor::Search {
     BEATATLAS_LANES static bool exceeds(const std::int16_t* frames, const Samples& above,
                                         const Samples& below) {
         Samples loud{};
-        for (std::size_t i = 0; i < 2 * kStretch; i += 4 * kWords) {
+        for (std::size_t i = 0; i < 2 * kBlock; i += 4 * kWords) {
             Samples samples;
             loadLanes(samples, frames + i);
             loud |= (samples > above) | (samples < below);
@@ -112,7 +114,8 @@ struct TransientSuppressor::Search {
     }
 };
 
-/** Multiplies frames by gains; a frame is one 32-bit lane, whichever channel lies in its upper half. */
+/** Multiplies frames by gains; a frame is one 32-bit lane, whichever channel lies in its upper
+ *  half. */
 template <std::size_t kWidth>
 struct TransientSuppressor::Duck {
     using Frames = Lanes<std::int32_t, kWidth>;

@@ -7,10 +7,12 @@
 
 namespace beatatlas {
 
-/** Ducks the signal around its loudest frames: a drum hit fills the whole spectrum and would count for every key.
+/** Ducks the signal around its loudest frames: a drum hit fills the whole spectrum and would count
+ *  for every key.
  *
- *  Around each frame above the threshold the gain falls from 1 to an eighth within 10 ms and is back after 40 ms.
- *  Life: create → setLevels once the track's levels are known → suppress per stretch of signal.
+ *  Around each frame above the threshold the gain falls from 1 to an eighth within 10 ms and is
+ *  back after 40 ms. Life: create → setLevels once the track's levels are known → suppress per
+ *  block of the signal.
  *
  *  Memory: the gains of one window, made in create(). */
 class TransientSuppressor {
@@ -23,12 +25,14 @@ public:
      *  @param average,peak  of the track, in the scale of 16-bit samples */
     void setLevels(double average, double peak);
 
-    int preWindow() const { return preWindow_; }    ///< frames ducked before a loud one
-    int postWindow() const { return postWindow_; }  ///< frames ducked from the loud one on
+    /** Frames ducked before a loud one. */
+    int preWindow() const { return preWindow_; }
+    /** Frames ducked from the loud one on. */
+    int postWindow() const { return postWindow_; }
 
-    /** Works in place on count interleaved stereo frames. The first preWindow() and the last postWindow() frames
-     *  are ducked but not examined: the caller hands them in again with their neighbours. Windows that overlap
-     *  multiply. */
+    /** Works in place on count interleaved stereo frames. The first preWindow() and the last
+     *  postWindow() frames are ducked but not examined: the caller hands them in again with their
+     *  neighbours. Windows that overlap multiply. */
     void suppress(std::int16_t* frames, int count) const;
 
 private:

@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <cstddef>
 
-#include "dsp/vectorLanes.h"
+#include "dsp/lanes/vectorLanes.h"
 #include "key/KeyBandFilter.h"
 
 namespace beatatlas {
@@ -46,9 +46,9 @@ struct KeyBandSections {
     Vector s1[kVectors], s2[kVectors], y[kVectors];
 };
 
-/** The sections at work between begin() and end(), for kernels: stage s takes what stage s − 1 gave in the step before.
- *  Registers of four doubles at the most: they answer sooner than wider ones, and a section waits for its own last
- *  output. */
+/** The sections at work between begin() and end(), for kernels: stage s takes what stage s − 1 gave
+ *  in the step before. Registers of four doubles at the most: they answer sooner than wider ones,
+ *  and a section waits for its own last output. */
 template <std::size_t kWidth>
 struct KeyBandFilter::Wavefront {
     static constexpr std::size_t kLanes = std::min<std::size_t>(kWidth, 4);

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "beatatlas/key_tables.h"
 
-// "\x81\xF3" is the flat sign of Shift-JIS. The missing blanks of Em, Fm and Gm are as hosts know them: a
-// comparison of whole names depends on them.
+// "\x81\xF3" is the flat sign of Shift-JIS. The missing blanks of Em, Fm and Gm are as hosts know
+// them: a comparison of whole names depends on them.
 const char _key_table[24][5] = {
     "A  ",        "B\x81\xF3 ", "B  ", "C  ",        "D\x81\xF3 ", "D  ",
     "E\x81\xF3 ", "E  ",        "F  ", "G\x81\xF3 ", "G  ",        "A\x81\xF3 ",

@@ -8,8 +8,7 @@
 #include "dsp/PromptSleeps.h"
 #include "dsp/RoundingMode.h"
 #include "dsp/processorYield.h"
-#include "peakss/BeatInfoAnalyzeInfo.h"
-#include "peakss/BeatInfoAnalyzer.h"
+#include "peakss/grid/BeatInfoAnalyzer.h"
 #include "session/frameKernels.h"
 #include "session/tempoHundredths.h"
 
@@ -106,8 +105,8 @@ void Analyzer::limitSensingRange(int startSample, int rangeSamples) {
     startSample_ = startSample < 0 || startSample >= rangeSamples_ ? 0 : startSample;
 }
 
-// Every analyser is made, whatever the switches say: a getter of one that is off answers as an empty one does. The
-// fine adjustment alone has no place in a session of varied tempo.
+// Every analyser is made, whatever the switches say: a getter of one that is off answers as an
+// empty one does. The fine adjustment alone has no place in a session of varied tempo.
 void Analyzer::createAnalysers() {
     beatListMaker_.create(rate_, startSample_, rangeSamples_);
     simpleEnvelopeMaker_.create(rate_, totalSamples_);
@@ -116,10 +115,11 @@ void Analyzer::createAnalysers() {
     loudViewMaker_.create(rate_, totalSamples_);
     zoomViewMaker_.create(rate_, totalSamples_, kZoomPointsPerSecond, true);
     keyRankMaker_.create(rate_, totalSamples_);
-    trackFilters_.create(rate_, blockLen_,
-                         {&unitEnvelopeMaker_.audioFilter(),
-                          simple_ ? &simpleEnvelopeMaker_.audioFilter() : nullptr,
-                          zoomOn_ ? &zoomViewMaker_.bassFilter() : nullptr});
+    trackFilters_.create(rate_,
+                         {.bands = beatOn_ || loudOn_,
+                          .pulses = beatOn_ ? &unitEnvelopeMaker_.audioFilter() : nullptr,
+                          .bassLine = simple_ ? &simpleEnvelopeMaker_.audioFilter() : nullptr,
+                          .bass = zoomOn_ ? &zoomViewMaker_.bassFilter() : nullptr});
 }
 
 void Analyzer::setSamplePre(const float* left, const float* right, int count) {
@@ -169,27 +169,30 @@ int Analyzer::fillBlock(const float* left, const float* right, int count) {
 }
 
 void Analyzer::dispatchBlock() {
-    if (beatOn_) {
-        dispatchFiltered();
-    } else {
-        if (loudOn_)
-            loudViewMaker_.analyzePeak(monoBlock_.get(), nullptr, nullptr, nullptr, blockFill_);
-        if (zoomOn_) zoomViewMaker_.putSample(stereoBlock_.get(), blockFill_);
-    }
+    if (beatOn_ || loudOn_ || zoomOn_) dispatchFiltered();
     if (keyOn_) keyRankMaker_.putSample(stereoBlock_.get(), blockFill_);
 }
 
-// With beat analysis on, one pass filters for all; without it there is too little to filter.
+// One pass filters for all.
 void Analyzer::dispatchFiltered() {
     const float* mono = monoBlock_.get();
     const std::int16_t* stereo = stereoBlock_.get();
     trackFilters_.operate(mono, stereo, blockFill_, keyOn_ ? &keyRankMaker_ : nullptr);
-    beatListMaker_.putBands(mono, trackFilters_.bands(), blockFill_,
-                            loudOn_ ? &loudViewMaker_ : nullptr);
-    if (simple_) simpleEnvelopeMaker_.putFiltered(trackFilters_.bassLine(), blockFill_);
-    unitEnvelopeMaker_.putFiltered(trackFilters_.pulses(), blockFill_);
-    if (!varied_) unitBeatAdjust_.putSample(stereo, blockFill_);
-    if (zoomOn_) zoomViewMaker_.putFiltered(stereo, trackFilters_.bass(), blockFill_);
+    if (beatOn_) {
+        dispatchBeats();
+    } else if (loudOn_) {
+        const peakss::BandSignals bands = trackFilters_.bands();
+        loudViewMaker_.analyzePeak(mono, bands.viewLow, bands.bands[2], bands.bands[3], blockFill_);
+    }
+    if (zoomOn_) zoomViewMaker_.putSample(stereo, trackFilters_.bass(), blockFill_);
+}
+
+void Analyzer::dispatchBeats() {
+    beatListMaker_.put(monoBlock_.get(), trackFilters_.bands(), blockFill_,
+                       loudOn_ ? &loudViewMaker_ : nullptr);
+    if (simple_) simpleEnvelopeMaker_.putSample(trackFilters_.bassLine(), blockFill_);
+    unitEnvelopeMaker_.putSample(trackFilters_.pulses(), blockFill_);
+    if (!varied_) unitBeatAdjust_.putSample(stereoBlock_.get(), blockFill_);
 }
 
 // A fixed chain, no vote: each stage takes the tempo and the grid of the one before.

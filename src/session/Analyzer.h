@@ -9,7 +9,7 @@
 #include "envelope/UnitEnvelopeMaker.h"
 #include "key/KeyRankMaker.h"
 #include "peakss/BeatInfo.h"
-#include "peakss/BeatListMaker.h"
+#include "peakss/sensing/BeatListMaker.h"
 #include "session/PreChecker.h"
 #include "session/TrackFilters.h"
 #include "view/LoudViewMaker.h"
@@ -17,12 +17,14 @@
 
 namespace beatatlas {
 
-/** One analysis session: takes a track in stretches of any length, cuts it into blocks of a 75th of a second, hands
- *  each block to the analysers that are switched on, and closes the analysis when the declared length has come.
+/** One analysis session: takes a track in calls of any length, cuts it into blocks of a 75th of a
+ *  second, hands each block to the analysers that are switched on, and closes the analysis when the
+ *  declared length has come.
  *
- *  Life: one create… → with key detection, setSamplePre until the declared length → setSample until the declared
- *  length → getters. A call out of this order is ignored. There is no way back but destruction. Used by one thread
- *  at a time; create and feeding leave the thread rounding toward zero. */
+ *  Life: one create… → with key detection, setSamplePre until the declared length → setSample until
+ *  the declared length → getters. A call out of this order is ignored. There is no way back but
+ *  destruction. Used by one thread at a time; create and feeding leave the thread rounding toward
+ *  zero. */
 class Analyzer {
 public:
     Analyzer();
@@ -30,43 +32,47 @@ public:
     Analyzer(const Analyzer&) = delete;
     Analyzer& operator=(const Analyzer&) = delete;
 
-    /** Makes a session of constant or varied tempo. Refuses, without any change, a second create, a rate other
-     *  than 44100 and 48000, totalSamples ≤ 0 and sectionBeats < 0.
+    /** Makes a session of constant or varied tempo. Refuses, without any change, a second create, a
+     *  rate other than 44100 and 48000, totalSamples ≤ 0 and sectionBeats < 0.
      *  @param totalSamples  declared length in frames
-     *  @param sectionBeats  0: no beat analysis; with varied, the beats of a grid phrase (4 × a power of two) */
+     *  @param sectionBeats  0: no beat analysis; with varied, the beats of a grid phrase (4 × a
+     *                       power of two) */
     void create(int rate, int totalSamples, int sectionBeats, bool varied, bool loudOn, bool zoomOn,
                 bool keyOn);
 
-    /** Makes a simple session: beats are sensed in the frames startSample … rangeSamples − 1 only. An end outside
-     *  the track means its first minute; a start not before the end means 0. */
+    /** Makes a simple session: beats are sensed in the frames startSample … rangeSamples − 1 only.
+     *  An end outside the track means its first minute; a start not before the end means 0. */
     void createSimple(int rate, int totalSamples, int startSample, int rangeSamples, bool loudOn,
                       bool zoomOn, bool keyOn);
 
-    /** Whether the closing analysis keeps its progress lines off the standard output; it prints them unless told
-     *  before. Holds for the session to come, and changes no result. */
+    /** Whether the closing analysis keeps its progress lines off the standard output; it prints
+     *  them by default. Holds for the session to come, and changes no result. */
     void setQuiet(bool isQuiet) { isQuiet_ = isQuiet; }
 
-    /** Feeds the pre-check pass; full scale ±32768. */
+    /** Feeds the pre-check pass; samples from −32768 to 32767. */
     void setSamplePre(const float* left, const float* right, int count);
 
-    /** Feeds the analysis pass; the call that completes the track runs analyze. */
+    /** Feeds the analysis pass; samples from −32768 to 32767. The call that completes the track runs
+     *  analyze; what it brings beyond the declared length is heard up to the end of the block. */
     void setSample(const float* left, const float* right, int count);
 
     /** Closes the analysis, once. */
     void analyze();
 
-    /** Where the exception shield of the plain exports ends. A session needs no undoing: what an exception leaves
-     *  is still safe to feed, ask and destroy. */
+    /** Where the exception shield of the plain exports ends. A session needs no undoing: what an
+     *  exception leaves is still safe to feed, ask and destroy. */
     void abort() {}
 
     bool isAnalyzed() const { return analyzed_; }
-    int getBpm() const;  ///< hundredths of a BPM, rounded half up
+    /** Hundredths of a BPM, rounded half up. */
+    int getBpm() const;
     const peakss::BeatList& getBeatList() const { return beatList_; }
 
     int getLoudNum() const { return loudViewMaker_.loudNum(); }
     int getDotsNum() const { return loudViewMaker_.dotsNum(); }
     int getZoomNum() const { return zoomViewMaker_.count(); }
-    const WavePoint* getLoudWave();  ///< colours the points finalised since the last call first
+    /** Colours the points finalised since the last call first. */
+    const WavePoint* getLoudWave();
     const WavePoint* getDotsWave();
     const ZoomPoint* getZoomWave();
 
@@ -85,6 +91,7 @@ private:
     int fillBlock(const float* left, const float* right, int count);
     void dispatchBlock();
     void dispatchFiltered();
+    void dispatchBeats();
     float proposeGrid();
 
     bool created_ = false;

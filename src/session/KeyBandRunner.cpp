@@ -5,9 +5,9 @@
 #include <array>
 #include <cstddef>
 
-#include "dsp/filterBankKernel.h"
 #include "dsp/isConstant.h"
-#include "dsp/sampleLanes.h"
+#include "dsp/lanes/BankSteps.h"
+#include "dsp/lanes/sampleLanes.h"
 #include "key/keyBandLanes.h"
 
 namespace beatatlas {
@@ -27,35 +27,30 @@ void KeyBandRunner::take(int frames, const std::int16_t* samples, int n) {
     key_.n -= frames;
 }
 
-/** The steps of one tile, `count` steps of the key's filter beside them. */
+/** The steps of a block, `count` steps of the key's filter beside them. */
 template <std::size_t kWidth>
 struct KeyBandRunner::Kernel {
-    static constexpr std::size_t kLanes = FilterBankSteps<kWidth>::kLanes;
+    using Steps = BankSteps<SessionCascades, kWidth>;
 
-    BEATATLAS_LANES static void run(FilterBankLanes* bank, FilterBankTile* tile,
-                                    const FilterBankStretch* steps, const BandStretch* key,
+    BEATATLAS_LANES static void run(Block* block, int n, const BandBlock* key,
                                     std::int16_t* samples, int count) {
-        double signal[FilterBankTile::kSteps];
-        MonoOfBlock<kLanes>::run(key->frames, signal, count);
+        double signal[SessionCascades::kMostSamples];
+        MonoOfBlock<Steps::kLanes>::run(key->frames, signal, count);
         KeyBandFilter::Wavefront<kWidth> sections;
         sections.load(*key->filter);
-        FilterBankSteps<kWidth>::run(
-            *bank, *tile, *steps, count, [&](int i) __attribute__((always_inline)) {
+        Steps::run(
+            *block, n, count, [&](int i) __attribute__((always_inline)) {
                 signal[i] = sections.step(signal[i]);
             });
         sections.store(*key->filter);
-        LowHalvesOfBlock<kLanes>::run(signal, samples, count);
+        LowHalvesOfBlock<Steps::kLanes>::run(signal, samples, count);
     }
 };
 
-void KeyBandRunner::run(FilterBankLanes& lanes, FilterBankTile& tile,
-                        const FilterBankStretch& stretch) {
-    const int count = std::min({key_.n, stretch.steps, FilterBankTile::kSteps});
-    if (count == 0) return FilterBankRunner::run(lanes, tile, stretch);
-    std::array<std::int16_t, FilterBankTile::kSteps> samples;
-    runInLanes<Kernel>(&lanes, &tile, &stretch, static_cast<const BandStretch*>(&key_),
-                       samples.data(), count);
-    take(count, samples.data(), count);
+void KeyBandRunner::operator()(Block& block, int n) {
+    std::array<std::int16_t, SessionCascades::kMostSamples> samples;
+    runInLanes<Kernel>(&block, n, static_cast<const BandBlock*>(&key_), samples.data(), key_.n);
+    take(key_.n, samples.data(), key_.n);
 }
 
 }  // namespace beatatlas

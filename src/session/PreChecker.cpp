@@ -13,8 +13,8 @@ namespace {
 // About −70 dB of full scale: below it in both channels a frame is near-silent.
 constexpr int kSoundingLevel = 10;
 
-// Short enough that a search for the last sounding frame of a stretch is soon over.
-constexpr int kStretchFrames = 1024;
+// Short enough that a search for the last sounding frame of a block is soon over.
+constexpr int kBlockFrames = 1024;
 
 bool sounds(float left, float right) {
     return magnitude(left) >= kSoundingLevel || magnitude(right) >= kSoundingLevel;
@@ -24,15 +24,15 @@ bool sounds(float left, float right) {
 
 void PreChecker::putSample(const float* left, const float* right, int count) {
     for (int i = 0; i < count;) {
-        const int frames = std::min(count - i, kStretchFrames);
-        putStretch(left + i, right + i, frames);
+        const int frames = std::min(count - i, kBlockFrames);
+        putBlock(left + i, right + i, frames);
         i += frames;
     }
 }
 
-// Up to its last sounding frame a stretch is music, quiet frames and all. The sums are whole numbers far below 2^53:
-// they come out the same in any order.
-void PreChecker::putStretch(const float* left, const float* right, int count) {
+// Up to its last sounding frame a block is music, quiet frames and all. The sums are whole numbers
+// far below 2^53: they come out the same in any order.
+void PreChecker::putBlock(const float* left, const float* right, int count) {
     const LevelTotals all = levelTotals(left, right, count);
     int tailStart = 0;
     if (all.max >= kSoundingLevel) {

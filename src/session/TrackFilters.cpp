@@ -1,45 +1,74 @@
 // SPDX-License-Identifier: MIT
 #include "session/TrackFilters.h"
 
-#include "dsp/VectorForm.h"
-#include "peakss/bandDesigns.h"
+#include <cstddef>
+
+#include "dsp/IirPassFilter.h"
+#include "dsp/lanes/VectorForm.h"
+#include "dsp/sampleBlocks.h"
+#include "peakss/sensing/designBands.h"
 #include "session/KeyBandRunner.h"
+#include "view/LVMakeBase.h"
 
 namespace beatatlas {
 
-void TrackFilters::create(int rate, int blockLen, const Levels& levels) {
-    peakss::designSensorBank(bank_, static_cast<float>(rate));
-    const auto frames = static_cast<std::size_t>(blockLen);
-    for (std::size_t band = 0; band < kBands; ++band) {
-        bandBlocks_[band].assign(frames, 0.0F);
-        bands_[band] = bandBlocks_[band].data();
-    }
-    viewLow_.assign(frames, 0.0F);
-    createLevel(FilterBank::kTwice, levels.pulses, frames);
-    createLevel(FilterBank::kOnce, levels.bassLine, frames);
-    createLevel(FilterBank::kWhole, levels.bass, frames);
+namespace {
+
+using Bank = TrackFilters::Bank;
+
+void designCascade(Bank& bank, std::size_t cascade, const IirPassFilter& filter) {
+    for (int s = 0; s < filter.stageCount(); ++s)
+        bank.design(cascade, static_cast<std::size_t>(s), filter.stage(s).section());
 }
 
-void TrackFilters::createLevel(FilterBank::Level level, const SecondOrderSection* filter,
-                               std::size_t frames) {
-    std::vector<double>& levelBlock = levels_[static_cast<std::size_t>(level)];
-    levelBlock.clear();
+void designCascade(Bank& bank, std::size_t cascade, const SecondOrderSection* filter) {
     if (filter == nullptr) return;
-    bank_.designLevel(level, *filter);
-    levelBlock.assign(frames, 0.0);
+    for (std::size_t s = 0; s < SessionCascades::kCascades[cascade].sections; ++s)
+        bank.design(cascade, s, *filter);
+}
+
+}  // namespace
+
+void TrackFilters::create(int rate, const Wanted& wanted) {
+    bank_ = std::make_unique<Bank>();
+    designBands(static_cast<float>(rate));
+    designCascade(*bank_, SessionCascades::kPulses, wanted.pulses);
+    designCascade(*bank_, SessionCascades::kBassLine, wanted.bassLine);
+    designCascade(*bank_, SessionCascades::kBass, wanted.bass);
+    const bool wantsOthers = wanted.pulses != nullptr || wanted.bassLine != nullptr;
+    wantsBands_ = wanted.bands;
+    wantsMeans_ = wantsOthers || wanted.bass != nullptr;
+    bassAlone_.reset();
+    if (wanted.bass != nullptr && !wantsOthers && !wantsBands_) bassAlone_ = *wanted.bass;
+}
+
+void TrackFilters::designBands(float rate) {
+    constexpr std::array kBands = {SessionCascades::kLow, SessionCascades::kDrum,
+                                   SessionCascades::kMid, SessionCascades::kHigh};
+    std::array<IirPassFilter, kBands.size()> filters;
+    peakss::designFilters(filters, rate);
+    for (std::size_t band = 0; band < kBands.size(); ++band) {
+        designCascade(*bank_, kBands[band], filters[band]);
+        bands_[band] = bank_->magnitudes(kBands[band]);
+    }
+    IirPassFilter viewLow;
+    viewLow.createBandPathFilterQ(LVMakeBase::kLowBandHz, rate, LVMakeBase::kLowBandQ);
+    designCascade(*bank_, SessionCascades::kViewLow, viewLow);
 }
 
 void TrackFilters::operate(const float* mono, const std::int16_t* stereo, int n,
                            KeyRankMaker* key) {
-    FilterBank::LevelOutputs levels{};
-    for (std::size_t level = 0; level < levels_.size(); ++level)
-        if (!levels_[level].empty()) levels[level] = levels_[level].data();
-    const FilterBank::Outputs outputs = peakss::sensorBankOutputs(bands());
+    if (wantsBands_) widenBlock(mono, bank_->signal(SessionCascades::kMono), n);
+    if (wantsMeans_)
+        meansOfBlock(stereo, bank_->signal(SessionCascades::kMean),
+                     bank_->signal(SessionCascades::kWholeMean), n);
+    if (bassAlone_)
+        return bassAlone_->operate(bank_->signal(SessionCascades::kWholeMean), bassBlock_.data(),
+                                   n);
     // Both at once need the registers of AVX-512: with fewer, one after the other takes no longer.
-    if (key == nullptr || vectorForm() != VectorForm::avx512)
-        return bank_.operate(mono, stereo, outputs, levels, n);
+    if (key == nullptr || vectorForm() != VectorForm::avx512) return bank_->operate(n);
     KeyBandRunner runner(*key, n);
-    bank_.operate(mono, stereo, outputs, levels, n, runner);
+    bank_->operate(n, runner);
 }
 
 }  // namespace beatatlas

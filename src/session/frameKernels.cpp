@@ -1,27 +1,27 @@
 // SPDX-License-Identifier: MIT
-// The plain form of each kernel stands first and serves the frames that fill no vector; the lanes do the same for eight
-// frames at a time, and are compiled for each vector form.
+// The plain form of each kernel stands first and serves the frames that fill no vector; the lanes
+// do the same for eight frames at a time.
 #include "session/frameKernels.h"
 
 #include <algorithm>
 #include <bit>
 #include <cstddef>
 #include <cstdlib>
-#include <cstring>
 #include <utility>
 
-#include "dsp/VectorForm.h"
+#include "dsp/lanes/vectorLanes.h"
 #include "dsp/truncation.h"
 
 namespace beatatlas {
 
 namespace {
 
-// The mean of both channels, with 16-bit full scale brought to ±1.0: a power of two, so the product is exact.
+// The mean of both channels, with 16-bit full scale brought to ±1.0: a power of two, so the product
+// is exact.
 constexpr float kMonoScale = 1.0F / 65536.0F;
 
-void convertPlainly(const float* left, const float* right, int from, int to, float* mono,
-                    std::int16_t* stereo) {
+BEATATLAS_LANES void convertPlainly(const float* left, const float* right, int from, int to,
+                                    float* mono, std::int16_t* stereo) {
     for (std::ptrdiff_t i = from; i < to; ++i) {
         mono[i] = (left[i] + right[i]) * kMonoScale;
         stereo[2 * i] = truncToInt16(left[i]);
@@ -29,7 +29,8 @@ void convertPlainly(const float* left, const float* right, int from, int to, flo
     }
 }
 
-void addPlainly(const float* left, const float* right, int from, int to, LevelTotals& totals) {
+BEATATLAS_LANES void addPlainly(const float* left, const float* right, int from, int to,
+                                LevelTotals& totals) {
     for (int i = from; i < to; ++i) {
         const std::int32_t a = magnitude(left[i]);
         const std::int32_t b = magnitude(right[i]);
@@ -42,15 +43,12 @@ constexpr int kLanes = 8;
 // A frame adds 65,536 to a lane at the most.
 constexpr int kMostVectorsPerSum = 4096;
 
-using Floats = float __attribute__((vector_size(4 * kLanes)));
-using Ints = std::int32_t __attribute__((vector_size(4 * kLanes)));
-using Bits = std::uint32_t __attribute__((vector_size(4 * kLanes)));
+using Floats = Lanes<float, kLanes>;
+using Ints = Lanes<std::int32_t, kLanes>;
+using Bits = Lanes<std::uint32_t, kLanes>;
 
-BEATATLAS_LANES void load(const float* from, Floats& lanes) {
-    std::memcpy(&lanes, from, sizeof lanes);
-}
-
-/** truncToInt32() in each lane: what cannot be converted is exchanged for the number whose truncation is the answer. */
+/** truncToInt32() in each lane: what cannot be converted is exchanged for the number whose
+ *  truncation is the answer. */
 BEATATLAS_LANES void truncate(const Floats& samples, Ints& whole) {
     constexpr float kLowest = -2147483648.0F;
     constexpr float kTooHigh = 2147483648.0F;
@@ -61,21 +59,20 @@ BEATATLAS_LANES void truncate(const Floats& samples, Ints& whole) {
 
 BEATATLAS_LANES void magnitudes(const float* samples, Ints& lanes) {
     Floats loaded;
-    load(samples, loaded);
+    loadLanes(loaded, samples);
     truncate(loaded, lanes);
     const Ints low =
         __builtin_convertvector(__builtin_convertvector(lanes, Bits) << 16, Ints) >> 16;
     lanes = low < 0 ? -low : low;
 }
 
-BEATATLAS_LANES void convertLanes(const float* left, const float* right, float* mono,
+BEATATLAS_LANES void convertEight(const float* left, const float* right, float* mono,
                                   std::int16_t* stereo) {
     Floats l;
     Floats r;
-    load(left, l);
-    load(right, r);
-    const Floats mean = (l + r) * kMonoScale;
-    std::memcpy(mono, &mean, sizeof mean);
+    loadLanes(l, left);
+    loadLanes(r, right);
+    storeLanes(Floats((l + r) * kMonoScale), mono);
     Ints first;
     Ints second;
     truncate(l, first);
@@ -83,73 +80,49 @@ BEATATLAS_LANES void convertLanes(const float* left, const float* right, float* 
     if constexpr (std::endian::native == std::endian::big) std::swap(first, second);
     const Bits pairs = (__builtin_convertvector(first, Bits) & 0xffffU) |
                        (__builtin_convertvector(second, Bits) << 16);
-    std::memcpy(stereo, &pairs, sizeof pairs);
+    storeLanes(pairs, stereo);
 }
 
-BEATATLAS_LANES int convertVectors(const float* left, const float* right, int n, float* mono,
-                                   std::int16_t* stereo) {
-    int i = 0;
-    for (; i + kLanes <= n; i += kLanes)
-        convertLanes(left + i, right + i, mono + i, stereo + 2 * static_cast<std::ptrdiff_t>(i));
-    return i;
-}
+// Both kernels are the same for every width: eight lanes of 32 bits gain nothing from registers
+// wider than those of AVX2.
 
-BEATATLAS_LANES int addVectors(const float* left, const float* right, int n, LevelTotals& totals) {
-    Ints max{};
-    int i = 0;
-    while (i + kLanes <= n) {
-        Ints sum{};
-        const int end = std::min(n, i + kMostVectorsPerSum * kLanes);
-        for (; i + kLanes <= end; i += kLanes) {
-            Ints a;
-            Ints b;
-            magnitudes(left + i, a);
-            magnitudes(right + i, b);
-            sum += a + b;
-            max = a > max ? a : max;
-            max = b > max ? b : max;
-        }
-        for (int lane = 0; lane < kLanes; ++lane) totals.sum += sum[lane];
+template <std::size_t>
+struct ConvertFrames {
+    BEATATLAS_LANES static void run(const float* left, const float* right, int n, float* mono,
+                                    std::int16_t* stereo) {
+        int i = 0;
+        for (; i + kLanes <= n; i += kLanes)
+            convertEight(left + i, right + i, mono + i,
+                         stereo + 2 * static_cast<std::ptrdiff_t>(i));
+        convertPlainly(left, right, i, n, mono, stereo);
     }
-    for (int lane = 0; lane < kLanes; ++lane)
-        totals.max = std::max<std::int32_t>(totals.max, max[lane]);
-    return i;
-}
+};
 
-int convertBaseline(const float* left, const float* right, int n, float* mono,
-                    std::int16_t* stereo) {
-    return convertVectors(left, right, n, mono, stereo);
-}
-
-int addBaseline(const float* left, const float* right, int n, LevelTotals& totals) {
-    return addVectors(left, right, n, totals);
-}
-
-#if BEATATLAS_WIDE_FORMS
-BEATATLAS_AVX2 int convertAvx2(const float* left, const float* right, int n, float* mono,
-                               std::int16_t* stereo) {
-    return convertVectors(left, right, n, mono, stereo);
-}
-
-BEATATLAS_AVX2 int addAvx2(const float* left, const float* right, int n, LevelTotals& totals) {
-    return addVectors(left, right, n, totals);
-}
-#endif
-
-// Eight lanes of 32 bits gain nothing from wider registers than those of AVX2.
-auto* convertKernel() {
-#if BEATATLAS_WIDE_FORMS
-    if (vectorForm() >= VectorForm::avx2) return convertAvx2;
-#endif
-    return convertBaseline;
-}
-
-auto* addKernel() {
-#if BEATATLAS_WIDE_FORMS
-    if (vectorForm() >= VectorForm::avx2) return addAvx2;
-#endif
-    return addBaseline;
-}
+template <std::size_t>
+struct AddLevels {
+    BEATATLAS_LANES static void run(const float* left, const float* right, int n,
+                                    LevelTotals* totals) {
+        Ints max{};
+        int i = 0;
+        while (i + kLanes <= n) {
+            Ints sum{};
+            const int end = std::min(n, i + kMostVectorsPerSum * kLanes);
+            for (; i + kLanes <= end; i += kLanes) {
+                Ints a;
+                Ints b;
+                magnitudes(left + i, a);
+                magnitudes(right + i, b);
+                sum += a + b;
+                max = a > max ? a : max;
+                max = b > max ? b : max;
+            }
+            for (int lane = 0; lane < kLanes; ++lane) totals->sum += sum[lane];
+        }
+        for (int lane = 0; lane < kLanes; ++lane)
+            totals->max = std::max<std::int32_t>(totals->max, max[lane]);
+        addPlainly(left, right, i, n, *totals);
+    }
+};
 
 }  // namespace
 
@@ -159,15 +132,13 @@ std::int32_t magnitude(float sample) {
 
 LevelTotals levelTotals(const float* left, const float* right, int n) {
     LevelTotals totals;
-    const int done = addKernel()(left, right, n, totals);
-    addPlainly(left, right, done, n, totals);
+    runInLanes<AddLevels, 4>(left, right, n, &totals);
     return totals;
 }
 
 void convertFrames(const float* left, const float* right, int n, float* mono,
                    std::int16_t* stereo) {
-    const int done = convertKernel()(left, right, n, mono, stereo);
-    convertPlainly(left, right, done, n, mono, stereo);
+    runInLanes<ConvertFrames, 4>(left, right, n, mono, stereo);
 }
 
 }  // namespace beatatlas

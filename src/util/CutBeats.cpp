@@ -1,11 +1,14 @@
 // SPDX-License-Identifier: MIT
 // Removes percussive beats from a mono buffer by working on its short-time spectrum:
-//   1. magnitudes and phases of overlapping frames, the weak bins of each frame silenced against their octave
-//   2. the lowest bins held down to their own slow envelope over time: a bass drum rises faster than a bass note
+//   1. magnitudes and phases of overlapping frames, the weak bins of each frame silenced against
+//      their octave
+//   2. the lowest bins held down to their own slow envelope over time: a bass drum rises faster
+//      than a bass note
 //   3. frames rebuilt from what is left and added up, windowed a second time
 //
-// The frames go through the transform several at a time (dsp/FrameTransform.h). Most bins end up silent; of a silent
-// bin nothing but the signs of its zeros remains, and these are had without its phase.
+// The frames go through the transform several at a time (dsp/FrameTransform.h). Most bins end up
+// silent; of a silent bin nothing but the signs of its zeros remains, and these are had without its
+// phase.
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -141,8 +144,8 @@ void loadWindowed(const float* in, const Workshop& shop, std::size_t place) {
     std::fill_n(shop.batch.imOf(place), shop.length, 0.0F);
 }
 
-/** Whether the signs of cosine and sine of the angle of (re, im) are plain from those of re and im: they are unless the
- *  angle may round to another quadrant. */
+/** Whether the signs of cosine and sine of the angle of (re, im) are plain from those of re and im:
+ *  they are unless the angle may round to another quadrant. */
 bool isInsideQuadrant(float re, float im) {
     constexpr float kClear = 0.001F;
     const float x = std::fabs(re);
@@ -155,7 +158,8 @@ float quadrantPhase(float re, float im) {
     return std::copysign(re < 0.0F ? 2.25F : 0.75F, im);
 }
 
-// The lowest bins keep their whole phase: at a negative rate their envelope gives a silent one a magnitude again.
+// The lowest bins keep their whole phase: at a negative rate their envelope gives a silent one a
+// magnitude again.
 void writePhases(const float* magnitudes, float* re, float* im, int bins, float* phases) {
     for (int k = 0; k < bins; ++k) {
         const bool staysSilent =
@@ -224,8 +228,8 @@ Bin silentBin(float phase) {
     return {size > kQuarterTurn ? -0.0F : 0.0F, size > kHalfTurn ? -im : im};
 }
 
-/** The whole spectrum from its lower half; the bin at half the rate stays silent. Where bin 0 would have its mirror
- *  image a frame has ended. */
+/** The whole spectrum from its lower half; the bin at half the rate stays silent. Where bin 0 would
+ *  have its mirror image a frame has ended. */
 void loadSpectrum(const float* magnitudes, const float* phases, const Workshop& shop,
                   std::size_t place) {
     const std::size_t end = shop.length;

@@ -9,8 +9,8 @@
 #include <cstdint>
 #include <cstring>
 
+#include "dsp/lanes/vectorLanes.h"
 #include "dsp/truncation.h"
-#include "dsp/vectorLanes.h"
 
 namespace beatatlas {
 
@@ -23,7 +23,8 @@ constexpr std::size_t kFirstGated = 4;
 /** The most sums that grow side by side: four vectors of the widest form. */
 constexpr std::ptrdiff_t kLargestBlock = 64;
 
-/** All bits for the octaves before a place, none from it on: read from kLargestBlock less than it. */
+/** All bits for the octaves before an index, none from it on: read from kLargestBlock less than
+ *  it. */
 constexpr std::array<std::int32_t, 2 * kLargestBlock> kStairs = [] {
     std::array<std::int32_t, 2 * kLargestBlock> stairs{};
     for (std::size_t i = 0; i < kLargestBlock; ++i) stairs[i] = -1;
@@ -42,8 +43,9 @@ struct Octaves {
     float* sums;
 };
 
-/** The sums of four vectors of neighbours at a time. Each takes its bins one by one from the lowest upward, as if it
- *  were alone; a bin is added to all sums at once, at the ends of the stretch only to those whose octave it is in. */
+/** The sums of four vectors of neighbours at a time. Each takes its bins one by one from the lowest
+ *  upward, as if it were alone; a bin is added to all sums at once, at the ends of the range only
+ *  to those whose octave it is in. */
 template <std::size_t kWidth>
 struct SumOctaves {
     static constexpr std::ptrdiff_t kLanes = 2 * kWidth;
@@ -74,8 +76,8 @@ struct SumOctaves {
             for (int v = 0; v < 4; ++v) sums[v] += magnitudes[m];
     }
 
-    // Both ends of the octaves move up with k, so those that hold bin m lie together, from the first that has not
-    // ended to the last that has begun.
+    // Both ends of the octaves move up with k, so those that hold bin m lie together, from the
+    // first that has not ended to the last that has begun.
     BEATATLAS_LANES static void addToSome(const Octaves& all, std::int32_t k,
                                           const float* magnitudes, std::int32_t from,
                                           std::int32_t end, Vector* sums) {
@@ -126,8 +128,8 @@ void OctaveGate::apply(float* magnitudes) {
     const Octaves octaves{static_cast<std::int32_t>(bins_), lo_.get(), hi_.get(), sums_.get()};
     runInLanes<SumOctaves>(&octaves, static_cast<const float*>(magnitudes));
     for (std::size_t k = kFirstGated; k < bins_; ++k) {
-        // One bin more is summed than the weight divides by: the mean comes out high, above all at the bottom,
-        // where octaves are a few bins wide. The gate is tuned to it.
+        // One bin more is summed than the weight divides by: the mean comes out high, above all at
+        // the bottom, where octaves are a few bins wide. The gate is tuned to it.
         const float mean = sums_[k] * widthWeight_[k];
         if (magnitudes[k] < mean * logPlace_[k]) magnitudes[k] = 0.0F;
     }

@@ -9,8 +9,9 @@ namespace beatatlas {
 
 /** Silences the bins of a magnitude spectrum that do not stand out of the octave around them.
  *
- *  A held note is a peak; a drum hit spreads over all bins. The bar to reach rises with the logarithm of the
- *  frequency, since the octaves of the treble hold ever more bins. The lowest four bins always pass.
+ *  A held note is a peak; a drum hit spreads over all bins. The bar to reach rises with the
+ *  logarithm of the frequency, since the octaves of the treble hold ever more bins. The lowest four
+ *  bins always pass.
  *
  *  Life: one gate serves spectra of one length. Nothing is allocated after construction. */
 class OctaveGate {

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-// Finds what A4 is tuned to. Each candidate reference is given two octaves of semitone bins; a recording tuned to it
-// puts its notes at the centres of bins, where magnitudes are largest and the strongest bin does not waver from frame
-// to frame:
+// Finds what A4 is tuned to. Each candidate reference is given two octaves of semitone bins; a
+// recording tuned to it puts its notes at the centres of bins, where magnitudes are largest and the
+// strongest bin does not waver from frame to frame:
 //   1. score the candidates of the first pass
 //   2. where that pass left gaps, score the neighbours of the best ones
 //   3. the best score wins, the lower reference among equals
@@ -35,7 +35,8 @@ public:
             scores_[static_cast<std::size_t>(candidate)] = scoreOf(candidate);
     }
 
-    /** Scores the neighbours that the every-other pass left out, where the best candidate may hide. */
+    /** Scores the neighbours that the every-other pass left out, where the best candidate may
+     *  hide. */
     void refine();
 
     int best() {
@@ -54,8 +55,8 @@ private:
     std::array<float, kCandidates> scores_{};
 };
 
-/** Adds up the strongest magnitudes of the frames whose strongest bin is that of the frame before. The first frame
- *  has none before it and counts. */
+/** Adds up the strongest magnitudes of the frames whose strongest bin is that of the frame before.
+ *  The first frame has none before it and counts. */
 float steadyMaxima(const float* rows, int frames) {
     float score = 0.0F;
     int previous = 0;

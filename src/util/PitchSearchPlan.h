@@ -5,11 +5,16 @@ namespace beatatlas {
 
 /** Which concert pitches are tried at first, as candidates 0 … 12 for 434 … 446 Hz. */
 struct PitchSearchPlan {
-    int hop;            ///< samples between frames, before the caller's division
-    int start;          ///< first candidate of the first pass
-    int step;           ///< to the next one
-    int end;            ///< the first pass stays below it
-    bool refinesAfter;  ///< a second pass looks beside the best ones
+    /** Samples between frames, before the caller's division. */
+    int hop;
+    /** First candidate of the first pass. */
+    int start;
+    /** Step to the next candidate. */
+    int step;
+    /** Bound of the first pass, exclusive. */
+    int end;
+    /** A second pass looks beside the best ones. */
+    bool refinesAfter;
 };
 
 PitchSearchPlan pitchSearchPlanOf(int mode, bool isLong);

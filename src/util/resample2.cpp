@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: MIT
-// Decimation by about ten: an eighth-order recursive low-pass at a twentieth of the input rate, then every step-th
-// filtered sample.
+// Decimation by about ten: an eighth-order recursive low-pass at a twentieth of the input rate,
+// then every step-th filtered sample.
 //
-// All eight poles lie close together near z = 1, so in single precision the filter is ill-conditioned: the order in
-// which its sums are taken shows in the result, and so does every digit of the stored coefficients.
+// All eight poles lie close together near z = 1, so in single precision the filter is
+// ill-conditioned: the order in which its sums are taken shows in the result, and so does every
+// digit of the stored coefficients.
 #include <algorithm>
 #include <array>
 #include <memory>
@@ -52,7 +53,8 @@ float* make_8(float* a, float* b) {
 }
 
 void filter8_mono(float* in, float* out, long n, float* a, float* b) {
-    // Copies, so that nothing written to out can be taken for a change of the coefficients. a[0] is never read.
+    // Copies, so that nothing written to out can be taken for a change of the coefficients. a[0] is
+    // never read.
     Coefficients p{};
     Coefficients z{};
     std::copy_n(a + 1, kCoefficients - 1, p.begin() + 1);

@@ -5,11 +5,13 @@
 
 namespace beatatlas {
 
-/** Averages the rectified signal over nine chunks, or up to a chunk with a low-band peak where one comes sooner. */
+/** Averages the rectified signal over nine chunks, or up to a chunk with a low-band peak where one
+ *  comes sooner. */
 class AverageLevel {
 public:
     struct Average {
-        float level;  ///< 16-bit scale
+        /** In 16-bit scale. */
+        float level;
 
         /** Belongs to the same point as the average before, which a peak had cut short. */
         bool merges;
@@ -18,7 +20,8 @@ public:
     void create(int blockLen);
     void reset();
 
-    /** Takes one chunk of m samples (full scale ±1.0); an average comes with every ninth chunk and every peak. */
+    /** Takes one chunk of m samples (full scale ±1.0); an average comes with every ninth chunk and
+     *  every peak. */
     std::optional<Average> put(const float* samples, int m, bool peakInChunk);
 
 private:

@@ -35,7 +35,8 @@ void AverageStrip::moveTo(int target) {
     index_ = target;
 }
 
-// A merging average joins the one before it, whose point may have been scaled already when the strip moved on.
+// A merging average joins the one before it, whose point may have been scaled already when the
+// strip moved on.
 void AverageStrip::add(const AverageLevel::Average& average) {
     if (!average.merges) {
         at(index_) += average.level;

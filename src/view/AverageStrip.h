@@ -23,8 +23,8 @@ public:
      *  @param ended  the track's last sample was in this chunk or earlier */
     void put(std::int64_t chunk, bool ended, const std::optional<AverageLevel::Average>& average);
 
-    /** The point being filled; 400 once the track has ended. Points before it take no more chunks, though a merging
-     *  average may still reach the last of them. */
+    /** The point being filled; 400 once the track has ended. Points before it take no more chunks,
+     *  though a merging average may still reach the last of them. */
     int index() const { return index_; }
     float operator[](int point) const { return points_[static_cast<std::size_t>(point)]; }
 

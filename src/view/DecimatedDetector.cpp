@@ -29,8 +29,9 @@ void DecimatedDetector::put(PeakRecords& records, const float* samples, int m, f
     ++chunksSeen_;
 }
 
-// In a chunk shorter than a block the track's last sample is judged with whatever its group has; in a full one only
-// when it completes a group of four. Otherwise the end goes unnoticed and the last dots stay open.
+// In a chunk shorter than a block the track's last sample is judged with whatever its group has; in
+// a full one only when it completes a group of four. Otherwise the end goes unnoticed and the last
+// dots stay open.
 void DecimatedDetector::followToEnd(peak* records, const float* samples, int m, bool shortChunk) {
     bool judged = follow(records, samples, 0, m);
     if (!judged && shortChunk) {
@@ -72,7 +73,8 @@ void DecimatedDetector::openFirstRecord(peak* records) {
     held_ = groupMax_;
 }
 
-// The held level goes to the record that this peak closes, where the full-rate detector takes the one before.
+// The held level goes to the record that this peak closes, where the full-rate detector takes the
+// one before.
 void DecimatedDetector::takeCandidate(peak* records) {
     if (count_ >= timing_.minInterval) {
         records[recordCount_].level900 = held_;

@@ -5,8 +5,9 @@
 
 namespace beatatlas {
 
-/** Follows the level peaks of one rectified band by the maxima of groups of four samples, deaf to levels up to a
- *  hundredth of full scale: the source of the dots. Writes the field level900 of the band's records. */
+/** Follows the level peaks of one rectified band by the maxima of groups of four samples, deaf to
+ *  levels up to a hundredth of full scale: the source of the dots. Writes the field level900 of the
+ *  band's records. */
 class DecimatedDetector : public PeakDetector {
 public:
     DecimatedDetector() : PeakDetector(kFloor) {}

@@ -15,7 +15,8 @@ constexpr double kDecaySamplesAt44100 = 512.0;
 
 }  // namespace
 
-// A whole count is at least a real bound when it is at least its ceiling, and above it when above its whole part.
+// A whole count is at least a real bound when it is at least its ceiling, and above it when above
+// its whole part.
 DetectorTiming::DetectorTiming(int rate, int len)
     : blockLen(rate / 75), trackLen(len),
       minInterval(truncToInt64(std::ceil(static_cast<double>(rate) * kMinIntervalSeconds))),

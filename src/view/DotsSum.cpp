@@ -9,7 +9,8 @@ namespace beatatlas {
 
 namespace {
 
-/** The first two thirds of a second add nothing: the filters are still settling and the held level means little. */
+/** The first two thirds of a second add nothing: the filters are still settling and the held level
+ *  means little. */
 constexpr std::int64_t kStartUpChunks = 50;
 
 /** The whole-number form of bringing a sum to half a second; absurd sums wrap. */

@@ -71,8 +71,9 @@ void LevelDetector::openFirstRecord(peak* records, float level, std::int64_t cou
     peakPosition_ = position;
 }
 
-// The interval goes to the record that this peak closes, the held level to the one before it. A level that has
-// decayed to the floor and lands in record 0 there reads as "no peak yet" again, and the records start over.
+// The interval goes to the record that this peak closes, the held level to the one before it. A
+// level that has decayed to the floor and lands in record 0 there reads as "no peak yet" again, and
+// the records start over.
 void LevelDetector::acceptPeak(peak* records, float held, std::int64_t count, int position) {
     assert(recordCount_ >= 1);  // record 0 holds a level, so it has been counted
     records[recordCount_].interval = static_cast<std::int32_t>(count);

@@ -5,10 +5,12 @@
 
 namespace beatatlas {
 
-/** Follows the level peaks of one rectified band, sample by sample, and writes them to the band's records.
+/** Follows the level peaks of one rectified band, sample by sample, and writes them to the band's
+ *  records.
  *
- *  A peak is a sample that comes up to a given share of the held level, at least 0.32 s after the peak before; within
- *  that time a louder sample only raises the held level. A level held for 1.714 s without a peak begins to decay. */
+ *  A peak is a sample that comes up to a given share of the held level, at least 0.32 s after the
+ *  peak before; within that time a louder sample only raises the held level. A level held for 1.714
+ *  s without a peak begins to decay. */
 class LevelDetector : public PeakDetector {
 public:
     LevelDetector() : PeakDetector(kFloor) {}

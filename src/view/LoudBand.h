@@ -24,11 +24,8 @@ public:
     void release();
 
     /** Takes one chunk of the rectified band, full scale ±1.0, m samples and at most a block, and follows its level
-     *  peaks. It may lie in ownSamples(). */
+     *  peaks. */
     void put(const float* band, int m);
-
-    /** Room for one block, where the band may be made; put() overwrites it. */
-    float* ownSamples() { return scaled_.data(); }
 
     /** Enters the peaks of the chunk into the strip.
      *  @param chunk  chunks fed so far, this one included */
@@ -38,8 +35,10 @@ public:
 
     const LevelDetector& detector() const { return detector_; }
     const PeakSum& sum() const { return sum_; }
-    const float* scaled() const { return scaled_.data(); }  ///< last chunk, rectified, 16-bit scale
-    float loudest() const { return loudest_; }              ///< of that chunk, 0 at the least
+    /** The last chunk, rectified, in 16-bit scale. */
+    const float* scaled() const { return scaled_.data(); }
+    /** The largest of that chunk, at least 0. */
+    float loudest() const { return loudest_; }
     PeakRecords& records() { return records_; }
 
 private:

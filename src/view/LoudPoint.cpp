@@ -5,7 +5,6 @@
 #include <cmath>
 
 #include "dsp/truncation.h"
-#include "view/LevelScale.h"
 #include "view/fullScale.h"
 
 namespace beatatlas {
@@ -29,15 +28,11 @@ std::int32_t decibelStep(float sum) {
 LoudPoint makeLoudPoint(float average, float lowSum, float midSum, float highSum) {
     const float factor = ((lowSum / kFullScale) * 0.75F) + 0.25F;
     const float level = std::min(1.0F, factor) * average;
-    return {level,
-            {levelClass(level), levelClass(average), decibelStep(0.5F * lowSum),
-             decibelStep(0.25F * midSum), decibelStep(highSum)}};
+    return {level, {decibelStep(0.5F * lowSum), decibelStep(0.25F * midSum), decibelStep(highSum)}};
 }
 
-std::int32_t loudColor(const LoudPointDetail& detail) {
-    const std::int32_t low = detail.lowStep;
-    const std::int32_t mid = detail.midStep;
-    const std::int32_t high = detail.highStep;
+std::int32_t loudColor(const LoudPointSteps& steps) {
+    const auto [low, mid, high] = steps;
     if (low < kStrongLowStep) return mid - high < 4 ? 5 : 4;
     if (mid < high) return low > high ? 2 : 3;
     return low > mid ? 0 : 1;

@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: MIT
 //
 // Chunk by chunk of 1/75 s:
-//   1. split the chunk into three rectified bands and follow their level peaks
+//   1. follow the level peaks of its three bands
 //   2. follow the peaks of the low and mid band once more, decimated, for the dots
-//   3. average the level of the whole signal and sum the peaks of each band, in strips of 400 points
+//   3. average the level of the whole signal and sum the peaks of each band, in strips of 400
+//      points
 //   4. finish the loudness points that all four strips have left behind
 //   5. sum the decimated peaks in strips of 100 dots and finish dots likewise
 #include "view/LoudViewMaker.h"
@@ -12,9 +13,6 @@
 #include <cmath>
 #include <cstddef>
 
-#include "dsp/IirPassFilter.h"
-#include "view/Dot.h"
-
 namespace beatatlas {
 
 namespace {
@@ -22,16 +20,15 @@ namespace {
 constexpr int kBlocksPerSecond = 75;
 constexpr std::int32_t kUncolored = 5;
 
-/** Shares of the held level that make a peak candidate: in the high band hats fall off faster than bass notes. */
+/** Shares of the held level that make a peak candidate: in the high band hats fall off faster than
+ *  bass notes. */
 constexpr float kRatio = 0.75F;
 constexpr float kHighRatio = 0.66F;
 
-// Of the filter bank; the mid band has twice the sections.
-constexpr int kLowCascade = 0;
-constexpr int kHighCascade = 1;
-
-const float* after(const float* samples, std::ptrdiff_t offset) {
-    return samples == nullptr ? nullptr : samples + offset;
+/** The low band's sum; 1 where the mid band alone has one. */
+float dotLevel(std::int32_t lowSum, std::int32_t midSum) {
+    if (lowSum != 0) return static_cast<float>(lowSum);
+    return midSum != 0 ? 1.0F : 0.0F;
 }
 
 }  // namespace
@@ -39,7 +36,6 @@ const float* after(const float* samples, std::ptrdiff_t offset) {
 int LoudViewMaker::create(int rate, int len) {
     release();
     if (rate < kBlocksPerSecond) return 0;
-    rate_ = rate;
     const int blockLen = rate / kBlocksPerSecond;
     createBands(rate, len);
     averageLevel_.create(blockLen);
@@ -68,7 +64,6 @@ void LoudViewMaker::reset() {
 
 void LoudViewMaker::startOver() {
     for (LoudBand* band : {&low_, &mid_, &high_}) band->reset();
-    designFilters();
     lowDots_.reset();
     midDots_.reset();
     averageLevel_.reset();
@@ -77,23 +72,10 @@ void LoudViewMaker::startOver() {
     chunk_ = 0;
 }
 
-void LoudViewMaker::designFilters() {
-    constexpr float kButterworthQ = 0.70710677F;
-    const auto rate = static_cast<float>(rate_);
-    IirPassFilter filter;
-    filter.createBandPathFilterQ(kLowBandHz, rate, kLowBandQ);
-    filters_.design(kLowCascade, filter);
-    filter.createHiPathFilter(6000.0F, rate, kButterworthQ);
-    filters_.design(kHighCascade, filter);
-    filter.createMidPathFilterB(283.0F, 6000.0F, rate, kButterworthQ);
-    filters_.design(FilterBank::kLongCascade, filter);
-}
-
 void LoudViewMaker::clearWaves() {
     loudWave_.fill({0.0F, kUncolored});
     dotsWave_.fill({0.0F, kUncolored});
-    loudDetails_.fill({});
-    dotsClasses_.fill(0);
+    loudSteps_.fill({});
     loudNum_ = 0;
     dotsNum_ = 0;
 }
@@ -105,10 +87,11 @@ void LoudViewMaker::release() {
 }
 
 int LoudViewMaker::analyzePeak(const float* in, float* low, float* mid, float* high, int n) {
-    if (blockLen_ == 0 || in == nullptr) return 0;
+    if (blockLen_ == 0) return 0;
+    if (in == nullptr || low == nullptr || mid == nullptr || high == nullptr) return 0;
     for (int at = 0; at < n;) {
         const int m = std::min(blockLen_, n - at);
-        takeChunk(in + at, after(low, at), after(mid, at), after(high, at), m);
+        takeChunk(in + at, low + at, mid + at, high + at, m);
         at += m;
     }
     return 1;
@@ -117,7 +100,6 @@ int LoudViewMaker::analyzePeak(const float* in, float* low, float* mid, float* h
 void LoudViewMaker::takeChunk(const float* in, const float* low, const float* mid,
                               const float* high, int m) {
     ++chunk_;
-    filterBands(in, low, mid, high, m);
     low_.put(low, m);
     mid_.put(mid, m);
     high_.put(high, m);
@@ -129,21 +111,6 @@ void LoudViewMaker::takeChunk(const float* in, const float* low, const float* mi
     lowDots_.sumPeaks(low_, chunk_);
     midDots_.sumPeaks(mid_, chunk_);
     finishDots(dotsReady());
-}
-
-/** Makes the bands that are null and points to them; the filters of the others do not hear the chunk. */
-void LoudViewMaker::filterBands(const float* in, const float*& low, const float*& mid,
-                                const float*& high, int m) {
-    if (low != nullptr && mid != nullptr && high != nullptr) return;
-    FilterBank::Outputs outputs{};
-    const auto make = [&outputs](std::size_t cascade, LoudBand& own, const float*& band) {
-        if (band != nullptr) return;
-        band = outputs[cascade] = own.ownSamples();
-    };
-    make(kLowCascade, low_, low);
-    make(kHighCascade, high_, high);
-    make(FilterBank::kLongCascade, mid_, mid);
-    filters_.operate(in, outputs, m);
 }
 
 void LoudViewMaker::fillAverageStrip(const float* in, int m) {
@@ -165,7 +132,7 @@ void LoudViewMaker::finishLoudPoints(int ready) {
         const LoudPoint point =
             makeLoudPoint(averageStrip_[k], low_.sum()[k], mid_.sum()[k], high_.sum()[k]);
         loudWave_[static_cast<std::size_t>(k)].level = point.level;
-        loudDetails_[static_cast<std::size_t>(k)] = point.detail;
+        loudSteps_[static_cast<std::size_t>(k)] = point.steps;
     }
 }
 
@@ -176,16 +143,15 @@ int LoudViewMaker::dotsReady() const {
 
 void LoudViewMaker::finishDots(int ready) {
     for (; dotsNum_ < ready; ++dotsNum_) {
-        const Dot dot = makeDot(lowDots_.sum()[dotsNum_], midDots_.sum()[dotsNum_]);
-        dotsWave_[static_cast<std::size_t>(dotsNum_)].level = dot.level;
-        dotsClasses_[static_cast<std::size_t>(dotsNum_)] = dot.levelClass;
+        dotsWave_[static_cast<std::size_t>(dotsNum_)].level =
+            dotLevel(lowDots_.sum()[dotsNum_], midDots_.sum()[dotsNum_]);
     }
 }
 
 void LoudViewMaker::analyzeLoudColor(int from, int to) {
     for (int k = std::max(from, 0); k < std::min(to, kLoudPoints); ++k)
         loudWave_[static_cast<std::size_t>(k)].color =
-            loudColor(loudDetails_[static_cast<std::size_t>(k)]);
+            loudColor(loudSteps_[static_cast<std::size_t>(k)]);
 }
 
 }  // namespace beatatlas

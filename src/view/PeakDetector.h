@@ -8,8 +8,8 @@
 
 namespace beatatlas {
 
-/** What the two peak detectors of a band have in common: a held level, the time since the last accepted peak, and
- *  the rules by which a level counts as a candidate and decays. */
+/** What the two peak detectors of a band have in common: a held level, the time since the last
+ *  accepted peak, and the rules by which a level counts as a candidate and decays. */
 class PeakDetector {
 public:
     /** @param ratio  share of the held level from which a level is a peak candidate */
@@ -27,10 +27,12 @@ protected:
     explicit PeakDetector(float floor) : floor_(floor) {}
     ~PeakDetector() = default;
 
-    /** Whether a chunk passes without a trace but for the time it takes. Before the least interval only a sample above
-     *  the held level has an effect, after it every candidate; past the hold time silence itself has one.
+    /** Whether a chunk passes without a trace but for the time it takes. Before the least interval
+     *  only a sample above the held level has an effect, after it every candidate; past the hold
+     *  time silence itself has one.
      *  @param m           samples of the chunk
-     *  @param loudest     the loudest of them; NaN counts for nothing, as in every comparison of the detectors
+     *  @param loudest     the loudest of them; NaN counts for nothing, as in every comparison of
+     *                     the detectors
      *  @param recordZero  what record 0 holds: the mark of no peak yet, or any level */
     bool passesUnnoticed(int m, float loudest, float recordZero) const;
 
@@ -46,8 +48,8 @@ protected:
     std::int64_t chunksSeen_ = 0;
     bool ended_ = false;
     float held_ = 0.0F;
-    // Samples since the last decay. Starts anew with every chunk, so a chunk of 588 samples (44,100 Hz) lets the
-    // level decay once at the most.
+    // Samples since the last decay. Starts anew with every chunk, so a chunk of 588 samples (44,100
+    // Hz) lets the level decay once at the most.
     std::int32_t decay_ = 0;
 
 private:

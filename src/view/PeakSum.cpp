@@ -30,8 +30,8 @@ void PeakSum::put(const PeakRecords& records, std::int32_t recordCount, bool end
     firstUnsummed_ = to;
 }
 
-// Time passes only from call to call: all records of one call stand at its chunk. The track's very last record never
-// enters a sum.
+// Time passes only from call to call: all records of one call stand at its chunk. The track's very
+// last record never enters a sum.
 void PeakSum::sumUpTo(std::int32_t to, const PeakRecords& records, bool ended, std::int64_t chunk) {
     carry_ += static_cast<float>(chunk - previousChunk_);
     previousChunk_ = chunk;

@@ -10,8 +10,8 @@
 
 namespace beatatlas {
 
-/** Sums the peak levels of one band into the 400 points of the loudness wave, two points to a slot: a point alone
- *  would be shorter than the time between two beats. */
+/** Sums the peak levels of one band into the 400 points of the loudness wave, two points to a slot:
+ *  a point alone would be shorter than the time between two beats. */
 class PeakSum {
 public:
     /** @param chunksPerSlot  may be a fraction */
@@ -19,7 +19,8 @@ public:
     void reset();
 
     /** To be called once per chunk, after the band's level detector.
-     *  @param recordCount  records closed so far; the newest may still change until the track has ended
+     *  @param recordCount  records closed so far; the newest may still change until the track has
+     *                      ended
      *  @param chunk  chunks fed so far, this one included */
     void put(const PeakRecords& records, std::int32_t recordCount, bool ended, std::int64_t chunk);
 

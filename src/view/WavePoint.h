@@ -7,8 +7,10 @@ namespace beatatlas {
 
 /** One point of the loudness or dots wave. */
 struct WavePoint {
-    float level;         ///< 16-bit sample scale
-    std::int32_t color;  ///< 0..5
+    /** In 16-bit sample scale. */
+    float level;
+    /** Colour 0..5. */
+    std::int32_t color;
 };
 
 /** Points of the loudness wave: a whole track. */

@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
-#include <utility>
 
 #include "dsp/constants.h"
 #include "dsp/sampleBlocks.h"
@@ -43,11 +42,7 @@ bool ZoomViewMaker::create(int rate, int total, int divisor, bool deferred) {
     if (total < 1 || divisor < 1 || rate < divisor) return false;
     const std::int32_t frameLen = rate / divisor;
     const std::int64_t capacity = (static_cast<std::int64_t>(total) + frameLen - 1) / frameLen;
-    auto points = std::make_unique_for_overwrite<ZoomPoint[]>(static_cast<std::size_t>(capacity));
-    auto mono = std::make_unique<double[]>(index(frameLen));
-    bass_ = std::make_unique<double[]>(index(frameLen));
-    mono_ = std::move(mono);
-    points_ = std::move(points);
+    points_ = std::make_unique_for_overwrite<ZoomPoint[]>(static_cast<std::size_t>(capacity));
     capacity_ = capacity;
     total_ = total;
     rate_ = rate;
@@ -58,7 +53,8 @@ bool ZoomViewMaker::create(int rate, int total, int divisor, bool deferred) {
     return true;
 }
 
-// Bilinear transform with the corner pre-warped. The corner is 150 Hz whatever the number of points per second.
+// Bilinear transform with the corner pre-warped. The corner is 150 Hz whatever the number of points
+// per second.
 void ZoomViewMaker::designLowPass() {
     const double k = std::tan((kBassCornerHz * kPi) / static_cast<double>(rate_));
     const double kk = k * k;
@@ -79,31 +75,17 @@ void ZoomViewMaker::reset() {
     framePeak_ = 0;
     bassPeak_ = 0.0;
     if (!points_) return;
-    bassFilter_.x1 = bassFilter_.x2 = bassFilter_.y1 = bassFilter_.y2 = 0.0;
     std::fill_n(points_.get(), capacity_, ZoomPoint{0, 0});
 }
 
 void ZoomViewMaker::release() {
-    mono_.reset();
-    bass_.reset();
     points_.reset();
     capacity_ = 0;
     total_ = 0;
     reset();
 }
 
-void ZoomViewMaker::putSample(const std::int16_t* stereo, int n) {
-    if (stereo == nullptr) return;
-    for (int taken = 0; taken < n && fed_ < total_;) {
-        const int part = framesToTake(n - taken);
-        const std::int16_t* frames = stereo + 2 * index(taken);
-        filterFrames(frames, part);
-        takeFrames(frames, bass_.get(), part);
-        taken += part;
-    }
-}
-
-void ZoomViewMaker::putFiltered(const std::int16_t* stereo, const double* bass, int n) {
+void ZoomViewMaker::putSample(const std::int16_t* stereo, const double* bass, int n) {
     if (stereo == nullptr || bass == nullptr) return;
     for (int taken = 0; taken < n && fed_ < total_;) {
         const int part = framesToTake(n - taken);
@@ -114,15 +96,6 @@ void ZoomViewMaker::putFiltered(const std::int16_t* stereo, const double* bass, 
 
 int ZoomViewMaker::framesToTake(int left) const {
     return std::min(frameLen_ - fill_, left);
-}
-
-void ZoomViewMaker::filterFrames(const std::int16_t* stereo, int n) {
-    for (int i = 0; i < n; ++i) {
-        const std::int16_t* frame = stereo + 2 * index(i);
-        const int half = (frame[0] + frame[1]) / 2;  // toward zero, as the halved sum truncated
-        mono_[index(i)] = half;
-    }
-    bassFilter_.operate(mono_.get(), bass_.get(), n);
 }
 
 // The halved magnitudes of the sums are those of the mono signal.

@@ -10,19 +10,22 @@ namespace beatatlas {
 
 /** One point of the zoom wave. */
 struct ZoomPoint {
-    std::int16_t level;  ///< peak magnitude 0..32767; once scaled 0..31, on a square law
-    std::int16_t color;  ///< 0 all bass … 7 no bass
+    /** Peak magnitude 0..32767; once scaled 0..31, on a square law. */
+    std::int16_t level;
+    /** 0 all bass … 7 no bass. */
+    std::int16_t color;
 };
 
-/** Draws a track as one point per frame of rate / divisor samples: its peak, and how much of it is bass.
+/** Draws a track as one point per frame of rate / divisor samples: its peak, and how much of it is
+ *  bass.
  *
- *  Bass is what a second-order Butterworth low-pass at 150 Hz leaves of the mono signal. Deferred, the levels stay
- *  raw peaks until the declared length has been fed and are then scaled together, relative to the loudest frame;
- *  otherwise each is scaled at once, relative to full scale.
+ *  Bass is what a second-order Butterworth low-pass at 150 Hz leaves of the mono signal. Deferred,
+ *  the levels stay raw peaks until the declared length has been fed and are then scaled together,
+ *  relative to the loudest frame; otherwise each is scaled at once, relative to full scale.
  *
  *  Life: create() → putSample() per block, of any length → count() and points() at any time; create() again starts
  *  over. What is fed after the frame that reaches the declared length is ignored.
- *  Memory: the points of the whole track and one frame, allocated in create(), nothing in putSample(). */
+ *  Memory: the points of the whole track, allocated in create(), nothing in putSample(). */
 class ZoomViewMaker {
 public:
     ZoomViewMaker() = default;
@@ -32,25 +35,25 @@ public:
 
     /** @param total  declared frames per channel, at least 1
      *  @param divisor  points per second, at least 1 and at most rate
-     *  @return false, with nothing held, when an argument is out of range. Throws std::bad_alloc, with nothing held,
-     *          when the points find no memory. */
+     *  @return false, with nothing held, when an argument is out of range. Throws std::bad_alloc,
+     *          with nothing held, when the points find no memory. */
     bool create(int rate, int total, int divisor, bool deferred);
 
     /** Back to the state after create(). */
     void reset();
 
-    /** Feeds n interleaved stereo frames; n < 1, a null array or a maker without arrays does nothing. */
-    void putSample(const std::int16_t* stereo, int n);
-
-    /** As putSample(), for frames whose whole mean of both channels has been through bassFilter() already. A track is fed
-     *  in this way or in the other, not in both. */
-    void putFiltered(const std::int16_t* stereo, const double* bass, int n);
+    /** Feeds n frames; n < 1, a null array or a maker without arrays does nothing.
+     *
+     *  @param stereo  n frames, left and right interleaved
+     *  @param bass    n values: the mean of both channels, cut to a whole number, through
+     *                 bassFilter() */
+    void putSample(const std::int16_t* stereo, const double* bass, int n);
 
     /** What makes the bass of the mono signal; designed by create(). */
     const SecondOrderSection& bassFilter() const { return bassFilter_; }
 
-    /** Scales every raw level made so far against the track's peak and returns count(). The deferred form does this
-     *  by itself, once, when the declared length is reached. */
+    /** Scales every raw level made so far against the track's peak and returns count(). The
+     *  deferred form does this by itself, once, when the declared length is reached. */
     int analyzeLV();
 
     /** Frees the arrays; safe to call twice. */
@@ -62,7 +65,6 @@ public:
 private:
     void designLowPass();
     int framesToTake(int left) const;
-    void filterFrames(const std::int16_t* stereo, int n);
     void takeFrames(const std::int16_t* stereo, const double* bass, int n);
     void finishFrame();
     void analyzeZV();
@@ -72,9 +74,7 @@ private:
     std::int32_t fill_ = 0;
     std::int32_t rate_ = 0;
     std::int32_t frameLen_ = 0;
-    std::int64_t capacity_ = 0;       // points
-    std::unique_ptr<double[]> mono_;  // part of a frame, and its bass
-    std::unique_ptr<double[]> bass_;
+    std::int64_t capacity_ = 0;   // points
     std::int32_t framePeak_ = 0;  // of the frame in hand
     double bassPeak_ = 0.0;
     std::int32_t trackPeak_ = 0;

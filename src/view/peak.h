@@ -5,13 +5,18 @@
 
 namespace beatatlas {
 
-/** One level peak of a band. Levels are in 16-bit sample scale; the two detectors of a band fill a field each and
- *  number their records independently, so the fields of one record need not belong to the same moment. */
+/** One level peak of a band. Levels are in 16-bit sample scale; the two detectors of a band fill a
+ *  field each and number their records independently, so the fields of one record need not belong
+ *  to the same moment. */
 struct peak {
-    float level;            ///< held level of the full-rate detector
-    float level900;         ///< held level of the decimated detector (low and mid band only)
-    std::int32_t interval;  ///< samples since the peak before, when this record was closed
-    std::int32_t maxpos;    ///< samples since the peak before, when the held level last rose
+    /** Held level of the full-rate detector. */
+    float level;
+    /** Held level of the decimated detector (low and mid band only). */
+    float level900;
+    /** Samples since the peak before, when this record was closed. */
+    std::int32_t interval;
+    /** Samples since the peak before, when the held level last rose. */
+    std::int32_t maxpos;
 };
 
 /** What record 0 holds until a first peak has been seen. */

@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <cfenv>
 #include <cmath>
+#include <cstddef>
 #include <limits>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -80,15 +82,51 @@ TEST(SessionLifeTest, DispatchesAShortLastBlockAndThenAnalyses) {
     EXPECT_EQ(BA_GetZoomWave(session.handle(), nullptr), 4);
 }
 
-TEST(SessionLifeTest, FramesBeyondTheCompletingBlockAreIgnored) {
+// Of 38,121 frames at 48,000 the last 361 are in block 60, which ends at 38,400. The last frame is
+// no multiple of four: the dots wave does not see the end, and would go on with more blocks.
+TEST(SessionLifeTest, CompletingCallIsHeardToTheEndOfItsBlock) {
+    constexpr int kDeclared = 38121;
+    constexpr int kBlockEnd = 38400;
+    StereoTrack track = tone(2 * kBlockEnd);
+    for (int i = kDeclared; i < 2 * kBlockEnd; ++i)
+        track.left[static_cast<std::size_t>(i)] = i < kBlockEnd ? 30000.0F : 100.0F;
+    const auto resultsOf = [&track](int frames) {
+        HostSession session({.rate = 48000}, kDeclared);
+        session.feed(track, 0, frames);
+        return session.results();
+    };
+    const SessionResults toBlockEnd = resultsOf(kBlockEnd);
+    EXPECT_FALSE(sameBits(toBlockEnd, resultsOf(kDeclared)));
+    EXPECT_TRUE(sameBits(toBlockEnd, resultsOf(2 * kBlockEnd)));
+}
+
+TEST(SessionLifeTest, CallsAfterTheCompletingOneAreIgnored) {
     StereoTrack track = tone(10000);
-    HostSession longer({.rate = 48000}, 1000);
-    longer.feed(track, 0, 10000);
-    HostSession again({.rate = 48000}, 1000);
-    again.feed(track, 0, 10000);
-    again.feed(track, 0, 10000);  // after the analysis: nothing
-    EXPECT_TRUE(sameBits(longer.results(), again.results()));
-    EXPECT_EQ(longer.results().zoom.size(), 4U);
+    HostSession session({.rate = 48000}, 1000);
+    session.feed(track, 0, 1000);
+    const SessionResults results = session.results();
+    session.feed(track, 1000, 9000);
+    EXPECT_TRUE(sameBits(session.results(), results));
+}
+
+// The low 16 bits of 32768 are those of -32768: both halves of a square wave at full scale become the
+// same value, and nothing is left that moves. At 32767 the wave of 480 Hz is treble to the zoom wave,
+// a constant is bass.
+TEST(SessionLifeTest, PositiveFullScaleWrapsAndLouderToo) {
+    const auto zoomOf = [](float high, float low) {
+        StereoTrack track;
+        for (int i = 0; i < 48000; ++i) track.left.push_back(i / 50 % 2 == 0 ? high : low);
+        track.right = track.left;
+        HostSession session({.rate = 48000}, 48000);
+        session.feed(track, 0, 48000);
+        const std::vector<BA_WaveInfo> zoom = session.results().zoom;
+        return zoom.at(100);
+    };
+    EXPECT_EQ(zoomOf(32767.0F, -32768.0F).color, 7);
+    EXPECT_EQ(zoomOf(32767.99F, -32768.0F).color, 7);
+    EXPECT_EQ(zoomOf(32768.0F, -32768.0F).color, 0);
+    // 65536 wraps to 0.
+    EXPECT_EQ(zoomOf(65536.0F, 0.0F).level, 0.0F);
 }
 
 TEST(SessionLifeTest, KeySessionsIgnoreTheTrackUntilThePreCheckIsComplete) {

@@ -35,29 +35,32 @@ std::vector<double> directForm(const IirFilter& f, const std::vector<double>& x)
         return n >= back ? v[n - back] : 0.0;
     };
     for (std::size_t n = 0; n < x.size(); ++n) {
-        double sum = f.b0() * x[n];
-        sum += f.b1() * at(x, n, 1);
-        sum += f.b2() * at(x, n, 2);
-        sum -= f.a1() * at(y, n, 1);
-        sum -= f.a2() * at(y, n, 2);
+        double sum = f.section().b0 * x[n];
+        sum += f.section().b1 * at(x, n, 1);
+        sum += f.section().b2 * at(x, n, 2);
+        sum -= f.section().a1 * at(y, n, 1);
+        sum -= f.section().a2 * at(y, n, 2);
         y[n] = sum;
     }
     return y;
 }
 
 double gainAtHalfTheRate(const IirFilter& f) {
-    return (f.b0() - f.b1() + f.b2()) / (1.0 - f.a1() + f.a2());
+    return (f.section().b0 - f.section().b1 + f.section().b2) /
+           (1.0 - f.section().a1 + f.section().a2);
 }
 
 double gainAtDc(const IirFilter& f) {
-    return (f.b0() + f.b1() + f.b2()) / (1.0 + f.a1() + f.a2());
+    return (f.section().b0 + f.section().b1 + f.section().b2) /
+           (1.0 + f.section().a1 + f.section().a2);
 }
 
 TEST_F(IirFilterTest, IsTheIdentityWhenFresh) {
     IirFilter filter;
-    EXPECT_EQ(filter.b0(), 1.0);
-    EXPECT_EQ(filter.a0(), 1.0);
-    for (const double zero : {filter.b1(), filter.b2(), filter.a1(), filter.a2()})
+    EXPECT_EQ(filter.section().b0, 1.0);
+    EXPECT_EQ(filter.section().a0, 1.0);
+    for (const double zero :
+         {filter.section().b1, filter.section().b2, filter.section().a1, filter.section().a2})
         EXPECT_EQ(zero, 0.0);
     const std::vector<double> in = noise(100);
     EXPECT_THAT(filtered(filter, in), ElementsAreArray(in));
@@ -71,33 +74,33 @@ TEST_F(IirFilterTest, ThroughDesignChangesNothing) {
 
     IirFilter designed;
     designed.createLowPathFilter(150.0F, 48000.0F, 0.9F);
-    const double b0 = designed.b0();
+    const double b0 = designed.section().b0;
     designed.createThroughFilter();
-    EXPECT_EQ(designed.b0(), b0);
+    EXPECT_EQ(designed.section().b0, b0);
 }
 
 // At a quarter of the rate w0 is a right angle: s = 1, c = 0. With q = 0.5, alpha = 1 / (0.5 + 0.5) = 1, n = 2.
 TEST_F(IirFilterTest, HighPassFollowsTheCookbook) {
     IirFilter filter;
     filter.createHiPathFilter(12000.0F, 48000.0F, 0.5F);
-    EXPECT_NEAR(filter.b0(), 0.25, 1e-14);
-    EXPECT_NEAR(filter.b1(), -0.5, 1e-14);
-    EXPECT_EQ(filter.b2(), filter.b0());
-    EXPECT_NEAR(filter.a1(), 0.0, 1e-14);
-    EXPECT_NEAR(filter.a2(), 0.0, 1e-14);
-    EXPECT_EQ(filter.a0(), 1.0);
+    EXPECT_NEAR(filter.section().b0, 0.25, 1e-14);
+    EXPECT_NEAR(filter.section().b1, -0.5, 1e-14);
+    EXPECT_EQ(filter.section().b2, filter.section().b0);
+    EXPECT_NEAR(filter.section().a1, 0.0, 1e-14);
+    EXPECT_NEAR(filter.section().a2, 0.0, 1e-14);
+    EXPECT_EQ(filter.section().a0, 1.0);
 }
 
 // As above, with q = 0.25: alpha = 2, n = 3, a2 = (1 - 2) / 3.
 TEST_F(IirFilterTest, LowPassFollowsTheCookbook) {
     IirFilter filter;
     filter.createLowPathFilter(12000.0F, 48000.0F, 0.25F);
-    EXPECT_NEAR(filter.b0(), 0.5 / 3.0, 1e-14);
-    EXPECT_NEAR(filter.b1(), 1.0 / 3.0, 1e-14);
-    EXPECT_EQ(filter.b2(), filter.b0());
-    EXPECT_NEAR(filter.a1(), 0.0, 1e-14);
-    EXPECT_NEAR(filter.a2(), -1.0 / 3.0, 1e-14);
-    EXPECT_EQ(filter.a0(), 1.0);
+    EXPECT_NEAR(filter.section().b0, 0.5 / 3.0, 1e-14);
+    EXPECT_NEAR(filter.section().b1, 1.0 / 3.0, 1e-14);
+    EXPECT_EQ(filter.section().b2, filter.section().b0);
+    EXPECT_NEAR(filter.section().a1, 0.0, 1e-14);
+    EXPECT_NEAR(filter.section().a2, -1.0 / 3.0, 1e-14);
+    EXPECT_EQ(filter.section().a0, 1.0);
 }
 
 // At a sixth of the rate c = 1/2, s = sqrt(3)/2; q = sqrt(3)/4 would give alpha = 1. With q = 1: alpha = sqrt(3)/4.
@@ -105,11 +108,11 @@ TEST_F(IirFilterTest, BandPassOfQFollowsTheCookbook) {
     IirFilter filter;
     filter.createBandPathFilterQ(8000.0F, 48000.0F, 1.0F);
     const double alpha = std::sqrt(3.0) / 4.0;
-    EXPECT_NEAR(filter.b0(), alpha / (1.0 + alpha), 1e-13);
-    EXPECT_EQ(filter.b1(), 0.0);
-    EXPECT_EQ(filter.b2(), -filter.b0());
-    EXPECT_NEAR(filter.a1(), -1.0 / (1.0 + alpha), 1e-13);
-    EXPECT_NEAR(filter.a2(), (1.0 - alpha) / (1.0 + alpha), 1e-13);
+    EXPECT_NEAR(filter.section().b0, alpha / (1.0 + alpha), 1e-13);
+    EXPECT_EQ(filter.section().b1, 0.0);
+    EXPECT_EQ(filter.section().b2, -filter.section().b0);
+    EXPECT_NEAR(filter.section().a1, -1.0 / (1.0 + alpha), 1e-13);
+    EXPECT_NEAR(filter.section().a2, (1.0 - alpha) / (1.0 + alpha), 1e-13);
 }
 
 // At a quarter of the rate: alpha = sinh(ln2/2 × 2 octaves × (π/2) / 1) = sinh(ln2 × π/2)
@@ -119,10 +122,10 @@ TEST_F(IirFilterTest, BandPassOfABandwidthFollowsTheCookbook) {
     filter.createBandPathFilterW(12000.0F, 48000.0F, 2.0F);
     const double halfPi = 1.57079632679489662;
     const double alpha = (std::exp2(halfPi) - std::exp2(-halfPi)) / 2.0;
-    EXPECT_NEAR(filter.b0(), alpha / (1.0 + alpha), 1e-13);
-    EXPECT_EQ(filter.b1(), 0.0);
-    EXPECT_EQ(filter.b2(), -filter.b0());
-    EXPECT_NEAR(filter.a2(), (1.0 - alpha) / (1.0 + alpha), 1e-13);
+    EXPECT_NEAR(filter.section().b0, alpha / (1.0 + alpha), 1e-13);
+    EXPECT_EQ(filter.section().b1, 0.0);
+    EXPECT_EQ(filter.section().b2, -filter.section().b0);
+    EXPECT_NEAR(filter.section().a2, (1.0 - alpha) / (1.0 + alpha), 1e-13);
 }
 
 // A narrow band's -3 dB points lie bandwidth octaves apart; the bilinear transform is compensated to first order.
@@ -131,10 +134,12 @@ TEST_F(IirFilterTest, BandwidthIsThatBetweenTheHalfPowerPoints) {
     filter.createBandPathFilterW(200.0F, 48000.0F, 1.0F);
     const auto gain = [&](double hz) {
         const double w = 2.0 * 3.14159265358979323846 * hz / 48000.0;
-        const double reIn = filter.b0() + filter.b2() * std::cos(2.0 * w);
-        const double imIn = filter.b2() * std::sin(2.0 * w);
-        const double reBack = 1.0 + filter.a1() * std::cos(w) + filter.a2() * std::cos(2.0 * w);
-        const double imBack = filter.a1() * std::sin(w) + filter.a2() * std::sin(2.0 * w);
+        const double reIn = filter.section().b0 + filter.section().b2 * std::cos(2.0 * w);
+        const double imIn = filter.section().b2 * std::sin(2.0 * w);
+        const double reBack =
+            1.0 + filter.section().a1 * std::cos(w) + filter.section().a2 * std::cos(2.0 * w);
+        const double imBack =
+            filter.section().a1 * std::sin(w) + filter.section().a2 * std::sin(2.0 * w);
         return std::hypot(reIn, imIn) / std::hypot(reBack, imBack);
     };
     EXPECT_NEAR(gain(200.0), 1.0, 1e-6);
@@ -147,8 +152,8 @@ TEST_F(IirFilterTest, BandwidthIsThatBetweenTheHalfPowerPoints) {
 TEST_F(IirFilterTest, DesignsWithATwoPiThatIsALittleShort) {
     IirFilter filter;
     filter.createLowPathFilter(12000.0F, 48000.0F, 0.5F);
-    EXPECT_GT(-filter.a1(), 1.2e-15);
-    EXPECT_LT(-filter.a1(), 2.2e-15);
+    EXPECT_GT(-filter.section().a1, 1.2e-15);
+    EXPECT_LT(-filter.section().a1, 2.2e-15);
 }
 
 // 0.70710677f is 0.707106769084930...; its double neighbour 0.70710677 would give another alpha, relative 1.3e-9.
@@ -156,7 +161,7 @@ TEST_F(IirFilterTest, WidensTheFloatArgumentsBeforeAnyStep) {
     IirFilter filter;
     filter.createLowPathFilter(12000.0F, 48000.0F, 0.70710677F);
     const double alpha = 1.0 / (2.0 * 0.707106769084930419921875);
-    EXPECT_NEAR(filter.a2(), (1.0 - alpha) / (1.0 + alpha), 1e-14);
+    EXPECT_NEAR(filter.section().a2, (1.0 - alpha) / (1.0 + alpha), 1e-14);
 }
 
 TEST_F(IirFilterTest, HighPassStopsDcAndPassesHalfTheRate) {
@@ -176,10 +181,10 @@ TEST_F(IirFilterTest, LowPassPassesDcAndStopsHalfTheRate) {
 TEST_F(IirFilterTest, BandPassesRejectDcCompletely) {
     IirFilter q;
     q.createBandPathFilterQ(150.0F, 44100.0F, 0.9F);
-    EXPECT_EQ(q.b0() + q.b1() + q.b2(), 0.0);
+    EXPECT_EQ(q.section().b0 + q.section().b1 + q.section().b2, 0.0);
     IirFilter w;
     w.createBandPathFilterW(150.0F, 44100.0F, 1.5F);
-    EXPECT_EQ(w.b0() + w.b1() + w.b2(), 0.0);
+    EXPECT_EQ(w.section().b0 + w.section().b1 + w.section().b2, 0.0);
 }
 
 TEST_F(IirFilterTest, AgreesWithTheDifferenceEquationToTheBit) {
@@ -198,8 +203,9 @@ TEST_F(IirFilterTest, SumsFromLeftToRight) {
     const double in[3] = {0.7, -0.9, 0.31};
     double out[3];
     filter.operate(in, out, 3);
-    volatile double products[5] = {filter.b0() * in[2], filter.b1() * in[1], filter.b2() * in[0],
-                                   filter.a1() * out[1], filter.a2() * out[0]};
+    volatile double products[5] = {filter.section().b0 * in[2], filter.section().b1 * in[1],
+                                   filter.section().b2 * in[0], filter.section().a1 * out[1],
+                                   filter.section().a2 * out[0]};
     volatile double sum = products[0] + products[1];
     sum = sum + products[2];
     sum = sum - products[3];
@@ -234,7 +240,8 @@ TEST_F(IirFilterTest, DesignLeavesTheHistoryAlone) {
     filter.createHiPathFilter(6000.0F, 48000.0F, 0.70710677F);
     const double silence = 0.0;
     filter.operate(&silence, out, 1);
-    EXPECT_EQ(out[0], ((filter.b1() + filter.b2()) - filter.a1()) - filter.a2());
+    EXPECT_EQ(out[0], ((filter.section().b1 + filter.section().b2) - filter.section().a1) -
+                          filter.section().a2);
     EXPECT_NE(out[0], 0.0);
 }
 
@@ -253,12 +260,12 @@ TEST_F(IirFilterTest, IgnoresEmptyAndNegativeBlocks) {
 TEST_F(IirFilterTest, DoesNotValidateItsDesign) {
     IirFilter filter;
     filter.createLowPathFilter(150.0F, 48000.0F, 0.0F);
-    EXPECT_EQ(filter.b0(), 0.0);
-    EXPECT_TRUE(std::isnan(filter.a2()));
+    EXPECT_EQ(filter.section().b0, 0.0);
+    EXPECT_TRUE(std::isnan(filter.section().a2));
     filter.createBandPathFilterW(0.0F, 48000.0F, 1.5F);
-    EXPECT_TRUE(std::isnan(filter.b0()));
+    EXPECT_TRUE(std::isnan(filter.section().b0));
     filter.createHiPathFilter(150.0F, 0.0F, 0.9F);
-    EXPECT_TRUE(std::isnan(filter.b0()));
+    EXPECT_TRUE(std::isnan(filter.section().b0));
 }
 
 TEST_F(IirFilterTest, SurvivesInputThatIsNoSignal) {

@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include "envelope/StereoFed.h"
 #include "envelope/kickTrack.h"
 #include "envelope/plainFilters.h"
 #include "support/RoundTowardZero.h"
@@ -20,7 +21,7 @@ constexpr int kRate = 48000;
 constexpr int kMinute = 60 * kRate;
 
 std::vector<std::int16_t> envelopeOf(const Stereo& audio, int length, int blockFrames) {
-    SimpleEnvelopeMaker maker;
+    StereoFedSimpleEnvelope maker;
     EXPECT_TRUE(maker.create(kRate, length));
     feed(maker, audio, blockFrames);
     return maker.envelope();
@@ -30,7 +31,7 @@ std::vector<std::int16_t> envelopeOf(const Stereo& audio, int length, int blockF
 TEST_F(SimpleEnvelopeMakerTest, EnvelopeIsTheSmoothedMagnitudeOfEvery128thFilteredFrame) {
     for (const int rate : {44100, 48000}) {
         const Stereo audio = stereoNoise(20000);
-        SimpleEnvelopeMaker maker;
+        StereoFedSimpleEnvelope maker;
         maker.create(rate, 20000);
         feed(maker, audio, rate / 75);
         const auto audioLowPass = PlainFilter::secondOrder(250.0, rate, true);
@@ -63,7 +64,7 @@ TEST_F(SimpleEnvelopeMakerTest, BlocksOfAnySizeGiveTheSameEnvelope) {
 }
 
 TEST_F(SimpleEnvelopeMakerTest, ResetEmptiesTheEnvelopeButKeepsTheFilterState) {
-    SimpleEnvelopeMaker maker;
+    StereoFedSimpleEnvelope maker;
     maker.create(kRate, kRate);
     feed(maker, Stereo(2 * kRate, 10000), 640);
     maker.reset();
@@ -74,12 +75,12 @@ TEST_F(SimpleEnvelopeMakerTest, ResetEmptiesTheEnvelopeButKeepsTheFilterState) {
 }
 
 TEST_F(SimpleEnvelopeMakerTest, CreateAgainEqualsANewMaker) {
-    SimpleEnvelopeMaker maker;
+    StereoFedSimpleEnvelope maker;
     maker.create(kRate, kRate);
     feed(maker, stereoNoise(kRate), 640);
     maker.create(44100, 20000);
     feed(maker, stereoNoise(20000), 588);
-    SimpleEnvelopeMaker fresh;
+    StereoFedSimpleEnvelope fresh;
     fresh.create(44100, 20000);
     feed(fresh, stereoNoise(20000), 588);
     EXPECT_EQ(maker.envelope(), fresh.envelope());
@@ -89,7 +90,7 @@ TEST_F(SimpleEnvelopeMakerTest, CreateAgainEqualsANewMaker) {
 struct Analysed {
     Analysed(double firstKick, double firstBeat, float bpm = 120.0F, double kickBpm = 120.0) {
         const double kickStep = 60.0 * kRate / kickBpm;
-        SimpleEnvelopeMaker maker;
+        StereoFedSimpleEnvelope maker;
         maker.create(kRate, kMinute);
         feed(maker, kickTrack(kMinute, kRate, regularFrames(firstKick, kickStep, kMinute)), 640);
         const double step = 60.0 * kRate / static_cast<double>(bpm);
@@ -149,7 +150,7 @@ TEST_F(SimpleEnvelopeMakerTest, RebuiltListIsStrictlyPeriodicAndEndsBelowTheLeng
 }
 
 std::vector<std::int32_t> numbersFrom(int firstNumber) {
-    SimpleEnvelopeMaker maker;
+    StereoFedSimpleEnvelope maker;
     maker.create(kRate, kRate * 2);
     peakss::BeatList beats = beatsAt({0, 24000}, 500.0F);
     beats.front().group = firstNumber;
@@ -170,7 +171,7 @@ TEST_F(SimpleEnvelopeMakerTest, AFirstNumberOutsideTheBarIsWrittenOnceThenFolded
 
 // Silence: all sums are 0, so the shortest period stands: T = (187.5 − 2.1) / 375 s.
 TEST_F(SimpleEnvelopeMakerTest, SilenceGivesTheFastestTempoTried) {
-    SimpleEnvelopeMaker maker;
+    StereoFedSimpleEnvelope maker;
     maker.create(kRate, kMinute);
     peakss::BeatList beats = beatsAt({0, 24000}, 500.0F);
     const double seconds = (((187.5 - 2.0) + 0.0 * 0.1) + -0.1 + 0.0 * 0.01) / 375.0;
@@ -180,7 +181,7 @@ TEST_F(SimpleEnvelopeMakerTest, SilenceGivesTheFastestTempoTried) {
 }
 
 TEST_F(SimpleEnvelopeMakerTest, AnalyzingDoesNotChangeTheEnvelope) {
-    SimpleEnvelopeMaker maker;
+    StereoFedSimpleEnvelope maker;
     maker.create(kRate, kRate);
     feed(maker, stereoNoise(kRate), 640);
     const std::vector<std::int16_t> before = maker.envelope();
@@ -193,7 +194,7 @@ TEST_F(SimpleEnvelopeMakerTest, AnalyzingDoesNotChangeTheEnvelope) {
 }
 
 TEST_F(SimpleEnvelopeMakerTest, LeavesEverythingWithoutATempoOrBeats) {
-    SimpleEnvelopeMaker maker;
+    StereoFedSimpleEnvelope maker;
     maker.create(kRate, kRate);
     for (const float bpm : {0.0F, -120.0F}) {
         peakss::BeatList beats = beatsAt({5, 6}, 500.0F);
@@ -211,7 +212,7 @@ TEST_F(SimpleEnvelopeMakerTest, LeavesEverythingWithoutATempoOrBeats) {
 // A beat of less than one envelope value could be laid for ever: at 20000 BPM it is 1.125 values
 // long, and the search goes 2.1 values below.
 TEST_F(SimpleEnvelopeMakerTest, LeavesEverythingWhenARefinedBeatWouldHaveNoLength) {
-    SimpleEnvelopeMaker maker;
+    StereoFedSimpleEnvelope maker;
     maker.create(kRate, kRate);
     for (const float bpm : {20000.0F, 1e38F, std::numeric_limits<float>::infinity()}) {
         peakss::BeatList beats = beatsAt({5, 6}, 500.0F);
@@ -221,7 +222,7 @@ TEST_F(SimpleEnvelopeMakerTest, LeavesEverythingWhenARefinedBeatWouldHaveNoLengt
 }
 
 TEST_F(SimpleEnvelopeMakerTest, ATempoNearZeroLeavesOneBeat) {
-    SimpleEnvelopeMaker maker;
+    StereoFedSimpleEnvelope maker;
     maker.create(kRate, kRate);
     for (const float bpm : {1e-44F, 1e-20F, 1e-3F}) {
         peakss::BeatList beats = beatsAt({5, 6}, 500.0F);
@@ -231,7 +232,7 @@ TEST_F(SimpleEnvelopeMakerTest, ATempoNearZeroLeavesOneBeat) {
 }
 
 TEST_F(SimpleEnvelopeMakerTest, GridOfTheLongestTrackEndsBelowItsLength) {
-    SimpleEnvelopeMaker maker;
+    StereoFedSimpleEnvelope maker;
     const int longest = std::numeric_limits<int>::max();
     maker.create(kRate, longest);
     EXPECT_EQ(maker.envelope().size(), 16777216U);
@@ -246,7 +247,7 @@ TEST_F(SimpleEnvelopeMakerTest, GridOfTheLongestTrackEndsBelowItsLength) {
 }
 
 TEST_F(SimpleEnvelopeMakerTest, ReleasedOrNeverCreatedIgnoresSamples) {
-    SimpleEnvelopeMaker maker;
+    StereoFedSimpleEnvelope maker;
     feed(maker, stereoNoise(1000), 640);
     maker.create(kRate, 1000);
     maker.putSample(nullptr, 640);

@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include "envelope/StereoFed.h"
 #include "envelope/kickTrack.h"
 #include "envelope/plainFilters.h"
 #include "support/RoundTowardZero.h"
@@ -22,14 +23,14 @@ constexpr int kMinute = 60 * kRate;
 constexpr double kBeat = 24000.0;  // 120 BPM
 
 std::vector<std::int16_t> envelopeOf(const Stereo& audio, int length, int blockFrames) {
-    UnitEnvelopeMaker maker;
+    StereoFedUnitEnvelope maker;
     EXPECT_TRUE(maker.create(kRate, length));
     feed(maker, audio, blockFrames);
     return maker.envelope();
 }
 
 /** A maker that has heard these kicks in `frames` frames. */
-struct Fed : UnitEnvelopeMaker {
+struct Fed : StereoFedUnitEnvelope {
     Fed(int frames, const std::vector<std::int64_t>& kicks) {
         create(kRate, frames);
         feed(*this, kickTrack(frames, kRate, kicks), 640);
@@ -40,7 +41,7 @@ struct Fed : UnitEnvelopeMaker {
 TEST_F(UnitEnvelopeMakerTest, EnvelopeIsDetrendedAndSmoothedFromEvery128thFilteredFrame) {
     for (const int rate : {44100, 48000}) {
         const Stereo audio = stereoNoise(20000);
-        UnitEnvelopeMaker maker;
+        StereoFedUnitEnvelope maker;
         maker.create(rate, 20000);
         feed(maker, audio, rate / 75);
         const auto audioLowPass = PlainFilter::secondOrder(150.0, rate, true);
@@ -70,7 +71,7 @@ TEST_F(UnitEnvelopeMakerTest, BlocksOfAnySizeGiveTheSameEnvelope) {
 }
 
 TEST_F(UnitEnvelopeMakerTest, ResetEmptiesBothArraysButKeepsTheFilterState) {
-    UnitEnvelopeMaker maker;
+    StereoFedUnitEnvelope maker;
     maker.create(kRate, kRate);
     feed(maker, Stereo(2 * kRate, 10000), 640);
     peakss::BeatList beats = beatsAt({0, 24000}, 500.0F);
@@ -145,7 +146,7 @@ TEST_F(UnitEnvelopeMakerTest, APulseAfterARestOpensTheBar) {
 
 /** Beats with nothing heard: no votes, every index a pulse, the first of them at index 1. */
 peakss::BeatList afterSilence(const std::vector<std::int64_t>& frames, int length) {
-    UnitEnvelopeMaker maker;
+    StereoFedUnitEnvelope maker;
     maker.create(kRate, length);
     peakss::BeatList beats = beatsAt(frames, 500.0F);
     maker.analyze(120.0F, beats, true);
@@ -181,7 +182,7 @@ struct Phrases {
             kick(start + 6.0, 5000.0);
             kick(start + 7.0, 5000.0);
         }
-        UnitEnvelopeMaker maker;
+        StereoFedUnitEnvelope maker;
         maker.create(kRate, frames);
         feed(maker, audio, 640);
         beats = beatsAt(regularFrames(0.0, kBeat, frames), 500.0F);
@@ -232,7 +233,7 @@ TEST_F(UnitEnvelopeMakerTest, ThreeBeatsBehindAMadeUpOneMoveByTheThirdGridEntry)
 }
 
 TEST_F(UnitEnvelopeMakerTest, LeavesEverythingWithoutATempoOrTwoBeats) {
-    UnitEnvelopeMaker maker;
+    StereoFedUnitEnvelope maker;
     maker.create(kRate, kRate);
     for (const float bpm : {0.0F, -1.0F, std::nanf("")}) {
         peakss::BeatList beats = beatsAt({-5, 24000, 48000}, 500.0F);
@@ -249,7 +250,7 @@ TEST_F(UnitEnvelopeMakerTest, LeavesEverythingWithoutATempoOrTwoBeats) {
 
 TEST_F(UnitEnvelopeMakerTest, AnEnvelopeWithoutPulsesNumbersFromTheFirstBeat) {
     for (const int length : {0, 1, 128}) {
-        UnitEnvelopeMaker maker;
+        StereoFedUnitEnvelope maker;
         maker.create(kRate, length);
         peakss::BeatList beats = beatsAt({-100, -50, -10}, 500.0F);
         maker.analyze(120.0F, beats, false);
@@ -277,7 +278,7 @@ TEST_F(UnitEnvelopeMakerTest, SurvivesAbsurdBeatsAndTempos) {
 }
 
 TEST_F(UnitEnvelopeMakerTest, ReleasedOrNeverCreatedIgnoresSamples) {
-    UnitEnvelopeMaker maker;
+    StereoFedUnitEnvelope maker;
     feed(maker, stereoNoise(1000), 640);
     maker.create(kRate, std::numeric_limits<int>::max());
     EXPECT_EQ(maker.envelope().size(), 16777216U);

@@ -52,7 +52,7 @@ TEST_F(WindowSumTest, AddsTheLevelsOfAllWindowsPlaceByPlace) {
     sum.add(second);
     const WindowSum::Peak peak = sum.findBeatPosition(3);
     EXPECT_EQ(peak.value, 11.0);
-    EXPECT_EQ(peak.place, 1);
+    EXPECT_EQ(peak.offset, 1);
 }
 
 TEST_F(WindowSumTest, GivesTheSumsOfThePlainForm) {
@@ -65,7 +65,7 @@ TEST_F(WindowSumTest, GivesTheSumsOfThePlainForm) {
         plain.add(level.data() + at);
     }
     EXPECT_EQ(sum.findBeatPosition(1200).value, plain.peak().value);
-    EXPECT_EQ(sum.findBeatPosition(1200).place, plain.peak().place);
+    EXPECT_EQ(sum.findBeatPosition(1200).offset, plain.peak().offset);
 }
 
 // 200,000 full-scale windows: 6.55e9, three times what 32 bits hold.
@@ -75,7 +75,7 @@ TEST_F(WindowSumTest, SumsBeyond32BitsStayExact) {
     sum.create(5);
     for (int i = 0; i < 200000; ++i) sum.add(loud.data());
     EXPECT_EQ(sum.findBeatPosition(5).value, 200000.0 * 32767.0);
-    EXPECT_EQ(sum.findBeatPosition(5).place, 0);
+    EXPECT_EQ(sum.findBeatPosition(5).offset, 0);
 }
 
 TEST_F(WindowSumTest, OfEqualSumsTheFirstPlaceIsThePeak) {
@@ -83,14 +83,14 @@ TEST_F(WindowSumTest, OfEqualSumsTheFirstPlaceIsThePeak) {
     sum.create(4);
     const std::int16_t window[] = {1, 7, 7, 2};
     sum.add(window);
-    EXPECT_EQ(sum.findBeatPosition(4).place, 1);
+    EXPECT_EQ(sum.findBeatPosition(4).offset, 1);
 }
 
 TEST_F(WindowSumTest, SilencePeaksWithNothingAtTheFirstPlace) {
     WindowSum sum;
     sum.create(4);
     EXPECT_EQ(sum.findBeatPosition(4).value, 0.0);
-    EXPECT_EQ(sum.findBeatPosition(4).place, 0);
+    EXPECT_EQ(sum.findBeatPosition(4).offset, 0);
 }
 
 TEST_F(WindowSumTest, ClearForgetsEverything) {
@@ -112,7 +112,7 @@ TEST_F(WindowSumTest, SearchesOnlyWithinItsWidth) {
     EXPECT_EQ(sum.findBeatPosition(2).value, 5.0);
     for (const int count : {0, -1, 4}) {
         EXPECT_EQ(sum.findBeatPosition(count).value, 0.0);
-        EXPECT_EQ(sum.findBeatPosition(count).place, 0);
+        EXPECT_EQ(sum.findBeatPosition(count).offset, 0);
     }
 }
 

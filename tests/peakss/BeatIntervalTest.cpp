@@ -11,8 +11,12 @@
 namespace {
 
 using peakss::intervalTolerance;
+using peakss::matchesTempo;
 using peakss::missesTempoOf;
 using peakss::quarterBeats;
+
+constexpr float kInfinite = std::numeric_limits<float>::infinity();
+constexpr float kNoNumber = std::numeric_limits<float>::quiet_NaN();
 
 using BeatIntervalTest = beatatlas::test::RoundTowardZero;
 
@@ -34,6 +38,38 @@ TEST_F(BeatIntervalTest, ToleranceIsCutToSinglePrecisionOnce) {
     }
 }
 
+TEST_F(BeatIntervalTest, MatchIsStrictAtBothEdges) {
+    EXPECT_TRUE(matchesTempo(500.0F, 500.0F));
+    EXPECT_FALSE(matchesTempo(480.0F, 500.0F));
+    EXPECT_FALSE(matchesTempo(520.0F, 500.0F));
+    EXPECT_TRUE(matchesTempo(std::nextafter(480.0F, 500.0F), 500.0F));
+    EXPECT_TRUE(matchesTempo(std::nextafter(520.0F, 500.0F), 500.0F));
+}
+
+TEST_F(BeatIntervalTest, DoubleAndHalfMatchTheTempo) {
+    EXPECT_TRUE(matchesTempo(1000.0F, 500.0F));
+    EXPECT_TRUE(matchesTempo(250.0F, 500.0F));
+    EXPECT_FALSE(matchesTempo(750.0F, 500.0F));
+    EXPECT_FALSE(matchesTempo(1040.0F, 500.0F));  // its half is 520
+    EXPECT_FALSE(matchesTempo(240.0F, 500.0F));   // its double is 480
+    EXPECT_FALSE(matchesTempo(2000.0F, 500.0F));
+}
+
+// 4 % of 400 is 16 ms, but of 416 more: the reference decides.
+TEST_F(BeatIntervalTest, ToleranceIsThatOfTheReference) {
+    EXPECT_FALSE(matchesTempo(416.0F, 400.0F));
+    EXPECT_TRUE(matchesTempo(400.0F, 416.0F));
+}
+
+TEST_F(BeatIntervalTest, NothingMatchesAReferenceThatIsNoTempo) {
+    for (const float reference : {0.0F, -500.0F, kInfinite, -kInfinite, kNoNumber}) {
+        for (const float value : {0.0F, 20.0F, -500.0F, 500.0F, kInfinite, kNoNumber})
+            EXPECT_FALSE(matchesTempo(value, reference)) << value << " against " << reference;
+    }
+    EXPECT_FALSE(matchesTempo(kNoNumber, 500.0F));
+    EXPECT_FALSE(matchesTempo(3e38F, 500.0F));
+}
+
 TEST_F(BeatIntervalTest, ExactlyAtTheToleranceIsNoMiss) {
     EXPECT_FALSE(missesTempoOf(520.0F, 500.0F));
     EXPECT_FALSE(missesTempoOf(480.0F, 500.0F));
@@ -41,7 +77,7 @@ TEST_F(BeatIntervalTest, ExactlyAtTheToleranceIsNoMiss) {
     EXPECT_TRUE(missesTempoOf(std::nextafter(480.0F, 400.0F), 500.0F));
 }
 
-TEST_F(BeatIntervalTest, DoubleAndHalfTellTheSameTempo) {
+TEST_F(BeatIntervalTest, DoubleAndHalfMissNothing) {
     EXPECT_FALSE(missesTempoOf(1000.0F, 500.0F));
     EXPECT_FALSE(missesTempoOf(250.0F, 500.0F));
     EXPECT_FALSE(missesTempoOf(1040.0F, 500.0F));
@@ -51,11 +87,12 @@ TEST_F(BeatIntervalTest, DoubleAndHalfTellTheSameTempo) {
 }
 
 TEST_F(BeatIntervalTest, WhatIsNoNumberMissesNothing) {
-    EXPECT_FALSE(missesTempoOf(std::numeric_limits<float>::quiet_NaN(), 500.0F));
-    EXPECT_TRUE(missesTempoOf(std::numeric_limits<float>::infinity(), 500.0F));
+    EXPECT_FALSE(missesTempoOf(kNoNumber, 500.0F));
+    EXPECT_TRUE(missesTempoOf(kInfinite, 500.0F));
 }
 
-// 312 / 500 × 4 = 2.496, 313 / 500 × 4 = 2.504: the border between a half and three quarters lies at 312.5.
+// 312 / 500 × 4 = 2.496, 313 / 500 × 4 = 2.504: the border between a half and three quarters lies
+// at 312.5.
 TEST_F(BeatIntervalTest, IntervalsAreRoundedHalfUpToQuarterBeats) {
     EXPECT_EQ(quarterBeats(500.0F, 500.0F), 1.0F);
     EXPECT_EQ(quarterBeats(312.0F, 500.0F), 0.5F);

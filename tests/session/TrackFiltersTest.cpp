@@ -1,20 +1,23 @@
 // SPDX-License-Identifier: MIT
-// Oracle: the analysers' own filters, in analysers that are fed with the track itself. It pauses for a while: constant
-// signals take ways of their own.
+// Oracle: the filters in their plain form. The track pauses for a while: constant signals take ways
+// of their own.
 #include "session/TrackFilters.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <vector>
 
 #include <gtest/gtest.h>
 
+#include "dsp/lanes/sampleLanes.h"
 #include "envelope/SimpleEnvelopeMaker.h"
 #include "envelope/UnitEnvelopeMaker.h"
 #include "key/KeyRankMaker.h"
-#include "peakss/BeatListMaker.h"
+#include "peakss/sensing/BeatListMaker.h"
 #include "session/frameKernels.h"
+#include "support/PlainBands.h"
 #include "support/RoundTowardZero.h"
 #include "support/TrackSynth.h"
 #include "support/VectorForms.h"
@@ -46,7 +49,7 @@ struct Forms {
     std::vector<std::int16_t> stereo;
 };
 
-/** What filters for itself, or hears through filters, of one track. */
+/** The analysers of one track. */
 struct Analysers {
     Analysers(int rate, int length) {
         unit.create(rate, length);
@@ -66,22 +69,43 @@ struct Analysers {
     KeyRankMaker key;
 };
 
+/** What they hear, section by section and sample by sample. */
+struct PlainFilters {
+    PlainFilters(int rate, const Analysers& analysers)
+        : bands(rate, 6), pulses{analysers.unit.audioFilter(), analysers.unit.audioFilter()},
+          bassLine(analysers.simple.audioFilter()), bass(analysers.zoom.bassFilter()) {}
+
+    PlainBands bands;
+    SecondOrderSection pulses[2];
+    SecondOrderSection bassLine;
+    SecondOrderSection bass;
+};
+
 void putFiltered(Analysers& to, TrackFilters& filters, const float* mono,
                  const std::int16_t* stereo, int n) {
     filters.operate(mono, stereo, n, &to.key);
     to.key.putSample(stereo, n);
-    to.unit.putFiltered(filters.pulses(), n);
-    to.simple.putFiltered(filters.bassLine(), n);
-    to.zoom.putFiltered(stereo, filters.bass(), n);
-    to.beats.putBands(mono, filters.bands(), n, &to.loud);
+    to.unit.putSample(filters.pulses(), n);
+    to.simple.putSample(filters.bassLine(), n);
+    to.zoom.putSample(stereo, filters.bass(), n);
+    to.beats.put(mono, filters.bands(), n, &to.loud);
 }
 
-void putSamples(Analysers& to, const float* mono, const std::int16_t* stereo, int n) {
-    to.unit.putSample(stereo, n);
-    to.simple.putSample(stereo, n);
-    to.zoom.putSample(stereo, n);
-    to.beats.put(mono, n, nullptr);
-    to.loud.analyzePeak(mono, nullptr, nullptr, nullptr, n);
+void putPlainlyFiltered(Analysers& to, PlainFilters& filters, const float* mono,
+                        const std::int16_t* stereo, int n) {
+    for (int i = 0; i < n; ++i) {
+        const std::int16_t* frame = stereo + 2 * static_cast<std::size_t>(i);
+        const double mean = monoOfFrame(frame);
+        const double pulse = filters.pulses[1].step(filters.pulses[0].step(mean));
+        const double bassLine = filters.bassLine.step(mean);
+        const double bass = filters.bass.step(std::trunc(mean));
+        to.unit.putSample(&pulse, 1);
+        to.simple.putSample(&bassLine, 1);
+        to.zoom.putSample(frame, &bass, 1);
+    }
+    const peakss::BandSignals bands = filters.bands.operate(mono, n);
+    to.beats.put(mono, bands, n, nullptr);
+    to.loud.analyzePeak(mono, bands.viewLow, bands.bands[2], bands.bands[3], n);
     to.key.putSample(stereo, n);
 }
 
@@ -116,7 +140,7 @@ void expectSame(const Analysers& expected, const Analysers& got) {
 
 class TrackFiltersTest : public RoundTowardZero {};
 
-TEST_F(TrackFiltersTest, AnalysersHearWhatTheyWouldFilterForThemselves) {
+TEST_F(TrackFiltersTest, AnalysersHearWhatPlainFiltersGive) {
     for (const int rate : {44100, 48000}) {
         const int length = 9 * rate + 77;
         const Forms track(rate, length);
@@ -126,19 +150,51 @@ TEST_F(TrackFiltersTest, AnalysersHearWhatTheyWouldFilterForThemselves) {
             Analysers expected(rate, length);
             Analysers got(rate, length);
             TrackFilters filters;
-            filters.create(
-                rate, rate / 75,
-                {&got.unit.audioFilter(), &got.simple.audioFilter(), &got.zoom.bassFilter()});
+            filters.create(rate, {.bands = true,
+                                  .pulses = &got.unit.audioFilter(),
+                                  .bassLine = &got.simple.audioFilter(),
+                                  .bass = &got.zoom.bassFilter()});
+            PlainFilters plain(rate, expected);
             for (int at = 0; at < length; at += rate / 75) {
                 const int n = std::min(rate / 75, length - at);
                 const float* mono = track.mono.data() + at;
                 const std::int16_t* stereo = track.stereo.data() + 2 * static_cast<std::size_t>(at);
-                putSamples(expected, mono, stereo, n);
+                putPlainlyFiltered(expected, plain, mono, stereo, n);
                 putFiltered(got, filters, mono, stereo, n);
             }
             ASSERT_FALSE(expected.beats.list().empty());
             ASSERT_GT(keyOf(expected.key)[0], 0.0);
             expectSame(expected, got);
+        }
+    }
+}
+
+/** What a session hears that wants no more than this. */
+TrackFilters filtersFor(int rate, const TrackFilters::Wanted& wanted) {
+    TrackFilters filters;
+    filters.create(rate, wanted);
+    return filters;
+}
+
+// Whatever else is filtered, or nothing else.
+TEST_F(TrackFiltersTest, BassIsTheSameAloneAndInCompany) {
+    constexpr int kRate = 44100;
+    constexpr int kBlock = kRate / 75;
+    const Forms track(kRate, 6 * kRate);
+    const Analysers analysers(kRate, 6 * kRate);
+    const SecondOrderSection& bass = analysers.zoom.bassFilter();
+    TrackFilters alone = filtersFor(kRate, {false, nullptr, nullptr, &bass});
+    TrackFilters withBands = filtersFor(kRate, {true, nullptr, nullptr, &bass});
+    TrackFilters withPulses =
+        filtersFor(kRate, {false, &analysers.unit.audioFilter(), nullptr, &bass});
+    for (int at = 0; at + kBlock <= 6 * kRate; at += kBlock) {
+        for (TrackFilters* filters : {&alone, &withBands, &withPulses})
+            filters->operate(track.mono.data() + at,
+                             track.stereo.data() + 2 * static_cast<std::size_t>(at), kBlock,
+                             nullptr);
+        for (int i = 0; i < kBlock; ++i) {
+            ASSERT_EQ(withBands.bass()[i], alone.bass()[i]) << at + i;
+            ASSERT_EQ(withPulses.bass()[i], alone.bass()[i]) << at + i;
         }
     }
 }

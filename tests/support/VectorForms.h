@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "dsp/VectorForm.h"
+#include "dsp/lanes/VectorForm.h"
 
 namespace beatatlas::test {
 

@@ -52,35 +52,6 @@ int dbStep(float s) {
     return truncated(std::min(std::max(step, 0.0F), 30.0F));
 }
 
-int classOf(float v) {
-    if (v <= 0.0F) return 2;
-    const float opens[23] = {50790.4F,  39321.6F,  30801.92F, 25886.72F, 23265.28F, 21299.2F,
-                             19333.12F, 17367.04F, 15892.48F, 14909.44F, 13926.4F,  12943.36F,
-                             11960.32F, 10977.28F, 9994.24F,  9011.2F,   8028.16F,  7045.12F,
-                             6062.08F,  5079.04F,  4096.0F,   3112.96F,  2195.456F};
-    for (int t = 1; t <= 23; ++t)
-        if (v >= opens[t - 1]) return 26 - t;
-    return 2;
-}
-
-int dotClass(int a, int b) {
-    if (a == 0 && b == 0) return 1;
-    if (a > 20674) return 15;
-    if (a > 16421) return 14;
-    if (a > 13044) return 13;
-    if (a > 10361) return 12;
-    if (a > 8229) return 11;
-    if (a > 6537) return 10;
-    if (a > 5192) return 9;
-    if (a > 4124) return 8;
-    if (a > 3275) return 7;
-    if (a > 2601) return 6;
-    if (a > 2066) return 5;
-    if (a > 1641) return 4;
-    if (a >= 1304) return 3;
-    return 2;
-}
-
 int loudColor(int a, int b, int c) {
     if (a < 14) {
         if (b - c < 4) return 5;
@@ -116,8 +87,8 @@ std::vector<float> plainBand(int band, int rate, const std::vector<float>& in) {
 }
 
 PlainLoudView::PlainLoudView(int rate, std::int64_t len)
-    : loud(400, {0.0F, 5}), dots(100, {0.0F, 5}), details(400), dotsClasses(100, 0), rate_(rate),
-      len_(len), block_(rate / 75), averages_(400, 0.0F) {
+    : loud(400, {0.0F, 5}), dots(100, {0.0F, 5}), rate_(rate), len_(len), block_(rate / 75),
+      averages_(400, 0.0F) {
     const float b = static_cast<float>((len + block_ - 1) / block_);
     p2_ = b * 0.005F;
     pa_ = b * 0.0025F;
@@ -384,7 +355,6 @@ void PlainLoudView::finaliseLoud(int ready) {
         const int a = dbStep(0.5F * low);
         const int b = dbStep(0.25F * loudSums_[1][k]);
         const int c = dbStep(1.0F * loudSums_[2][k]);
-        details[k] = {classOf(value), classOf(avg), a, b, c};
         loud[k] = {value, loudColor(a, b, c)};
     }
 }
@@ -394,7 +364,6 @@ void PlainLoudView::finaliseDots(int ready) {
         const auto k = static_cast<std::size_t>(dotsReady);
         const int a = dotsSums_[0][k];
         const int b = dotsSums_[1][k];
-        dotsClasses[k] = dotClass(a, b);
         dots[k].level = a != 0 ? static_cast<float>(a) : b != 0 ? 1.0F : 0.0F;
     }
 }

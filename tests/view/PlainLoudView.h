@@ -23,10 +23,8 @@ public:
      *  filtered from the input. */
     void feed(const std::vector<float>& in, const std::array<std::vector<float>, 3>& given = {});
 
-    std::vector<Point> loud;                  // 400, uncoloured points have colour 5
-    std::vector<Point> dots;                  // 100
-    std::vector<std::array<int, 5>> details;  // 400
-    std::vector<int> dotsClasses;             // 100
+    std::vector<Point> loud;  // 400, uncoloured points have colour 5
+    std::vector<Point> dots;  // 100
     int loudReady = 0;
     int dotsReady = 0;
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "track/evidence/BandSums.h"
 
-#include "dsp/vectorLanes.h"
+#include "dsp/lanes/vectorLanes.h"
 
 namespace beatatlas::track::inner {
 

@@ -5,7 +5,7 @@
 #include <cmath>
 #include <numbers>
 
-#include "dsp/vectorLanes.h"
+#include "dsp/lanes/vectorLanes.h"
 
 namespace beatatlas::track::inner {
 

@@ -6,7 +6,7 @@
 #include <numbers>
 #include <utility>
 
-#include "dsp/vectorLanes.h"
+#include "dsp/lanes/vectorLanes.h"
 
 namespace beatatlas::track::inner {
 

@@ -6,7 +6,7 @@
 #include <cstring>
 #include <vector>
 
-#include "dsp/vectorLanes.h"
+#include "dsp/lanes/vectorLanes.h"
 
 /** Levels in 16 bits on a logarithmic scale: 64 octaves of 1024 steps each, so a step is 0.006 dB.
  *  Code 0 stands for silence. */

@@ -6,8 +6,7 @@
 
 #include "dsp/RoundingMode.h"
 #include "dsp/processorYield.h"
-#include "peakss/BeatInfoAnalyzeInfo.h"
-#include "peakss/BeatInfoAnalyzer.h"
+#include "peakss/grid/BeatInfoAnalyzer.h"
 #include "session/frameKernels.h"
 #include "session/tempoHundredths.h"
 
@@ -40,9 +39,10 @@ void SessionPair::createAnalysers() {
     unitBeatAdjust_.create(rate_, frames_);
     loudViewMaker_.create(rate_, frames_);
     zoomViewMaker_.create(rate_, frames_, kZoomPointsPerSecond, true);
-    trackFilters_.create(rate_, blockFrames_,
-                         {&variedUnitEnvelope_.audioFilter(), &simpleEnvelopeMaker_.audioFilter(),
-                          wantsWaves_ ? &zoomViewMaker_.bassFilter() : nullptr});
+    trackFilters_.create(rate_, {.bands = true,
+                                 .pulses = &variedUnitEnvelope_.audioFilter(),
+                                 .bassLine = &simpleEnvelopeMaker_.audioFilter(),
+                                 .bass = wantsWaves_ ? &zoomViewMaker_.bassFilter() : nullptr});
 }
 
 void SessionPair::hear(const Block& block) {
@@ -64,13 +64,13 @@ int SessionPair::fillBlock(const Block& block, int from) {
 
 void SessionPair::dispatchBlock() {
     trackFilters_.operate(mono_.data(), stereo_.data(), blockFill_, nullptr);
-    beatListMaker_.putBands(mono_.data(), trackFilters_.bands(), blockFill_,
-                            wantsWaves_ ? &loudViewMaker_ : nullptr);
-    simpleEnvelopeMaker_.putFiltered(trackFilters_.bassLine(), blockFill_);
-    variedUnitEnvelope_.putFiltered(trackFilters_.pulses(), blockFill_);
-    simpleUnitEnvelope_.putFiltered(trackFilters_.pulses(), blockFill_);
+    beatListMaker_.put(mono_.data(), trackFilters_.bands(), blockFill_,
+                       wantsWaves_ ? &loudViewMaker_ : nullptr);
+    simpleEnvelopeMaker_.putSample(trackFilters_.bassLine(), blockFill_);
+    variedUnitEnvelope_.putSample(trackFilters_.pulses(), blockFill_);
+    simpleUnitEnvelope_.putSample(trackFilters_.pulses(), blockFill_);
     unitBeatAdjust_.putSample(stereo_.data(), blockFill_);
-    if (wantsWaves_) zoomViewMaker_.putFiltered(stereo_.data(), trackFilters_.bass(), blockFill_);
+    if (wantsWaves_) zoomViewMaker_.putSample(stereo_.data(), trackFilters_.bass(), blockFill_);
     blockFill_ = 0;
 }
 

@@ -8,7 +8,7 @@
 #include "envelope/UnitBeatAdjust.h"
 #include "envelope/UnitEnvelopeMaker.h"
 #include "peakss/BeatInfo.h"
-#include "peakss/BeatListMaker.h"
+#include "peakss/sensing/BeatListMaker.h"
 #include "session/TrackFilters.h"
 #include "track/Listener.h"
 #include "view/LoudViewMaker.h"
