@@ -201,6 +201,8 @@ void TrackDecoder::fillEnd(FrameChain& chain) {
 bool TrackDecoder::isEndDamaged(double missingSeconds) const {
     if (decodedEnd_ <= 0 || tally_.seconds <= 0.0) return false;
     if (container_.isFormat("mp4") && declaredEnd(container_, input_) == input_.size()) return true;
+    // One packet alone that cannot be decoded is what the end of a shortened file cuts through.
+    if (pendingDamage_.packets <= 1 && tally_.isLastPacketDamaged) return false;
     const double perSecond = static_cast<double>(decodedEnd_) / tally_.seconds;
     const auto behind = static_cast<double>(input_.size() - decodedEnd_);
     return behind >= kLeastShareOfEnd * missingSeconds * perSecond;
@@ -234,8 +236,7 @@ bool TrackDecoder::isShorterThanDeclared() const {
     if (format_.trackRate == 0) return true;
     // FFmpeg takes the last packet of CAF for a whole one.
     const bool isExact = decoder_.isLossless() && !container_.isFormat("caf");
-    const double tolerance =
-        isExact ? 0.5 / format_.trackRate : kDelayAndPaddingSeconds;
+    const double tolerance = isExact ? 0.5 / format_.trackRate : kDelayAndPaddingSeconds;
     return tally_.seconds + tolerance < *declared;
 }
 
