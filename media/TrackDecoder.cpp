@@ -23,6 +23,9 @@ constexpr double kDelayAndPaddingSeconds = 0.2;
 // ends there.
 constexpr double kLeastShareOfEnd = 0.5;
 
+// A tag behind the last box takes less than this part of a file.
+constexpr std::int64_t kMostForeign = 100;
+
 // So much denser than the rest may what is missing have been.
 constexpr double kMostUneven = 2.0;
 
@@ -67,7 +70,7 @@ void TrackDecoder::finish(FrameChain& chain) {
     decode(nullptr, chain);
     fillEnd(chain);
     chain.finish();
-    tally_.damagedPackets += container_.damagedPages();
+    tally_.damagedPackets += container_.damagedPages() + (hasForeignRest() ? 1 : 0);
     tally_.repeatedPackets = packets_.repeatedPackets() + container_.repeatedPages();
     format_.sessionRate = chain.outputRate();
 }
@@ -195,6 +198,14 @@ void TrackDecoder::fillEnd(FrameChain& chain) {
     fillGap(missing, format_.trackRate, chain);
     tally_.isLastPacketDamaged = false;
     tally_.isLastPacketIncomplete = false;
+}
+
+/** Whether the boxes of an MP4 file end long before it does: one of them is damaged, and nobody can
+ *  tell what is behind it. */
+bool TrackDecoder::hasForeignRest() const {
+    if (!container_.isFormat("mp4")) return false;
+    const auto end = declaredEnd(container_, input_);
+    return end && input_.size() - *end > input_.size() / kMostForeign;
 }
 
 /** Whether the file has bytes where the rest of the track should be: otherwise it was cut off. */
