@@ -30,7 +30,8 @@ const std::vector<DamageFormat>& damageFormats() {
         {"m4a aac", {"ipod", "aac"}},
         {"m4a aac, index first", {"ipod", "aac", "movflags=faststart"}},
         {"m4a aac, fragments",
-         {"mp4", "aac", "movflags=frag_keyframe+empty_moov+default_base_moof:frag_duration=500000"}},
+         {"mp4", "aac",
+          "movflags=frag_keyframe+empty_moov+default_base_moof:frag_duration=500000"}},
         {"m4a alac", {"ipod", "alac"}},
         {"mov pcm", {"mov", "pcm_s16le"}},
         {"mka vorbis", {"matroska", "libvorbis"}},
@@ -102,8 +103,8 @@ std::string damaged(std::string bytes, const DamageKind& kind, std::uint32_t see
             bytes[numbers.below(size)] ^= static_cast<char>(1U << numbers.below(8));
         return bytes;
     }
-    const auto length = static_cast<std::size_t>(static_cast<double>(size) *
-                                                 (0.02 + 0.03 * numbers.next()));
+    const auto length =
+        static_cast<std::size_t>(static_cast<double>(size) * (0.02 + 0.03 * numbers.next()));
     const std::size_t at = size / 10 + numbers.below(size * 7 / 8 - size / 10 - length);
     switch (kind.what) {
     case DamageKind::What::zeros:
