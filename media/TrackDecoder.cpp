@@ -23,6 +23,9 @@ constexpr double kDelayAndPaddingSeconds = 0.2;
 // ends there.
 constexpr double kLeastShareOfEnd = 0.5;
 
+// A tag behind the last box takes less than this part of a file.
+constexpr std::int64_t kMostForeign = 100;
+
 // So much denser than the rest may what is missing have been.
 constexpr double kMostUneven = 2.0;
 
@@ -68,7 +71,7 @@ void TrackDecoder::finish(FrameChain& chain) {
     decode(nullptr, chain);
     fillEnd(chain);
     chain.finish();
-    tally_.damagedPackets += container_.damagedPages();
+    tally_.damagedPackets += container_.damagedPages() + (hasForeignRest() ? 1 : 0);
     tally_.repeatedPackets = packets_.repeatedPackets() + container_.repeatedPages();
     format_.sessionRate = chain.outputRate();
 }
@@ -198,10 +201,20 @@ void TrackDecoder::fillEnd(FrameChain& chain) {
     tally_.isLastPacketIncomplete = false;
 }
 
+/** Whether the boxes of an MP4 file end long before it does: one of them is damaged, and nobody can
+ *  tell what is behind it. */
+bool TrackDecoder::hasForeignRest() const {
+    if (!container_.isFormat("mp4")) return false;
+    const auto end = declaredEnd(container_, input_);
+    return end && input_.size() - *end > input_.size() / kMostForeign;
+}
+
 /** Whether the file has bytes where the rest of the track should be: otherwise it was cut off. */
 bool TrackDecoder::isEndDamaged(double missingSeconds) const {
     if (decodedEnd_ <= 0 || tally_.seconds <= 0.0) return false;
     if (container_.isFormat("mp4") && declaredEnd(container_, input_) == input_.size()) return true;
+    // One packet alone that cannot be decoded is what the end of a shortened file cuts through.
+    if (pendingDamage_.packets <= 1 && tally_.isLastPacketDamaged) return false;
     const double perSecond = static_cast<double>(decodedEnd_) / tally_.seconds;
     const auto behind = static_cast<double>(input_.size() - decodedEnd_);
     return behind >= kLeastShareOfEnd * missingSeconds * perSecond;

@@ -81,6 +81,7 @@ private:
     void keepTime(std::int64_t missing, const AVFrame& frame, FrameChain& chain);
     void fillGap(std::int64_t frames, int rate, FrameChain& chain);
     void fillEnd(FrameChain& chain);
+    bool hasForeignRest() const;
     bool isEndDamaged(double missingSeconds) const;
     void deliver(AVFrame& frame, FrameChain& chain);
     void dropPadding(AVFrame& frame) const;

@@ -33,7 +33,7 @@ std::optional<std::size_t> mpegAudioPacketLength(std::span<const std::uint8_t> p
     const int layer = (packet[1] >> 1) & 3;
     if (layer != kLayer3 && layer != kLayer2) return std::nullopt;
     const bool isMpeg1 = version == kMpeg1;
-    const auto& kiloBitsOf = !isMpeg1            ? kMpeg2KiloBits
+    const auto& kiloBitsOf = !isMpeg1           ? kMpeg2KiloBits
                              : layer == kLayer2 ? kLayer2KiloBits
                                                 : kMpeg1KiloBits;
     const int kiloBits = kiloBitsOf[packet[2] >> 4];

@@ -16,14 +16,18 @@ constexpr int kSettlingFrames = 4;
 constexpr double kWaverTicks = 2.2;
 constexpr double kLeastFrames = 2.0;
 
+// The first blocks behind damage may be shorter than their coder meant them: some seconds pass until
+// the times agree again.
+constexpr int kWatchedFrames = 200;
+
 // Fast enough for times that are rounded at every packet, slow against what a tick wavers.
 constexpr double kFollowing = 1.0 / 64.0;
 
 }  // namespace
 
-double Timeline::toleranceFor(const AVFrame& frame, bool isAlarmed) const {
+double Timeline::toleranceFor(const AVFrame& frame, bool isWatched) const {
     const double waver = std::max(kWaverTicks * tick_, kLeastFrames / frame.sample_rate);
-    return isAlarmed ? waver : std::max(waver, 0.5 * frame.nb_samples / frame.sample_rate);
+    return isWatched ? waver : std::max(waver, 0.5 * frame.nb_samples / frame.sample_rate);
 }
 
 /** Packets are lost whole. Where the times are too coarse to tell their number of frames, they do
@@ -36,12 +40,13 @@ std::int64_t Timeline::wholeBlocks(double frames, const AVFrame& frame) const {
 
 std::int64_t Timeline::place(double seconds, const AVFrame& frame, bool isAlarmed) {
     const double late = seconds - expected_;
+    watched_ = isAlarmed ? kWatchedFrames : std::max(0, watched_ - 1);
     if (placed_ == 0 || (placed_ < kSettlingFrames && !isAlarmed)) {
         ++placed_;
         expected_ = seconds;
         return 0;
     }
-    if (std::abs(late) <= toleranceFor(frame, isAlarmed)) {
+    if (std::abs(late) <= toleranceFor(frame, watched_ > 0)) {
         expected_ += late * kFollowing;
         return 0;
     }

@@ -19,20 +19,21 @@ public:
     /** Frames of silence that are missing before this one; below 0, frames at its beginning whose
      *  time has passed.
      *  @param seconds    the frame's own time
-     *  @param isAlarmed  something was amiss since the last frame, so that less than half a frame
-     *                    is believed to be missing */
+     *  @param isAlarmed  something was amiss since the last frame, so that for a while less than half
+     *                    a frame is believed to be missing */
     std::int64_t place(double seconds, const AVFrame& frame, bool isAlarmed);
 
     /** The track goes on by so much. */
     void advance(std::int64_t frames, int rate);
 
 private:
-    double toleranceFor(const AVFrame& frame, bool isAlarmed) const;
+    double toleranceFor(const AVFrame& frame, bool isWatched) const;
     std::int64_t wholeBlocks(double frames, const AVFrame& frame) const;
 
     double tick_;
     double expected_ = 0.0;  ///< the next frame's own time, were nothing missing
     int placed_ = 0;
+    int watched_ = 0;  ///< so many frames yet after something was amiss
 };
 
 }  // namespace media

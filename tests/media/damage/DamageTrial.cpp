@@ -43,10 +43,11 @@ DamageOutcome DamageTrial::run(const DamageKind& kind, std::uint32_t seed) const
     try {
         media::TrackDecoder decoder(path);
         decoder.run(recorder);
-        const auto file = media::usableTrack(
-            path, decoder, static_cast<std::int64_t>(recorder.left.size()), true);
+        const auto file = media::usableTrack(path, decoder,
+                                             static_cast<std::int64_t>(recorder.left.size()), true);
         outcome.isCutOff = file.isCutOff;
-        outcome.isWarned = file.damagedPackets > 0 || file.repeatedPackets > 0 || !file.gaps.empty();
+        outcome.isWarned =
+            file.damagedPackets > 0 || file.repeatedPackets > 0 || !file.gaps.empty();
     } catch (const base::TrackError& error) {
         outcome.refusal = error.what();
         return outcome;

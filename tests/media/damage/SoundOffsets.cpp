@@ -26,7 +26,8 @@ void transform(std::vector<std::complex<double>>& values, bool inverse) {
         if (i < j) std::swap(values[i], values[j]);
     }
     for (std::size_t length = 2; length <= size; length <<= 1) {
-        const double angle = (inverse ? 2.0 : -2.0) * std::numbers::pi / static_cast<double>(length);
+        const double angle =
+            (inverse ? 2.0 : -2.0) * std::numbers::pi / static_cast<double>(length);
         const std::complex<double> turn(std::cos(angle), std::sin(angle));
         for (std::size_t begin = 0; begin < size; begin += length) {
             std::complex<double> factor = 1.0;
@@ -93,9 +94,8 @@ std::optional<long> SoundOffsets::search(const std::vector<float>& damaged, std:
     for (std::size_t i = 0; i < coarseSize_; ++i)
         values[i] = wholeSpectrum_[i] * std::conj(values[i]);
     transform(values, true);
-    const auto best = std::max_element(values.begin(), values.end(), [](auto a, auto b) {
-        return a.real() < b.real();
-    });
+    const auto best = std::max_element(values.begin(), values.end(),
+                                       [](auto a, auto b) { return a.real() < b.real(); });
     const auto place = static_cast<long>((best - values.begin()) * static_cast<long>(kThinning));
     return refine(damaged, at, static_cast<long>(at) - place);
 }

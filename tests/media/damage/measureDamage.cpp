@@ -42,8 +42,8 @@ void tell(std::uint32_t seed, const DamageOutcome& outcome) {
     std::printf("    seed %u: %s%s%s%s worst %.4f last %.4f heard %.2f missing %.4f %s\n", seed,
                 outcome.isCutOff ? "cut " : "", outcome.isWarned ? "warned " : "",
                 outcome.isOutOfPlace ? "LATE " : "", outcome.isSilentLoss() ? "SILENT" : "",
-                outcome.sound.worst, outcome.sound.last, outcome.sound.heard,
-                outcome.sound.missing, outcome.refusal.c_str());
+                outcome.sound.worst, outcome.sound.last, outcome.sound.heard, outcome.sound.missing,
+                outcome.refusal.c_str());
 }
 
 void measure(const DamageFormat& format, std::uint32_t seeds, const char* only, bool isVerbose) {
@@ -69,8 +69,9 @@ int main(int count, char** words) {
     const bool isVerbose = count > 1 && std::strcmp(words[count - 1], "-v") == 0;
     if (isVerbose) --count;
     const auto seeds = static_cast<std::uint32_t>(count > 1 ? std::atoi(words[1]) : 20);
-    std::printf("| format | damage | refused | taken as cut off | warned | out of place | of these "
-                "without a word | worst, ms | heard, %% |\n|---|---|---|---|---|---|---|---|---|\n");
+    std::printf(
+        "| format | damage | refused | taken as cut off | warned | out of place | of these "
+        "without a word | worst, ms | heard, %% |\n|---|---|---|---|---|---|---|---|---|\n");
     for (const DamageFormat& format : damageFormats()) {
         if (count > 2 && std::strcmp(words[2], "all") != 0 &&
             std::strcmp(words[2], format.name) != 0)

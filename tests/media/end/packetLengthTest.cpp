@@ -33,7 +33,7 @@ TEST(packetLength, OfLayer2HasItsOwnBitRates) {
 TEST(packetLength, OfOtherLayersAndBadHeadersIsUnknown) {
     EXPECT_EQ(mpegAudioPacketLength(Bytes{0xFF, 0xFF, 0x90, 0x00}), std::nullopt);  // layer I
     EXPECT_EQ(mpegAudioPacketLength(Bytes{0xFF, 0xFB, 0x00, 0x00}),
-              std::nullopt);  // free bit rate
+              std::nullopt);                                                        // free bit rate
     EXPECT_EQ(mpegAudioPacketLength(Bytes{0xFF, 0xFB, 0x9C, 0x00}), std::nullopt);  // no such rate
     EXPECT_EQ(mpegAudioPacketLength(Bytes{'T', 'A', 'G', 0}), std::nullopt);
     EXPECT_EQ(mpegAudioPacketLength({}), std::nullopt);
