@@ -9,7 +9,7 @@ namespace base {
 
 namespace {
 
-// Written by whichever thread the signal comes to, read by all.
+// Written by the thread that receives the signal, read by all.
 std::atomic<int> requestedSignal{0};
 static_assert(std::atomic<int>::is_always_lock_free, "a signal handler cannot wait");
 

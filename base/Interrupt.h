@@ -3,7 +3,7 @@
 
 namespace base {
 
-/** Thrown where a request to stop is noticed; unwinding removes whatever is half written. */
+/** Thrown where a request to stop is noticed; unwinding removes half-written files. */
 class Interrupted {
 public:
     explicit Interrupted(int signalNumber) : signalNumber_(signalNumber) {}
@@ -13,16 +13,18 @@ private:
     int signalNumber_;
 };
 
-/** Turns Ctrl-C, hang-up and termination into a flag that the long loops look at.
+/** Turns Ctrl-C, hang-up and termination into a flag that long loops check.
  *
- *  The first signal asks; a second one of the same kind ends the process at once, as it would
- *  without the tool. A signal that the caller had ignored (nohup) stays ignored. */
+ *  The first signal sets the flag; a second one of the same kind ends the process at once, as its
+ *  default action does. A signal that was ignored when the program started (nohup) stays
+ *  ignored. */
 class Interrupt {
 public:
-    /** Catches the signals from here on, and makes writing to a closed pipe or beyond the caller's
-     *  file size limit an error instead of a death. */
+    /** Catches the signals from now on. Writing to a closed pipe or beyond the file size limit then
+     *  fails with an error instead of ending the process. */
     static void install();
 
+    /** Whether a signal has arrived. */
     static bool isRequested();
 
     /** @throws Interrupted once a signal has arrived */

@@ -7,34 +7,72 @@
 
 namespace base {
 
-/** What a track's file says about itself. */
-struct TrackFormat {
-    std::string container;  ///< FFmpeg's short name, "mov,mp4,m4a,3gp,3g2,mj2" for MP4
-    std::string codec;      ///< FFmpeg's short name
-    int channels = 0;       ///< at its beginning, as the rate
-    int trackRate = 0;      ///< Hz, of the file
-    int sessionRate = 0;    ///< Hz, of the analysis
-    bool changes = false;   ///< has other channels or another rate further on
+/** How a track is called by its file's tags; empty where they do not say. */
+struct TrackTags {
+    std::string artist;
+    std::string title;
 };
 
-/** A stretch of a track that its file no longer holds; silence stands in its place. */
+/** A section of a track that its file no longer holds; it is replaced by silence. */
 struct Gap {
-    double start = 0.0;   ///< seconds from the track's beginning
-    double length = 0.0;  ///< seconds
+    /** Seconds from the beginning of the track. */
+    double start = 0.0;
+    /** Seconds. */
+    double length = 0.0;
 };
 
-/** Where a track came from, and in which state its file was. */
+/** The format of a track's file. */
+struct TrackFormat {
+    /** FFmpeg's short name, "mov,mp4,m4a,3gp,3g2,mj2" for MP4. */
+    std::string container;
+    /** FFmpeg's short name. */
+    std::string codec;
+    /** At the beginning of the track, like the rate. */
+    int channels = 0;
+    /** Rate of the file, Hz. */
+    int trackRate = 0;
+    /** Rate of the analysis, Hz. */
+    int sessionRate = 0;
+    /** Another rate, or another number of channels, follows later. */
+    bool changes = false;
+    TrackTags tags = {};
+};
+
+/** What of a track's sound was not analysed as it is. */
+struct Overload {
+    std::int64_t heard = 0;       ///< samples of all channels
+    std::int64_t clipped = 0;     ///< of them beyond full scale
+    float peak = 0.0F;            ///< the loudest of those; full scale is 1
+    std::int64_t notNumbers = 0;  ///< taken for silence
+
+    /** Lossy decoders and rate converters go over full scale here and there, and nobody hears what
+     *  is clipped of it. */
+    bool isTooLoud() const {
+        constexpr float kLoudPeak = 2.0F;  // 6 dB
+        constexpr double kManySamples = 0.01;
+        return peak >= kLoudPeak ||
+               static_cast<double>(clipped) > kManySamples * static_cast<double>(heard);
+    }
+};
+
+/** Where a track came from, and the state of its file. */
 struct TrackSource {
     std::string path;
     TrackFormat format;
-    bool isCutOff = false;  ///< the file holds only the beginning of the track
+    /** The file holds only the beginning of the track. */
+    bool isCutOff = false;
 
-    /** Packets that could not be decoded, or in part only. */
+    /** Packets that could not be decoded, or only in part. */
     std::int64_t damagedPackets = 0;
 
-    std::int64_t repeatedPackets = 0;  ///< were there twice, and were taken once
-    std::vector<Gap> gaps;             ///< in order of time, apart from each other
-    bool lacksEnd = false;             ///< its format marks a track's end, and it has no such mark
+    /** Packets that were there twice, and were taken once. */
+    std::int64_t repeatedPackets = 0;
+    /** In order of time, not touching each other. */
+    std::vector<Gap> gaps;
+    /** The format marks a track's end, and the file has no such mark. */
+    bool lacksEnd = false;
+
+    Overload overload;
 };
 
 }  // namespace base

@@ -19,8 +19,7 @@ std::size_t lengthByFirstByte(unsigned first) {
     return 0;
 }
 
-/** The second byte carries the limits that rule out overlong forms, surrogates and values above
- *  U+10FFFF. */
+/** The limits of the second byte rule out overlong forms, surrogates and values above U+10FFFF. */
 bool isSecondByte(unsigned first, unsigned second) {
     const unsigned lowest = first == 0xE0 ? 0xA0 : first == 0xF0 ? 0x90 : 0x80;
     const unsigned highest = first == 0xED ? 0x9F : first == 0xF4 ? 0x8F : 0xBF;
@@ -35,7 +34,7 @@ bool hasContinuation(std::string_view text, std::size_t length) {
     return true;
 }
 
-/** C0, DEL, and the C1 controls U+0080 to U+009F, which terminals obey too. */
+/** The controls C0, DEL, and C1 (U+0080 to U+009F), which terminals obey too. */
 bool isControl(std::string_view character) {
     const unsigned first = byteAt(character, 0);
     if (character.size() == 1) return first < 0x20 || first == 0x7F;

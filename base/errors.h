@@ -24,7 +24,7 @@ public:
     using std::runtime_error::runtime_error;
 };
 
-/** The system's words for an errno value. */
+/** The system's message for an errno value. */
 std::string systemReason(int errorNumber);
 
 }  // namespace base

@@ -15,7 +15,7 @@ namespace beatatlas::bench {
 constexpr int kRate = 44100;
 constexpr int kSeconds = 300;
 constexpr int kFrames = kRate * kSeconds;
-constexpr int kBlockFrames = kRate / 75;  // as a session cuts a track
+constexpr int kBlockFrames = kRate / 75;  // the block length of a session
 constexpr float kBpm = 126.0F;
 
 /** Five minutes of synthesised music in every form that a component takes. */
@@ -26,14 +26,14 @@ struct BenchTrack {
     peakss::BeatList beats;                 ///< the true grid
 };
 
-/** A song that asks of the analysis what music asks: intro, verse, chorus, break and ending, each with instruments of
- *  its own, chords and bass under an improvised melody and percussion. Its beat list has about as many candidates a
- *  minute as recorded dance music has (several hundred, where a drum machine alone gives three thousand), and its
- *  closing analysis as many pauses. */
+/** A song that is as demanding for the analysis as music: intro, verse, chorus, break and ending,
+ *  each with its own instruments, chords and bass under an improvised melody and percussion. It
+ *  yields about as many beat candidates a minute as recorded dance music (several hundred, where a
+ *  drum machine alone yields three thousand), and as many sleeps in the closing analysis. */
 test::StereoTrack makeSong(double seconds);
 
-/** Made once, at the first call. It holds too many events for a processor to learn by heart, so the same track may be
- *  played again and again. */
+/** Made once, at the first call. It has too many events for a branch predictor to memorise, so the
+ *  same track may be used repeatedly. */
 const BenchTrack& benchTrack();
 
 /** Calls feed(first frame, frames) for block after block of the track. */
@@ -43,7 +43,8 @@ void forEachBlock(Feed feed) {
         feed(from, std::min(kBlockFrames, kFrames - from));
 }
 
-/** Reports what was done per iteration as seconds of audio per second of CPU, and CPU time per frame. */
+/** Reports the work of an iteration as seconds of audio per second of processor time, and as
+ *  processor time per frame. */
 void reportAudio(benchmark::State& state, double frames, double rate = kRate);
 
 }  // namespace beatatlas::bench

@@ -56,7 +56,7 @@ TrackEncoder::~TrackEncoder() {
 void TrackEncoder::openEncoder(const AVCodec& codec, const Encoding& how) {
     encoder_.reset(avcodec_alloc_context3(&codec));
     encoder_->sample_fmt = codec.sample_fmts[0];
-    // Lossless is meant to be of the samples as they are.
+    // Lossless encoders take the 16-bit samples unchanged.
     for (const AVSampleFormat* f = codec.sample_fmts; *f != AV_SAMPLE_FMT_NONE; ++f)
         if (*f == AV_SAMPLE_FMT_S16 || *f == AV_SAMPLE_FMT_S16P || *f == AV_SAMPLE_FMT_FLTP)
             encoder_->sample_fmt = *f;
@@ -142,7 +142,8 @@ Output openOutput(const std::string& path, const AVStream& like) {
     return owned;
 }
 
-/** Copies all packets, that much later. @return where the next copy begins, in the time base of the input */
+/** Copies all packets, delayed by `later`. @return where the next copy begins, in the time base of
+ *  the input */
 std::int64_t copyPackets(const std::string& path, AVFormatContext& output, std::int64_t later) {
     const AvInput input = openInput(path);
     const AVRational timeBase = input->streams[0]->time_base;

@@ -9,21 +9,24 @@
 
 namespace beatatlas::bench {
 
-/** How a track is encoded: by one of libavcodec's encoders, into a file of the kind its ending names. */
+/** How a track is encoded: the libavcodec encoder, and the file name extension, which selects the
+ *  container. */
 struct Encoding {
     std::string encoder;
     std::string ending;
-    std::int64_t bitRate;  ///< per second; 0 where the encoder knows none
+    std::int64_t bitRate;  ///< per second; 0 for encoders without a bit rate
 };
 
 /** A track in a file of its own, made by FFmpeg's libraries and removed with the object. */
 class EncodedTrack {
 public:
-    /** Nothing when this libavcodec lacks the encoder; std::runtime_error when encoding fails.
+    /** Returns nothing if this libavcodec lacks the encoder.
+     *  @throws std::runtime_error if encoding fails
      *  @param track  44,100 Hz, 16-bit scale */
     static std::optional<EncodedTrack> make(const test::StereoTrack& track, const Encoding& how);
 
-    /** The same track so many times over, without encoding it again. @param ending  as it was made with */
+    /** The same track repeated, without encoding it again. @param ending the one it was made
+     *  with */
     EncodedTrack repeated(int times, const std::string& ending) const;
 
     EncodedTrack(EncodedTrack&& other) noexcept;

@@ -20,11 +20,11 @@ constexpr double kNoteLevel = 0.3 * kFullScale;
 constexpr double kStrikeLevel = 0.3 * kFullScale;
 constexpr double kNoteChance = 0.5;  // of a note on a semiquaver
 constexpr double kStrikeChance = 0.4;
-constexpr double kLoosenessMs = 20.0;  // how far ahead or behind a player is at most
+constexpr double kLoosenessMs = 20.0;  // the most a player is early or late
 constexpr double kLongestSeconds = 1.0;
 constexpr std::array<int, 15> kTwoOctaves = {0, 2, 3, 5, 7, 8, 10, 12, 14, 15, 17, 19, 20, 22, 24};
 
-/** Chance, the same in every run. */
+/** Pseudorandom numbers, the same in every run. */
 class Dice {
 public:
     /** 0 … 1 */
@@ -60,7 +60,7 @@ private:
         return std::max<std::int64_t>(static_cast<std::int64_t>(frame + offset), 0);
     }
 
-    /** Adds sample(frame of the sound) × decay from frame `at` on. */
+    /** Adds sample(frames since the onset) × decay from frame `at` on. */
     template <typename Sample>
     void add(std::int64_t at, double level, double decaySeconds, double pan, Sample sample) {
         const double fall = std::exp(-1.0 / (decaySeconds * plan_.sampleRate));

@@ -5,11 +5,11 @@
 
 namespace beatatlas::bench {
 
-/** What a synthesised track lacks to be as hard on the analysis as music is: a melody of plucked notes and loose
- *  percussion, both free in rhythm over the semiquavers of the beat.
+/** Makes a synthesised track as demanding for the analysis as music: a melody of plucked notes and
+ *  loosely timed percussion, both with random rhythms on the semiquavers of the beat.
  *
- *  A drum machine alone is heard by all bands on every quaver, which gives the beat list ten times the candidates of
- *  music, and the closing analysis ten times the work. */
+ *  A drum machine alone triggers all bands on every quaver, which yields ten times the beat
+ *  candidates of music, and ten times the work in the closing analysis. */
 struct Improvisation {
     int sampleRate = 44100;
     double bpm = 120.0;
@@ -17,7 +17,7 @@ struct Improvisation {
     int tonic = 0;            ///< 0–11 from A upward; the scale is the natural minor
 };
 
-/** Adds the improvisation to a track, what passes full scale is cut. */
+/** Adds the improvisation to a track and clips at full scale. */
 void improviseOver(test::StereoTrack& track, const Improvisation& plan);
 
 }  // namespace beatatlas::bench

@@ -11,7 +11,7 @@ bool passOn = true;
 
 }  // namespace
 
-/** In place of the C library's, which does the same without counting. */
+/** Replaces the C library's function. */
 extern "C" int nanosleep(const timespec* request, timespec* rest) {
     if (request->tv_sec == 0 && request->tv_nsec == 0) {
         ++asked;

@@ -3,11 +3,11 @@
 
 namespace beatatlas::bench {
 
-/** The sleeps of zero length with which a session gives the processor away. The benchmark program has a nanosleep() of
- *  its own, which counts them, passes them on or leaves them out. For one thread. */
+/** The sleeps of zero length with which a session yields the processor. The benchmark program has
+ *  its own nanosleep(), which counts them and passes them on or omits them. For one thread. */
 class Sleeps {
 public:
-    /** Left out while it lives. */
+    /** While it lives, sleeps are omitted. */
     class LeftOut {
     public:
         LeftOut();
@@ -16,7 +16,7 @@ public:
         LeftOut& operator=(const LeftOut&) = delete;
     };
 
-    /** Asked for since the program began, whether passed on or not. */
+    /** Sleeps requested since the program started, whether passed on or not. */
     static long count();
 };
 

@@ -20,7 +20,8 @@ struct AvFree {
 template <typename T>
 using AvPointer = std::unique_ptr<T, AvFree>;
 
-/** @throws std::runtime_error for one of FFmpeg's negative error numbers */
+/** Returns the answer. @throws std::runtime_error if it is one of FFmpeg's negative error
+ *  numbers */
 inline int avChecked(int answer, const char* what) {
     if (answer < 0) throw std::runtime_error(std::string("FFmpeg: cannot ") + what);
     return answer;
@@ -31,7 +32,7 @@ struct AvInputClose {
 };
 using AvInput = std::unique_ptr<AVFormatContext, AvInputClose>;
 
-/** Opens an audio file and looks what is in it. */
+/** Opens an audio file and reads its stream information. */
 inline AvInput openInput(const std::string& path) {
     AVFormatContext* input = nullptr;
     avChecked(avformat_open_input(&input, path.c_str(), nullptr, nullptr), "open a file");

@@ -16,7 +16,7 @@ namespace {
 
 using Names = std::vector<std::string>;
 
-// What a session of constant tempo spends its time on; the loudness wave lives on the beat sensor's bands.
+// The parts of a session of constant tempo; the loudness wave uses the beat sensor's bands.
 const Names kSessionParts = {"preChecker",        "beatSensorAndLoudView", "keyRankMaker",
                              "unitEnvelopeMaker", "unitBeatAdjust",        "zoomViewMaker",
                              "beatListAnalysis",  "unitEnvelopeAnalyze",   "unitBeatAdjustAnalyze"};
@@ -24,7 +24,7 @@ const Names kSessions = {"sessionConstant", "sessionVaried", "sessionSimple", "s
                          "sessionViewsOnly"};
 const Names kApart = {"beatSensor", "loudViewMaker", "simpleEnvelopeMaker", "sectionsInTurn",
                       "sectionsInBank"};
-// The automatic tempo beside its sessions, part by part, and as a whole with them.
+// The automatic tempo without its sessions, part by part, and as a whole with them.
 const Names kTempoParts = {"bandLevels",
                            "chromaStream",
                            "evidenceListener",
@@ -42,7 +42,7 @@ const Names kTempoParts = {"bandLevels",
                            "sessionPair",
                            "sessionPairClose",
                            "autoTempo"};
-// The key by evidence beside the session's, as a whole and part by part.
+// The key by evidence, as a whole and part by part.
 const Names kKeyParts = {"evidenceKey", "keyPeaks", "keyFolding", "keySegments"};
 const Names kUtilities = {"resampler",         "beatCutter/0",       "beatCutter/4",
                           "pitchDetector/1/0", "pitchDetector/10/0", "pitchDetector/10/4",
@@ -53,7 +53,7 @@ struct Figures {
     double timesRealTime = 0.0;
 };
 
-/** Takes the median of each benchmark's repetitions instead of printing it. */
+/** Stores the median of each benchmark's repetitions instead of printing it. */
 class Medians : public benchmark::BenchmarkReporter {
 public:
     bool ReportContext(const Context& /*context*/) override { return true; }

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The whole session against one decoding of the same five minutes, in turns: what one of them meets, a busy machine or
-// a warm one, the others meet as well, and the ratios are taken within a round.
+// Compares the whole session with one decoding of the same five minutes. They run in turn, so that
+// a busy or warm machine affects all of them alike, and the ratios are taken within a round.
 #include <array>
 #include <cstdio>
 #include <cstdlib>
@@ -63,7 +63,7 @@ void decodeInTurn(Runner& runner) {
     const double before = threadSeconds();
     const std::int64_t frames = decodeTrack(runner.file.path());
     runner.ns.push_back(nsPerFrame(threadSeconds() - before));
-    // Encoders add silence; a decoder that gives less has not decoded the track.
+    // Encoders add silence; a decoder that returns fewer frames has not decoded the track.
     if (frames < kFrames)
         std::printf("%s: %ld frames are missing\n", runner.name, kFrames - frames);
 }

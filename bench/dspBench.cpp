@@ -28,8 +28,8 @@ void iirPassFilter(benchmark::State& state) {
 }
 BENCHMARK(iirPassFilter)->Unit(benchmark::kMillisecond);
 
-/** The cascades of a session's sensor: a low and a high band, a band and the view's low band of two sections each, and
- *  a band of four. */
+/** The cascades of a session's beat sensor: a low band, a high band, a band and the view's low band
+ *  of two sections each, and a band of four sections. */
 using Cascades = std::array<IirPassFilter, FilterBank::kCascades>;
 
 void design(Cascades& cascades) {
@@ -41,7 +41,7 @@ void design(Cascades& cascades) {
     cascades[4].createMidPathFilterB(400.0F, 3000.0F, kRate, kQ);
 }
 
-/** Twelve sections in their plain form, each waiting for its own last output. */
+/** Twelve sections in their plain form, each waiting for its own previous output. */
 void sectionsInTurn(benchmark::State& state) {
     const BenchTrack& track = benchTrack();
     std::vector<float> out(kBlockFrames);
@@ -101,7 +101,8 @@ void fft(benchmark::State& state) {
 }
 BENCHMARK(fft)->Arg(1024)->Arg(4096)->Unit(benchmark::kMicrosecond);
 
-/** Two octaves from A4, ten seconds at a tenth of the rate, as the pitch detector does for one candidate. */
+/** Two octaves from A4, ten seconds at a tenth of the rate, as the pitch detector does for one
+ *  candidate. */
 void constantQBank(benchmark::State& state) {
     constexpr int kLength = 44100;
     constexpr int kHop = 2048;

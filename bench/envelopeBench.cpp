@@ -42,7 +42,7 @@ void simpleEnvelopeAnalyze(benchmark::State& state) {
 }
 BENCHMARK(simpleEnvelopeAnalyze)->Unit(benchmark::kMillisecond);
 
-/** The pulses of the first analysis stay for the next one, so each needs a maker of its own. */
+/** An analysis marks pulses, which would affect the next one, so each analysis gets a new maker. */
 void unitEnvelopeAnalyze(benchmark::State& state) {
     for (auto _ : state) {
         state.PauseTiming();

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// A small fixed piece of work for every component, each inside a function of its own that a profiler can tell apart by
-// name; instructions.sh counts what they execute. The times that they take mean nothing.
+// A small fixed workload for every component, each in a function of its own that a profiler can
+// identify by name; instructions.sh counts the instructions. The run times mean nothing.
 #include <array>
 #include <cstdint>
 #include <cstdio>
@@ -85,7 +85,7 @@ void feedInterleaved(Maker& maker) {
 
 }  // namespace
 
-// Their names are what the record calls them.
+// The record uses these names.
 extern "C" {
 
 __attribute__((noinline)) void measured_wholeSession() {

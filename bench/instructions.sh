@@ -1,13 +1,12 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
 # instructions.sh PROGRAM RECORD [--record]
-# Counts the instructions per frame of a fixed piece of work under callgrind and prints them beside
-# the record; fails when the whole session takes over 3 % more. A count depends on the compiler:
-# with another one than the record's it prints and does not judge. --record writes the record anew.
-#
-# The counts are of the AVX2 form (callgrind knows no AVX-512) and the same to about a thousandth in
-# every run, whatever else the machine does. They say nothing of waiting: a shorter count is not
-# always a shorter time.
+# Counts the instructions per frame of a fixed workload under callgrind and prints them next to the
+# record; fails if the whole session takes over 3 % more. A count depends on the compiler: with
+# another one than the record's it only prints. --record updates the record.
+# The counts are for the AVX2 form (callgrind does not know AVX-512) and repeat to about a
+# thousandth, however busy the machine is. They do not show waiting: a lower count is not always a
+# shorter time.
 set -euo pipefail
 program=$1 record=$2 mode=${3:-}
 work=$(mktemp -d)

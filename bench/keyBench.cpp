@@ -42,7 +42,7 @@ void keyRankMaker(benchmark::State& state) {
 }
 BENCHMARK(keyRankMaker)->Unit(benchmark::kMillisecond);
 
-/** Over 40 s thinned out to a tenth of the rate. */
+/** Over 40 s, resampled to a tenth of the rate. */
 void keyCodeScale(benchmark::State& state) {
     constexpr long kLength = 40 * kRate / 10;
     std::vector<float> in = benchTrack().mono;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
-// How time and memory grow with the length of a track. Each length is measured in a process of its own, so that its peak
-// of memory is its own; five minutes of music are fed over and over, so that the track itself takes none.
+// How time and memory grow with the length of a track. Each length is measured in a process of its
+// own, so that each has its own memory peak. Five minutes of music are fed repeatedly, so the audio
+// does not add to the memory.
 #include <array>
 #include <cstdio>
 #include <cstdlib>
@@ -25,7 +26,7 @@ struct Length {
 constexpr std::array<Length, 5> kLengths = {
     {{"1 min", 60}, {"10 min", 600}, {"1 h", 3600}, {"3 h", 10800}, {"10 h", 36000}}};
 
-/** The most memory of this process so far, in bytes, as the system counts it. */
+/** The peak memory of this process so far, in bytes, as counted by the system. */
 double peakBytes() {
     std::ifstream status("/proc/self/status");
     for (std::string line; std::getline(status, line);)
@@ -33,13 +34,13 @@ double peakBytes() {
     throw std::runtime_error("This system does not tell the peak of memory");
 }
 
-/** From here on the peak counts anew, from what is in use. */
+/** Resets the peak to the memory in use. */
 void forgetPeak() {
     malloc_trim(0);
     std::ofstream("/proc/self/clear_refs") << "5";
 }
 
-/** What a process tells of its session. */
+/** What a process reports about its session. */
 struct Figures {
     double preCheck = 0.0;
     double feeding = 0.0;

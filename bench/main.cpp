@@ -1,10 +1,9 @@
 // SPDX-License-Identifier: MIT
-// beatatlas_bench [race] [tool] [components] [utilities] [length] [--long] prints the tables named, all of them without a
-// word. With any flag of Google Benchmark it runs the benchmarks themselves.
-//
-// Each benchmark is repeated, the repetitions of all of them in random order, and the median reported: a machine that
-// is busy or warm for a while then spoils a repetition here and there and not one benchmark as a whole. Any of the
-// flags may be given again on the command line.
+// beatatlas_bench [race] [tool] [components] [utilities] [length] [--long] prints the named tables,
+// or all if none is named. With any flag of Google Benchmark it runs the benchmarks themselves.
+// Each benchmark is repeated, with the repetitions of all benchmarks in random order, and the
+// median is reported. A machine that is busy or warm for a while then spoils single repetitions,
+// not a whole benchmark. All flags may be overridden on the command line.
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
@@ -26,7 +25,7 @@ bool has(const Words& words, const std::string& word) {
     return std::find(words.begin(), words.end(), word) != words.end();
 }
 
-/** Hands Google Benchmark its flags. @return false when it does not know one */
+/** Passes flags to Google Benchmark. @return false if it does not know one */
 bool initialize(const char* program, const Words& flags) {
     Words words = {program, "--benchmark_repetitions=5", "--benchmark_min_time=0.2",
                    "--benchmark_enable_random_interleaving=true",
@@ -49,7 +48,7 @@ int runBenchmarks(const char* program, const Words& flags) {
 
 int printTables(const char* program, const Words& words) {
     using namespace beatatlas::bench;
-    // Three times everything, once per vector form: fewer repetitions of each.
+    // Everything runs three times, once per vector form: fewer repetitions of each.
     if (!initialize(program, {"--benchmark_repetitions=3", "--benchmark_min_time=0.1"})) return 2;
     const bool longTracks = has(words, "--long");
     const bool all = words.size() == (longTracks ? 1U : 0U);

@@ -9,7 +9,7 @@ namespace beatatlas::bench {
 /** Processor time of the calling thread so far, in seconds. */
 double threadSeconds();
 
-/** What repeated measurements lie between. */
+/** The distribution of repeated measurements. */
 struct Spread {
     double median = 0.0;
     double least = 0.0;

@@ -28,7 +28,7 @@ void beatSensor(benchmark::State& state) {
 }
 BENCHMARK(beatSensor)->Unit(benchmark::kMillisecond);
 
-/** As in a session: the loudness wave lives on the sensor's bands. */
+/** As in a session: the loudness wave uses the sensor's bands. */
 void beatSensorAndLoudView(benchmark::State& state) {
     benchTrack();
     for (auto _ : state) {

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// report_accuracy OUT: analyses synthesised tracks of known tempo and beats in every kind of session and writes a table of
-// what was found beside the truth.
+// report_accuracy OUT: analyses synthesised tracks of known tempo and beats in every kind of
+// session and writes a table of the results next to the truth.
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -84,7 +84,8 @@ std::vector<Case> oddCases() {
     return cases;
 }
 
-// How far the nearest found beat lies from each true one, in ms, and how many bars begin where they should.
+// The distance from each true beat to the nearest found one, in ms, and how many bars begin at the
+// right beat.
 struct Agreement {
     double medianMs = 0.0;
     int hits = 0;

@@ -23,13 +23,13 @@ using SetSample = void (*)(void*, float*, float*, int);
 
 /** Calls for frames from … to - 1; from is a whole number of calls. */
 void feed(SetSample setSample, void* session, test::StereoTrack& track, int from, int to) {
-    // Whole calls, so that none runs over the end of the track.
+    // A whole number of calls, so that none runs past the end of the track.
     const int loop = static_cast<int>(track.left.size()) / kFeedFrames * kFeedFrames;
     while (from < to) {
         const int count = std::min(kFeedFrames, to - from);
         const int at = from % loop;
         setSample(session, track.left.data() + at, track.right.data() + at, count);
-        // Not from += kFeedFrames: a track may end next to the largest int.
+        // Not from += kFeedFrames, which could overflow: a track may end near the largest int.
         from += count;
     }
 }

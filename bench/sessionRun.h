@@ -5,7 +5,7 @@
 
 namespace beatatlas::bench {
 
-/** Sends standard output nowhere while it lives: a session prints its progress among the results otherwise. */
+/** Discards standard output while it lives, since a session prints its progress there. */
 class QuietOutput {
 public:
     QuietOutput();
@@ -23,20 +23,21 @@ struct SessionTimes {
     double preCheck = 0.0;
     double feeding = 0.0;  ///< all calls but the last
 
-    /** The last call, which runs the closing analysis, and asking for the tempo. */
+    /** The last call, which runs the closing analysis, and the call that reads the tempo. */
     double closing = 0.0;
 
     double whole() const { return creating + preCheck + feeding + closing; }
 };
 
-/** Through the public interface: a session for so many frames, or null. */
+/** Creates a session for a number of frames through the public interface; null if that fails. */
 using CreateSession = void* (*)(int frames);
 
 /** The whole session: constant tempo with phrases of 32 beats, key, loudness and dots, zoom. */
 void* createWholeSession(int frames);
 
-/** Drives a session as a host does, from its creation to the tempo, in calls of 4096 frames; `track` (4096 frames and
- *  more) is played over and over until the session has its frames. Leaves the caller's rounding mode as it was. */
+/** Drives a session as a host does, from its creation to reading the tempo, in calls of 4096
+ *  frames. `track` (at least 4096 frames) is repeated until the session has all its frames. Leaves
+ *  the caller's rounding mode as it was. */
 SessionTimes runSession(CreateSession create, test::StereoTrack& track, int frames,
                         bool withPreCheck = true);
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The automatic tempo: what is heard beside the sessions, and each stage of the decision.
+// The automatic tempo: the evidence, and each stage of the decision.
 #include <memory>
 #include <vector>
 
@@ -20,7 +20,7 @@ namespace {
 
 using namespace beatatlas::track::inner;
 
-// As a pass over a source cuts a track.
+// The block length of a pass over a source.
 constexpr int kPassFrames = 16384;
 constexpr double kHz = static_cast<double>(kBpm) / 60.0;
 
@@ -32,7 +32,7 @@ void hearTrack(Listening& listener) {
                             std::min(kPassFrames, kFrames - from)});
 }
 
-/** What the stages get from each other. */
+/** What the stages pass to each other. */
 struct Stages {
     Stages() : sessions(kRate, kFrames, false) {
         const NearestScope mode;

@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: MIT
 // beatatlas_tempo_features [--features] FILE.wav...
-//
-// The automatic tempo of 16-bit stereo files of 44.1 or 48 kHz, one line of JSON each. With
-// --features, instead, what its choices are made from, for programs that fit their weights: a line
-// with all readings of the beats, and one with those of the bars.
+// Prints the automatic tempo of 16-bit stereo files of 44.1 or 48 kHz, one line of JSON each. With
+// --features it prints the features behind the decision instead, for programs that fit their
+// weights: one line with all readings of the beats, and one with all readings of the bars.
 #include <algorithm>
 #include <cstdint>
 #include <cstdio>
@@ -81,7 +80,7 @@ Wave readWave(const char* path) {
     return wave;
 }
 
-/** What is heard of a track, and the answer. */
+/** The evidence of a track, and the answer. */
 struct Analysis {
     Evidence evidence;
     SessionDownbeats downbeats;

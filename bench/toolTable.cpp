@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
-// The program itself, as a process, against a process that decodes the same file once and does nothing with it. In turns:
-// what one of them meets the others meet as well, and the ratios are taken within a round.
+// Compares the program itself, as a process, with a process that only decodes the same file once.
+// They run in turn, so that the machine affects all of them alike, and the ratios are taken within
+// a round.
 #include <array>
 #include <cstdio>
 #include <cstdlib>
@@ -45,7 +46,8 @@ std::vector<std::string> analyzing(const std::string& tool, const std::string& t
             file};
 }
 
-/** What the rounds of one file gave, as multiples of one decoding but for the first and the last. */
+/** The results of the rounds for one file; all but the first and the last are multiples of one
+ *  decoding. */
 struct Rounds {
     std::vector<double> decodingSeconds;
     struct Tempo {
@@ -129,7 +131,8 @@ void printPeaks(const char* program, bool tenHours) {
     }
 }
 
-/** Longer than the default limit of memory lets it keep. An older program, given by BEATATLAS_OLD_TOOL, may run beside. */
+/** Measures a track longer than the default memory limit can keep. BEATATLAS_OLD_TOOL may name an
+ *  older program for comparison. */
 void printBeyondMemory(const char* program) {
     const char* old = std::getenv("BEATATLAS_OLD_TOOL");
     const auto song = EncodedTrack::make(benchTrack().stereo, kMp3);

@@ -16,7 +16,7 @@ namespace {
 
 using namespace beatatlas::track::inner;
 
-// As a pass over a source cuts a track.
+// The block length of a pass over a source.
 constexpr int kPassFrames = 16384;
 
 void putTrack(PeakStream& stream) {
@@ -26,7 +26,7 @@ void putTrack(PeakStream& stream) {
     stream.finish();
 }
 
-/** What the stages get from each other. */
+/** What the stages pass to each other. */
 struct Stages {
     Stages() {
         const NearestScope mode;

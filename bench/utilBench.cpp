@@ -32,7 +32,7 @@ void beatCutter(benchmark::State& state) {
 }
 BENCHMARK(beatCutter)->Arg(0)->Arg(4)->Unit(benchmark::kMillisecond);
 
-/** Arguments: what the track is thinned out by, and the mode. */
+/** Arguments: the factor by which the track is decimated, and the mode. */
 void pitchDetector(benchmark::State& state) {
     const auto step = static_cast<int>(state.range(0));
     const long length = kFrames / 4 / step;

@@ -1,13 +1,13 @@
 # SPDX-License-Identifier: MIT
 # The compiler flags, in one place.
-#
 # beatatlas_numerics is part of the algorithms: every operation rounds once, in the mode that is set
 # when it runs. Contracting a multiply and an add into one instruction, or folding an inexact
-# constant to nearest, gives other results. No target adds any other floating-point flag.
+# constant with rounding to nearest, changes the results. No target adds any other floating-point
+# flag.
 add_library(beatatlas_numerics INTERFACE)
 target_compile_options(beatatlas_numerics INTERFACE -ffp-contract=off -frounding-math)
 
-# For the libraries themselves: no source of theirs is compiled where arithmetic is loosened all the
+# For the libraries themselves: their sources refuse to compile if arithmetic is loosened all the
 # same.
 add_library(beatatlas_exact_arithmetic INTERFACE)
 target_compile_options(beatatlas_exact_arithmetic INTERFACE
@@ -19,8 +19,8 @@ if(BEATATLAS_WERROR)
     target_compile_options(beatatlas_warnings INTERFACE -Werror)
 endif()
 
-# An implicit narrowing is rounded toward zero at run time and to nearest by the compiler: never
-# leave one.
+# An implicit narrowing rounds toward zero at run time but to nearest in the compiler, so none is
+# allowed.
 add_library(beatatlas_strict_conversions INTERFACE)
 target_compile_options(beatatlas_strict_conversions INTERFACE
     -Wconversion -Wdouble-promotion -Wfloat-conversion -Wsign-conversion)

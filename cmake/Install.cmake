@@ -1,7 +1,6 @@
 # SPDX-License-Identifier: MIT
-# What `cmake --install` lays down: headers, the libraries, a CMake package and their pkg-config
-# files, and the program. Nothing in it holds the path it was installed to, so an installed tree can
-# be moved.
+# What `cmake --install` installs: headers, libraries, a CMake package, pkg-config files, and the
+# program. No installed file contains the installation path, so an installed tree can be moved.
 include(CMakePackageConfigHelpers)
 get_property(libraries GLOBAL PROPERTY BEATATLAS_OFFERED)
 
@@ -23,9 +22,9 @@ install(FILES ${PROJECT_BINARY_DIR}/BeatAtlasConfig.cmake
     ${PROJECT_BINARY_DIR}/BeatAtlasConfigVersion.cmake
     DESTINATION ${package} COMPONENT BeatAtlas_Development)
 
-# beatatlas_way_between(<variable> <from> <to> <anchor> <base>): the folder <to> as seen from
-# <from>, which <anchor> stands for; a folder below the prefix is given relative to it. Where one is
-# absolute, so is the answer, below <base>.
+# beatatlas_way_between(<variable> <from> <to> <anchor> <base>): the path from folder <from>,
+# written as <anchor>, to folder <to>; folders below the prefix are given relative to it. If one of
+# them is absolute, the result is an absolute path below <base>.
 function(beatatlas_way_between variable from to anchor base)
     if(IS_ABSOLUTE "${from}" OR IS_ABSOLUTE "${to}")
         cmake_path(ABSOLUTE_PATH to BASE_DIRECTORY ${base} OUTPUT_VARIABLE way)
@@ -37,8 +36,8 @@ function(beatatlas_way_between variable from to anchor base)
     set(${variable} "${way}" PARENT_SCOPE)
 endfunction()
 
-# beatatlas_install_pc(<library> <description> <flags>…): the flags are what the static library
-# needs besides itself.
+# beatatlas_install_pc(<library> <description> <flags>…): <flags> are the flags that the static
+# library needs besides itself.
 function(beatatlas_install_pc library pc_description)
     set(folder ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
     beatatlas_way_between(pc_prefix ${folder} "" "\${pcfiledir}" ${CMAKE_INSTALL_PREFIX})
@@ -48,7 +47,7 @@ function(beatatlas_install_pc library pc_description)
         OUTPUT_VARIABLE pc_includedir)
     list(JOIN ARGN " " pc_libs_private)
     set(pc_libs "-L\${libdir} -l${library}")
-    # Nobody asks for the needs of a static library where there is no other.
+    # If only the static library exists, hosts do not ask for --static, so its needs are public.
     if(NOT BEATATLAS_OFFERS_SHARED)
         string(APPEND pc_libs " ${pc_libs_private}")
     endif()
@@ -63,7 +62,7 @@ beatatlas_install_pc(beatatlas_track
     "Everything about a whole music track: tempo, beat grid, key and waveform overviews"
     -lbeatatlas -pthread ${BEATATLAS_CXX_RUNTIME})
 
-# Everything that gets installed, for who builds no more than that.
+# Builds everything that is installed, and nothing else.
 add_custom_target(beatatlas_install_files)
 add_dependencies(beatatlas_install_files ${libraries})
 

@@ -1,7 +1,7 @@
 # SPDX-License-Identifier: MIT
-# Both kinds of a library from the same objects, and which of them a host is offered.
+# Builds both kinds of a library from the same objects, and decides which of them hosts may use.
 
-# Unset, BUILD_SHARED_LIBS asks for both kinds; set, for one.
+# If BUILD_SHARED_LIBS is unset, both kinds are built; if it is set, one.
 set(BEATATLAS_OFFERS_SHARED ON)
 set(BEATATLAS_OFFERS_STATIC ON)
 if(DEFINED BUILD_SHARED_LIBS)
@@ -12,15 +12,16 @@ if(DEFINED BUILD_SHARED_LIBS)
     endif()
 endif()
 
-# What a C++ compiler links beyond what a C compiler does. Who links the static library from another
-# language names it.
+# The libraries that a C++ compiler links in addition to those of a C compiler. They must be named
+# when the static library is linked from another language.
 set(BEATATLAS_CXX_RUNTIME ${CMAKE_CXX_IMPLICIT_LINK_LIBRARIES})
 list(REMOVE_ITEM BEATATLAS_CXX_RUNTIME ${CMAKE_C_IMPLICIT_LINK_LIBRARIES})
 list(REMOVE_DUPLICATES BEATATLAS_CXX_RUNTIME)
 list(TRANSFORM BEATATLAS_CXX_RUNTIME REPLACE "^([^/-].*)$" "-l\\1")
 
-# beatatlas_offer(<target> <name> <offered>): hosts may call the target BeatAtlas::<name>, built by
-# default and installed. One that is not offered is built only for the tests that ask for it.
+# beatatlas_offer(<target> <name> <offered>): if <offered>, hosts may link the target as
+# BeatAtlas::<name>, and it is built by default and installed. Otherwise it is built only for the
+# tests that need it.
 function(beatatlas_offer target name offered)
     target_include_directories(${target} INTERFACE
         $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include>
@@ -36,9 +37,9 @@ endfunction()
 
 # beatatlas_add_library(<target> NAME <name> EXPORTS <version script> OBJECTS <object library> [USES
 # <target>]): the shared library <target>, which exports what the script lists, and <target>_static.
-# Hosts call them BeatAtlas::<name> and BeatAtlas::<name>_static; where only the static one is
-# offered it has both names. USES names the library whose objects the shared one holds as well,
-# hidden, and whose static form the static one needs.
+# Hosts link them as BeatAtlas::<name> and BeatAtlas::<name>_static; if only the static one is
+# offered, it has both names. USES names a library whose objects the shared one contains too, as
+# hidden symbols, and whose static form the static one needs.
 function(beatatlas_add_library target)
     cmake_parse_arguments(arg "" "NAME;EXPORTS;OBJECTS;USES" "" ${ARGN})
     set(objects $<TARGET_OBJECTS:${arg_OBJECTS}>)

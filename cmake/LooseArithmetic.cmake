@@ -1,13 +1,12 @@
 # SPDX-License-Identifier: MIT
-# Flags that a parent project sets for everything reach the library as well. Those that loosen
-# arithmetic would change its results without a word. They are refused and not overridden: at the
-# linker's hand they make the whole program flush denormal numbers to zero.
-#
-# Read here are the flags of compiler and linker in CMake's variables, common ones and those of the
-# configurations that are built, and the directory's compile and link options.
-# src/dsp/exactArithmetic.h sees while compiling what stands elsewhere, as far as the compiler has a
-# macro for it. Contraction and the rounding mode are not refused, since cmake/Flags.cmake has the
-# last word on them.
+# Flags that a parent project sets globally apply to the library too. Those that loosen arithmetic
+# would silently change its results. They are refused rather than overridden, because at link time
+# they make the whole program flush denormal numbers to zero.
+# This file reads the compiler and linker flags in CMake's variables, the common ones and those of
+# the configurations that are built, and the directory's compile and link options.
+# src/dsp/exactArithmetic.h detects flags from other places during compilation, if the compiler has
+# a macro for them. Flags for contraction and the rounding mode are not refused, since
+# cmake/Flags.cmake overrides them.
 function(beatatlas_refuse_loose_arithmetic)
     get_directory_property(compile_options COMPILE_OPTIONS)
     get_directory_property(link_options LINK_OPTIONS)
@@ -24,7 +23,7 @@ function(beatatlas_refuse_loose_arithmetic)
         "fp-model=(fast|aggressive)"
         "denormal-fp-math(-f32)?=[a-z,-]*(preserve-sign|positive-zero)")
     list(JOIN loose "|" loose)
-    # The flags stand in one string, in a list, or inside a generator expression.
+    # The flags may be in one string, in a list, or inside a generator expression.
     if("${flags}" MATCHES "(^|[ ;:,\"])(-Ofast|-f(${loose})|-mfpmath=387|-mdaz-ftz)($|[ ;,>\"])")
         message(FATAL_ERROR
             "Beat Atlas defines its results to the bit, and ${CMAKE_MATCH_2} would change them. Give "

@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-# The version is written down once, where hosts read it.
+# The version is defined once, in the header that hosts read.
 set(header ${CMAKE_CURRENT_LIST_DIR}/../include/beatatlas/version.h)
 set(BEATATLAS_VERSION "")
 foreach(part MAJOR MINOR PATCH)

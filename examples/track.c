@@ -23,6 +23,8 @@ int main(int argc, char** argv) {
     FILE* file = fopen(argv[1], "rb");
     if (file == NULL || fseek(file, 0, SEEK_END) != 0) return perror(argv[1]), 1;
     int64_t frames = ftell(file) / 4;
+    if (frames < 1 || frames > INT32_MAX)
+        return fprintf(stderr, "%s: empty, a folder or too long\n", argv[1]), 1;
     BA_TrackSource source = {sizeof source, argv[1], openPass, readPass, closePass, 0, 0};
     BA_Track* track;
     int status = BA_TrackAnalyze(NULL, 44100, frames, &source, &track);

@@ -7,12 +7,13 @@
 
 namespace beatatlas::fuzz {
 
-/** Exactly `count` samples of a kind the input chooses: silence, pulses, noise, a square tone, a constant, values no
- *  decoder should yield, or the input's own bit patterns over and over. The vector has no spare room, so that the
- *  address sanitizer sees every step past its end. */
+/** Exactly `count` samples of a kind that the input chooses: silence, pulses, noise, a square wave,
+ *  a constant, values that no decoder should yield, or the input's own bit patterns, repeated. The
+ *  vector has no spare capacity, so that the address sanitizer sees every step past its end. */
 std::vector<float> fuzzSamples(FuzzInput& input, int count);
 
-/** A number an interface may be handed: usual ones, the ends of the type, zero, or any. */
+/** A number that may be passed to an interface: a usual one, an end of the type's range, zero, or
+ *  any. */
 int fuzzInt(FuzzInput& input);
 float fuzzFloat(FuzzInput& input);
 

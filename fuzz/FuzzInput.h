@@ -8,7 +8,8 @@
 
 namespace beatatlas::fuzz {
 
-/** Reads a fuzzer's bytes as values. Behind the last byte everything is 0, so that every input is a valid one. */
+/** Reads a fuzzer's bytes as values. After the last byte it returns 0, so that every input is
+ *  valid. */
 class FuzzInput {
 public:
     FuzzInput(const std::uint8_t* bytes, std::size_t count) : bytes_(bytes), left_(count) {}

@@ -25,7 +25,7 @@ int fuzzLength(FuzzInput& input) {
     return 1 + static_cast<int>(input.bits32() % 120000U);
 }
 
-/** No NaN, and nothing so far beyond full scale that the levels made of it leave the range of 32 bits. */
+/** No NaN, and no sample so far beyond full scale that its level leaves the range of 32 bits. */
 bool isAudio(const std::vector<float>& samples) {
     constexpr float kMost = 1e8F;
     return std::ranges::all_of(samples, [](float sample) { return std::abs(sample) <= kMost; });
@@ -115,7 +115,7 @@ void FuzzSession::readWaves() {
     dotsSeen_ = readWave(exports_.getDotsWave, kDotsPoints, dotsSeen_);
 }
 
-// Points that are copied are told from those that are not by a level that none can have.
+// Points are prefilled with a level that none can have, which shows which points were copied.
 int FuzzSession::readWave(WaveGetter getter, int most, int seen) {
     std::vector<BA_WaveInfo> out(static_cast<std::size_t>(most), {-1.0F, -1});
     const int have = fuzzInt(input_);

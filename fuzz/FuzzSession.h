@@ -8,7 +8,8 @@ namespace beatatlas::fuzz {
 
 using test::ExportSet;
 
-/** One session under fire: any call in any order, and after each what the interface promises about its answers. */
+/** Tests one session: any calls in any order, and after each a check of what the interface
+ *  promises. */
 class FuzzSession {
 public:
     FuzzSession(const ExportSet& exports, FuzzInput& input);
@@ -16,7 +17,7 @@ public:
     FuzzSession(const FuzzSession&) = delete;
     FuzzSession& operator=(const FuzzSession&) = delete;
 
-    /** Makes one call; feeding takes its frames off the budget. */
+    /** Makes one call; feeding subtracts its frames from the budget. */
     void step(int& frameBudget);
 
 private:
@@ -43,10 +44,10 @@ private:
     bool wasAnalyzed_ = false;
 };
 
-/** The four utilities through a session's handle, on buffers of the stated lengths. */
+/** Calls the four utilities through a session's handle, on buffers of the stated lengths. */
 void callUtility(const ExportSet& exports, void* handle, FuzzInput& input);
 
-/** Every function with a null handle: neutral answers only. */
+/** Calls every function with a null handle; only neutral answers are allowed. */
 void callWithNull(const ExportSet& exports);
 
 }  // namespace beatatlas::fuzz

@@ -5,7 +5,8 @@
 
 namespace beatatlas::fuzz {
 
-/** Gives the fuzzer its rounding mode back after each input: it computes with floats itself. */
+/** Restores the fuzzer's rounding mode after each input, since the fuzzer computes with floats
+ *  itself. */
 class FuzzersRoundingMode {
 public:
     FuzzersRoundingMode() = default;

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
-// The tool's command line: its own words, numbers and file names in any order, and any other bytes. Commands that parse
-// are run, in a folder of their own with a short track in it; no argument can name anything outside, because no argument
-// holds a slash.
+// The tool's command line: its own words, numbers and file names in any order, and any other bytes.
+// Commands that parse are run in a folder of their own with a short track in it. No argument can
+// name anything outside, because no argument contains a slash or two dots in
+// a row.
 #include <algorithm>
 #include <cstdlib>
 #include <filesystem>
@@ -31,7 +32,7 @@ constexpr int kMostArguments = 10;
 constexpr int kMostRawBytes = 24;
 constexpr double kTrackSeconds = 0.05;
 
-/** What commands are likely to understand: their names, their options, and values for these. */
+/** Words that commands are likely to accept: their names, their options, and values for these. */
 std::vector<std::string> likelyWords() {
     std::vector<std::string> words = {
         "track.wav", "noise.bin", "folder", "absent.wav", "out.png",  "out.svg",  "constant",
@@ -60,13 +61,14 @@ std::string argumentOf(FuzzInput& input, const std::vector<std::string>& words) 
         const char character = static_cast<char>(input.byte());
         // An argument ends at its first zero byte.
         if (character == '\0') break;
-        raw += character == '/' ? '_' : character;
+        const bool leadsOutside = character == '/' || (character == '.' && raw.ends_with('.'));
+        raw += leadsOutside ? '_' : character;
     }
     return raw;
 }
 
-/** The folder that everything happens in; empty but for the track, the noise and a folder. The fuzzer's own folder is
- *  the current one again between inputs, or it would not find its corpus. */
+/** The folder in which the commands run; it holds only the track, the noise and a folder. Between
+ *  inputs the fuzzer's own folder is the current one again, or it would not find its corpus. */
 class Scratch {
 public:
     Scratch() : folder_(std::make_unique<test::TemporaryFolder>()) {
@@ -87,6 +89,8 @@ public:
             if (std::find(kept_.begin(), kept_.end(), name) == kept_.end())
                 std::filesystem::remove_all(folder_->file(name));
         }
+        for (const auto& picture : std::filesystem::directory_iterator(folder_->file("folder")))
+            std::filesystem::remove_all(picture);
     }
 
 private:

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
-// The beat list analysis on any raw list, and the three refiners behind it on what it gives or on any grid. A raw list
-// is a made one (a tempo with jitter, gaps and doublings, in order of time) or records of any bits in any order.
+// The beat list analysis on any raw list, and the three refining stages after it, on its result or
+// on any grid. A raw list is either plausible (a tempo with jitter, gaps and doublings, in order of
+// time) or records of any bit pattern in any order.
 #include <algorithm>
 #include <bit>
 #include <cmath>
@@ -49,7 +50,8 @@ peakss::BeatList wildList(FuzzInput& input) {
     return list;
 }
 
-// Stretches of a tempo each, as the beat sensor writes them: ascending, with positive intervals and small groups.
+// Sections of one tempo each, as the beat sensor writes them: ascending, with positive intervals
+// and small groups.
 peakss::BeatList madeList(FuzzInput& input, int rate) {
     peakss::BeatList list;
     double pos = input.bits16();
@@ -149,7 +151,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t cou
     const int length = lengthOf(input);
     peakss::BeatList grid;
     const std::uint8_t plan = input.byte();
-    // What drives the refiners stands before the list, which takes all the rest of the input.
+    // The bytes for the refining stages come before the list, which takes all the rest of the
+    // input.
     FuzzInput refinement(bytes, std::min<std::size_t>(count, 64));
     float bpm = 0.0F;
     if (plan % 4 == 0) {

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The tool's decoder on damaged files of every format. Only our code is instrumented: FFmpeg is the system's.
+// The tool's decoder on damaged files of every format. Only this project's code is instrumented:
+// FFmpeg is the system's.
 #include <algorithm>
 #include <bit>
 #include <cmath>
@@ -20,10 +21,10 @@ namespace {
 
 using namespace beatatlas::fuzz;
 
-/** A damaged header may promise days of sound; what is beyond this is not waited for. */
+/** A damaged header may announce days of sound; decoding stops after this many frames. */
 constexpr std::size_t kMostFrames = 2000000;
 
-/** A file in memory, named so that it can be opened like any other. */
+/** A file in memory with a path, so that it can be opened like any other. */
 class MemoryFile {
 public:
     MemoryFile(const std::uint8_t* bytes, std::size_t count)
@@ -41,7 +42,7 @@ private:
     int descriptor_;
 };
 
-/** Checks what the analysis relies on, and sums the samples up for the comparison of two passes. */
+/** Checks what the analysis relies on, and computes a sum of the samples to compare two passes. */
 class CheckingSink : public media::TrackSink {
 public:
     void put(const media::StereoBlock& block) override {
@@ -59,7 +60,7 @@ public:
     std::uint32_t sum = 0;
 };
 
-/** Everything the tool does with a file before it is analysed. */
+/** Does everything that the tool does with a file before the analysis. */
 CheckingSink decode(const std::string& path) {
     CheckingSink sink;
     try {
@@ -73,7 +74,7 @@ CheckingSink decode(const std::string& path) {
     } catch (const base::TrackError& error) {
         require(std::string(error.what()) != "", "a reason");
     } catch (const std::bad_alloc&) {
-        // A damaged length may ask for more memory than there is; the tool says so.
+        // A damaged length may need more memory than there is; the tool reports that.
     }
     return sink;
 }

@@ -3,7 +3,7 @@
 #include <cstdio>
 
 extern "C" int LLVMFuzzerInitialize(int*, char***) {
-    // The library's progress lines lead nowhere; standard error stays the fuzzer's.
+    // Discards the library's progress lines; standard error stays with the fuzzer.
     if (std::freopen("/dev/null", "w", stdout) == nullptr) std::perror("/dev/null");
     return 0;
 }

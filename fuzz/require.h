@@ -6,7 +6,8 @@
 
 namespace beatatlas::fuzz {
 
-/** Ends the process with a message when a promise of the interface is broken: for a fuzzer, that is a find. */
+/** Ends the process with a message if a promise of the interface is broken, which the fuzzer
+ *  reports as a find. */
 inline void require(bool kept, const char* promise) {
     if (kept) return;
     std::fprintf(stderr, "broken promise: %s\n", promise);

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Any calls of both interfaces in any order, on up to three sessions at a time. An input buys at most 120,000 frames,
-// eight sessions and a hundred calls, so that none takes long.
+// Any calls of both interfaces in any order, on up to three sessions at a time. An input is limited
+// to 120,000 frames, eight sessions and a hundred calls, so that none takes long.
 #include <array>
 #include <memory>
 
@@ -39,7 +39,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t cou
         } else if (kind >= 60) {
             session.reset();
         } else if (kind >= 57 && utilities++ < kMostUtilityCalls) {
-            static int anyAddress = 0;  // the utilities only ask that the handle is not null
+            static int anyAddress = 0;  // the utilities only require a handle that is not null
             callUtility(exportsOf(input), &anyAddress, input);
         } else if (session != nullptr) {
             session->step(frames);

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-// The decision of the automatic tempo on evidence and proposals that no track may ever give: onsets
-// and chords of any course, grids of sessions in any order, any wish. Up to a minute and a half of
-// music, which the target for whole tracks has no time for.
+// The decision of the automatic tempo on any evidence and proposals, even ones that no track
+// yields: any onsets and chords, session grids in any order, any tempo options. Up to a minute and
+// a half of music, for which the target for whole tracks has no time.
 #include <algorithm>
 #include <cmath>
 #include <vector>
@@ -21,7 +21,7 @@ using namespace beatatlas::track::inner;
 constexpr int kRate = 44100;
 constexpr int kMostFrames = 13500;
 
-/** From 0 to `most`, as envelopes are. */
+/** Values from 0 to `most`, as in an envelope. */
 std::vector<float> fuzzCurve(FuzzInput& input, std::size_t frames, float most) {
     std::vector<float> curve = fuzzSamples(input, static_cast<int>(frames));
     for (float& value : curve)
@@ -38,7 +38,7 @@ std::vector<OnsetEnvelopes::Groups> fuzzGroups(FuzzInput& input, std::size_t fra
     return rows;
 }
 
-/** Onsets now and then, some of them late. */
+/** Adds occasional onsets, some of them late. */
 void addPulses(FuzzInput& input, std::vector<float>& curve) {
     double at = input.between(0, 255);
     const double interval = 20.0 + input.bits16() % 2048 / 8.0;
@@ -74,7 +74,7 @@ Evidence fuzzEvidence(FuzzInput& input) {
     return evidence;
 }
 
-/** As sessions give them: in order of time, tempi from 40 to 250 BPM; or none. */
+/** A grid as sessions return it: in order of time, tempi from 40 to 250 BPM; or none. */
 SessionGrid fuzzGrid(FuzzInput& input) {
     SessionGrid grid;
     if (input.between(0, 5) == 0) return grid;

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Whole tracks: any options, any audio, sources that stop or have another length, any rounding
-// mode. What could be analysed is analysed again on another number of threads and in other steps,
-// and has to come out the same. An input buys 60,000 frames.
+// mode. Each track that could be analysed is analysed again with another number of threads and
+// other read sizes, and must give the same result. An input is limited to 60,000 frames.
 #include <algorithm>
 #include <cfenv>
 #include <cmath>
@@ -34,7 +34,7 @@ Audio fuzzTrack(FuzzInput& input) {
     return audio;
 }
 
-/** Mostly options that are taken; now and then any bytes where one stands. */
+/** Mostly valid options; now and then arbitrary bytes in place of one. */
 BA_TrackOptions fuzzOptions(FuzzInput& input) {
     BA_TrackOptions options = beatatlas::test::defaultsOf();
     options.tempo = input.between(0, 4);
@@ -48,11 +48,11 @@ BA_TrackOptions fuzzOptions(FuzzInput& input) {
     if (options.lowest_bpm > 0.0) options.highest_bpm = 2.0 * options.lowest_bpm;
     if (input.flag()) options.beats_per_bar = input.between(3, 4);
     if (input.between(0, 15) != 0) return options;
-    // All but the callback, which would be called.
+    // Any field except the callback, which would be called.
     const int at = input.between(0, static_cast<int>(offsetof(BA_TrackOptions, progress)) - 1);
     unsigned char byte = input.byte();
     std::memcpy(reinterpret_cast<unsigned char*>(&options) + at, &byte, 1);
-    // A larger one would promise bytes that are not there.
+    // A larger size would claim bytes that do not exist.
     options.size = std::min(options.size, sizeof options);
     return options;
 }

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The stand-alone utilities and the free signal routines, with any arguments their headers allow, on arrays of exactly
-// the stated lengths.
+// The stand-alone utilities and the free signal routines, with any arguments that their headers
+// allow, on arrays of exactly the stated lengths.
 #include <algorithm>
 #include <climits>
 #include <cmath>
@@ -18,13 +18,13 @@ namespace {
 using namespace beatatlas::fuzz;
 
 constexpr int kMostSamples = 12000;
-constexpr int kMostSamplesOfAnyHop = 2500;  // a hop of one sample makes a frame of each
+constexpr int kMostSamplesOfAnyHop = 2500;  // a hop of one sample gives one frame per sample
 constexpr int kMostSorted = 2000;
 constexpr int kMostBubbled = 200;
 constexpr int kMostTransformed = 8192;
 constexpr int kMostOperations = 6;
 
-// A hop divisor of the usual kind or any, and the most samples that it goes with.
+// A usual or arbitrary hop divisor, and the most samples to use with it.
 struct HopDivisor {
     int value;
     int mostSamples;

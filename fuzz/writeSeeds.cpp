@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
-// writeSeeds FOLDER: what each fuzz target starts from, in FOLDER/<target>. Noise for those that read bytes as calls,
-// a short file of every format for the decoder. The same on every run, and whatever stood there before is gone.
+// writeSeeds FOLDER: writes the seeds of each fuzz target to FOLDER/<target>. Noise for targets
+// that read bytes as calls, a short file of every format for the decoder. The same on every run;
+// earlier contents are removed.
 #include <cstdint>
 #include <cstdio>
 #include <exception>

@@ -47,6 +47,12 @@ int refuseToOpen(AVFormatContext*, AVIOContext**, const char*, int, AVDictionary
     return AVERROR(EPERM);
 }
 
+/** Empty when there is none of that name, in capitals or not. */
+std::string tagOf(const AVDictionary* tags, const char* name) {
+    const AVDictionaryEntry* tag = av_dict_get(tags, name, nullptr, 0);
+    return tag == nullptr ? std::string() : tag->value;
+}
+
 }  // namespace
 
 Container::Container(FileInput& input) : input_(input) {
@@ -148,8 +154,20 @@ bool Container::isFormat(const char* name) const {
 }
 
 std::string Container::writer() const {
-    const AVDictionaryEntry* tag = av_dict_get(context_->metadata, "encoder", nullptr, 0);
-    return tag == nullptr ? std::string() : tag->value;
+    const std::string program = tagOf(context_->metadata, "encoder");
+    return program.empty() ? tagOf(context_->metadata, "software") : program;
+}
+
+std::string Container::encoder() const {
+    return tagOf(stream_->metadata, "encoder");
+}
+
+base::TrackTags Container::tags() const {
+    const auto tag = [&](const char* name) {
+        const std::string own = tagOf(stream_->metadata, name);
+        return own.empty() ? tagOf(context_->metadata, name) : own;
+    };
+    return {tag("artist"), tag("title")};
 }
 
 std::optional<double> Container::declaredSeconds() const {

@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 
+#include "base/TrackSource.h"
 #include "media/FileInput.h"
 #include "media/ffmpeg.h"
 #include "media/ogg/OggPackets.h"
@@ -38,6 +39,13 @@ public:
 
     /** The program that wrote the file, as its tags name it; empty when they do not. */
     std::string writer() const;
+
+    /** The encoder of the music stream, as its tags name it; empty when they do not. */
+    std::string encoder() const;
+
+    /** How the track is called, by the music stream's own tags (Ogg has them there), else the
+     *  file's. As they were found: not always UTF-8. */
+    base::TrackTags tags() const;
 
     /** Length of the music stream in seconds by its own account, encoder padding included or not as
      *  the format has it; nothing when the format has no such account and it could only be guessed

@@ -1,19 +1,74 @@
 // SPDX-License-Identifier: MIT
 #include "media/EncoderDelay.h"
 
+#include <algorithm>
+#include <array>
 #include <string_view>
 
+#include <libavutil/intreadwrite.h>
+
 #include "media/Container.h"
+#include "media/end/cafPriming.h"
 
 namespace media {
 
 namespace {
 
-// LAME's own 576 frames, and 529 of every MP3 decoder.
-constexpr std::int64_t kUsualMp3Delay = 576 + 529;
+/** From the first frame that is decoded to the first frame of music, encoder and decoder together.
+ *  The first row that fits counts. */
+struct UsualDelay {
+    AVCodecID codec;
+    int frames;
+    int rate = 0;                  ///< of the codec; 0: any
+    std::string_view writer = {};  ///< begins the name of the program, or ends that of the encoder
+};
 
-// One block: the least that overlapping blocks need.
-constexpr std::int64_t kUsualAacDelay = 1024;
+// Where the figures come from:
+//   MP2, MP1   The filter bank of ISO 11172-3, 240.5 frames to either side.
+//   MP3        LAME begins with 576 frames of silence, and every decoder adds 529 (LAME's technical
+//              FAQ). An encoder with the filter bank as ISO prints it, as Shine, has 528 for 576.
+//   AAC        One block of 1024, the least that its overlapping blocks need, is what FFmpeg's
+//              encoder has; Apple's have 2112, which QuickTime takes for granted where nothing is
+//              told (Technical Note TN2258).
+//   AC-3       Half of its transform of 512 (ATSC A/52).
+//   DTS        The 512 taps of its filter bank (ETSI TS 102 114).
+//   G.722      The 24 taps of its two quadrature mirror filters (ITU-T G.722).
+//   G.723.1    A look-ahead of 7.5 ms at 8 kHz (ITU-T G.723.1).
+//   Nellymoser Half of its transform of 256.
+//   RealAudio 14.4   A block of 20 ms at 8 kHz, by which FFmpeg's encoder looks ahead.
+//   Opus       The look-ahead of libopus, 6.5 ms at 48 kHz (its OPUS_GET_LOOKAHEAD).
+//   Speex      The look-ahead of encoder and decoder (libspeex' SPEEX_GET_LOOKAHEAD): 40 + 40 in
+//              narrow band, 143 + 80 in wide, 349 + 160 in ultra-wide band.
+// All but Apple's and those of MPEG layer 1 were found with FFmpeg's encoders as well, by
+// tests/media/positions.
+constexpr std::array kUsualDelays = {
+    UsualDelay{AV_CODEC_ID_MP1, 481},
+    UsualDelay{AV_CODEC_ID_MP2, 481},
+    UsualDelay{AV_CODEC_ID_MP3, 528 + 529, 0, "libshine"},
+    UsualDelay{AV_CODEC_ID_MP3, 576 + 529},
+    UsualDelay{AV_CODEC_ID_AAC, 2112, 0, "iTunes"},
+    UsualDelay{AV_CODEC_ID_AAC, 2112, 0, "com.apple"},
+    UsualDelay{AV_CODEC_ID_AAC, 2112, 0, "QuickTime"},
+    UsualDelay{AV_CODEC_ID_AAC, 2112, 0, "qaac"},
+    UsualDelay{AV_CODEC_ID_AAC, 1024},
+    UsualDelay{AV_CODEC_ID_AAC_LATM, 1024},
+    UsualDelay{AV_CODEC_ID_AC3, 256},
+    UsualDelay{AV_CODEC_ID_EAC3, 256},
+    UsualDelay{AV_CODEC_ID_DTS, 512},
+    UsualDelay{AV_CODEC_ID_ADPCM_G722, 22},
+    UsualDelay{AV_CODEC_ID_G723_1, 60},
+    UsualDelay{AV_CODEC_ID_NELLYMOSER, 128},
+    UsualDelay{AV_CODEC_ID_RA_144, 160},
+    UsualDelay{AV_CODEC_ID_OPUS, 312},
+    UsualDelay{AV_CODEC_ID_SPEEX, 40 + 40, 8000},
+    UsualDelay{AV_CODEC_ID_SPEEX, 143 + 80, 16000},
+    UsualDelay{AV_CODEC_ID_SPEEX, 349 + 160, 32000},
+};
+
+// What FFmpeg drops by the header of an MP3 that has 0 for its encoder's delay, and by one that has
+// -529 in its twelve bits.
+constexpr std::int64_t kMp3DecoderDelay = 529;
+constexpr std::int64_t kMp3NegativeDelay = 4096;
 
 bool isWmaByFfmpeg(const Container& container) {
     const AVCodecID codec = container.stream().codecpar->codec_id;
@@ -21,9 +76,33 @@ bool isWmaByFfmpeg(const Container& container) {
     return container.writer().starts_with("Lavf");
 }
 
+/** A lossless stream around a core with losses: what it needs to begin with, its maker chooses. */
+bool isLosslessDts(const AVCodecParameters& codec) {
+    return codec.codec_id == AV_CODEC_ID_DTS && codec.profile == FF_PROFILE_DTS_HD_MA;
+}
+
+/** Transport streams and MP4 call every layer of MPEG audio MP3; the packets know better. */
+bool isLayer2(const AVPacket& packet) {
+    return packet.size >= 2 && packet.data[0] == 0xFF && (packet.data[1] & 0xE6) == 0xE4;
+}
+
+/** The frame with LAME's or Xing's header, which some programs copy along with the music. It stands
+ *  where the side information of an ordinary frame would end. */
+bool isMp3Header(const AVPacket& packet) {
+    const std::string_view bytes(reinterpret_cast<const char*>(packet.data),
+                                 static_cast<std::size_t>(packet.size));
+    for (const std::size_t at : {4U + 9U, 4U + 17U, 4U + 32U}) {
+        if (bytes.size() < at + 4) return false;
+        const std::string_view mark = bytes.substr(at, 4);
+        if (mark == "Xing" || mark == "Info") return true;
+    }
+    return false;
+}
+
 }  // namespace
 
-EncoderDelay::EncoderDelay(const Container& container) : container_(container) {}
+EncoderDelay::EncoderDelay(const Container& container, const FileInput& input)
+    : container_(container), input_(input), codec_(container.stream().codecpar->codec_id) {}
 
 void EncoderDelay::prepare(AVCodecContext& context) const {
     // Windows' encoders begin with two blocks of silence, FFmpeg's with one; the decoder always
@@ -31,16 +110,58 @@ void EncoderDelay::prepare(AVCodecContext& context) const {
     if (isWmaByFfmpeg(container_)) context.flags2 |= AV_CODEC_FLAG2_SKIP_MANUAL;
 }
 
-void EncoderDelay::look(const AVPacket& first) {
-    isTold_ = av_packet_get_side_data(&first, AV_PKT_DATA_SKIP_SAMPLES, nullptr) != nullptr;
+void EncoderDelay::look(AVPacket& first) {
+    if (codec_ == AV_CODEC_ID_MP3 && isLayer2(first)) codec_ = AV_CODEC_ID_MP2;
+    beginsWithHeader_ = codec_ == AV_CODEC_ID_MP3 && isMp3Header(first);
+    std::size_t size = 0;
+    std::uint8_t* told = av_packet_get_side_data(&first, AV_PKT_DATA_SKIP_SAMPLES, &size);
+    if (told == nullptr || size < 4) return;
+    told_ = AV_RL32(told);
+    if (!isTagOfCopy()) return;
+    told_ = usualFrames(0);
+    AV_WL32(told, static_cast<std::uint32_t>(told_));
 }
 
-std::int64_t EncoderDelay::framesToDrop(int blockFrames) const {
+/** FFmpeg's own header of an MP3 that it copied, or whose encoder told it nothing, has no delay but
+ *  the decoder's, or less than none, which becomes as much as the header holds. */
+bool EncoderDelay::isTagOfCopy() const {
+    const bool isOfMp3 = codec_ == AV_CODEC_ID_MP3 && container_.isFormat("mp3");
+    return isOfMp3 && (told_ == kMp3DecoderDelay || told_ == kMp3NegativeDelay) &&
+           container_.writer().starts_with("Lav");
+}
+
+std::int64_t EncoderDelay::framesToDrop(int blockFrames, int rate) const {
     if (isWmaByFfmpeg(container_)) return blockFrames;
-    if (isTold_) return 0;
-    if (container_.isFormat("mp3")) return kUsualMp3Delay;
-    if (container_.isFormat("aac")) return kUsualAacDelay;
-    return 0;
+    const AVCodecParameters& codec = *container_.stream().codecpar;
+    if (codec_ == AV_CODEC_ID_OPUS && codec.initial_padding > 0) {
+        // FFmpeg's decoder drops the pre-skip. In MP4 of a rate other than 48 kHz an edit list
+        // makes it drop as many frames of that rate, which are fewer.
+        return told_ == 0 ? 0 : std::max<std::int64_t>(0, codec.initial_padding - told_);
+    }
+    // Speex' encoder has its own look-ahead told, and no file that of the decoder.
+    if (told_ > 0 && codec_ == AV_CODEC_ID_SPEEX)
+        return std::max<std::int64_t>(0, usualFrames(rate) - told_);
+    if (told_ > 0) return 0;
+    // A second of it is no delay but damage.
+    const bool hasCodecDelay = codec.initial_padding > 0 && codec.initial_padding < rate;
+    if (container_.isFormat("matroska") && hasCodecDelay) return codec.initial_padding;
+    const std::int64_t priming = container_.isFormat("caf") ? cafPriming(input_) : 0;
+    if (priming > 0) return priming;
+    if (isLosslessDts(codec)) return 0;
+    return usualFrames(rate) + (beginsWithHeader_ ? blockFrames : 0);
+}
+
+std::int64_t EncoderDelay::usualFrames(int rate) const {
+    const std::string program = container_.writer();
+    const std::string encoder = container_.encoder();
+    const auto fits = [&](const UsualDelay& row) {
+        if (row.codec != codec_) return false;
+        if (row.rate != 0 && row.rate != rate) return false;
+        return row.writer.empty() || program.starts_with(row.writer) ||
+               encoder.ends_with(row.writer);
+    };
+    const auto* row = std::find_if(kUsualDelays.begin(), kUsualDelays.end(), fits);
+    return row == kUsualDelays.end() ? 0 : row->frames;
 }
 
 }  // namespace media

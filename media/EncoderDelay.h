@@ -3,37 +3,47 @@
 
 #include <cstdint>
 
-struct AVCodecContext;
-struct AVPacket;
+#include "media/ffmpeg.h"
 
 namespace media {
 
 class Container;
+class FileInput;
 
 /** What an encoder puts before the first frame of music, where FFmpeg does not drop it by itself.
  *
  *  Most files tell their encoder's delay (LAME's header, MP4's edit list, Opus' pre-skip), and
- *  FFmpeg follows. MP3 files without LAME's header and bare AAC streams have no place to tell it:
- *  then the delay of the commonest encoders is taken. A wrong guess is a matter of some 20 ms; no
- *  guess at all is wrong by as much on every such file. */
+ *  FFmpeg follows. Where the container tells it and FFmpeg does not look (Matroska's CodecDelay,
+ *  CAF's packet table), its word is taken. Where it has no place to tell it (bare AAC, transport streams, FLV, MP4 in
+ *  fragments …), a table has the delay of the codec's usual encoders: most of it is what the
+ *  codec's own filters need, whoever wrote the encoder. */
 class EncoderDelay {
 public:
-    explicit EncoderDelay(const Container& container);
+    EncoderDelay(const Container& container, const FileInput& input);
 
     /** For WMA written by FFmpeg itself the decoder drops one block too many: it is told to keep
      *  its hands off. Call before the codec is opened. */
     void prepare(AVCodecContext& context) const;
 
-    /** Looks whether the stream tells its delay. @param first  the stream's first packet */
-    void look(const AVPacket& first);
+    /** Looks what the stream holds, and how much it tells FFmpeg to drop; where that is known to be
+     *  wrong, it is put right.
+     *  @param first  the stream's first packet */
+    void look(AVPacket& first);
 
     /** @param blockFrames  length of the first decoded block
+     *  @param rate         of that block
      *  @return frames to be dropped from the decoded start */
-    std::int64_t framesToDrop(int blockFrames) const;
+    std::int64_t framesToDrop(int blockFrames, int rate) const;
 
 private:
+    bool isTagOfCopy() const;
+    std::int64_t usualFrames(int rate) const;
+
     const Container& container_;
-    bool isTold_ = false;
+    const FileInput& input_;
+    AVCodecID codec_;
+    bool beginsWithHeader_ = false;  ///< an MP3's own, which is decoded as a block of silence
+    std::int64_t told_ = 0;          ///< frames that FFmpeg drops by the file's word
 };
 
 }  // namespace media

@@ -67,8 +67,8 @@ void awaitEnd(FilePasses& passes, WholeProgress& progress) {
 }
 
 std::string wrongLengthNote(std::int64_t declared, std::int64_t found) {
-    return "declares " + std::to_string(declared) + " frames and has " + std::to_string(found) +
-           ": analysed over again with its true length";
+    return "declares " + std::to_string(declared) + (declared == 1 ? " frame" : " frames") +
+           " and has " + std::to_string(found) + ": analysed over again with its true length";
 }
 
 }  // namespace

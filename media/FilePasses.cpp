@@ -53,8 +53,13 @@ FilePasses::FilePasses(std::string path, Options options)
 Decoding::Hooks FilePasses::hooks() {
     const auto examine = [this](const TrackDecoder& decoder, std::int64_t frames) {
         file_ = usableTrack(path_, decoder, frames, options_.acceptsCutOff);
+        file_.overload = meter_.overload();
     };
-    return {options_.alongside, examine};
+    const auto listen = [this](const StereoBlock& block) {
+        meter_.put(block);
+        if (options_.alongside) options_.alongside(block);
+    };
+    return {listen, examine};
 }
 
 /** What memory is left for the track itself, when the rest grows with it: such a track is the

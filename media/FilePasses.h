@@ -11,6 +11,7 @@
 #include "beatatlas/track.hpp"
 #include "media/Decoding.h"
 #include "media/Effort.h"
+#include "media/OverloadMeter.h"
 #include "media/TrackFile.h"
 
 namespace media {
@@ -76,6 +77,7 @@ private:
     std::string path_;
     Options options_;
     TrackFile file_;
+    OverloadMeter meter_;  ///< of the first decoding
     Decoding first_;
     std::mutex mutex_;                        ///< of the next
     std::shared_ptr<PcmReader> firstReader_;  ///< keeps the beginning for the first pass

@@ -18,6 +18,10 @@ namespace media {
 
 namespace {
 
+// A name of its own: with a suffix, the longest names that a file may have would be too long.
+constexpr const char* kDraftName = "/.beatatlas-XXXXXX";
+constexpr int kMostLinks = 40;  ///< as many as the system follows
+
 std::optional<struct stat> statusOf(const std::string& path) {
     struct stat status = {};
     if (stat(path.c_str(), &status) != 0) return std::nullopt;
@@ -29,14 +33,28 @@ std::string folderOf(const std::string& path) {
     return folder.empty() ? "." : folder;
 }
 
-std::string followLinks(const std::string& path) {
-    std::error_code failure;
-    const std::filesystem::path target = std::filesystem::weakly_canonical(path, failure);
-    return failure ? path : target.string();
-}
-
 [[noreturn]] void refuse(const std::string& path, const std::string& reason) {
     throw base::OutputError(base::displayName(path) + " cannot be written: " + reason);
+}
+
+/** Where a shell's '>' would write: behind all links, also behind one that leads to nothing yet. */
+std::string followLinks(const std::string& path) {
+    std::filesystem::path place = path;
+    for (int links = 0; links < kMostLinks; ++links) {
+        std::error_code noLink;
+        const std::filesystem::path target = std::filesystem::read_symlink(place, noLink);
+        if (noLink) return place.string();
+        place = place.parent_path() / target;
+    }
+    refuse(path, base::systemReason(ELOOP));
+}
+
+bool mayWrite(const std::string& path) {
+    return faccessat(AT_FDCWD, path.c_str(), W_OK, AT_EACCESS) == 0;
+}
+
+bool mayChangeFolder(const std::string& path) {
+    return faccessat(AT_FDCWD, path.c_str(), W_OK | X_OK, AT_EACCESS) == 0;
 }
 
 mode_t permissionsOfNewFiles() {
@@ -48,7 +66,8 @@ mode_t permissionsOfNewFiles() {
 }  // namespace
 
 OutputFile::OutputFile(const std::string& path)
-    : shownPath_(path), finalPath_(followLinks(path)), draftPath_(finalPath_ + ".XXXXXX") {
+    : shownPath_(path), finalPath_(followLinks(path)),
+      draftPath_(folderOf(finalPath_) + kDraftName) {
     requireWritable(path);
     descriptor_ = mkostemp(draftPath_.data(), O_CLOEXEC);
     if (descriptor_ == -1) fail(errno);
@@ -69,18 +88,21 @@ void OutputFile::seek(std::int64_t offset) {
     if (lseek(descriptor_, offset, SEEK_SET) == -1) fail(errno);
 }
 
-void OutputFile::commit() {
-    setPermissions();
-    // On some file systems a full disk is told only here.
-    if (fsync(descriptor_) != 0) fail(errno);
+std::string OutputFile::commit() {
+    std::string warning = setPermissions();
+    // On some file systems a full disk is told only here; others know nothing of it.
+    if (fsync(descriptor_) != 0 && errno != EINVAL && errno != ENOTSUP) fail(errno);
     if (rename(draftPath_.c_str(), finalPath_.c_str()) != 0) fail(errno);
     close(std::exchange(descriptor_, -1));
+    return warning;
 }
 
-void OutputFile::setPermissions() const {
+/** Some file systems have no permissions: that must not cost the result. */
+std::string OutputFile::setPermissions() const {
     const auto replaced = statusOf(finalPath_);
     const mode_t permissions = replaced ? (replaced->st_mode & 0777) : permissionsOfNewFiles();
-    if (fchmod(descriptor_, permissions) != 0) fail(errno);
+    if (fchmod(descriptor_, permissions) == 0) return {};
+    return "its permissions could not be set: " + base::systemReason(errno);
 }
 
 void OutputFile::fail(int errorNumber) const {
@@ -90,9 +112,13 @@ void OutputFile::fail(int errorNumber) const {
 void OutputFile::requireWritable(const std::string& path) {
     const std::string target = followLinks(path);
     const auto existing = statusOf(target);
+    if (!existing && errno != ENOENT) refuse(path, base::systemReason(errno));
     if (existing && S_ISDIR(existing->st_mode)) refuse(path, "it is a folder");
     if (existing && !S_ISREG(existing->st_mode)) refuse(path, "it is not a regular file");
-    if (access(folderOf(target).c_str(), W_OK | X_OK) != 0) refuse(path, base::systemReason(errno));
+    if (existing && !mayWrite(target)) refuse(path, base::systemReason(errno));
+    if (mayChangeFolder(folderOf(target))) return;
+    const std::string reason = base::systemReason(errno);
+    refuse(path, existing ? "it is replaced as a whole, and its folder: " + reason : reason);
 }
 
 bool OutputFile::isSameFile(const std::string& one, const std::string& other) {

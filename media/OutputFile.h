@@ -23,11 +23,13 @@ public:
     /** Where the next bytes go, counted from the file's beginning. */
     void seek(std::int64_t offset);
 
-    void commit();
+    /** @return what could not be done although the file is in its place, as a reason for people;
+     *          empty when all is well */
+    std::string commit();
 
     /** Looks, before hours of work, whether the place can be written: its folder is there and lets
-     *  one write, and nothing but a regular file would be replaced. @throws OutputError with the
-     *  reason if not */
+     *  one write, and nothing but a regular file that one may write would be replaced.
+     *  @throws OutputError with the reason if not */
     static void requireWritable(const std::string& path);
 
     /** Whether both names lead to one existing file, by links or otherwise. */
@@ -35,10 +37,10 @@ public:
 
 private:
     void fail(int errorNumber) const;
-    void setPermissions() const;
+    std::string setPermissions() const;
 
     std::string shownPath_;
-    std::string finalPath_;  ///< links followed: a link keeps pointing to the replaced file
+    std::string finalPath_;  ///< links followed: a link keeps pointing there
     std::string draftPath_;
     int descriptor_ = -1;
 };

@@ -35,6 +35,10 @@ int sessionRateFor(int trackRate) {
     return kStudioRate;
 }
 
+void requireConvertible(int rate) {
+    if (rate < kLowestRate || rate > kHighestRate) refuseRate(rate);
+}
+
 std::int64_t convertedFrames(std::int64_t frames, int fromRate, int toRate) {
     const double ratio = static_cast<double>(fromRate) / static_cast<double>(toRate);
     return static_cast<std::int64_t>(static_cast<double>(frames) / ratio + 0.5);
@@ -42,7 +46,7 @@ std::int64_t convertedFrames(std::int64_t frames, int fromRate, int toRate) {
 
 RateConverter::RateConverter(int fromRate, int toRate)
     : ratio_(static_cast<double>(toRate) / static_cast<double>(fromRate)) {
-    if (fromRate < kLowestRate || fromRate > kHighestRate) refuseRate(fromRate);
+    requireConvertible(fromRate);
     soxr_error_t failure = nullptr;
     const soxr_io_spec_t planes = soxr_io_spec(SOXR_FLOAT32_S, SOXR_FLOAT32_S);
     const soxr_quality_spec_t quality = soxr_quality_spec(SOXR_HQ, 0);

@@ -14,6 +14,9 @@ namespace media {
  *  half, double and quadruple; 48,000 for all others. */
 int sessionRateFor(int trackRate);
 
+/** @throws TrackError when no track of that rate can be converted */
+void requireConvertible(int rate);
+
 /** How many frames a RateConverter makes of so many in all. */
 std::int64_t convertedFrames(std::int64_t frames, int fromRate, int toRate);
 

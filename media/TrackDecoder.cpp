@@ -36,11 +36,12 @@ constexpr AVRational perSecond(int rate) {
 }  // namespace
 
 TrackDecoder::TrackDecoder(const std::string& path)
-    : input_(path), container_(input_), delay_(container_), decoder_(container_.stream(), delay_),
-      packets_(container_, input_), timeline_(packets_.tick()), packet_(makePacket()),
-      frame_(makeFrame()) {
+    : input_(path), container_(input_), delay_(container_, input_),
+      decoder_(container_.stream(), delay_), packets_(container_, input_),
+      timeline_(packets_.tick()), packet_(makePacket()), frame_(makeFrame()) {
     format_.container = container_.format();
     format_.codec = decoder_.codec();
+    format_.tags = container_.tags();
 }
 
 void TrackDecoder::run(TrackSink& sink) {
@@ -166,7 +167,7 @@ void TrackDecoder::deliver(AVFrame& frame, FrameChain& chain) {
 void TrackDecoder::begin(const AVFrame& frame, FrameChain& chain) {
     format_.channels = frame.ch_layout.nb_channels;
     format_.trackRate = frame.sample_rate;
-    const std::int64_t dropped = delay_.framesToDrop(frame.nb_samples);
+    const std::int64_t dropped = delay_.framesToDrop(frame.nb_samples, frame.sample_rate);
     chain.dropFrames(dropped);
     if (const auto frames = media::declaredFrames(container_, input_, frame.sample_rate))
         declaredFrames_ = *frames - dropped;

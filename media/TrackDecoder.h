@@ -55,6 +55,9 @@ public:
     /** Length by the file's own account, seconds. */
     std::optional<double> declaredSeconds() const { return container_.declaredSeconds(); }
 
+    /** Hz, by the file's own account; 0 when it has none. */
+    int declaredRate() const { return container_.stream().codecpar->sample_rate; }
+
     /** Whether the file, of a format that marks its end, has no such mark. */
     bool lacksEnd() const { return container_.lacksEnd(); }
 

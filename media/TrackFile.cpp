@@ -19,7 +19,7 @@ TrackFile usableTrack(const std::string& path, const TrackDecoder& decoder, std:
             "is cut off: it ends before the track does (--partial takes what is there)");
     }
     return {{path, decoder.format(), isCutOff, tally.damagedPackets, tally.repeatedPackets,
-             tally.gaps, decoder.lacksEnd()},
+             tally.gaps, decoder.lacksEnd(), {}},
             decoder.fileState()};
 }
 

@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "base/errors.h"
+#include "media/RateConverter.h"
 #include "media/TrackDecoder.h"
 
 namespace media {
@@ -21,6 +22,8 @@ void refuseAbove(double frames) {
 }
 
 void refuseTooLong(const TrackDecoder& decoder) {
+    // At a few hertz a handful of samples would be days: then the rate is what is wrong.
+    if (decoder.declaredRate() > 0) requireConvertible(decoder.declaredRate());
     refuseAbove(expectedFrames(decoder));
 }
 

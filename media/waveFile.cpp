@@ -109,7 +109,7 @@ public:
         : path_(path), recording_(recording), samples_(samples),
           file_(path), output_{file_, nullptr}, io_(makeIo(output_)) {}
 
-    void write(const std::function<void(double)>& shown) {
+    std::string write(const std::function<void(double)>& shown) {
         open();
         const std::size_t frames = recording_.frames();
         for (std::size_t at = 0; at < frames; at += kPacketFrames) {
@@ -120,7 +120,7 @@ public:
         require(av_write_trailer(muxer_.get()));
         avio_flush(io_.get());
         require(io_->error);
-        file_.commit();
+        return file_.commit();
     }
 
 private:
@@ -204,9 +204,9 @@ void WaveMuxer::writePacket(std::size_t at, std::size_t count) {
 
 }  // namespace
 
-void writeWave(const std::string& path, const Recording& recording, WaveSamples samples,
-               const std::function<void(double)>& shown) {
-    WaveMuxer(path, recording, samples).write(shown);
+std::string writeWave(const std::string& path, const Recording& recording, WaveSamples samples,
+                      const std::function<void(double)>& shown) {
+    return WaveMuxer(path, recording, samples).write(shown);
 }
 
 }  // namespace media

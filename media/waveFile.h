@@ -15,8 +15,9 @@ enum class WaveSamples {
 
 /** Writes a recording as a WAV file that appears whole or not at all; above 4 GB in the form RF64.
  *  @param shown  is told how much is written, 0 to 1
+ *  @return as OutputFile::commit()
  *  @throws OutputError, Interrupted */
-void writeWave(const std::string& path, const Recording& recording, WaveSamples samples,
-               const std::function<void(double)>& shown);
+std::string writeWave(const std::string& path, const Recording& recording, WaveSamples samples,
+                      const std::function<void(double)>& shown);
 
 }  // namespace media

@@ -2,6 +2,7 @@
 #include "output/fileWarnings.h"
 
 #include <algorithm>
+#include <cmath>
 
 #include <fmt/format.h>
 
@@ -26,6 +27,13 @@ std::string gapsWarning(const std::vector<base::Gap>& gaps) {
                        counted(static_cast<std::int64_t>(gaps.size()), "gap"), seconds, places);
 }
 
+std::string overloadWarning(const base::Overload& overload) {
+    const std::string samples = "is too loud: clipped " + counted(overload.clipped, "sample");
+    if (std::isinf(overload.peak)) return samples + ", up to infinity";
+    return samples +
+           fmt::format(", up to {:.1f} dB over full scale", 20.0 * std::log10(overload.peak));
+}
+
 }  // namespace
 
 std::vector<std::string> fileWarnings(const base::TrackSource& file) {
@@ -41,6 +49,10 @@ std::vector<std::string> fileWarnings(const base::TrackSource& file) {
     if (file.lacksEnd) warnings.emplace_back("has no mark of its end: it may have been cut off");
     if (file.format.changes)
         warnings.emplace_back("changes its sample rate or its channels on the way");
+    if (file.overload.isTooLoud()) warnings.push_back(overloadWarning(file.overload));
+    if (file.overload.notNumbers > 0)
+        warnings.push_back("holds no number in " + counted(file.overload.notNumbers, "sample") +
+                           "; silence was put there");
     return warnings;
 }
 

@@ -8,7 +8,7 @@ extern "C" {
 const char* __lsan_default_suppressions();
 const char* __lsan_default_options();
 
-/** Fontconfig, which cairo asks for fonts, keeps its tables until the process ends. */
+/** Fontconfig, which cairo and Pango ask for fonts, keeps its tables until the process ends. */
 const char* __lsan_default_suppressions() {
     return "leak:libfontconfig";
 }

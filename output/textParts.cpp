@@ -33,7 +33,7 @@ std::string formatText(const base::TrackSource& file) {
 }
 
 std::string lengthText(double seconds, std::int64_t frames) {
-    return fmt::format("{}  ({} frames)", clockTime(seconds), grouped(frames));
+    return fmt::format("{}  ({})", clockTime(seconds), counted(frames, "frame"));
 }
 
 }  // namespace

@@ -86,9 +86,9 @@ std::string keyChangesText(const TrackReport& report) {
 }
 
 std::string wavesText(const beatatlas::track::TrackResult& analysis) {
-    return fmt::format(
-        "{} loudness, {} dots, {} zoom points", grouped(std::ssize(analysis.loudWave)),
-        grouped(std::ssize(analysis.dotsWave)), grouped(std::ssize(analysis.zoomWave)));
+    return fmt::format("{} loudness, {}, {}", grouped(std::ssize(analysis.loudWave)),
+                       counted(std::ssize(analysis.dotsWave), "dot"),
+                       counted(std::ssize(analysis.zoomWave), "zoom point"));
 }
 
 }  // namespace
@@ -98,10 +98,13 @@ std::string tempoText(const TrackReport& report) {
     return bpm ? bpmText(*bpm) + " BPM" : "no tempo found";
 }
 
+std::string tempoRemarks(const TrackReport& report) {
+    return tempoRange(report.analysis) + judgementText(report.analysis);
+}
+
 std::string keyText(const TrackReport& report) {
     if (!report.analysis.key) return kNoKeyText;
-    const int best = report.analysis.key->best();
-    return shortKeyName(best, report.keyNotation) + keyDoubts(report);
+    return shortKeyName(report.analysis.key->best(), report.keyNotation);
 }
 
 std::string textSummary(const TrackReport& report) {
@@ -109,8 +112,7 @@ std::string textSummary(const TrackReport& report) {
     const beatatlas::track::Options& options = report.options;
     std::string text = trackFileText(report, analysis.frames);
     if (options.tempo != beatatlas::track::TempoMode::off) {
-        text +=
-            textLine("tempo", tempoText(report) + tempoRange(analysis) + judgementText(analysis));
+        text += textLine("tempo", tempoText(report) + tempoRemarks(report));
         text += textLine("beats", beatsText(analysis));
     }
     if (options.wantsKey) text += textLine("key", keyDetails(report)) + keyChangesText(report);

@@ -10,8 +10,14 @@ namespace output {
 /** What was found in a track, in a few lines for a person. Ends with a line feed. */
 std::string textSummary(const TrackReport& report);
 
-/** The headings a picture or a line has room for: "128.00 BPM", "no tempo found". */
+/** @name What a picture tells: "128.00 BPM", "F# minor (11A)", "no tempo found"
+ *  @{ */
 std::string tempoText(const TrackReport& report);
 std::string keyText(const TrackReport& report);
+
+/** How far the tempo goes where it varies, and what is uncertain of it, to follow tempoText():
+ *  ", varies: 100.00 to 125.50, perhaps 186.00". */
+std::string tempoRemarks(const TrackReport& report);
+/** @} */
 
 }  // namespace output

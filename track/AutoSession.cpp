@@ -13,7 +13,7 @@ namespace beatatlas::track::inner {
 
 namespace {
 
-// Local tempo is measured over so many beats to either side: two bars in all.
+// The local tempo is measured over this many beats on either side: two bars in all.
 constexpr std::size_t kBeatsAround = 4;
 
 double inHundredths(double bpm) {
@@ -26,8 +26,8 @@ double localBpm(const std::vector<double>& beats, std::size_t i) {
     return 60.0 * static_cast<double>(to - from) / (beats[to] - beats[from]);
 }
 
-/** What another reading makes of the chosen one. Both are on one line of twelfths: ratios are exact
- *  to rounding. */
+/** How another reading relates to the chosen one. Both count in twelfths of the same beats, so
+ *  their ratio is exact up to rounding. */
 std::int32_t kindOf(const TempoAlternative& other) {
     const auto isRatio = [&](double ratio) { return std::abs(other.tempoRatio - ratio) < 1e-6; };
     if (isRatio(2.0)) return BA_TRACK_READING_DOUBLE;
@@ -88,7 +88,7 @@ void AutoSession::addReadingsTo(TrackResult& result) const {
         result.stretches.push_back({stretch.from, stretch.to, inHundredths(stretch.bpm)});
 }
 
-// Colouring computes.
+// The getters compute the colours, so they need the session's rounding.
 void AutoSession::addWavesTo(TrackResult& result) {
     const TowardZeroScope mode;
     SessionPair& sessions = tempo_.sessions();

@@ -7,7 +7,7 @@
 
 namespace beatatlas::track::inner {
 
-/** Tempo and beats by the auto tempo, and the waves of the session it listens to. */
+/** Tempo and beats by the auto tempo, and the waves of its sessions. */
 class AutoSession : public BeatFinder {
 public:
     /** @throws std::bad_alloc */

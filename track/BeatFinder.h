@@ -9,21 +9,25 @@
 
 namespace beatatlas::track::inner {
 
-/** Hears a track and says what it found of its tempo, its beats and its waves.
+/** Receives a track and finds its tempo, its beats and its waves.
  *
  *  Life: construct → hear the whole track → close() → addTo(). */
 class BeatFinder : public Listener {
 public:
-    /** Closes the analysis, once. @throws std::bad_alloc */
+    /** Runs the closing analysis. Call once, after the whole track. @throws std::bad_alloc */
     virtual void close() = 0;
 
+    /** Adds tempo, beats and waves to a result whose rate and frames are set. */
     virtual void addTo(TrackResult& result) = 0;
 };
 
-/** The one for the tempo option. @throws std::bad_alloc */
+/** The beat finder for the tempo option.
+ *  @param rate    44100 or 48000 Hz
+ *  @param frames  length of the track, at least 1
+ *  @throws std::bad_alloc */
 std::unique_ptr<BeatFinder> makeBeatFinder(const BA_TrackOptions& options, int rate, int frames);
 
-/** The points of a wave of the core in the records of the interface. */
+/** Converts the points of a wave of the core to the records of the interface. */
 template <class Point>
 std::vector<BA_WaveInfo> toWave(const Point* points, int count) {
     std::vector<BA_WaveInfo> wave;

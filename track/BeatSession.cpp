@@ -13,10 +13,10 @@ namespace beatatlas::track::inner {
 
 namespace {
 
-/** How many frames a simple session senses. The core takes a minute for none and for more than the
- *  track has. */
+/** How many frames a simple session senses. The core takes one minute for 0 and for more frames
+ *  than the track has. */
 int sensedFrames(const BA_TrackOptions& options, int rate, int frames) {
-    // The option is read after it, so that no compiler multiplies before.
+    // Set before the option is read, so that the compiler cannot multiply in the old mode.
     const NearestScope mode;
     if (options.range_seconds == 0.0) return 0;
     const double range = std::floor(options.range_seconds * static_cast<double>(rate));
@@ -90,7 +90,7 @@ void BeatSession::addBeatsTo(TrackResult& result) const {
     }
 }
 
-// Colouring computes.
+// The getters compute the colours, so they need the session's rounding.
 void BeatSession::addWavesTo(TrackResult& result) {
     const TowardZeroScope mode;
     result.waves[BA_TRACK_WAVE_LOUD] = toWave(analyzer_.getLoudWave(), analyzer_.getLoudNum());

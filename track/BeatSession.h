@@ -13,10 +13,10 @@ public:
     /** @throws std::bad_alloc */
     BeatSession(const BA_TrackOptions& options, int rate, int frames);
 
-    /** Keeps the last frame of the track back, since it would set off the closing analysis. */
+    /** Holds back the last frame of the track, which would start the closing analysis. */
     void hear(const Block& block) override;
 
-    /** Runs the closing analysis, a few percent of all the work. */
+    /** Runs the closing analysis, a few percent of the total time. */
     void close() override;
 
     void addTo(TrackResult& result) override;

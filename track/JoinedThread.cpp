@@ -10,7 +10,7 @@ namespace beatatlas::track::inner {
 
 namespace {
 
-/** Blocks signals in the calling thread, and so in every thread that it starts meanwhile. */
+/** While it lives, blocks signals in the calling thread, and so in every thread it starts. */
 class BlockedSignals {
 public:
     BlockedSignals() {

@@ -6,11 +6,11 @@
 
 namespace beatatlas::track::inner {
 
-/** A thread that has ended when this goes. It begins with the rounding mode of the one that starts
- *  it.
+/** A thread that is joined on destruction. It starts with the rounding mode of the thread that
+ *  starts it.
  *
- *  The host's signal handlers run in the host's own threads: here signals are blocked. Only those
- *  that tell of a fault of the thread itself reach it as they reach any other. */
+ *  Signals are blocked in it, so that the host's handlers run in the host's own threads. Only
+ *  signals that report a fault of the thread itself are delivered to it. */
 class JoinedThread {
 public:
     JoinedThread() = default;
@@ -18,7 +18,7 @@ public:
     JoinedThread(const JoinedThread&) = delete;
     JoinedThread& operator=(const JoinedThread&) = delete;
 
-    /** @return false when the system has no thread to give. @throws std::bad_alloc */
+    /** @return false if the system cannot start a thread. @throws std::bad_alloc */
     bool start(std::function<void()> work);
 
     void join() {

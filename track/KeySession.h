@@ -11,7 +11,7 @@
 
 namespace beatatlas::track::inner {
 
-/** The levels of a track, which its key session has to know beforehand. */
+/** The levels of a track, which its key session needs beforehand. */
 class Levels : public Listener {
 public:
     void hear(const Block& block) override;
@@ -22,7 +22,7 @@ private:
     PreChecker checker_;
 };
 
-/** The session's key of a track: the part of a session of the core that finds it, without the rest.
+/** The session's key of a track, found by the key stage of a session of the core alone.
  *
  *  Life: construct → setLevels() → hear the whole track → addTo(). */
 class KeySession : public Listener {
@@ -32,8 +32,8 @@ public:
 
     void setLevels(const Levels& levels);
 
-    /** The last block runs the closing analysis. @throws std::bad_alloc also where the core would
-     *  go on without */
+    /** The last block runs the closing analysis. @throws std::bad_alloc, also where the core itself
+     *  would skip frames and go on */
     void hear(const Block& block) override;
 
     void addTo(TrackResult& result) const;

@@ -3,21 +3,21 @@
 
 namespace beatatlas::track::inner {
 
-/** A stretch of the track in the scale of 16-bit integers, clipped to -32768 … 32767, no NaN. Full
- *  scale ±1.0 is 1/32768 of it, exactly. */
+/** Consecutive frames of the track in the scale of 16-bit integers, clipped to -32768 … 32767,
+ *  without NaN: exactly the source's samples (full scale ±1.0) times 32768. */
 struct Block {
     const float* left;
     const float* right;
     int frames;
 };
 
-/** Hears a track from its first frame to its last, block by block. All blocks but the last have one
- *  length, however the source hands out its frames. */
+/** Receives a track from its first frame to its last, block by block. All blocks but the last have
+ *  the same length, however many frames the source returns at a time. */
 class Listener {
 public:
     virtual ~Listener() = default;
 
-    /** Runs in the caller's rounding mode and leaves it so. */
+    /** Works in any rounding mode and leaves the caller's mode as it was. */
     virtual void hear(const Block& block) = 0;
 };
 

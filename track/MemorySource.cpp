@@ -9,7 +9,7 @@ BA_TrackSource MemorySource::source() {
     return {sizeof(BA_TrackSource), this, open, read, close, 0, 0};
 }
 
-// A pass is the place it has come to.
+// A pass is represented by its position, in frames.
 void* MemorySource::open(void* /*host*/) {
     return new std::int64_t(0);
 }

@@ -7,7 +7,7 @@
 
 namespace beatatlas::track::inner {
 
-/** A track in memory as a source. Lives as long as what source() gives. */
+/** A track in memory as a source. Must outlive what source() returns. */
 class MemorySource {
 public:
     MemorySource(const float* left, const float* right, std::int64_t frames)

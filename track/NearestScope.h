@@ -5,8 +5,9 @@
 
 namespace beatatlas::track::inner {
 
-/** Rounds to nearest while it lives, then gives the thread its own mode back. Where numbers of a
- *  session are put into units for people, so that 128.01 BPM is the double that reads so. */
+/** Rounds to nearest while it lives, then restores the thread's rounding mode. Used where numbers
+ *  of a session are converted to units for people, so that 128.01 BPM is the double nearest to
+ *  128.01, and in the arithmetic that is not the core's. */
 class NearestScope {
 public:
     NearestScope() { std::fesetround(FE_TONEAREST); }

@@ -8,8 +8,8 @@
 
 namespace beatatlas::track::inner {
 
-// Only the unwinding of a cancelled thread goes on, since the C++ runtime ends a process in which
-// it is swallowed. Whatever else is unknown was thrown by a callback of the host.
+// Only the unwinding of a cancelled thread is passed on: the C++ runtime ends the process if it is
+// swallowed. Any other unknown exception was thrown by a callback of the host.
 void Outcome::failWithCaught() {
     try {
         throw;

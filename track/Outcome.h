@@ -12,8 +12,8 @@ struct Failure {
     int status;
 };
 
-/** How an analysis ends, whichever thread of it fails: the first failure decides, and the other
- *  threads see it and give up. */
+/** How an analysis ends, whichever of its threads fails: the first failure decides, and the other
+ *  threads see it and stop. */
 class Outcome {
 public:
     int status() const { return status_; }
@@ -24,7 +24,7 @@ public:
         if (status != BA_TRACK_OK) throw Failure{status};
     }
 
-    /** Runs a thread's work; what it throws ends here and becomes the status. */
+    /** Runs the work of a thread and turns what it throws into the status. */
     template <class Work>
     void guard(const Work& work) {
         try {

@@ -12,11 +12,12 @@ namespace {
 
 constexpr float kFullScale = 32768.0F;
 
-// A third of a second: every call of a session and of the host has its price.
+// A third of a second: every call of a session and of the host costs time.
 constexpr std::int64_t kBlockFrames = 16384;
 
-/** Lossy decoders overshoot full scale, and a session keeps only the low 16 bits of a sample: too
- *  loud would wrap. Times a power of two, nothing is rounded in any mode. */
+/** Lossy decoders overshoot full scale, and a session keeps only the low 16 bits of a sample: a
+ *  sample that is too loud would wrap. Multiplying by a power of two is exact in every rounding
+ *  mode. */
 void scaleForSession(float* samples, std::size_t count) {
     for (std::size_t i = 0; i < count; ++i) {
         const float sample = samples[i] * kFullScale;

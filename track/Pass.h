@@ -10,8 +10,7 @@
 
 namespace beatatlas::track::inner {
 
-/** One pass over the host's source: gathers its frames into blocks and brings them into the scale
- *  of sessions. */
+/** One pass over the host's source: gathers its frames into blocks and scales them for sessions. */
 class Pass {
 public:
     /** Opens the source. @throws Failure when it asks to stop; std::bad_alloc */
@@ -20,9 +19,9 @@ public:
     Pass(const Pass&) = delete;
     Pass& operator=(const Pass&) = delete;
 
-    /** The next block, valid until the next call; one without frames after the last. Before the
-     *  last one is given, the source is seen to end there and closed: what the last block sets off
-     *  may take long.
+    /** The next block, valid until the next call; after the last one, a block without frames.
+     *  Before it returns the last block it checks that the source ends there and closes it, because
+     *  the analysis that the last block starts may take long.
      *  @throws Failure when the source asks to stop or has another length */
     Block next();
 

@@ -10,7 +10,7 @@ void Progress::add(std::int64_t units) {
     const std::lock_guard lock(mutex_);
     if (isStopped_) throw Failure{BA_TRACK_STOPPED};
     done_ += units;
-    // Stays so when the callback throws.
+    // Stays true if the callback throws.
     isStopped_ = true;
     isStopped_ = callback_(host_, static_cast<double>(done_) / static_cast<double>(total_)) != 0;
     if (isStopped_) throw Failure{BA_TRACK_STOPPED};

@@ -8,12 +8,12 @@ namespace beatatlas::track::inner {
 
 namespace {
 
-// What the parts cost, about: half nanoseconds a frame.
+// Approximate cost of the parts, in half nanoseconds a frame.
 constexpr std::int64_t kLevelUnits = 3;
 constexpr std::int64_t kKeyUnits = 6;
 constexpr std::int64_t kSessionKeyUnits = 13;
 
-// And putting the result together, at the very end.
+// Assembling the result, once at the very end.
 constexpr std::int64_t kResultUnits = 1;
 
 std::int64_t beatUnits(const BA_TrackOptions& options) {
@@ -45,7 +45,7 @@ TrackAnalysis::TrackAnalysis(const BA_TrackOptions& options, int rate, int frame
     if (options.wants_session_key != 0) sessionKey_.emplace(rate, frames);
 }
 
-// Of two parts side by side the longer one tells how far the analysis is.
+// Of two parts that run in parallel, only the longer one counts towards progress.
 TrackAnalysis::Units TrackAnalysis::unitsOf(const BA_TrackOptions& options, bool isFewestPasses) {
     const std::int64_t beats = beatUnits(options) + (options.wants_key != 0 ? kKeyUnits : 0);
     const std::int64_t closing = closingUnits(options);
@@ -118,7 +118,7 @@ void TrackAnalysis::hear(std::initializer_list<Listener*> listeners, std::int64_
     }
 }
 
-// The key in a thread of its own where one may and can be had, else after the beats.
+// Finds the key in a thread of its own if that is allowed and possible, else after the beats.
 template <class Beats, class Key>
 void TrackAnalysis::sideBySide(const Beats& beats, const Key& key) {
     JoinedThread thread;

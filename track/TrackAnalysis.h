@@ -16,23 +16,25 @@
 
 namespace beatatlas::track::inner {
 
-/** One analysis: decides who hears which pass over the source, and in which thread.
+/** One analysis: decides which listeners receive which pass over the source, and in which thread.
  *
- *  The key by evidence hears what the beats are found in. The key session has to know the levels of
- *  the whole track before it hears the first frame. Where passes are quick one of them goes before
- *  for that; otherwise the beats' pass takes them. */
+ *  The key by evidence shares the pass of the beats. The key session needs the levels of the whole
+ *  track before its first frame. If passes are quick, an extra pass measures them first; otherwise
+ *  the pass for the beats does. */
 class TrackAnalysis {
 public:
-    /** @param options,source  checked, and alive as long as the analysis
+    /** @param options,source  already checked; must outlive the analysis
+     *  @param rate            44100 or 48000 Hz
+     *  @param frames          length of the track, at least 1
      *  @throws std::bad_alloc */
     TrackAnalysis(const BA_TrackOptions& options, int rate, int frames,
                   const BA_TrackSource& source, Outcome& outcome);
 
-    /** Does it all. @throws Failure, std::bad_alloc */
+    /** Runs the whole analysis. @throws Failure, std::bad_alloc */
     TrackResult run();
 
 private:
-    /** What each part counts in the host's progress, for every frame. */
+    /** The share of each part in the host's progress, in units per frame. */
     struct Units {
         std::int64_t levels;
         std::int64_t beats;
@@ -62,8 +64,8 @@ private:
     Progress progress_;
     std::unique_ptr<BeatFinder> beats_;
     Levels levels_;
-    std::optional<EvidenceKey> key_;        // when it is wanted
-    std::optional<KeySession> sessionKey_;  // the same holds for it
+    std::optional<EvidenceKey> key_;        // if wanted
+    std::optional<KeySession> sessionKey_;  // if wanted
 };
 
 }  // namespace beatatlas::track::inner

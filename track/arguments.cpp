@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Structures of the interface grow at their end only. A host says how much of one it knows: what it
-// does not know keeps its default, and what this version does not know must be 0.
+// Structures of the interface grow only at their end. A host states the size it knows: fields it
+// does not know keep their defaults, and fields this version does not know must be 0.
 #include "track/arguments.h"
 
 #include <algorithm>
@@ -11,8 +11,8 @@ namespace beatatlas::track::inner {
 
 namespace {
 
-// Where the fields end, which is where the next ones begin: a structure is taken up to the last
-// field that the host holds whole.
+// Where each field ends, which is where the next one begins. A structure is read up to the last
+// field that lies wholly within the host's size.
 constexpr std::size_t kOptionEnds[] = {
     offsetof(BA_TrackOptions, tempo),         offsetof(BA_TrackOptions, section_beats),
     offsetof(BA_TrackOptions, range_seconds), offsetof(BA_TrackOptions, wants_key),
@@ -42,7 +42,7 @@ bool isZero(const unsigned char* bytes, std::size_t count) {
     return std::all_of(bytes, bytes + count, [](unsigned char byte) { return byte == 0; });
 }
 
-/** Lays the fields that the host knows over the defaults. */
+/** Replaces the defaults by the fields that the host knows. */
 template <class Structure, std::size_t count>
 bool readStructure(const Structure* hosts, const std::size_t (&ends)[count], Structure& own) {
     std::size_t size = 0;
@@ -60,7 +60,7 @@ bool readStructure(const Structure* hosts, const std::size_t (&ends)[count], Str
 constexpr double kLowestBpm = 20.0;
 constexpr double kHighestBpm = 1000.0;
 
-/** No range, or one in which every tempo has a double or a half. */
+/** No range, or one wide enough that doubling or halving brings every tempo into it. */
 bool isTempoRange(double lowest, double highest) {
     if (lowest == 0.0 && highest == 0.0) return true;
     return lowest >= kLowestBpm && highest <= kHighestBpm && highest >= 2.0 * lowest;

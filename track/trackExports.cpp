@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The interface: arguments are checked here, and no exception goes beyond.
+// The C interface: checks arguments and lets no exception out.
 #include <algorithm>
 #include <memory>
 
@@ -32,6 +32,17 @@ template <class Record>
 std::size_t copyOut(const std::vector<Record>& records, Record* out, std::size_t room) {
     if (out != nullptr) std::copy_n(records.begin(), std::min(room, records.size()), out);
     return records.size();
+}
+
+template <class Record>
+std::size_t copyOut(const BA_Track* track, std::vector<Record> TrackResult::*records, Record* out,
+                    std::size_t room) {
+    return track == nullptr ? 0 : copyOut(track->result.*records, out, room);
+}
+
+template <class Value>
+Value valueOf(const BA_Track* track, Value TrackResult::*value) {
+    return track == nullptr ? Value() : track->result.*value;
 }
 
 }  // namespace
@@ -86,15 +97,15 @@ void BA_TrackRelease(BA_Track* track) {
 }
 
 int32_t BA_TrackRate(const BA_Track* track) {
-    return track == nullptr ? 0 : track->result.rate;
+    return valueOf(track, &TrackResult::rate);
 }
 
 int64_t BA_TrackFrames(const BA_Track* track) {
-    return track == nullptr ? 0 : track->result.frames;
+    return valueOf(track, &TrackResult::frames);
 }
 
 double BA_TrackBpm(const BA_Track* track) {
-    return track == nullptr ? 0.0 : track->result.bpm;
+    return valueOf(track, &TrackResult::bpm);
 }
 
 int32_t BA_TrackIsSteady(const BA_Track* track) {
@@ -108,19 +119,19 @@ int32_t BA_TrackTempoConfidence(const BA_Track* track, BA_TrackConfidence* out) 
 }
 
 double BA_TrackRawBpm(const BA_Track* track) {
-    return track == nullptr ? 0.0 : track->result.rawBpm;
+    return valueOf(track, &TrackResult::rawBpm);
 }
 
 size_t BA_TrackReadings(const BA_Track* track, BA_TrackReading* out, size_t room) {
-    return track == nullptr ? 0 : copyOut(track->result.readings, out, room);
+    return copyOut(track, &TrackResult::readings, out, room);
 }
 
 size_t BA_TrackTempoStretches(const BA_Track* track, BA_TrackTempoStretch* out, size_t room) {
-    return track == nullptr ? 0 : copyOut(track->result.stretches, out, room);
+    return copyOut(track, &TrackResult::stretches, out, room);
 }
 
 size_t BA_TrackBeats(const BA_Track* track, BA_TrackBeat* out, size_t room) {
-    return track == nullptr ? 0 : copyOut(track->result.beats, out, room);
+    return copyOut(track, &TrackResult::beats, out, room);
 }
 
 size_t BA_TrackWave(const BA_Track* track, int wave, BA_WaveInfo* out, size_t room) {
@@ -133,27 +144,27 @@ int32_t BA_TrackKey(const BA_Track* track) {
 }
 
 double BA_TrackKeyConfidence(const BA_Track* track) {
-    return track == nullptr ? 0.0 : track->result.keyConfidence;
+    return valueOf(track, &TrackResult::keyConfidence);
 }
 
 size_t BA_TrackKeyRanking(const BA_Track* track, BA_TrackKeyCandidate* out, size_t room) {
-    return track == nullptr ? 0 : copyOut(track->result.keys, out, room);
+    return copyOut(track, &TrackResult::keys, out, room);
 }
 
 size_t BA_TrackKeySegments(const BA_Track* track, BA_TrackKeySegment* out, size_t room) {
-    return track == nullptr ? 0 : copyOut(track->result.keySegments, out, room);
+    return copyOut(track, &TrackResult::keySegments, out, room);
 }
 
 size_t BA_TrackChroma(const BA_Track* track, double* out, size_t room) {
-    return track == nullptr ? 0 : copyOut(track->result.chroma, out, room);
+    return copyOut(track, &TrackResult::chroma, out, room);
 }
 
 double BA_TrackTuningCents(const BA_Track* track) {
-    return track == nullptr ? 0.0 : track->result.tuningCents;
+    return valueOf(track, &TrackResult::tuningCents);
 }
 
 double BA_TrackTuningHz(const BA_Track* track) {
-    return track == nullptr ? 0.0 : track->result.tuningHz;
+    return valueOf(track, &TrackResult::tuningHz);
 }
 
 int32_t BA_TrackSessionKey(const BA_Track* track) {
@@ -162,9 +173,9 @@ int32_t BA_TrackSessionKey(const BA_Track* track) {
 }
 
 size_t BA_TrackSessionKeyRanking(const BA_Track* track, BA_TrackKeyScore* out, size_t room) {
-    return track == nullptr ? 0 : copyOut(track->result.sessionKeys, out, room);
+    return copyOut(track, &TrackResult::sessionKeys, out, room);
 }
 
 size_t BA_TrackNotes(const BA_Track* track, BA_TrackNote* out, size_t room) {
-    return track == nullptr ? 0 : copyOut(track->result.notes, out, room);
+    return copyOut(track, &TrackResult::notes, out, room);
 }

@@ -3,6 +3,7 @@
 
 #include "analysis/bufferFinders.h"
 #include "media/FeedSink.h"
+#include "media/OverloadMeter.h"
 #include "media/TrackFile.h"
 #include "media/trackLength.h"
 
@@ -23,16 +24,21 @@ output::PitchReport PitchAnalyzer::analyze(const std::string& path, ProgressLine
     const auto show = [&](double fraction) {
         progress.show(fraction, decoder.declaredSeconds().value_or(0.0));
     };
-    media::FeedSink sink([&](const media::StereoBlock& block) { gatherer.put(block); },
-                         [&](std::int64_t frames) {
-                             media::refuseAbove(static_cast<double>(frames));
-                             show(kDecodingShare * static_cast<double>(frames) / expected);
-                         });
+    media::OverloadMeter meter;
+    const auto take = [&](const media::StereoBlock& block) {
+        meter.put(block);
+        gatherer.put(block);
+    };
+    media::FeedSink sink(take, [&](std::int64_t frames) {
+        media::refuseAbove(static_cast<double>(frames));
+        show(kDecodingShare * static_cast<double>(frames) / expected);
+    });
     decoder.run(sink);
 
     output::PitchReport report;
     static_cast<base::TrackSource&>(report) =
         media::usableTrack(path, decoder, sink.frames(), acceptsCutOff_);
+    report.overload = meter.overload();
     report.frames = sink.frames();
     report.options = options_;
     show(kDecodingShare);

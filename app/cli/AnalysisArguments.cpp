@@ -8,8 +8,8 @@
 #include <CLI/CLI.hpp>
 
 #include "base/errors.h"
-#include "cli/numberBetween.h"
 #include "cli/oneOf.h"
+#include "cli/timeArgument.h"
 
 namespace app {
 
@@ -94,8 +94,8 @@ void AnalysisArguments::declare(CLI::App& arguments) {
     arguments
         .add_option("--range", rangeSeconds_,
                     "simple tempo: sense this much of the beginning (default: one minute)")
-        ->check(numberBetween(1.0, kLongestRangeSeconds))
-        ->option_text("SECONDS");
+        ->transform(timeBetween(1.0, kLongestRangeSeconds))
+        ->option_text("TIME");
     arguments.add_flag("--no-key", skipsKey_, "do not look for the key");
 }
 

@@ -6,9 +6,11 @@
 #include <CLI/CLI.hpp>
 
 #include "cli/bracketGuard.h"
+#include "cli/messages.h"
 #include "cli/numberBetween.h"
 #include "io/fileEnding.h"
 #include "media/OutputFile.h"
+#include "media/OverloadMeter.h"
 #include "media/RecordingChain.h"
 #include "media/waveFile.h"
 
@@ -27,6 +29,13 @@ std::string requireDiv(const std::string& text) {
         if (text == div) return {};
     }
     return "takes 1, 2, 4, 8 or 16, not " + text;
+}
+
+/** What is clipped when the result becomes 16-bit integers. */
+base::Overload overloadOf(const media::Recording& recording) {
+    media::OverloadMeter meter;
+    for (const auto& channel : recording.channels) meter.put(channel);
+    return meter.overload();
 }
 
 }  // namespace
@@ -56,8 +65,8 @@ void CutCommand::declare(CLI::App& arguments) {
 }
 
 ExitCode CutCommand::run(ResultStream&) {
-    tracks_.settle();
     const std::string path = unguarded(path_);
+    tracks_.settle({path});
     const std::string outputPath = unguarded(outputPath_);
     if (!hasEnding(outputPath, ".wav"))
         throw base::UsageError("the result's name must end in .wav (--output)");
@@ -66,11 +75,12 @@ ExitCode CutCommand::run(ResultStream&) {
         throw base::UsageError("the result would replace the track itself");
     const auto file = tracks_.attempt(
         path, [&](ProgressLine& progress) { return cutTrack(path, outputPath, progress); });
+    if (!outputWarning_.empty()) printFileWarning(outputPath, outputWarning_);
     return file ? kExitDone : kExitFailed;
 }
 
 media::TrackFile CutCommand::cutTrack(const std::string& path, const std::string& outputPath,
-                                      ProgressLine& progress) const {
+                                      ProgressLine& progress) {
     media::TrackDecoder decoder(path);
     const double expectedSeconds = std::max(1.0, decoder.declaredSeconds().value_or(0.0));
     const auto show = [&](double fraction) { progress.show(fraction, expectedSeconds); };
@@ -84,9 +94,10 @@ media::TrackFile CutCommand::cutTrack(const std::string& path, const std::string
                                    tracks_.acceptsCutOff());
     BeatCutter(options_).cut(recording,
                              [&](double done) { show(kDecoded + done * (kCut - kDecoded)); });
-    media::writeWave(outputPath, recording,
-                     asFloat_ ? media::WaveSamples::float32 : media::WaveSamples::int16,
-                     [&](double done) { show(kCut + done * (1.0 - kCut)); });
+    if (!asFloat_) file.overload = overloadOf(recording);
+    outputWarning_ = media::writeWave(
+        outputPath, recording, asFloat_ ? media::WaveSamples::float32 : media::WaveSamples::int16,
+        [&](double done) { show(kCut + done * (1.0 - kCut)); });
     return file;
 }
 

@@ -23,13 +23,14 @@ public:
 
 private:
     media::TrackFile cutTrack(const std::string& path, const std::string& outputPath,
-                              ProgressLine& progress) const;
+                              ProgressLine& progress);
 
     TrackArguments tracks_;
     CutOptions options_;
     bool asFloat_ = false;
     std::string path_;
     std::string outputPath_;
+    std::string outputWarning_;
 };
 
 }  // namespace app

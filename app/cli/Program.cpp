@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "cli/Program.h"
 
+#include <algorithm>
 #include <exception>
+#include <iterator>
+#include <memory>
 #include <new>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include <CLI/CLI.hpp>
@@ -15,6 +17,8 @@
 #include "cli/bracketGuard.h"
 #include "cli/commandTable.h"
 #include "cli/messages.h"
+#include "cli/refusal.h"
+#include "cli/suggestion.h"
 #include "cli/toolVersion.h"
 
 namespace app {
@@ -25,6 +29,7 @@ constexpr const char* kDescription = "Beat Atlas finds the tempo, the beat grid 
                                      "music tracks and draws their waveforms.";
 
 constexpr const char* kFooter =
+    "beatatlas COMMAND --help tells the options of a command.\n"
     "A name that begins with '-' goes behind '--': beatatlas analyze -- -intro.mp3\n"
     "\n"
     "Results go to standard output, everything else to standard error.\n"
@@ -32,48 +37,88 @@ constexpr const char* kFooter =
     "written (the other tracks of the command are analysed all the same); 2 the command line\n"
     "could not be understood; 130 stopped by Ctrl-C.";
 
+constexpr const char* kHelp = "help";
+constexpr const char* kCommands = "Commands";
+
+using Commands = std::vector<std::unique_ptr<Command>>;
+
+void declareEnds(CLI::App& arguments) {
+    arguments.set_help_flag("-h,--help", "print this help and exit");
+    arguments.set_version_flag("--version", versionText(), "print the version and exit");
+}
+
 void declareProgram(CLI::App& program) {
     program.name("beatatlas");
     program.description(kDescription);
     program.footer(kFooter);
     program.require_subcommand(1);
-    program.set_help_flag("-h,--help", "print this help and exit");
-    program.set_version_flag("--version", versionText(), "print the version and exit");
+    program.get_formatter()->label("SUBCOMMAND", "COMMAND");
+    declareEnds(program);
 }
 
 void declareCommand(CLI::App& program, Command& command) {
     CLI::App* arguments = program.add_subcommand(command.name(), command.description());
-    arguments->set_help_flag("-h,--help", "print this help and exit");
+    arguments->group(kCommands);
+    declareEnds(*arguments);
     command.declare(*arguments);
+}
+
+void declareHelp(CLI::App& program, std::string& topic) {
+    CLI::App* help = program.add_subcommand(kHelp, "Print this help, or that of a command");
+    help->group(kCommands);
+    declareEnds(*help);
+    help->add_option("COMMAND", topic, "one of the commands")->required()->option_text(" ");
 }
 
 /** CLI11 would take the next word for the value.
  *  @throws UsageError when nothing follows an option's '=' */
-void refuseMissingValues(int argc, const char* const* argv) {
-    for (int i = 1; i < argc; ++i) {
-        const std::string_view argument = argv[i];
-        if (argument == "--") return;
-        if (argument.starts_with("--") && argument.ends_with('='))
-            throw base::UsageError(base::displayName(argument) + " needs a value");
+void refuseMissingValues(const std::vector<std::string>& words) {
+    for (const std::string& word : words) {
+        if (word == "--") return;
+        if (word.starts_with("--") && word.ends_with('='))
+            throw base::UsageError(base::displayName(word) + " needs a value");
     }
 }
 
 /** In the order CLI11 wants them: from the last to the first. */
-std::vector<std::string> toArguments(int argc, const char* const* argv) {
+std::vector<std::string> toArguments(const std::vector<std::string>& words) {
     std::vector<std::string> arguments;
-    for (int i = argc - 1; i > 0; --i) arguments.push_back(guarded(argv[i]));
+    std::transform(words.rbegin(), words.rend(), std::back_inserter(arguments), guarded);
     return arguments;
+}
+
+/** @throws UsageError when there is no such command */
+std::string helpOn(const CLI::App& program, const std::string& topic) {
+    std::vector<std::string> names;
+    for (const CLI::App* command : program.get_subcommands({})) {
+        if (command->get_name() == topic) return command->help("beatatlas");
+        names.push_back(command->get_name());
+    }
+    throw base::UsageError("there is no command " + base::displayName(topic) +
+                           suggestion(topic, names));
+}
+
+/** Where the options are told that fit the command line. */
+std::string helpPointer(const std::vector<std::string>& words) {
+    const Commands commands = makeCommands();
+    const bool isCommand =
+        !words.empty() && std::any_of(commands.begin(), commands.end(), [&](const auto& command) {
+            return command->name() == words.front();
+        });
+    return " (see beatatlas " + (isCommand ? words.front() + " " : "") + "--help)";
 }
 
 }  // namespace
 
 int Program::run(int argc, const char* const* argv) {
+    // A caller may give no words at all, not even the program's name.
+    const std::vector<std::string> words(argv + std::min(argc, 1), argv + argc);
     try {
-        return parseAndRun(argc, argv);
+        return parseAndRun(words);
     } catch (const base::Interrupted& interrupted) {
         return kExitSignal + interrupted.signalNumber();
     } catch (const base::UsageError& error) {
-        printError(error.what());
+        printError(error.what() + helpPointer(words));
         return kExitUsage;
     } catch (const std::bad_alloc&) {
         printError("there is not enough memory");
@@ -84,14 +129,17 @@ int Program::run(int argc, const char* const* argv) {
     }
 }
 
-ExitCode Program::parseAndRun(int argc, const char* const* argv) {
-    refuseMissingValues(argc, argv);
-    const auto commands = makeCommands();
+ExitCode Program::parseAndRun(const std::vector<std::string>& words) {
+    refuseMissingValues(words);
+    if (words == std::vector<std::string>{kHelp}) return parseAndRun({"--help"});
+    const Commands commands = makeCommands();
     CLI::App program;
+    std::string topic;
     declareProgram(program);
     for (const auto& command : commands) declareCommand(program, *command);
+    declareHelp(program, topic);
     try {
-        program.parse(toArguments(argc, argv));
+        program.parse(toArguments(words));
     } catch (const CLI::CallForHelp&) {
         results_.write(program.help());
         return kExitDone;
@@ -99,16 +147,13 @@ ExitCode Program::parseAndRun(int argc, const char* const* argv) {
         results_.write(versionText());
         return kExitDone;
     } catch (const CLI::ParseError& error) {
-        if (program.get_subcommands().empty() && argc > 1 && argv[1][0] != '-') {
-            throw base::UsageError("there is no command " + base::displayName(argv[1]) +
-                                   " (see beatatlas --help)");
-        }
-        throw base::UsageError(base::displayName(error.what()) + " (see beatatlas --help)");
+        throw base::UsageError(refusalOf(program, error, words));
     }
     for (const auto& command : commands) {
         if (program.got_subcommand(command->name())) return command->run(results_);
     }
-    return kExitUsage;
+    results_.write(helpOn(program, topic));
+    return kExitDone;
 }
 
 }  // namespace app

@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <string>
+#include <vector>
+
 #include "cli/ExitCode.h"
 #include "io/ResultStream.h"
 
@@ -16,7 +19,7 @@ public:
     int run(int argc, const char* const* argv);
 
 private:
-    ExitCode parseAndRun(int argc, const char* const* argv);
+    ExitCode parseAndRun(const std::vector<std::string>& words);
 
     ResultStream& results_;
 };

@@ -12,13 +12,17 @@ namespace app {
 void TrackArguments::declare(CLI::App& arguments) {
     arguments.add_flag("--partial", acceptsCutOff_,
                        "take what is there of a track that was cut off");
-    arguments.add_flag("-q,--quiet", isQuiet_, "show no progress");
+    arguments.add_flag("-q,--quiet", isQuiet_,
+                       "tell nothing of progress; warnings and errors stay");
     arguments.add_flag("-v,--verbose", isVerbose_,
                        "show on standard error how files were read, and what the decoders say");
 }
 
-void TrackArguments::settle() const {
+void TrackArguments::settle(const std::vector<std::string>& paths) {
     media::showFfmpegMessages(isVerbose_);
+    // Notes and the decoders' messages would go through the line.
+    const auto manner = isVerbose_ ? ProgressLine::Manner::lines : ProgressLine::Manner::watched;
+    progress_.emplace(paths, isQuiet_ ? ProgressLine::Manner::quiet : manner);
 }
 
 media::FileAnalysis::Options TrackArguments::reading(const std::string& path,
@@ -37,6 +41,7 @@ void TrackArguments::warnOf(const base::TrackSource& file) {
 
 void TrackArguments::fail(const std::string& path, const std::string& reason) {
     failure_ = reason;
+    progress_->endTrack(false);
     printFileError(path, reason);
 }
 

@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 #include <type_traits>
+#include <vector>
 
 #include "base/TrackSource.h"
 #include "base/errors.h"
@@ -24,8 +25,8 @@ class TrackArguments {
 public:
     void declare(CLI::App& arguments);
 
-    /** Before the first track. */
-    void settle() const;
+    /** Before the first track. @param paths  of all the tracks, in their order */
+    void settle(const std::vector<std::string>& paths);
 
     bool acceptsCutOff() const { return acceptsCutOff_; }
 
@@ -33,7 +34,7 @@ public:
     media::FileAnalysis::Options reading(const std::string& path,
                                          const media::Effort& effort) const;
 
-    /** Works on one track, with progress and warnings on standard error.
+    /** Works on the next track, with progress and warnings on standard error.
      *  @param work  takes a ProgressLine, gives something that is a TrackSource
      *  @return nothing when the track failed; the reason, which went to standard error too, is in
      *           failure() */
@@ -41,9 +42,9 @@ public:
     auto attempt(const std::string& path, Work work)
         -> std::optional<std::invoke_result_t<Work, ProgressLine&>> {
         try {
-            ProgressLine progress(path, !isQuiet_ && !isVerbose_);
-            auto result = work(progress);
-            progress.clear();
+            progress_->beginTrack(path);
+            auto result = work(*progress_);
+            progress_->endTrack(true);
             warnOf(result);
             return result;
         } catch (const base::TrackError& error) {
@@ -56,6 +57,9 @@ public:
 
     const std::string& failure() const { return failure_; }
 
+    /** After the last track, or where the command was stopped: says how many are done. */
+    void tellOutcome() { progress_->tellOutcome(); }
+
 private:
     static void warnOf(const base::TrackSource& file);
     void fail(const std::string& path, const std::string& reason);
@@ -64,6 +68,7 @@ private:
     bool isQuiet_ = false;
     bool isVerbose_ = false;
     std::string failure_;
+    std::optional<ProgressLine> progress_;
 };
 
 }  // namespace app

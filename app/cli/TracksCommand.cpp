@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "cli/TracksCommand.h"
 
+#include <algorithm>
+
 #include <CLI/CLI.hpp>
 
 #include "base/Interrupt.h"
@@ -24,7 +26,8 @@ void TracksCommand::declare(CLI::App& arguments) {
 
 ExitCode TracksCommand::run(ResultStream& results) {
     settleOwn();
-    tracks_.settle();
+    std::transform(paths_.begin(), paths_.end(), paths_.begin(), unguarded);
+    tracks_.settle(paths_);
     const auto writer = makeWriter(results);
     writer->begin();
     bool allDone = false;
@@ -32,9 +35,11 @@ ExitCode TracksCommand::run(ResultStream& results) {
         allDone = addTracks(*writer);
     } catch (const base::Interrupted&) {
         writer->end();
+        tracks_.tellOutcome();
         throw;
     }
     writer->end();
+    tracks_.tellOutcome();
     return allDone ? kExitDone : kExitFailed;
 }
 
@@ -47,8 +52,7 @@ std::unique_ptr<output::ReportWriter> TracksCommand::makeWriter(ResultStream& re
 
 bool TracksCommand::addTracks(output::ReportWriter& writer) {
     bool allDone = true;
-    for (const std::string& argument : paths_) {
-        const std::string path = unguarded(argument);
+    for (const std::string& path : paths_) {
         if (const auto entry = examine(path)) {
             writer.add(*entry);
         } else {

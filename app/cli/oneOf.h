@@ -4,8 +4,12 @@
 #include <map>
 #include <string>
 #include <type_traits>
+#include <vector>
 
 #include <CLI/CLI.hpp>
+#include <fmt/format.h>
+
+#include "cli/suggestion.h"
 
 namespace app {
 
@@ -17,9 +21,10 @@ CLI::Validator oneOf(const std::map<std::string, Value>& values) {
             text = std::to_string(static_cast<std::underlying_type_t<Value>>(found->second));
             return {};
         }
-        std::string names;
-        for (const auto& [name, value] : values) names += (names.empty() ? "" : ", ") + name;
-        return "takes one of " + names + ", not " + text;
+        std::vector<std::string> names;
+        for (const auto& [name, value] : values) names.push_back(name);
+        return fmt::format("takes one of {}, not {}{}", fmt::join(names, ", "), text,
+                           suggestion(text, names));
     };
     return {toNumber, ""};
 }

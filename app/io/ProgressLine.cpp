@@ -9,6 +9,7 @@
 #include <unistd.h>
 
 #include "base/displayName.h"
+#include "io/columns.h"
 #include "output/textFormat.h"
 
 namespace app {
@@ -16,13 +17,14 @@ namespace app {
 namespace {
 
 constexpr std::chrono::milliseconds kShowEvery{100};
+constexpr std::chrono::seconds kTellEvery{30};  // nobody watches: often enough to see that it lives
 constexpr std::size_t kUsualColumns = 80;
 constexpr std::size_t kWidestBar = 30;
 constexpr std::size_t kNarrowestBar = 8;
-constexpr std::size_t kFewestNameColumns = 16;
+constexpr std::size_t kFewestNameColumns = 16;  ///< beside a bar
+constexpr std::size_t kShortestName = 8;        ///< that tells more than nothing
 constexpr std::size_t kFewestColumnsForSpeed = 50;
-constexpr std::size_t kBarFrame = 4;              ///< two spaces and two brackets
-constexpr double kShortestMeasuredSeconds = 0.5;  ///< before that, what is left is a guess
+constexpr std::size_t kBarFrame = 4;  ///< two spaces and two brackets
 constexpr std::string_view kWipeLine = "\r\x1B[K";
 
 std::size_t terminalColumns() {
@@ -31,78 +33,119 @@ std::size_t terminalColumns() {
     return size.ws_col;
 }
 
-/** The first characters of the text, as many as surely fit: a wrapped line could not be wiped.
- *  Every character from U+0800 on, among them all those of double width, counts as two columns. */
-std::string shortened(std::string_view text, std::size_t columns) {
-    std::string kept;
-    while (!text.empty()) {
-        const std::size_t length = std::max<std::size_t>(1, base::utf8CharacterLength(text));
-        const std::size_t width = length > 2 ? 2 : 1;
-        if (width > columns) break;
-        columns -= width;
-        kept += text.substr(0, length);
-        text.remove_prefix(length);
-    }
-    return kept;
+void print(const std::string& text) {
+    std::fwrite(text.data(), 1, text.size(), stderr);
+    std::fflush(stderr);
+}
+
+int percent(const RunProgress& run) {
+    return static_cast<int>(run.fraction() * 100.0);
+}
+
+std::string speedText(const RunProgress& run, double elapsedSeconds) {
+    const auto speed = run.speed(elapsedSeconds);
+    return speed ? fmt::format("{:.0f}x", *speed) : "";
+}
+
+std::string leftText(const RunProgress& run, double elapsedSeconds) {
+    const auto seconds = run.secondsLeft(elapsedSeconds);
+    return seconds ? output::clockTimeInSeconds(*seconds) + " left" : "";
+}
+
+/** Percentage, speed and time left, as many of them as leave room for a name. */
+std::string figures(const RunProgress& run, double elapsedSeconds, std::size_t columns) {
+    std::string text = fmt::format("  {:3d} %", percent(run));
+    if (columns + 1 >= kFewestColumnsForSpeed)
+        text += fmt::format("  {:>5}", speedText(run, elapsedSeconds));
+    const std::string left = fmt::format("  {:>12}", leftText(run, elapsedSeconds));
+    return text.size() + left.size() + kShortestName > columns ? text : text + left;
 }
 
 std::string bar(double fraction, std::size_t width) {
     const auto filled = static_cast<std::size_t>(fraction * static_cast<double>(width));
-    return fmt::format("[{:#<{}}{:.<{}}]", "", filled, "", width - filled);
+    return fmt::format("  [{:#<{}}{:.<{}}]", "", filled, "", width - filled);
 }
 
 }  // namespace
 
-ProgressLine::ProgressLine(std::string_view path, bool wanted)
-    : name_(base::displayName(path.substr(path.rfind('/') + 1))),
-      active_(wanted && isatty(STDERR_FILENO) == 1) {}
-
-ProgressLine::~ProgressLine() {
-    clear();
+std::string progressText(const RunProgress& run, const std::string& name, double elapsedSeconds,
+                         std::size_t columns) {
+    std::string before = run.count();
+    const std::size_t counted = before.empty() ? 0 : before.size() + 2;
+    const std::size_t room = columns - std::min(columns, counted);
+    const std::string numbers = figures(run, elapsedSeconds, room);
+    const std::size_t free = room - std::min(room, numbers.size());
+    if (free >= kShortestName || before.empty()) {
+        // The name comes before the bar where there is no room for both.
+        const std::size_t barRoom = free - std::min(free, kFewestNameColumns + kBarFrame);
+        const std::size_t barWidth = std::min({kWidestBar, columns / 3, barRoom});
+        const std::string drawn = barWidth < kNarrowestBar ? "" : bar(run.fraction(), barWidth);
+        before += (before.empty() ? "" : "  ") + fitted(name, free - drawn.size()) + drawn;
+    }
+    return fitted(before + numbers, columns);
 }
 
-void ProgressLine::clear() {
+ProgressLine::ProgressLine(const std::vector<std::string>& paths, Manner manner,
+                           Clock::time_point begin)
+    : run_(paths), manner_(manner), begin_(begin), nextShow_(begin) {
+    if (manner_ == Manner::watched && isatty(STDERR_FILENO) == 0) manner_ = Manner::lines;
+    if (manner_ == Manner::lines) nextShow_ += kTellEvery;
+}
+
+ProgressLine::~ProgressLine() {
+    wipe();
+}
+
+void ProgressLine::beginTrack(const std::string& path) {
+    path_ = path;
+    run_.begin();
+}
+
+void ProgressLine::show(double fraction, double trackSeconds, Clock::time_point now) {
+    run_.show(fraction, trackSeconds);
+    if (manner_ == Manner::quiet || now < nextShow_) return;
+    const double elapsed = std::chrono::duration<double>(now - begin_).count();
+    if (manner_ == Manner::watched) {
+        showOver(elapsed);
+        nextShow_ = now + kShowEvery;
+    } else {
+        tell(elapsed);
+        nextShow_ = now + kTellEvery;
+    }
+}
+
+void ProgressLine::showOver(double elapsedSeconds) {
+    const std::string name = base::displayName(path_.substr(path_.rfind('/') + 1));
+    // A terminal may wrap once its last column is written.
+    print(std::string(kWipeLine) + progressText(run_, name, elapsedSeconds, terminalColumns() - 1));
+    shown_ = true;
+}
+
+void ProgressLine::tell(double elapsedSeconds) const {
+    std::string text = base::displayName(path_) + ": ";
+    if (run_.tracks() > 1) text += run_.count() + ", ";
+    text += fmt::format("{} %", percent(run_));
+    for (const std::string& figure :
+         {speedText(run_, elapsedSeconds), leftText(run_, elapsedSeconds)})
+        text += figure.empty() ? "" : ", " + figure;
+    print("beatatlas: " + text + "\n");
+}
+
+void ProgressLine::wipe() {
     if (shown_) print(std::string(kWipeLine));
     shown_ = false;
 }
 
-void ProgressLine::show(double fraction, double trackSeconds) {
-    if (!active_) return;
-    const auto now = Clock::now();
-    if (now < nextShow_) return;
-    nextShow_ = now + kShowEvery;
-    shown_ = true;
-    const double done = std::clamp(fraction, 0.0, 1.0);
-    const std::size_t room = terminalColumns() - 1;
-    const double elapsed = std::chrono::duration<double>(now - begin_).count();
-    const auto speed = room < kFewestColumnsForSpeed ? Speed::hidden : Speed::shown;
-    const std::string figures = progressFigures(done, trackSeconds, elapsed, speed);
-    // The name comes before the bar where there is no room for both.
-    const std::size_t free = room - std::min(room, figures.size());
-    const std::size_t barRoom = free - std::min(free, kFewestNameColumns + kBarFrame);
-    const std::size_t barWidth = std::min({kWidestBar, room / 3, barRoom});
-    const std::string drawn = barWidth < kNarrowestBar ? "" : "  " + bar(done, barWidth);
-    const std::string name = shortened(name_, free - std::min(free, drawn.size()));
-    print(std::string(kWipeLine) + shortened(name + drawn + figures, room));
+void ProgressLine::endTrack(bool isDone) {
+    run_.end(isDone);
+    if (shown_) nextShow_ = {};
+    wipe();
 }
 
-void ProgressLine::print(const std::string& line) {
-    std::fwrite(line.data(), 1, line.size(), stderr);
-    std::fflush(stderr);
-}
-
-std::string progressFigures(double fraction, double trackSeconds, double elapsedSeconds,
-                            Speed speed) {
-    const bool isMeasured = elapsedSeconds >= kShortestMeasuredSeconds && fraction > 0.0;
-    std::string times;
-    std::string left;
-    if (isMeasured && trackSeconds > 0.0)
-        times = fmt::format("{:.0f}x", fraction * trackSeconds / elapsedSeconds);
-    if (isMeasured)
-        left = output::clockTimeInSeconds(elapsedSeconds * (1.0 - fraction) / fraction) + " left";
-    std::string text = fmt::format("  {:3d} %", static_cast<int>(fraction * 100.0));
-    if (speed == Speed::shown) text += fmt::format("  {:>5}", times);
-    return text + fmt::format("  {:>12}", left);
+void ProgressLine::tellOutcome() {
+    wipe();
+    if (manner_ == Manner::quiet || run_.tracks() < 2) return;
+    print("beatatlas: " + run_.outcome() + "\n");
 }
 
 }  // namespace app

@@ -4,49 +4,65 @@
 #include <chrono>
 #include <string>
 #include <string_view>
+#include <vector>
+
+#include "io/RunProgress.h"
 
 namespace app {
 
-/** One line on standard error that tells how far a track is, while a person watches: nothing at all
- *  is printed when standard error is not a terminal. The line is wiped when the object goes.
+/** Tells on standard error how far a command is with its tracks.
  *
- *  Nothing in it moves while it lives. On a narrow terminal the bar goes first, then the speed,
- *  then the name. */
+ *  While a person watches it is one line that is written over again and wiped in the end; nothing
+ *  in it moves while a track lasts. On a narrow terminal the bar goes first, then the speed, the
+ *  time left and the name. Where standard error is no terminal, or other lines go between, it is a
+ *  line of its own now and then. */
 class ProgressLine {
 public:
-    /** @param path    of the file, whose name is shown
-     *  @param wanted  false keeps silent even on a terminal */
-    ProgressLine(std::string_view path, bool wanted);
+    using Clock = std::chrono::steady_clock;
+
+    enum class Manner {
+        quiet,    ///< nothing at all
+        watched,  ///< the line on a terminal, else lines now and then
+        lines,    ///< lines now and then
+    };
+
+    /** @param paths  of all the tracks, in their order */
+    ProgressLine(const std::vector<std::string>& paths, Manner manner,
+                 Clock::time_point begin = Clock::now());
     ~ProgressLine();
     ProgressLine(const ProgressLine&) = delete;
     ProgressLine& operator=(const ProgressLine&) = delete;
 
-    /** @param fraction      of the whole work, 0 to 1; values outside are taken to the nearer end
-     *  @param trackSeconds  length of the track; 0 while that is not known, then no speed is
-     *                       told */
-    void show(double fraction, double trackSeconds);
+    void beginTrack(const std::string& path);
+
+    /** As RunProgress::show(). */
+    void show(double fraction, double trackSeconds, Clock::time_point now = Clock::now());
 
     /** Wipes the line, so that something else can be printed. */
-    void clear();
+    void endTrack(bool isDone);
+
+    /** Where there were several tracks: how many are done and how many failed. */
+    void tellOutcome();
 
 private:
-    using Clock = std::chrono::steady_clock;
+    void wipe();
+    void showOver(double elapsedSeconds);
+    void tell(double elapsedSeconds) const;
 
-    void print(const std::string& line);
-
-    std::string name_;
-    bool active_;
+    RunProgress run_;
+    Manner manner_;
+    std::string path_;
     bool shown_ = false;
-    Clock::time_point begin_ = Clock::now();
-    Clock::time_point nextShow_{};
+    Clock::time_point begin_;
+    Clock::time_point nextShow_;
 };
 
-enum class Speed { shown, hidden };
-
-/** What follows the bar: "   43 %    85x     0:12 left", the speed in times of real time. Every
- *  figure keeps its columns, which are blank while it is not known: before half a second speed and
- *  time, and the speed of a track of unknown length. */
-std::string progressFigures(double fraction, double trackSeconds, double elapsedSeconds,
-                            Speed speed);
+/** The line on a terminal: "12 of 300  song.mp3  [######......]   43 %    85x     0:12 left", the
+ *  speed in times of real time. Every figure keeps its columns, which are blank while it is not
+ *  known.
+ *  @param name     as it is to be shown
+ *  @param columns  that may be used */
+std::string progressText(const RunProgress& run, const std::string& name, double elapsedSeconds,
+                         std::size_t columns);
 
 }  // namespace app

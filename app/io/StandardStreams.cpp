@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "io/StandardStreams.h"
 
+#include <array>
+
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -8,10 +10,21 @@ namespace app {
 
 namespace {
 
+/** Where there is no /dev/null, a pipe that nobody reads: what is written there is lost as well.
+ *  @return -1 when there is neither */
+int openNowhere() {
+    const int null = open("/dev/null", O_RDWR | O_CLOEXEC);
+    if (null != -1) return null;
+    std::array<int, 2> ends{};
+    if (pipe2(ends.data(), O_CLOEXEC) != 0) return -1;
+    close(ends[0]);
+    return ends[1];
+}
+
 /** True when the descriptor was open already. */
 bool fillWhenClosed(int descriptor) {
     if (fcntl(descriptor, F_GETFD) != -1) return true;
-    const int nowhere = open("/dev/null", O_RDWR);
+    const int nowhere = openNowhere();
     if (nowhere != -1 && nowhere != descriptor) {
         dup2(nowhere, descriptor);
         close(nowhere);
@@ -19,11 +32,11 @@ bool fillWhenClosed(int descriptor) {
     return false;
 }
 
-void leadAway(int descriptor, const char* path) {
-    const int target = open(path, O_WRONLY | O_CLOEXEC);
-    if (target == -1) return;
-    dup2(target, descriptor);
-    close(target);
+/** Among the errors a library's lines can be borne, among the results they cannot. */
+void leadOutputAway() {
+    const int nowhere = openNowhere();
+    dup2(nowhere == -1 ? STDERR_FILENO : nowhere, STDOUT_FILENO);
+    if (nowhere != -1) close(nowhere);
 }
 
 }  // namespace
@@ -33,7 +46,7 @@ StandardStreams::StandardStreams() {
     const bool hasOutput = fillWhenClosed(STDOUT_FILENO);
     fillWhenClosed(STDERR_FILENO);
     if (hasOutput) resultDescriptor_ = fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
-    leadAway(STDOUT_FILENO, "/dev/null");
+    leadOutputAway();
 }
 
 StandardStreams::~StandardStreams() {

@@ -158,7 +158,8 @@ BA_API bool BA_Analyzed(void* session);
  *  and for a null array. Frames of the completing call beyond the declared length enter the levels
  *  too.
  *
- *  @param left,right  count samples each, full scale ±32768; only read */
+ *  @param left   count samples, full scale ±32768; only read
+ *  @param right  the same of the other side */
 BA_API void BA_SetSamplePre(void* session, float* left, float* right, int count);
 
 /** Feeds the analysis pass. The call that brings the declared length runs the closing analysis
@@ -168,7 +169,8 @@ BA_API void BA_SetSamplePre(void* session, float* left, float* right, int count)
  *  for count ≤ 0 and for a null array. How the track is split into calls does not change any
  *  result.
  *
- *  @param left,right  count samples each, full scale ±32768; only read */
+ *  @param left   count samples, full scale ±32768; only read
+ *  @param right  the same of the other side */
 BA_API void BA_SetSample(void* session, float* left, float* right, int count);
 
 /** The tempo in hundredths of a BPM, rounded half up: 12800 is 128.00 BPM. 0 before the analysis

@@ -154,7 +154,8 @@ BA_API int make_bitrev(int n, int* table);
  *  Forward then inverse gives the input times |n|.
  *  @param n  n > 0: forward, X[f] = Σ x[t] e^(-2πi f t / n), of n points.
  *            n < 0: inverse, with e^(+2πi f t / |n|), of |n| points. 0: nothing.
- *  @param re,im  |n| values each
+ *  @param re  |n| values
+ *  @param im  |n| values
  *  @return 0; or 1 with "malloc error" on standard error when there is no memory for the tables:
  *          the arrays are as they were then */
 BA_API int fft_less_normalize(int n, float* re, float* im);

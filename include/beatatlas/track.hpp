@@ -9,8 +9,8 @@
  *      for (const Beat& beat : result.beats)
  *          if (beat.isDownbeat()) std::printf("bar at %.3f s\n", beat.seconds);
  *
- *  What is said in track.h about audio, threads, arithmetic and output holds here. Everything is in
- *  this header: it needs the library of track.h and nothing else. */
+ *  What track.h states about audio, threads, arithmetic and output holds here too. Everything is in
+ *  this header; it needs only the library of track.h. */
 #ifndef BEATATLAS_TRACK_HPP
 #define BEATATLAS_TRACK_HPP
 
@@ -36,14 +36,14 @@ inline constexpr int kPitchClassCount = 12;
 
 /** How tempo and beats are found. */
 enum class TempoMode {
-    automatic = BA_TRACK_TEMPO_AUTO,     ///< steady or varying, as it turns out
+    automatic = BA_TRACK_TEMPO_AUTO,     ///< finds out whether steady or varying
     constant = BA_TRACK_TEMPO_CONSTANT,  ///< one tempo for the whole track, fine-tuned at the end
-    varied = BA_TRACK_TEMPO_VARIED,      ///< the tempo may change along the track
+    varied = BA_TRACK_TEMPO_VARIED,      ///< the tempo may change during the track
     simple = BA_TRACK_TEMPO_SIMPLE,  ///< sensed at the beginning only, one regular grid over it all
     off = BA_TRACK_TEMPO_OFF,        ///< no tempo and no beats
 };
 
-/** What is to be found out about a track, and how. */
+/** What to find out about a track, and how. */
 struct Options {
     TempoMode tempo = TempoMode::automatic;
 
@@ -51,36 +51,37 @@ struct Options {
      *  32, 64 …; any other number above 0 means 32. */
     int sectionBeats = 32;
 
-    /** Simple tempo: how much of the beginning is sensed, 0 and up; at or beyond the length of the
-     *  track: all of it. 0: one minute. */
+    /** Simple tempo: how much of the beginning is sensed, in seconds from 0. A value at or beyond
+     *  the length of the track means all of it; 0 means one minute. */
     double rangeSeconds = 0;
 
     bool wantsKey = true;  ///< find the key by evidence
-    /** Find the key of a session of libbeatatlas too, which takes passes of its own. */
+    /** Also find the key of a session of libbeatatlas, which takes passes of its own. */
     bool wantsSessionKey = false;
     bool wantsWaves = true;  ///< make the three waves
 
-    /** Automatic tempo: a range into which the tempo is brought by doubling or halving, with its
-     *  grid. From 20 to 1000 BPM, the upper end at least twice the lower one; 0 and 0: no range. */
+    /** Automatic tempo: a range into which the tempo and its grid are brought by doubling or
+     *  halving. Both in BPM, 20 to 1000, the upper end at least twice the lower one; 0 and 0: no
+     *  range. */
     double lowestBpm = 0;
     double highestBpm = 0;
-    int beatsPerBar = 0;  ///< automatic tempo: 3 or 4, where it is known; 0: found out
+    int beatsPerBar = 0;  ///< automatic tempo: 3 or 4 if known; 0: to be found
 
-    /** The most threads that may work at once, the calling one among them, from 1. */
+    /** The most threads that may work at once, including the calling one; at least 1. */
     int threads = 1;
 
-    /** Is told how far the analysis has come, as BA_TrackOptions has it. To stop the analysis it
-     *  throws; analyze() then throws the same. */
+    /** Called with the progress of the analysis, as stated at BA_TrackOptions. To stop the
+     *  analysis, throw; analyze() then throws the same exception. */
     std::function<void(double fraction)> progress;
 };
 
-/** Hands out the next frames of a pass over a track: up to `frames` samples to left and right, full
- *  scale ±1.0. Returns how many; 0 when the track is over. To stop the analysis it throws;
- *  analyze() then throws the same. */
+/** Delivers the next frames of a pass over a track: writes up to `frames` samples each to left and
+ *  right, full scale ±1.0. Returns how many; 0 when the track is over. To stop the analysis, throw;
+ *  analyze() then throws the same exception. */
 using Pass = std::function<std::int64_t(float* left, float* right, std::int64_t frames)>;
 
 /** Where the audio of a track comes from. Each pass begins at the first frame and is destroyed when
- *  it is over; what is said at BA_TrackSource about order and threads holds. */
+ *  it is over; what BA_TrackSource states about order and threads holds. */
 struct Source {
     std::function<Pass()> open;
     bool fewestPasses = false;  ///< passes are costly or have to wait for a decoder
@@ -91,47 +92,48 @@ struct Beat {
     double seconds = 0.0;    ///< from the first frame of the track
     double bpm = 0.0;        ///< tempo at this beat, a multiple of 0.01
     std::int64_t frame = 0;  ///< from the first frame of the track, at its rate
-    int numberInBar = 0;     ///< from 1, the downbeat, to the beats of a bar
+    int numberInBar = 0;     ///< 1, the downbeat, to the number of beats in a bar
 
     bool isDownbeat() const { return numberInBar == 1; }
 };
 
-/** What another reading of the beats makes of those that were chosen. */
+/** How another reading of the beats relates to the chosen one. */
 enum class ReadingKind {
     twice = BA_TRACK_READING_DOUBLE,             ///< beats half as far apart
     half = BA_TRACK_READING_HALF,                ///< beats twice as far apart
     shifted = BA_TRACK_READING_SHIFTED,          ///< the same tempo, between the chosen beats
     threeToTwo = BA_TRACK_READING_THREE_TO_TWO,  ///< three beats for two
     twoToThree = BA_TRACK_READING_TWO_TO_THREE,  ///< two beats for three
-    other = BA_TRACK_READING_OTHER,              ///< any other tempo or place
+    other = BA_TRACK_READING_OTHER,              ///< any other tempo or position
 };
 
-/** Another reading of the beats. */
+/** Another reading of the beats, compared with the answer before it was brought into a range. */
 struct Reading {
     ReadingKind kind = ReadingKind::other;
     double bpm = 0.0;
 
-    /** Its probability, 0 to 1; that of the chosen reading and of all others add up to 1. */
+    /** Its probability, 0 to 1; those of the chosen reading and of all others add up to 1. */
     double share = 0.0;
 
-    /** How long after a beat of the answer its first beat comes, in beats of the answer, 0 to 1. */
+    /** How far its first beat lies after the beat of the answer before it, in beats of the answer,
+     *  0 to 1. */
     double shiftBeats = 0.0;
 };
 
-/** A stretch of beats of nearly one tempo. */
+/** A section of the track with nearly one tempo. */
 struct TempoStretch {
     double fromSeconds = 0.0;  ///< its first beat
-    double toSeconds = 0.0;    ///< the first beat of the next stretch, or the last beat of all
-    double bpm = 0.0;          ///< the mean, a multiple of 0.01
+    double toSeconds = 0.0;  ///< the first beat of the next section, or the last beat of the track
+    double bpm = 0.0;        ///< the mean, a multiple of 0.01
 };
 
-/** What the automatic tempo knows beside tempo and beats. */
+/** What the automatic tempo reports besides tempo and beats. */
 struct TempoJudgement {
-    bool isSteady = true;  ///< one tempo, beats of even distances; else the beats follow it
+    bool isSteady = true;  ///< one tempo, evenly spaced beats; else the beats follow its changes
     double rawBpm = 0.0;   ///< before it was brought into the range of the options
     BA_TrackConfidence confidence{};
     std::vector<TempoStretch> stretches;  ///< one where the tempo is steady
-    std::vector<Reading> readings;        ///< but for the chosen one, the likeliest first
+    std::vector<Reading> readings;        ///< other than the chosen one, the likeliest first
 };
 
 /** One point of a waveform overview. */
@@ -140,14 +142,14 @@ struct WavePoint {
     int color = 0;
 };
 
-/** A key, by what is heard of it in a track. Keys are numbered as in SessionKey. */
+/** A key and the evidence for it in a track. Keys are numbered as in SessionKey. */
 struct KeyCandidate {
     int key = 0;
     double score = 0.0;        ///< only the scores of one track can be compared
-    double probability = 0.0;  ///< what the scores make of it; those of all keys add up to 1
+    double probability = 0.0;  ///< 0 to 1; those of all keys add up to 1
 };
 
-/** A stretch of a track in one key. */
+/** A section of the track in one key. */
 struct KeySegment {
     double fromSeconds = 0.0;
     double toSeconds = 0.0;
@@ -158,13 +160,13 @@ struct KeySegment {
 /** The key by evidence, and how the track is tuned. */
 struct Key {
     std::array<KeyCandidate, kKeyCount> ranking{};  ///< the likeliest first
-    /** The share of tracks of known key on which such an answer was right. */
+    /** The share of tracks of known key, 0 to 1, on which such an answer was right. */
     double confidence = 0.0;
     std::vector<KeySegment> segments;  ///< one where the key does not change
-    /** How strongly the notes from A upward sound; adds up to 1. */
+    /** How strongly each note sounds, from A upward; the values add up to 1. */
     std::array<double, kPitchClassCount> chroma{};
-    double tuningCents = 0.0;  ///< above A4 = 440 Hz, -50 to 50
-    double tuningHz = 440.0;   ///< what A4 is
+    double tuningCents = 0.0;  ///< hundredths of a semitone above A4 = 440 Hz, -50 to 50
+    double tuningHz = 440.0;   ///< frequency of the track's A4
 
     int best() const { return ranking[0].key; }
     int second() const { return ranking[1].key; }
@@ -178,12 +180,12 @@ struct SessionKey {
     std::array<int, kPitchClassCount> noteCounts{};
     std::array<double, kPitchClassCount> noteShares{};
 
-    /** How far the runner-up lies behind the best, as a share of the best score: 0 (level) to 1. */
+    /** How far the runner-up lies behind the best, as a share of the best score: 0 (equal) to 1. */
     double runnerUpDistance() const { return (scores[0] - scores[1]) / scores[0]; }
 };
 
-/** Everything that is known about one track. Empty lists and missing values: nothing was found, or
- *  it was not asked for. */
+/** The results of one analysis. An empty list or a missing value means that nothing was found or
+ *  that it was not asked for. */
 struct TrackResult {
     int rate = 0;             ///< Hz
     std::int64_t frames = 0;  ///< length of the track at that rate
@@ -203,7 +205,8 @@ struct TrackResult {
 /** Why an analysis gave no result: a bad argument, a source of the wrong length. */
 class Error : public std::runtime_error {
 public:
-    explicit Error(int status) : std::runtime_error(BA_TrackStatusText(status)), status_(status) {}
+    explicit Error(int status) : Error(status, BA_TrackStatusText(status)) {}
+    Error(int status, const char* text) : std::runtime_error(text), status_(status) {}
 
     int status() const { return status_; }  ///< BA_TRACK_…
 
@@ -211,11 +214,11 @@ private:
     int status_;
 };
 
-/** How the functions below put the C interface into values; nothing for a host to call. */
+/** Translates between the C interface and values; nothing here is for a host to call. */
 namespace detail {
 
-/** Keeps what a callback throws until it can be thrown in the caller's thread; of several the
- *  first. */
+/** Keeps what a callback throws until it can be rethrown in the caller's thread. Of several
+ *  exceptions it keeps the first. */
 class ThrownByHost {
 public:
     template <class Call, class Result>
@@ -237,7 +240,7 @@ private:
     std::exception_ptr first_;
 };
 
-/** The host of the C callbacks. */
+/** The host pointer of the C callbacks points to this. */
 struct Host {
     const Options& options;
     const Source* source;
@@ -252,7 +255,11 @@ inline int showProgress(void* host, double fraction) {
 
 inline void* openPass(void* host) {
     auto& own = *static_cast<Host*>(host);
-    const auto call = [&]() -> void* { return new Pass(own.source->open()); };
+    const auto call = [&]() -> void* {
+        Pass pass = own.source->open();
+        if (!pass) throw Error(BA_TRACK_BAD_ARGUMENT, "The source opened an empty pass.");
+        return new Pass(std::move(pass));
+    };
     return own.thrown.guard(call, static_cast<void*>(nullptr));
 }
 
@@ -387,15 +394,16 @@ inline TrackResult finish(int status, const Track& track, const ThrownByHost& th
 
 }  // namespace detail
 
-/** Analyses a track that is handed out piece by piece.
+/** Analyses a track that is delivered piece by piece.
  *
  *  @param rate    frames per second: 44100 or 48000
- *  @param frames  length of the track, 1 to 2,147,483,647
- *  @throws Error for an argument out of its range and a source that has another length;
- *          std::bad_alloc; and whatever the source or the progress call throws */
+ *  @param frames  length of the track in frames, 1 to 2,147,483,647
+ *  @throws Error for an argument out of range, for a source without a function to open it or with an
+ *          empty pass, and for a source of another length; std::bad_alloc; and whatever the source
+ *          or the progress function throws */
 inline TrackResult analyze(const Options& options, int rate, std::int64_t frames,
                            const Source& source) {
-    if (!source.open) throw Error(BA_TRACK_BAD_ARGUMENT);
+    if (!source.open) throw Error(BA_TRACK_BAD_ARGUMENT, "The source has no function to open it.");
     detail::Host host{options, &source, {}};
     const BA_TrackOptions plainOptions = detail::toOptions(options, host);
     const BA_TrackSource plainSource{
@@ -407,8 +415,9 @@ inline TrackResult analyze(const Options& options, int rate, std::int64_t frames
 }
 
 /** Analyses a track that lies in memory.
- *  @param left,right  `frames` samples each, full scale ±1.0
- *  @throws as above */
+ *  @param left   `frames` samples, full scale ±1.0
+ *  @param right  the same for the other channel
+ *  @throws as for the other analyze() */
 inline TrackResult analyze(const Options& options, int rate, const float* left, const float* right,
                            std::int64_t frames) {
     detail::Host host{options, nullptr, {}};

@@ -23,6 +23,7 @@ constexpr std::size_t kHeaderFrameBytes = 192;
 // delays by 529 more.
 constexpr std::size_t kDelaysAt = 21;
 constexpr std::int64_t kDecoderDelay = 529;
+constexpr std::int64_t kLameDelay = 576;
 
 /** Where the first frame begins, behind any ID3v2 tags. */
 std::int64_t skipTags(const FileInput& input) {
@@ -64,6 +65,12 @@ std::optional<HeaderFrame> findHeader(const FileInput& input) {
     return HeaderFrame{frame, first, at + 4, frame.bigEndian(at + 4, 4)};
 }
 
+/** FFmpeg writes 0 or -529 where it does not know; then it is LAME's, as EncoderDelay has it. */
+std::int64_t encoderDelay(std::int64_t told, const std::string& writer) {
+    const bool isUnknown = writer != "LAME" && (told == 0 || told == 4096 - kDecoderDelay);
+    return isUnknown ? kLameDelay : told;
+}
+
 }  // namespace
 
 std::optional<std::int64_t> mpegAudioEnd(const FileInput& input) {
@@ -84,7 +91,7 @@ std::int64_t mpegAudioPadding(const FileInput& input) {
     const std::string writer = header->bytes.text(at, 4);
     if (writer != "LAME" && writer != "Lavf" && writer != "Lavc") return 0;
     const auto delays = static_cast<std::int64_t>(header->bytes.bigEndian(at + kDelaysAt, 3));
-    const std::int64_t before = (delays >> 12) + kDecoderDelay;
+    const std::int64_t before = encoderDelay(delays >> 12, writer) + kDecoderDelay;
     const std::int64_t behind = (delays & 0xFFF) - kDecoderDelay;
     return before + std::max<std::int64_t>(0, behind);
 }

@@ -5,29 +5,58 @@
 #include <cmath>
 #include <numbers>
 
-#include <cairo.h>
+#include <pango/pangocairo.h>
+
+#include "output/picture/plainLetters.h"
 
 namespace output {
 
 namespace {
 
-constexpr const char* kEllipsis = "…";
+constexpr double kLineHeight = 1.35;  ///< of a paragraph, in text sizes
+constexpr double kUsualSize = 12.0;
 
-/** Without its last UTF-8 character. */
-void dropLastCharacter(std::string& text) {
-    while (!text.empty() && (static_cast<unsigned char>(text.back()) & 0xC0) == 0x80)
-        text.pop_back();
-    if (!text.empty()) text.pop_back();
+int toPango(double units) {
+    return static_cast<int>(std::lround(units * PANGO_SCALE));
+}
+
+/** How much of a text stands left of its place. */
+double shareLeftOf(Align align) {
+    return align == Align::left ? 0.0 : align == Align::center ? 0.5 : 1.0;
+}
+
+/** Letters keep their widths at every scale, so that lines break at the same places, and have no
+ *  coloured edges. */
+PangoLayout* makeLayout(cairo_t* context) {
+    PangoLayout* layout = pango_cairo_create_layout(context);
+    PangoContext* pango = pango_layout_get_context(layout);
+    cairo_font_options_t* options = cairo_font_options_create();
+    cairo_font_options_set_hint_metrics(options, CAIRO_HINT_METRICS_OFF);
+    cairo_font_options_set_antialias(options, CAIRO_ANTIALIAS_GRAY);
+    pango_cairo_context_set_font_options(pango, options);
+    cairo_font_options_destroy(options);
+    pango_context_set_round_glyph_positions(pango, FALSE);
+    pango_layout_context_changed(layout);
+    pango_layout_set_ellipsize(layout, PANGO_ELLIPSIZE_END);
+    pango_layout_set_wrap(layout, PANGO_WRAP_WORD_CHAR);
+    return layout;
 }
 
 }  // namespace
 
-Canvas::Canvas(cairo_surface_t* surface, double scale) : context_(cairo_create(surface)) {
+Canvas::Canvas(cairo_surface_t* surface, double scale)
+    : scale_(scale), context_(cairo_create(surface)) {
     cairo_scale(context_.get(), scale, scale);
+    layout_.reset(makeLayout(context_.get()));
+    hasFonts_ = canShow("A");
 }
 
-void Canvas::ContextDestroy::operator()(cairo_t* context) const {
+void Canvas::Release::operator()(cairo_t* context) const {
     cairo_destroy(context);
+}
+
+void Canvas::Release::operator()(PangoLayout* layout) const {
+    g_object_unref(layout);
 }
 
 void Canvas::setColor(const Color& color) {
@@ -74,36 +103,87 @@ void Canvas::fillCircle(double x, double y, double radius, const Color& color) {
     cairo_fill(context_.get());
 }
 
-void Canvas::verticalLine(double x, double top, double bottom, double width, const Color& color) {
-    fillRect({std::round(x - width / 2.0), top, width, bottom - top}, color);
+void Canvas::verticalLine(double x, double top, double bottom, const LineStyle& style) {
+    const double width = std::max(1.0, std::round(style.width * scale_));
+    const double left = std::round(x * scale_ - width / 2.0);
+    const double halo =
+        style.haloWidth > 0.0 ? std::max(1.0, std::round(style.haloWidth * scale_)) : 0.0;
+    if (halo > 0.0) {
+        fillRect({(left - halo) / scale_, top, (width + 2.0 * halo) / scale_, bottom - top},
+                 style.halo);
+    }
+    fillRect({left / scale_, top, width / scale_, bottom - top}, style.color);
 }
 
-void Canvas::setFont(const TextStyle& style) {
-    cairo_select_font_face(context_.get(), "sans-serif", CAIRO_FONT_SLANT_NORMAL,
-                           style.isBold ? CAIRO_FONT_WEIGHT_BOLD : CAIRO_FONT_WEIGHT_NORMAL);
-    cairo_set_font_size(context_.get(), style.size);
+void Canvas::setText(const std::string& text, const TextStyle& style) {
+    PangoFontDescription* font = pango_font_description_new();
+    pango_font_description_set_family_static(font, "sans-serif");
+    pango_font_description_set_weight(font, style.isBold ? PANGO_WEIGHT_BOLD : PANGO_WEIGHT_NORMAL);
+    pango_font_description_set_absolute_size(font, style.size * PANGO_SCALE);
+    pango_layout_set_font_description(layout_.get(), font);
+    pango_font_description_free(font);
+    pango_layout_set_text(layout_.get(), text.data(), static_cast<int>(text.size()));
 }
 
-void Canvas::text(double x, double y, const std::string& text, const TextStyle& style) {
-    const double width = style.align == Align::left ? 0.0 : textWidth(text, style);
-    setFont(style);
+void Canvas::setWidth(double width, int lines) {
+    pango_layout_set_width(layout_.get(), std::max(0, toPango(width)));
+    // Pango takes a number of lines as a negative height.
+    pango_layout_set_height(layout_.get(), -lines);
+}
+
+/** Whether there is a font for each of the letters. */
+bool Canvas::canShow(const std::string& text) {
+    setText(text, {kUsualSize, {}});
+    return pango_layout_get_unknown_glyphs_count(layout_.get()) == 0;
+}
+
+double Canvas::showLine(int index, double x, double y, Align align) {
+    PangoLayoutLine* line = pango_layout_get_line_readonly(layout_.get(), index);
+    PangoRectangle extents = {};
+    pango_layout_line_get_extents(line, nullptr, &extents);
+    const double width = static_cast<double>(extents.width) / PANGO_SCALE;
+    cairo_move_to(context_.get(), x - shareLeftOf(align) * width, y);
+    pango_cairo_show_layout_line(context_.get(), line);
+    return width;
+}
+
+double Canvas::text(double x, double y, const std::string& text, const TextStyle& style,
+                    double width) {
     setColor(style.color);
-    cairo_move_to(context_.get(), style.align == Align::center ? x - width / 2.0 : x - width, y);
-    cairo_show_text(context_.get(), text.c_str());
+    if (!hasFonts_) return showPlainly(x, y, text, style, width);
+    setText(text, style);
+    setWidth(width, 1);
+    return showLine(0, x, y, style.align);
+}
+
+void Canvas::paragraph(double x, double y, const std::string& text, const TextStyle& style,
+                       double width, int lines) {
+    if (!hasFonts_) {
+        this->text(x, y, text, style, width);
+        return;
+    }
+    setColor(style.color);
+    setText(text, style);
+    setWidth(width, lines);
+    const int count = std::min(lines, pango_layout_get_line_count(layout_.get()));
+    for (int i = 0; i < count; ++i) showLine(i, x, y + i * kLineHeight * style.size, style.align);
+}
+
+double Canvas::showPlainly(double x, double y, const std::string& text, const TextStyle& style,
+                           double width) {
+    const std::string shown = fittedPlainly(context_.get(), text, style.size, width);
+    const double taken = plainWidth(context_.get(), shown, style.size);
+    showPlainLetters(context_.get(), x - shareLeftOf(style.align) * taken, y, shown, style.size);
+    return taken;
 }
 
 double Canvas::textWidth(const std::string& text, const TextStyle& style) {
-    setFont(style);
-    cairo_text_extents_t extents = {};
-    cairo_text_extents(context_.get(), text.c_str(), &extents);
-    return extents.x_advance;
-}
-
-std::string Canvas::fitted(const std::string& text, const TextStyle& style, double width) {
-    if (textWidth(text, style) <= width) return text;
-    std::string kept = text;
-    while (!kept.empty() && textWidth(kept + kEllipsis, style) > width) dropLastCharacter(kept);
-    return kept + kEllipsis;
+    if (!hasFonts_) return plainWidth(context_.get(), text, style.size);
+    setText(text, style);
+    pango_layout_set_width(layout_.get(), -1);
+    PangoRectangle extents = {};
+    pango_layout_get_extents(layout_.get(), nullptr, &extents);
+    return static_cast<double>(extents.width) / PANGO_SCALE;
 }
 
 }  // namespace output

@@ -7,10 +7,11 @@
 #include "output/picture/Color.h"
 #include "output/picture/Rect.h"
 
-// As cairo.h declares them.
+// As cairo.h and pango-types.h declare them.
 // NOLINTBEGIN(bugprone-reserved-identifier, cert-dcl37-c, cert-dcl51-cpp, modernize-use-using)
 typedef struct _cairo cairo_t;
 typedef struct _cairo_surface cairo_surface_t;
+typedef struct _PangoLayout PangoLayout;
 // NOLINTEND(bugprone-reserved-identifier, cert-dcl37-c, cert-dcl51-cpp, modernize-use-using)
 
 namespace output {
@@ -24,11 +25,25 @@ struct TextStyle {
     Align align = Align::left;
 };
 
-/** Draws on a cairo surface in the picture's own units. */
+/** A line with an edge on both sides, which sets it off from what lies behind. */
+struct LineStyle {
+    double width;
+    Color color;
+    double haloWidth = 0.0;  ///< on each side
+    Color halo{};
+};
+
+/** Draws on a cairo surface in the picture's own units.
+ *
+ *  Words are laid out by Pango: each script in the direction it is written in, by a font that has
+ *  it. Without any font they are drawn with the letters that cairo brings along, Latin ones. */
 class Canvas {
 public:
     /** @param scale  surface units for one unit of the picture */
     Canvas(cairo_surface_t* surface, double scale);
+
+    /** The width of a pixel in the picture's units. */
+    double pixel() const { return 1.0 / scale_; }
 
     void fillRect(const Rect& rect, const Color& color);
 
@@ -39,25 +54,40 @@ public:
     void fillRoundedRect(const Rect& rect, double radius, const Color& color);
     void strokeRect(const Rect& rect, double width, const Color& color);
     void fillCircle(double x, double y, double radius, const Color& color);
-    /** Moved to the nearest whole unit, so that thin lines are sharp. */
-    void verticalLine(double x, double top, double bottom, double width, const Color& color);
 
-    /** @param y  of the base line */
-    void text(double x, double y, const std::string& text, const TextStyle& style);
+    /** Of whole pixels, so that thin lines are sharp and none vanishes. */
+    void verticalLine(double x, double top, double bottom, const LineStyle& style);
+
+    /** One line of UTF-8; what is wider than that ends in an ellipsis.
+     *  @param y  of the base line
+     *  @return the width it takes */
+    double text(double x, double y, const std::string& text, const TextStyle& style, double width);
+
+    /** UTF-8 broken into lines of that width; where they are more than so many, the last of them
+     *  ends in an ellipsis. Without any font: one line. @param y  of the first base line */
+    void paragraph(double x, double y, const std::string& text, const TextStyle& style,
+                   double width, int lines);
+
     double textWidth(const std::string& text, const TextStyle& style);
 
-    /** The text, or its beginning and an ellipsis when it is wider than that. */
-    std::string fitted(const std::string& text, const TextStyle& style, double width);
-
 private:
-    struct ContextDestroy {
+    struct Release {
         void operator()(cairo_t* context) const;
+        void operator()(PangoLayout* layout) const;
     };
 
     void setColor(const Color& color);
-    void setFont(const TextStyle& style);
+    void setText(const std::string& text, const TextStyle& style);
+    void setWidth(double width, int lines);
+    bool canShow(const std::string& text);
+    double showLine(int index, double x, double y, Align align);
+    double showPlainly(double x, double y, const std::string& text, const TextStyle& style,
+                       double width);
 
-    std::unique_ptr<cairo_t, ContextDestroy> context_;
+    double scale_;
+    std::unique_ptr<cairo_t, Release> context_;
+    std::unique_ptr<PangoLayout, Release> layout_;
+    bool hasFonts_ = true;
 };
 
 }  // namespace output

@@ -5,21 +5,31 @@
 
 #include "beatatlas/track.hpp"
 #include "output/picture/Canvas.h"
+#include "output/picture/PictureLayout.h"
+#include "output/picture/Theme.h"
 
 namespace output {
 
 /** The strip of dots: one for each hundredth of the track, larger and brighter the stronger its
- *  bass. */
+ *  bass, in the colour of bass. Above it stands what the dots mean. */
 class DotsPanel {
 public:
-    DotsPanel(const std::vector<beatatlas::track::WavePoint>& dots, const Rect& area)
-        : dots_(dots), area_(area) {}
+    DotsPanel(const std::vector<beatatlas::track::WavePoint>& dots, const PictureLayout& layout,
+              const Theme& theme);
 
     void draw(Canvas& canvas) const;
 
 private:
+    double radius(double share) const;
+    void drawDot(Canvas& canvas, double x, double y, double share) const;
+    void drawLegend(Canvas& canvas) const;
+
     const std::vector<beatatlas::track::WavePoint>& dots_;
+    const Theme& theme_;
     Rect area_;
+    TextStyle words_;
+    double pitch_;
+    double largestRadius_;
 };
 
 }  // namespace output

@@ -3,9 +3,11 @@
 
 #include <algorithm>
 #include <cmath>
+#include <vector>
 
-#include "output/picture/TimeAxis.h"
-#include "output/picture/palette.h"
+#include "output/KeyName.h"
+#include "output/picture/barLines.h"
+#include "output/textParts.h"
 
 namespace output {
 
@@ -13,90 +15,139 @@ namespace {
 
 constexpr double kCornerRadius = 6.0;
 constexpr double kPadding = 14.0;
-constexpr double kBarShare = 0.74;  ///< of a point's width; the rest is a gap
+constexpr double kLeastPitch = 2.6;  ///< closer together, bars would blur into each other
+constexpr double kBarShare = 0.74;   ///< of a bar's pitch; the rest is a gap
 // Perceived loudness grows with sound pressure to the power of 0.6 (Stevens); drawn by the bare
 // level, a single crash would flatten the rest of the track.
 constexpr double kLoudnessExponent = 0.6;
 constexpr double kLeastBarHeight = 2.0;  ///< silence is a thin line, not nothing
 constexpr double kBarTickHeight = 6.0;
-constexpr double kLeastBarTickDistance = 3.0;
-constexpr double kLegendDrop = 46.0;
+constexpr double kLeastBarTickDistance = 4.0;
+constexpr double kKeysHeight = 20.0;
+constexpr double kKeyInset = 5.0;
 constexpr double kLegendSwatch = 11.0;
-constexpr double kLegendGap = 26.0;
+constexpr double kLegendInset = kLegendSwatch + 7.0;
+constexpr double kLegendPitch = 172.0;
 
-double highestLevel(const std::vector<beatatlas::track::WavePoint>& wave) {
-    double highest = 1.0;
-    for (const beatatlas::track::WavePoint& point : wave)
-        highest = std::max(highest, static_cast<double>(point.level));
-    return highest;
+using beatatlas::track::WavePoint;
+
+bool isQuieter(const WavePoint& a, const WavePoint& b) {
+    return a.level < b.level;
 }
 
-std::size_t colorIndex(int color) {
-    return static_cast<std::size_t>(
-        std::clamp(color, 0, static_cast<int>(palette::kLoud.size()) - 1));
+/** So few that their bars stand apart: each the loudest of as many neighbours as it takes. */
+std::vector<WavePoint> thinned(const std::vector<WavePoint>& wave, double width) {
+    const double most = std::max(1.0, width / kLeastPitch);
+    const auto together =
+        static_cast<std::size_t>(std::ceil(static_cast<double>(wave.size()) / most));
+    std::vector<WavePoint> points;
+    for (std::size_t i = 0; i < wave.size(); i += together) {
+        const auto first = wave.begin() + static_cast<std::ptrdiff_t>(i);
+        const auto count = std::min(together, wave.size() - i);
+        points.push_back(
+            *std::max_element(first, first + static_cast<std::ptrdiff_t>(count), isQuieter));
+    }
+    return points;
+}
+
+/** The ways to name a key, the longest first. */
+std::vector<std::string> keyNamesByLength(int key, const std::optional<KeyNotation>& notation) {
+    if (notation) return {shortKeyName(key, notation)};
+    return {shortKeyName(key, notation), KeyName(key).musical(), KeyName(key).camelot()};
 }
 
 }  // namespace
 
-OverviewPanel::OverviewPanel(const beatatlas::track::TrackResult& analysis,
-                             const ZoomStretch& stretch, const Rect& area)
-    : analysis_(analysis), stretch_(stretch),
-      area_(area), wave_{area.x, area.y + kPadding, area.width, area.height - 2.0 * kPadding} {}
+OverviewPanel::OverviewPanel(const TrackReport& report, const ZoomStretch& stretch,
+                             const PictureLayout& layout, const Theme& theme)
+    : report_(report), stretch_(stretch), layout_(layout), theme_(theme),
+      axis_(0.0, report.analysis.seconds(), layout.overview),
+      area_(layout.overview), keys_{area_.x, area_.y, area_.width,
+                                    hasKeyChanges() ? kKeysHeight : 0.0},
+      wave_{area_.x, keys_.bottom() + kPadding, area_.width,
+            area_.height - keys_.height - 2.0 * kPadding} {}
+
+bool OverviewPanel::hasKeyChanges() const {
+    return report_.analysis.key && report_.analysis.key->segments.size() > 1;
+}
 
 void OverviewPanel::draw(Canvas& canvas) const {
-    canvas.fillRoundedRect(area_, kCornerRadius, palette::kPanel);
+    canvas.fillRoundedRect(area_, kCornerRadius, theme_.panel);
     drawStretchMark(canvas);
     drawWave(canvas);
     drawBars(canvas);
-    TimeAxis(0.0, analysis_.seconds(), area_).drawLabels(canvas);
+    drawKeys(canvas);
+    axis_.drawLabels(canvas, {layout_.smallSize, theme_.mutedText});
     drawLegend(canvas);
 }
 
 void OverviewPanel::drawWave(Canvas& canvas) const {
-    const auto& wave = analysis_.loudWave;
-    if (wave.empty()) return;
-    const double highest = highestLevel(wave);
-    const double pitch = wave_.width / static_cast<double>(wave.size());
-    for (std::size_t i = 0; i < wave.size(); ++i) {
+    const std::vector<WavePoint> points = thinned(report_.analysis.loudWave, wave_.width);
+    if (points.empty()) return;
+    const double highest = std::max(
+        1.0, static_cast<double>(std::max_element(points.begin(), points.end(), isQuieter)->level));
+    const double pitch = wave_.width / static_cast<double>(points.size());
+    for (std::size_t i = 0; i < points.size(); ++i) {
         const double share =
-            std::pow(static_cast<double>(wave[i].level) / highest, kLoudnessExponent);
+            std::pow(static_cast<double>(points[i].level) / highest, kLoudnessExponent);
         const double height = std::max(kLeastBarHeight, share * wave_.height);
         const double x = wave_.x + (static_cast<double>(i) + (1.0 - kBarShare) / 2.0) * pitch;
         const Rect bar{x, wave_.centerY() - height / 2.0, pitch * kBarShare, height};
-        canvas.fillRoundedRect(bar, pitch * kBarShare / 2.0,
-                               palette::kLoud[colorIndex(wave[i].color)].color);
+        canvas.fillRoundedRect(bar, pitch * kBarShare / 2.0, theme_.ofLoudness(points[i].color));
     }
 }
 
 void OverviewPanel::drawBars(Canvas& canvas) const {
-    const TimeAxis axis(0.0, analysis_.seconds(), area_);
-    double last = area_.x - kLeastBarTickDistance;
-    for (const beatatlas::track::Beat& beat : analysis_.beats) {
-        const double x = axis.xOf(analysis_.secondsAt(beat.frame));
-        if (!beat.isDownbeat() || x < last + kLeastBarTickDistance || x > area_.right()) continue;
-        canvas.verticalLine(x, area_.bottom() - kBarTickHeight, area_.bottom(), 1.0,
-                            palette::kBeat.withAlpha(0.6));
-        last = x;
+    const auto& analysis = report_.analysis;
+    for (const BarLine& bar :
+         barLines(analysis.beats, analysis.rate, axis_, kLeastBarTickDistance)) {
+        canvas.verticalLine(bar.x, area_.bottom() - kBarTickHeight, area_.bottom(),
+                            {1.0, theme_.mutedText});
     }
 }
 
 void OverviewPanel::drawStretchMark(Canvas& canvas) const {
-    const TimeAxis axis(0.0, analysis_.seconds(), area_);
-    const double left = axis.xOf(stretch_.from);
-    const Rect mark{left, area_.y, std::max(2.0, axis.xOf(stretch_.to) - left), area_.height};
-    canvas.fillRect(mark, palette::kText.withAlpha(0.09));
-    canvas.strokeRect(mark, 1.0, palette::kText.withAlpha(0.45));
+    if (stretch_.from <= axis_.from() && stretch_.to >= axis_.to()) return;
+    const double left = axis_.xOf(stretch_.from);
+    const Rect mark{left, keys_.bottom(), std::max(2.0, axis_.xOf(stretch_.to) - left),
+                    area_.bottom() - keys_.bottom()};
+    canvas.fillRect(mark, theme_.mark.withAlpha(0.1));
+    canvas.strokeRect(mark, 1.0, theme_.mark.withAlpha(0.6));
+}
+
+void OverviewPanel::drawKeys(Canvas& canvas) const {
+    if (!hasKeyChanges()) return;
+    canvas.fillRoundedRect(keys_, kCornerRadius, theme_.lane);
+    for (const beatatlas::track::KeySegment& segment : report_.analysis.key->segments)
+        drawKey(canvas, segment);
+}
+
+void OverviewPanel::drawKey(Canvas& canvas, const beatatlas::track::KeySegment& segment) const {
+    const double left = axis_.xOf(segment.fromSeconds);
+    const double room = axis_.xOf(segment.toSeconds) - left - 2.0 * kKeyInset;
+    if (segment.fromSeconds > 0.0)
+        canvas.verticalLine(left, keys_.y, keys_.bottom(), {2.0, theme_.mutedText});
+    const TextStyle style{layout_.smallSize, theme_.text};
+    for (const std::string& name : keyNamesByLength(segment.key, report_.keyNotation)) {
+        if (canvas.textWidth(name, style) > room) continue;
+        canvas.text(left + kKeyInset, keys_.bottom() - 5.5, name, style, room);
+        return;
+    }
 }
 
 void OverviewPanel::drawLegend(Canvas& canvas) const {
-    const TextStyle style{12.5, palette::kMutedText};
-    const double y = area_.bottom() + kLegendDrop;
-    double x = area_.x;
-    for (const auto& [color, meaning] : palette::kLoud) {
+    const TextStyle style{layout_.smallSize, theme_.mutedText};
+    const Rect& area = layout_.legend;
+    const std::size_t perRow = kLoudClasses.size() / static_cast<std::size_t>(layout_.legendRows);
+    const double pitch = std::min(kLegendPitch, area.width / static_cast<double>(perRow));
+    for (std::size_t i = 0; i < kLoudClasses.size(); ++i) {
+        const std::size_t row = i / perRow;
+        const double x = area.x + static_cast<double>(i % perRow) * pitch;
+        const double y = area.y + static_cast<double>(row) * kLegendRowHeight +
+                         (kLegendRowHeight + kLegendSwatch) / 2.0 - 1.0;
         canvas.fillRoundedRect({x, y - kLegendSwatch + 1.0, kLegendSwatch, kLegendSwatch}, 3.0,
-                               color);
-        canvas.text(x + kLegendSwatch + 7.0, y, meaning, style);
-        x += kLegendSwatch + 7.0 + canvas.textWidth(meaning, style) + kLegendGap;
+                               theme_.scale[kLoudClasses[i].step]);
+        canvas.text(x + kLegendInset, y, kLoudClasses[i].meaning, style, pitch - kLegendInset);
     }
 }
 

@@ -48,28 +48,25 @@ void requireSuccess(cairo_status_t status, const Output& output) {
     }
 }
 
-void drawOn(cairo_surface_t* surface, double scale, const TrackReport& report,
-            const PictureOptions& options) {
-    Canvas canvas(surface, scale);
-    TrackPicture(report, options).draw(canvas);
-}
-
-void writePng(const TrackReport& report, const PictureOptions& options, double scale,
-              Output& output) {
-    const int height = static_cast<int>(std::lround(TrackPicture::kHeight * scale));
-    const SurfacePointer surface(
-        cairo_image_surface_create(CAIRO_FORMAT_RGB24, options.widthPixels, height));
-    drawOn(surface.get(), scale, report, options);
+void writePng(const TrackPicture& picture, int width, Output& output) {
+    const PictureLayout& layout = picture.layout();
+    const int height = static_cast<int>(std::lround(layout.height * layout.scale));
+    const SurfacePointer surface(cairo_image_surface_create(CAIRO_FORMAT_RGB24, width, height));
+    requireSuccess(cairo_surface_status(surface.get()), output);
+    Canvas canvas(surface.get(), layout.scale);
+    picture.draw(canvas);
     requireSuccess(cairo_surface_write_to_png_stream(surface.get(), writeBytes, &output), output);
 }
 
-void writeSvg(const TrackReport& report, const PictureOptions& options, double scale,
-              Output& output) {
-    const double height = TrackPicture::kHeight * scale;
-    const SurfacePointer surface(
-        cairo_svg_surface_create_for_stream(writeBytes, &output, options.widthPixels, height));
+void writeSvg(const TrackPicture& picture, int width, Output& output) {
+    const PictureLayout& layout = picture.layout();
+    const SurfacePointer surface(cairo_svg_surface_create_for_stream(writeBytes, &output, width,
+                                                                     layout.height * layout.scale));
     cairo_svg_surface_set_document_unit(surface.get(), CAIRO_SVG_UNIT_PX);
-    drawOn(surface.get(), scale, report, options);
+    {
+        Canvas canvas(surface.get(), layout.scale);
+        picture.draw(canvas);
+    }
     cairo_surface_finish(surface.get());
     requireSuccess(cairo_surface_status(surface.get()), output);
 }
@@ -79,11 +76,11 @@ void writeSvg(const TrackReport& report, const PictureOptions& options, double s
 void writePicture(const TrackReport& report, const PictureOptions& options, PictureFormat format,
                   const ByteSink& write) {
     Output output{write, nullptr};
-    const double scale = options.widthPixels / TrackPicture::kWidth;
+    const TrackPicture picture(report, options);
     if (format == PictureFormat::png)
-        writePng(report, options, scale, output);
+        writePng(picture, options.widthPixels, output);
     else
-        writeSvg(report, options, scale, output);
+        writeSvg(picture, options.widthPixels, output);
 }
 
 }  // namespace output

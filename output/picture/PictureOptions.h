@@ -11,11 +11,14 @@ constexpr double kLongestZoomSeconds = 600.0;
 constexpr int kNarrowestPicture = 480;
 constexpr int kWidestPicture = 8000;
 
+enum class ThemeName { dark, light };
+
 /** What a picture shows and how large it is. */
 struct PictureOptions {
     std::optional<double> zoomFromSeconds;  ///< none: at the loudest place
     double zoomSpanSeconds = 12.0;
     int widthPixels = 1600;
+    ThemeName theme = ThemeName::dark;
 };
 
 enum class PictureFormat { png, svg };

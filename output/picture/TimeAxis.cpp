@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "output/picture/TimeAxis.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 
-#include "output/picture/palette.h"
 #include "output/textFormat.h"
 
 namespace output {
@@ -39,17 +39,17 @@ double TimeAxis::labelStep() const {
     return kRoundSteps.back() * std::ceil(least / kRoundSteps.back());
 }
 
-void TimeAxis::drawLabels(Canvas& canvas) const {
-    const TextStyle style{12.0, palette::kMutedText, false, Align::center};
+void TimeAxis::drawLabels(Canvas& canvas, const TextStyle& style) const {
     const double step = labelStep();
     const auto last = static_cast<long>(std::floor(to_ / step + 1e-9));
     for (auto i = static_cast<long>(std::ceil(from_ / step - 1e-9)); i <= last; ++i) {
         const double seconds = static_cast<double>(i) * step;
         const double x = xOf(seconds);
-        canvas.verticalLine(x, area_.bottom(), area_.bottom() + kTickLength, 1.0,
-                            palette::kMutedText);
+        canvas.verticalLine(x, area_.bottom(), area_.bottom() + kTickLength, {1.0, style.color});
         const std::string label = step < 1.0 ? clockTime(seconds) : clockTimeInSeconds(seconds);
-        canvas.text(x, area_.bottom() + kLabelDrop, label, style);
+        const double width = canvas.textWidth(label, style);
+        const double start = std::max(area_.x, std::min(x - width / 2.0, area_.right() - width));
+        canvas.text(start, area_.bottom() + kLabelDrop, label, style, area_.width);
     }
 }
 

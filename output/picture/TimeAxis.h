@@ -14,9 +14,10 @@ public:
     double secondsAt(double x) const;
     double from() const { return from_; }
     double to() const { return to_; }
+    bool covers(double seconds) const { return seconds >= from_ && seconds <= to_; }
 
-    /** Round times below the area. */
-    void drawLabels(Canvas& canvas) const;
+    /** Round times below the area, none of them beyond its sides. */
+    void drawLabels(Canvas& canvas, const TextStyle& style) const;
 
     /** Distance between labels: the least round one at which they do not touch. */
     double labelStep() const;

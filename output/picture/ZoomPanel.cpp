@@ -6,7 +6,7 @@
 
 #include <fmt/format.h>
 
-#include "output/picture/palette.h"
+#include "output/picture/barLines.h"
 #include "output/textFormat.h"
 
 namespace output {
@@ -15,57 +15,58 @@ namespace {
 
 constexpr double kCornerRadius = 6.0;
 constexpr double kGridHead = 22.0;  ///< above the wave, for the bars' numbers
-constexpr double kPadding = 12.0;
+constexpr double kHeadroom = 0.09;  ///< of the panel, above and below the loudest wave
 constexpr double kFullLevel = 31.0;
 constexpr double kLeastHeight = 1.5;
-constexpr double kColumnWidth = 1.0;
 constexpr double kBeatWidth = 1.0;
+constexpr double kBeatHalo = 1.0;
 constexpr double kDownbeatWidth = 2.0;
-constexpr double kHaloWidth = 2.0;  ///< dark, so that the lines stand out from the wave
-constexpr double kLegendRise = 11.0;
+constexpr double kDownbeatHalo = 1.5;
+// Lines that stand closer would hide more of the wave than they show.
+constexpr double kLeastBeatDistance = 14.0;
+constexpr double kLeastBarDistance = 24.0;
 constexpr double kLegendGap = 9.0;
-constexpr double kSwatchWidth = 16.0;
 constexpr double kSwatchHeight = 11.0;
 constexpr double kLabelGap = 10.0;
-constexpr double kLeastBeatDistance = 4.0;
 
-std::size_t colorIndex(int color) {
-    return static_cast<std::size_t>(
-        std::clamp(color, 0, static_cast<int>(palette::kZoom.size()) - 1));
+/** Where the wave's full height is. */
+Rect waveArea(const Rect& area) {
+    const double headroom = kHeadroom * (area.height - kGridHead);
+    return {area.x, area.y + kGridHead + headroom, area.width,
+            area.height - kGridHead - 2.0 * headroom};
 }
 
 }  // namespace
 
 ZoomPanel::ZoomPanel(const beatatlas::track::TrackResult& analysis, const ZoomStretch& stretch,
-                     const Rect& area)
-    : analysis_(analysis), area_(area), axis_(stretch.from, stretch.to, area) {}
+                     const PictureLayout& layout, const Theme& theme)
+    : analysis_(analysis), theme_(theme), area_(layout.zoom), wave_(waveArea(area_)),
+      axis_(stretch.from, stretch.to, area_), words_{layout.smallSize, theme.mutedText} {}
 
 void ZoomPanel::draw(Canvas& canvas) const {
-    canvas.fillRoundedRect(area_, kCornerRadius, palette::kPanel);
+    canvas.fillRoundedRect(area_, kCornerRadius, theme_.panel);
     drawLegend(canvas);
     drawWave(canvas);
-    drawGrid(canvas);
-    axis_.drawLabels(canvas);
+    drawBeats(canvas);
+    drawBars(canvas);
+    axis_.drawLabels(canvas, words_);
 }
 
 void ZoomPanel::drawLegend(Canvas& canvas) const {
-    const double y = area_.y - kLegendRise;
-    const TextStyle style{12.5, palette::kMutedText};
-    canvas.text(area_.x, y, clockTime(axis_.from()) + " to " + clockTime(axis_.to()), style);
-    double x = area_.right();
-    const auto place = [&](const std::string& text) {
-        x -= canvas.textWidth(text, style);
-        canvas.text(x, y, text, style);
-        x -= kLegendGap;
-    };
-    place("no bass");
-    const auto placeSwatch = [&](const Color& color) {
-        x -= kSwatchWidth;
-        canvas.fillColumn({x, y - kSwatchHeight + 1.0, kSwatchWidth, kSwatchHeight}, color);
-    };
-    std::for_each(palette::kZoom.rbegin(), palette::kZoom.rend(), placeSwatch);
+    const double y = area_.y - kCaptionRise;
+    canvas.text(area_.x, y, clockTime(axis_.from()) + " to " + clockTime(axis_.to()), words_,
+                area_.width);
+    const double swatch = std::round(words_.size);
+    double x = area_.right() - canvas.textWidth("no bass", words_);
+    canvas.text(x, y, "no bass", words_, area_.width);
     x -= kLegendGap;
-    place("all bass");
+    for (std::size_t step = theme_.scale.size(); step > 0; --step) {
+        x -= swatch;
+        canvas.fillColumn({x, y - kSwatchHeight + 1.0, swatch, kSwatchHeight},
+                          theme_.scale[step - 1]);
+    }
+    x -= kLegendGap + canvas.textWidth("all bass", words_);
+    canvas.text(x, y, "all bass", words_, area_.width);
 }
 
 beatatlas::track::WavePoint ZoomPanel::columnAt(double left, double right) const {
@@ -80,52 +81,45 @@ beatatlas::track::WavePoint ZoomPanel::columnAt(double left, double right) const
 }
 
 void ZoomPanel::drawWave(Canvas& canvas) const {
-    const double room = area_.height - kGridHead - kPadding;
-    const double centerY = area_.y + kGridHead + room / 2.0;
-    const auto columns = static_cast<int>(std::ceil(area_.width / kColumnWidth));
-    for (int column = 0; column < columns; ++column) {
-        const double x = area_.x + column * kColumnWidth;
-        const beatatlas::track::WavePoint point = columnAt(x, x + kColumnWidth);
-        const double height =
-            std::max(kLeastHeight, static_cast<double>(point.level) / kFullLevel * room);
-        canvas.fillColumn({x, centerY - height / 2.0, kColumnWidth, height},
-                          palette::kZoom[colorIndex(point.color)]);
+    const double column = canvas.pixel();
+    const auto columns = static_cast<int>(std::lround(wave_.width / column));
+    for (int i = 0; i < columns; ++i) {
+        const double x = wave_.x + i * column;
+        const beatatlas::track::WavePoint point = columnAt(x, x + column);
+        const double share = std::min(1.0, static_cast<double>(point.level) / kFullLevel);
+        const double height = std::max(kLeastHeight, share * wave_.height);
+        canvas.fillColumn({x, wave_.centerY() - height / 2.0, column, height},
+                          theme_.ofZoom(point.color));
     }
 }
 
-void ZoomPanel::drawGrid(Canvas& canvas) const {
-    int bar = 0;
-    double labelsEnd = area_.x;
-    double last = area_.x - kLeastBeatDistance;
+void ZoomPanel::drawBeats(Canvas& canvas) const {
+    std::vector<double> lines;
     for (const beatatlas::track::Beat& beat : analysis_.beats) {
-        if (beat.isDownbeat()) ++bar;
         const double seconds = analysis_.secondsAt(beat.frame);
-        if (seconds < axis_.from() || seconds > axis_.to()) continue;
-        const double x = axis_.xOf(seconds);
-        if (!beat.isDownbeat() && x < last + kLeastBeatDistance) continue;
-        last = x;
-        drawBeat(canvas, beat, bar, labelsEnd);
+        if (axis_.covers(seconds)) lines.push_back(axis_.xOf(seconds));
+    }
+    if (lines.empty() || area_.width / static_cast<double>(lines.size()) < kLeastBeatDistance)
+        return;
+    for (const double x : lines) {
+        canvas.verticalLine(x, area_.y + kGridHead, area_.bottom(),
+                            {kBeatWidth, theme_.beat, kBeatHalo, theme_.halo});
     }
 }
 
-void ZoomPanel::drawBeat(Canvas& canvas, const beatatlas::track::Beat& beat, int bar,
-                         double& labelsEnd) const {
-    const double x = axis_.xOf(analysis_.secondsAt(beat.frame));
-    if (!beat.isDownbeat()) {
-        canvas.verticalLine(x, area_.y + kGridHead, area_.bottom(), kBeatWidth + kHaloWidth,
-                            palette::kHalo);
-        canvas.verticalLine(x, area_.y + kGridHead, area_.bottom(), kBeatWidth, palette::kBeat);
-        return;
+void ZoomPanel::drawBars(Canvas& canvas) const {
+    const TextStyle style{words_.size, theme_.text, true};
+    double labelsEnd = area_.x;
+    for (const BarLine& bar : barLines(analysis_.beats, analysis_.rate, axis_, kLeastBarDistance)) {
+        canvas.verticalLine(bar.x, area_.y, area_.bottom(),
+                            {kDownbeatWidth, theme_.downbeat, kDownbeatHalo, theme_.halo});
+        const std::string label = fmt::format("{}", bar.number);
+        const double width = canvas.textWidth(label, style);
+        const double start = bar.x + kLabelGap / 2.0;
+        if (start < labelsEnd || start + width > area_.right()) continue;
+        canvas.text(start, area_.y + kGridHead - 7.0, label, style, area_.width);
+        labelsEnd = start + width + kLabelGap;
     }
-    canvas.verticalLine(x, area_.y, area_.bottom(), kDownbeatWidth + kHaloWidth, palette::kHalo);
-    canvas.verticalLine(x, area_.y, area_.bottom(), kDownbeatWidth, palette::kDownbeat);
-    const TextStyle style{12.0, palette::kText, true};
-    const std::string label = fmt::format("{}", bar);
-    const double width = canvas.textWidth(label, style);
-    const double start = x + kLabelGap / 2.0;
-    if (start < labelsEnd || start + width > area_.right()) return;
-    canvas.text(start, area_.y + kGridHead - 7.0, label, style);
-    labelsEnd = start + width + kLabelGap;
 }
 
 }  // namespace output

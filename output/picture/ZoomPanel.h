@@ -3,18 +3,21 @@
 
 #include "beatatlas/track.hpp"
 #include "output/picture/Canvas.h"
+#include "output/picture/PictureLayout.h"
+#include "output/picture/Theme.h"
 #include "output/picture/TimeAxis.h"
 #include "output/picture/ZoomStretch.h"
 
 namespace output {
 
 /** A stretch of the zoom wave, coloured by its share of bass, with the beat grid over it: beats as
- *  lines, downbeats brighter and with the number of their bar. Above it stand the stretch's times
- *  and the key to the colours. */
+ *  thin lines, downbeats as strong ones with the number of their bar. The loudest wave leaves room
+ *  above and below, where the lines stand free. Above the panel are the stretch's times and the key
+ *  to the colours. */
 class ZoomPanel {
 public:
     ZoomPanel(const beatatlas::track::TrackResult& analysis, const ZoomStretch& stretch,
-              const Rect& area);
+              const PictureLayout& layout, const Theme& theme);
 
     void draw(Canvas& canvas) const;
 
@@ -24,13 +27,15 @@ private:
 
     void drawLegend(Canvas& canvas) const;
     void drawWave(Canvas& canvas) const;
-    void drawGrid(Canvas& canvas) const;
-    void drawBeat(Canvas& canvas, const beatatlas::track::Beat& beat, int bar,
-                  double& labelsEnd) const;
+    void drawBeats(Canvas& canvas) const;
+    void drawBars(Canvas& canvas) const;
 
     const beatatlas::track::TrackResult& analysis_;
+    const Theme& theme_;
     Rect area_;
+    Rect wave_;
     TimeAxis axis_;
+    TextStyle words_;
 };
 
 }  // namespace output

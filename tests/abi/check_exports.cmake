@@ -25,7 +25,7 @@ foreach(name ${expected})
     endif()
 endforeach()
 foreach(name ${found})
-    # The sanitizers' runtimes add names of their own.
+    # The sanitizers' runtimes export names of their own.
     if(NOT name IN_LIST expected AND NOT name MATCHES "^(__asan|__odr_asan|__ubsan|__sancov)")
         string(APPEND faults "not listed: ${name}\n")
     endif()

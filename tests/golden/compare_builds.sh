@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
 # compare_builds.sh BUILD_DIR
-# Builds the library with both compilers, unoptimised and optimised, and compares what the four
-# give: with each other and with the record.
+# Builds the library with both compilers, unoptimised and optimised, and compares the four results
+# with each other and with the record.
 set -euo pipefail
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 source=$(cd "$here/../.." && pwd)

@@ -1,9 +1,9 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
 # compare_flags.sh BUILD_DIR [SETS [SEED]]
-# Builds the library with randomly drawn sets of compiler flags and compares what each gives with
-# the record. One line a set. Of flags that may change arithmetic none is drawn: those are refused
-# anywhere.
+# Builds the library with randomly drawn sets of compiler flags and compares the result of each with
+# the record. Prints one line per set. Flags that may change arithmetic are never drawn: the build
+# refuses them.
 set -euo pipefail
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 source=$(cd "$here/../.." && pwd)
@@ -20,7 +20,7 @@ extras_clang=(-funroll-loops -fno-vectorize -fno-slp-vectorize -fno-inline-funct
     -fno-omit-frame-pointer -fstack-protector-all -fno-builtin -fwrapv -march=x86-64-v2 -march=x86-64-v3
     -mprefer-vector-width=512)
 
-# draw COMPILER: a level, and about every fourth of the other flags.
+# draw COMPILER: draws an optimisation level and about one in four of the other flags.
 draw() {
     local -n levels=levels_$1 extras=extras_$1
     flags=${levels[RANDOM % ${#levels[@]}]}

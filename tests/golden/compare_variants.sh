@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
-# compare_variants.sh PROGRAM: which lines of the record move when the C library's mathematics takes
-# other variants of its own. They are told and are no failure: they are the one thing that is not in
-# the library's hands.
+# compare_variants.sh PROGRAM: lists the lines of the record that change when the C library uses
+# other variants of its mathematics functions. Changes are reported but are no failure, since the
+# library does not control these functions.
 set -euo pipefail
 program=$1
 record=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)/results.txt

@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: MIT
-# As a directory would that has these COMPILE_OPTIONS, LINK_OPTIONS and the flags given in CMake's
-# own variables.
+# Checks flags as in a directory with the given COMPILE_OPTIONS, LINK_OPTIONS and CMake flag
+# variables.
 cmake_minimum_required(VERSION 3.25)
 set(CMAKE_BUILD_TYPE Release)
 set_property(DIRECTORY PROPERTY COMPILE_OPTIONS "${COMPILE_OPTIONS}")

@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
 # check_demo.sh X NINJA BUILD_DIR
-# Whatever is installed is built by what ./x demo asks for, so that `cmake --install` may follow it
-# at once.
+# Checks that ./x demo builds everything that is installed, so that `cmake --install` can follow it
+# directly.
 set -euo pipefail
 x=$1 ninja=$2 build=$3
 read -r -a targets < <(sed -n '/^task_demo/,/^}/s/^ *build release //p' "$x")
@@ -11,8 +11,8 @@ made=$("$ninja" -C "$build" -t commands "${targets[@]}" | sed -nE 's/.* (-o|qc) 
 
 checked=0 missing=0
 while read -r file; do
-    # Text is written by CMake, or stands in the source tree. A library's other names are made along
-    # with it.
+    # Text files are written by CMake or are in the source tree. A library's other names are created
+    # together with it.
     case $file in
         "$build"/*.a | "$build"/*.so | "$build"/*.so.* | "$build/app/"*) ;;
         *) continue ;;

@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
 # check_folders.sh CMAKE GENERATOR CXX SOURCE_DIR WORK_DIR
-# The pkg-config files name the folders that were asked for: outside the prefix as they are, inside
-# relative to themselves.
+# Checks that the pkg-config files name the requested folders: unchanged outside the prefix,
+# relative to themselves inside it.
 set -euo pipefail
 cmake=$1 generator=$2 cxx=$3 source=$4 work=$5
 rm -rf "$work"

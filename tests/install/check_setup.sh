@@ -1,9 +1,9 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
 # check_setup.sh X WORK_DIR
-# shellcheck disable=SC2317 # what check() is told to call
-# How ./x comes by missing packages, seen by stand-ins for apt-get, dpkg-query, sudo and id that
-# write down their calls.
+# shellcheck disable=SC2317 # check() calls these
+# Checks how ./x installs missing packages, with stand-ins for apt-get, dpkg-query, sudo and id that
+# record their calls.
 set -euo pipefail
 x=$1 work=$2
 rm -rf "$work"
@@ -11,13 +11,13 @@ mkdir -p "$work/bin"
 calls=$work/calls
 failed=0
 
-# stand_in NAME COMMANDS: a program that writes down its call.
+# stand_in NAME COMMANDS: creates a program that records its call.
 stand_in() {
     printf '#!/bin/sh\necho "%s $*" >>"%s"\n%s\n' "$1" "$calls" "$2" >"$work/bin/$1"
     chmod +x "$work/bin/$1"
 }
 
-# run_setup NO_INSTALL: ./x setup with nobody at the keyboard.
+# run_setup NO_INSTALL: runs ./x setup without a terminal.
 run_setup() {
     : >"$calls"
     status=0

@@ -1,9 +1,9 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
 # compare_examples.sh CMAKE GENERATOR CC CXX SOURCE_DIR PREFIX WORK_DIR
-# Builds the examples against the installed copy as two hosts would: one finds the CMake package,
-# one asks pkg-config. Both must run and say the same, and tell what is wrong with a file that is
-# not there. Both are C++ as well.
+# Builds the examples against the installed copy as two hosts would: one with the CMake package, one
+# with pkg-config. Both must run, print the same, and report a missing file. Both also compile as
+# C++.
 set -euo pipefail
 cmake=$1 generator=$2 cc=$3 cxx=$4 source=$5 prefix=$6 work=$7
 rm -rf "$work"
@@ -43,5 +43,20 @@ for example in overview track; do
     fi
     grep -q 'missing.raw: No such file' "$work/error.txt"
 done
+
+# What cannot be a track is refused by its name.
+: >"$work/empty.raw"
+for name in empty.raw .; do
+    if "$work/cmake-host/track" "$work/$name" 2>"$work/error.txt"; then
+        echo "track is content with $name"
+        exit 1
+    fi
+    grep -q "$work/$name: empty, a folder or too long" "$work/error.txt"
+done
+
+# The whole-track library prints nothing of its own to a host in C.
+"$work/cmake-host/track" "$work/track.raw" 2>"$work/error.txt" |
+    awk '!/^(tempo|bar) / { print "unexpected: " $0; found = 1 } END { exit found }'
+[[ ! -s $work/error.txt ]]
 grep -q 'loud 400, dots 100, zoom 300 points' "$work/pkg-overview.txt"
 grep -q 'tempo 0.00 BPM, key ' "$work/pkg-track.txt"

@@ -1,9 +1,8 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
 # install_copy.sh CMAKE BUILD_DIR PREFIX
-# Installs the build and moves the copy to PREFIX. No text in it may hold the place it was installed
-# to or built in, and each shared library says which major version a program that was linked to it
-# needs.
+# Installs the build and moves the copy to PREFIX. No text file in it may contain the path it was
+# installed to or built in, and the name of each shared library must carry the major version.
 set -euo pipefail
 cmake=$1 build=$2 prefix=$3
 rm -rf "$prefix" "$prefix.first"

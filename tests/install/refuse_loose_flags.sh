@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
 # refuse_loose_flags.sh CMAKE CXX SOURCE_DIR
-# Flags that loosen arithmetic are refused by name wherever they may stand, and by their macros
-# while compiling.
+# Checks that flags that loosen arithmetic are refused: by name wherever they are set, and by their
+# macros during compilation.
 set -euo pipefail
 cmake=$1 cxx=$2 source=$3
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
@@ -45,7 +45,7 @@ expect taken CMAKE_CXX_FLAGS \
     "-O3 -march=x86-64-v3 -flto -fno-math-errno -fno-fast-math -fsigned-zeros"
 expect taken CMAKE_CXX_FLAGS "-ffp-model=strict -fdenormal-fp-math=ieee,ieee -ffp-contract=fast"
 
-# Clang drops the one macro where contraction is off, and keeps the other.
+# With contraction off, Clang does not define the first macro but still defines the other.
 for flag in -ffast-math -Ofast -ffinite-math-only; do
     if "$cxx" -fsyntax-only -x c++ -ffp-contract=off -frounding-math "$flag" \
         "$source/src/dsp/exactArithmetic.h" 2>/dev/null; then

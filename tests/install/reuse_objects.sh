@@ -1,9 +1,9 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
 # reuse_objects.sh BUILD_DIR COMPILER ARGUMENT…
-# A compiler launcher for a build inside a parent project. The inner rooms of the core have been
-# compiled in BUILD_DIR with the same compiler and are taken from there; the outer ones are
-# compiled, with what the parent's build makes of their flags.
+# A compiler launcher for a build inside a parent project. The inner rooms of the core were compiled
+# in BUILD_DIR with the same compiler and are reused; the outer rooms are compiled with the flags of
+# the parent's build.
 set -euo pipefail
 build=$1
 shift

@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
 # use_pkg_config.sh CC CXX HOSTS_DIR PREFIX WORK_DIR FORM…
-# Builds each small host with what pkg-config says and runs it. FORM is shared, static (everything
-# static), or plain: without any word on the kind, for a copy that has but the static one.
+# Builds each small host with the flags from pkg-config and runs it. FORM is shared, static
+# (everything static), or plain: without a choice, for a copy that has only the static library.
 set -euo pipefail
 cc=$1 cxx=$2 hosts=$3 prefix=$4 work=$5
 shift 5

@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: MIT
-# The libraries' sources carry both numeric flags and read the header that refuses loose arithmetic,
-# and no source carries any other flag that changes arithmetic.
+# The libraries' sources are compiled with both numeric flags and with the header that refuses loose
+# arithmetic, and no source is compiled with any other flag that changes arithmetic.
 cmake_minimum_required(VERSION 3.25)
 
 file(READ ${COMMANDS} json)

@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: MIT
-# The guard that the plain header shows to hosts is the one that the test of a host's arithmetic
-# uses. Layout aside.
+# The guard that the plain header shows to hosts is, apart from layout, the one used by the test of
+# a host's arithmetic.
 cmake_minimum_required(VERSION 3.25)
 
 file(READ ${SOURCE_DIR}/include/beatatlas/beatatlas.h header)

@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: MIT
-# Which room may include which. No room looks up, the track library stands on the core alone, and
-# the program sees public headers only.
+# Which room may include which. No room includes one above it, the track library uses the core
+# alone, and the program includes public headers only.
 cmake_minimum_required(VERSION 3.25)
 
 set(may_dsp dsp)
@@ -43,8 +43,8 @@ foreach(file ${track})
     endforeach()
 endforeach()
 
-# The rooms of the program: app over media and output, those over base. Of the library they see
-# public headers only.
+# The rooms of the program: app above media and output, those above base. Of the library they
+# include public headers only.
 set(may_base base)
 set(may_media media base)
 set(may_output output base)

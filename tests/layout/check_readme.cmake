@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-# The program that the README shows is the one that is compiled and run.
+# The program shown in the README is the one that is compiled and run.
 cmake_minimum_required(VERSION 3.25)
 
 file(READ ${SOURCE_DIR}/README.md readme)

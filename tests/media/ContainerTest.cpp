@@ -91,5 +91,29 @@ TEST_F(ContainerTest, DoesNotGuessALengthFromTheBitRate) {
     EXPECT_FALSE(Container(input).declaredSeconds().has_value());
 }
 
+// ID3 belongs to the file, Vorbis comments to the stream.
+TEST_F(ContainerTest, TellsHowTheTagsCallTheTrack) {
+    const std::string path = folder_.file("tagged");
+    const char* tags = "artist=Björk Ödegård:title=夜の音楽";
+    for (const test::FileKind& kind : {test::FileKind{"mp3", "libmp3lame", "", false, tags},
+                                       {"ogg", "libvorbis", "", false, tags},
+                                       {"flac", "flac", "", false, tags}}) {
+        test::writeAudioFile(path, kind, test::tone(44100, 2, 0.5, 440.0, 0.5));
+        FileInput input(path);
+        const base::TrackTags found = Container(input).tags();
+        EXPECT_EQ(found.artist, "Björk Ödegård") << kind.muxer;
+        EXPECT_EQ(found.title, "夜の音楽") << kind.muxer;
+    }
+}
+
+TEST_F(ContainerTest, TellsNoTagsWhereThereAreNone) {
+    const std::string path = folder_.file("plain.flac");
+    test::writeAudioFile(path, {"flac", "flac"}, test::tone(44100, 2, 0.5, 440.0, 0.5));
+    FileInput input(path);
+    const base::TrackTags found = Container(input).tags();
+    EXPECT_EQ(found.artist, "");
+    EXPECT_EQ(found.title, "");
+}
+
 }  // namespace
 }  // namespace media

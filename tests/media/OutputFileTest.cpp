@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "media/OutputFile.h"
 
+#include <cerrno>
 #include <filesystem>
 
 #include <gmock/gmock.h>
@@ -9,6 +10,23 @@
 
 #include "base/errors.h"
 #include "support/TemporaryFolder.h"
+
+namespace {
+
+bool refusesPermissions = false;
+
+}  // namespace
+
+// The linker leads calls of fchmod here: NOLINTBEGIN(bugprone-reserved-identifier)
+extern "C" {
+int __real_fchmod(int descriptor, mode_t mode);
+int __wrap_fchmod(int descriptor, mode_t mode) {
+    if (!refusesPermissions) return __real_fchmod(descriptor, mode);
+    errno = EPERM;
+    return -1;
+}
+}
+// NOLINTEND(bugprone-reserved-identifier)
 
 namespace media {
 namespace {
@@ -62,6 +80,47 @@ TEST_F(OutputFileTest, ReplacesTheTargetOfALinkAndKeepsTheLink) {
     file.commit();
     EXPECT_TRUE(std::filesystem::is_symlink(path_));
     EXPECT_EQ(readFile(folder_.file("target")), "new");
+}
+
+TEST_F(OutputFileTest, WritesWhereALinkLeadsThatLedToNothing) {
+    std::filesystem::create_directory(folder_.file("far"));
+    std::filesystem::create_symlink("far/target", path_);
+    OutputFile file(path_);
+    file.write("new", 3);
+    file.commit();
+    EXPECT_TRUE(std::filesystem::is_symlink(path_));
+    EXPECT_EQ(readFile(folder_.file("far/target")), "new");
+}
+
+TEST_F(OutputFileTest, RefusesLinksThatLeadNowhere) {
+    std::filesystem::create_symlink("missing/target", path_);
+    EXPECT_THAT(reasonOf(path_), HasSubstr("No such file or directory"));
+    std::filesystem::create_symlink("circle", folder_.file("circle"));
+    EXPECT_THAT(reasonOf(folder_.file("circle")), HasSubstr("Too many levels of symbolic links"));
+}
+
+// The longest name that Linux lets a file have is one of 255 bytes.
+TEST_F(OutputFileTest, TakesNamesAsLongAsAFileMayHave) {
+    for (const std::size_t length : {240, 249, 255}) {
+        const std::string name(length, 'n');
+        EXPECT_EQ(reasonOf(folder_.file(name)), "");
+        OutputFile file(folder_.file(name));
+        file.write("abc", 3);
+        file.commit();
+        EXPECT_EQ(readFile(folder_.file(name)), "abc");
+    }
+    EXPECT_THAT(reasonOf(folder_.file(std::string(256, 'n'))), HasSubstr("File name too long"));
+}
+
+TEST_F(OutputFileTest, KeepsTheResultWherePermissionsCannotBeSet) {
+    OutputFile file(path_);
+    file.write("abc", 3);
+    refusesPermissions = true;
+    const std::string warning = file.commit();
+    refusesPermissions = false;
+    EXPECT_EQ(warning, "its permissions could not be set: Operation not permitted");
+    EXPECT_EQ(readFile(path_), "abc");
+    EXPECT_EQ(OutputFile(path_).commit(), "");
 }
 
 TEST_F(OutputFileTest, KeepsThePermissionsOfTheReplacedFile) {

@@ -32,6 +32,14 @@ TEST(textSummary, SaysPlainlyWhatWasNotFound) {
     EXPECT_THAT(text, HasSubstr("key      no key found\n"));
 }
 
+TEST(textSummary, CountsOneOfAThingAsOne) {
+    TrackReport report = test::emptyReport();
+    report.analysis.frames = 1;
+    report.analysis.zoomWave.resize(1);
+    EXPECT_THAT(textSummary(report), HasSubstr("  (1 frame)\n"));
+    EXPECT_THAT(textSummary(report), HasSubstr(", 1 zoom point\n"));
+}
+
 TEST(textSummary, IsSilentAboutWhatWasNotAskedFor) {
     TrackReport report = test::emptyReport();
     report.options.tempo = beatatlas::track::TempoMode::off;
@@ -54,7 +62,7 @@ TEST(textSummary, TellsTheSecondCandidateOfAnUncertainKey) {
     report.analysis.key->confidence = 0.79;
     EXPECT_THAT(textSummary(report),
                 HasSubstr("key      A minor, 8A, 1m, number 12; perhaps C major (8B)\n"));
-    EXPECT_EQ(keyText(report), "A minor (8A); perhaps C major (8B)");
+    EXPECT_EQ(keyText(report), "A minor (8A)");
     report.analysis.key->confidence = 0.2;
     EXPECT_THAT(textSummary(report), HasSubstr("; perhaps C major (8B); hardly a clear key\n"));
 }
@@ -65,7 +73,7 @@ TEST(textSummary, NamesKeysInTheNotationAskedFor) {
     EXPECT_THAT(textSummary(report), HasSubstr("key      1m\n"));
     report.analysis.key->confidence = 0.5;
     EXPECT_THAT(textSummary(report), HasSubstr("key      1m; perhaps 1d\n"));
-    EXPECT_EQ(keyText(report), "1m; perhaps 1d");
+    EXPECT_EQ(keyText(report), "1m");
 }
 
 TEST(textSummary, TellsWhereTheKeyChanges) {

@@ -48,14 +48,16 @@ private:
     Shortage shortage_ = Shortage::lasting;
 };
 
-// Threads of the program under test ask at the same time. Nothing below asks for memory under it.
+// Threads of the program under test allocate at the same time. Nothing allocates while holding
+// this.
 std::mutex mutex;
 
 std::size_t news = 0;
 long live = 0;
 std::array<Limit, 3> limits;  // by Requests
 
-// free() also gets what the C library allocated itself; only what calloc gave here is counted.
+// free() also receives blocks that the C library allocated itself; only blocks from this calloc are
+// counted.
 std::array<void*, 256> callocs{};
 
 Limit& limitOf(Requests requests) {
@@ -70,7 +72,7 @@ bool isRefused(Requests kind) {
 void* allocateOrNull(std::size_t size, std::size_t alignment) noexcept {
     const std::lock_guard lock(mutex);
     ++news;
-    // An absurd size would be rounded up past the largest number, to nothing.
+    // An absurd size would overflow to zero when rounded up.
     if (isRefused(Requests::news) || size > SIZE_MAX - alignment) return nullptr;
     const std::size_t rounded =
         (std::max<std::size_t>(size, 1) + alignment - 1) / alignment * alignment;

@@ -3,24 +3,26 @@
 
 #include <cstddef>
 
-/** Counts the memory requests of a test program and refuses them as asked. For programs made with
- *  beatatlas_watch_allocations in CMake: operator new in all its forms is replaced, calloc and free are wrapped. */
+/** Counts the memory requests of a test program and refuses some on demand. For programs built with
+ *  beatatlas_watch_allocations in CMake, which replaces all forms of operator new and wraps calloc
+ *  and free. */
 namespace beatatlas::test {
 
-/** Blocks asked of operator new so far. */
+/** Blocks requested from operator new so far. */
 std::size_t allocationCount();
 
-/** Blocks that operator new and calloc gave and that have not been given back. */
+/** Blocks allocated by operator new and calloc and not yet freed. */
 long liveBlocks();
 
 /** Which requests a shortage refuses. */
 enum class Requests { news, callocs, both };
 
-/** Whether a shortage passes with the first refusal or stays. */
+/** Whether a shortage lasts or ends with the first refusal. */
 enum class Shortage { lasting, once };
 
-/** While it lives, requests after the first `granted` are refused: operator new throws std::bad_alloc (its nothrow forms
- *  give null), calloc gives null. One of each kind of requests at a time. */
+/** While it lives, requests after the first `granted` are refused: operator new throws
+ *  std::bad_alloc (its nothrow forms return null), calloc returns null. Only one object for each
+ *  kind of request at a time. */
 class RequestsFailAfter {
 public:
     explicit RequestsFailAfter(long granted, Shortage shortage = Shortage::lasting,

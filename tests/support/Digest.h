@@ -6,7 +6,7 @@
 
 namespace beatatlas::test {
 
-/** FNV-1a (Fowler, Noll, Vo), 64 bits: tells two results apart when their bits are too many to write down. */
+/** FNV-1a (Fowler, Noll, Vo), 64 bits: compares results that have too many bits to write down. */
 class Digest {
 public:
     void add(std::uint32_t word) {
@@ -15,7 +15,7 @@ public:
             value_ *= 0x100000001B3U;
         }
     }
-    /** The bits of each float, so that -0 and 0 differ. */
+    /** Adds the bits of each float, so that -0 and 0 differ. */
     void add(const std::vector<float>& values);
 
     std::uint64_t value() const { return value_; }

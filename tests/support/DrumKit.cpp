@@ -17,12 +17,13 @@ double cubed(double x) {
     return (x * x) * x;
 }
 
-/** What is left of a hit: 1 at the onset, 0 at its end. */
+/** The remaining share of a hit: 1 at the onset, 0 at its end. */
 double remaining(std::int64_t sinceOnset, std::int64_t length) {
     return static_cast<double>(length - sinceOnset) / static_cast<double>(length);
 }
 
-/** Turns since the onset of a tone whose frequency falls with the fourth power of the time left in the sweep. */
+/** Cycles since the onset of a tone whose frequency falls with the fourth power of the time left in
+ *  the sweep. */
 double kickTurns(double seconds) {
     const double left = seconds < kKickSweepSeconds ? 1.0 - (seconds / kKickSweepSeconds) : 0.0;
     const double fifthPower = ((left * left) * (left * left)) * left;
@@ -51,7 +52,8 @@ double DrumKit::snare(std::int64_t sinceOnset, std::int64_t frame) const {
 }
 
 double DrumKit::hat(std::int64_t sinceOnset, std::int64_t frame) const {
-    // Another stretch of the noise than the snare's, or the two would be correlated where they meet.
+    // Uses another part of the noise than the snare, or the two would be correlated where they
+    // overlap.
     const std::uint64_t hatSeed = seed_ + 1;
     const double treble = (noiseAt(hatSeed, frame) + noiseAt(hatSeed, frame - 2)) -
                           (2.0 * noiseAt(hatSeed, frame - 1));

@@ -9,8 +9,9 @@ namespace beatatlas::test {
 
 /** Kick, snare and hi-hat, each hit a pure function of the frames since its onset, in -1 … 1.
  *
- *  Decays are powers of a falling line, so every hit ends in exact silence and needs no exponential. `frame` is the
- *  place in the track: it picks the noise, so no two hits are the same. */
+ *  Decays are powers of a falling line, so every hit ends in exact silence and needs no
+ *  exponential. `frame` is the position in the track: it selects the noise, so no two hits are the
+ *  same. */
 class DrumKit {
 public:
     DrumKit(int sampleRate, std::uint64_t seed);
@@ -19,7 +20,7 @@ public:
     std::int64_t snareFrames() const { return snareFrames_; }
     std::int64_t hatFrames() const { return hatFrames_; }
 
-    /** A sine that falls from 150 to 60 Hz; the onset frame itself already sounds. */
+    /** A sine that falls from 150 to 60 Hz; it already sounds in the onset frame. */
     double kick(std::int64_t sinceOnset) const;
     /** Noise over a 190 Hz skin tone. */
     double snare(std::int64_t sinceOnset, std::int64_t frame) const;

@@ -5,8 +5,8 @@
 
 namespace beatatlas::test {
 
-/** The exported functions of one interface; null where that interface lacks one. The two headers cannot be seen by one
- *  source file, so each set is filled in by its own. */
+/** The exported functions of one interface; null where that interface lacks one. No source file can
+ *  include both headers, so each set is filled in by a file of its own. */
 struct ExportSet {
     using Create = void* (*)(int, int, bool, bool, bool);
     using Feed = void (*)(void*, float*, float*, int);

@@ -14,7 +14,7 @@ struct Chord {
     std::array<double, 3> notesHz{};  ///< root (A3 … G♯4), third and fifth above it
 };
 
-/** The chords of a key, one per bar, over and over. */
+/** The chords of a key, one per bar, repeated. */
 class Harmony {
 public:
     /** @param tonic 0–11 from A upward

@@ -30,7 +30,7 @@ bool sameArray(const T& a, const T& b) {
            (a.empty() || std::memcmp(a.data(), b.data(), a.size() * sizeof(a[0])) == 0);
 }
 
-// Cuts the track into calls whose lengths follow blockSizes in turn.
+// Cuts the track into calls whose lengths cycle through blockSizes.
 template <class Feed>
 void inBlocks(int frames, const std::vector<int>& blockSizes, Feed feed) {
     std::size_t turn = 0;

@@ -11,7 +11,7 @@ namespace beatatlas::test {
 
 enum class SessionKind { constant, varied, simple };
 
-/** What a host asks of a session. */
+/** The arguments with which a host creates a session. */
 struct SessionRequest {
     SessionKind kind = SessionKind::constant;
     int rate = 44100;
@@ -38,7 +38,7 @@ struct SessionResults {
 
 bool sameBits(const SessionResults& a, const SessionResults& b);
 
-/** A session as a host holds it; releases it, and gives the thread its rounding mode back. */
+/** A session as a host holds it. Releases it and restores the thread's rounding mode. */
 class HostSession {
 public:
     HostSession(const SessionRequest& request, int totalSamples);
@@ -57,7 +57,7 @@ private:
     int callersMode_;
 };
 
-/** A whole analysis, fed in calls whose lengths follow blockSizes in turn, over and over. */
+/** A whole analysis, fed in calls whose lengths cycle through blockSizes. */
 SessionResults analyseTrack(const SessionRequest& request, const StereoTrack& track,
                             const std::vector<int>& blockSizes);
 

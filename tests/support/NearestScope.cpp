@@ -10,7 +10,7 @@ NearestScope::NearestScope() : callersMode_(std::fegetround()) {
 }
 
 NearestScope::~NearestScope() {
-    // A negative answer means that the mode could not be read; there is nothing to give back then.
+    // A negative answer means that the mode could not be read; then there is nothing to restore.
     if (callersMode_ >= 0) std::fesetround(callersMode_);
 }
 

@@ -3,9 +3,10 @@
 
 namespace beatatlas::test {
 
-/** Rounds to nearest while it lives, then gives the thread its own mode back.
+/** Rounds to nearest while it lives, then restores the thread's own mode.
  *
- *  Test signals are made under it, so that a fixture that rounds toward zero hears the same samples as any other. */
+ *  Test signals are made under it, so that a fixture that rounds toward zero gets the same samples
+ *  as any other. */
 class NearestScope {
 public:
     NearestScope();

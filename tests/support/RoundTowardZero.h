@@ -7,7 +7,8 @@
 
 namespace beatatlas::test {
 
-/** A fixture whose tests compute as a session does, rounding toward zero, and leave the thread as it was. */
+/** A fixture whose tests compute as a session does, rounding toward zero, and leave the thread as
+ *  it was. */
 class RoundTowardZero : public ::testing::Test {
 protected:
     void SetUp() override {

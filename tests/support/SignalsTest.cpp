@@ -48,7 +48,8 @@ TEST(Signals, SquareSpendsHalfOfEachCycleOnEitherSide) {
     EXPECT_EQ(tone, (std::vector<float>{7, 7, -7, -7, 7, 7, -7, -7}));
 }
 
-// Uniform noise in ±1 has mean 0 and mean square 1/3; with 100,000 values the deviations are about 0.002 and 0.001.
+// Uniform noise in ±1 has mean 0 and mean square 1/3; with 100,000 values the deviations are about
+// 0.002 and 0.001.
 TEST(Signals, WhiteNoiseIsEvenlySpreadAndUncorrelated) {
     const std::vector<float> noise = whiteNoise(100000, 1.0, 7);
     double sum = 0.0;
@@ -66,8 +67,8 @@ TEST(Signals, WhiteNoiseIsEvenlySpreadAndUncorrelated) {
     EXPECT_NE(whiteNoise(16, 1.0, 8), whiteNoise(16, 1.0, 7));
 }
 
-// From 100 to 300 Hz over one second: 100 + 50·0.5 … the phase after t seconds is 100 t + 100 t² turns, which is
-// whole (75 turns) at t = 0.5: a rising zero.
+// From 100 to 300 Hz over one second: 100 + 50·0.5 … the phase after t seconds is 100 t + 100 t²
+// turns, which is whole (75 turns) at t = 0.5: a rising zero.
 TEST(Signals, SweepReachesTheFrequencyItShould) {
     const std::vector<float> tone = sweep(48000, 100.0, 300.0, 48000, 1.0);
     EXPECT_NEAR(tone[24000], 0.0F, 1e-6F);
@@ -101,8 +102,8 @@ TEST(Signals, AreTheSameInEveryRoundingMode) {
     }
 }
 
-// The published 64-bit FNV-1a value of the four bytes "foob" is taken from its definition, step by step:
-// word 0x626F6F66 is 'f', 'o', 'o', 'b' in order of bytes.
+// The published 64-bit FNV-1a value of the four bytes "foob" is taken from its definition, step by
+// step: word 0x626F6F66 is 'f', 'o', 'o', 'b' in order of bytes.
 TEST(Signals, DigestIsFnv1a) {
     Digest digest;
     digest.add(0x626F6F66U);

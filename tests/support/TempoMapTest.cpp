@@ -16,14 +16,16 @@ TEST(TempoMap, ConstantTempoPutsBeatsEvenly) {
     EXPECT_EQ(map.frameOfBeat(2.5), 61000);
 }
 
-// 174 BPM at 44,100 is 15206.896… frames; beat 100,000 lies at 1,520,689,655.17: no error has grown.
+// 174 BPM at 44,100 is 15206.896… frames; beat 100,000 lies at 1,520,689,655.17: errors have not
+// accumulated.
 TEST(TempoMap, FractionalBeatLengthDoesNotDrift) {
     const TempoMap map(44100, 0, 174.0, {});
     EXPECT_EQ(map.frameOfBeat(1), 15207);
     EXPECT_EQ(map.frameOfBeat(100000), 1520689655);
 }
 
-// 120 BPM up to 2.25 s is beat 4.5 (frame 108,000). The other half of beat 4 runs at 60 BPM: 24,000 frames.
+// 120 BPM up to 2.25 s is beat 4.5 (frame 108,000). The other half of beat 4 runs at 60 BPM: 24,000
+// frames.
 TEST(TempoMap, ChangeWithinABeatLetsItsRestRunAtTheOtherTempo) {
     const TempoMap map(48000, 0, 120.0, {{2.25, 60.0}});
     EXPECT_EQ(map.frameOfBeat(4), 96000);
@@ -52,8 +54,8 @@ TEST(TempoMap, IsTheSameInEveryRoundingMode) {
         const TempoMap map(44100, 12345, 127.3, {{3.1, 89.7}, {10.7, 133.3}});
         const std::int64_t frame = map.frameOfBeat(1000.5);
         std::fesetround(FE_TONEAREST);
-        // With exact fractions: 3.1 s is beat 5.98324…, 10.7 s (frame 471,870) is beat 17.34524…; the remaining
-        // 983.15475… beats of 2646000 / 133.3 frames end at frame 19,987,455.02.
+        // With exact fractions: 3.1 s is beat 5.98324…, 10.7 s (frame 471,870) is beat 17.34524…;
+        // the remaining 983.15475… beats of 2646000 / 133.3 frames end at frame 19,987,455.02.
         EXPECT_EQ(frame, 19987455) << "mode " << mode;
     }
 }

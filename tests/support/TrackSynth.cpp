@@ -18,7 +18,7 @@ constexpr double kBassGate = 0.8;       // the share of an eighth a bass note so
 constexpr std::int64_t kBassFadeMs = 8;
 constexpr std::int64_t kChordFadeMs = 25;
 
-/** A straight rise and fall of `fade` frames at the ends of a note, 1 between. */
+/** A linear fade of `fade` frames at both ends of a note, 1 between. */
 double fadeAt(std::int64_t frame, Span note, std::int64_t fade) {
     const std::int64_t toEdge = std::min(frame - note.first, note.end - frame);
     return toEdge < fade ? static_cast<double>(toEdge) / static_cast<double>(fade) : 1.0;
@@ -33,7 +33,7 @@ TrackSynth::TrackSynth(const NearestScope& /*nearest*/, TrackPlan plan)
       tempo_(plan_.sampleRate, plan_.introFrames, plan_.bpm, plan_.tempoChanges),
       harmony_(plan_.tonic, plan_.mode, plan_.progression, plan_.concertPitchHz),
       drums_(plan_.sampleRate, plan_.seed),
-      // A saw behind a gentle low-pass.
+      // A sawtooth through a gentle low-pass.
       bassTone_({1.0, 0.45, 0.22, 0.11, 0.06, 0.03, 0.015}),
       chordTone_({1.0, 0.5, 0.3, 0.2, 0.1, 0.06}) {
     listBeats();
@@ -74,7 +74,7 @@ StereoTrack TrackSynth::renderAll() const {
 }
 
 int TrackSynth::firstBeatToPlay(std::int64_t from) const {
-    // The kick rings longest; one beat more, for the bass note that lasts up to the next beat.
+    // The kick decays slowest; one beat more, for the bass note that lasts until the next beat.
     const auto later = std::upper_bound(
         beats_.begin(), beats_.end(), from - drums_.kickFrames(),
         [](std::int64_t frame, const TrueBeat& beat) { return frame < beat.frame; });

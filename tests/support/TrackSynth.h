@@ -13,7 +13,7 @@
 
 namespace beatatlas::test {
 
-/** The true place of a beat. */
+/** The true position of a beat. */
 struct TrueBeat {
     std::int64_t frame = 0;
     int number = 1;  ///< 1–4 within the bar; 1 is the downbeat
@@ -21,15 +21,17 @@ struct TrueBeat {
 
 /** Plays a TrackPlan: music of exactly known tempo, beats, key and level.
  *
- *  Every sample is a pure function of the plan and its place, so any stretch of a track of any length can be
- *  rendered without what came before; only the list of beats is kept. Samples are whole numbers in -32767 … 32767:
- *  a 16-bit file of the track holds exactly what render() gives. The bits are the same on every machine, compiler
- *  and rounding mode: no maths library, each operation rounded to nearest in double.
+ *  Every sample is a pure function of the plan and its position, so any part of a track of any
+ *  length can be rendered without what came before; only the list of beats is kept. Samples are
+ *  whole numbers in -32767 … 32767: a 16-bit file of the track holds exactly what render() returns.
+ *  The bits are the same on every machine, with every compiler and in every rounding mode: no
+ *  mathematics library, each operation rounded to nearest in double.
  *
- *  Threads: a synth may be shared, render() changes nothing. */
+ *  Threads: a synth may be shared, since render() changes nothing. */
 class TrackSynth {
 public:
-    /** @param plan see its fields; a rate above 0, tempi above 0, a tonic of 0–11 and degrees of 0–6. */
+    /** @param plan see its fields; a rate above 0, tempi above 0, a tonic of 0–11 and degrees of
+     *             0–6. */
     explicit TrackSynth(TrackPlan plan);
 
     const TrackPlan& plan() const { return plan_; }

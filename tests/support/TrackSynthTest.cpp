@@ -15,7 +15,7 @@ namespace {
 
 constexpr double kPi = 3.14159265358979323846;
 
-/** Four seconds that use everything: tempo change, shuffle, sections, both hands of the stereo picture. */
+/** Four seconds that use everything: tempo change, shuffle, sections, stereo width. */
 TrackPlan busyPlan() {
     TrackPlan plan;
     plan.sampleRate = 48000;
@@ -80,7 +80,8 @@ std::int64_t firstSound(const std::vector<float>& signal, std::int64_t from, std
     return from;
 }
 
-// 100 BPM at 44,100 is 26,460 frames a beat, and a kick (280 ms, 12,348 frames) has died away long before the next.
+// 100 BPM at 44,100 is 26,460 frames a beat, and a kick (280 ms, 12,348 frames) has died away long
+// before the next.
 TEST(TrackSynth, DryKicksBeginExactlyOnTheBeats) {
     TrackPlan plan = dryKickPlan(44100, 26460 * 6, 100.0);
     plan.introFrames = 777;
@@ -189,7 +190,8 @@ TEST(TrackSynth, AnySplitOfTheTrackGivesTheSameSamples) {
     for (const std::int64_t block : {1, 7, 588, 640, 1024, 1025, 50000}) {
         StereoTrack pieces = {std::vector<float>(whole.left.size()),
                               std::vector<float>(whole.left.size())};
-        // Backwards, to prove that nothing is carried along; single frames over a part only, for speed.
+        // Backwards, to prove that no state is carried along; single frames over a part only, for
+        // speed.
         const std::int64_t last = block == 1 ? 30000 : synth.plan().lengthFrames;
         for (std::int64_t from = ((last - 1) / block) * block; from >= 0; from -= block)
             synth.render(from, std::min(block, last - from), pieces.left.data() + from,
@@ -252,8 +254,8 @@ TEST(TrackSynth, BitsAreTheSameInEveryRoundingMode) {
     }
 }
 
-// Four bars of tonic, fourth, fifth, tonic in every key: the tonic triad must hold more energy than any other triad
-// of its kind, summed over two octaves from A3.
+// Four bars of tonic, fourth, fifth, tonic in every key: the tonic triad must hold more energy than
+// any other triad of its kind, summed over two octaves from A3.
 TEST(TrackSynth, ChordsSpellTheKey) {
     for (const KeyMode mode : {KeyMode::major, KeyMode::minor}) {
         for (int tonic = 0; tonic < 12; ++tonic) {

@@ -8,7 +8,7 @@
 
 namespace beatatlas::test {
 
-/** Limits the kernels to one form while it lives. */
+/** Limits the kernels to a vector form while it lives. */
 class FormScope {
 public:
     explicit FormScope(VectorForm form) { limitVectorForm(form); }
@@ -17,7 +17,7 @@ public:
     FormScope& operator=(const FormScope&) = delete;
 };
 
-/** Every form that this machine has, the baseline first. */
+/** Every form that this machine supports, the baseline first. */
 inline std::vector<VectorForm> formsOfThisMachine() {
     std::vector<VectorForm> forms;
     for (const VectorForm form : {VectorForm::baseline, VectorForm::avx2, VectorForm::avx512})

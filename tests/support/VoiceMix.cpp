@@ -9,7 +9,7 @@ constexpr double kFullScale = 32767.0;
 
 float wholeSample(double value) {
     const double clipped = std::clamp(value, -kFullScale, kFullScale);
-    // Shifted above zero, cutting the fraction off is rounding down: one rule for both signs.
+    // After a shift above zero, truncation always rounds down: one rule for both signs.
     return static_cast<float>(static_cast<std::int32_t>(clipped + 32768.5) - 32768);
 }
 

@@ -14,22 +14,23 @@ struct Span {
     std::int64_t end = 0;
 };
 
-/** A short stretch of both channels in which voices are added up, full scale ±1. */
+/** A short segment of both channels in which voices are added up, full scale ±1. */
 class VoiceMix {
 public:
     static constexpr std::int64_t kMaxFrames = 1024;
 
     /** @param count 1 … kMaxFrames
-     *  @param trackEnd from here on no voice is heard */
+     *  @param trackEnd from here on no voice sounds */
     VoiceMix(std::int64_t from, std::int64_t count, std::int64_t trackEnd)
         : from_(from), end_(from + count), soundEnd_(std::min(end_, trackEnd)) {}
 
     std::int64_t from() const { return from_; }
     std::int64_t end() const { return end_; }
 
-    /** Adds sampleAt(frame) for the part of a voice that lies in this stretch.
+    /** Adds sampleAt(frame) for the part of a voice that lies in this segment.
      *
-     *  @param pan -1 left … 1 right: the far channel loses that share, the near one keeps its level. */
+     *  @param pan -1 left … 1 right: the far channel loses that share, the near one keeps its
+     *             level. */
     template <typename SampleAt>
     void add(Span voice, double gain, double pan, SampleAt sampleAt) {
         if (gain == 0.0) return;

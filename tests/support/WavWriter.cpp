@@ -32,8 +32,8 @@ std::vector<char> headerOf(std::uint32_t sampleRate, std::uint32_t dataBytes) {
     putText(header, "RIFF");
     put32(header, kHeaderBytesAfterSize + dataBytes);
     putText(header, "WAVEfmt ");
-    put32(header, 16);  // bytes of the format that follows
-    put16(header, 1);   // whole-number samples
+    put32(header, 16);  // bytes of the format that follow
+    put16(header, 1);   // integer samples
     put16(header, kChannels);
     put32(header, sampleRate);
     put32(header, sampleRate * kBytesPerFrame);

@@ -8,16 +8,16 @@
 
 namespace beatatlas::test {
 
-/** Writes a 16-bit stereo WAV file block by block; memory is one block's.
+/** Writes a 16-bit stereo WAV file block by block, with the memory of one block.
  *
- *  Life: open() → write() … → close(). The length is announced in open(), since the header comes first. */
+ *  Life: open() → write() … → close(). open() takes the length, since the header comes first. */
 class WavWriter {
 public:
-    /** False when the file cannot be made, or `frames` do not fit a WAV file (4 GiB). */
+    /** False if the file cannot be created, or if `frames` do not fit into a WAV file (4 GiB). */
     bool open(const std::string& path, int sampleRate, std::int64_t frames);
-    /** Samples in 16-bit scale; fractions are cut, values beyond ±32767 limited. */
+    /** Samples in 16-bit scale; fractions are truncated, values beyond ±32767 limited. */
     void write(const float* left, const float* right, std::int64_t count);
-    /** True when everything reached the file. */
+    /** True if everything was written. */
     bool close();
 
 private:

@@ -35,7 +35,8 @@ TEST_F(WavWriterTest, WritesHeaderAndLittleEndianSamples) {
     writer.write(left.data(), right.data(), 2);
     writer.write(left.data() + 2, right.data() + 2, 1);
     ASSERT_TRUE(writer.close());
-    // 3 frames of 4 bytes are 12 (0x0C); 36 + 12 = 48 (0x30). 44,100 is 0xAC44, four times that 0x02B110.
+    // 3 frames of 4 bytes are 12 (0x0C); 36 + 12 = 48 (0x30). 44,100 is 0xAC44, four times that
+    // 0x02B110.
     const std::vector<unsigned char> expected = {
         'R',  'I',  'F',  'F',  0x30, 0,    0,    0,    'W',  'A',  'V',  'E',  'f',  'm',
         't',  ' ',  16,   0,    0,    0,    1,    0,    2,    0,    0x44, 0xAC, 0,    0,

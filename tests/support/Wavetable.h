@@ -9,9 +9,10 @@
 
 namespace beatatlas::test {
 
-/** One cycle of a tone with the given partials, peak 1, read by phase.
+/** One cycle of a tone with the given partials and a peak of 1, read by phase.
  *
- *  Linear interpolation between 4096 points leaves errors below -120 dB for a handful of partials. */
+ *  Linear interpolation between 4096 points leaves errors below -120 dB for a handful of
+ *  partials. */
 class Wavetable {
 public:
     /** @param partials amplitude of the fundamental, the second harmonic and so on. */

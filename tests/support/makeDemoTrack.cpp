@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// beatatlas_make_demo_track OUT.wav [options]: writes a piece of synthesised music as a 16-bit stereo WAV file.
+// beatatlas_make_demo_track OUT.wav [options]: writes a piece of synthesised music as a 16-bit
+// stereo WAV file.
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
@@ -50,7 +51,7 @@ bool readNumber(const std::string& text, double& value) {
     return end != text.c_str() && *end == '\0';
 }
 
-/** Takes the option at `place`, and its value where it has one; false when it makes no sense. */
+/** Reads the option at `place`, and its value if it has one; false if it is not valid. */
 bool takeOption(const std::vector<std::string>& words, std::size_t& place, Options& options) {
     const std::string& word = words[place];
     if (word == "--dry-kicks") {
@@ -91,7 +92,7 @@ bool areInRange(const Options& options) {
            isWithin(options.number("--level"), 0, 1) && isWithin(options.number("--width"), 0, 1);
 }
 
-/** False when the name is none of the 24 keys. */
+/** False if the name is none of the 24 keys. */
 bool readKey(const std::string& name, TrackPlan& plan) {
     static const std::vector<std::string> kTonics = {"A",  "A#", "B", "C",  "C#", "D",
                                                      "D#", "E",  "F", "F#", "G",  "G#"};
@@ -103,7 +104,7 @@ bool readKey(const std::string& name, TrackPlan& plan) {
     return tonic != kTonics.end();
 }
 
-/** A build-up, a break halfway and an ending, so that the overview has a shape to show. */
+/** A build-up, a break halfway and an ending, so that the overview has a visible shape. */
 void arrange(TrackPlan& plan, int barCount) {
     const InstrumentLevels full;
     const InstrumentLevels thin = {full.kick * 0.7, 0.0, full.hats, 0.0, full.chords * 0.6};
@@ -116,7 +117,7 @@ void arrange(TrackPlan& plan, int barCount) {
                      {barCount - eighth, thin}};
 }
 
-/** The music asked for; false when the key has no such name. */
+/** The requested music; false if the key has no such name. */
 bool makePlan(const Options& options, TrackPlan& plan) {
     if (!readKey(options.key, plan)) return false;
     plan.sampleRate = static_cast<int>(options.number("--rate"));

@@ -11,7 +11,8 @@ constexpr double kHalfPi = 1.5707963267948966;
 constexpr double kQuarterTurnUnit = 2.168404344971009e-19;  // 2^-62
 constexpr double kNoiseUnit = 1.1102230246251565e-16;       // 2^-53
 
-// 1/21!, 1/19! … 1/3! with the signs of the sine's power series; the next term is below 2e-18 at a quarter turn.
+// 1/21!, 1/19! … 1/3! with the signs of the sine's power series; the next term is below 2e-18 at a
+// quarter turn.
 constexpr std::array<double, 10> kSineSeries = {
     1.0 / 51090942171709440000.0,
     -1.0 / 121645100408832000.0,
@@ -33,7 +34,8 @@ double sineOfFirstQuarter(double angle) {
     return angle + ((angle * squared) * sum);
 }
 
-/** Scrambles a counter into 64 evenly spread bits (the finaliser of SplitMix64: Steele, Lea, Flood, OOPSLA 2014). */
+/** Scrambles a counter into 64 evenly spread bits (the finaliser of SplitMix64: Steele, Lea, Flood,
+ *  OOPSLA 2014). */
 std::uint64_t scramble(std::uint64_t x) {
     x = (x ^ (x >> 30)) * 0xBF58476D1CE4E5B9U;
     x = (x ^ (x >> 27)) * 0x94D049BB133111EBU;

@@ -33,7 +33,7 @@ Attempt attempt(const RequestsFailAfter& shortage, const std::function<void()>& 
     return result;
 }
 
-/** The exit status of a process in which the function runs. */
+/** Runs the function in a process of its own and returns its exit status. */
 int inProcess(const std::function<int()>& function) {
     std::fflush(nullptr);
     const pid_t process = fork();

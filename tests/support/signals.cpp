@@ -65,7 +65,7 @@ std::vector<float> whiteNoise(std::size_t frames, double peak, std::uint64_t see
 
 std::vector<float> sweep(std::size_t frames, double fromHz, double toHz, int sampleRate,
                          double peak) {
-    // The average frequency up to frame i lies halfway between the first and the present one.
+    // The average frequency up to frame i lies halfway between the first and the current one.
     return shaped(frames, peak, [&](std::size_t i) {
         const double part = static_cast<double>(i) / static_cast<double>(frames);
         const double averageHz = fromHz + (((toHz - fromHz) * part) * 0.5);

@@ -98,7 +98,7 @@ TEST_F(TrackArithmeticTest, IsNotTouchedByGettersAndTheyDoNotDependOnIt) {
 // The session behind it has its lines to print: the same track through one of the core does.
 TEST_F(TrackArithmeticTest, NothingIsPrinted) {
     for (const int tempo : {BA_TRACK_TEMPO_CONSTANT, BA_TRACK_TEMPO_VARIED, BA_TRACK_TEMPO_SIMPLE,
-                            BA_TRACK_TEMPO_OFF}) {
+                            BA_TRACK_TEMPO_OFF, BA_TRACK_TEMPO_AUTO}) {
         for (const int threads : {1, 2}) {
             BA_TrackOptions options = allWanted();
             options.tempo = tempo;

@@ -1,17 +1,17 @@
 #!/usr/bin/python3
 # SPDX-License-Identifier: MIT
-"""Compares what the tool finds in the same music at two sample rates and in several formats.
+"""Compares the tool's results for the same music at two sample rates and in several formats.
 
 usage: compare_rates.py TOOL FOLDER... [--tempo auto]
 
 Every audio file of the FOLDERs is converted by FFmpeg: to WAVE of 44,100 and of 48,000 Hz, to
-FLAC of its own rate, to MP3 of 192 kbit/s and to Opus of 128 kbit/s. The answers for all are
-compared with that for WAVE of 44,100 Hz. A line for each version says by how many BPM the tempo
-is off, by how many ms a beat at most, and how many beats have no partner within half an
-interval; `FLIPS` stands where the tempo is off by more than 0.015 BPM or a beat by more than
-5 ms, or where more than the first and the last beat lack a partner. Exit status 1 if any flips.
+FLAC of its own rate, to MP3 of 192 kbit/s and to Opus of 128 kbit/s. All answers are
+compared with that for WAVE of 44,100 Hz. A line for each version gives the deviation of the tempo
+in BPM, the largest deviation of a beat in ms, and how many beats have no partner within half an
+interval. `FLIPS` marks a version whose tempo is off by more than 0.015 BPM or a beat by more than
+5 ms, or in which more than the first and the last beat lack a partner. Exit status 1 if any flips.
 
-MP3 and Opus say how much silence their encoders put in front; the tool takes it away.
+MP3 and Opus files state how much silence the encoder added in front; the tool removes it.
 """
 import argparse
 import glob
@@ -42,7 +42,7 @@ def ask(tool, mode, path):
 
 
 def compare(reference, other):
-    """(BPM off, greatest distance in s of beats that have a partner, how many have none)"""
+    """(deviation in BPM, largest distance in s of beats with a partner, how many have none)"""
     (bpm, beats), (other_bpm, other_beats) = reference, other
     if len(beats) < 2 or len(other_beats) < 2:
         return other_bpm - bpm, 0.0, abs(len(beats) - len(other_beats))

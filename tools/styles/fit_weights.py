@@ -5,22 +5,21 @@ known.
 
 usage: fit_weights.py DUMP.jsonl CORPUSDIR... [--ridge 2] [--cap NAME=VALUE ...] [--real 3]
 
-DUMP.jsonl is what `beatatlas_tempo_features --features` (bench/tempoFeatures.cpp) prints: one line
-a group, that is a piece and a kind of choice:
+DUMP.jsonl is the output of `beatatlas_tempo_features --features` (bench/tempoFeatures.cpp): one line
+for each group, which is a piece and a kind of choice:
   {"id": "waltz-0", "kind": "level", "features": ["l", "on_lm", ...],
    "hypotheses": [{"name": "12/0", "times": [0.51, 1.02, ...], "values": [0.1, 0.7, ...]}, ...]}
-times are the beats (kind "level") or first beats of bars (kind "bar") the hypothesis stands for,
-in seconds; values are its features, in the order of the names. CORPUSDIRs hold corpus.json and
+times are the beats (kind "level") or downbeats (kind "bar") of the hypothesis, in seconds; values are its features, in the order of the names. CORPUSDIRs hold corpus.json and
 beats/ as make_styles.py writes them; ids are unique.
 
 The right hypotheses of a group are those whose F-measure (+-70 ms) against the truth is at least
-0.9 of the best; a group whose best is below 0.8 teaches nothing and is left out. The model is a
+0.9 of the best; a group whose best is below 0.8 shows nothing and is left out. The model is a
 softmax over the group's hypotheses of a weighted sum of features; the weights maximise the
-likelihood of the right ones (several count together) less a ridge on standardised weights. Pieces
-of the half "judge" are never fitted on. Pieces without a style (real music) count --real times,
-those whose octave is a matter of taste half. Printed for each kind: the weights, the share of
-right choices and mean F for each half, the same with every style left out in turn, and how often a
-probability was right (calibration).
+likelihood of the right ones (the sum, if there are several) less a ridge penalty on standardised
+weights. Pieces of the half "judge" are never used in the fit. Pieces without a style (real music)
+have weight --real, pieces of ambiguous octave half the weight. Printed for each kind: the weights,
+the share of right choices and mean F for each half, the same with every style left out in turn, and
+how often a probability was right (calibration).
 
 Needs Debian's python3-numpy and python3-scipy.
 """
@@ -37,7 +36,7 @@ BINS = [0.0, 0.5, 0.7, 0.85, 0.95, 0.99, 1.0001]
 
 
 def f_measure(estimate, truth):
-    """Share of beats found, one to one, within the annotated stretch."""
+    """F-measure of the beats, matched one to one, within the annotated section."""
     if not truth:
         return 0.0
     estimate = [t for t in estimate if truth[0] - TOLERANCE <= t <= truth[-1] + TOLERANCE]
@@ -50,7 +49,7 @@ def f_measure(estimate, truth):
 
 
 def read_truth(folders):
-    """{id: (entry of the corpus, beats, first beats of bars)}"""
+    """{id: (entry of the corpus, beats, downbeats)}"""
     truth = {}
     for folder in folders:
         with open(f'{folder}/corpus.json') as f:
@@ -100,7 +99,7 @@ def loss(theta, groups, scale, ridge):
 
 
 def fit(groups, ridge, caps):
-    """Weights of the features as they are given."""
+    """Weights for the features in their original scale."""
     scale = np.concatenate([g.x for g in groups]).std(0) + 1e-9
     limits = [(None, caps[n] * s if n in caps else None) for n, s in zip(groups[0].names, scale)]
     start = np.zeros(len(scale))

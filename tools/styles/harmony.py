@@ -4,7 +4,7 @@
 NAMES = ['C', 'C#', 'D', 'D#', 'E', 'F', 'F#', 'G', 'G#', 'A', 'A#', 'B']
 SCALES = {'major': [0, 2, 4, 5, 7, 9, 11], 'minor': [0, 2, 3, 5, 7, 8, 10]}
 
-# Scale degrees from 0, one a slot (a bar, unless the style says otherwise).
+# Scale degrees from 0, one per slot (a bar, unless the style states otherwise).
 PROGRESSIONS = {
     ('pop', 'major'): [[0, 4, 5, 3], [0, 5, 3, 4], [5, 3, 0, 4], [0, 3, 4, 3], [0, 3, 0, 4],
                        [0, 1, 3, 0], [0, 4, 5, 2, 3, 0, 3, 4], [3, 4, 0, 5, 3, 4, 0, 0]],
@@ -54,7 +54,7 @@ class Harmony:
 
 
 def lay(pitch_class, low):
-    """The pitch of that class in the octave from `low` on."""
+    """The pitch of a pitch class in the octave from `low` on."""
     return low + (pitch_class - low) % 12
 
 

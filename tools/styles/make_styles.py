@@ -4,10 +4,10 @@
 
 usage: make_styles.py OUTDIR [--seeds N] [--only STYLE,...] [--jobs N] [--midi-only]
 
-OUTDIR gets corpus.json, beats/ID.txt (seconds, a tab, 1 on the first beat of a bar), midi/ID.mid
-and ID.flac (44.1 kHz, 16 bits). Every style has N seeds (4); the same seed gives the same piece
-everywhere. Pieces of even seeds are the half to fit weights on (half: "fit"), those of odd seeds
-the half to judge by ("judge"), so both halves hold every style.
+OUTDIR receives corpus.json, beats/ID.txt (seconds, a tab, 1 on the first beat of a bar),
+midi/ID.mid and ID.flac (44.1 kHz, 16 bits). Every style has N seeds (4); the same seed gives the
+same piece everywhere. Pieces of even seeds are the half for fitting weights (half: "fit"), those of
+odd seeds the half for judging ("judge"), so both halves contain every style.
 
 The beat is the one listeners tap: the dotted quarter of a jig, the quarter of a waltz. Where
 musicians disagree on the octave (half-time trap, bossa nova) the piece is flagged octave_unsure. A
@@ -41,7 +41,7 @@ def compose(name, seed):
 
 
 def render(midi_path, wav_path):
-    """FluidSynth faster than real time; its output is replaced whole or not at all."""
+    """FluidSynth faster than real time; the output file is replaced as a whole or not at all."""
     part = wav_path + '.part'
     command = ['fluidsynth', '-n', '-i', '-q', '-g', '0.45', '-r', str(RATE), '-O', 's16', '-T',
                'wav', '-F', part, SOUNDFONT, midi_path]

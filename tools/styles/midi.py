@@ -1,9 +1,9 @@
 # SPDX-License-Identifier: MIT
-"""Standard MIDI files whose clock is seconds.
+"""Standard MIDI files timed in seconds.
 
-A player that follows a tempo map rounds at every change of tempo, and the roundings add up. So the
-file has one tempo for
-good (120 BPM) and ticks of a tenth of a millisecond, and every note stands at its own time.
+A player that follows a tempo map rounds at every tempo change, and the rounding errors add up. So
+the file has a single tempo (120 BPM) and ticks of a tenth of a millisecond, and every note has its
+absolute time.
 """
 import struct
 

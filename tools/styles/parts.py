@@ -2,10 +2,10 @@
 """Players: each reads a pattern and the harmony and adds notes.
 
 A pattern is a string of cells, `grid` cells a beat, one or more bars long. '.' is a rest and '-'
-holds the note before it.
+holds the preceding note.
 
 Drums: X loud, x plain, o ghost. Bass: r root, 5 fifth, 8 octave, 3 third, a: a semitone below the
-next root. Chords: x, X. Arpeggios: a digit for the chord tone, counted on into the next octave.
+next root. Chords: x, X. Arpeggios: a digit for the chord tone, continuing into the next octave.
 Melody rhythms: x.
 """
 from harmony import lay, voicing
@@ -46,7 +46,7 @@ def drums(piece, section, groove):
 
 
 def fill(piece, start, beats):
-    """Strokes over the toms, on the grid, denser or thinner by chance, always one on each beat."""
+    """Strokes across the toms, on the grid, with random density, always one on each beat."""
     voices = ['snare', 'high_tom', 'tom', 'low_tom']
     count = int(round(beats * piece.grid))
     for k in range(count):
@@ -104,7 +104,7 @@ def arpeggio(piece, section, pattern):
 
 
 def pad(piece, section):
-    """A chord a slot, held."""
+    """One sustained chord per slot."""
     count = int(section.beats / piece.harmony.slot + 1e-6)
     for k in range(count):
         at = section.start + k * piece.harmony.slot
@@ -136,7 +136,7 @@ def melody(piece, section, rhythms, part='lead'):
 
 
 class Span:
-    """A stretch of a section."""
+    """A range of a section."""
 
     def __init__(self, section, start, beats):
         self.start, self.beats, self.lifted, self.fill = start, beats, section.lifted, 0

@@ -7,9 +7,9 @@ from harmony import Harmony, lay
 from timing import Clock
 
 LEAD_IN = (0.0, 1.5)  # seconds before the first beat
-FEEL = dict(swing=0.5, jitter=0.0, map='steady')  # where a style says nothing else
+FEEL = dict(swing=0.5, jitter=0.0, map='steady')  # unless a style sets another
 # FluidSynth starts a note in the next block of 64 samples after its millisecond; with the sounds'
-# own attack a drum is heard 3 to 5 ms after the tick (measured with claves, hats, snares and kicks
+# own attack a drum sounds 3 to 5 ms after the tick (measured with claves, hats, snares and kicks
 # of seven kits).
 ATTACK = 0.004
 
@@ -21,7 +21,7 @@ class Section:
 
 
 def choose(rng, pool):
-    """One of a list; of anything else the thing itself."""
+    """A random element of a list; anything else is returned unchanged."""
     return pool[rng.integers(len(pool))] if isinstance(pool, list) else pool
 
 
@@ -62,7 +62,7 @@ class Piece:
                            velocity))
 
     def melodic(self, degree, at, section, strong):
-        """Pitch of a scale degree; on a beat the nearest tone of the chord."""
+        """Pitch of a scale degree; on a beat, the nearest chord tone."""
         scale = sorted(lay(c, self.lead_low) for c in self.harmony.scale)
         pitch = scale[degree % 7] + 12 * (degree // 7)
         if strong:

@@ -1,21 +1,21 @@
 #!/usr/bin/python3
 # SPDX-License-Identifier: MIT
-"""Scores the keys that the tool finds on tracks of known key, and how sure it may be of them.
+"""Scores the keys that the tool finds on tracks of known key, and measures how sure they are.
 
 usage: score_keys.py TOOL FOLDER... [--jobs N] [--misses] [--excerpt SECONDS]
 
 TOOL is the built program, build/release/app/beatatlas. A FOLDER holds corpus.json, as
-make_styles.py writes it, and the audio of its entries beside it, ID.flac or in any other format.
+make_styles.py writes it, and the audio of its entries next to it, ID.flac or in any other format.
 Entries without a key are left out.
 
-Printed for each folder, and for the halves "fit" and "judge" where there are any: how many keys
+Printed for each folder, and for the halves "fit" and "judge" if there are any: how many keys
 are exactly right, and a weighted score (the same key 1, a fifth up 0.5, the relative key 0.3, the
 parallel one 0.2), by evidence and of the session. Then the calibration over all folders: for each
-class of the probability that the scores give, how many tracks fell into it and the share of them
-that was right; and how many tracks are told with a change of key.
+class of the probability computed from the scores, how many tracks fell into it and the share of
+them that was right; and for how many tracks a change of key is reported.
 
-With --excerpt nothing but so many seconds of each track is heard, from its twelfth on (FFmpeg's
-program cuts them out), against the key of the whole track.
+With --excerpt only that many seconds of each track are analysed, starting at its twelfth second
+(FFmpeg's program cuts them out), and compared with the key of the whole track.
 """
 import argparse
 import glob
@@ -53,7 +53,7 @@ def key_of(entry):
 
 
 def cut_out(file, seconds, folder):
-    """So many seconds of a file, in one of their own."""
+    """Cuts an excerpt out of a file into a file of its own."""
     excerpt = f'{folder}/{os.path.basename(file)}.wav'
     subprocess.run(['ffmpeg', '-v', 'error', '-ss', '12', '-t', str(seconds), '-i', file, excerpt],
                    check=True)
@@ -61,7 +61,7 @@ def cut_out(file, seconds, folder):
 
 
 def examine(tool, folder, entry, seconds):
-    """What the tool says of an entry, or nothing where there is no audio."""
+    """The tool's answer for an entry, or None if there is no audio."""
     files = [f for f in sorted(glob.glob(f"{glob.escape(folder)}/{glob.escape(entry['id'])}.*"))
              if not f.endswith(('.txt', '.mid', '.json'))]
     if not files:

@@ -1,29 +1,29 @@
 #!/usr/bin/python3
 # SPDX-License-Identifier: MIT
-"""Scores what the tool finds of tempo, beats and bars on music whose answers are known.
+"""Scores the tempo, beats and bars that the tool finds on music of known tempo, beats and bars.
 
 usage: score_tempo.py TOOL FOLDER... [--tempo auto,constant,varied,simple] [--keep DIR]
                       [--tracks] [--calibration]
 
 A FOLDER holds ID.flac, ID.ogg ... and corpus.json with beats/ID.txt as make_styles.py writes
-them; or, without a corpus.json, NAME.ogg beside NAME.beats.txt. Every file goes through
-`TOOL analyze --json --tempo MODE`; with --keep the tool's answers are left in DIR and taken
-from there next time. Printed is a table in Markdown with a line for each folder, half (of a
+them; or, without a corpus.json, NAME.ogg next to NAME.beats.txt. Every file goes through
+`TOOL analyze --json --tempo MODE`; with --keep the tool's answers are stored in DIR and read
+from there the next time. Prints a table in Markdown with a line for each folder, half (of a
 style set) and mode:
 
-Acc1    share of tracks of constant tempo within 4 % of the true one (not where its octave is a
-        matter of taste: flag octave_unsure, or approx_bpm)
-Acc2    the same also at twice, half, three times or a third of it, of all of them
+Acc1    share of tracks of constant tempo within 4 % of the true one (without those of
+        ambiguous octave: flag octave_unsure, or approx_bpm)
+Acc2    the same, but twice, half, three times or a third of it also count; of all tracks
 .05     share within 0.05 BPM after that correction
-F70     F-measure of the beats within 70 ms, one to one, over the annotated stretch; F20 within
+F70     F-measure of the beats within 70 ms, one to one, over the annotated section; F20 within
         20 ms (not of tracks flagged phase_uncertain)
-any     F70 when the double and the halves of the true beats count too
-bars    F-measure of the first beats of bars, within 70 ms
+any     F70 if twice or half the true beats are accepted too
+bars    F-measure of the downbeats, within 70 ms
 
 --tracks adds a line for each track. --calibration adds, for the mode auto, how often an answer
-of each stated confidence was right: the tempo up to a factor of two or three; its level, where
-that was; the beats, where the level was; the bars, where the beats were. Right is an F-measure
-of 0.8, a level whose beats are as many as the true ones within a tenth.
+of each stated confidence was right: the tempo up to a factor of two or three; its level, if the
+tempo was; the beats, if the level was; the bars, if the beats were. Beats and bars are right from
+an F-measure of 0.8, a level if the number of its beats is within a tenth of the true one.
 """
 import argparse
 import glob
@@ -105,7 +105,7 @@ def f_measure(found, truth, tolerance):
     while i < len(found) and k < len(truth):
         apart = found[i] - truth[k]
         if abs(apart) <= tolerance:
-            # A nearer one goes first.
+            # Nearer ones come first.
             while i + 1 < len(found) and abs(found[i + 1] - truth[k]) < abs(found[i] - truth[k]):
                 i += 1
             hits, i, k = hits + 1, i + 1, k + 1
@@ -121,7 +121,7 @@ def doubled(beats):
 
 
 def score(track, answer):
-    """{column: 0 ... 1}, only those that the track has a truth for."""
+    """{column: 0 ... 1}, only columns for which the truth of the track is known."""
     row = {}
     bpm = (answer.get('tempo') or {}).get('bpm') or 0.0
     beats = [beat['seconds'] for beat in answer.get('beats') or []]
@@ -156,7 +156,7 @@ def print_row(name, mode, rows):
 
 
 def beats_within(times, truth):
-    """How many beats there are in the annotated stretch."""
+    """The number of beats in the annotated section."""
     return bisect_left(times, truth[-1] + 0.07) - bisect_left(times, truth[0] - 0.07)
 
 

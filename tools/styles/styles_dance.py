@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-"""Music of machines: disco, house, techno, trance, drum and bass, and long intros and breaks."""
+"""Machine music: disco, house, techno, trance, drum and bass, and long intros and breaks."""
 from styles_band import PADS, SONG_RHYTHMS
 
 FOUR = ['X...X...X...X...']

@@ -12,7 +12,7 @@ def steady(rng, beats, bpm, meter):
 
 
 def live(rng, beats, bpm, meter):
-    """Slow wandering: two sines of 40 to 160 beats and a smoothed random walk, scaled to +-2 %."""
+    """Slow drift: two sines of 40 to 160 beats and a smoothed random walk, scaled to +-2 %."""
     k = np.arange(beats)
     walk = np.cumsum(rng.normal(0, 1, beats))
     walk -= np.linspace(walk[0], walk[-1], beats)
@@ -24,7 +24,7 @@ def live(rng, beats, bpm, meter):
 
 
 def ramp(rng, beats, bpm, meter):
-    """Two to four stretches that speed up, slow down or stay, each change at most a fifth."""
+    """Two to four sections that speed up, slow down or stay, each change at most a fifth."""
     knots = int(rng.integers(3, 6))
     at = np.linspace(0, beats, knots)
     tempo = bpm * np.exp(np.cumsum(rng.uniform(-0.18, 0.18, knots) * (rng.random(knots) < 0.75)))
@@ -46,7 +46,7 @@ def phrased(rng, beats, bpm, meter):
 
 
 def fermata(rng, beats, bpm, meter):
-    """As a performer, with the last beat of every eight bars held, after a short ritardando."""
+    """A performer who holds the last beat of every eight bars, after a short ritardando."""
     dt = phrased(rng, beats, bpm, meter)
     for end in range(8 * meter, beats, 8 * meter):
         dt[end - 3:end - 1] *= rng.uniform(1.05, 1.2)

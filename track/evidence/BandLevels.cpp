@@ -11,11 +11,11 @@ namespace {
 
 constexpr double kHighestHz = 15500.0;
 constexpr double kBandsPerOctave = 5.0;
-// Below this bin every band is one bin wide, some 43 Hz.
+// Below this bin every band is one bin wide, about 43 Hz.
 constexpr int kNarrowBins = 8;
 // About 43, 170, 520, 2000 and 5000 Hz.
 constexpr std::array<int, kGroups> kGroupBins = {1, 4, 12, 46, 116};
-// Bands in whole vectors.
+// The number of bands, rounded up to whole vectors.
 constexpr std::size_t kMostBands = 3 * kCodedTogether;
 
 std::vector<int> bandEdges(int rate) {
@@ -104,7 +104,7 @@ LevelCode* BandLevels::nextFrame() {
     return codesOf(frame);
 }
 
-// By counting, since a list of the means would be too long to sort.
+// Counts in a histogram, since a list of the means would be too long to sort.
 double BandLevels::loudLevel(const std::vector<float>& levelOfCode) const {
     std::vector<std::int64_t> framesOfMean(kLevelCodes);
     for (std::int64_t frame = 0; frame < frames_; ++frame) {

@@ -13,23 +13,23 @@
 
 namespace beatatlas::track::inner {
 
-/** Groups of bands whose onsets are told apart: low (below 170 Hz), low middle (520 Hz), middle (2
- *  kHz), high middle (5 kHz) and high (15.5 kHz). */
+/** Groups of bands with separate onsets: low (up to 170 Hz), low middle (up to 520 Hz), middle (up
+ *  to 2 kHz), high middle (up to 5 kHz) and high (up to 15.5 kHz). */
 inline constexpr std::size_t kGroups = 5;
 enum Group : std::size_t { kLow, kLowMiddle, kMiddle, kHighMiddle, kHigh };
 
 /** The spectrum of a track at 150 frames a second: its levels in bands of a fifth of an octave.
  *
- *  How loud the track is as a whole, against which a level is to be judged, is known only at its
- *  end. Until then a level is kept in 16 bits: some 10 kB per second of audio.
+ *  Levels are judged relative to the loudness of the whole track, which is known only at its end.
+ *  Until then each level is kept in 16 bits: about 10 kB per second of audio.
  *
- *  Life: construct, rounding to nearest → put() per block → finish() → takeChunk() until it gives
- *  none. */
+ *  Life: construct, rounding to nearest → put() per block → finish() → takeChunk() until it returns
+ *  null. */
 class BandLevels {
 public:
     static constexpr int kFramesPerSecond = 150;
-    // An hour. Blocks of more than 32 MB go back to the system as soon as they are let go, and of
-    // the last one only what is written counts.
+    // About an hour. The allocator returns blocks of more than 32 MB to the system as soon as they
+    // are freed, and of the last block only the pages written take memory.
     static constexpr std::size_t kChunkFrames = std::size_t{1} << 19;
 
     /** @param rate  44100 or 48000 Hz */
@@ -44,12 +44,12 @@ public:
     /** Bands of group g: from groupStarts()[g] to groupStarts()[g + 1], exclusive. */
     const std::array<std::size_t, kGroups + 1>& groupStarts() const { return groupStarts_; }
 
-    /** The level, a magnitude of the spectrum, that the mean over all bands passes in one frame of
-     *  ten; 0 for silence. Between finish() and the first takeChunk().
-     *  @param levelOfCode  as levelsOfCodes() gives them */
+    /** The level, a magnitude of the spectrum, that the mean over all bands exceeds in one frame of
+     *  ten; 0 for silence. Call between finish() and the first takeChunk().
+     *  @param levelOfCode  the result of levelsOfCodes() */
     double loudLevel(const std::vector<float>& levelOfCode) const;
 
-    /** Codes of the next kChunkFrames frames, band by band within a frame, and lets them go; null
+    /** Hands over the codes of the next kChunkFrames frames, band by band within a frame; null
      *  after the last. */
     std::unique_ptr<LevelCode[]> takeChunk();
 
@@ -60,9 +60,10 @@ private:
     LevelCode* nextFrame();
 
     int hop_;
-    std::vector<int> edges_;  // bins at which a band begins, and the end of the last one
+    // Bins at which a band begins, and the end of the last one.
+    std::vector<int> edges_;
     std::array<std::size_t, kGroups + 1> groupStarts_{};
-    int bins_;           // that are heard, a multiple of 16
+    int bins_;           // that are used, a multiple of 16
     BandSums evenSums_;  // of the first of two frames
     BandSums oddSums_;
     SpectrumStream stream_;

@@ -9,7 +9,7 @@ namespace {
 
 constexpr std::ptrdiff_t kLanes = 16;
 constexpr int kWidths = 5;  // 1, 2, 4, 8, 16
-// A row of sums; read past the last bin by as much as a vector and the widest sum.
+// Length of a row of sums. Reads go past the last bin by up to a vector and the widest sum.
 constexpr std::ptrdiff_t kRow = BandSums::kMostBins + 2 * kLanes;
 
 template <std::size_t kWidth>

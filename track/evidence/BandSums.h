@@ -6,9 +6,9 @@
 
 namespace beatatlas::track::inner {
 
-/** Sums of the bins of each band of a spectrum, of bands one bin to dozens wide.
+/** Sums the bins of each band of a spectrum. Bands are one bin to dozens of bins wide.
  *
- *  All sums of 2, 4, 8 and 16 neighbours are made in vector lanes, and a band is put together from
+ *  All sums of 2, 4, 8 and 16 neighbours are computed in vector lanes, and each band is the sum of
  *  a few of them: the order of the additions is the same in every vector form. */
 class BandSums {
 public:
@@ -18,17 +18,20 @@ public:
      *  exclusive */
     explicit BandSums(const std::vector<int>& edges);
 
-    /** Where the powers of kMostBins bins are to be written before sum(). */
+    /** The caller writes the powers of kMostBins bins here before sum(). */
     float* powers() { return neighbours_.data(); }
 
     /** @param bins  how many of the powers count, a multiple of 16
-     *  @param sums  receives one for each band */
+     *  @param sums  receives one sum for each band */
     void sum(int bins, float* sums);
 
 private:
-    std::vector<float> neighbours_;        // powers, then their sums of 2, 4, 8 and 16 neighbours
-    std::vector<std::size_t> terms_;       // of all bands, as places among them
-    std::vector<std::size_t> firstTerms_;  // of each band, and the end
+    // Powers, then their sums of 2, 4, 8 and 16 neighbours.
+    std::vector<float> neighbours_;
+    // The terms of all bands, as indexes into neighbours_.
+    std::vector<std::size_t> terms_;
+    // Index of each band's first term, and the end.
+    std::vector<std::size_t> firstTerms_;
 };
 
 }  // namespace beatatlas::track::inner

@@ -17,7 +17,7 @@ double lengthOf(const ChromaSum& sum) {
     return std::sqrt(squares);
 }
 
-/** Sums of all frames before each one, and of all. */
+/** For each frame the sum of all frames before it; at the end the sum of all. */
 std::vector<ChromaSum> sumsBefore(const std::vector<Chroma>& chroma) {
     std::vector<ChromaSum> sums(chroma.size() + 1);
     for (std::size_t i = 0; i < chroma.size(); ++i)

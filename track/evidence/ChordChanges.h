@@ -9,22 +9,23 @@
 
 namespace beatatlas::track::inner {
 
-/** How much the harmony after a time differs from that before, ten times a second: the distance
- *  between the directions of the mean chroma on both sides, 0 … √2. */
+/** How much the harmony after a time differs from that before it, ten times a second: the distance
+ *  between the unit vectors of the mean chroma on both sides, 0 … √2. */
 struct ChordChanges {
-    /** Half a second, one and two on each side. */
+    /** Half a second, one second and two seconds on each side. */
     enum Span : std::size_t { kHalf, kOne, kTwo };
     static constexpr std::size_t kSpans = 3;
 
-    std::array<std::vector<float>, kSpans> curves;  // one value more than there are frames
+    std::array<std::vector<float>, kSpans> curves;  // one value more than frames
     std::array<double, kSpans> means{};
 
+    /** The value nearest to a time; outside the track the first or last one. */
     double at(Span span, double seconds) const;
 };
 
 ChordChanges findChordChanges(const std::vector<Chroma>& chroma);
 
-/** The distance between the directions of two. */
+/** The distance between the unit vectors of two chroma, 0 … √2. */
 double chordDistance(const ChromaSum& a, const ChromaSum& b);
 
 }  // namespace beatatlas::track::inner

@@ -28,7 +28,7 @@ float sumOf(const Chroma& frame) {
     return sum;
 }
 
-/** The middle one of the sums, or the mean of the two in the middle. */
+/** The median of the sums of all frames. */
 float medianSum(const std::vector<Chroma>& frames) {
     std::vector<float> sums;
     sums.reserve(frames.size());
@@ -42,8 +42,9 @@ float medianSum(const std::vector<Chroma>& frames) {
 }  // namespace
 
 ChromaStream::ChromaStream(int rate)
-    : step_(static_cast<double>(rate) / Decimator::kFactor / kFramesPerSecond),
-      tones_(tonesOf(static_cast<double>(rate) / Decimator::kFactor)), stream_(step_) {}
+    : powers_(rate, static_cast<double>(rate) / Decimator::kFactor / kFramesPerSecond,
+              SpectrumStream::kLength),
+      tones_(tonesOf(powers_.rate())) {}
 
 std::vector<ChromaStream::Tone> ChromaStream::tonesOf(double rate) {
     std::vector<Tone> tones;
@@ -59,35 +60,14 @@ std::vector<ChromaStream::Tone> ChromaStream::tonesOf(double rate) {
 }
 
 void ChromaStream::put(const float* mono, std::int64_t samples) {
-    addDecimated(decimator_.put(mono, samples));
+    powers_.put(mono, samples, [this](const float* powers) { addFrame(powers); });
 }
 
 std::vector<Chroma> ChromaStream::finish() {
-    addDecimated(decimator_.finish());
-    const auto frames = static_cast<std::int64_t>(static_cast<double>(decimated_) / step_);
-    stream_.finish(frames,
-                   [this](const FrameSpectra& spectra, int count) { addBatch(spectra, count); });
+    const std::int64_t frames = powers_.finish([this](const float* powers) { addFrame(powers); });
     frames_.resize(static_cast<std::size_t>(frames));
     if (!frames_.empty()) compress();
     return std::move(frames_);
-}
-
-void ChromaStream::addDecimated(const std::vector<float>& samples) {
-    const auto count = static_cast<std::int64_t>(samples.size());
-    decimated_ += count;
-    stream_.put(samples.data(), count,
-                [this](const FrameSpectra& spectra, int frames) { addBatch(spectra, frames); });
-}
-
-void ChromaStream::addBatch(const FrameSpectra& spectra, int frames) {
-    constexpr int kBins = SpectrumStream::kLength / 2;
-    std::array<float, kBins> even;
-    std::array<float, kBins> odd;
-    for (int frame = 0; frame < frames; frame += 2) {
-        spectra.powers(frame / 2, kBins, even.data(), odd.data());
-        addFrame(even.data());
-        if (frame + 1 < frames) addFrame(odd.data());
-    }
 }
 
 void ChromaStream::addFrame(const float* powers) {

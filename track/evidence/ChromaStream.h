@@ -7,19 +7,18 @@
 #include <tuple>
 #include <vector>
 
-#include "track/evidence/Decimator.h"
-#include "track/evidence/SpectrumStream.h"
+#include "track/evidence/DecimatedPowers.h"
 
 namespace beatatlas::track::inner {
 
-/** What sounds, by pitch class from A. */
+/** The strength of each pitch class, from A. */
 using Chroma = std::array<float, 12>;
 
-/** A chroma of any length, and sums of some. */
+/** A chroma in double precision: sums and means of frames, or scaled. */
 using ChromaSum = std::array<double, std::tuple_size_v<Chroma>>;
 
-/** The pitch classes of a track, ten times a second: how strongly each sounds between 100 Hz and 2
- *  kHz.
+/** The chroma of a track ten times a second: how strongly each pitch class sounds between 100 Hz
+ *  and 2 kHz.
  *
  *  Life: construct, rounding to nearest → put() per block → finish(). */
 class ChromaStream {
@@ -32,8 +31,8 @@ public:
     /** Takes the mean of both channels, full scale ±1.0. */
     void put(const float* mono, std::int64_t samples);
 
-    /** The frames of the whole track, compressed: ln(1 + c), where 1 is a twelfth of what sounds in
-     *  the middle one of all frames. Call once. */
+    /** The frames of the whole track, compressed: ln(1 + c), where c = 1 is a twelfth of the median
+     *  strength of all frames. Call once. */
     std::vector<Chroma> finish();
 
 private:
@@ -45,16 +44,11 @@ private:
     };
 
     static std::vector<Tone> tonesOf(double rate);
-    void addDecimated(const std::vector<float>& samples);
-    void addBatch(const FrameSpectra& spectra, int frames);
     void addFrame(const float* powers);
     void compress();
 
-    double step_;              // decimated samples from frame to frame
+    DecimatedPowers powers_;
     std::vector<Tone> tones_;  // ascending
-    Decimator decimator_;
-    SpectrumStream stream_;
-    std::int64_t decimated_ = 0;
     std::vector<Chroma> frames_;
 };
 

@@ -16,7 +16,7 @@ constexpr std::size_t kTaps = 64;
 // An odd number, so that the middle falls on a sample.
 constexpr std::size_t kUsedTaps = 63;
 constexpr std::size_t kMiddle = 31;
-// Half of what the new rate can hold is 1; the rest is the slope.
+// The cutoff as a share of half the new rate; the rest is room for the slope.
 constexpr double kPassedShare = 0.8;
 
 /** A sinc under a Hamming window, with a gain of 1 at 0 Hz. */
@@ -37,7 +37,8 @@ std::vector<float> lowPassTaps() {
     return scaled;
 }
 
-/** Sixteen sums side by side and then one of them: the order is the same in every form. */
+/** Computes sixteen sums side by side and then adds them up: the order is the same in every
+ *  form. */
 template <std::size_t kWidth>
 struct FilterLanes {
     using Values = Lanes<float, kLanes>;
@@ -86,7 +87,7 @@ const std::vector<float>& Decimator::finish() {
     return outputs_;
 }
 
-// The last tap is a zero and yet its sample must be there to be read.
+// The last tap is zero, but its sample is read and must exist.
 void Decimator::filterBuffer() {
     const std::size_t outputs = buffer_.size() < kTaps ? 0 : (buffer_.size() - kTaps) / kFactor + 1;
     outputs_.resize(outputs);

@@ -13,7 +13,7 @@
 
 namespace beatatlas::track::inner {
 
-/** What is heard of a track beside the sessions of the core: what begins when, and what sounds. */
+/** What is found in a track besides the sessions of the core: onsets, chroma and chord changes. */
 struct Evidence {
     double seconds = 0.0;
     OnsetEnvelopes onsets;
@@ -22,8 +22,8 @@ struct Evidence {
 };
 
 /** Gathers the evidence from a track. The same bits for blocks of every size, in every rounding
- *  mode and vector form. Where another maths library gives other last bits (of exp2, log1p, cos),
- *  those of the evidence may differ too.
+ *  mode and vector form. With another mathematics library, exp2, log1p and cos may differ in their
+ *  last bits, and so may the evidence.
  *
  *  Life: construct → hear the whole track → finish(). Memory: 11 kB per second of the track. */
 class EvidenceListener : public Listener {
@@ -34,7 +34,7 @@ public:
 
     void hear(const Block& block) override;
 
-    /** Call once. */
+    /** The evidence of the whole track. Call once. */
     Evidence finish();
 
 private:

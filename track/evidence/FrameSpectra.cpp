@@ -12,7 +12,7 @@ namespace beatatlas::track::inner {
 
 namespace {
 
-/** Zero at i = 0 and at i = period. */
+/** A Hann window that is zero at i = 0 and at i = period. */
 std::vector<float> hannWindow(int length, int period) {
     std::vector<float> window(static_cast<std::size_t>(length));
     for (std::size_t i = 0; i < window.size(); ++i) {
@@ -72,7 +72,7 @@ struct PowerLanes {
         }
     }
 
-    /** The values up to the last one, backward. */
+    /** Loads the values that end at `last`, in reverse order. */
     BEATATLAS_LANES static void loadMirrored(Values& lanes, const float* last) {
         loadLanes(lanes, last - (kLanes - 1));
         turnRound(lanes, std::make_index_sequence<2 * kWidth>{});

@@ -9,26 +9,26 @@
 
 namespace beatatlas::track::inner {
 
-/** Windowed frames of real samples and their spectra, many at a time: two frames are the real and
- *  the imaginary part of one complex transform, whose spectrum has the symmetric half of the one
- *  and the antisymmetric of the other, and several transforms run side by side.
+/** Spectra of windowed frames of real samples, many at a time. Two frames are the real and the
+ *  imaginary part of one complex transform; the symmetry of their spectra separates them again.
+ *  Several transforms run side by side.
  *
- *  Single precision, rounding to nearest, which the caller sees to, construction included. The same
- *  bits in every vector form. Memory: 256 bytes a point, allocated when constructed. */
+ *  Single precision; the caller sets rounding to nearest, for construction too. The same bits in
+ *  every vector form. Memory: 256 bytes a point, allocated when constructed. */
 class FrameSpectra {
 public:
     static constexpr int kFrames = 2 * FrameTransform::kFramesAtOnce;
 
     /** @param points  of a spectrum, a power of two of at least 64
-     *  @param window  of a frame, at most so many samples; what is missing counts as silence after
-     *                 it */
+     *  @param window  one weight for each sample of a frame, at most `points`; a shorter frame is
+     *                 padded with zeros at its end */
     FrameSpectra(int points, std::vector<float> window);
 
     /** Transforms the frames that begin at samples[starts[f]], f < count ≤ kFrames. */
     void transform(const float* samples, const std::ptrdiff_t* starts, int count);
 
-    /** |X|² of the bins 0 … bins − 1 of the frames 2 × pair and 2 × pair + 1; bins is a multiple of
-     *  16, at most half the points. */
+    /** |X|² of the bins 0 … bins − 1 of the frames 2 × pair (even) and 2 × pair + 1 (odd); bins is
+     *  a multiple of 16, at most half the points. */
     void powers(int pair, int bins, float* even, float* odd) const;
 
     /** One value of a frame's spectrum; 0 < bin < points. */
@@ -41,8 +41,8 @@ private:
     const float* im(int pair) const { return im_.data() + pair * stride_; }
 
     int points_;
-    // A line more than the points, so that the same point of all frames does not fall into one set
-    // of the cache; what follows the last one repeats the first.
+    // One cache line more than the points, so that the same point of all frames does not fall into
+    // one set of the cache. The value after the last point repeats the first.
     std::ptrdiff_t stride_;
     FrameTransform transform_;
     std::vector<float> window_;
@@ -50,10 +50,10 @@ private:
     std::vector<float> im_;
 };
 
-/** The periodic Hann window, whose shifted copies add up evenly. */
+/** The periodic Hann window, whose shifted copies add up to a constant. */
 std::vector<float> periodicHann(int length);
 
-/** The symmetric one, which ends on zeros on both sides. */
+/** The symmetric Hann window, which is zero at both ends. */
 std::vector<float> symmetricHann(int length);
 
 }  // namespace beatatlas::track::inner

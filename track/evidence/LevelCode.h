@@ -8,25 +8,26 @@
 
 #include "dsp/vectorLanes.h"
 
-/** Levels in 16 bits, on a logarithmic scale: 1024 steps an octave, so a step is 0.006 dB, over 64
- *  octaves. Code 0 stands for silence. */
+/** Levels in 16 bits on a logarithmic scale: 64 octaves of 1024 steps each, so a step is 0.006 dB.
+ *  Code 0 stands for silence. */
 namespace beatatlas::track::inner {
 
 using LevelCode = std::uint16_t;
 
 inline constexpr std::size_t kLevelCodes = 65536;
 inline constexpr double kLevelCodesPerOctave = 1024.0;
-/** Octaves of level that the lowest code lies below 1. */
+/** The lowest code lies this many octaves below level 1. */
 inline constexpr double kLowestLevelOctaves = 54.0;
 
 /** How many energies are coded together. */
 inline constexpr std::size_t kCodedTogether = 16;
 
-/** The codes of the square roots of sixteen energies ≥ 0, in lanes, whatever the register.
+/** The level codes of sixteen energies ≥ 0 (the level is the square root of the energy), computed
+ *  in lanes for registers of any width.
  *
- *  The logarithm of a float is its exponent and that of its mantissa 1 + t. The polynomial is the
- *  one of degree 5 through the Chebyshev points of 0 ≤ t ≤ 1: off by at most 1.5e-5 octaves, a
- *  hundredth of a code. */
+ *  The logarithm of a float is its exponent plus the logarithm of its mantissa 1 + t. The
+ *  polynomial of degree 5 interpolates the latter at the Chebyshev points of 0 ≤ t ≤ 1, with an
+ *  error of at most 1.5e-5 octaves, a hundredth of a code. */
 BEATATLAS_LANES void codeLevels(const Lanes<float, kCodedTogether>& energies,
                                 Lanes<std::int32_t, kCodedTogether>& codes) {
     using Ints = Lanes<std::int32_t, kCodedTogether>;
@@ -50,7 +51,7 @@ BEATATLAS_LANES void codeLevels(const Lanes<float, kCodedTogether>& energies,
     codes = above < kMostCode ? above : kMostCode;
 }
 
-/** The same for one. */
+/** The code of one energy ≥ 0. */
 inline LevelCode codeOfEnergy(float energy) {
     Lanes<float, kCodedTogether> energies;
     fillLanes(energies, energy);
@@ -59,7 +60,7 @@ inline LevelCode codeOfEnergy(float energy) {
     return static_cast<LevelCode>(codes[0]);
 }
 
-/** The level that each code stands for. Rounds to nearest, which the caller sees to. */
+/** The level of each code. The caller sets rounding to nearest. */
 std::vector<float> levelsOfCodes();
 
 }  // namespace beatatlas::track::inner

@@ -2,10 +2,11 @@
 // Method: spectral flux of log-compressed bands, as surveyed in S. Böck, F. Krebs, M. Schedl,
 // "Evaluating the online capabilities of onset detection methods" (2012).
 //   1. the logarithm of a level, relative to the loud passages of the track; nearly linear far
-//      below them, so that the rustle of a quiet passage is no onset
+//      below them, so that the noise of a quiet passage gives no onsets
 //   2. its rise in each band over one frame and over two, averaged over each group of bands
-//   3. each group divided by its mean over the track: what seldom happens in a group counts more
-//   4. its largest value about each frame, for what asks how strongly something begins about a time
+//   3. each group divided by its mean over the track: an onset in a group with few onsets gets more
+//      weight
+//   4. its largest value around each frame, for stages that look up the onset strength near a time
 #include "track/evidence/OnsetEnvelopes.h"
 
 #include <algorithm>
@@ -18,11 +19,11 @@ namespace beatatlas::track::inner {
 
 namespace {
 
-// A level of a hundredth of the loud one is where the curve turns from linear to logarithmic.
+// At a hundredth of the loud level the curve changes from linear to logarithmic.
 constexpr double kCompression = 100.0;
 constexpr double kLeastLoudLevel = 1e-9;
 constexpr double kLeastMean = 1e-9;
-// The groups from 520 Hz up.
+// The first of the groups above 520 Hz.
 constexpr std::size_t kFirstSharpGroup = 2;
 constexpr std::size_t kSharpGroups = kGroups - kFirstSharpGroup;
 constexpr std::size_t kPeakFramesBefore = 2;
@@ -42,7 +43,7 @@ std::vector<float> compressedLevels(const BandLevels& levels) {
     return compressed;
 }
 
-/** The rises of a track, frame after frame. */
+/** Measures the rises of a track, frame after frame. */
 class RiseMeter {
 public:
     explicit RiseMeter(const BandLevels& levels)
@@ -51,22 +52,22 @@ public:
         for (auto& row : rows_) row.resize(bands_);
     }
 
-    /** The codes of the next frame. */
+    /** Takes the codes of the next frame. */
     void put(const LevelCode* codes) {
         std::vector<float>& row = rows_[static_cast<std::size_t>(frame_ % 3)];
         for (std::size_t band = 0; band < bands_; ++band) row[band] = compressed_[codes[band]];
         ++frame_;
     }
 
-    /** Of a group in the latest frame: mean level, and mean rise over one frame and over two; 0
-     *  where none was before. */
+    /** Values of a group in the latest frame: mean level, and mean rise over one frame and over two
+     *  frames; 0 where there is no earlier frame. */
     struct Means {
         float level;
         float rise;
         float riseOverTwo;
     };
 
-    // The three sums go side by side: none waits for another.
+    // The three sums are independent, so none waits for another.
     Means meansOf(std::size_t group) const {
         const float* row = rowBefore(0);
         const float* last = rowBefore(std::min<std::int64_t>(1, frame_ - 1));
@@ -82,7 +83,7 @@ public:
     }
 
 private:
-    /** The row of so many frames ago. */
+    /** The row of the given number of frames ago. */
     const float* rowBefore(std::int64_t frames) const {
         return rows_[static_cast<std::size_t>((frame_ - 1 - frames) % 3)].data();
     }
@@ -115,10 +116,10 @@ float meanFrom(std::size_t first, const std::array<float, kCount>& values) {
     return sum / static_cast<float>(kCount - first);
 }
 
-/** Puts the largest of its neighbours into the place of each row; at the ends, of those that there
- *  are. */
+/** Replaces each row by the maximum over itself and its neighbours; at the ends, over those that
+ *  exist. */
 void spreadPeaks(std::vector<Groups>& rises) {
-    std::array<Groups, kPeakFramesBefore> before;  // as they were
+    std::array<Groups, kPeakFramesBefore> before;  // their original values
     before.fill(rises.front());
     for (std::size_t i = 0; i < rises.size(); ++i) {
         Groups largest = rises[i];
@@ -132,8 +133,8 @@ void spreadPeaks(std::vector<Groups>& rises) {
     }
 }
 
-/** Brings peaks into parts of their mean, without the exceptional ones; keeps the upper groups' as
- *  they are. */
+/** Stores the mean peak of the upper groups, then divides the peaks of each group by their mean and
+ *  clips the exceptional ones. */
 void makeStrengths(OnsetEnvelopes& envelopes) {
     envelopes.upper.reserve(envelopes.strength.size());
     for (const Groups& peaks : envelopes.strength)

@@ -10,23 +10,23 @@
 
 namespace beatatlas::track::inner {
 
-/** Spectra of a stream of samples at even distances: frame i is centred on sample i × step,
- *  rounded. Silence lies before the stream and behind it. Frames come in batches that do not depend
- *  on the caller's blocks.
+/** Evenly spaced spectra of a stream of samples: frame i is centred on sample i × step, rounded.
+ *  The stream is padded with silence on both sides. Frames are computed in batches that do not
+ *  depend on the caller's blocks.
  *
- *  Life: construct → put() per block → finish() with the number of frames wanted. Nothing is
- *  allocated in put(). */
+ *  Life: construct → put() per block → finish() with the number of frames wanted. put() allocates
+ *  nothing. */
 class SpectrumStream {
 public:
     static constexpr int kLength = 1024;
 
-    /** @param step    samples from frame to frame, 1 … length
-     *  @param length  samples of a frame, under a periodic Hann window; a power of two of at least
-     *                 64 */
+    /** @param step    hop between frames in samples, 1 … length
+     *  @param length  frame length in samples, under a periodic Hann window; a power of two of at
+     *                 least 64 */
     explicit SpectrumStream(double step, int length = kLength);
 
-    /** Takes the next samples and calls take(const FrameSpectra&, int count) for each batch of
-     *  frames that is complete: the next `count` ones. */
+    /** Takes the next samples and calls take(const FrameSpectra&, int count) for each complete
+     *  batch: the next `count` frames. */
     template <class Take>
     void put(const float* samples, std::int64_t count, const Take& take) {
         while (count > 0) {
@@ -37,7 +37,7 @@ public:
         }
     }
 
-    /** Lets silence follow until all of so many frames have been taken. */
+    /** Appends silence until `frames` frames in all have been taken. */
     template <class Take>
     void finish(std::int64_t frames, const Take& take) {
         while (nextFrame_ < frames) {
@@ -73,8 +73,10 @@ private:
     std::int64_t length_;
     FrameSpectra spectra_;
     std::vector<float> buffer_;
-    std::int64_t bufferStart_;  // place of the buffer's first sample in the stream
-    std::int64_t filled_;       // samples in the buffer
+    // Position of the buffer's first sample in the stream.
+    std::int64_t bufferStart_;
+    // Samples in the buffer.
+    std::int64_t filled_;
     std::int64_t nextFrame_ = 0;
 };
 

@@ -8,9 +8,9 @@
 
 namespace beatatlas::track::inner {
 
-/** The mean of both channels, full scale ±1.0. Rounds to nearest, which the caller sees to. */
+/** The mean of both channels, full scale ±1.0. The caller sets rounding to nearest. */
 inline void mixToMono(const Block& block, std::vector<float>& mono) {
-    // Half of what brings 16-bit full scale to ±1.0: a power of two, so the product is exact.
+    // Half the factor from 16-bit full scale to ±1.0: a power of two, so the product is exact.
     constexpr float kScale = 1.0F / 65536.0F;
     mono.resize(static_cast<std::size_t>(block.frames));
     for (std::size_t i = 0; i < mono.size(); ++i)

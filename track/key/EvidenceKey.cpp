@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
-// Method: peaks of the spectrum, folded into pitch classes about the track's own tuning; the
-// correlation of their mean with the profile of each key, as in C. Krumhansl, "Cognitive
-// Foundations of Musical Pitch" (1990), chapter 4; beside it, how much of the time the triad on
-// its tonic sounds, and the triad the track begins with.
+// Method: peaks of the spectrum are folded into pitch classes relative to the track's own tuning.
+// Their mean is correlated with the profile of each key, as in C. Krumhansl, "Cognitive Foundations
+// of Musical Pitch" (1990), chapter 4. Added to this are the share of time in which the triad on
+// the tonic sounds, and the triad with which the track begins.
 #include "track/key/EvidenceKey.h"
 
 #include <algorithm>
@@ -23,7 +23,7 @@ namespace {
 
 constexpr double kCentsOfSemitone = 100.0;
 
-/** All keys, the likeliest first; of equal ones the one of the smaller number. */
+/** All keys, the likeliest first; of equal keys the one with the smaller number comes first. */
 std::vector<BA_TrackKeyCandidate> rankKeys(const KeyValues& scores) {
     const KeyValues probabilities = keyProbabilities(scores);
     std::vector<BA_TrackKeyCandidate> ranking;

@@ -10,12 +10,13 @@
 
 namespace beatatlas::track::inner {
 
-/** The key of a track by what is heard in it: which notes sound, which triads, and what it begins
- *  with. It also tells how the track is tuned and where its key changes.
+/** The key of a track by evidence: which notes sound, which triads sound, and what it begins with.
+ *  Also finds how the track is tuned and where its key changes.
  *
- *  The same bits for blocks of every size, in every rounding mode and vector form; another maths
- *  library may give other last bits (of log, exp, cos). Life: construct → hear the whole track →
- *  addTo(). Memory: 2 MB, and per minute 50 to 200 kB of music, 400 kB of noise. */
+ *  The same bits for blocks of every size, in every rounding mode and vector form; with another
+ *  mathematics library the last bits may differ (those of log, exp, cos). Life: construct → hear
+ *  the whole track → addTo(). Memory: 2 MB, plus 50 to 200 kB for each minute of music or 400 kB
+ *  for each minute of noise. */
 class EvidenceKey : public Listener {
 public:
     /** @param rate  44100 or 48000 Hz
@@ -24,8 +25,8 @@ public:
 
     void hear(const Block& block) override;
 
-    /** Call once, when the result has its length and its beats: the windows of the key are
-     *  counted in bars. */
+    /** Call once, when the result has its length and its beats: the windows of the key are measured
+     *  in bars. */
     void addTo(TrackResult& result);
 
 private:

@@ -12,16 +12,16 @@ namespace beatatlas::track::inner {
 
 namespace {
 
-// 60 dB below the loudest place: what rings behind the end.
+// 60 dB below the loudest frame: the decay after the end of the music.
 constexpr float kLeastTop = 1e-3F;
-// A sine 100 dB below full scale, under a Hann window of 4,096 samples: nobody hears that,
-// whatever the rest is.
+// A sine 100 dB below full scale, under a Hann window of 4,096 samples: inaudible, however quiet
+// the rest is.
 constexpr float kSilence = 1e-5F * 1024.0F;
-// How much likelier a triad is the better it fits.
+// How strongly the share of a triad grows with its fit; larger: the best triad takes all.
 constexpr double kTriadSharpness = 10.0;
 
-/** The frame with its neighbours, which holds a chord more surely than one that falls between
- *  two. */
+/** The sum of a frame and its neighbours, which shows the chord even if the frame lies between two
+ *  chords. */
 ChromaSum aroundFrame(const std::vector<Chroma>& chroma, std::size_t frame) {
     ChromaSum sum{};
     const std::size_t from = frame == 0 ? 0 : frame - 1;

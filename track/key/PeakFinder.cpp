@@ -14,7 +14,7 @@ namespace {
 constexpr double kConcertPitchHz = 440.0;
 constexpr double kLowestHz = 40.0;
 constexpr double kHighestHz = 3000.0;
-// Parts of the largest power. The first is a thousandth of its amplitude.
+// Relative to the largest power. The first is a thousandth in amplitude.
 constexpr float kLeastPower = 1e-6F;
 constexpr float kLeastForTuning = 0.03F * 0.03F;
 constexpr double kLeastForLog = 1e-60;
@@ -35,7 +35,7 @@ double hzOfPitch(double pitch) {
     return kConcertPitchHz * std::exp2((pitch - kPitchOfA4) / 12.0);
 }
 
-// A bin has to have neighbours on both sides.
+// Every bin must have neighbours on both sides.
 PeakFinder::PeakFinder(double rate, int points)
     : hzPerBin_(rate / points), firstBin_(static_cast<int>(kLowestHz / hzPerBin_)),
       endBin_(std::min(static_cast<int>(kHighestHz / hzPerBin_), points / 2 - 1)),
@@ -61,7 +61,7 @@ float PeakFinder::find(const float* powers, std::vector<SpectralPeak>& peaks) {
     return std::sqrt(largest);
 }
 
-/** Lists the maxima. @return the largest power that one of them has in a chroma */
+/** Lists the maxima. @return the largest of their powers, weighted as in a chroma */
 float PeakFinder::findBins(const float* powers, float largest) {
     bins_.clear();
     const float least = kLeastPower * largest;
@@ -75,7 +75,7 @@ float PeakFinder::findBins(const float* powers, float largest) {
     return most;
 }
 
-/** The top of the parabola through the logarithms of a bin and its neighbours. */
+/** The vertex of the parabola through the logarithms of a bin and its neighbours. */
 SpectralPeak PeakFinder::place(const float* powers, int bin, double largestLevel) const {
     const double before = levelOf(powers[bin - 1]);
     const double middle = levelOf(powers[bin]);

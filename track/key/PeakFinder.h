@@ -5,22 +5,24 @@
 
 namespace beatatlas::track::inner {
 
-/** A partial of what sounds. */
+/** A partial of the sound. */
 struct SpectralPeak {
-    float pitch;     // semitones, 69 at 440 Hz
-    float strength;  // amplitude as a part of the largest bin's
+    /** Semitones, 69 at 440 Hz. */
+    float pitch;
+    /** Amplitude relative to that of the largest bin. */
+    float strength;
 };
 
-/** Finds the local maxima of power spectra from 40 Hz to 3 kHz, or to half the rate where that is
- *  less, and places them between the bins: under a Hann window the logarithm of a partial's bins is
- *  close to a parabola. Only those are placed that may be heard in a chroma, whatever the tuning
- *  turns out to be, or tell of the tuning.
+/** Finds the local maxima of power spectra from 40 Hz to 3 kHz (or half the rate, if lower) and
+ *  interpolates their frequencies between the bins: under a Hann window the logarithm of a
+ *  partial's bins is close to a parabola. Keeps only peaks that may enter a chroma, whatever the
+ *  tuning turns out to be, or that are strong enough for finding the tuning.
  *
- *  Rounds to nearest, which the caller sees to. */
+ *  The caller sets rounding to nearest. */
 class PeakFinder {
 public:
     /** @param rate    of the samples, Hz
-     *  @param points  of a spectrum */
+     *  @param points  length of the transform */
     PeakFinder(double rate, int points);
 
     /** @param powers  |X|² of the bins 0 … points / 2 − 1
@@ -35,13 +37,15 @@ private:
     double hzPerBin_;
     int firstBin_;
     int endBin_;
-    std::vector<float> weights_;  // of the power of each bin in a chroma
-    std::vector<int> bins_;       // of a frame's maxima
+    // Weight of each bin's power in a chroma.
+    std::vector<float> weights_;
+    // The bins of a frame's maxima.
+    std::vector<int> bins_;
 };
 
 inline constexpr double kPitchOfA4 = 69.0;
 
-/** Semitones, 69 at 440 Hz. */
+/** The pitch of a frequency in semitones, 69 at 440 Hz; and the reverse. */
 double pitchOf(double hz);
 double hzOfPitch(double pitch);
 

@@ -9,8 +9,8 @@
 
 namespace beatatlas::track::inner {
 
-/** The frames of a track as peaks, until its tuning and its loudest place are known. Only peaks
- *  that may be in a chroma stay.
+/** Keeps the peaks of a track's frames until its tuning and its loudest frame are known. Only peaks
+ *  that may enter a chroma are kept.
  *
  *  Memory: 8 bytes a peak and 16 a frame. */
 class PeakStore {
@@ -22,7 +22,7 @@ public:
     float top(std::size_t frame) const { return frames_[frame].top; }
     std::span<const SpectralPeak> peaks(std::size_t frame) const;
 
-    /** The largest top of all; 0 without frames. */
+    /** The largest top of all frames; 0 without frames. */
     float loudest() const { return loudest_; }
 
 private:

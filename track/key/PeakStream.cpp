@@ -1,55 +1,32 @@
 // SPDX-License-Identifier: MIT
 #include "track/key/PeakStream.h"
 
-#include <array>
-
 namespace beatatlas::track::inner {
 
 namespace {
 
 constexpr int kLength = 4096;
-constexpr std::int64_t kStep = kLength / 2;
+constexpr int kStep = kLength / 2;
 
 }  // namespace
 
 PeakStream::PeakStream(int rate)
-    : rate_(static_cast<double>(rate) / Decimator::kFactor),
-      stream_(static_cast<double>(kStep), kLength), finder_(rate_, kLength) {}
+    : powers_(rate, static_cast<double>(kStep), kLength), finder_(powers_.rate(), kLength) {}
 
 void PeakStream::put(const float* mono, std::int64_t samples) {
-    addDecimated(decimator_.put(mono, samples));
+    powers_.put(mono, samples, [this](const float* powers) { addFrame(powers); });
 }
 
 void PeakStream::finish() {
-    addDecimated(decimator_.finish());
-    stream_.finish(decimated_ / kStep,
-                   [this](const FrameSpectra& spectra, int count) { addBatch(spectra, count); });
+    powers_.finish([this](const float* powers) { addFrame(powers); });
 }
 
 double PeakStream::secondsPerFrame() const {
-    return static_cast<double>(kStep) / rate_;
+    return static_cast<double>(kStep) / powers_.rate();
 }
 
-void PeakStream::addDecimated(const std::vector<float>& samples) {
-    const auto count = static_cast<std::int64_t>(samples.size());
-    decimated_ += count;
-    stream_.put(samples.data(), count,
-                [this](const FrameSpectra& spectra, int frames) { addBatch(spectra, frames); });
-}
-
-void PeakStream::addBatch(const FrameSpectra& spectra, int frames) {
-    constexpr int kBins = kLength / 2;
-    std::array<float, kBins> even;
-    std::array<float, kBins> odd;
-    for (int frame = 0; frame < frames; frame += 2) {
-        spectra.powers(frame / 2, kBins, even.data(), odd.data());
-        addFrame(even.data());
-        if (frame + 1 < frames) addFrame(odd.data());
-    }
-}
-
-// The stream's first frame is centred on the first sample: half of it is silence, and its edge
-// no sound.
+// The stream's first frame is centred on the first sample: half of it is padding, and the edge
+// would show partials that do not sound.
 void PeakStream::addFrame(const float* powers) {
     if (!hasBegun_) {
         hasBegun_ = true;

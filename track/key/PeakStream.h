@@ -4,16 +4,15 @@
 #include <cstdint>
 #include <vector>
 
-#include "track/evidence/Decimator.h"
-#include "track/evidence/SpectrumStream.h"
+#include "track/evidence/DecimatedPowers.h"
 #include "track/key/PeakFinder.h"
 #include "track/key/PeakStore.h"
 #include "track/key/Tuning.h"
 
 namespace beatatlas::track::inner {
 
-/** Finds the peaks of a track as it passes, and its tuning: frames of three quarters of a second,
- *  each overlapping the one before by half, at an eighth of the rate.
+/** Finds the peaks of a track while it is fed, and its tuning: frames of three quarters of a second
+ *  at an eighth of the rate, each overlapping the one before by half.
  *
  *  Life: construct, rounding to nearest → put() per block → finish() → getters. */
 class PeakStream {
@@ -24,26 +23,21 @@ public:
     /** Takes the mean of both channels, full scale ±1.0. */
     void put(const float* mono, std::int64_t samples);
 
-    /** Takes in the frames that were still waiting for others; of a track only whole frames
-     *  count. Call once. */
+    /** Processes the frames that were still waiting to fill a batch; an incomplete frame at the end
+     *  of the track is dropped. Call once. */
     void finish();
 
     const PeakStore& peaks() const { return store_; }
     double tuning() const { return tuning_.semitones(); }
 
-    /** From the middle of a frame to that of the next; half a frame. */
+    /** The hop from frame to frame, half a frame. */
     double secondsPerFrame() const;
 
 private:
-    void addDecimated(const std::vector<float>& samples);
-    void addBatch(const FrameSpectra& spectra, int frames);
     void addFrame(const float* powers);
 
-    double rate_;  // of what is left of the track
-    Decimator decimator_;
-    SpectrumStream stream_;
+    DecimatedPowers powers_;
     PeakFinder finder_;
-    std::int64_t decimated_ = 0;
     bool hasBegun_ = false;
     std::vector<SpectralPeak> frame_;
     Tuning tuning_;

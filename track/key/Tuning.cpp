@@ -8,8 +8,8 @@ namespace beatatlas::track::inner {
 
 namespace {
 
-// Lower partials lie too close together for the spectrum, higher ones of strings and pianos are
-// sharp.
+// Lower partials lie too close together for the spectrum to resolve; higher ones are sharp on
+// strings and pianos.
 constexpr float kLowestPitch = 43.3506F;   // 100 Hz
 constexpr float kHighestPitch = 90.2326F;  // 1,500 Hz
 constexpr float kLeastStrength = 0.03F;

@@ -8,13 +8,13 @@
 
 namespace beatatlas::track::inner {
 
-/** How far a track's instruments are from semitones counted from 440 Hz: the mean direction of
- *  all its peaks on a circle of one semitone, which no single wrong note can turn far. */
+/** How far a track's tuning lies from the semitones relative to 440 Hz: the mean direction of all
+ *  its peaks on a circle of one semitone, which a single wrong note hardly changes. */
 class Tuning {
 public:
     void add(const std::vector<SpectralPeak>& frame);
 
-    /** −0.5 … 0.5, above 0 where the track is higher; 0 where there is nothing to go by. */
+    /** −0.5 … 0.5 semitones, positive if the track is tuned higher; 0 if there were no peaks. */
     double semitones() const;
 
 private:

@@ -16,7 +16,7 @@ constexpr std::size_t kSemitones = 73;
 constexpr int kHighestSemitone = kLowestSemitone + static_cast<int>(kSemitones) - 1;
 constexpr double kMiddleC = 60.0;
 constexpr double kOctave = 12.0;
-constexpr int kA = 9;  // semitones from C, of which semitone 0 is one
+constexpr int kA = 9;  // semitones above C; semitone 0 is a C
 constexpr double kLeastShare = 0.1;
 
 using Semitones = std::array<double, kSemitones>;

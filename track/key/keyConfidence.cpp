@@ -8,7 +8,7 @@ namespace beatatlas::track::inner {
 
 namespace {
 
-/** Below a probability, so many answers were right. */
+/** The share of right answers below a probability. */
 struct Class {
     double below;
     double confidence;
@@ -17,7 +17,8 @@ struct Class {
 // Counted by tools/styles/score_keys.py; see docs/accuracy.md.
 constexpr std::array<Class, 4> kClasses = {{{0.8, 0.47}, {0.9, 0.82}, {0.96, 0.98}, {2.0, 0.99}}};
 
-/** In pieces with less music than that, in seconds, so many of the likely answers were right. */
+/** The share of right answers, among the likely ones, in pieces with less than this many seconds of
+ *  music. */
 struct Length {
     double below;
     double confidence;
@@ -27,7 +28,8 @@ struct Length {
 constexpr std::array<Length, 5> kLengths = {
     {{3.0, 0.37}, {6.0, 0.43}, {12.0, 0.62}, {24.0, 0.80}, {48.0, 0.88}}};
 
-// Noise and drums alone: no track of known key had less, so there is nothing to count.
+// Below this lie noise and drums on their own. No track of known key had less, so there is nothing
+// to count.
 constexpr double kLeastCounted = 0.3;
 
 double confidenceOfWhole(double probability) {

@@ -11,12 +11,12 @@ namespace {
 constexpr std::size_t kBarsOfWindow = 8;
 constexpr double kSecondsOfWindow = 16.0;  // eight bars of four beats at 120 BPM
 constexpr double kLeastWindow = 1.0;
-// A window scores about one more in its own key than in one a semitone away, a quarter more than in
-// one a fifth away: a change pays after one window, or after two. What the chords of one key do to
-// single windows stays below that.
+// A window scores about 1 more in its own key than in a key a semitone away, and 0.25 more than in
+// a key a fifth away: a change pays off after one window or after two. The variation that the
+// chords of one key cause in single windows stays below that.
 constexpr double kChangePrice = 0.5;
 
-/** The first beats of every eighth bar. */
+/** The downbeats of every eighth bar. */
 std::vector<double> phraseStarts(const std::vector<BA_TrackBeat>& beats, double seconds) {
     std::vector<double> starts;
     std::size_t bars = 0;
@@ -29,8 +29,7 @@ std::vector<double> phraseStarts(const std::vector<BA_TrackBeat>& beats, double 
     return starts;
 }
 
-/** How many whole windows of a length of at least kLeastWindow a stretch of a track has room
- *  for. */
+/** How many whole windows fit into a section of a track; a window is at least kLeastWindow long. */
 std::size_t windowsIn(double seconds, double window) {
     return seconds > 0.0 ? static_cast<std::size_t>(seconds / window) : 0;
 }
@@ -45,17 +44,18 @@ FrameRange framesBetween(const KeyFrames& frames, double from, double to) {
     return {at(from), at(to)};
 }
 
-/** The best path through the windows seen so far that ends in each key: the last window but
- *  begun, or a second one of the key heard, without which it may not change again. */
+/** The best scores of the paths through the windows so far, for each key they may end in. Begun:
+ *  the key holds in the last window only. Settled: it holds in two or more, as it must before it
+ *  may change again. */
 struct Paths {
     KeyValues begun{};
     KeyValues settled{};
 };
 
-/** Which key a path was in before it began this one, and whether it had better stay. */
+/** How the best paths reached a window, for tracing them back. */
 struct Step {
     std::uint8_t before;                       // the best settled key of the window before
-    std::array<bool, kKeys> hasJustSettled{};  // its window before was its first one
+    std::array<bool, kKeys> hasJustSettled{};  // the window before was the key's first
 };
 
 class KeyPath {
@@ -110,7 +110,7 @@ private:
     std::vector<Step> steps_;
 };
 
-/** The keys of the windows; all of one where no other holds for two. */
+/** The keys of the windows; all the same if no other key holds for two windows. */
 std::vector<std::size_t> keysOfWindows(const KeyFrames& frames,
                                        const std::vector<double>& windows) {
     KeyPath path;
@@ -134,7 +134,7 @@ std::vector<double> keyWindows(const std::vector<BA_TrackBeat>& beats, double se
     if (ends.size() < 2) ends = {0.0, kSecondsOfWindow};
     const double first = ends[1] - ends[0];
     const double last = ends.back() - ends[ends.size() - 2];
-    // A beatless beginning or ending has windows of its own.
+    // A beginning or ending without beats gets windows of its own.
     for (std::size_t left = windowsIn(seconds - ends.back(), last); left > 0; --left)
         ends.push_back(ends.back() + last);
     const std::size_t before = windowsIn(ends.front(), first);

@@ -19,10 +19,11 @@ constexpr ChromaSum kMinor = {.220, .006, .104, .123, .019, .103,
 constexpr ChromaSum kMajorTriad = {1, 0, 0, 0, 1, 0, 0, 1, 0, 0, 0, 0};
 constexpr ChromaSum kMinorTriad = {1, 0, 0, 1, 0, 0, 0, 1, 0, 0, 0, 0};
 
-// The mean of music stands out by 0.07 at least, that of a few seconds of noise by 0.01.
+// The mean chroma of music deviates from a flat one by at least 0.07, that of a few seconds of
+// noise by 0.01.
 constexpr double kLeastLength = 0.05;
 
-/** Takes the mean away and gives what is left a length of 1. */
+/** Subtracts the mean and normalises the rest to a length of 1. */
 ChromaSum standingOut(const ChromaSum& chroma) {
     double mean = 0.0;
     for (const double tone : chroma) mean += tone / kTones;

@@ -10,11 +10,11 @@ namespace beatatlas::track::inner {
 
 namespace {
 
-// What the parts count beside the profile.
+// Weights of the other parts relative to the profile.
 constexpr double kTriadWeight = 0.4;
 constexpr double kBeginWeight = 0.1;
 constexpr std::size_t kBeginFrames = 8;  // three seconds
-// Fitted so that a probability is the share of right answers.
+// Fitted so that a probability matches the share of right answers.
 constexpr double kSharpness = 14.0;
 
 }  // namespace

@@ -14,20 +14,20 @@ struct FrameRange {
     std::size_t end = 0;
 };
 
-/** The mean chroma of at least one frame, adding up to 1. */
+/** The mean chroma of at least one frame; the values add up to 1. */
 ChromaSum meanChroma(const KeyFrames& frames, FrameRange range);
 
-/** How well each key fits what sounds in at least one frame: how often its notes are heard, and
- *  how much of the time the triad on its tonic. */
+/** How well each key fits a range of at least one frame: how often its notes sound, and for how
+ *  much of the time the triad on its tonic sounds. */
 KeyValues scoreStretch(const KeyFrames& frames, FrameRange range);
 
-/** The same for music that begins there: the triad it begins with counts as well. */
+/** The same for music that begins at range.first: the triad it begins with is scored as well. */
 KeyValues scoreKeys(const KeyFrames& frames, FrameRange range);
 
-/** The scores as probabilities. */
+/** The scores as probabilities, which add up to 1. */
 KeyValues keyProbabilities(const KeyValues& scores);
 
-/** The key of the largest value, of equal ones the first. */
+/** The key with the largest value; of equal values the first. */
 std::size_t bestKey(const KeyValues& values);
 
 }  // namespace beatatlas::track::inner

@@ -8,13 +8,13 @@
 
 namespace beatatlas::track::inner {
 
-/** Finds the tempo of a track whose kind nobody has to know beforehand.
+/** Finds the tempo of a track of any kind: steady or varying.
  *
  *  Life: construct → hear the whole track → finish(). */
 class AutoTempo : public Listener {
 public:
     /** @param rate    44100 or 48000 Hz
-     *  @param frames  of the track, from 1
+     *  @param frames  length of the track, at least 1
      *  @throws std::bad_alloc, as the other calls do */
     AutoTempo(int rate, int frames, bool wantsWaves, const TempoWishes& wishes = {})
         : rate_(rate), wishes_(wishes), sessions_(rate, frames, wantsWaves), evidence_(rate) {}
@@ -24,13 +24,13 @@ public:
         evidence_.hear(block);
     }
 
-    /** Call once. */
+    /** The answer for the whole track. Call once. */
     TempoAnswer finish() {
         sessions_.close();
         return decideTempo(evidence_.finish(), sessions_.grids(), rate_, wishes_);
     }
 
-    /** For the waves. */
+    /** The sessions, for their waves. */
     SessionPair& sessions() { return sessions_; }
 
 private:

@@ -6,8 +6,8 @@
 
 namespace beatatlas::track::inner {
 
-/** A line of beats in time. A place on it is counted in beats from the first one, with fractions
- *  between. */
+/** A sequence of beats in time. A position on it is counted in beats from the first one and may be
+ *  fractional. */
 class BeatLine {
 public:
     /** @param seconds  ascending, at least two */
@@ -16,10 +16,10 @@ public:
     const std::vector<double>& seconds() const { return seconds_; }
     std::size_t size() const { return seconds_.size(); }
 
-    /** The time of a place; straight on beyond both ends. */
+    /** The time of a position, in seconds; extrapolated linearly beyond both ends. */
     double timeAt(double place) const;
 
-    /** The place of a time; beyond the ends theirs. */
+    /** The position of a time; beyond the ends, the position of the end. */
     double placeOf(double time) const;
 
 private:

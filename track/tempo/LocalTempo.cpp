@@ -2,10 +2,10 @@
 // Method: a tempogram and the best path through it, as in G. Peeters, "Template-based estimation of
 // time-varying tempo" (2007).
 //   1. the spectrum of the onsets in windows of eight seconds, two seconds apart
-//   2. for each of 121 tempi about that of the track, how strong its first four harmonics are in
+//   2. for each of 121 tempi around that of the track, the strength of its first four harmonics in
 //      each window
-//   3. the path from window to window with the greatest sum of strengths, less a price for each
-//      step aside
+//   3. the path from window to window with the greatest sum of strengths, less a cost for each
+//      change of tempo
 #include "track/tempo/LocalTempo.h"
 
 #include <algorithm>
@@ -27,15 +27,16 @@ constexpr std::size_t kHopFrames = 300;
 constexpr int kPoints = 8192;
 constexpr double kBinsPerHz = kPoints / OnsetEnvelopes::kFramesPerSecond;
 constexpr std::size_t kTempi = 121;
-constexpr double kReach = 0.30;  // of the logarithm, to either side
+constexpr double kReach = 0.30;  // of the logarithm, on either side
 constexpr double kTempoStep = 2.0 * kReach / (kTempi - 1);
-// A tempo a tenth off costs a fifth of a window's mean strength.
+// A tempo that is off by a tenth costs a fifth of a window's mean strength.
 constexpr double kPriceOfDistance = 2.0;
-// A step of a tenth between neighbouring windows costs three, and a new tempo no more than six.
+// A change of a tenth between neighbouring windows costs three times the mean strength; no change
+// costs more than six times.
 constexpr double kPriceOfStep = 30.0 * kTempoStep;
 constexpr double kMostPrice = 6.0;
 constexpr std::array<int, 4> kHarmonics = {1, 2, 3, 4};
-// Half a hertz to sixteen: what rhythms are made of.
+// 0.5 to 16 Hz: the frequencies of rhythms.
 constexpr std::size_t kFirstRhythmBin = 28;
 constexpr std::size_t kEndOfRhythmBins = 874;
 constexpr double kTiny = 1e-9;
@@ -46,13 +47,13 @@ double logTempo(std::size_t tempo) {
     return -kReach + kTempoStep * static_cast<double>(tempo);
 }
 
-/** What a window tells of each tempo. */
+/** The strength of each tempo in a window. */
 struct View {
-    Row strengths{};  // of its harmonics together
-    Row standings{};  // of the strongest one, in parts of the window's usual magnitude
+    Row strengths{};  // of all its harmonics together
+    Row standings{};  // of the strongest harmonic, relative to the window's usual magnitude
 };
 
-/** The onsets without their mean, and silence for the last window to end in. */
+/** The onsets without their mean, padded with silence to fill the last window. */
 std::vector<float> windowsOf(const std::vector<float>& envelope, std::size_t windows) {
     double sum = 0.0;
     for (const float value : envelope) sum += static_cast<double>(value);
@@ -94,7 +95,8 @@ View viewOf(const std::vector<double>& magnitudes, const Row& tempi) {
     return view;
 }
 
-/** Up to the highest harmonic of any tempo, and all that counts as rhythm. */
+/** How many bins are needed: up to the highest harmonic of any tempo and to the end of the rhythm
+ *  range. */
 int binsFor(const Row& tempi) {
     const double harmonics = tempi.back() * kHarmonics.back() * kBinsPerHz;
     const double wanted = std::max(harmonics, double{kEndOfRhythmBins}) + 2.0;
@@ -132,9 +134,9 @@ std::vector<View> viewsOf(const std::vector<float>& envelope, const Row& tempi) 
     return views;
 }
 
-/** Where the best way to each tempo comes from. A step costs in proportion to its length, so what
- *  is best for a tempo is passed on from its neighbours, upward and downward; or it comes from the
- *  best of all. */
+/** The tempo in the window before from which the best path to each tempo comes. The cost of a step
+ *  is proportional to its length, so the best source is passed on between neighbouring tempi,
+ *  upward and downward; or it is the best tempo of all. */
 std::array<std::uint8_t, kTempi> bestSources(const Row& sums, Row& best) {
     std::array<std::uint8_t, kTempi> from;
     const auto take = [&](std::size_t tempo, std::size_t source, double sum) {
@@ -171,7 +173,8 @@ std::vector<std::size_t> bestPath(const std::vector<View>& views) {
     return path;
 }
 
-/** Strengths in parts of the mean of all, less what the distance from the track's tempo costs. */
+/** Divides the strengths by their overall mean and subtracts the cost of the distance from the
+ *  track's tempo. */
 void weigh(std::vector<View>& views) {
     double sum = 0.0;
     for (const View& view : views)

@@ -5,21 +5,21 @@
 
 namespace beatatlas::track::inner {
 
-/** The tempo along a track: where it lies within a third of that of the whole track, two seconds
- *  apart. */
+/** The tempo along a track, every two seconds, within a third of the tempo of the whole track. */
 struct LocalTempo {
-    std::vector<double> hz;  // beats a second, of windows of eight seconds
-    /** How far the beats of a window and their harmonics stand out of its other frequencies, in the
-     *  middle one of all windows. Noise gives about 2. */
+    /** Beats per second, in windows of eight seconds. */
+    std::vector<double> hz;
+    /** How far the beats and their harmonics stand out from the other frequencies of a window; the
+     *  median of all windows. Noise gives about 2. */
     double standing = 0.0;
 
-    /** Of a time; straight between the middles of two windows. */
+    /** Beats per second at a time; linear between the centres of two windows. */
     double at(double seconds) const;
 };
 
-/** Follows the tempo of a track: it may go anywhere, but every change has its price.
+/** Follows the tempo of a track: every change is allowed, but costs something.
  *  @param envelope  onsets, 150 values a second, at least one
- *  @param hz        beats a second of the whole track */
+ *  @param hz        beats per second of the whole track */
 LocalTempo followTempo(const std::vector<float>& envelope, double hz);
 
 }  // namespace beatatlas::track::inner

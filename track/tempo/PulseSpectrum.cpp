@@ -16,12 +16,11 @@ namespace beatatlas::track::inner {
 
 namespace {
 
-// A quarter of a window: what a Hann window leaves of frequencies that the cutting folds onto each
-// other is below a hundredth.
+// A quarter of a window: with a Hann window the aliasing between windows stays below a hundredth.
 constexpr int kHop = SpectrumStream::kLength / 4;
 constexpr double kHzPerBin =
     static_cast<double>(BandLevels::kFramesPerSecond) / SpectrumStream::kLength;
-// Up to 50 Hz: the eighth harmonic of 250 beats a minute and a half.
+// Covers 50 Hz, the eighth harmonic of one and a half times 250 BPM.
 constexpr int kBins = 352;
 constexpr std::size_t kPadding = 8;
 constexpr std::array<int, 6> kHarmonics = {1, 2, 3, 4, 6, 8};
@@ -30,8 +29,8 @@ std::vector<float> withoutMean(const std::vector<float>& envelope) {
     double sum = 0.0;
     for (const float value : envelope) sum += static_cast<double>(value);
     const double mean = sum / static_cast<double>(envelope.size());
-    // Half a window of silence before: otherwise the first half of the first window would count
-    // less.
+    // Half a window of silence before the start: otherwise the first half window would get less
+    // weight.
     std::vector<float> centred(SpectrumStream::kLength / 2);
     centred.reserve(centred.size() + envelope.size());
     for (const float value : envelope)
@@ -39,19 +38,18 @@ std::vector<float> withoutMean(const std::vector<float>& envelope) {
     return centred;
 }
 
-/** What a window lets through of a frequency so many bins from the middle of one, at most a
- *  half. */
+/** The gain of the window for a frequency up to half a bin away from the centre of a bin. */
 double windowGain(double bins) {
     const double angle = std::numbers::pi * bins;
     const double sinc = bins == 0.0 ? 1.0 : std::sin(angle) / angle;
     return sinc / (1.0 - bins * bins);
 }
 
-/** Where a frequency is found. */
+/** Where a frequency lies in the windows' spectra. */
 struct Place {
-    int bin;        // the nearest one of the windows' spectra; kBins: none
-    double rounds;  // that it turns by from window to window, of which whole ones cannot be seen
-    double gain;    // of the window
+    int bin;        // the nearest bin; kBins: none
+    double rounds;  // phase advance from window to window in cycles, without whole ones
+    double gain;    // of the window at this frequency
 };
 
 Place placeOf(double hz) {
@@ -61,7 +59,7 @@ Place placeOf(double hz) {
     return {static_cast<int>(nearest), rounds - std::floor(rounds), windowGain(bins - nearest)};
 }
 
-/** |Σ value(w) · e^(−2πi · rounds · w)|, in eight sums side by side: they do not wait for each
+/** |Σ value(w) · e^(−2πi · rounds · w)|, in eight independent sums that do not wait for each
  *  other. */
 double magnitudeAt(const std::complex<float>* values, std::size_t count, double rounds) {
     constexpr std::size_t kSums = 8;

@@ -15,7 +15,7 @@ namespace beatatlas::track::inner {
 
 namespace {
 
-// The same as in a session of the core.
+// The same values as in a session of the core.
 constexpr int kBlocksPerSecond = 75;
 constexpr int kZoomPointsPerSecond = 150;
 constexpr int kBeatsPerBar = 4;

@@ -16,10 +16,12 @@
 
 namespace beatatlas::track::inner {
 
-/** The answer of a session: tempo and grid as a host gets them. */
+/** The answer of a session: tempo and grid as a host receives them. */
 struct SessionGrid {
-    int bpm100 = 0;          // hundredths of a BPM; 0: none was found
-    peakss::BeatList beats;  // the final grid
+    /** Hundredths of a BPM; 0: none was found. */
+    int bpm100 = 0;
+    /** The final grid. */
+    peakss::BeatList beats;
 };
 
 struct SessionGrids {
@@ -27,10 +29,10 @@ struct SessionGrids {
     SessionGrid simple;
 };
 
-/** Two sessions of the core over one track, one of varied tempo with phrases of 32 beats and a
- *  simple one that senses all of the track. They sense the same beats, so the track is filtered and
- *  sensed once; only the closing analysis is done twice. Each grid is that of a session of its own,
- *  bit for bit.
+/** Two sessions of the core over one track: one of varied tempo with phrases of 32 beats, and a
+ *  simple one that senses the whole track. Both sense the same beats, so the track is filtered and
+ *  sensed once; only the closing analysis runs twice. Each grid is bit for bit that of a separate
+ *  session.
  *
  *  Life: construct → hear the whole track → close() → getters. */
 class SessionPair : public Listener {
@@ -45,7 +47,7 @@ public:
 
     const SessionGrids& grids() const { return grids_; }
 
-    /** The waves, as a session of the core has them when it is asked for the first time. */
+    /** The waves, as a session of the core returns them when they are first read. */
     const WavePoint* loudWave();
     const WavePoint* dotsWave();
     const ZoomPoint* zoomWave() { return zoomViewMaker_.points(); }
@@ -73,7 +75,7 @@ private:
     TrackFilters trackFilters_;
     peakss::BeatListMaker beatListMaker_;
     SimpleEnvelopeMaker simpleEnvelopeMaker_;
-    // It marks the pulses it has judged a grid by, so each grid has its own.
+    // Its analysis marks the pulses it has used, so each grid needs an envelope of its own.
     UnitEnvelopeMaker variedUnitEnvelope_;
     UnitEnvelopeMaker simpleUnitEnvelope_;
     UnitBeatAdjust unitBeatAdjust_;

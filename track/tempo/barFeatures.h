@@ -8,7 +8,7 @@
 
 namespace beatatlas::track::inner {
 
-/** What speaks for a length of bars and for their first beats. */
+/** Features that support a bar length and the positions of the downbeats. */
 enum class BarFeature : std::size_t {
     three,
     five,
@@ -32,7 +32,7 @@ inline constexpr std::array<FeatureWeight, kBarFeatures> kBarWeights = {{
     // Bars of other than four beats are rare.
     {"n3", -0.3451},
     {"n5", -0.8675},
-    // Chords change with the bar, drums repeat with it, and parts of a piece begin with one.
+    // Chords change with the bar, drums repeat with it, and the sections of a piece begin with one.
     {"z", 0.6889},
     {"acA", 3.2700},
     {"nov", 2.6042},
@@ -41,7 +41,7 @@ inline constexpr std::array<FeatureWeight, kBarFeatures> kBarWeights = {{
     {"a_mi", 2.9607},
     {"a_lo", 1.3201},
     {"e_mi", -3.7868},
-    // What the sessions took for the first beats.
+    // Agreement with the downbeats that the sessions found.
     {"v_simple", 2.2983},
     {"v_varied", 1.1664},
 }};

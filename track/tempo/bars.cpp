@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 // Method: a list of possible bars, features of each, and a logistic model that weighs them.
-//   1. for each beat: what begins on it, what sounds until the next one, the chords
-//   2. how much the chords change at each beat, with which distances the onsets repeat, where
-//      something new begins
-//   3. for each length and phase of bars, what there is on their first beats
+//   1. for each beat: its onset strength, the level until the next beat, the chords
+//   2. how much the chords change at each beat, after how many beats the onsets repeat, where the
+//      level changes most
+//   3. for each length and phase of bars, these values on the downbeats
 #include "track/tempo/bars.h"
 
 #include <algorithm>
@@ -34,7 +34,7 @@ constexpr double kRatioFloor = 0.05;
 constexpr double kTinyDeviation = 1e-6;
 constexpr double kTiny = 1e-9;
 
-/** The mean of every step-th value from phase on. */
+/** The mean of every step-th value, starting at phase. */
 template <class Values, class Read>
 double meanOf(const Values& values, std::size_t phase, std::size_t step, const Read& read) {
     double sum = 0.0;
@@ -60,7 +60,7 @@ double deviationOf(const Values& values, const Read& read) {
     }));
 }
 
-/** Means of the rows between one beat and the next. */
+/** The means of the rows between each beat and the next. */
 template <class Mean, class Row>
 std::vector<Mean> meansPerBeat(const std::vector<Row>& rows, double rowsPerSecond,
                                const std::vector<double>& beats) {
@@ -92,7 +92,8 @@ Row meanBetween(const std::vector<Row>& rows, std::size_t from, std::size_t to) 
     return mean;
 }
 
-/** How far the chords of one beat before and after each beat lie apart, and those of two beats. */
+/** For each beat, the distance between the chords of one beat before and after it, plus the same
+ *  for two beats. */
 std::vector<double> chordChangesOf(const std::vector<ChromaSum>& chords) {
     std::vector<double> changes(chords.size());
     for (std::size_t k = 1; k < chords.size(); ++k)
@@ -102,7 +103,7 @@ std::vector<double> chordChangesOf(const std::vector<ChromaSum>& chords) {
     return changes;
 }
 
-/** How like the onsets are to those of so many beats later, for 1 … 8 beats. */
+/** The similarity of the onsets to those 1 … 8 beats later. */
 std::array<double, kLongestRepetition> repetitionsOf(const std::vector<Groups>& strengths) {
     std::vector<Groups> rows = strengths;
     for (std::size_t g = 0; g < kRepeatingGroups; ++g) {
@@ -121,8 +122,8 @@ std::array<double, kLongestRepetition> repetitionsOf(const std::vector<Groups>& 
     return repetitions;
 }
 
-/** Where the level of four beats differs most from that of the four before; 0 at all but a
- *  sixteenth of the beats. */
+/** How much the level of four beats differs from that of the four before; 0 except at the sixteenth
+ *  of the beats where it differs most. */
 std::vector<double> newnessOf(const std::vector<Groups>& levels) {
     std::vector<double> newness(levels.size());
     for (std::size_t k = 1; k < levels.size(); ++k) {
@@ -141,7 +142,7 @@ std::vector<double> newnessOf(const std::vector<Groups>& levels) {
     return newness;
 }
 
-/** On which beats a session's bars begin. */
+/** The beats on which a session's bars begin. */
 class Votes {
 public:
     Votes(const std::vector<double>& downbeats, const BeatLine& line)
@@ -168,7 +169,8 @@ private:
     std::vector<std::size_t> beats_;
 };
 
-/** What is known of the beats, whatever the bars. */
+/** Values of the beats that do not depend on the bars, and the features of bars computed from
+ *  them. */
 class BarJudge {
 public:
     BarJudge(const Evidence& evidence, const std::vector<double>& beats)

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Method: every beat of the track is laid over the others, and what they have in common shows where
-// it is.
+// Method: all beats of the track are averaged over the phase of the beat; the peak of the mean
+// shows where the beat lies.
 #include "track/tempo/beatFold.h"
 
 #include <algorithm>
@@ -16,7 +16,7 @@ namespace beatatlas::track::inner {
 namespace {
 
 constexpr int kBins = 256;  // of a beat
-// As wide as onsets of one place scatter in played music.
+// About how far onsets of one position scatter in played music.
 constexpr double kSmoothSeconds = 0.024;
 constexpr double kSearchSeconds = 0.02;
 constexpr double kTiny = 1e-9;
@@ -27,7 +27,8 @@ std::size_t wrapped(int bin) {
     return static_cast<std::size_t>(((bin % kBins) + kBins) % kBins);
 }
 
-/** The mean of the onsets at each place of the beat; an onset between two bins counts for both. */
+/** The mean of the onsets at each phase of the beat; an onset between two bins is shared by
+ *  both. */
 Fold foldBeats(const std::vector<float>& sharp, double hz) {
     Fold sums{};
     Fold weights{};
@@ -46,7 +47,7 @@ Fold foldBeats(const std::vector<float>& sharp, double hz) {
     return sums;
 }
 
-/** Each place and its neighbours, weighted by a triangle. */
+/** Smooths each bin with its neighbours, weighted by a triangle. */
 Fold smooth(const Fold& fold, double hz) {
     const double width = std::min(kSmoothSeconds * hz * kBins, double{kBins / 2});
     const int reach = static_cast<int>(width);
@@ -64,7 +65,7 @@ Fold smooth(const Fold& fold, double hz) {
     return smoothed;
 }
 
-/** The place that is strong together with the one half a beat on. */
+/** The bin that is strongest together with the one half a beat later. */
 int strongestEighth(const Fold& fold) {
     int strongest = 0;
     double most = -1.0;

@@ -5,10 +5,10 @@
 
 namespace beatatlas::track::inner {
 
-/** When the first beat of a track of steady tempo falls, or one half a beat off it, to a few
- *  milliseconds: from about 0 to a beat later.
+/** The time in seconds of the first beat of a track of steady tempo, or of the point half a beat
+ *  off it, to within a few milliseconds. Lies between about 0 and the length of a beat.
  *  @param sharp  the onset envelope, 150 values a second; at least one
- *  @param hz     beats a second */
+ *  @param hz     beats per second */
 double firstBeat(const std::vector<float>& sharp, double hz);
 
 }  // namespace beatatlas::track::inner

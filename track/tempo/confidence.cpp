@@ -8,7 +8,7 @@ namespace beatatlas::track::inner {
 
 namespace {
 
-/** Below a value, so many answers were right. */
+/** The share of right answers below a value. */
 struct Class {
     double below;
     double confidence;
@@ -17,7 +17,7 @@ struct Class {
 constexpr double kAny = 1e300;
 
 // Counted over tracks of known metre by tools/styles/score_tempo.py; docs/accuracy.md has the
-// counts. Classes of fewer than eight tracks lean towards the middle.
+// counts. Values of classes with fewer than eight tracks are drawn toward the middle.
 constexpr std::array<Class, 5> kPulse = {
     {{2.5, 0.10}, {4.0, 0.50}, {8.0, 0.85}, {16.0, 0.94}, {kAny, 0.99}}};
 constexpr std::array<Class, 4> kLevel = {{{0.7, 0.70}, {0.85, 0.88}, {0.95, 0.96}, {kAny, 0.99}}};

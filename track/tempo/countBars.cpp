@@ -8,9 +8,9 @@ namespace beatatlas::track::inner {
 
 namespace {
 
-// Eight bars of four: fewer tell too little of where bars begin.
+// Eight bars of four beats: fewer do not show clearly enough where bars begin.
 constexpr std::size_t kLongStretch = 32;
-// Of a count that begins anew, in the logarithm: it has to be seven times as likely.
+// The cost of restarting the count, as a logarithm: a restart must be seven times as likely.
 constexpr double kPriceOfNewCount = 2.0;
 constexpr std::size_t kLongestBar = 5;
 
@@ -20,8 +20,8 @@ struct Part {
     std::size_t end = 0;
 };
 
-/** Cut where one long stretch follows another. Short ones, as the steps of a ramp are, belong to
- *  what comes before. */
+/** Cuts the track where one long section of a tempo follows another. Short sections, such as the
+ *  steps of a ramp, belong to the part before. */
 std::vector<Part> partsOf(const std::vector<double>& beats,
                           const std::vector<TempoStretch>& stretches) {
     const auto indexOf = [&](double time) {
@@ -42,7 +42,8 @@ std::vector<Part> partsOf(const std::vector<double>& beats,
     return parts;
 }
 
-/** The first part has all before it too, the last one all behind. */
+/** The times within a part; the first part includes all earlier times, the last part all later
+ *  ones. */
 std::vector<double> timesIn(const Part& part, const std::vector<double>& beats,
                             const std::vector<double>& times) {
     const auto isBefore = [&](std::size_t beat) {
@@ -52,14 +53,14 @@ std::vector<double> timesIn(const Part& part, const std::vector<double>& beats,
             part.end == beats.size() ? times.end() : isBefore(part.end)};
 }
 
-/** What a part tells of bars of one length; each reading in the place of its first downbeat,
- *  counted from the beginning of the track, within a bar. */
+/** The readings of a part for one bar length. The index is the position of the downbeats within a
+ *  bar that is counted from the beginning of the track. */
 struct PartJudgement {
     std::array<double, kLongestBar> scores{};
     std::array<double, kLongestBar> shares{};
 };
 
-/** The best count of all parts for one length of bars. */
+/** The best count over all parts for one bar length. */
 class Counting {
 public:
     Counting(const std::vector<Part>& parts, const std::vector<std::vector<BarReading>>& readings,

@@ -10,27 +10,29 @@
 
 namespace beatatlas::track::inner {
 
-/** The first beats of the sessions' bars, seconds. */
+/** The downbeats of the sessions, seconds. */
 struct SessionDownbeats {
     std::vector<double> simple;
     std::vector<double> varied;
 };
 
-/** How the beats of a track are counted. */
+/** How the beats of a track are numbered in bars. */
 struct BarCount {
     int beatsPerBar = 4;
-    std::vector<int> numbers;  // of each beat in its bar; 1 is a downbeat
-    double share = 0.0;  // of the readings chosen, as a probability; of several parts their mean
+    /** The number of each beat in its bar; 1 is a downbeat. */
+    std::vector<int> numbers;
+    /** Probability of the chosen readings; the mean over several parts. */
+    double share = 0.0;
 };
 
-/** Counts the beats of a track in bars.
+/** Numbers the beats of a track in bars.
  *
- *  Music that goes on in another tempo goes on with a new bar: long stretches of their own tempo
- *  are judged on their own, and the count begins anew with one where what is heard there clearly
- *  says so. All have bars of the same length.
+ *  Music that continues in another tempo begins with a new bar. Therefore long sections of their
+ *  own tempo are judged separately, and the count restarts with a section if the evidence there
+ *  clearly supports it. All sections have bars of the same length.
  *  @param beats        seconds, at least kLeastBeatsForBars
- *  @param stretches    of these beats
- *  @param beatsPerBar  3 or 4 where it is known, else 0 */
+ *  @param stretches    sections of nearly one tempo of these beats
+ *  @param beatsPerBar  3 or 4 if known, else 0 */
 BarCount countBars(const Evidence& evidence, const std::vector<double>& beats,
                    const std::vector<TempoStretch>& stretches, const SessionDownbeats& sessions,
                    int beatsPerBar);

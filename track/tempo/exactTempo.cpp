@@ -12,13 +12,13 @@ namespace beatatlas::track::inner {
 
 namespace {
 
-// Tempi of sessions are off by less.
+// The tempi of sessions are off by less than this share.
 constexpr double kSessionShare = 0.012;
-// Steps of a track's resolution, one beat more or less over its length, at the first harmonic. At
-// the eighth it is most of a step of that.
+// In units of a track's resolution (one beat more or less over its length) at the first harmonic.
+// At the eighth harmonic it is most of such a unit.
 constexpr double kStep = 0.1;
 constexpr double kClearlyStronger = 1.02;
-// Of another metre. A lower bar lets dotted figures take the tempo over.
+// For a pulse of another metre. With a lower threshold dotted rhythms would take over the tempo.
 constexpr double kFarStronger = 1.5;
 constexpr double kRatioShare = 0.004;
 constexpr std::array<double, 4> kRatios = {3.0 / 2.0, 2.0 / 3.0, 4.0 / 3.0, 3.0 / 4.0};

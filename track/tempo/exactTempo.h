@@ -7,27 +7,27 @@
 
 namespace beatatlas::track::inner {
 
-/** A frequency of beats and how strongly the onsets recur with it. */
+/** A beat frequency and how strongly the onsets recur with it. */
 struct Pulse {
     double hz = 0.0;  // 0: none
     double strength = 0.0;
 };
 
-/** The strongest pulse within a share of hz about it, to a small part of what the track's length
- *  can tell apart. */
+/** The strongest pulse within ±share × hz of hz, to a small fraction of the resolution that the
+ *  track's length allows. */
 Pulse strongestPulseNear(PulseSpectrum& spectrum, double seconds, double hz, double share);
 
-/** The exact tempo of a track for which sessions have proposed roughly known ones.
+/** The exact tempo of a track, found near the approximate tempi that sessions propose.
  *
- *  Which level of the metre the beats are on is left as proposed, unless a ratio of three to two or
- *  four to three gives a far stronger pulse.
- *  @param seconds   of the track
- *  @param proposed  beats a second; the first is kept unless a later one is clearly stronger
- *  @return no pulse when nothing is proposed, or nothing ever begins */
+ *  The metrical level stays as proposed, unless a ratio of three to two or four to three gives a
+ *  far stronger pulse.
+ *  @param seconds   length of the track
+ *  @param proposed  beats per second; the first is kept unless a later one is clearly stronger
+ *  @return no pulse if nothing is proposed or the track has no onsets */
 Pulse findExactTempo(PulseSpectrum& spectrum, double seconds, const std::vector<double>& proposed);
 
-/** How far a pulse stands out of those of all tempi from 30 to 300 BPM: its strength in parts of
- *  theirs, the middle one. Noise gives about 1, clear music 5 and more. */
+/** How far a pulse stands out among those of all tempi from 30 to 300 BPM: its strength relative to
+ *  their median. Noise gives about 1, music with a clear pulse 5 and more. */
 double clarityOf(const PulseSpectrum& spectrum, double hz);
 
 }  // namespace beatatlas::track::inner

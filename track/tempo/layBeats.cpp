@@ -18,9 +18,9 @@ constexpr int kReach = 5;  // frames
 constexpr int kHeard = kReach + 2;
 constexpr std::size_t kShifts = 2 * kHeard + 1;
 constexpr double kMostShift = 0.03;
-// So much more must begin there: otherwise the beats are where they were found.
+// The onsets must be stronger there by this factor, otherwise the beats stay where they were found.
 constexpr double kClearlyMore = 1.15;
-// A beat that begins this much before the track still begins with it.
+// A beat this much before the start of the track is moved to the start.
 constexpr double kEarlySeconds = 0.03;
 constexpr double kLateSeconds = 0.02;
 
@@ -33,8 +33,8 @@ double valueAt(const std::vector<float>& sharp, double frame) {
     return low + share * (static_cast<double>(sharp[after]) - low);
 }
 
-/** The mean onset at the beats when they are moved by −7 … 7 frames, each with half of its
- *  neighbours. */
+/** The mean onset strength at the beats when they are shifted by −7 … 7 frames, smoothed over
+ *  neighbouring shifts. */
 std::array<double, kShifts> onsetsByShift(const std::vector<float>& sharp,
                                           const std::vector<double>& beats) {
     std::array<double, kShifts> means{};
@@ -50,7 +50,7 @@ std::array<double, kShifts> onsetsByShift(const std::vector<float>& sharp,
     return smoothed;
 }
 
-/** By how many seconds the beats lie before their onsets. */
+/** By how many seconds the beats lie before their onsets; negative: after them. */
 double shiftOf(const std::vector<float>& sharp, const std::vector<double>& beats) {
     constexpr std::size_t kFirst = kHeard - kReach;
     constexpr std::size_t kLast = kHeard + kReach;
@@ -82,7 +82,7 @@ std::vector<double> evenBeats(double seconds, const BeatLine& line, const MetreR
     return beats;
 }
 
-/** One before the first beat of the line may still lie within the track. */
+/** Starts one beat before the line, which may still lie within the track. */
 std::vector<double> beatsOnLine(double seconds, const BeatLine& line, const MetreReading& metre) {
     std::vector<double> beats;
     for (double k = -1.0;; ++k) {

@@ -7,8 +7,7 @@
 
 namespace beatatlas::track::inner {
 
-/** The middle one of at least one value, or the mean of the two in the middle; their order is
- *  lost. */
+/** The median of at least one value. Reorders the values. */
 inline double medianOf(std::vector<double>& values) {
     const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
     std::nth_element(values.begin(), middle, values.end());

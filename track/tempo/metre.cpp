@@ -19,14 +19,14 @@ constexpr double kSlowestBpm = 40.0;
 constexpr double kFastestBpm = 250.0;
 constexpr int kLeastBeats = 8;
 constexpr double kUsualBpm = 110.0;
-constexpr double kHalfBarOfTwoSeconds = 30.0;  // BPM of a bar of one beat
+constexpr double kHalfBarOfTwoSeconds = 30.0;  // tempo of a one-beat bar of two seconds, in BPM
 constexpr double kRatioFloor = 0.05;
 constexpr double kChangeFloor = 0.01;
 constexpr double kTripleLead = 0.4;
 constexpr double kOnBeat = 0.125;  // of a beat
 constexpr double kTiny = 1e-6;
 
-/** Periods and the phases in which they make sense, in twelfths. */
+/** A period and the phases that make sense with it, in twelfths. */
 struct Period {
     int period;
     std::array<int, 12> phases;
@@ -42,7 +42,7 @@ constexpr std::array<Period, 7> kPeriods = {{
     {36, {0, 6, 12, 18, 24, 30}, 6},
 }};
 
-/** Parts of a beat at which the strengths are looked up. */
+/** Positions within a beat at which the onset strengths are looked up. */
 enum Part : std::size_t { kOn, kHalf, kQuarter, kThreeQuarters, kThird, kTwoThirds, kParts };
 constexpr std::array<double, kParts> kPartOfBeat = {0.0, 0.5, 0.25, 0.75, 1.0 / 3.0, 2.0 / 3.0};
 
@@ -52,7 +52,7 @@ double logRatio(double a, double b) {
     return std::log((a + kRatioFloor) / (b + kRatioFloor));
 }
 
-/** How far the best of so many phases stands out, in standard deviations. */
+/** How far the best phase of a period stands out, in standard deviations. */
 double recurrence(const std::vector<double>& values, std::size_t period) {
     const auto count = static_cast<double>(values.size());
     double sum = 0.0;
@@ -121,7 +121,7 @@ private:
 
     void compareStrengths(const MetreReading& reading) {
         std::array<Groups, kParts> means{};
-        std::array<Groups, 2> alternate{};  // of even beats, of odd ones
+        std::array<Groups, 2> alternate{};  // for even and for odd beats
         for (int k = 0; k < beats_; ++k) {
             for (std::size_t part = 0; part < kParts; ++part) {
                 const double time = timeOf(reading, k + kPartOfBeat[part]);
@@ -163,7 +163,7 @@ private:
         at(MetreFeature::middleAlternation) = std::abs(middle);
     }
 
-    /** Mean level of the low middle between two times. */
+    /** Mean level of the low middle group between two times. */
     double levelBetween(double from, double to) const {
         const double end = static_cast<double>(lowMiddleSums_.size() - 1);
         const auto frameAt = [end](double time) {
@@ -237,7 +237,7 @@ private:
     const ChordChanges& changes_;
     std::vector<double> variedPlaces_;
     std::vector<double> simplePlaces_;
-    std::vector<double> lowMiddleSums_;  // of all frames before each one
+    std::vector<double> lowMiddleSums_;  // for each frame, the sum of all before it
     int beats_ = 0;                      // of the reading in question
     MetreFeatures features_{};
 };

@@ -11,28 +11,31 @@
 
 namespace beatatlas::track::inner {
 
-/** A reading of the beat line: on which parts of its beats the beats that people count fall. */
+/** A reading of the beat line: the positions on the line of the beats that people count. */
 struct MetreReading {
-    int period = 12;  // from beat to beat, in twelfths of a beat of the line
-    int phase = 0;    // of the first one
+    /** Beat interval in twelfths of a beat of the line. */
+    int period = 12;
+    /** Position of the first beat, in the same unit. */
+    int phase = 0;
     double bpm = 0.0;
     MetreFeatures features{};
     double score = 0.0;
-    double share = 0.0;  // of all readings, as a probability
+    /** Probability among all readings. */
+    double share = 0.0;
 };
 
-/** What the readings are judged by. */
+/** The evidence by which the readings are judged. */
 struct MetreEvidence {
     const Evidence& heard;
     const BeatLine& line;
     double bpm;                       // of the line
-    std::vector<double> variedBeats;  // of the sessions, seconds
+    std::vector<double> variedBeats;  // of the varied session, seconds
     std::vector<double> simpleBeats;
     std::optional<double> firstOnset;  // seconds
 };
 
 /** Judges every reading between 40 and 250 BPM.
- *  @return all of them, the best first; none where the line is too short for eight beats */
+ *  @return all readings, the best first; none if the line is too short for eight beats */
 std::vector<MetreReading> judgeMetre(const MetreEvidence& evidence);
 
 }  // namespace beatatlas::track::inner

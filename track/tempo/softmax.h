@@ -9,14 +9,15 @@
 
 namespace beatatlas::track::inner {
 
-/** What a feature of a reading counts. */
+/** The weight of a feature of a reading. */
 struct FeatureWeight {
     const char* name;  // for programs that fit weights
     double weight;
 };
 
-/** Scores readings by the weights of their features, puts the best first, and gives each its share:
- *  its probability in a logistic model of these weights. Of equal ones the earlier stays first. */
+/** Scores readings by the weights of their features, sorts them with the best first, and sets the
+ *  share of each: its probability in a logistic model with these weights. Readings with equal
+ *  scores keep their order. */
 template <class Reading, class Weights>
 void rankByScore(std::vector<Reading>& readings, const Weights& weights) {
     for (Reading& reading : readings) {
@@ -24,8 +25,7 @@ void rankByScore(std::vector<Reading>& readings, const Weights& weights) {
         for (std::size_t i = 0; i < weights.size(); ++i)
             reading.score += weights[i].weight * reading.features[i];
     }
-    // A few dozen at the most; and unlike a stable sort of the standard library it asks for no
-    // memory.
+    // There are a few dozen at most. Unlike std::stable_sort, this allocates no memory.
     const auto isBetter = [](const Reading& a, const Reading& b) { return a.score > b.score; };
     for (auto next = readings.begin(); next != readings.end(); ++next)
         std::rotate(std::upper_bound(readings.begin(), next, *next, isBetter), next,

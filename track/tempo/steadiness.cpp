@@ -19,10 +19,10 @@ using Complex = std::complex<double>;
 constexpr std::size_t kWindowFrames = 1200;
 constexpr double kTiny = 1e-9;
 constexpr std::size_t kLeastBeats = 4;
-// Nobody can follow fewer beats than that: the tempo counts as steady.
+// The evenness of fewer beats, which nobody could follow: the tempo counts as steady.
 constexpr double kUnknownEvenness = 9.0;
 
-/** A tempo is not steady where evenness and coherence both stay below one of these pairs. */
+/** A tempo is not steady if both evenness and coherence are below one of these pairs. */
 struct Bound {
     double evenness;
     double coherence;
@@ -41,8 +41,8 @@ Complex turn(double rounds) {
     return {std::cos(angle), std::sin(angle)};
 }
 
-/** What the frames from … to − 1 see of a frequency, in cycles a frame; their phases count from the
- *  track's start. */
+/** The spectral value of frames from … to − 1 at a frequency in cycles per frame; the phase is
+ *  relative to the start of the track. */
 Complex seenIn(const std::vector<float>& sharp, double mean, std::size_t from, std::size_t to,
                double cycles) {
     const Complex step = turn(cycles);
@@ -69,7 +69,7 @@ double coherenceAt(const std::vector<float>& sharp, double mean, double hz) {
     return std::abs(sum) / (sumOfMagnitudes + kTiny);
 }
 
-/** The mean of what begins on beats and half beats that are shifted by so much. */
+/** The mean onset strength on beats and half beats, shifted by a time in seconds. */
 double meanOnset(const OnsetEnvelopes& onsets, const std::vector<double>& beats, double shift) {
     double sum = 0.0;
     const auto take = [&](double time) {
@@ -82,14 +82,15 @@ double meanOnset(const OnsetEnvelopes& onsets, const std::vector<double>& beats,
     return sum / static_cast<double>(2 * beats.size() - 1);
 }
 
-/** On the eighths or on the sixteenths between them, whichever is more. */
+/** The mean onset strength on the eighths or on the sixteenths between them, whichever is
+ *  larger. */
 double onsetsOn(const OnsetEnvelopes& onsets, const std::vector<double>& beats, double hz) {
     return std::max(meanOnset(onsets, beats, 0.0), meanOnset(onsets, beats, 0.25 / hz));
 }
 
 }  // namespace
 
-// Eighths and sixteenths: a beat that moves within its bar keeps them.
+// Taken at eighths and sixteenths, which stay the same when the beat moves within its bar.
 double coherenceOf(const std::vector<float>& sharp, double hz) {
     const double mean = meanOf(sharp);
     return std::max(coherenceAt(sharp, mean, 2.0 * hz), coherenceAt(sharp, mean, 4.0 * hz));

@@ -7,20 +7,20 @@
 
 namespace beatatlas::track::inner {
 
-/** What tells a steady tempo from one that changes. */
+/** The measures that distinguish a steady tempo from a changing one. */
 struct Steadiness {
-    /** How well the onsets keep in step with the tempo along the track, 0 … 1: the sum of what
-     *  windows of eight seconds see of it, each with its phase, against the sum without phases.
-     *  Steady tempo gives .95 and more, drummers less. */
+    /** How well the onsets stay in phase with the tempo along the track, 0 … 1: the tempo's
+     *  spectral values in windows of eight seconds, summed with their phases, relative to the sum
+     *  of their magnitudes. A steady tempo gives 0.95 and more, drummers less. */
     double coherence = 0.0;
-    /** How much begins on beats of even distances, in parts of what begins on tracked ones. Steady
-     *  tempo gives .95 and more; steps, ramps and drummers .92 and less. */
+    /** The onset strength on evenly spaced beats, relative to that on tracked beats. A steady tempo
+     *  gives 0.95 and more; steps, ramps and drummers 0.92 and less. */
     double evenness = 0.0;
     bool isSteady = true;
 };
 
-/** @param hz       beats a second
- *  @param even     beats of even distances, seconds
+/** @param hz       beats per second
+ *  @param even     evenly spaced beats, seconds
  *  @param tracked  beats that follow the music, seconds */
 Steadiness judgeSteadiness(const OnsetEnvelopes& onsets, double hz, const std::vector<double>& even,
                            const std::vector<double>& tracked);

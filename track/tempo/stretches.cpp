@@ -9,7 +9,8 @@ namespace beatatlas::track::inner {
 
 namespace {
 
-// Of so many beats, so that one that comes late is not taken for another tempo.
+// The tempo is measured over this many beats, so that one late beat does not look like another
+// tempo.
 constexpr std::size_t kLocalBeats = 4;
 constexpr double kOtherTempo = 0.04;
 
@@ -17,14 +18,14 @@ double meanInterval(const std::vector<double>& beats, std::size_t from, std::siz
     return (beats[to] - beats[from]) / static_cast<double>(to - from);
 }
 
-/** How far the tempo ahead of a beat lies off that of the stretch so far. */
+/** How far the tempo after a beat deviates from that of the section so far. */
 double offAt(const std::vector<double>& beats, std::size_t first, std::size_t k) {
     const double soFar = meanInterval(beats, first, k);
     return std::abs(meanInterval(beats, k, k + kLocalBeats) / soFar - 1.0);
 }
 
-/** The beat at which another tempo begins, or the last one. It shows a few beats before, and most
- *  at the beat itself. */
+/** The beat at which another tempo begins, or the last beat. The deviation appears a few beats
+ *  earlier and is largest at the beat itself. */
 std::size_t endOf(const std::vector<double>& beats, std::size_t first) {
     for (std::size_t k = first + kLocalBeats; k + kLocalBeats < beats.size(); ++k) {
         if (offAt(beats, first, k) <= kOtherTempo) continue;

@@ -5,16 +5,19 @@
 
 namespace beatatlas::track::inner {
 
-/** A stretch of beats of nearly one tempo. */
+/** A section of beats of nearly one tempo. */
 struct TempoStretch {
-    double from = 0.0;  // seconds, of its first beat
-    double to = 0.0;    // of the first one of the next stretch, or of the last beat of all
-    double bpm = 0.0;   // the mean
+    /** First beat, seconds. */
+    double from = 0.0;
+    /** First beat of the next section, or the last beat of the track. */
+    double to = 0.0;
+    /** The mean tempo. */
+    double bpm = 0.0;
 };
 
-/** Cuts beats where their tempo goes 4 % away from the mean of the stretch so far. A drummer's
- *  wavering stays within one, a step begins another, and a ramp becomes a stair.
- *  @param beats  seconds, ascending; none of fewer than two */
+/** Cuts beats where their tempo deviates by 4 % from the mean of the section so far. A drummer's
+ *  fluctuations stay within one section, a step begins another, and a ramp becomes a staircase.
+ *  @param beats  seconds, ascending; fewer than two give no section */
 std::vector<TempoStretch> findStretches(const std::vector<double>& beats);
 
 }  // namespace beatatlas::track::inner

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
 // Method: dynamic programming after D. Ellis, "Beat tracking by dynamic programming" (2007). Each
-// frame's score is that of its onset plus the best score of an earlier beat, less what the distance
-// between them costs.
-//   1. the onsets, smoothed; each with what follows it a half, a quarter and three quarters of a
-//      beat later
+// frame's score is that of its onset plus the best score of an earlier beat, less a cost for the
+// interval between them.
+//   1. the onsets, smoothed; each summed with those a half, a quarter and three quarters of a beat
+//      later
 //   2. scores frame by frame, and for each frame the beat before it
 //   3. from the best of the last frames backward, beat by beat
-//   4. each beat onto the top of its onset; beats in front of the first one
+//   4. each beat is moved onto the peak of its onset; beats are added before the first one
 #include "track/tempo/trackBeats.h"
 
 #include <algorithm>
@@ -23,15 +23,15 @@ namespace beatatlas::track::inner {
 namespace {
 
 constexpr double kFramesPerSecond = OnsetEnvelopes::kFramesPerSecond;
-// Where the beat before may lie, in periods.
+// The range of the distance to the beat before, in periods.
 constexpr double kLongest = 1.25;
 constexpr double kShortest = 0.8;
-// A distance a tenth off costs four standard deviations of the onsets.
+// An interval that is off by a tenth costs four standard deviations of the onsets.
 constexpr double kPriceOfDistance = 400.0;
 constexpr double kTailPeriods = 1.2;
 constexpr double kTiny = 1e-9;
 
-/** Onsets in parts of their standard deviation, each with half of its neighbours. */
+/** Onsets relative to their standard deviation, smoothed over neighbouring frames. */
 std::vector<double> smoothedOnsets(const std::vector<float>& sharp) {
     const auto count = static_cast<double>(sharp.size());
     double sum = 0.0;
@@ -67,7 +67,7 @@ public:
         for (std::size_t i = 1; i < logs_.size(); ++i) logs_[i] = std::log(static_cast<double>(i));
     }
 
-    /** The beats' frames. */
+    /** Returns the frames of the beats. */
     std::vector<std::size_t> run() {
         for (std::size_t t = 0; t < onsets_.size(); ++t) score(t);
         std::vector<std::size_t> beats = {lastBeat()};
@@ -112,7 +112,7 @@ private:
         return frames < logs_.size() ? logs_[frames] : std::log(static_cast<double>(frames));
     }
 
-    /** Somewhere in the last beat or so of the track. */
+    /** The best-scoring frame within the last 1.2 beats of the track. */
     std::size_t lastBeat() const {
         const double frames = static_cast<double>(onsets_.size());
         const double tail = frames - kTailPeriods * periodAt(onsets_.size() - 1);
@@ -127,7 +127,7 @@ private:
     std::array<double, 1024> logs_{};
 };
 
-/** Between frames, where a parabola through the onset has its top. */
+/** The position of an onset between frames: the maximum of the parabola through it. */
 double placeOfOnset(const std::vector<float>& sharp, std::size_t frame) {
     const auto place = static_cast<double>(frame);
     if (frame == 0 || frame + 1 >= sharp.size()) return place;

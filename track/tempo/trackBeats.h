@@ -7,8 +7,8 @@
 
 namespace beatatlas::track::inner {
 
-/** The beats of a track whose tempo changes: the row of times that lies on strong onsets with
- *  distances close to what the local tempo asks for.
+/** The beats of a track whose tempo changes: the sequence of times that lie on strong onsets, at
+ *  intervals close to those of the local tempo.
  *  @param sharp  the onset envelope, 150 values a second, at least one
  *  @return seconds, ascending, at least one; may begin a little before the track */
 std::vector<double> trackBeats(const std::vector<float>& sharp, const LocalTempo& tempo);

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <limits>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -106,7 +107,10 @@ TEST_F(AnalyzeCommand, AnalysesTheOtherTracksWhenOneFails) {
     EXPECT_THAT(run.out, HasSubstr(folder_.file("a.wav") + "\n"));
     EXPECT_THAT(run.out, HasSubstr("\n\n" + folder_.file("b.wav") + "\n"));
     EXPECT_EQ(run.err, "beatatlas: " + folder_.file("empty.mp3") + ": is empty\n" +
-                           "beatatlas: " + folder_.path() + ": is a folder, not an audio file\n");
+                           "beatatlas: " + folder_.path() + ": is a folder, not an audio file\n" +
+                           "beatatlas: 2 tracks done, 2 failed\n");
+    const ToolRun quiet = runTool({"analyze", "-q", folder_.file("a.wav"), folder_.file("b.wav")});
+    EXPECT_EQ(quiet.err, "");
 }
 
 TEST_F(AnalyzeCommand, RefusesACutOffTrackUnlessAskedToTakeIt) {
@@ -135,6 +139,41 @@ TEST_F(AnalyzeCommand, TellsOnStandardErrorHowAFileWasReadWhenAsked) {
     EXPECT_EQ(verbose.out, quiet.out);
     EXPECT_EQ(quiet.err, "");
     EXPECT_THAT(verbose.err, HasSubstr("a.flac: note: declares 88200 frames and has 176400"));
+}
+
+// A rate of 1 Hz makes a track of five seconds one of two days: it is the rate that is wrong, in
+// bytes 24 to 27 of a WAV file.
+TEST_F(AnalyzeCommand, NamesARateThatCannotBe) {
+    const std::string track = writeTrack("slow.wav");
+    std::string bytes = test::readFile(track);
+    bytes.replace(24, 4, std::string("\x01\0\0\0", 4));
+    test::writeFile(track, bytes);
+    for (const char* command : {"analyze", "pitch", "key"})
+        EXPECT_EQ(runTool({command, track}).err,
+                  "beatatlas: " + track +
+                      ": has a sample rate of 1 Hz, which cannot be converted\n");
+}
+
+// 1e30 is 600 dB over full scale: 20 dB for each power of ten.
+TEST_F(AnalyzeCommand, WarnsOfSoundThatIsFarTooLoud) {
+    const std::string track = folder_.file("loud.wav");
+    test::Sound sound = test::clicks(44100, 2, 2.0, {0.5, 1.0});
+    sound.channels[0][1000] = 1e30F;
+    sound.channels[1][1000] = -3.0F;
+    test::writeAudioFile(track, {"wav", "pcm_f32le"}, sound);
+    const std::string warning = "beatatlas: " + track + ": warning: ";
+    for (const char* command : {"analyze", "pitch", "key"}) {
+        const ToolRun run = runTool({command, track});
+        EXPECT_EQ(run.exitStatus, 0);
+        EXPECT_EQ(run.err, warning + "is too loud: clipped 2 samples, up to 600.0 dB over full "
+                                     "scale\n");
+    }
+    sound.channels[0][1000] = std::numeric_limits<float>::infinity();
+    sound.channels[1][1000] = std::numeric_limits<float>::quiet_NaN();
+    test::writeAudioFile(track, {"wav", "pcm_f32le"}, sound);
+    EXPECT_EQ(runTool({"analyze", track}).err,
+              warning + "is too loud: clipped 1 sample, up to infinity\n" + warning +
+                  "holds no number in 1 sample; silence was put there\n");
 }
 
 TEST_F(AnalyzeCommand, FindsTheSameWithLittleMemoryAndOneThread) {
@@ -179,7 +218,8 @@ TEST_F(AnalyzeCommand, StaysUtf8WithNamesThatAreNot) {
     const Json tracks = Json::parse(run.out)["tracks"];
     EXPECT_EQ(tracks[0]["fileBytes"], "636166e92e776176");
     EXPECT_EQ(tracks[1]["fileBytes"], "ff2e776176");
-    EXPECT_EQ(run.err, "beatatlas: \\xFF.wav: cannot be opened: No such file or directory\n");
+    EXPECT_EQ(run.err, "beatatlas: \\xFF.wav: cannot be opened: No such file or directory\n"
+                       "beatatlas: 1 track done, 1 failed\n");
 }
 
 TEST_F(AnalyzeCommand, TellsWhenItsResultsCannotBeWritten) {
@@ -203,6 +243,7 @@ TEST_F(AnalyzeCommand, ShowsProgressOnATerminalOnly) {
     watched.hasTerminal = true;
     watched.run();
     EXPECT_THAT(watched.err, HasSubstr("a.wav  ["));
+    EXPECT_THAT(watched.err, testing::EndsWith("\x1B[K")) << "wiped";
     EXPECT_THAT(watched.out, Not(HasSubstr("  [")));
     ToolRun quiet = watched;
     quiet.arguments = {"analyze", "--quiet", track};
@@ -256,6 +297,12 @@ TEST_F(AnalyzeTempo, IsDoubledOrHalvedIntoTheRange) {
         EXPECT_NEAR(static_cast<double>(track["beats"].size()),
                     factor * static_cast<double>(plain["beats"].size()), 1.0);
     }
+}
+
+TEST_F(AnalyzeTempo, TakesTheRangeByTheClockToo) {
+    const Json inSeconds = tempoWith({"--tempo", "simple", "--range", "12.5"});
+    EXPECT_EQ(tempoWith({"--tempo", "simple", "--range", "0:12.50"}), inSeconds);
+    EXPECT_NE(tempoWith({"--tempo", "simple", "--range", "0:04"}), inSeconds);
 }
 
 TEST_F(AnalyzeTempo, CountsTheBeatsOfABarThatIsKnown) {

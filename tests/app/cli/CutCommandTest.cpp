@@ -115,6 +115,18 @@ TEST_F(CutCommand, WritesSixteenBitsOrFloats) {
                   std::nearbyint(exact.channels[0][i] * 32768.0F) / 32768.0F);
 }
 
+// A tone of three times full scale: 9.5 dB over it.
+TEST_F(CutCommand, WarnsOfWhatIntegersCannotHold) {
+    const std::string track = folder_.file("loud.wav");
+    test::writeAudioFile(track, {"wav", "pcm_f32le"}, test::tone(kRate, 1, 1.0, kChordHz, 3.0));
+    const auto errorOf = [&](std::vector<std::string> options) {
+        options.insert(options.begin(), {"cut", track, "-o", folder_.file("out.wav")});
+        return runTool(options).err;
+    };
+    EXPECT_THAT(errorOf({}), HasSubstr("loud.wav: warning: is too loud: clipped "));
+    EXPECT_EQ(errorOf({"--float"}), "");
+}
+
 TEST_F(CutCommand, FollowsModeAndDivision) {
     const Sound sound = chordWithKicks(kRate, 2.0);
     const media::Recording usual = cut(sound, {"--float"});

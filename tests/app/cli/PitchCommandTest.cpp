@@ -67,7 +67,8 @@ TEST_F(PitchCommand, PrintsASummaryOfEachTrack) {
     EXPECT_EQ(run.exitStatus, 1);
     EXPECT_EQ(run.out, summary + "\n" + summary);
     EXPECT_EQ(run.err, "beatatlas: " + folder_.file("none") +
-                           ": cannot be opened: No such file or directory\n");
+                           ": cannot be opened: No such file or directory\n" +
+                           "beatatlas: 2 tracks done, 1 failed\n");
 }
 
 TEST_F(PitchCommand, PrintsOneJsonDocumentOfItsOwnForAllTracks) {

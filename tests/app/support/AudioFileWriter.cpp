@@ -17,7 +17,6 @@ namespace test {
 namespace {
 
 constexpr int kUsualBlock = 4096;
-constexpr int kBitRate = 192000;
 
 int require(int result, const char* what) {
     if (result < 0)
@@ -28,20 +27,7 @@ int require(int result, const char* what) {
 /** One file on its way: format context, encoder and sample converter, freed whatever happens. */
 class Writer {
 public:
-    Writer(const std::string& path, const FileKind& kind, const Sound& sound)
-        : kind_(kind), sound_(sound) {
-        require(avformat_alloc_output_context2(&format_, nullptr, kind.muxer, path.c_str()),
-                "muxer");
-        openEncoder();
-        addStream();
-        if (kind_.hasCover) addCover();
-        require(avio_open(&format_->pb, ("file:" + path).c_str(), AVIO_FLAG_WRITE), "open");
-        AVDictionary* options = nullptr;
-        av_dict_parse_string(&options, kind.muxerOptions, "=", ":", 0);
-        const int written = avformat_write_header(format_, &options);
-        av_dict_free(&options);
-        require(written, "header");
-    }
+    Writer(const FileKind& kind, const Sound& sound) : kind_(kind), sound_(sound) {}
 
     ~Writer() {
         swr_free(&converter_);
@@ -51,6 +37,22 @@ public:
     }
     Writer(const Writer&) = delete;
     Writer& operator=(const Writer&) = delete;
+
+    void open(const std::string& path) {
+        require(avformat_alloc_output_context2(&format_, nullptr, kind_.muxer, path.c_str()),
+                "muxer");
+        format_->strict_std_compliance = FF_COMPLIANCE_EXPERIMENTAL;
+        openEncoder();
+        addStream();
+        if (kind_.hasCover) addCover();
+        require(avio_open(&format_->pb, ("file:" + path).c_str(), AVIO_FLAG_WRITE), "open");
+        av_dict_parse_string(&format_->metadata, kind_.tags, "=", ":", 0);
+        AVDictionary* options = nullptr;
+        av_dict_parse_string(&options, kind_.muxerOptions, "=", ":", 0);
+        const int written = avformat_write_header(format_, &options);
+        av_dict_free(&options);
+        require(written, "header");
+    }
 
     void write() {
         if (kind_.hasCover) writeCover();
@@ -70,7 +72,7 @@ private:
         encoder_ = avcodec_alloc_context3(codec);
         encoder_->sample_rate = sound_.rate;
         encoder_->sample_fmt = codec->sample_fmts[0];
-        encoder_->bit_rate = kBitRate;
+        encoder_->bit_rate = kind_.bitRate;
         encoder_->strict_std_compliance = FF_COMPLIANCE_EXPERIMENTAL;
         av_channel_layout_default(&encoder_->ch_layout, static_cast<int>(sound_.channels.size()));
         if ((format_->oformat->flags & AVFMT_GLOBALHEADER) != 0)
@@ -91,6 +93,9 @@ private:
         stream_ = avformat_new_stream(format_, nullptr);
         stream_->time_base = {1, sound_.rate};
         require(avcodec_parameters_from_context(stream_->codecpar, encoder_), "parameters");
+        // As FFmpeg's own program has it.
+        const std::string name = std::string(LIBAVCODEC_IDENT) + " " + kind_.encoder;
+        av_dict_set(&stream_->metadata, "encoder", name.c_str(), 0);
     }
 
     void addCover() {
@@ -159,7 +164,9 @@ private:
 
 void writeAudioFile(const std::string& path, const FileKind& kind, const Sound& sound) {
     media::showFfmpegMessages(false);
-    Writer(path, kind, sound).write();
+    Writer writer(kind, sound);
+    writer.open(path);
+    writer.write();
 }
 
 }  // namespace test

@@ -13,6 +13,8 @@ struct FileKind {
     const char* encoder;
     const char* muxerOptions = "";  ///< "key=value:key=value"
     bool hasCover = false;          ///< a picture beside the music, as music shops put it there
+    const char* tags = "";          ///< "key=value:key=value"
+    int bitRate = 192000;
     const char* encoderOptions = "";
 };
 

@@ -21,7 +21,7 @@ const std::vector<DamageFormat>& damageFormats() {
         {"mp3 CBR", {"mp3", "libmp3lame"}, Clock::bytes},
         {"mp3 bare", {"mp3", "libmp3lame", "write_xing=0"}, Clock::bytes},
         {"mp3 VBR",
-         {"mp3", "libmp3lame", "", false, "flags=+qscale:global_quality=236"},
+         {"mp3", "libmp3lame", "", false, "", 192000, "flags=+qscale:global_quality=236"},
          Clock::bytes},
         {"mp2", {"mp2", "mp2"}, Clock::bytes},
         {"adts aac", {"adts", "aac"}, Clock::bytes},

@@ -73,6 +73,20 @@ TEST(AutoTempo, FindsTempoAndBeatsOfMusic) {
     }
 }
 
+// A kick on one and three and hats on the eighths between: without the first stroke, before which
+// there is nothing that it could rise from, the beat could as well lie between.
+TEST(AutoTempo, FindsTheBeatOnTheFirstFrame) {
+    for (const double bpm : {126.0, 134.0, 142.0}) {
+        TrackPlan plan = planOf(44100, bpm, 30);
+        plan.introFrames = 0;
+        plan.levels = {0.7, 0.0, 0.1, 0.0, 0.0};
+        const TempoAnswer answer = tempoOf(44100, TrackSynth(plan).renderAll());
+        EXPECT_NEAR(answer.bpm, bpm, 0.05);
+        ASSERT_FALSE(answer.beats.empty());
+        EXPECT_LT(answer.beats.front(), 0.01) << bpm;
+    }
+}
+
 TEST(AutoTempo, FindsTheFirstBeatsOfBars) {
     const TrackSynth synth(planOf(44100, 112.0, 60));
     const TempoAnswer answer = tempoOf(44100, synth.renderAll());

@@ -1,0 +1,24 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <string>
+
+// As cairo.h declares it.
+// NOLINTNEXTLINE(bugprone-reserved-identifier, cert-dcl37-c, cert-dcl51-cpp, modernize-use-using)
+typedef struct _cairo cairo_t;
+
+namespace output {
+
+/** @name Words where no font is installed
+ *  Cairo brings simple Latin letters along; Pango does not use them. UTF-8; sizes, widths and
+ *  places in the context's units.
+ *  @{ */
+double plainWidth(cairo_t* context, const std::string& text, double size);
+
+/** The text, or its beginning and dots when it is wider than that. */
+std::string fittedPlainly(cairo_t* context, const std::string& text, double size, double width);
+
+void showPlainLetters(cairo_t* context, double x, double y, const std::string& text, double size);
+/** @} */
+
+}  // namespace output

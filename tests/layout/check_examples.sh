@@ -1,0 +1,86 @@
+#!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
+# What the documents show of the program is what it prints. In a block that is set off by four
+# spaces, a line "$ beatatlas ..." is a command and the lines below it are its output, in which
+# "..." stands for whatever is there; a line "beatatlas ..." is a command that succeeds, unless it
+# names what is to be put in. Commands within a line of text that name a file succeed, too.
+#   check_examples.sh SOURCES FOLDER PROGRAM-THAT-MAKES-A-TRACK TOOL
+set -uo pipefail
+export LC_ALL=C.UTF-8
+sources=$1 folder=$2 make_track=$3 tool=$4
+
+# The names of files in the documents; what a file is, is told by its content.
+rm -rf "$folder"
+mkdir -p "$folder"
+cd "$folder" || exit 1
+"$make_track" track.wav || exit 1
+for name in track.flac song.mp3 other.flac -intro.mp3; do cp -- track.wav "$name"; done
+cp track.wav a.wav
+: >b.mp3
+beatatlas() { "$tool" "$@"; }
+
+faults=0 compared=0 run=0
+fault() {
+    printf '%s\n' "$1" >&2
+    faults=$((faults + 1))
+}
+
+# fits TEXT PATTERN
+fits() {
+    local text=$1 rest=$2
+    while [[ $rest == *...* ]]; do
+        [[ $text == "${rest%%...*}"* ]] || return 1
+        text=${text#"${rest%%...*}"}
+        rest=${rest#*...}
+        # Up to where the pattern goes on.
+        local next=${rest%%...*}
+        [[ $text == *"$next"* ]] || return 1
+        text=$next${text#*"$next"}
+    done
+    [[ $text == "$rest" ]]
+}
+
+# compare DOCUMENT COMMAND EXPECTED
+compare() {
+    local printed
+    printed=$(eval "$2" 2>/dev/null)
+    compared=$((compared + 1))
+    fits "$printed" "$3" || fault "$1: $2 prints"$'\n'"$printed"$'\n'"and not"$'\n'"$3"
+}
+
+# succeed DOCUMENT COMMAND
+succeed() {
+    run=$((run + 1))
+    eval "$2" >/dev/null 2>&1 || fault "$1: $2 fails"
+}
+
+# Words such as FILE and OUT are to be put in, and options in brackets may be.
+is_pattern() { [[ $1 =~ (^|[ =])([A-Z]{2,}|[A-Z]+[.])|\[ ]]; }
+
+check() {
+    local document=$1 line command="" expected="" text
+    while IFS= read -r line || [[ $line ]]; do
+        if [[ $command && $line == "    "* && $line != '    $ '* ]]; then
+            expected+=${expected:+$'\n'}${line#    }
+            continue
+        fi
+        [[ $command ]] && compare "$document" "$command" "$expected"
+        command="" expected=""
+        if [[ $line == '    $ beatatlas '* ]]; then
+            command=${line#*\$ }
+        elif [[ $line =~ ^'    '(build/release/app/)?(beatatlas .*)$ ]]; then
+            text=${BASH_REMATCH[2]}
+            is_pattern "$text" || succeed "$document" "$text"
+        else
+            while IFS= read -r text; do
+                [[ $text =~ \.(wav|mp3|flac)$ ]] && ! is_pattern "$text" &&
+                    succeed "$document" "$text"
+            done < <(grep -oE '`beatatlas [^`]*`' <<<"$line" | tr -d '`')
+        fi
+    done < <(cat "$sources/$document"; echo)
+}
+
+for document in README.md docs/tool.md docs/json.md docs/embedding.md; do check "$document"; done
+printf '%d outputs compared, %d commands run\n' "$compared" "$run"
+((compared >= 5 && run >= 8)) || fault "The documents show fewer commands than they did"
+exit $((faults > 0))
