@@ -31,6 +31,13 @@ constexpr std::array<const char*, 9> kTimed = {"flac", "matroska", "mp4", "asf",
                                                "flv",  "wv",       "tta", "caf"};
 constexpr std::array<const char*, 4> kByBytes = {"mp3", "aac", "ac3", "eac3"};
 
+/** What ASF was made for. FFmpeg gives packets of other codecs in it the times of others. */
+bool isWindowsMedia(AVCodecID codec) {
+    return codec == AV_CODEC_ID_WMAV1 || codec == AV_CODEC_ID_WMAV2 ||
+           codec == AV_CODEC_ID_WMAPRO || codec == AV_CODEC_ID_WMALOSSLESS ||
+           codec == AV_CODEC_ID_WMAVOICE;
+}
+
 /** FNV-1a of the beginning, and the length. */
 std::uint64_t printOf(const AVPacket& packet) {
     std::uint64_t print = 0xCBF29CE484222325ULL ^ static_cast<std::uint64_t>(packet.size);
@@ -44,6 +51,8 @@ std::uint64_t printOf(const AVPacket& packet) {
 PacketTimes::Clock PacketTimes::clockOf(const Container& container) {
     const auto isOne = [&](const char* name) { return container.isFormat(name); };
     if (container.isReadByPages()) return Clock::times;
+    if (container.isFormat("asf") && !isWindowsMedia(container.stream().codecpar->codec_id))
+        return Clock::none;
     if (std::any_of(kTimed.begin(), kTimed.end(), isOne)) return Clock::times;
     if (std::any_of(kByBytes.begin(), kByBytes.end(), isOne)) return Clock::bytes;
     return Clock::none;
