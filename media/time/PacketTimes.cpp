@@ -38,6 +38,13 @@ std::int64_t withinReach(std::int64_t time) {
     return std::clamp(time, -kLatestTime, kLatestTime);
 }
 
+/** What ASF was made for. FFmpeg gives packets of other codecs in it the times of others. */
+bool isWindowsMedia(AVCodecID codec) {
+    return codec == AV_CODEC_ID_WMAV1 || codec == AV_CODEC_ID_WMAV2 ||
+           codec == AV_CODEC_ID_WMAPRO || codec == AV_CODEC_ID_WMALOSSLESS ||
+           codec == AV_CODEC_ID_WMAVOICE;
+}
+
 /** FNV-1a of the beginning, and the length. */
 std::uint64_t printOf(const AVPacket& packet) {
     std::uint64_t print = 0xCBF29CE484222325ULL ^ static_cast<std::uint64_t>(packet.size);
@@ -51,6 +58,8 @@ std::uint64_t printOf(const AVPacket& packet) {
 PacketTimes::Clock PacketTimes::clockOf(const Container& container) {
     const auto isOne = [&](const char* name) { return container.isFormat(name); };
     if (container.isReadByPages()) return Clock::times;
+    if (container.isFormat("asf") && !isWindowsMedia(container.stream().codecpar->codec_id))
+        return Clock::none;
     if (std::any_of(kTimed.begin(), kTimed.end(), isOne)) return Clock::times;
     if (std::any_of(kByBytes.begin(), kByBytes.end(), isOne)) return Clock::bytes;
     return Clock::none;

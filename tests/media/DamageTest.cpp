@@ -93,7 +93,7 @@ protected:
 // Seconds, not frames, are what the two halves have in common: 2 s at 22,050 Hz and 2 s at 44,100
 // are 4 s, which is 176,400 frames at the session's rate.
 TEST_F(DamagedFiles, AreNotThoseThatChangeTheirRateOnTheWay) {
-    const std::string slow = write("slow", {"ogg", "libvorbis", "", false, "b=80000"},
+    const std::string slow = write("slow", {"ogg", "libvorbis", "", false, "", 80000},
                                    test::clicks(22050, 2, 2.0, {0.5}));
     const std::string fast =
         write("fast", {"ogg", "libvorbis"}, test::clicks(44100, 2, 2.0, {1.5}));
