@@ -102,7 +102,8 @@ bool PacketTimes::judge(AVPacket& packet) {
     if (!hasLine_) {
         hasLine_ = true;
         first_ = packet.pts;
-    } else if (usual_ == 0 && packet.duration <= 0) {
+    } else if (usual_ == 0) {
+        // The first packet of some formats has no duration, so that nothing was due at any time yet.
         usual_ = std::clamp<std::int64_t>(packet.pts - line_, 0, kLatestTime);
     } else if (std::abs(packet.pts - line_) > tolerance(packet)) {
         if (!judgeJump(packet)) return false;
@@ -121,13 +122,15 @@ void PacketTimes::follow(const AVPacket& packet) {
 }
 
 bool PacketTimes::judgeJump(AVPacket& packet) {
-    isAlarmed_ = true;
     if (packet.pts < line_ && (goesOnRepeating(packet) || beginsRepeating(packet))) {
         repeatedTo_ = packet.pts + duration(packet);
         ++repeatedPackets_;
         return false;
     }
-    if (returnsToLine(packet) || !isSharedByNext(packet)) {
+    // Times that waver from packet to packet, as those of live recordings, are no sign of damage.
+    const bool isAmiss = !returnsToLine(packet);
+    isAlarmed_ |= isAmiss;
+    if (!isAmiss || !isSharedByNext(packet)) {
         packet.pts = line_;
     } else if (packet.pts < line_ ? !isSmallStepBack(packet) : !isPlausible(packet.pts)) {
         // Another recording begins: joined files count anew.

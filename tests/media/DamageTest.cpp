@@ -138,6 +138,34 @@ TEST_F(DamagedFiles, AreNotRecordingsThatAreJoinedWithoutTheirBeginning) {
     EXPECT_LT(sound_.left.size(), 12 * 44100);
 }
 
+/** Delays the tags of an FLV file by 0 to 14 ms, as live recordings have them. */
+std::string wavering(std::string flv) {
+    constexpr std::size_t kFirstTag = 13;
+    constexpr std::size_t kTagFrame = 11 + 4;
+    const auto byte = [&](std::size_t at) { return static_cast<unsigned char>(flv[at]); };
+    const auto three = [&](std::size_t at) {
+        return (std::size_t{byte(at)} << 16) | (std::size_t{byte(at + 1)} << 8) | byte(at + 2);
+    };
+    std::size_t tag = 0;
+    for (std::size_t at = kFirstTag; at + kTagFrame <= flv.size();
+         at += kTagFrame + three(at + 1)) {
+        const std::size_t time = three(at + 4) + tag++ * 7 % 15;
+        for (const std::size_t i : {0, 1, 2})
+            flv[at + 4 + i] = static_cast<char>(time >> (16 - 8 * i) & 0xFF);
+    }
+    return flv;
+}
+
+TEST_F(DamagedFiles, AreNotThoseWhoseTimesWaver) {
+    const std::string steady = write("a", {"flv", "aac"}, test::unmistakableSound(44100, 6.0));
+    read(steady);
+    const test::Recorder sound = sound_;
+    const base::TrackSource file = read(wavering(steady));
+    EXPECT_THAT(file.gaps, testing::IsEmpty());
+    EXPECT_EQ(file.repeatedPackets, 0);
+    EXPECT_EQ(sound_.left, sound.left);
+}
+
 TEST_F(DamagedFiles, OfOggAreReadThoughOneBitOfAPageIsWrong) {
     std::string bytes = write("a", {"ogg", "libvorbis"}, test::unmistakableSound(44100, 6.0));
     const base::TrackSource sound = read(bytes);
