@@ -63,7 +63,9 @@ Container::Container(FileInput& input) : input_(input) {
 
 void Container::surveyPages() {
     const OggSurvey survey = surveyOgg(input_);
-    if (!survey.isSound && !survey.isChained) oggPackets_.emplace(input_, *stream_);
+    const bool isDamaged = !survey.isSound && !survey.isChained;
+    if (isDamaged && OggPackets::knows(stream_->codecpar->codec_id))
+        oggPackets_.emplace(input_, *stream_);
     lacksEnd_ = !survey.hasEnd;
 }
 

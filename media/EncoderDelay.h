@@ -12,11 +12,11 @@ class FileInput;
 
 /** What an encoder puts before the first frame of music, where FFmpeg does not drop it by itself.
  *
- *  Most files tell their encoder's delay (LAME's header, MP4's edit list, Opus' pre-skip), and
- *  FFmpeg follows. Where the container tells it and FFmpeg does not look (Matroska's CodecDelay,
- *  CAF's packet table), its word is taken. Where it has no place to tell it (bare AAC, transport streams, FLV, MP4 in
- *  fragments …), a table has the delay of the codec's usual encoders: most of it is what the
- *  codec's own filters need, whoever wrote the encoder. */
+ *  Most files state their encoder's delay (LAME's header, MP4's edit list, Opus' pre-skip), and
+ *  FFmpeg drops it. Where the container states it and FFmpeg does not look (Matroska's CodecDelay,
+ *  CAF's packet table), that figure is taken. Where the container has no place for it (bare AAC,
+ *  transport streams, FLV, MP4 in fragments …), a table has the delay of the codec's usual
+ *  encoders: most of it is what the codec's own filters need, whoever wrote the encoder. */
 class EncoderDelay {
 public:
     EncoderDelay(const Container& container, const FileInput& input);

@@ -6,6 +6,7 @@
 
 #include "base/Interrupt.h"
 #include "base/errors.h"
+#include "media/trackLength.h"
 
 namespace media {
 
@@ -53,6 +54,7 @@ void RecordingChain::begin(const AVFrame& frame) {
 }
 
 void RecordingChain::putSilence(std::int64_t frames) {
+    refuseAbove(static_cast<double>(recording_.frames()) + static_cast<double>(frames));
     for (auto& channel : recording_.channels)
         channel.resize(channel.size() +
                        static_cast<std::size_t>(std::max<std::int64_t>(frames, 0)));

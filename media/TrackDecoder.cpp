@@ -19,8 +19,8 @@ namespace {
 // below this.
 constexpr double kDelayAndPaddingSeconds = 0.2;
 
-// A damaged end of this share of the bytes that the missing time would take is one; a file with less
-// ends there.
+// With this share of the bytes that the missing time would take behind it, the end is damaged; with
+// less, the file is cut off.
 constexpr double kLeastShareOfEnd = 0.5;
 
 // A tag behind the last box takes less than this part of a file.
@@ -123,7 +123,8 @@ std::int64_t TrackDecoder::missingBefore(const AVFrame& frame) {
     isAlarmed_ |= packets_.takeAlarm() || damage.packets > 0;
     const AVRational timeBase = container_.stream().time_base;
     if (!packets_.tellTime())
-        return av_rescale_q(damage.duration, timeBase, perSecond(frame.sample_rate));
+        return std::max<std::int64_t>(
+            0, av_rescale_q(damage.duration, timeBase, perSecond(frame.sample_rate)));
     if (frame.pts == AV_NOPTS_VALUE) return 0;
     const double seconds = static_cast<double>(frame.pts) * packets_.tick();
     return timeline_.place(seconds, frame, std::exchange(isAlarmed_, false));

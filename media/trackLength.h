@@ -14,8 +14,8 @@ constexpr std::int64_t kMostFrames = std::numeric_limits<int>::max();
 /** @throws TrackError when a track is longer than the library can count */
 void refuseAbove(double frames);
 
-/** @throws TrackError when the file says that the track is longer than the library can count, or has
- *          a rate that cannot be converted */
+/** @throws TrackError when the file says that the track is longer than the library can count, or
+ *          has a rate that cannot be converted */
 void refuseTooLong(const TrackDecoder& decoder);
 
 /** How many frames the file says it has at a session's rate, about; at least 1. */

@@ -32,7 +32,8 @@ constexpr double kMostOfMemory = 0.9;
 // anyway.
 constexpr std::array<double, 5> kLongHops = {512.0, 1024.0, 1488.0, 1720.0, 2304.0};
 
-// What the system may give without taking it from another program. Linux tells it; elsewhere half of all counts.
+// What the system can give without taking it from another program. Only Linux has a figure for it;
+// elsewhere half of all memory counts.
 double availableMemoryBytes() {
     std::ifstream memory("/proc/meminfo");
     for (std::string line; std::getline(memory, line);) {

@@ -122,8 +122,9 @@ void PicturePlaces::settleFile() {
 void PicturePlaces::settleFolder() {
     const std::filesystem::path folder = unguarded(*folder_);
     std::error_code failure;
+    std::error_code unseen;
     std::filesystem::create_directories(folder, failure);
-    if (failure && !std::filesystem::is_directory(folder))
+    if (failure && !std::filesystem::is_directory(folder, unseen))
         throw base::OutputError(base::displayName(folder.string()) +
                                 " cannot be made: " + base::systemReason(failure.value()));
     const char* ending = format() == output::PictureFormat::svg ? ".svg" : ".png";

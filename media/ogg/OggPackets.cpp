@@ -19,6 +19,12 @@ constexpr int kSegmentFull = 255;
 // A page holds at most 65,025 bytes; slower than this music is not coded.
 constexpr std::int64_t kLongestPageSeconds = 60;
 
+// Decades at any rate: a later granule is damage.
+constexpr std::int64_t kLatestGranule = std::int64_t{1} << 48;
+
+// Longer is no packet of music but a file of nothing else.
+constexpr std::size_t kMostPacketBytes = std::size_t{1} << 24;
+
 // The longest run of zeros that a coder leaves; longer ones are what a disk puts in place of what
 // it lost.
 constexpr std::size_t kLeastZeros = 16;
@@ -57,6 +63,10 @@ OggPackets::~OggPackets() {
     avcodec_free_context(&codec_);
 }
 
+bool OggPackets::knows(AVCodecID codec) {
+    return !startOf(codec).empty();
+}
+
 bool OggPackets::next(AVPacket& packet) {
     while (pieces_.empty()) {
         if (!readPage()) return false;
@@ -92,7 +102,6 @@ bool OggPackets::readPage() {
     damagedPages_ += page->isSound ? 0 : 1;
     isContiguous_ = page->number == number_ || (!page->isSound && !pages_.hasSkipped());
     number_ = (isContiguous_ ? number_ : page->number) + 1;
-    isPageSound_ = page->isSound;
     pageOffset_ = page->offset;
     auto pieces = piecesOf(*page);
     if (pieces.empty()) return true;
@@ -130,8 +139,8 @@ std::deque<OggPackets::Piece> OggPackets::piecesOf(const OggPage& page) {
         isLost = false;
         partial_.clear();
     }
-    hasPartial_ = !page.lacing.empty() &&
-                  static_cast<unsigned char>(page.lacing.back()) == kSegmentFull && !isLost;
+    hasPartial_ = !page.lacing.empty() && !isLost && partial_.size() <= kMostPacketBytes &&
+                  static_cast<unsigned char>(page.lacing.back()) == kSegmentFull;
     return pieces;
 }
 
@@ -204,8 +213,9 @@ void OggPackets::setTimes(const OggPage& page, std::deque<Piece>& pieces) {
     const std::int64_t most = begin + kLongestPageSeconds * stream_.time_base.den;
     std::int64_t end = page.granule;
     const bool isEndKnown =
-        end > 0 && (page.isSound ||
-                    (end > begin && (followsOn ? end <= most : line_ < 0 || end <= 10 * most)));
+        end > 0 && end < kLatestGranule &&
+        (page.isSound ||
+         (end > begin && (followsOn ? end <= most : line_ < 0 || end <= 10 * most)));
     if (!isEndKnown) end = begin + length;
     const bool isTrimmed = page.isLast && followsOn && end < begin + length;
     if (!page.isSound && end != begin + length && !isTrimmed) markSuspects(pieces);

@@ -17,10 +17,14 @@ namespace media {
  *  is wrong, which may be a second of music, and gives what follows the time of what is missing. */
 class OggPackets {
 public:
+    /** @param stream  of a codec that is known here */
     OggPackets(const FileInput& input, const AVStream& stream);
     ~OggPackets();
     OggPackets(const OggPackets&) = delete;
     OggPackets& operator=(const OggPackets&) = delete;
+
+    /** Whether the packets of a codec tell how long they are, or its header does. */
+    static bool knows(AVCodecID codec);
 
     /** @return false at the end */
     bool next(AVPacket& packet);
@@ -60,9 +64,8 @@ private:
     std::string partial_;
     bool hasPartial_ = false;
     bool isContiguous_ = false;  ///< no page is missing before the present one
-    bool isPageSound_ = false;
-    std::uint32_t number_ = 0;  ///< of the next page
-    std::int64_t line_ = -1;    ///< granule at which the last page ended; -1: not known
+    std::uint32_t number_ = 0;   ///< of the next page
+    std::int64_t line_ = -1;     ///< granule at which the last page ended; -1: not known
     std::int64_t damagedPages_ = 0;
     std::int64_t repeatedPages_ = 0;
     int usualKind_ = -1;  ///< first byte of Opus packets, which tells their duration

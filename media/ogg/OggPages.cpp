@@ -1,12 +1,16 @@
 // SPDX-License-Identifier: MIT
 #include "media/ogg/OggPages.h"
 
+#include <algorithm>
 #include <map>
+#include <string_view>
 
 extern "C" {
 #include <libavutil/crc.h>
 #include <libavutil/intreadwrite.h>
 }
+
+#include "base/Interrupt.h"
 
 namespace media {
 
@@ -96,6 +100,7 @@ std::int64_t OggPages::nextCapture(std::int64_t from) {
 std::optional<OggPage> OggPages::next() {
     hasSkipped_ = false;
     while (place_ < input_.size()) {
+        base::Interrupt::check();
         if (auto page = read(place_)) {
             place_ = page->end;
             return page;

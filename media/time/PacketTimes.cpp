@@ -27,9 +27,16 @@ constexpr double kSpareSeconds = 1.0;
 // Half a packet: less is no packet missing.
 constexpr std::int64_t kToleranceDivisor = 2;
 
+// A damaged file may tell any time. Sums and differences of a few within this do not overflow.
+constexpr std::int64_t kLatestTime = std::int64_t{1} << 60;
+
 constexpr std::array<const char*, 9> kTimed = {"flac", "matroska", "mp4", "asf", "mpegts",
                                                "flv",  "wv",       "tta", "caf"};
 constexpr std::array<const char*, 4> kByBytes = {"mp3", "aac", "ac3", "eac3"};
+
+std::int64_t withinReach(std::int64_t time) {
+    return std::clamp(time, -kLatestTime, kLatestTime);
+}
 
 /** What ASF was made for. FFmpeg gives packets of other codecs in it the times of others. */
 bool isWindowsMedia(AVCodecID codec) {
@@ -78,7 +85,7 @@ bool PacketTimes::next(AVPacket& packet) {
 }
 
 std::int64_t PacketTimes::duration(const AVPacket& packet) const {
-    return packet.duration > 0 ? packet.duration : usual_;
+    return packet.duration > 0 ? withinReach(packet.duration) : usual_;
 }
 
 std::int64_t PacketTimes::tolerance(const AVPacket& packet) const {
@@ -88,15 +95,16 @@ std::int64_t PacketTimes::tolerance(const AVPacket& packet) const {
 /** @return false when the packet is to be left out */
 bool PacketTimes::judge(AVPacket& packet) {
     if (clock_ == Clock::none || packet.pts == AV_NOPTS_VALUE) {
-        if (hasLine_) line_ += duration(packet);
+        if (hasLine_) line_ = withinReach(line_ + duration(packet));
         return true;
     }
-    packet.pts += shift_;
+    packet.pts = timeOf(packet);
     if (!hasLine_) {
         hasLine_ = true;
         first_ = packet.pts;
-    } else if (usual_ == 0 && packet.duration <= 0) {
-        usual_ = std::max<std::int64_t>(0, packet.pts - line_);
+    } else if (usual_ == 0) {
+        // The first packet of some formats has no duration, so that nothing was due at any time yet.
+        usual_ = std::clamp<std::int64_t>(packet.pts - line_, 0, kLatestTime);
     } else if (std::abs(packet.pts - line_) > tolerance(packet)) {
         if (!judgeJump(packet)) return false;
     }
@@ -106,42 +114,63 @@ bool PacketTimes::judge(AVPacket& packet) {
 
 void PacketTimes::follow(const AVPacket& packet) {
     repeatedTo_.reset();
-    if (packet.duration > 0) usual_ = packet.duration;
-    line_ = packet.pts + duration(packet);
+    usual_ = duration(packet);
+    line_ = withinReach(packet.pts + usual_);
     while (!seen_.empty() && seen_.back().time > packet.pts) seen_.pop_back();
     seen_.push_back({packet.pts, printOf(packet)});
     if (seen_.size() > kMostSeen) seen_.pop_front();
 }
 
 bool PacketTimes::judgeJump(AVPacket& packet) {
-    isAlarmed_ = true;
-    if (packet.pts < line_ && (isRepeated(packet) || goesOnRepeating(packet))) {
+    if (packet.pts < line_ && (goesOnRepeating(packet) || beginsRepeating(packet))) {
         repeatedTo_ = packet.pts + duration(packet);
         ++repeatedPackets_;
         return false;
     }
-    if (returnsToLine(packet) || !isSharedByNext(packet)) {
+    // Times that waver from packet to packet, as those of live recordings, are no sign of damage.
+    const bool isAmiss = !returnsToLine(packet);
+    isAlarmed_ |= isAmiss;
+    if (!isAmiss || !isSharedByNext(packet)) {
         packet.pts = line_;
     } else if (packet.pts < line_ ? !isSmallStepBack(packet) : !isPlausible(packet.pts)) {
         // Another recording begins: joined files count anew.
-        shift_ += line_ - packet.pts;
+        shift_ = withinReach(shift_ + line_ - packet.pts);
         packet.pts = line_;
     }
     return true;
 }
 
-bool PacketTimes::isRepeated(const AVPacket& packet) const {
-    const std::int64_t from = packet.pts - tolerance(packet);
+/** The packet's time on the line of the first times. */
+std::int64_t PacketTimes::timeOf(const AVPacket& packet) const {
+    return withinReach(withinReach(packet.pts) + shift_);
+}
+
+/** Joined recordings may both begin with the same silence, or be the same one twice: what begins at
+ *  the first time again, or goes on mostly with other packets, is a recording of its own. */
+bool PacketTimes::beginsRepeating(const AVPacket& packet) {
+    if (packet.pts <= first_ + tolerance(packet) || !isRepeated(packet.pts, packet)) return false;
+    std::ptrdiff_t repeated = 0;
+    std::ptrdiff_t others = 0;
+    for (const PacketPointer& later : queue_.lookAhead(kLookAhead)) {
+        if (later->pts == AV_NOPTS_VALUE) continue;
+        if (timeOf(*later) >= line_) break;
+        ++(isRepeated(timeOf(*later), *later) ? repeated : others);
+    }
+    return repeated >= others;
+}
+
+bool PacketTimes::isRepeated(std::int64_t time, const AVPacket& packet) const {
+    const std::int64_t from = time - tolerance(packet);
     auto seen = std::lower_bound(seen_.begin(), seen_.end(), from,
-                                 [](const Seen& a, std::int64_t time) { return a.time < time; });
+                                 [](const Seen& a, std::int64_t least) { return a.time < least; });
     const std::uint64_t print = printOf(packet);
-    for (; seen != seen_.end() && seen->time <= packet.pts + tolerance(packet); ++seen) {
+    for (; seen != seen_.end() && seen->time <= time + tolerance(packet); ++seen) {
         if (seen->print == print) return true;
     }
     return false;
 }
 
-/** Whether a packet stands among repeated ones but is not what it was: one of the two is damaged. */
+/** Whether a packet among repeated ones differs from the one before: one of the two is damaged. */
 bool PacketTimes::goesOnRepeating(const AVPacket& packet) const {
     return repeatedTo_ && std::abs(packet.pts - *repeatedTo_) <= tolerance(packet);
 }
@@ -155,10 +184,9 @@ bool PacketTimes::isSmallStepBack(const AVPacket& packet) const {
 bool PacketTimes::returnsToLine(const AVPacket& packet) {
     std::int64_t line = line_ + duration(packet);
     for (const PacketPointer& later : queue_.lookAhead(kLookAhead)) {
-        if (later->pts != AV_NOPTS_VALUE &&
-            std::abs(later->pts + shift_ - line) <= tolerance(*later))
+        if (later->pts != AV_NOPTS_VALUE && std::abs(timeOf(*later) - line) <= tolerance(*later))
             return true;
-        line += duration(*later);
+        line = withinReach(line + duration(*later));
     }
     return false;
 }
@@ -167,7 +195,7 @@ bool PacketTimes::isSharedByNext(const AVPacket& packet) {
     const auto& later = queue_.lookAhead(kLookAhead);
     if (later.empty() || later.front()->pts == AV_NOPTS_VALUE) return true;
     const std::int64_t expected = packet.pts + duration(packet);
-    return std::abs(later.front()->pts + shift_ - expected) <= 2 * tolerance(packet);
+    return std::abs(timeOf(*later.front()) - expected) <= 2 * tolerance(packet);
 }
 
 bool PacketTimes::isPlausible(std::int64_t time) const {

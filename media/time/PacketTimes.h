@@ -49,7 +49,9 @@ private:
 
     bool judge(AVPacket& packet);
     bool judgeJump(AVPacket& packet);
-    bool isRepeated(const AVPacket& packet) const;
+    std::int64_t timeOf(const AVPacket& packet) const;
+    bool beginsRepeating(const AVPacket& packet);
+    bool isRepeated(std::int64_t time, const AVPacket& packet) const;
     bool goesOnRepeating(const AVPacket& packet) const;
     bool isSmallStepBack(const AVPacket& packet) const;
     bool returnsToLine(const AVPacket& packet);

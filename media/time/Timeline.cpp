@@ -16,8 +16,11 @@ constexpr int kSettlingFrames = 4;
 constexpr double kWaverTicks = 2.2;
 constexpr double kLeastFrames = 2.0;
 
-// The first blocks behind damage may be shorter than their coder meant them: some seconds pass until
-// the times agree again.
+// Months at any rate. A damaged time may be further off: the track is refused for its length then.
+constexpr double kMostMissing = 1e12;
+
+// The first blocks behind damage may be shorter than their encoder made them: it takes some seconds
+// until the times agree again.
 constexpr int kWatchedFrames = 200;
 
 // Fast enough for times that are rounded at every packet, slow against what a tick wavers.
@@ -35,7 +38,8 @@ double Timeline::toleranceFor(const AVFrame& frame, bool isWatched) const {
 std::int64_t Timeline::wholeBlocks(double frames, const AVFrame& frame) const {
     const double blocks = std::round(frames / frame.nb_samples) * frame.nb_samples;
     const double waver = kWaverTicks * tick_ * frame.sample_rate;
-    return std::llround(std::abs(blocks - frames) <= waver ? blocks : frames);
+    const double missing = std::abs(blocks - frames) <= waver ? blocks : frames;
+    return std::llround(std::clamp(missing, -kMostMissing, kMostMissing));
 }
 
 std::int64_t Timeline::place(double seconds, const AVFrame& frame, bool isAlarmed) {

@@ -19,8 +19,8 @@ public:
     /** Frames of silence that are missing before this one; below 0, frames at its beginning whose
      *  time has passed.
      *  @param seconds    the frame's own time
-     *  @param isAlarmed  something was amiss since the last frame, so that for a while less than half
-     *                    a frame is believed to be missing */
+     *  @param isAlarmed  something was amiss since the last frame: for a while less than half a frame
+     *                    may be missing too */
     std::int64_t place(double seconds, const AVFrame& frame, bool isAlarmed);
 
     /** The track goes on by so much. */

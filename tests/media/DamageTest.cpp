@@ -107,6 +107,65 @@ TEST_F(DamagedFiles, AreNotThoseThatChangeTheirRateOnTheWay) {
     EXPECT_NEAR(test::clickNear(sound_.left, 44100, 3.5), 3.5 * 44100, 0.03 * 44100);
 }
 
+// Both begin with the same silence, and so do two copies of one recording: what begins anew is not
+// there twice.
+TEST_F(DamagedFiles, AreNotRecordingsThatAreJoined) {
+    const test::FileKind kind = {"mpegts", "mp2"};
+    const std::string one = write("one", kind, test::clicks(44100, 2, 4.0, {1.5}));
+    const std::string other = write("other", kind, test::clicks(44100, 2, 3.0, {2.0}));
+    for (const std::string& second : {other, one}) {
+        const base::TrackSource file = read(one + second);
+        EXPECT_EQ(file.repeatedPackets, 0);
+        EXPECT_THAT(file.gaps, testing::IsEmpty());
+        const double place = second == one ? 4.0 + 1.5 : 4.0 + 2.0;
+        EXPECT_NEAR(test::clickNear(sound_.left, 44100, place), place * 44100, 0.05 * 44100);
+    }
+}
+
+// A second recording whose silent beginning was cut off begins at a time that the first had too, with
+// packets that it had: the music behind tells that it is another.
+TEST_F(DamagedFiles, AreNotRecordingsThatAreJoinedWithoutTheirBeginning) {
+    constexpr std::size_t kTsPacketBytes = 188;
+    const test::FileKind kind = {"mpegts", "mp2"};
+    test::Sound music = test::unmistakableSound(44100, 6.0);
+    for (auto& channel : music.channels) std::fill_n(channel.begin(), 44100, 0.0F);
+    const std::string one = write("one", kind, test::clicks(44100, 2, 6.0, {}));
+    const std::string other = write("other", kind, music);
+    const base::TrackSource file = read(one + other.substr(100 * kTsPacketBytes));
+    EXPECT_EQ(file.repeatedPackets, 0);
+    // A hundred packets are at most a second of silence.
+    EXPECT_GT(sound_.left.size(), 11 * 44100);
+    EXPECT_LT(sound_.left.size(), 12 * 44100);
+}
+
+/** Delays the tags of an FLV file by 0 to 14 ms, as live recordings have them. */
+std::string wavering(std::string flv) {
+    constexpr std::size_t kFirstTag = 13;
+    constexpr std::size_t kTagFrame = 11 + 4;
+    const auto byte = [&](std::size_t at) { return static_cast<unsigned char>(flv[at]); };
+    const auto three = [&](std::size_t at) {
+        return (std::size_t{byte(at)} << 16) | (std::size_t{byte(at + 1)} << 8) | byte(at + 2);
+    };
+    std::size_t tag = 0;
+    for (std::size_t at = kFirstTag; at + kTagFrame <= flv.size();
+         at += kTagFrame + three(at + 1)) {
+        const std::size_t time = three(at + 4) + tag++ * 7 % 15;
+        for (const std::size_t i : {0, 1, 2})
+            flv[at + 4 + i] = static_cast<char>(time >> (16 - 8 * i) & 0xFF);
+    }
+    return flv;
+}
+
+TEST_F(DamagedFiles, AreNotThoseWhoseTimesWaver) {
+    const std::string steady = write("a", {"flv", "aac"}, test::unmistakableSound(44100, 6.0));
+    read(steady);
+    const test::Recorder sound = sound_;
+    const base::TrackSource file = read(wavering(steady));
+    EXPECT_THAT(file.gaps, testing::IsEmpty());
+    EXPECT_EQ(file.repeatedPackets, 0);
+    EXPECT_EQ(sound_.left, sound.left);
+}
+
 TEST_F(DamagedFiles, OfOggAreReadThoughOneBitOfAPageIsWrong) {
     std::string bytes = write("a", {"ogg", "libvorbis"}, test::unmistakableSound(44100, 6.0));
     const base::TrackSource sound = read(bytes);
