@@ -398,9 +398,9 @@ inline TrackResult finish(int status, const Track& track, const ThrownByHost& th
  *
  *  @param rate    frames per second: 44100 or 48000
  *  @param frames  length of the track in frames, 1 to 2,147,483,647
- *  @throws Error for an argument out of range, for a source without a function to open it or with an
- *          empty pass, and for a source of another length; std::bad_alloc; and whatever the source
- *          or the progress function throws */
+ *  @throws Error for an argument out of range, for a source without a function to open it or with
+ *          an empty pass, and for a source of another length; std::bad_alloc; and whatever the
+ *          source or the progress function throws */
 inline TrackResult analyze(const Options& options, int rate, std::int64_t frames,
                            const Source& source) {
     if (!source.open) throw Error(BA_TRACK_BAD_ARGUMENT, "The source has no function to open it.");
