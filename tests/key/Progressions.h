@@ -33,8 +33,10 @@ inline std::vector<float> monoProgression(int key, int sampleRate, int seconds) 
 /** A stereo track of 16-bit samples as it reaches the key ranking, with the levels a pre-check finds in it. */
 struct KeyTrack {
     int rate = 44100;
-    std::vector<std::int16_t> samples;  ///< left and right in turn
-    double sum = 0.0;                   ///< Σ |left| + |right|
+    /** Left and right in turn. */
+    std::vector<std::int16_t> samples;
+    /** Σ |left| + |right|. */
+    double sum = 0.0;
     double peak = 0.0;
 
     int frames() const { return static_cast<int>(samples.size() / 2); }
