@@ -9,8 +9,8 @@
 
 namespace beatatlas::test {
 
-/** The envelope filters in their plainest form: a difference equation over a whole signal with zeros
- *  before its start. An oracle that shares no code with the library. */
+/** The envelope filters in their plainest form: a difference equation over a whole signal with
+ *  zeros before its start. An oracle that shares no code with the library. */
 struct PlainFilter {
     /** b0, b1, … */
     std::vector<double> forward;

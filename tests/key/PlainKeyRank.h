@@ -32,8 +32,9 @@ struct PlainKeyPlan {
     int countedFrames = 0;
 };
 
-/** The key ranking in its plainest form, over a whole track at once and without a single buffer: the oracle of the
- *  one that works block by block. Only the transform is shared. Call it in round-toward-zero. */
+/** The key ranking in its plainest form, over a whole track at once and without a single buffer:
+ *  the oracle of the one that works block by block. Only the transform is shared. Call it in
+ *  round-toward-zero. */
 class PlainKeyRank {
 public:
     PlainKeyRank(const KeyTrack& track, const PlainKeyPlan& plan)

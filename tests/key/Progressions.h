@@ -10,7 +10,8 @@
 
 namespace beatatlas::test {
 
-/** A tonic-subdominant-dominant progression with drums in one of the 24 keys, numbered as results are. */
+/** A tonic-subdominant-dominant progression with drums in one of the 24 keys, numbered as results
+ *  are. */
 inline StereoTrack stereoProgression(int key, int sampleRate, int seconds) {
     TrackPlan plan;
     plan.sampleRate = sampleRate;
@@ -30,7 +31,8 @@ inline std::vector<float> monoProgression(int key, int sampleRate, int seconds) 
     return mono;
 }
 
-/** A stereo track of 16-bit samples as it reaches the key ranking, with the levels a pre-check finds in it. */
+/** A stereo track of 16-bit samples as it reaches the key ranking, with the levels a pre-check
+ *  finds in it. */
 struct KeyTrack {
     int rate = 44100;
     /** Left and right in turn. */
