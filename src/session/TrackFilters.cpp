@@ -46,7 +46,7 @@ void TrackFilters::designBands(float rate) {
     constexpr std::array kBands = {SessionCascades::kLow, SessionCascades::kDrum,
                                    SessionCascades::kMid, SessionCascades::kHigh};
     std::array<IirPassFilter, kBands.size()> filters;
-    peakss::designFilters(filters, rate);
+    peakss::designBands(filters, rate);
     for (std::size_t band = 0; band < kBands.size(); ++band) {
         designCascade(*bank_, kBands[band], filters[band]);
         bands_[band] = bank_->magnitudes(kBands[band]);
