@@ -21,10 +21,14 @@ constexpr float kBpm = 126.0F;
 
 /** Five minutes of synthesised music in every form that a component takes. */
 struct BenchTrack {
-    test::StereoTrack stereo;               ///< 16-bit scale
-    std::vector<float> mono;                ///< full scale ±1.0
-    std::vector<std::int16_t> interleaved;  ///< left first
-    peakss::BeatList beats;                 ///< the true grid
+    /** 16-bit scale. */
+    test::StereoTrack stereo;
+    /** Full scale ±1.0. */
+    std::vector<float> mono;
+    /** Left first. */
+    std::vector<std::int16_t> interleaved;
+    /** The true grid. */
+    peakss::BeatList beats;
 };
 
 /** A song that is as demanding for the analysis as music: intro, verse, chorus, break and ending,

@@ -8,7 +8,8 @@ namespace beatatlas::bench {
 
 /** The resources that a process used from start to end. */
 struct ChildRun {
-    double processorSeconds = 0.0;  ///< of all its threads, including system time
+    /** Of all its threads, including system time. */
+    double processorSeconds = 0.0;
     double wallSeconds = 0.0;
     double peakBytes = 0.0;
 };

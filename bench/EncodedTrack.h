@@ -14,7 +14,8 @@ namespace beatatlas::bench {
 struct Encoding {
     std::string encoder;
     std::string ending;
-    std::int64_t bitRate;  ///< per second; 0 for encoders without a bit rate
+    /** Per second; 0 for encoders without a bit rate. */
+    std::int64_t bitRate;
 };
 
 /** A track in a file of its own, made by FFmpeg's libraries and removed with the object. */

@@ -13,8 +13,10 @@ namespace beatatlas::bench {
 struct Improvisation {
     int sampleRate = 44100;
     double bpm = 120.0;
-    double firstFrame = 0.0;  ///< of the first semiquaver
-    int tonic = 0;            ///< 0–11 from A upward; the scale is the natural minor
+    /** Of the first semiquaver. */
+    double firstFrame = 0.0;
+    /** 0–11 from A upward; the scale is the natural minor. */
+    int tonic = 0;
 };
 
 /** Adds the improvisation to a track and clips at full scale. */

@@ -111,7 +111,8 @@ void fft(benchmark::State& state) {
 }
 BENCHMARK(fft)->Arg(1024)->Arg(4096)->Unit(benchmark::kMicrosecond);
 
-/** Two octaves from A4, ten seconds at a tenth of the rate, as the pitch detector does for one candidate. */
+/** Two octaves from A4, ten seconds at a tenth of the rate, as the pitch detector does for one
+ *  candidate. */
 void constantQBank(benchmark::State& state) {
     constexpr int kLength = 44100;
     constexpr int kHop = 2048;

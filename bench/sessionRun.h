@@ -21,7 +21,8 @@ private:
 struct SessionTimes {
     double creating = 0.0;
     double preCheck = 0.0;
-    double feeding = 0.0;  ///< all calls but the last
+    /** All calls but the last. */
+    double feeding = 0.0;
 
     /** The last call, which runs the closing analysis, and the call that reads the tempo. */
     double closing = 0.0;

@@ -53,7 +53,8 @@ struct Rounds {
     struct Tempo {
         std::vector<double> processorOfOne, wallOfOne, processorOfTwo, wallOfTwo;
     } constant, automatic;
-    std::vector<double> automaticToConstant;  ///< processor time, one thread
+    /** Processor time, one thread. */
+    std::vector<double> automaticToConstant;
 };
 
 /** @return processor time of one thread, as a multiple of the decoding */
@@ -105,7 +106,8 @@ void printAgainstDecoding(const char* program) {
 
 struct LongTrack {
     const char* name;
-    int repeats;  ///< of five minutes
+    /** Of five minutes. */
+    int repeats;
 };
 constexpr std::array<LongTrack, 3> kLongTracks = {{{"5 min", 1}, {"1 h", 12}, {"10 h", 120}}};
 

@@ -118,7 +118,8 @@ void refine(FuzzInput& input, int rate, int length, bool varied, float bpm,
     const int fed = std::min(1 + static_cast<int>(input.bits32() % kMostFrames), length);
     const std::vector<std::int16_t> samples = interleaved(input, fed);
     std::vector<double> mono(static_cast<std::size_t>(fed));
-    monoOfBlock(samples.data(), mono.data(), fed);
+    std::vector<double> wholes(mono.size());
+    meansOfBlock(samples.data(), mono.data(), wholes.data(), fed);
     if (input.flag()) {
         SimpleEnvelopeMaker simple;
         simple.create(rate, length);

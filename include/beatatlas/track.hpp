@@ -36,11 +36,16 @@ inline constexpr int kPitchClassCount = 12;
 
 /** How tempo and beats are found. */
 enum class TempoMode {
-    automatic = BA_TRACK_TEMPO_AUTO,     ///< finds out whether steady or varying
-    constant = BA_TRACK_TEMPO_CONSTANT,  ///< one tempo for the whole track, fine-tuned at the end
-    varied = BA_TRACK_TEMPO_VARIED,      ///< the tempo may change during the track
-    simple = BA_TRACK_TEMPO_SIMPLE,  ///< sensed at the beginning only, one regular grid over it all
-    off = BA_TRACK_TEMPO_OFF,        ///< no tempo and no beats
+    /** Finds out whether steady or varying. */
+    automatic = BA_TRACK_TEMPO_AUTO,
+    /** One tempo for the whole track, fine-tuned at the end. */
+    constant = BA_TRACK_TEMPO_CONSTANT,
+    /** The tempo may change during the track. */
+    varied = BA_TRACK_TEMPO_VARIED,
+    /** Sensed at the beginning only, one regular grid over it all. */
+    simple = BA_TRACK_TEMPO_SIMPLE,
+    /** No tempo and no beats. */
+    off = BA_TRACK_TEMPO_OFF,
 };
 
 /** What to find out about a track, and how. */
@@ -55,17 +60,20 @@ struct Options {
      *  the length of the track means all of it; 0 means one minute. */
     double rangeSeconds = 0;
 
-    bool wantsKey = true;  ///< find the key by evidence
+    /** Find the key by evidence. */
+    bool wantsKey = true;
     /** Also find the key of a session of libbeatatlas, which takes passes of its own. */
     bool wantsSessionKey = false;
-    bool wantsWaves = true;  ///< make the three waves
+    /** Make the three waves. */
+    bool wantsWaves = true;
 
     /** Automatic tempo: a range into which the tempo and its grid are brought by doubling or
      *  halving. Both in BPM, 20 to 1000, the upper end at least twice the lower one; 0 and 0: no
      *  range. */
     double lowestBpm = 0;
     double highestBpm = 0;
-    int beatsPerBar = 0;  ///< automatic tempo: 3 or 4 if known; 0: to be found
+    /** Automatic tempo: 3 or 4 if known; 0: to be found. */
+    int beatsPerBar = 0;
 
     /** The most threads that may work at once, including the calling one; at least 1. */
     int threads = 1;
@@ -84,27 +92,38 @@ using Pass = std::function<std::int64_t(float* left, float* right, std::int64_t 
  *  it is over; what BA_TrackSource states about order and threads holds. */
 struct Source {
     std::function<Pass()> open;
-    bool fewestPasses = false;  ///< passes are costly or have to wait for a decoder
+    /** Passes are costly or have to wait for a decoder. */
+    bool fewestPasses = false;
 };
 
 /** One beat of the grid. */
 struct Beat {
-    double seconds = 0.0;    ///< from the first frame of the track
-    double bpm = 0.0;        ///< tempo at this beat, a multiple of 0.01
-    std::int64_t frame = 0;  ///< from the first frame of the track, at its rate
-    int numberInBar = 0;     ///< 1, the downbeat, to the number of beats in a bar
+    /** From the first frame of the track. */
+    double seconds = 0.0;
+    /** Tempo at this beat, a multiple of 0.01. */
+    double bpm = 0.0;
+    /** From the first frame of the track, at its rate. */
+    std::int64_t frame = 0;
+    /** 1, the downbeat, to the number of beats in a bar. */
+    int numberInBar = 0;
 
     bool isDownbeat() const { return numberInBar == 1; }
 };
 
 /** How another reading of the beats relates to the chosen one. */
 enum class ReadingKind {
-    twice = BA_TRACK_READING_DOUBLE,             ///< beats half as far apart
-    half = BA_TRACK_READING_HALF,                ///< beats twice as far apart
-    shifted = BA_TRACK_READING_SHIFTED,          ///< the same tempo, between the chosen beats
-    threeToTwo = BA_TRACK_READING_THREE_TO_TWO,  ///< three beats for two
-    twoToThree = BA_TRACK_READING_TWO_TO_THREE,  ///< two beats for three
-    other = BA_TRACK_READING_OTHER,              ///< any other tempo or position
+    /** Beats half as far apart. */
+    twice = BA_TRACK_READING_DOUBLE,
+    /** Beats twice as far apart. */
+    half = BA_TRACK_READING_HALF,
+    /** The same tempo, between the chosen beats. */
+    shifted = BA_TRACK_READING_SHIFTED,
+    /** Three beats for two. */
+    threeToTwo = BA_TRACK_READING_THREE_TO_TWO,
+    /** Two beats for three. */
+    twoToThree = BA_TRACK_READING_TWO_TO_THREE,
+    /** Any other tempo or position. */
+    other = BA_TRACK_READING_OTHER,
 };
 
 /** Another reading of the beats, compared with the answer before it was brought into a range. */
@@ -122,18 +141,25 @@ struct Reading {
 
 /** A section of the track with nearly one tempo. */
 struct TempoStretch {
-    double fromSeconds = 0.0;  ///< its first beat
-    double toSeconds = 0.0;  ///< the first beat of the next section, or the last beat of the track
-    double bpm = 0.0;        ///< the mean, a multiple of 0.01
+    /** Its first beat. */
+    double fromSeconds = 0.0;
+    /** The first beat of the next section, or the last beat of the track. */
+    double toSeconds = 0.0;
+    /** The mean, a multiple of 0.01. */
+    double bpm = 0.0;
 };
 
 /** What the automatic tempo reports besides tempo and beats. */
 struct TempoJudgement {
-    bool isSteady = true;  ///< one tempo, evenly spaced beats; else the beats follow its changes
-    double rawBpm = 0.0;   ///< before it was brought into the range of the options
+    /** One tempo, evenly spaced beats; else the beats follow its changes. */
+    bool isSteady = true;
+    /** Before it was brought into the range of the options. */
+    double rawBpm = 0.0;
     BA_TrackConfidence confidence{};
-    std::vector<TempoStretch> stretches;  ///< one where the tempo is steady
-    std::vector<Reading> readings;        ///< other than the chosen one, the likeliest first
+    /** One where the tempo is steady. */
+    std::vector<TempoStretch> stretches;
+    /** Other than the chosen one, the likeliest first. */
+    std::vector<Reading> readings;
 };
 
 /** One point of a waveform overview. */
@@ -145,8 +171,10 @@ struct WavePoint {
 /** A key and the evidence for it in a track. Keys are numbered as in SessionKey. */
 struct KeyCandidate {
     int key = 0;
-    double score = 0.0;        ///< only the scores of one track can be compared
-    double probability = 0.0;  ///< 0 to 1; those of all keys add up to 1
+    /** Only the scores of one track can be compared. */
+    double score = 0.0;
+    /** 0 to 1; those of all keys add up to 1. */
+    double probability = 0.0;
 };
 
 /** A section of the track in one key. */
@@ -154,19 +182,24 @@ struct KeySegment {
     double fromSeconds = 0.0;
     double toSeconds = 0.0;
     int key = 0;
-    double confidence = 0.0;  ///< as in Key
+    /** As in Key. */
+    double confidence = 0.0;
 };
 
 /** The key by evidence, and how the track is tuned. */
 struct Key {
-    std::array<KeyCandidate, kKeyCount> ranking{};  ///< the likeliest first
+    /** The likeliest first. */
+    std::array<KeyCandidate, kKeyCount> ranking{};
     /** The share of tracks of known key, 0 to 1, on which such an answer was right. */
     double confidence = 0.0;
-    std::vector<KeySegment> segments;  ///< one where the key does not change
+    /** One where the key does not change. */
+    std::vector<KeySegment> segments;
     /** How strongly each note sounds, from A upward; the values add up to 1. */
     std::array<double, kPitchClassCount> chroma{};
-    double tuningCents = 0.0;  ///< hundredths of a semitone above A4 = 440 Hz, -50 to 50
-    double tuningHz = 440.0;   ///< frequency of the track's A4
+    /** Hundredths of a semitone above A4 = 440 Hz, -50 to 50. */
+    double tuningCents = 0.0;
+    /** Frequency of the track's A4. */
+    double tuningHz = 440.0;
 
     int best() const { return ranking[0].key; }
     int second() const { return ranking[1].key; }
@@ -176,7 +209,8 @@ struct Key {
  *  the major keys from A upward, 12 to 23 the minor keys; pitch classes count from A too. */
 struct SessionKey {
     std::array<int, kKeyCount> keys{};
-    std::array<double, kKeyCount> scores{};  ///< of keys[0], keys[1] …
+    /** Of keys[0], keys[1] … */
+    std::array<double, kKeyCount> scores{};
     std::array<int, kPitchClassCount> noteCounts{};
     std::array<double, kPitchClassCount> noteShares{};
 
@@ -187,15 +221,23 @@ struct SessionKey {
 /** The results of one analysis. An empty list or a missing value means that nothing was found or
  *  that it was not asked for. */
 struct TrackResult {
-    int rate = 0;             ///< Hz
-    std::int64_t frames = 0;  ///< length of the track at that rate
+    /** Hz. */
+    int rate = 0;
+    /** Length of the track at that rate. */
+    std::int64_t frames = 0;
     std::optional<double> bpm;
-    std::vector<Beat> beats;                  ///< in order of time
-    std::optional<TempoJudgement> judgement;  ///< of the automatic tempo, where it found one
-    std::vector<WavePoint> loudWave;          ///< 400 points; level in 16-bit scale, color 0 to 5
-    std::vector<WavePoint> dotsWave;          ///< 100 points; level of the bass, color 5
-    std::vector<WavePoint> zoomWave;          ///< 150 points a second; level 0 to 31, color 0 to 7
-    std::optional<Key> key;                   ///< by evidence
+    /** In order of time. */
+    std::vector<Beat> beats;
+    /** Of the automatic tempo, where it found one. */
+    std::optional<TempoJudgement> judgement;
+    /** 400 points; level in 16-bit scale, color 0 to 5. */
+    std::vector<WavePoint> loudWave;
+    /** 100 points; level of the bass, color 5. */
+    std::vector<WavePoint> dotsWave;
+    /** 150 points a second; level 0 to 31, color 0 to 7. */
+    std::vector<WavePoint> zoomWave;
+    /** By evidence. */
+    std::optional<Key> key;
     std::optional<SessionKey> sessionKey;
 
     double seconds() const { return secondsAt(frames); }
@@ -208,7 +250,8 @@ public:
     explicit Error(int status) : Error(status, BA_TrackStatusText(status)) {}
     Error(int status, const char* text) : std::runtime_error(text), status_(status) {}
 
-    int status() const { return status_; }  ///< BA_TRACK_…
+    /** BA_TRACK_… */
+    int status() const { return status_; }
 
 private:
     int status_;
@@ -399,8 +442,8 @@ inline TrackResult finish(int status, const Track& track, const ThrownByHost& th
  *  @param rate    frames per second: 44100 or 48000
  *  @param frames  length of the track in frames, 1 to 2,147,483,647
  *  @throws Error for an argument out of range, for a source without a function to open it or with
- *          an empty pass, and for a source of another length; std::bad_alloc; and whatever the source
- *          or the progress function throws */
+ *          an empty pass, and for a source of another length; std::bad_alloc; and whatever the
+ *          source or the progress function throws */
 inline TrackResult analyze(const Options& options, int rate, std::int64_t frames,
                            const Source& source) {
     if (!source.open) throw Error(BA_TRACK_BAD_ARGUMENT, "The source has no function to open it.");

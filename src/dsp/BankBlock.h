@@ -10,8 +10,8 @@
 namespace beatatlas {
 
 /** What the steps of a bank work on: its sections, and the signals and outputs of the block in
- *  hand. Sample t of a block is taken at step t; a lane with a delay gives what came of it so many
- *  steps later.
+ *  hand. Sample t of a block is taken at step t; a lane with a delay of d gives its output for that
+ *  sample at step t + d.
  *
  *  A plan has kCascades, an array of Cascade; kSignals, how many signals they hear; and
  *  kMostSamples of a block. */
@@ -29,7 +29,7 @@ struct BankBlock {
     std::array<Steps<double>, Plan::kSignals> signals{};
     /** By cascade, for those that do not end in a row. */
     std::array<Steps<double>, kCascades> values{};
-    /** By row of magnitudes, with their signs yet. */
+    /** By row of magnitudes; still with their signs. */
     std::array<Steps<std::array<float, CascadeLayout::kGroup>>, kRows> rows{};
 };
 

@@ -84,27 +84,8 @@ struct CascadeLayout {
     static constexpr CascadeLayout of(const std::array<Cascade, kCascades>& cascades) {
         static_assert(kCascades <= kHalf);
         CascadeLayout layout;
-        std::array<bool, kHalf> isTaken{};
-        for (std::size_t c = 0; c < kHalf; ++c) {
-            layout.place(c, {Taken::signal, 0}, 0);
-            layout.place(c + kHalf, {Taken::lastOutput, c}, 1);
-        }
-        for (std::size_t c = 0; c < kCascades; ++c) {
-            layout.place(c, {Taken::signal, cascades[c].signal}, 0);
-            isTaken[c] = cascades[c].sections > 1;
-            layout.lanes[c] = {c, c + kHalf, 0, 0};
-        }
-        for (std::size_t c = 0; c < kCascades; ++c)
-            for (std::size_t s = 2; s < cascades[c].sections; ++s) {
-                // An index outside the array, and so no constant, when there is no lane left.
-                const auto free = static_cast<std::size_t>(
-                    std::find(isTaken.begin(), isTaken.end(), false) - isTaken.begin());
-                isTaken.at(free) = true;
-                const std::size_t before = layout.lanes[c][s - 1];
-                layout.lanes[c][s] = free + kHalf;
-                layout.place(free + kHalf, {Taken::outputBeforeLast, before},
-                             layout.delays[before] + 2);
-            }
+        layout.placeFirstAndSecond(cascades);
+        layout.placeLater(cascades);
         for (std::size_t c = 0; c < kCascades; ++c) {
             layout.lastLanes[c] = layout.lanes[c][cascades[c].sections - 1];
             layout.depth =
@@ -119,6 +100,33 @@ private:
     constexpr void place(std::size_t lane, Source source, std::int64_t delay) {
         sources[lane] = source;
         delays[lane] = delay;
+    }
+
+    /** Lanes that no cascade needs take as if one did. */
+    template <std::size_t kCascades>
+    constexpr void placeFirstAndSecond(const std::array<Cascade, kCascades>& cascades) {
+        for (std::size_t c = 0; c < kHalf; ++c) {
+            place(c, {Taken::signal, c < kCascades ? cascades[c].signal : 0}, 0);
+            place(c + kHalf, {Taken::lastOutput, c}, 1);
+        }
+        for (std::size_t c = 0; c < kCascades; ++c) lanes[c] = {c, c + kHalf, 0, 0};
+    }
+
+    /** Third and fourth sections, in the lowest upper lanes without a second one. */
+    template <std::size_t kCascades>
+    constexpr void placeLater(const std::array<Cascade, kCascades>& cascades) {
+        std::array<bool, kHalf> isTaken{};
+        for (std::size_t c = 0; c < kCascades; ++c) isTaken[c] = cascades[c].sections > 1;
+        for (std::size_t c = 0; c < kCascades; ++c)
+            for (std::size_t s = 2; s < cascades[c].sections; ++s) {
+                // An index outside the array, and so no constant, when there is no lane left.
+                const auto free = static_cast<std::size_t>(
+                    std::find(isTaken.begin(), isTaken.end(), false) - isTaken.begin());
+                isTaken.at(free) = true;
+                const std::size_t before = lanes[c][s - 1];
+                lanes[c][s] = free + kHalf;
+                place(free + kHalf, {Taken::outputBeforeLast, before}, delays[before] + 2);
+            }
     }
 
     template <std::size_t kCascades>

@@ -33,8 +33,8 @@ class FilterBank {
 public:
     using Block = BankBlock<Plan>;
 
-    /** Gives a section its coefficients, and a silent past. Of the others b2 must be b0 or −b0, as
-     *  in every design; where no numbers could be designed, NaN. */
+    /** Gives a section its coefficients and a silent past. b2 must be b0 or −b0, as in every
+     *  design, or both NaN, as where the sample rate allows no design. */
     void design(std::size_t cascade, std::size_t section, const SecondOrderSection& from);
 
     /** Room for the next block of a signal, Plan::kMostSamples. */

@@ -6,7 +6,6 @@
 #include <cstddef>
 #include <cstdlib>
 
-#include "dsp/lanes/sampleLanes.h"
 #include "dsp/lanes/transpose.h"
 #include "dsp/lanes/vectorLanes.h"
 
@@ -175,10 +174,6 @@ int largestSum(const std::int16_t* stereo, int n) {
     int largest = 0;
     runInLanes<LargestSum>(stereo, n, &largest);
     return largest;
-}
-
-void monoOfBlock(const std::int16_t* stereo, double* out, int n) {
-    runInLanes<MonoOfBlock>(stereo, out, n);
 }
 
 void meansOfBlock(const std::int16_t* stereo, double* means, double* wholes, int n) {

@@ -6,15 +6,10 @@
 
 namespace beatatlas {
 
-/** out[i] = half the sum of the two channels of frame i, exact. n ≤ 0 does nothing.
- *
- *  @param stereo  n frames, left and right interleaved */
-void monoOfBlock(const std::int16_t* stereo, double* out, int n);
-
 /** The mean of both channels of each frame, exact, and its whole part. n ≤ 0 does nothing.
  *
  *  @param stereo  n frames, left and right interleaved
- *  @param means   receives n values, as monoOfBlock() gives them
+ *  @param means   receives n values: half the sum of both channels
  *  @param wholes  receives the same cut toward zero */
 void meansOfBlock(const std::int16_t* stereo, double* means, double* wholes, int n);
 

@@ -39,7 +39,7 @@ Halves partition(const T* v, Range all, Before before, Exchange exchange) {
     int i = all.lo;
     int j = all.hi;
     // Each scan is stopped by the pivot or by what the last exchange left behind, so neither leaves
-    // the stretch.
+    // the range.
     for (;;) {
         while (before(v[i], pivot)) ++i;
         while (before(pivot, v[j])) --j;

@@ -52,8 +52,9 @@ public:
     /** Feeds the pre-check pass; samples from −32768 to 32767. */
     void setSamplePre(const float* left, const float* right, int count);
 
-    /** Feeds the analysis pass; samples from −32768 to 32767. The call that completes the track runs
-     *  analyze; what it brings beyond the declared length is heard up to the end of the block. */
+    /** Feeds the analysis pass; samples from −32768 to 32767. The call that completes the track
+     *  runs analyze; what it brings beyond the declared length is heard up to the end of the
+     *  block. */
     void setSample(const float* left, const float* right, int count);
 
     /** Closes the analysis, once. */

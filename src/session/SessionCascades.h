@@ -17,8 +17,8 @@ struct SessionCascades {
      *  whole part. */
     enum Signal : std::size_t { kMono, kMean, kWholeMean, kSignals };
 
-    /** The cascades in their order: the bass of the zoom wave and of the simple envelope, the pulses
-     *  of the unit envelope, and the bands of the beat sensor and the loudness view. */
+    /** The cascades in their order: the bass of the zoom wave and of the simple envelope, the
+     *  pulses of the unit envelope, and the bands of the beat sensor and the loudness view. */
     enum Name : std::size_t { kBass, kBassLine, kPulses, kMid, kLow, kDrum, kHigh, kViewLow };
 
     using Output = Cascade::Output;

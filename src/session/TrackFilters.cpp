@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "session/TrackFilters.h"
 
+#include <cassert>
 #include <cstddef>
 
 #include "dsp/IirPassFilter.h"
@@ -46,7 +47,7 @@ void TrackFilters::designBands(float rate) {
     constexpr std::array kBands = {SessionCascades::kLow, SessionCascades::kDrum,
                                    SessionCascades::kMid, SessionCascades::kHigh};
     std::array<IirPassFilter, kBands.size()> filters;
-    peakss::designFilters(filters, rate);
+    peakss::designBands(filters, rate);
     for (std::size_t band = 0; band < kBands.size(); ++band) {
         designCascade(*bank_, kBands[band], filters[band]);
         bands_[band] = bank_->magnitudes(kBands[band]);
@@ -58,6 +59,7 @@ void TrackFilters::designBands(float rate) {
 
 void TrackFilters::operate(const float* mono, const std::int16_t* stereo, int n,
                            KeyRankMaker* key) {
+    assert(n <= SessionCascades::kMostSamples);
     if (wantsBands_) widenBlock(mono, bank_->signal(SessionCascades::kMono), n);
     if (wantsMeans_)
         meansOfBlock(stereo, bank_->signal(SessionCascades::kMean),

@@ -16,8 +16,9 @@
 namespace beatatlas {
 
 /** What the analysers of a session hear through filters at the full rate, made block by block in
- *  one pass: sections of different filters do not wait for each other. A bass filter alone has no
- *  company to wait in, and is run plainly.
+ *  one pass: sections of different filters do not wait for each other. The bass filter of the zoom
+ *  wave, when nothing else is wanted, is run plainly: a bank costs the same for one section as for
+ *  all.
  *
  *  Life: create() → operate() per block, then the signals of that block. Memory: a bank of 90 KB,
  *  allocated in create(). */

@@ -5,8 +5,8 @@ namespace beatatlas {
 
 /** What the beat sensor knows of a loudness view: a place to send its bands to.
  *
- *  The view's mid and high bands are bands of the beat sensor. Its low band is one of its own, the band-pass of these
- *  figures. */
+ *  The view's mid and high bands are bands of the beat sensor. Its low band is one of its own, the
+ *  band-pass of these figures. */
 class LVMakeBase {
 public:
     static constexpr float kLowBandHz = 150.0F;

@@ -23,8 +23,8 @@ public:
 
     void release();
 
-    /** Takes one chunk of the rectified band, full scale ±1.0, m samples and at most a block, and follows its level
-     *  peaks. */
+    /** Takes one chunk of the rectified band, full scale ±1.0, m samples and at most a block, and
+     *  follows its level peaks. */
     void put(const float* band, int m);
 
     /** Enters the peaks of the chunk into the strip.

@@ -23,8 +23,9 @@ struct ZoomPoint {
  *  the levels stay raw peaks until the declared length has been fed and are then scaled together,
  *  relative to the loudest frame; otherwise each is scaled at once, relative to full scale.
  *
- *  Life: create() → putSample() per block, of any length → count() and points() at any time; create() again starts
- *  over. What is fed after the frame that reaches the declared length is ignored.
+ *  Life: create() → putSample() per block, of any length → count() and points() at any time;
+ *  create() again starts over. What is fed after the frame that reaches the declared length is
+ *  ignored.
  *  Memory: the points of the whole track, allocated in create(), nothing in putSample(). */
 class ZoomViewMaker {
 public:

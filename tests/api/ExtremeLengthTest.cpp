@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Lengths no track has: declared and never fed, declared too long or too short, and the longest of all. How long tracks
-// of hours take is measured by ./x extremes.
+// Lengths no track has: declared and never fed, declared too long or too short, and the longest of
+// all. How long tracks of hours take is measured by ./x extremes.
 #include <array>
 #include <limits>
 
@@ -29,7 +29,8 @@ protected:
     int rate() const { return std::get<1>(GetParam()); }
 };
 
-// 150 zoom points a second exist as soon as they are fed; the other two waves wait for a 400th and a 100th of half a day.
+// 150 zoom points a second exist as soon as they are fed; the other two waves wait for a 400th and
+// a 100th of half a day.
 TEST_P(ExtremeLengthTest, TheLongestLengthIsTakenAndFedAsFarAsItGoes) {
     const StereoTrack track = kicks(rate(), 3.0);
     HostSession session(request(false), kLongest);

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// What a session does to the arithmetic of the thread that drives it, and that the guard shown in beatatlas.h cures it.
+// What a session does to the arithmetic of the thread that drives it, and that the guard shown in
+// beatatlas.h cures it.
 #include <array>
 #include <cfenv>
 #include <cstdio>
@@ -24,8 +25,8 @@ static void leaveLibrary(int mode) {
 
 constexpr int kFrames = 4410;
 
-/** What a host computes for itself: a rounded quotient, a printed number. Volatile, so that it is computed here and
- *  now and not by the compiler. */
+/** What a host computes for itself: a rounded quotient, a printed number. Volatile, so that it is
+ *  computed here and now and not by the compiler. */
 struct HostsOwn {
     double quotient = 0.0;
     std::string printed;

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
-// Every request for memory is refused in turn, in both interfaces: at creation, while feeding, in the closing analysis
-// and in the utilities. The plain functions return normally, the mangled ones throw std::bad_alloc, nothing is leaked,
-// and what is left of a session can be fed, asked and released.
+// Every request for memory is refused in turn, in both interfaces: at creation, while feeding, in
+// the closing analysis and in the utilities. The plain functions return normally, the mangled ones
+// throw std::bad_alloc, nothing is leaked, and what is left of a session can be fed, asked and
+// released.
 #include <cfenv>
 #include <functional>
 #include <ostream>
@@ -205,7 +206,8 @@ TEST_P(MemoryShortageTest, TheClosingAnalysisReturnsOrThrowsAndTheSessionCountsA
     }
 }
 
-// The spectrum's tables are asked for by the first frame and, refused, by every later one: such frames are silent.
+// The spectrum's tables are asked for by the first frame and, refused, by every later one: such
+// frames are silent.
 TEST_P(MemoryShortageTest, AKeySpectrumWithoutTablesSaysSoAndIsNoReasonToStop) {
     for (const int kind : kinds()) {
         Subject session(exports(), kind);

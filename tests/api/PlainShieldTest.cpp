@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The plain interface from C++: a whole analysis, and create calls the host's memory cannot satisfy.
+// The plain interface from C++: a whole analysis, and create calls the host's memory cannot
+// satisfy.
 #include <cfenv>
 #include <new>
 #include <vector>
@@ -25,7 +26,8 @@ TEST(PlainInterfaceTest, RunsAWholeAnalysis) {
     std::fesetround(mode);
 }
 
-// Through the shared library, as a host's own allocator sees it. MemoryShortageTest refuses everything else as well.
+// Through the shared library, as a host's own allocator sees it. MemoryShortageTest refuses
+// everything else as well.
 TEST(PlainInterfaceTest, ACreateCallThatRunsOutOfMemoryGivesAnInertSession) {
     using beatatlas::test::AllocationsFailAfter;
     const int mode = std::fegetround();

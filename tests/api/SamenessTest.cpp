@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// One track, one answer: whichever threads drive a session, whatever else runs beside it or ran before.
+// One track, one answer: whichever threads drive a session, whatever else runs beside it or ran
+// before.
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>

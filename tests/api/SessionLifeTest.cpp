@@ -73,7 +73,8 @@ TEST(SessionLifeTest, IsAnalysedByTheCallThatCompletesTheTrack) {
     EXPECT_TRUE(BA_Analyzed(session.handle()));
 }
 
-// 1000 frames at 48,000 are a block of 640 and one of 360: four zoom points of 320, the last one short.
+// 1000 frames at 48,000 are a block of 640 and one of 360: four zoom points of 320, the last one
+// short.
 TEST(SessionLifeTest, DispatchesAShortLastBlockAndThenAnalyses) {
     StereoTrack track = tone(1000);
     HostSession session({.rate = 48000}, 1000);
@@ -109,9 +110,9 @@ TEST(SessionLifeTest, CallsAfterTheCompletingOneAreIgnored) {
     EXPECT_TRUE(sameBits(session.results(), results));
 }
 
-// The low 16 bits of 32768 are those of -32768: both halves of a square wave at full scale become the
-// same value, and nothing is left that moves. At 32767 the wave of 480 Hz is treble to the zoom wave,
-// a constant is bass.
+// The low 16 bits of 32768 are those of -32768: both halves of a square wave at full scale become
+// the same value, and nothing is left that moves. At 32767 the wave of 480 Hz is treble to the zoom
+// wave, a constant is bass.
 TEST(SessionLifeTest, PositiveFullScaleWrapsAndLouderToo) {
     const auto zoomOf = [](float high, float low) {
         StereoTrack track;
@@ -266,7 +267,8 @@ TEST(SessionLifeTest, ANaNCountsAsZeroForTheZoomWaveAndTheKey) {
     EXPECT_TRUE(sameBits(results, expected));
 }
 
-// A bass peak beyond 32 bits counts as the most negative integer, and the point's level is weighed with it.
+// A bass peak beyond 32 bits counts as the most negative integer, and the point's level is weighed
+// with it.
 TEST(SessionLifeTest, SamplesBeyondThirtyTwoBitsMayTurnALoudnessPointNegative) {
     constexpr int kFrames = 441000;
     StereoTrack track = tone(kFrames);

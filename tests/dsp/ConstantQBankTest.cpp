@@ -40,8 +40,8 @@ float plainMagnitude(const float* x, int len, float hz, float rate, int frameLen
            (static_cast<float>(frameLength) / static_cast<float>(len));
 }
 
-// 2 · 4000 Hz over the distance to the next semitone: 27.5 · (2^(1/12) − 1) = 1.635225 Hz for the lowest bin,
-// 8000 / 1.635225 = 4892.3; an octave higher half of that, 2446.1.
+// 2 · 4000 Hz over the distance to the next semitone: 27.5 · (2^(1/12) − 1) = 1.635225 Hz for the
+// lowest bin, 8000 / 1.635225 = 4892.3; an octave higher half of that, 2446.1.
 TEST_F(ConstantQBankTest, WindowsSpanTheBeatingOfNeighbouringSemitones) {
     const ConstantQBank bank(72, 27.5F, 4000.0F);
     ASSERT_TRUE(bank.isUsable());
@@ -116,8 +116,8 @@ TEST_F(ConstantQBankForms, GiveThePlainSumWithSamplesThatAreNoMusic) {
     expectPlainBits(denormal);
 }
 
-// A sine of amplitude 1 on the bin gives half of the window's sum, which is (N + 1) / 2; the weight brings every
-// bin to the frame's length: N₀ / 4.
+// A sine of amplitude 1 on the bin gives half of the window's sum, which is (N + 1) / 2; the weight
+// brings every bin to the frame's length: N₀ / 4.
 TEST_F(ConstantQBankTest, APureToneGivesTheSameMagnitudeInEveryBin) {
     const ConstantQBank bank(72, 27.5F, 4000.0F);
     for (int k : {12, 30, 48, 60}) {
@@ -145,7 +145,8 @@ TEST_F(ConstantQBankTest, CountsWholeFramesAndNoneWhereThereIsNoHop) {
               std::numeric_limits<int>::max());
 }
 
-// 2 · 15 Hz over the distances between semitones from 434 Hz: 30 / 25.8 is one sample, 30 / 97.5 none.
+// 2 · 15 Hz over the distances between semitones from 434 Hz: 30 / 25.8 is one sample, 30 / 97.5
+// none.
 TEST_F(ConstantQBankTest, ABinThatSeesNoSampleIsNoNumber) {
     const ConstantQBank bank(24, 434.0F, 15.0F);
     ASSERT_TRUE(bank.isUsable());

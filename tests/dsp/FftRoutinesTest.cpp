@@ -80,7 +80,8 @@ TEST_F(FftLessNormalizeTest, AnImpulseHasTheSameValueInEveryBin) {
     }
 }
 
-// 24 bits of mantissa, cut at each of log2(n) stages, on values that grow like the square root of n.
+// 24 bits of mantissa, cut at each of log2(n) stages, on values that grow like the square root of
+// n.
 TEST_F(FftLessNormalizeTest, ForwardAndInverseAreTheDefiningSums) {
     for (int n : {4, 8, 16, 64, 256, 1024}) {
         for (double sign : {-1.0, 1.0}) {
@@ -96,7 +97,8 @@ TEST_F(FftLessNormalizeTest, ForwardAndInverseAreTheDefiningSums) {
     }
 }
 
-// Cut toward zero, the tabled sines are up to 2e-5 short, at each of 12 stages: 2.4e-4 of the value.
+// Cut toward zero, the tabled sines are up to 2e-5 short, at each of 12 stages: 2.4e-4 of the
+// value.
 TEST_F(FftLessNormalizeTest, ForwardThenInverseIsTheInputTimesTheLength) {
     const int n = 4096;
     const Points original = noise(n);
@@ -141,7 +143,8 @@ TEST_F(FftLessNormalizeTest, IsTheSameOnEveryCall) {
     EXPECT_EQ(first.im, second.im);
 }
 
-// The double form of the same core is what the session's key finder uses; its oracle is the same sum.
+// The double form of the same core is what the session's key finder uses; its oracle is the same
+// sum.
 TEST_F(FftLessNormalizeTest, TheDoubleFormIsTheDefiningSumToTwelveDigits) {
     const int n = 512;
     const Points x = noise(n);
@@ -242,7 +245,8 @@ TEST(CalcMagTest, IsTheLengthOfEachPoint) {
     calc_mag(-1, nullptr, nullptr, nullptr);
 }
 
-// (1e20)² leaves the floats: in single precision the length is infinite, in double it would be 1e20.
+// (1e20)² leaves the floats: in single precision the length is infinite, in double it would be
+// 1e20.
 TEST(CalcMagTest, SquaresInSinglePrecision) {
     std::vector<float> re{1e20F};
     std::vector<float> im{0.0F};

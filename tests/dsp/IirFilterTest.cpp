@@ -79,7 +79,8 @@ TEST_F(IirFilterTest, ThroughDesignChangesNothing) {
     EXPECT_EQ(designed.section().b0, b0);
 }
 
-// At a quarter of the rate w0 is a right angle: s = 1, c = 0. With q = 0.5, alpha = 1 / (0.5 + 0.5) = 1, n = 2.
+// At a quarter of the rate w0 is a right angle: s = 1, c = 0. With q = 0.5, alpha = 1 / (0.5 + 0.5)
+// = 1, n = 2.
 TEST_F(IirFilterTest, HighPassFollowsTheCookbook) {
     IirFilter filter;
     filter.createHiPathFilter(12000.0F, 48000.0F, 0.5F);
@@ -103,7 +104,8 @@ TEST_F(IirFilterTest, LowPassFollowsTheCookbook) {
     EXPECT_EQ(filter.section().a0, 1.0);
 }
 
-// At a sixth of the rate c = 1/2, s = sqrt(3)/2; q = sqrt(3)/4 would give alpha = 1. With q = 1: alpha = sqrt(3)/4.
+// At a sixth of the rate c = 1/2, s = sqrt(3)/2; q = sqrt(3)/4 would give alpha = 1. With q = 1:
+// alpha = sqrt(3)/4.
 TEST_F(IirFilterTest, BandPassOfQFollowsTheCookbook) {
     IirFilter filter;
     filter.createBandPathFilterQ(8000.0F, 48000.0F, 1.0F);
@@ -128,7 +130,8 @@ TEST_F(IirFilterTest, BandPassOfABandwidthFollowsTheCookbook) {
     EXPECT_NEAR(filter.section().a2, (1.0 - alpha) / (1.0 + alpha), 1e-13);
 }
 
-// A narrow band's -3 dB points lie bandwidth octaves apart; the bilinear transform is compensated to first order.
+// A narrow band's -3 dB points lie bandwidth octaves apart; the bilinear transform is compensated
+// to first order.
 TEST_F(IirFilterTest, BandwidthIsThatBetweenTheHalfPowerPoints) {
     IirFilter filter;
     filter.createBandPathFilterW(200.0F, 48000.0F, 1.0F);
@@ -147,8 +150,9 @@ TEST_F(IirFilterTest, BandwidthIsThatBetweenTheHalfPowerPoints) {
     EXPECT_NEAR(gain(200.0 / std::sqrt(2.0)), std::sqrt(0.5), 1e-3);
 }
 
-// cos of a full right angle is 6.1e-17 (π/2 as the nearest double); the factor in use is 6.48e-15 short of 2π, so
-// at a quarter of the rate c is a quarter of that, 1.62e-15, and with n = 2 so is -a1.
+// cos of a full right angle is 6.1e-17 (π/2 as the nearest double); the factor in use is 6.48e-15
+// short of 2π, so at a quarter of the rate c is a quarter of that, 1.62e-15, and with n = 2 so is
+// -a1.
 TEST_F(IirFilterTest, DesignsWithATwoPiThatIsALittleShort) {
     IirFilter filter;
     filter.createLowPathFilter(12000.0F, 48000.0F, 0.5F);
@@ -156,7 +160,8 @@ TEST_F(IirFilterTest, DesignsWithATwoPiThatIsALittleShort) {
     EXPECT_LT(-filter.section().a1, 2.2e-15);
 }
 
-// 0.70710677f is 0.707106769084930...; its double neighbour 0.70710677 would give another alpha, relative 1.3e-9.
+// 0.70710677f is 0.707106769084930...; its double neighbour 0.70710677 would give another alpha,
+// relative 1.3e-9.
 TEST_F(IirFilterTest, WidensTheFloatArgumentsBeforeAnyStep) {
     IirFilter filter;
     filter.createLowPathFilter(12000.0F, 48000.0F, 0.70710677F);
@@ -195,8 +200,8 @@ TEST_F(IirFilterTest, AgreesWithTheDifferenceEquationToTheBit) {
     EXPECT_THAT(filtered(filter, in), ElementsAreArray(expected));
 }
 
-// Each product and each sum is rounded by itself, toward zero, from left to right; the volatile steps keep the
-// compiler from fusing or reordering the oracle.
+// Each product and each sum is rounded by itself, toward zero, from left to right; the volatile
+// steps keep the compiler from fusing or reordering the oracle.
 TEST_F(IirFilterTest, SumsFromLeftToRight) {
     IirFilter filter;
     filter.createLowPathFilter(1234.5F, 48000.0F, 0.3F);
@@ -230,8 +235,8 @@ TEST_F(IirFilterTest, CarriesItsHistoryAcrossBlocksOfAnyLength) {
     }
 }
 
-// The high-pass is given x = 1 twice as an identity, then designed: its first output under silence is
-// b1·1 + b2·1 - a1·1 - a2·1.
+// The high-pass is given x = 1 twice as an identity, then designed: its first output under silence
+// is b1·1 + b2·1 - a1·1 - a2·1.
 TEST_F(IirFilterTest, DesignLeavesTheHistoryAlone) {
     IirFilter filter;
     const double ones[2] = {1.0, 1.0};
@@ -256,7 +261,8 @@ TEST_F(IirFilterTest, IgnoresEmptyAndNegativeBlocks) {
     EXPECT_THAT(filtered(filter, in), ElementsAreArray(filtered(twin, in)));
 }
 
-// A q of 0 makes alpha infinite: the feed-forward part vanishes and a2 is not a number. Nothing faults.
+// A q of 0 makes alpha infinite: the feed-forward part vanishes and a2 is not a number. Nothing
+// faults.
 TEST_F(IirFilterTest, DoesNotValidateItsDesign) {
     IirFilter filter;
     filter.createLowPathFilter(150.0F, 48000.0F, 0.0F);

@@ -39,7 +39,8 @@ std::vector<float> filtered(IirPassFilter& filter, const std::vector<float>& in)
     return out;
 }
 
-/** One section after the other over the whole signal, in double, narrowed once at the end: the oracle. */
+/** One section after the other over the whole signal, in double, narrowed once at the end: the
+ *  oracle. */
 std::vector<float> cascade(const std::vector<std::function<void(IirFilter&)>>& designs,
                            const std::vector<float>& in) {
     std::vector<double> signal(in.begin(), in.end());
@@ -203,8 +204,8 @@ TEST_F(IirPassFilterTest, BandPassesPassTheirCentreAtGainOneAndRejectDc) {
     EXPECT_NEAR(filtered(dcW, std::vector<float>(9600, 1.0F)).back(), 0.0F, 1e-12F);
 }
 
-// Both reach gain 1 in the middle of the band; at a corner each Butterworth section costs 3.01 dB, so the steep
-// form has lost twice as much there.
+// Both reach gain 1 in the middle of the band; at a corner each Butterworth section costs 3.01 dB,
+// so the steep form has lost twice as much there.
 TEST_F(IirPassFilterTest, BothMidBandsPassTheSameBand) {
     EXPECT_NEAR(midGain(false, 1200.0), 1.0, 0.01);
     EXPECT_NEAR(midGain(true, 1200.0), 1.0, 0.01);
@@ -214,8 +215,9 @@ TEST_F(IirPassFilterTest, BothMidBandsPassTheSameBand) {
     EXPECT_NEAR(decibels(midGain(false, 6000.0)), -6.02, 0.05);
 }
 
-// Far below the lower corner a second-order side falls 12.04 dB per octave, a fourth-order one 24.08. On the upper
-// side the bilinear transform steepens both alike, so there the two are compared with each other.
+// Far below the lower corner a second-order side falls 12.04 dB per octave, a fourth-order one
+// 24.08. On the upper side the bilinear transform steepens both alike, so there the two are
+// compared with each other.
 TEST_F(IirPassFilterTest, SteepMidBandFallsOffTwiceAsSteeplyOnBothSides) {
     EXPECT_NEAR(decibels(midGain(true, 40.0) / midGain(true, 20.0)), 12.04, 0.1);
     EXPECT_NEAR(decibels(midGain(false, 40.0) / midGain(false, 20.0)), 24.08, 0.1);
@@ -305,7 +307,8 @@ TEST_F(IirPassFilterTest, FiltersInPlaceAsItDoesApart) {
     EXPECT_THAT(both, ElementsAreArray(filtered(apart, in)));
 }
 
-// Under round-toward-zero a value too large for a float becomes the largest float, never an infinity.
+// Under round-toward-zero a value too large for a float becomes the largest float, never an
+// infinity.
 TEST_F(IirPassFilterTest, SurvivesInputThatIsNoSignal) {
     IirPassFilter filter;
     filter.createHiPathFilter(6000.0F, 48000.0F, 30.0F);

@@ -71,7 +71,8 @@ TEST_P(NarrowedCosineTest, GivesTheLibrarysBitsUpToAndBeyondItsRange) {
     expectLibraryBits(chosenEvenly(200000.0, 100000, 2));
 }
 
-// There one of them is next to 0, where floats lie closest, and the other next to 1, where the next float may be beyond.
+// There one of them is next to 0, where floats lie closest, and the other next to 1, where the next
+// float may be beyond.
 TEST_P(NarrowedCosineTest, GivesTheLibrarysBitsAboutQuarterTurns) {
     std::vector<double> angles;
     for (int quarters = 0; quarters < 300; ++quarters)

@@ -24,7 +24,8 @@ TEST_F(NumericsTest, MultiplyAndAddAreNotFused) {
 }
 #endif
 
-// One third is below its nearest float and double alike only when cut: 0x3eaaaaab is nearest, 0x3eaaaaaa cut.
+// One third is below its nearest float and double alike only when cut: 0x3eaaaaab is nearest,
+// 0x3eaaaaaa cut.
 TEST_F(NumericsTest, DivisionIsCutTowardZero) {
     const volatile float one = 1.0F;
     const volatile float three = 3.0F;

@@ -14,7 +14,8 @@ std::atomic<int> sleeps{0};
 
 }  // namespace
 
-// The linker asks for this name: NOLINTNEXTLINE(bugprone-reserved-identifier, cert-dcl37-c, cert-dcl51-cpp)
+// The linker asks for this name.
+// NOLINTNEXTLINE(bugprone-reserved-identifier, cert-dcl37-c, cert-dcl51-cpp)
 extern "C" int __wrap_nanosleep(const timespec* wanted, timespec*) {
     EXPECT_EQ(wanted->tv_sec, 0);
     EXPECT_EQ(wanted->tv_nsec, 0);

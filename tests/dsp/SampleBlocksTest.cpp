@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "dsp/sampleBlocks.h"
 
+#include <cmath>
 #include <cstdint>
 #include <limits>
 #include <random>
@@ -22,8 +23,9 @@ std::vector<std::int16_t> stereoNoise(std::size_t frames) {
     return stereo;
 }
 
-// The sum of two 16-bit samples and its half are exact in double.
-TEST_F(SampleBlocksTest, MonoIsHalfTheSumOfTheChannelsInEveryForm) {
+// The sum of two 16-bit samples and its half are exact in double; the whole part is cut toward
+// zero.
+TEST_F(SampleBlocksTest, MeansAreHalfTheSumOfTheChannelsAndItsWholePartInEveryForm) {
     auto stereo = stereoNoise(100);
     const std::int16_t most = 32767;
     const std::int16_t least = -32768;
@@ -36,12 +38,18 @@ TEST_F(SampleBlocksTest, MonoIsHalfTheSumOfTheChannelsInEveryForm) {
     for (auto form : beatatlas::test::formsOfThisMachine()) {
         const beatatlas::test::FormScope scope(form);
         for (std::size_t n = 0; n <= 100; ++n) {
-            std::vector<double> mono(101, -1.0);
-            beatatlas::monoOfBlock(stereo.data(), mono.data(), static_cast<int>(n));
-            for (std::size_t i = 0; i < n; ++i)
-                ASSERT_EQ(mono[i], (stereo[2 * i] + stereo[(2 * i) + 1]) / 2.0)
-                    << i << " of " << n << ' ' << beatatlas::test::nameOf(form);
-            ASSERT_EQ(mono[n], -1.0) << "beyond the block";
+            std::vector<double> means(101, -1.0);
+            std::vector<double> wholes(101, -1.0);
+            beatatlas::meansOfBlock(stereo.data(), means.data(), wholes.data(),
+                                    static_cast<int>(n));
+            for (std::size_t i = 0; i < n; ++i) {
+                const double mean = (stereo[2 * i] + stereo[(2 * i) + 1]) / 2.0;
+                SCOPED_TRACE(beatatlas::test::nameOf(form));
+                ASSERT_EQ(means[i], mean) << i << " of " << n;
+                ASSERT_EQ(wholes[i], std::trunc(mean)) << i << " of " << n;
+            }
+            ASSERT_EQ(means[n], -1.0) << "beyond the block";
+            ASSERT_EQ(wholes[n], -1.0) << "beyond the block";
         }
     }
 }
@@ -67,7 +75,9 @@ TEST_F(SampleBlocksTest, TheLargestMagnitudeIsFoundAtEveryPlaceInEveryForm) {
 
 TEST_F(SampleBlocksTest, EmptyBlocksDoNothing) {
     for (int n : {0, -1}) {
-        beatatlas::monoOfBlock(nullptr, nullptr, n);
+        beatatlas::meansOfBlock(nullptr, nullptr, nullptr, n);
+        beatatlas::widenBlock(nullptr, nullptr, n);
+        beatatlas::magnitudesOfBlock(nullptr, nullptr, n);
         EXPECT_EQ(beatatlas::largestMagnitude(nullptr, n), 0.0);
     }
 }

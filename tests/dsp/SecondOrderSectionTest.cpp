@@ -74,7 +74,8 @@ TEST_F(SecondOrderSectionTest, TwoInTurnGiveWhatOneAfterTheOtherGives) {
     }
 }
 
-// A section that rests may be left out of the computation; the next burst must find it as if it had not been.
+// A section that rests may be left out of the computation; the next burst must find it as if it had
+// not been.
 TEST_F(SecondOrderSectionTest, SectionsComeToRestInSilenceAndWakeUnchanged) {
     const auto magnitude = [](double x) { return std::fabs(x); };
     const auto isNegligible = [](double x) { return std::fabs(x) < 1e-300; };

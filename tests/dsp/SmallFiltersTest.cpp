@@ -53,8 +53,8 @@ TEST(MakeLpf1Test, PassesAConstantUnchanged) {
     EXPECT_NEAR((b[0] + b[1]) / (1.0F + a[1]), 1.0F, 1e-6);
 }
 
-// ω = π/2, sin 1, cos 0, q = 1/√2: α = 0.7071068, d = 1.7071068, b0 = 0.5 / d = 0.2928932, b1 = 2 b0,
-// a2 = 0.2928932 / d = 0.1715729.
+// ω = π/2, sin 1, cos 0, q = 1/√2: α = 0.7071068, d = 1.7071068, b0 = 0.5 / d = 0.2928932, b1 = 2
+// b0, a2 = 0.2928932 / d = 0.1715729.
 TEST(MakeLpf2Test, AtAQuarterOfTheRateIsTheTabledButterworth) {
     std::array<float, 5> c{};
     make_lpf2(12000.0F, 0.70710677F, 48000.0F, c.data());
@@ -89,8 +89,8 @@ TEST(MakeLpf2Test, PassesAConstantThatTheHighPassStops) {
 
 class SmallFilterWidthsTest : public beatatlas::test::RoundTowardZero {};
 
-// Everything in single precision but the cosine of a1. The sweep must meet frequencies where the two widths give
-// different floats, else it would prove nothing.
+// Everything in single precision but the cosine of a1. The sweep must meet frequencies where the
+// two widths give different floats, else it would prove nothing.
 TEST_F(SmallFilterWidthsTest, OnlyTheFeedbackCosineIsTakenInDouble) {
     int tellingFrequencies = 0;
     for (int step = 1; step < 400; ++step) {

@@ -25,7 +25,8 @@ int last(const std::vector<float>& v) {
     return static_cast<int>(v.size()) - 1;
 }
 
-/** The textbook form: left part by recursion, right part by iteration. The oracle for where ties end up. */
+/** The textbook form: left part by recursion, right part by iteration. The oracle for where ties
+ *  end up. */
 void textbookSort(std::vector<float>& v, std::vector<int>& idx, int lo, int hi) {
     const auto at = [](int i) { return static_cast<std::size_t>(i); };
     for (;;) {
@@ -137,7 +138,8 @@ TEST(QSortTest, EndsOnNaNAndKeepsEveryEntry) {
     }
 }
 
-// Every value equals every other for >, so each NaN is a run of one and keeps the place the partition gave it.
+// Every value equals every other for >, so each NaN is a run of one and keeps the place the
+// partition gave it.
 TEST(QSort3Test, NaNsAreNoTies) {
     const float nan = std::numeric_limits<float>::quiet_NaN();
     std::vector<float> v{nan, nan, nan};

@@ -65,7 +65,8 @@ TEST(AveVTest, IsTheMean) {
     EXPECT_EQ(ave_v(v.data(), 3), 3.0F);
 }
 
-// 2^24 + 1 has no float: the ones are lost one by one in single precision, where a double sum would keep them.
+// 2^24 + 1 has no float: the ones are lost one by one in single precision, where a double sum would
+// keep them.
 TEST(AveVTest, SumsInSinglePrecisionFromTheFirstValue) {
     std::vector<float> v{16777216.0F, 1.0F, 1.0F, 1.0F};
     EXPECT_EQ(ave_v(v.data(), 4), 4194304.0F);

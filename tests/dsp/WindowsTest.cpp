@@ -49,8 +49,8 @@ TEST(HanningTest, WritesNothingForLengthsBelowOne) {
 
 using HanningTowardZeroTest = beatatlas::test::RoundTowardZero;
 
-// cos(π/2) of the double nearest π/2 is +6e-17, so 0.5 - 3e-17 is cut to the double below one half and that to the
-// float below: 0.5 - 2^-25.
+// cos(π/2) of the double nearest π/2 is +6e-17, so 0.5 - 3e-17 is cut to the double below one half
+// and that to the float below: 0.5 - 2^-25.
 TEST_F(HanningTowardZeroTest, IsCutDownNotRoundedToNearest) {
     EXPECT_EQ(hannOf(3)[0], 0x1.fffffep-2F);
     EXPECT_EQ(hannOf(1)[0], 1.0F);

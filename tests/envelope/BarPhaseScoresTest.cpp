@@ -151,8 +151,8 @@ TEST_F(BarPhaseScoresTest, OfEqualScoresTheFirstPlaceWins) {
     EXPECT_EQ(votes.firstOfBar(), 1);
 }
 
-// 145 lies nearest to the beat at 100 less the lead (135), yet as it stands as near to 100 as 155 is
-// to 200: the fallback takes the pulse where it is.
+// 145 lies nearest to the beat at 100 less the lead (135), yet as it stands as near to 100 as 155
+// is to 200: the fallback takes the pulse where it is.
 TEST_F(BarPhaseScoresTest, WithoutVotesTheFirstPulseDecidesWithoutItsLead) {
     peaks_ = {155};
     EXPECT_EQ(scores().firstOfBar(), 1);

@@ -103,8 +103,8 @@ TEST_F(EnvelopeGridTest, BeatDiffIsTheLengthAtTheBeatBefore) {
 }
 
 // In {10, 40, 20, 30, 50} a linear scan for 25 would end at 20 (place 2). The halving looks at
-// place 2 (20 fits), place 4 (50 does not), place 3 (30 does not) and ends there too; for 35 it looks
-// at 2, 4, 3 and ends at 3; in {10, 40, 50, 20, 30} it looks at 50 first and never sees 20.
+// place 2 (20 fits), place 4 (50 does not), place 3 (30 does not) and ends there too; for 35 it
+// looks at 2, 4, 3 and ends at 3; in {10, 40, 50, 20, 30} it looks at 50 first and never sees 20.
 TEST_F(EnvelopeGridTest, TheHalvingRuleDecidesOnAListThatIsNotAscending) {
     EXPECT_EQ(getBeatIndex(25, {10, 40, 20, 30, 50}), 2);
     EXPECT_EQ(getBeatIndex(35, {10, 40, 20, 30, 50}), 3);

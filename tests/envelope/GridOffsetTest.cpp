@@ -40,8 +40,8 @@ TEST_F(GridOffsetTest, BeatsPushedBelowZeroAreRemoved) {
     EXPECT_EQ(shifted({19, 20, 300}, -20, 1000), (Positions{0, 280}));
 }
 
-// The shift is added a second time for the test at the end: 470 + 20 + 20 = 510 is beyond 509, though
-// 490 is not.
+// The shift is added a second time for the test at the end: 470 + 20 + 20 = 510 is beyond 509,
+// though 490 is not.
 TEST_F(GridOffsetTest, BeatsWithinOneMoreShiftOfTheEndAreRemoved) {
     EXPECT_EQ(shifted({100, 470}, 20, 509), Positions{120});
     EXPECT_EQ(shifted({100, 470}, 20, 510), (Positions{120, 490}));

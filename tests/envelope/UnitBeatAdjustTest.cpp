@@ -163,8 +163,8 @@ peakss::BeatList untriedBeats(const std::vector<std::int64_t>& others) {
     return beatsAt(frames, 500.0F);
 }
 
-// The window's place 0 is 600 samples before the beat: place p is (p − 600) × 4 frames after it, and
-// trunc(12000 × −0.001) = −12 samples = −48 frames come on top.
+// The window's place 0 is 600 samples before the beat: place p is (p − 600) × 4 frames after it,
+// and trunc(12000 × −0.001) = −12 samples = −48 frames come on top.
 TEST_F(UnitBeatAdjustTest, ThePeakComesAboutAMillisecondAfterTheBeats) {
     UnitBeatAdjust adjust;
     adjust.create(kRate, kRate * 10);

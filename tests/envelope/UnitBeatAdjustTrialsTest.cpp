@@ -32,8 +32,8 @@ struct Trials {
     peakss::BeatList beats;
 };
 
-// Trial k of the first stage is bpm − 0.016 + 0.002 k: offset 0.016 − 0.002 k makes trial k the true
-// one. The two fine trials come last.
+// Trial k of the first stage is bpm − 0.016 + 0.002 k: offset 0.016 − 0.002 k makes trial k the
+// true one. The two fine trials come last.
 double offsetOfTrial(int k) {
     return 0.016 - 0.002 * k;
 }

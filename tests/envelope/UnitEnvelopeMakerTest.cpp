@@ -166,8 +166,9 @@ TEST_F(UnitEnvelopeMakerTest, AFarFirstBeatShiftsTheNumbersByTheMadeUpOne) {
     EXPECT_EQ(numbersOf(afterSilence({24000, 48000}, 50000)), (Positions{1, 2, 3}));
 }
 
-/** A track of eight-beat phrases that start at beat 6: a loud kick on the beat, loud ones at the given
- *  later places, and soft ones on the last two beats, which keep the average below the loud. */
+/** A track of eight-beat phrases that start at beat 6: a loud kick on the beat, loud ones at the
+ *  given later places, and soft ones on the last two beats, which keep the average below the
+ *  loud. */
 struct Phrases {
     Phrases(int count, const std::vector<double>& laterBeats) {
         const int frames = (8 * count + 12) * 24000;

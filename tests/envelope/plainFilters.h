@@ -9,11 +9,13 @@
 
 namespace beatatlas::test {
 
-/** The envelope filters in their plainest form: a difference equation over a whole signal with zeros
- *  before its start. An oracle that shares no code with the library. */
+/** The envelope filters in their plainest form: a difference equation over a whole signal with
+ *  zeros before its start. An oracle that shares no code with the library. */
 struct PlainFilter {
-    std::vector<double> forward;   ///< b0, b1, …
-    std::vector<double> feedback;  ///< a1, a2, …
+    /** b0, b1, … */
+    std::vector<double> forward;
+    /** a1, a2, … */
+    std::vector<double> feedback;
 
     static PlainFilter secondOrder(double freq, double rate, bool isLowPass) {
         const double w = freq * 6.28318530717958 / rate;

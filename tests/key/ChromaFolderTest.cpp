@@ -32,21 +32,23 @@ protected:
     BandSpectrogram spectrogram;
 };
 
-// A sound at frame 10 is met at frame 10 itself (1), ahead from frames 9 … 5 (10, 8, 6, 4 and 2 twelfths) and back
-// from frames 11 … 14 (10, 8, 6, 4): 1 + 30/12 + 28/12 = 70/12. In twelfths of 12: 70.
+// A sound at frame 10 is met at frame 10 itself (1), ahead from frames 9 … 5 (10, 8, 6, 4 and 2
+// twelfths) and back from frames 11 … 14 (10, 8, 6, 4): 1 + 30/12 + 28/12 = 70/12. In twelfths of
+// 12: 70.
 TEST_F(ChromaFolderTest, LooksFiveRowsAheadAndFourBack) {
     sound(10, 3, 12.0);
     EXPECT_NEAR(foldChroma(spectrogram, kFrames)[3], 70.0, 1e-12);
 }
 
-// Rows behind the first read as the first. At frame 0 all of 10, 8, 6, 4 fall on it, at frame 1 likewise, then
-// 8 + 6 + 4, 6 + 4 and 4: 12 + 28 + 28 + 18 + 10 + 4 = 100.
+// Rows behind the first read as the first. At frame 0 all of 10, 8, 6, 4 fall on it, at frame 1
+// likewise, then 8 + 6 + 4, 6 + 4 and 4: 12 + 28 + 28 + 18 + 10 + 4 = 100.
 TEST_F(ChromaFolderTest, TheFirstRowStandsForThoseBeforeIt) {
     sound(0, 3, 12.0);
     EXPECT_NEAR(foldChroma(spectrogram, kFrames)[3], 100.0, 1e-12);
 }
 
-// Rows after the last read as the last: 12 + 30 + 30 + 20 + 12 + 6 + 2 = 112, one tap more than at the other end.
+// Rows after the last read as the last: 12 + 30 + 30 + 20 + 12 + 6 + 2 = 112, one tap more than at
+// the other end.
 TEST_F(ChromaFolderTest, TheLastRowStandsForThoseAfterItWithOneTapMoreThanTheFirst) {
     sound(kFrames - 1, 3, 12.0);
     EXPECT_NEAR(foldChroma(spectrogram, kFrames)[3], 112.0, 1e-12);
@@ -71,8 +73,8 @@ TEST_F(ChromaFolderTest, FoldsFiveOctavesAndLeavesOutWhatIsAbove) {
     EXPECT_THAT(foldChroma(spectrogram, kFrames), ::testing::Each(0.0));
 }
 
-// The span is the counted one, not the rows there are: rows after it are not met, rows missing are silence. With
-// 25 frames the last row is one of those missing, so nothing is repeated at the end.
+// The span is the counted one, not the rows there are: rows after it are not met, rows missing are
+// silence. With 25 frames the last row is one of those missing, so nothing is repeated at the end.
 TEST_F(ChromaFolderTest, RowsNeverAnalysedCountAsSilence) {
     sound(kFrames - 1, 3, 12.0);
     EXPECT_NEAR(foldChroma(spectrogram, 25)[3], 70.0, 1e-12);

@@ -58,7 +58,8 @@ TEST_F(DecimationBufferTest, TheNextFrameStartsThreeTenthsOfASecondLater) {
     }
 }
 
-// 0.3 s of 192,000 are 57,599 samples, more than a frame needs: those between two frames are passed over.
+// 0.3 s of 192,000 are 57,599 samples, more than a frame needs: those between two frames are passed
+// over.
 TEST_F(DecimationBufferTest, AtHighRatesSamplesBetweenTheFramesArePassedOver) {
     for (const auto& [rate, hop] :
          {std::pair{192000, 57599}, std::pair{96000, 28799}, std::pair{54617, 16385}}) {

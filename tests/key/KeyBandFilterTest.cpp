@@ -90,8 +90,8 @@ TEST_F(KeyBandFilterTest, AnyRateButOneUsesTheCoefficientsOfFortyEightThousand) 
     EXPECT_NE(impulseResponse(44100, 500), at48000);
 }
 
-// Eight Butterworth low-passes lose 3 dB each at their corner, two high-passes likewise; an octave off the low
-// corner a high-pass has 0.3 dB and a mid-band tone is untouched.
+// Eight Butterworth low-passes lose 3 dB each at their corner, two high-passes likewise; an octave
+// off the low corner a high-pass has 0.3 dB and a mid-band tone is untouched.
 TEST_F(KeyBandFilterTest, KeepsTheRangeInWhichKeysAreHeard) {
     for (int rate : {44100, 48000}) {
         EXPECT_NEAR(gainAt(5512.0, rate), -24.1, 0.3) << rate;
@@ -145,8 +145,8 @@ TEST_F(KeyBandFilterTest, BlocksOfAnyLengthGiveTheSamplesOfThePlainFormInEveryFo
     }
 }
 
-// The impulse response from the state that a block leaves tells more than its samples, which are cut. After noise the
-// sections fall silent through the smallest numbers there are.
+// The impulse response from the state that a block leaves tells more than its samples, which are
+// cut. After noise the sections fall silent through the smallest numbers there are.
 TEST_F(KeyBandFilterTest, AfterABlockThePlainFormGoesOnWithTheSameBits) {
     for (std::size_t silence : {0U, 10U, 100U, 1000U, 1300U, 1350U, 1400U, 1500U, 40000U}) {
         Frames in = noise(100, 2);
@@ -165,7 +165,8 @@ TEST_F(KeyBandFilterTest, AfterABlockThePlainFormGoesOnWithTheSameBits) {
     }
 }
 
-// A few seconds after the music the sections rest and are not computed; nothing may be lost when it goes on.
+// A few seconds after the music the sections rest and are not computed; nothing may be lost when it
+// goes on.
 TEST_F(KeyBandFilterTest, WakesFromSilenceWithTheBitsOfThePlainForm) {
     Frames in = noise(100, 4);
     in.resize(in.size() + 300000, 0);
@@ -187,7 +188,8 @@ TEST_F(KeyBandFilterTest, WakesFromSilenceWithTheBitsOfThePlainForm) {
     }
 }
 
-// Full scale with the signs of the impulse response, the last one first: no input of 16 bits drives the filter further.
+// Full scale with the signs of the impulse response, the last one first: no input of 16 bits drives
+// the filter further.
 TEST_F(KeyBandFilterTest, TheLoudestOutputKeepsItsLowSixteenBits) {
     for (int rate : {44100, 48000}) {
         const auto response = impulseResponse(rate, 3000);

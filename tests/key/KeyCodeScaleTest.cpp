@@ -37,7 +37,8 @@ TEST_F(KeyCodeScaleTest, FindsTheKeyOfLongTracks) {
     }
 }
 
-// Tuned a semitone up, 440 × 2^(1/12) = 466.16, everything is one pitch class lower by that reference.
+// Tuned a semitone up, 440 × 2^(1/12) = 466.16, everything is one pitch class lower by that
+// reference.
 TEST_F(KeyCodeScaleTest, CountsKeysFromTheReferencePitch) {
     auto samples = beatatlas::test::monoProgression(3, 8000, 12);
     EXPECT_EQ(keyOf(samples, 8000.0F, 466.1638F), 2);
@@ -95,8 +96,8 @@ TEST_F(KeyCodeScaleTest, WorksFromFourThousandToAHundredAndNinetyTwoThousand) {
     }
 }
 
-// 11025 / 8192 = 1.35 frames a second: a low-pass at 1 Hz has its pole outside the unit circle there, the strengths
-// run out of the floats. The call ends all the same.
+// 11025 / 8192 = 1.35 frames a second: a low-pass at 1 Hz has its pole outside the unit circle
+// there, the strengths run out of the floats. The call ends all the same.
 TEST_F(KeyCodeScaleTest, FewerThanTwoFramesASecondEndInSomeKey) {
     auto samples = beatatlas::test::monoProgression(20, 11025, 25);
     const int key = keyOf(samples, 11025.0F, 440.0F, 1, 3);

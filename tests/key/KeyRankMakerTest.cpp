@@ -133,8 +133,8 @@ TEST_F(KeyRankMakerTest, EndsWithTheFramesThePreCheckCounted) {
     EXPECT_EQ(resultsOf(maker), plain.results());
 }
 
-// Declared 3 s, so ten rows; counted 8 s, so 26 frames, of which the five fed seconds fill 16: rows 10 and up read
-// as silence though their band totals count.
+// Declared 3 s, so ten rows; counted 8 s, so 26 frames, of which the five fed seconds fill 16: rows
+// 10 and up read as silence though their band totals count.
 TEST_F(KeyRankMakerTest, APreCheckLongerThanDeclaredReadsTheMissingRowsAsZeros) {
     const KeyTrack track = drummedTrack(44100);
     begin(track, 3 * 44100, 8 * 44100);

@@ -31,8 +31,9 @@ protected:
     KeyRanking ranking;
 };
 
-// A alone, 23 strong: it is the tonic of A (6 parts), the fifth of D (5), the third of F and F♯ minor (3), the
-// seventh of B♭ and B minor (3), the second of G, fourth of E, sixth of C and of C♯ minor (2), and no note of C♯.
+// A alone, 23 strong: it is the tonic of A (6 parts), the fifth of D (5), the third of F and F♯
+// minor (3), the seventh of B♭ and B minor (3), the second of G, fourth of E, sixth of C and of C♯
+// minor (2), and no note of C♯.
 TEST_F(KeyRankingTest, ScoresAreTheDegreesWeighedInTwentyThirds) {
     Chroma chroma{};
     chroma[0] = 23.0;
@@ -79,7 +80,8 @@ TEST_F(KeyRankingTest, TransposingTheChromaTransposesTheLeader) {
     }
 }
 
-/** A and E lead, and the major key by its sixth and seventh; its third is weaker than the minor one by `deficit`. */
+/** A and E lead, and the major key by its sixth and seventh; its third is weaker than the minor one
+ *  by `deficit`. */
 Chroma majorWithAWeakThird(double deficit) {
     Chroma chroma{};
     chroma[0] = 300.0;

@@ -34,7 +34,8 @@ TEST(KeyTablesTest, KeyNamesArePaddedWithBlanksExceptThreeMinorOnes) {
     }
 }
 
-// The letters by the circle of semitones; the second table differs from the first in the flat sign alone.
+// The letters by the circle of semitones; the second table differs from the first in the flat sign
+// alone.
 TEST(KeyTablesTest, BothKeyTablesNameTheTwelveTonicsInBothModes) {
     const char* tonics[] = {"A", "Bb", "B", "C", "Db", "D", "Eb", "E", "F", "Gb", "G", "Ab"};
     for (int key = 0; key < 24; ++key) {
@@ -131,11 +132,11 @@ long sumOf(const float (&table)[5][2][kRanks]) {
     return std::lround(sum * 1000.0);
 }
 
-// By hand, in thousandths. Tonic, major: 10 rows of 10700 and two rows 250 higher. Minor: 3.67 or 3.781 and 7500
-// a row: 4 × 3670 + 6 × 3781 + 75000 + 2 × 150.
-// Third: plain rows of 8400 in 0 long, 0 short, 1 short, 4 short; 8209 in the four long rows; 8605 in two.
-// Fourth: plain 700 in the same four rows, 705 in the other six.
-// Fifth: plain 8400 in four rows, 8365 in the four long rows, 8265 in two.
+// By hand, in thousandths. Tonic, major: 10 rows of 10700 and two rows 250 higher. Minor: 3.67 or
+// 3.781 and 7500 a row: 4 × 3670 + 6 × 3781 + 75000 + 2 × 150. Third: plain rows of 8400 in 0 long,
+// 0 short, 1 short, 4 short; 8209 in the four long rows; 8605 in two. Fourth: plain 700 in the same
+// four rows, 705 in the other six. Fifth: plain 8400 in four rows, 8365 in the four long rows, 8265
+// in two.
 TEST(KeyTablesTest, SumToWhatTheirRowsSumTo) {
     EXPECT_EQ(sumOf(_table_1st_maj), 10 * 10700 + 2 * 250);
     EXPECT_EQ(sumOf(_table_1st_min), 4 * 3670 + 6 * 3781 + 75000 + 2 * 150);

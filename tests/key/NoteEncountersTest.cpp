@@ -31,8 +31,9 @@ TEST_F(NoteEncountersTest, CountTheStrongestBandsByPitchClassAndShareTheirEnergy
                 ElementsAre(0.0, 0.0, 0.0, 0.75, 0.0, 0.0, 0.0, 0.25, 0.0, 0.0, 0.0, 0.0));
 }
 
-// Rising totals 1 … 91: the last twelve bands win, bands 79 to 90, one of each pitch class; 79 mod 12 = 7 is the
-// weakest with 80, 78 mod 12 = 6 is not among them but 90 mod 12 = 6 is, with 91. Sum of 80 … 91 = 1026.
+// Rising totals 1 … 91: the last twelve bands win, bands 79 to 90, one of each pitch class; 79 mod
+// 12 = 7 is the weakest with 80, 78 mod 12 = 6 is not among them but 90 mod 12 = 6 is, with 91. Sum
+// of 80 … 91 = 1026.
 TEST_F(NoteEncountersTest, ListsTwelveBandsAtMost) {
     std::vector<double> totals(91);
     std::iota(totals.begin(), totals.end(), 1.0);
@@ -42,8 +43,9 @@ TEST_F(NoteEncountersTest, ListsTwelveBandsAtMost) {
     EXPECT_EQ(notes.values[6], 91.0 / 1026.0);
 }
 
-// Falling totals 20, 19, 18 …: band 1 meets band 0 only, does not exceed it, and is dropped though it is the second
-// strongest; every later band finds an empty place among those it meets. Bands 0 and 2 … 12 are listed.
+// Falling totals 20, 19, 18 …: band 1 meets band 0 only, does not exceed it, and is dropped though
+// it is the second strongest; every later band finds an empty place among those it meets. Bands 0
+// and 2 … 12 are listed.
 TEST_F(NoteEncountersTest, NeverAppendABandBehindThePlacesItMeets) {
     std::vector<double> totals;
     for (int b = 0; b < 14; ++b) totals.push_back(20.0 - b);
@@ -52,8 +54,8 @@ TEST_F(NoteEncountersTest, NeverAppendABandBehindThePlacesItMeets) {
     EXPECT_EQ(notes.values[1], 0.0);
 }
 
-// An equal total is not above: the earlier band keeps its place. With 13 equal bands, band 1 is dropped at once,
-// bands 2 … 12 take the empty places.
+// An equal total is not above: the earlier band keeps its place. With 13 equal bands, band 1 is
+// dropped at once, bands 2 … 12 take the empty places.
 TEST_F(NoteEncountersTest, EqualTotalsKeepTheEarlierBand) {
     const NoteEncounters notes = encounterNotes(std::vector<double>(40, 2.0));
     EXPECT_THAT(notes.counts, ElementsAre(2, 0, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1));

@@ -130,8 +130,9 @@ TEST_F(PitchClassStrengthsTest, EqualThePlainFormBitForBit) {
     }
 }
 
-// The top bin lies at 1661.2 Hz, the next semitone at 1760 Hz: twice 49.3 Hz over 98.8 Hz is less than one sample. Its
-// magnitude, and with it the strength of its pitch class, is NaN; the others count.
+// The top bin lies at 1661.2 Hz, the next semitone at 1760 Hz: twice 49.3 Hz over 98.8 Hz is less
+// than one sample. Its magnitude, and with it the strength of its pitch class, is NaN; the others
+// count.
 TEST_F(PitchClassStrengthsTest, AtTheLowestRatesOnlyBinsThatSeeASampleCount) {
     const auto noise = beatatlas::test::whiteNoise(3000, 0.2, 3);
     for (const float rate : {49.3F, 45.0F, 40.0F}) {

@@ -11,8 +11,8 @@
 
 namespace beatatlas::test {
 
-/** The strengths of the twelve pitch classes in the plainest form, every frame and bin by itself: the oracle of the
- *  faster one. Hop and octave weights (lowest, middle, top) are the caller's. */
+/** The strengths of the twelve pitch classes in the plainest form, every frame and bin by itself:
+ *  the oracle of the faster one. Hop and octave weights (lowest, middle, top) are the caller's. */
 class PlainStrengths {
 public:
     PlainStrengths(const std::vector<float>& samples, float rate, float ref, int hop)

@@ -28,11 +28,13 @@ struct KeyResults {
 /** What the ranking is told besides the samples. */
 struct PlainKeyPlan {
     int declaredFrames = 0;
-    int countedFrames = 0;  ///< by the pre-check
+    /** By the pre-check. */
+    int countedFrames = 0;
 };
 
-/** The key ranking in its plainest form, over a whole track at once and without a single buffer: the oracle of the
- *  one that works block by block. Only the transform is shared. Call it in round-toward-zero. */
+/** The key ranking in its plainest form, over a whole track at once and without a single buffer:
+ *  the oracle of the one that works block by block. Only the transform is shared. Call it in
+ *  round-toward-zero. */
 class PlainKeyRank {
 public:
     PlainKeyRank(const KeyTrack& track, const PlainKeyPlan& plan)

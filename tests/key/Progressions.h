@@ -10,7 +10,8 @@
 
 namespace beatatlas::test {
 
-/** A tonic-subdominant-dominant progression with drums in one of the 24 keys, numbered as results are. */
+/** A tonic-subdominant-dominant progression with drums in one of the 24 keys, numbered as results
+ *  are. */
 inline StereoTrack stereoProgression(int key, int sampleRate, int seconds) {
     TrackPlan plan;
     plan.sampleRate = sampleRate;
@@ -30,11 +31,14 @@ inline std::vector<float> monoProgression(int key, int sampleRate, int seconds) 
     return mono;
 }
 
-/** A stereo track of 16-bit samples as it reaches the key ranking, with the levels a pre-check finds in it. */
+/** A stereo track of 16-bit samples as it reaches the key ranking, with the levels a pre-check
+ *  finds in it. */
 struct KeyTrack {
     int rate = 44100;
-    std::vector<std::int16_t> samples;  ///< left and right in turn
-    double sum = 0.0;                   ///< Σ |left| + |right|
+    /** Left and right in turn. */
+    std::vector<std::int16_t> samples;
+    /** Σ |left| + |right|. */
+    double sum = 0.0;
     double peak = 0.0;
 
     int frames() const { return static_cast<int>(samples.size() / 2); }

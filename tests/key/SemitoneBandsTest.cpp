@@ -48,8 +48,8 @@ TEST_F(SemitoneBandsTest, ThereAreNinetyOneUpToTwentyThousandHertz) {
     EXPECT_EQ(bands.count(), 91);
 }
 
-// Bands are centred on the semitones from A2 and reach a quarter tone to both sides: from the lower edge of the first
-// every bin is in exactly one.
+// Bands are centred on the semitones from A2 and reach a quarter tone to both sides: from the lower
+// edge of the first every bin is in exactly one.
 TEST_F(SemitoneBandsTest, EveryBinIsSeenByTheBandAroundIt) {
     for (int rate : {44100, 48000, 4000}) {
         layFor(rate);

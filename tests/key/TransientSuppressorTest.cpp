@@ -72,7 +72,8 @@ TEST_F(TransientSuppressorTest, ThresholdLiesThreeQuartersOfTheWayFromAverageToP
     EXPECT_NE(frames[100], 16001);
 }
 
-// 8000 · (1, 7/8, 6/8 … 2/8) before; at the loud frame 1/8; then 1/8 + 1/32, 1/8 + 2/32 … up to 31/32.
+// 8000 · (1, 7/8, 6/8 … 2/8) before; at the loud frame 1/8; then 1/8 + 1/32, 1/8 + 2/32 … up to
+// 31/32.
 TEST_F(TransientSuppressorTest, GainFallsToAnEighthAtTheLoudFrameAndRecovers) {
     Frames frames = steady(100, 8000);
     setFrame(frames, 50, 16000, -16000);
@@ -87,7 +88,8 @@ TEST_F(TransientSuppressorTest, GainFallsToAnEighthAtTheLoudFrameAndRecovers) {
     }
 }
 
-// 10 ms at 44,100 are 441 steps of 0.875 / 441, each cut toward zero: the floor is met within one frame.
+// 10 ms at 44,100 are 441 steps of 0.875 / 441, each cut toward zero: the floor is met within one
+// frame.
 TEST_F(TransientSuppressorTest, ReachesTheFloorTenMillisecondsAfterTheStartAtARealRate) {
     suppressor.create(44100);
     suppressor.setLevels(0.0, 20000.0);
@@ -124,8 +126,9 @@ TEST_F(TransientSuppressorTest, TheMostNegativeSampleHasItsTrueMagnitude) {
     EXPECT_EQ(frames[2 * 60 + 1], -4096);
 }
 
-// Frame 63 stands 13 frames after the first loud one: 32000 · (4 + 13) / 32 = 17000, still loud. Its own window
-// starts with frame 56, where the first window's gain is 10/32, and at 57 multiplies 11/32 by 7/8.
+// Frame 63 stands 13 frames after the first loud one: 32000 · (4 + 13) / 32 = 17000, still loud.
+// Its own window starts with frame 56, where the first window's gain is 10/32, and at 57 multiplies
+// 11/32 by 7/8.
 TEST_F(TransientSuppressorTest, OverlappingWindowsMultiply) {
     Frames frames = steady(120, 3200);
     setFrame(frames, 50, 16000, 0);
@@ -201,8 +204,9 @@ void suppressPlainly(Frames& frames, std::ptrdiff_t pre, std::ptrdiff_t post, do
     }
 }
 
-// Whole stretches are passed over where nothing in them is loud: wherever a loud frame stands and wherever the
-// threshold lies between the levels, nothing is passed over that a look at each frame would find.
+// Whole stretches are passed over where nothing in them is loud: wherever a loud frame stands and
+// wherever the threshold lies between the levels, nothing is passed over that a look at each frame
+// would find.
 TEST_F(TransientSuppressorTest, FindsWhatALookAtEachFrameFinds) {
     std::mt19937 random(11);
     for (double threshold : {-1e300, -1.0, -0.5, 0.0, 0.5, 5999.0, 5999.5, 6000.0, 32766.5, 32767.0,

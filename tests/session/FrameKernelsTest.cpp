@@ -86,7 +86,8 @@ TEST_F(FrameKernelsTest, SumsTheMagnitudesOfEveryFrame) {
     }
 }
 
-// 32,768 frames of full magnitude fill a lane to 2^28; the sums of several such stretches need more than 32 bits.
+// 32,768 frames of full magnitude fill a lane to 2^28; the sums of several such stretches need more
+// than 32 bits.
 TEST_F(FrameKernelsTest, LongStretchesOfFullScaleDoNotOverflow) {
     const std::vector<float> full(300007, -32768.0F);
     for (const VectorForm form : formsOfThisMachine()) {

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// A whole session gives the same bits in every vector form; the oracle is the baseline, whose kernels are compared with
-// their plain forms one by one in the tests of their rooms.
+// A whole session gives the same bits in every vector form; the oracle is the baseline, whose
+// kernels are compared with their plain forms one by one in the tests of their rooms.
 #include <vector>
 
 #include <gtest/gtest.h>

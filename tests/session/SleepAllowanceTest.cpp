@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// A session sleeps for zero time while it feeds and analyses; the calling thread's timer slack is the host's.
+// A session sleeps for zero time while it feeds and analyses; the calling thread's timer slack is
+// the host's.
 #include <gtest/gtest.h>
 
 #if defined(__linux__)

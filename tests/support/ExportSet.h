@@ -34,7 +34,9 @@ struct ExportSet {
     int (*getKey)(void*, float*, long, float, float, int, int);
 };
 
-const ExportSet& plainExports();    ///< the 21 functions of beatatlas.h
-const ExportSet& mangledExports();  ///< the 27 functions of beatatlas.hpp
+/** The 21 functions of beatatlas.h. */
+const ExportSet& plainExports();
+/** The 27 functions of beatatlas.hpp. */
+const ExportSet& mangledExports();
 
 }  // namespace beatatlas::test

@@ -10,8 +10,10 @@ enum class KeyMode { major, minor };
 
 /** A triad as the frequencies to sound. */
 struct Chord {
-    double bassHz = 0.0;              ///< the root two octaves below the chord: A1 … G♯2
-    std::array<double, 3> notesHz{};  ///< root (A3 … G♯4), third and fifth above it
+    /** The root two octaves below the chord: A1 … G♯2. */
+    double bassHz = 0.0;
+    /** Root (A3 … G♯4), third and fifth above it. */
+    std::array<double, 3> notesHz{};
 };
 
 /** The chords of a key, one per bar, repeated. */

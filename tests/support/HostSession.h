@@ -15,7 +15,8 @@ enum class SessionKind { constant, varied, simple };
 struct SessionRequest {
     SessionKind kind = SessionKind::constant;
     int rate = 44100;
-    int sectionBeats = 32;  ///< for simple sessions the end of the sensing range in frames
+    /** For simple sessions the end of the sensing range in frames. */
+    int sectionBeats = 32;
     bool loud = true;
     bool zoom = true;
     bool key = false;

@@ -27,8 +27,10 @@ struct Section {
 };
 
 enum class KickPattern {
-    everyBeat,      ///< four on the floor
-    firstAndThird,  ///< answered by the snare on two and four
+    /** Four on the floor. */
+    everyBeat,
+    /** Answered by the snare on two and four. */
+    firstAndThird,
 };
 
 /** What a synthesised track plays. Four beats to the bar; the snare falls on two and four, hats and
@@ -37,25 +39,31 @@ struct TrackPlan {
     int sampleRate = 44100;
     std::int64_t lengthFrames = 0;
     double bpm = 120.0;
-    std::vector<TempoChange> tempoChanges;  ///< ascending in time
+    /** Ascending in time. */
+    std::vector<TempoChange> tempoChanges;
     /** The position of the off-beat eighth within its beat: 0.5 straight, 2/3 shuffle. */
     double swing = 0.5;
     /** Only the first chord sounds in the intro; then the first beat follows, a downbeat. */
     std::int64_t introFrames = 0;
 
-    int tonic = 0;  ///< 0–11 from A upward
+    /** 0–11 from A upward. */
+    int tonic = 0;
     KeyMode mode = KeyMode::major;
-    std::vector<int> progression = {0, 3, 4, 0};  ///< degrees of the scale from 0, one per bar
+    /** Degrees of the scale from 0, one per bar. */
+    std::vector<int> progression = {0, 3, 4, 0};
     double concertPitchHz = 440.0;
 
-    double level = 0.9;  ///< of the whole mix; 1 is full scale
+    /** Of the whole mix; 1 is full scale. */
+    double level = 0.9;
     InstrumentLevels levels;
-    std::vector<Section> sections;  ///< ascending; `levels` applies before the first one
+    /** Ascending; `levels` applies before the first one. */
+    std::vector<Section> sections;
     KickPattern kickPattern = KickPattern::everyBeat;
     /** 0: both channels are equal; 1: the outer notes of each chord and the hats are panned fully
      *  to one side. */
     double stereoWidth = 0.0;
-    std::uint64_t seed = 1;  ///< of the noise in snare and hats
+    /** Of the noise in snare and hats. */
+    std::uint64_t seed = 1;
 };
 
 /** A kick on every beat and nothing else, from the first frame on: its onsets are unambiguous. */

@@ -16,7 +16,8 @@ namespace beatatlas::test {
 /** The true position of a beat. */
 struct TrueBeat {
     std::int64_t frame = 0;
-    int number = 1;  ///< 1–4 within the bar; 1 is the downbeat
+    /** 1–4 within the bar; 1 is the downbeat. */
+    int number = 1;
 };
 
 /** Plays a TrackPlan: music of exactly known tempo, beats, key and level.

@@ -176,7 +176,8 @@ TEST_F(CutBeatsTest, EveryFormGivesTheBitsOfTheMethodWrittenOut) {
     }
 }
 
-// Rounded down, the sum of a zero and a negative zero is negative: the one mode that shows the signs of silent bins.
+// Rounded down, the sum of a zero and a negative zero is negative: the one mode that shows the
+// signs of silent bins.
 TEST_F(CutBeatsTest, SilentBinsKeepTheSignsOfTheirZeros) {
     std::vector<float> in = whiteNoise(9000, 1000.0, 5);
     std::fill(in.begin(), in.begin() + 5000, 0.0F);
@@ -188,7 +189,8 @@ TEST_F(CutBeatsTest, SilentBinsKeepTheSignsOfTheirZeros) {
     }
 }
 
-// Frames of 32 and 16 have 16 and 8 bins in the half, fewer than the bass limit covers; 8 has no bin to gate.
+// Frames of 32 and 16 have 16 and 8 bins in the half, fewer than the bass limit covers; 8 has no
+// bin to gate.
 TEST_F(CutBeatsTest, FramesWithFewerThanTwentyBinsStayInsideTheirSpectrum) {
     const std::vector<float> noise = whiteNoise(500, 1000.0, 4);
     EXPECT_EQ(cut(noise, 44100.0F, 128, 0), cutPlainly(noise, 32, 4, 44100.0F));
@@ -286,8 +288,8 @@ TEST_F(CutBeatsTest, MayWriteOverItsInput) {
     EXPECT_EQ(samples.back(), apart.back());
 }
 
-// A tone in the middle of bin 93 fills three bins of each frame and stays: eight squared windows, weighted by
-// 2.6666667 / 8 each, add up to 1. 44,100 × 93 / 4096 = 1001.29 Hz.
+// A tone in the middle of bin 93 fills three bins of each frame and stays: eight squared windows,
+// weighted by 2.6666667 / 8 each, add up to 1. 44,100 × 93 / 4096 = 1001.29 Hz.
 TEST_F(CutBeatsTest, SteadyToneComesBackAtItsOwnLevel) {
     const std::vector<float> tone = sine(30000, 44100.0 * 93.0 / 4096.0, 44100, 10000.0);
     const std::vector<float> out = cut(tone, 44100.0F, 1, 0);
@@ -303,7 +305,8 @@ TEST_F(CutBeatsTest, AbsurdSamplesAndRatesDoNoHarm) {
     for (const float absurd : {std::nanf(""), HUGE_VALF, 1e38F}) {
         std::vector<float> in = whiteNoise(20000, 1000.0, 4);
         in[9000] = absurd;
-        // Frames that end before the absurd sample, and the part of out that only they reach, are as ever.
+        // Frames that end before the absurd sample, and the part of out that only they reach, are
+        // as ever.
         const std::vector<float> clean = cut(whiteNoise(20000, 1000.0, 4), 44100.0F, 1, 0);
         const std::vector<float> out = cut(in, 44100.0F, 1, 0);
         EXPECT_TRUE(std::equal(out.begin(), out.begin() + 4900, clean.begin()));

@@ -41,8 +41,8 @@ std::vector<float> gatedPlainly(const std::vector<float>& magnitudes) {
     return out;
 }
 
-/** What bin 12 has to reach when its octave, bins 8 … 16, holds 100 and bin 12 holds x. Nine bins are summed, the
- *  weight is 1/8, and log10(13) = 1.1139. */
+/** What bin 12 has to reach when its octave, bins 8 … 16, holds 100 and bin 12 holds x. Nine bins
+ *  are summed, the weight is 1/8, and log10(13) = 1.1139. */
 float barOfBin12(float x) {
     volatile float sum = 0.0F;
     for (int m = 8; m <= 16; ++m) sum = sum + (m == 12 ? x : 100.0F);
@@ -57,7 +57,8 @@ std::vector<float> octaveAround12(float x) {
 }
 
 TEST_F(OctaveGateTest, KeepsABinThatEqualsItsBar) {
-    // x = bar(x) is reached by trying again and again, since bar rises by a seventh of what x rises.
+    // x = bar(x) is reached by trying again and again, since bar rises by a seventh of what x
+    // rises.
     float x = 100.0F;
     for (int i = 0; i < 50; ++i) x = barOfBin12(x);
     ASSERT_EQ(x, barOfBin12(x));
@@ -65,10 +66,12 @@ TEST_F(OctaveGateTest, KeepsABinThatEqualsItsBar) {
     EXPECT_EQ(gated(octaveAround12(std::nextafter(x, 0.0F)))[12], 0.0F);
 }
 
-// 9 bins of 100 give a mean of 112.5 and, times log10(13), a bar of 125.3; dividing by 9 it would be 111.4.
+// 9 bins of 100 give a mean of 112.5 and, times log10(13), a bar of 125.3; dividing by 9 it would
+// be 111.4.
 TEST_F(OctaveGateTest, SumsOneBinMoreThanItDividesBy) {
     const float x = 129.0F;
-    // With x among them the bar is (800 + 129) / 8 × 1.1139 = 129.36, and (800 + 129) / 9 × 1.1139 = 114.98.
+    // With x among them the bar is (800 + 129) / 8 × 1.1139 = 129.36, and (800 + 129) / 9 × 1.1139
+    // = 114.98.
     EXPECT_EQ(gated(octaveAround12(x))[12], 0.0F);
     EXPECT_EQ(gated(octaveAround12(x + 1.0F))[12], x + 1.0F);
 }
@@ -81,8 +84,8 @@ bool hears(std::size_t k, std::size_t m) {
     return gated(magnitudes)[k] == 0.0F;
 }
 
-// 1393 × 0.70711356 = 985.009, where half an octave down would be 984.9997; 985 × 1.4142 = 1392.99, where half an
-// octave up would be 1393.0004.
+// 1393 × 0.70711356 = 985.009, where half an octave down would be 984.9997; 985 × 1.4142 = 1392.99,
+// where half an octave up would be 1393.0004.
 TEST_F(OctaveGateTest, OctavesAreANarrowShadeOffTheSquareRootOfTwo) {
     EXPECT_TRUE(hears(1393, 985));
     EXPECT_FALSE(hears(1393, 984));

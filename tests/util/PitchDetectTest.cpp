@@ -113,7 +113,8 @@ TEST_F(PitchDetectTest, AgreesWithTheMethodWrittenOut) {
     EXPECT_GT(std::unique(answers.begin(), answers.end()) - answers.begin(), 3);
 }
 
-// Two octaves above the lowest reference semitones lie 97.5 Hz apart: below 48.8 Hz no whole sample fits the highest window.
+// Two octaves above the lowest reference semitones lie 97.5 Hz apart: below 48.8 Hz no whole sample
+// fits the highest window.
 TEST_F(PitchDetectTest, AtTheLowestRatesOnlyBinsThatSeeASampleCount) {
     const std::vector<float> noise = whiteNoise(1200, 1000.0, 5);
     int others = 0;
@@ -134,7 +135,8 @@ TEST_F(PitchDetectTest, FindsTheTuningOfTonesAndChords) {
     }
 }
 
-// Every other candidate from 436 to 444 is tried at first; the others can only be found by looking beside the best.
+// Every other candidate from 436 to 444 is tried at first; the others can only be found by looking
+// beside the best.
 TEST_F(PitchDetectTest, RefiningPlansFindWhatTheFirstPassLeftOut) {
     for (const int hz : {434, 435, 438, 439, 441, 443, 445, 446}) {
         EXPECT_EQ(detected(chordAt(hz, 10.0), kRate, 1, 1), hz);
@@ -144,7 +146,8 @@ TEST_F(PitchDetectTest, RefiningPlansFindWhatTheFirstPassLeftOut) {
     }
 }
 
-// When 436 is the best of the first pass only the references below it are looked at: 437 is out of reach.
+// When 436 is the best of the first pass only the references below it are looked at: 437 is out of
+// reach.
 TEST_F(PitchDetectTest, RefiningBesideTheLowestLooksDownwardOnly) {
     const std::vector<float> tone = toneAt(437.0, 10.0);
     EXPECT_EQ(detected(tone, kRate, 1, 0), 437);
@@ -180,7 +183,8 @@ TEST_F(PitchDetectTest, SilenceIs434InEveryMode) {
         EXPECT_EQ(detected(silence(20000), kRate, 1, mode), 434) << mode;
 }
 
-// Frames at 4410 Hz: 2 × 4410 / (446 × 0.0594631) = 332.6, so 332 samples for 446 Hz, and 333 for 445 Hz.
+// Frames at 4410 Hz: 2 × 4410 / (446 × 0.0594631) = 332.6, so 332 samples for 446 Hz, and 333 for
+// 445 Hz.
 TEST_F(PitchDetectTest, EachCandidateNeedsItsOwnFrameAndAHop) {
     const std::vector<float> tone = toneAt(440.0, 1.0);
     const auto first = [&](int count) {

@@ -83,7 +83,8 @@ TEST_F(Resample2Test, ImpulseResponseStartsAsByHand) {
     EXPECT_EQ(y[2], third);
 }
 
-// Oracle: the same recursion over a list of past states, each product and sum stored before the next.
+// Oracle: the same recursion over a list of past states, each product and sum stored before the
+// next.
 TEST_F(Resample2Test, FilterTakesItsSumsFromLeftToRightInSinglePrecision) {
     std::array<float, 9> a{};
     std::array<float, 9> b{};
@@ -146,8 +147,9 @@ TEST_F(Resample2Test, StoredCoefficientsHaveAGainOf104AtZeroFrequency) {
     EXPECT_NEAR(gain, 1.04164, 0.00001);
 }
 
-// The states reach 1 / Σa = 23,000, where one unit in the last place of a1 × w1 is 1/64: in single precision the
-// output wanders some hundredths about the gain of the coefficients, and does not come to rest.
+// The states reach 1 / Σa = 23,000, where one unit in the last place of a1 × w1 is 1/64: in single
+// precision the output wanders some hundredths about the gain of the coefficients, and does not
+// come to rest.
 TEST_F(Resample2Test, ConstantSettlesAboutTheGainAtZeroFrequency) {
     const std::vector<float> out = filtered(std::vector<float>(100000, 1.0F));
     double sum = 0.0;

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Every allocation of every utility is refused in turn: the refusal must reach the caller as std::bad_alloc. (That
-// nothing is leaked on the way is for the address sanitizer to say.)
+// Every allocation of every utility is refused in turn: the refusal must reach the caller as
+// std::bad_alloc. (That nothing is leaked on the way is for the address sanitizer to say.)
 #include <algorithm>
 #include <climits>
 #include <functional>
@@ -61,8 +61,8 @@ TEST(UtilityAllocationTest, BeatCutterPassesEveryRefusalOn) {
     std::vector<float> out(9000);
     const auto call = [&] { CutBeats(out.data(), in.data(), 9000, 44100.0F, 1, 0); };
     EXPECT_GT(refusalsOf(call), 8);
-    // Nothing is written while the input is still being looked at: up to the spectrum's two halves, the frames, the
-    // tables and the gate.
+    // Nothing is written while the input is still being looked at: up to the spectrum's two halves,
+    // the frames, the tables and the gate.
     std::fill(out.begin(), out.end(), kUntouched);
     EXPECT_TRUE(runsOutOfMemory(call, 8));
     EXPECT_THAT(out, Each(kUntouched));

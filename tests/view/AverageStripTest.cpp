@@ -70,7 +70,8 @@ TEST_F(AverageStripTest, ScalesAMergingAverageWhosePointHasBeenClosed) {
     EXPECT_EQ(strip[1], 0.0F);
 }
 
-// The second merging average goes where the first one went: to the point of the last average that did not merge.
+// The second merging average goes where the first one went: to the point of the last average that
+// did not merge.
 TEST_F(AverageStripTest, AMergedAverageDoesNotBecomeThePointOfTheLastOne) {
     put(45, Average{40.0F, false});
     put(50, Average{20.0F, true});

@@ -57,7 +57,8 @@ TEST_F(DecimatedDetectorTest, LeavesTheFieldsOfTheFullRateDetectorAlone) {
     }
 }
 
-// The group that opens record 0 ends at sample 4, where the count starts; the group ending at sample 244 has 240.
+// The group that opens record 0 ends at sample 4, where the count starts; the group ending at
+// sample 244 has 240.
 TEST_F(DecimatedDetectorTest, AcceptsNoPeakBeforeTheLeastInterval) {
     Feed f(kLong);
     f.level(1000.0F, 4);
@@ -78,8 +79,8 @@ TEST_F(DecimatedDetectorTest, AcceptsAGroupFromTheRatioOfTheHeldLevelUpwards) {
     }
 }
 
-// The held level goes to the current record itself: record 1 gets the first peak's level, which record 0 already had
-// from its opening group, before it was raised.
+// The held level goes to the current record itself: record 1 gets the first peak's level, which
+// record 0 already had from its opening group, before it was raised.
 TEST_F(DecimatedDetectorTest, WritesTheHeldLevelToTheCurrentRecord) {
     Feed f(kLong);
     f.level(1000.0F, 4);
@@ -101,8 +102,8 @@ TEST_F(DecimatedDetectorTest, RaisesTheHeldLevelWithinTheLeastInterval) {
     EXPECT_EQ(f.records[1].level900, 1001.0F);
 }
 
-// Record 0 opens at sample 4. Count 1284 (321 groups) is held; the group of count 1288 is the first step of four, that
-// of 1292 the second, and eight make a decay when both fall in one chunk.
+// Record 0 opens at sample 4. Count 1284 (321 groups) is held; the group of count 1288 is the first
+// step of four, that of 1292 the second, and eight make a decay when both fall in one chunk.
 TEST_F(DecimatedDetectorTest, HoldsALevelForItsTimeAndThenDecaysInStepsOfFour) {
     Feed f(kLong);
     f.level(1000.0F, 4);
@@ -115,7 +116,8 @@ TEST_F(DecimatedDetectorTest, HoldsALevelForItsTimeAndThenDecaysInStepsOfFour) {
     EXPECT_EQ(f.records[1].level900, 1000.0F * 0.9938303F);
 }
 
-/** At 48,000 Hz: one peak of 20000, held past its time by 285 samples, then a chunk of the given length. */
+/** At 48,000 Hz: one peak of 20000, held past its time by 285 samples, then a chunk of the given
+ *  length. */
 float heldAfterAChunkPastTheHold(int samples) {
     PeakRecords records;
     records.reset();
@@ -132,8 +134,8 @@ float heldAfterAChunkPastTheHold(int samples) {
     return records[1].level900;
 }
 
-// The step of 557 is no multiple of four: it is passed with the 140th group of a chunk, at 560. A whole chunk of 640
-// has no time for a second decay.
+// The step of 557 is no multiple of four: it is passed with the 140th group of a chunk, at 560. A
+// whole chunk of 640 has no time for a second decay.
 TEST_F(DecimatedDetectorTest, DecaysWhenItsStepsOfFourReachOrPassTheDecayStep) {
     EXPECT_EQ(heldAfterAChunkPastTheHold(559), 20000.0F);
     EXPECT_EQ(heldAfterAChunkPastTheHold(560), 20000.0F * 0.9938303F);
@@ -198,8 +200,8 @@ TEST_F(DecimatedDetectorTest, ClosesASilentTrackWithoutAPeak) {
     EXPECT_EQ(f.records[0].level900, 0.01F);
 }
 
-// The end is the eighth sample of a chunk of ten. The record opened with the fourth sample, so the least interval of
-// 240 is over with the 244th and not sooner.
+// The end is the eighth sample of a chunk of ten. The record opened with the fourth sample, so the
+// least interval of 240 is over with the 244th and not sooner.
 TEST_F(DecimatedDetectorTest, GoesOnAfterTheEnd) {
     Feed f(8);
     f.chunk({900.0F, 0.0F, 0.0F, 0.0F, 0.0F, 0.0F, 0.0F, 0.0F, 0.0F, 0.0F});

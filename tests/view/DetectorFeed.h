@@ -10,8 +10,8 @@
 
 namespace beatatlas::test {
 
-/** A small rate for counting by hand: blocks of 10, peaks at least 240 apart, hold up to a count of 1285, and a decay
- *  every 8 samples (750 / 44100 × 512 = 8.7). */
+/** A small rate for counting by hand: blocks of 10, peaks at least 240 apart, hold up to a count of
+ *  1285, and a decay every 8 samples (750 / 44100 × 512 = 8.7). */
 inline constexpr int kSmallRate = 750;
 inline constexpr int kSmallBlock = 10;
 

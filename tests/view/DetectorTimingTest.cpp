@@ -21,8 +21,8 @@ TEST_F(DetectorTimingTest, KnowsTheTimesAt44100) {
     EXPECT_EQ(timing.decayStep, 512);
 }
 
-// 48000 × 0.32 = 15360, / 44100 × 512 = 557.3. The double nearest 1.714 lies below it, so the product cut toward zero
-// stays below 82272 and a count of 82272 is past the hold.
+// 48000 × 0.32 = 15360, / 44100 × 512 = 557.3. The double nearest 1.714 lies below it, so the
+// product cut toward zero stays below 82272 and a count of 82272 is past the hold.
 TEST_F(DetectorTimingTest, KnowsTheTimesAt48000) {
     const DetectorTiming timing(48000, 1000);
     EXPECT_EQ(timing.blockLen, 640);

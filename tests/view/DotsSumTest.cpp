@@ -104,7 +104,8 @@ TEST_F(DotsSumTest, WaitsWhenTheRecordsHaveStartedOver) {
     EXPECT_EQ(sum[0], 2100);
 }
 
-// 2000000000 + 2000000000 = 4000000000 - 2^32 = -294967296; × 75 = -22122547200 + 5 × 2^32 = -647710720; / 200.
+// 2000000000 + 2000000000 = 4000000000 - 2^32 = -294967296; × 75 = -22122547200 + 5 × 2^32 =
+// -647710720; / 200.
 TEST_F(DotsSumTest, WrapsAbsurdSums) {
     records.data()[0].level900 = 2e9F;
     records.data()[1].level900 = 2e9F;

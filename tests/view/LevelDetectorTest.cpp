@@ -32,7 +32,8 @@ TEST_F(LevelDetectorTest, OpensNoRecordInSilence) {
     EXPECT_EQ(f.detector.peakPosition(), 0);
 }
 
-// Chunks without a trace take their time all the same: the count is the same however the silence is cut.
+// Chunks without a trace take their time all the same: the count is the same however the silence is
+// cut.
 TEST_F(LevelDetectorTest, CountsTheTimeOfChunksThatPassUnnoticed) {
     for (const std::size_t chunkLen : {1U, 7U, 10U}) {
         Feed f(kLong);
@@ -53,7 +54,8 @@ TEST_F(LevelDetectorTest, MarksThePeakOfTheLastChunkOnly) {
     EXPECT_EQ(f.detector.peakPosition(), 0);
 }
 
-// The held level goes into the current record at the end of each chunk, though that one is not counted yet.
+// The held level goes into the current record at the end of each chunk, though that one is not
+// counted yet.
 TEST_F(LevelDetectorTest, KeepsTheHeldLevelInTheCurrentRecordFromChunkToChunk) {
     Feed f(kLong);
     f.chunk({5.0F, 7.0F});
@@ -96,8 +98,9 @@ TEST_F(LevelDetectorTest, AcceptsASampleFromTheRatioOfTheHeldLevelUpwards) {
     }
 }
 
-// Peaks of 100, 90 and 80, held levels 100 (raised to 110), 90, 80. The interval that ends with the second peak is
-// written to record 1, the level 110 to record 0; with the third: record 2, and 90 to record 1.
+// Peaks of 100, 90 and 80, held levels 100 (raised to 110), 90, 80. The interval that ends with the
+// second peak is written to record 1, the level 110 to record 0; with the third: record 2, and 90
+// to record 1.
 TEST_F(LevelDetectorTest, WritesTheIntervalToTheCurrentRecordAndTheHeldLevelToTheOneBefore) {
     Feed f(kLong);
     f.chunk({100.0F, 110.0F});
@@ -123,8 +126,8 @@ TEST_F(LevelDetectorTest, MarksThePositionOfAnAcceptedPeak) {
     EXPECT_EQ(f.detector.peakPosition(), 3);
 }
 
-// Count 1285 is still held; 1286 is the first step towards a decay, which comes with the eighth. A chunk of counts
-// 1285 to 1292 thus sees seven steps, one of 1286 to 1293 all eight.
+// Count 1285 is still held; 1286 is the first step towards a decay, which comes with the eighth. A
+// chunk of counts 1285 to 1292 thus sees seven steps, one of 1286 to 1293 all eight.
 TEST_F(LevelDetectorTest, HoldsALevelForItsTimeAndThenDecays) {
     Feed held(kLong);
     held.level(100.0F, 1);
@@ -145,7 +148,8 @@ TEST_F(LevelDetectorTest, StartsTheDecayCounterAnewWithEveryChunk) {
     f.level(0.0F, 1285, 1);
     f.level(0.0F, 7000, 7);
     EXPECT_EQ(f.records[1].level, 100.0F);
-    // Ten samples per chunk against a step of eight: one decay per chunk, the other two samples are lost.
+    // Ten samples per chunk against a step of eight: one decay per chunk, the other two samples are
+    // lost.
     f.level(0.0F, 30, 10);
     EXPECT_EQ(f.records[1].level, ((100.0F * 0.9938303F) * 0.9938303F) * 0.9938303F);
 }
@@ -160,7 +164,8 @@ TEST_F(LevelDetectorTest, DecaysAtMostOncePerChunkAt44100) {
     chunk[0] = 1000.0F;
     test::putChunk(detector, records, chunk.data(), 588);
     chunk[0] = 0.0F;
-    // Count 587 after the first chunk; past the hold (75587) in the 129th further one, 128 × 588 = 75264.
+    // Count 587 after the first chunk; past the hold (75587) in the 129th further one, 128 × 588 =
+    // 75264.
     for (int i = 0; i < 128; ++i) test::putChunk(detector, records, chunk.data(), 588);
     EXPECT_EQ(records[1].level, 1000.0F);
     float expected = 1000.0F;
@@ -179,7 +184,8 @@ TEST_F(LevelDetectorTest, DecaysToTheFloorAndNoFurther) {
     EXPECT_EQ(f.records[1].level, 0.01F);
 }
 
-// From the held floor on, a sample of exactly 0.01 is a candidate, though it could not open the first record.
+// From the held floor on, a sample of exactly 0.01 is a candidate, though it could not open the
+// first record.
 TEST_F(LevelDetectorTest, TakesASampleAtTheFloorOnceTheHeldLevelIsThere) {
     Feed f(kLong);
     f.level(100.0F, 1);
@@ -194,8 +200,9 @@ TEST_F(LevelDetectorTest, TakesASampleAtTheFloorOnceTheHeldLevelIsThere) {
     EXPECT_EQ(f.records[1].level, 0.01F);
 }
 
-// One peak, then silence until the held level is the floor: the next peak writes that to record 0, which reads as no
-// peak yet. The sample after opens record 0 again, and the count of records starts over.
+// One peak, then silence until the held level is the floor: the next peak writes that to record 0,
+// which reads as no peak yet. The sample after opens record 0 again, and the count of records
+// starts over.
 TEST_F(LevelDetectorTest, StartsOverWhenRecordZeroIsLeftAtTheFloor) {
     Feed f(kLong);
     f.level(100.0F, 1);
@@ -211,7 +218,8 @@ TEST_F(LevelDetectorTest, StartsOverWhenRecordZeroIsLeftAtTheFloor) {
     EXPECT_EQ(f.records[0].interval, 2);
 }
 
-// Declared 25: the last sample is the fifth of the third chunk. The samples after it belong to the chunk too.
+// Declared 25: the last sample is the fifth of the third chunk. The samples after it belong to the
+// chunk too.
 TEST_F(LevelDetectorTest, ClosesTheTrackAtItsLastSampleInAFullChunk) {
     Feed f(25);
     f.level(100.0F, 20);
@@ -252,8 +260,9 @@ TEST_F(LevelDetectorTest, ClosesASilentTrackWithTheFloor) {
     EXPECT_EQ(f.records[0].interval, 20);
 }
 
-// Record 1 is counted with the second peak but would get its level with the third. The track ends first, so it keeps
-// what the chunk before the second peak left there: the level held from the first.
+// Record 1 is counted with the second peak but would get its level with the third. The track ends
+// first, so it keeps what the chunk before the second peak left there: the level held from the
+// first.
 TEST_F(LevelDetectorTest, LeavesTheNewestRecordItsProvisionalLevelWhenTheTrackEnds) {
     Feed f(320);
     f.level(100.0F, 10);
@@ -266,7 +275,8 @@ TEST_F(LevelDetectorTest, LeavesTheNewestRecordItsProvisionalLevelWhenTheTrackEn
     EXPECT_EQ(f.records[2].level, 90.0F);
 }
 
-// The end is the fifth sample of a chunk whose rest is silent; the peak comes 310 samples after the first.
+// The end is the fifth sample of a chunk whose rest is silent; the peak comes 310 samples after the
+// first.
 TEST_F(LevelDetectorTest, GoesOnAfterTheEnd) {
     Feed f(5);
     f.chunk({100.0F, 0.0F, 0.0F, 0.0F, 0.0F, 0.0F, 0.0F, 0.0F, 0.0F, 0.0F});

@@ -17,7 +17,8 @@ std::int32_t colorOf(std::int32_t low, std::int32_t mid, std::int32_t high) {
     return loudColor({low, mid, high});
 }
 
-// 20 log10(s / 32768) + 30.5: full scale 30.5 → 30; half of it 24.48 → 24; a tenth 10.5 → 10; a thousandth -29.5 → 0.
+// 20 log10(s / 32768) + 30.5: full scale 30.5 → 30; half of it 24.48 → 24; a tenth 10.5 → 10; a
+// thousandth -29.5 → 0.
 TEST_F(LoudPointTest, CountsDecibelsInWholeSteps) {
     EXPECT_EQ(decibelStep(32768.0F), 30);
     EXPECT_EQ(decibelStep(16384.0F), 24);
@@ -32,8 +33,8 @@ TEST_F(LoudPointTest, StartsTheFirstStepAtTwentyNineAndAHalfDecibelsBelowFullSca
     EXPECT_EQ(decibelStep(1098.0F), 1);
 }
 
-// 20 log10(15504.2197 / 32768) = -6.50000041, which the cut to float makes -6.5, so that 24.0 is reached; in double it
-// would stay below. A float's step is 0.0000005 there.
+// 20 log10(15504.2197 / 32768) = -6.50000041, which the cut to float makes -6.5, so that 24.0 is
+// reached; in double it would stay below. A float's step is 0.0000005 there.
 TEST_F(LoudPointTest, CutsTheLogarithmToFloatBeforeItAddsTheOffset) {
     EXPECT_EQ(decibelStep(0x1.e481c2p+13F), 24);
 }
@@ -45,7 +46,8 @@ TEST_F(LoudPointTest, GivesStepZeroToNothingAndLess) {
     EXPECT_EQ(decibelStep(std::numeric_limits<float>::quiet_NaN()), 0);
 }
 
-// The low sum counts half, the mid sum a quarter, the high sum whole: all three of these are full scale.
+// The low sum counts half, the mid sum a quarter, the high sum whole: all three of these are full
+// scale.
 TEST_F(LoudPointTest, WeighsTheBandsBeforeItCountsDecibels) {
     const LoudPoint point = makeLoudPoint(100.0F, 65536.0F, 131072.0F, 32768.0F);
     EXPECT_EQ(point.steps.low, 30);

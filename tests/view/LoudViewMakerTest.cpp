@@ -108,7 +108,8 @@ void LoudViewMakerTest::expectPlainView(const LoudViewMaker& maker,
     }
 }
 
-/** A kick every half second, hats between, a melody that comes and goes, a break without bass and a silent end. */
+/** A kick every half second, hats between, a melody that comes and goes, a break without bass and a
+ *  silent end. */
 Samples music(int rate, std::size_t frames) {
     Samples track(frames);
     const Samples noise = test::whiteNoise(frames, 21);
@@ -162,7 +163,8 @@ TEST_F(LoudViewMakerTest, AgreesWithAPlainViewOnNoiseOfManyLengths) {
     }
 }
 
-// The decay of a held level, and its fall to the floor, take minutes of near silence after a loud start.
+// The decay of a held level, and its fall to the floor, take minutes of near silence after a loud
+// start.
 TEST_F(LoudViewMakerTest, AgreesWithAPlainViewThroughALongDecay) {
     Samples track = seconds(45.0);
     const Samples noise = test::whiteNoise(track.size(), 5);
@@ -245,7 +247,8 @@ TEST_F(LoudViewMakerTest, DividesTheBlocksAmongTheDotsInWholeNumbers) {
     }
 }
 
-/** The view of a track of so many declared samples whose bands keep a constant level, fed in one call. */
+/** The view of a track of so many declared samples whose bands keep a constant level, fed in one
+ *  call. */
 void makeViewOfConstantBands(LoudViewMaker& maker, int declared, int fed) {
     const auto size = static_cast<std::size_t>(fed);
     Samples in(size, 0.0F);
@@ -254,16 +257,17 @@ void makeViewOfConstantBands(LoudViewMaker& maker, int declared, int fed) {
     maker.analyzePeak(in.data(), band.data(), band.data(), band.data(), fed);
 }
 
-// A constant level opens the decimated records at the fourth sample, where the count starts anew; from there it stays
-// in step with the groups of four, and the last sample of a whole block completes one.
+// A constant level opens the decimated records at the fourth sample, where the count starts anew;
+// from there it stays in step with the groups of four, and the last sample of a whole block
+// completes one.
 TEST_F(LoudViewMakerTest, EndsTheDotsOfWholeBlocksWhenTheLastCountIsAMultipleOfFour) {
     MonoFedView maker;
     makeViewOfConstantBands(maker, 300 * kBlock, 300 * kBlock);
     EXPECT_EQ(maker.dotsNum(), 100);
 }
 
-// Declared two samples less than the whole blocks fed: the last declared sample is in a full chunk and completes no
-// group of four. The end goes unnoticed; the clamp leaves the last dot open.
+// Declared two samples less than the whole blocks fed: the last declared sample is in a full chunk
+// and completes no group of four. The end goes unnoticed; the clamp leaves the last dot open.
 TEST_F(LoudViewMakerTest, FinishesTheDotsThroughTheIndexClampWhenTheEndCompletesNoGroup) {
     MonoFedView maker;
     makeViewOfConstantBands(maker, 300 * kBlock - 2, 300 * kBlock);
@@ -271,15 +275,16 @@ TEST_F(LoudViewMakerTest, FinishesTheDotsThroughTheIndexClampWhenTheEndCompletes
     EXPECT_EQ(maker.dotsNum(), 99);
 }
 
-// The same length with its last chunk two samples short: the last sample is judged whatever its count.
+// The same length with its last chunk two samples short: the last sample is judged whatever its
+// count.
 TEST_F(LoudViewMakerTest, EndsTheDotsInAShortLastChunkWhateverTheCount) {
     MonoFedView maker;
     makeViewOfConstantBands(maker, 300 * kBlock - 2, 300 * kBlock - 2);
     EXPECT_EQ(maker.dotsNum(), 100);
 }
 
-// 20 s: 1500 blocks, 15 per dot. Bass peaks come every 25 blocks: in chunk 1, in chunk 26 (dot 1), and in chunk 51,
-// the first past the start-up (dot 3).
+// 20 s: 1500 blocks, 15 per dot. Bass peaks come every 25 blocks: in chunk 1, in chunk 26 (dot 1),
+// and in chunk 51, the first past the start-up (dot 3).
 TEST_F(LoudViewMakerTest, KeepsTheDotsAtZeroDuringTheFirstFiftyChunks) {
     Samples in = seconds(20.0);
     Samples kicks(in.size(), 0.0F);
@@ -294,8 +299,8 @@ TEST_F(LoudViewMakerTest, KeepsTheDotsAtZeroDuringTheFirstFiftyChunks) {
     EXPECT_GT(maker.dotsWave()[3].level, 0.0F);
 }
 
-// Bass, melody and cymbals in turn, 40 s each, pulsing twice a second: a slot of two points is 0.6 s long and gets a
-// peak of each band that sounds.
+// Bass, melody and cymbals in turn, 40 s each, pulsing twice a second: a slot of two points is 0.6
+// s long and gets a peak of each band that sounds.
 TEST_F(LoudViewMakerTest, TellsBassMelodyAndCymbalsApartByColor) {
     Samples track = seconds(120.0);
     const Samples noise = test::whiteNoise(track.size(), 8);
@@ -318,8 +323,8 @@ TEST_F(LoudViewMakerTest, TellsBassMelodyAndCymbalsApartByColor) {
     EXPECT_GT(count(285, 5), 90);  // no bass, highs as strong as the middle
 }
 
-// The first 16 of 40 s, before the break: 16 s are point 160. The strips of sums close a slot only with a peak, so
-// they follow by up to one beat.
+// The first 16 of 40 s, before the break: 16 s are point 160. The strips of sums close a slot only
+// with a peak, so they follow by up to one beat.
 TEST_F(LoudViewMakerTest, GrowsItsPointsInStepWithTheDeclaredLength) {
     const Samples track = music(kRate, 48000 * 40);
     MonoFedView maker;
@@ -377,8 +382,8 @@ TEST_F(LoudViewMakerTest, ColorsOnlyPointsThatExist) {
     EXPECT_THAT(loudWave(maker), Each(WavePoint{0.0F, 5}));
 }
 
-// A call of 700 samples is a chunk of 640, counted as those from 1280 k on, and one of 60, counted as
-// those from 1280 k + 640 on. Sample 48199 = 1280 × 37 + 839, the last one, is in neither.
+// A call of 700 samples is a chunk of 640, counted as those from 1280 k on, and one of 60, counted
+// as those from 1280 k + 640 on. Sample 48199 = 1280 × 37 + 839, the last one, is in neither.
 TEST_F(LoudViewMakerTest, LastPointStaysOpenWhereTheDeclaredEndIsNeverMet) {
     Samples track = test::whiteNoise(48000 * 3, 4);
     MonoFedView maker;

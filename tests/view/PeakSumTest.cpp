@@ -77,7 +77,8 @@ TEST_F(PeakSumTest, CarriesTheRestOfASlotOver) {
     EXPECT_EQ(sum.index(), 4);
 }
 
-// All new records of a call stand at the call's chunk, so they share a slot however far apart they are.
+// All new records of a call stand at the call's chunk, so they share a slot however far apart they
+// are.
 TEST_F(PeakSumTest, PutsAllRecordsOfOneCallIntoOneSlot) {
     put(6, 350);
     EXPECT_EQ(sum.index(), 6);
@@ -92,7 +93,8 @@ TEST_F(PeakSumTest, LeavesTheTracksLastRecordOut) {
     EXPECT_EQ(sum.index(), 0);
 }
 
-// Three records are left at the end, one of them the last: the sum so far is closed with its boundary all the same.
+// Three records are left at the end, one of them the last: the sum so far is closed with its
+// boundary all the same.
 TEST_F(PeakSumTest, ClosesASlotAtTheLastRecordThoughItIsNotAdded) {
     put(2, 10);
     end(2, 120);
@@ -132,7 +134,8 @@ TEST_F(PeakSumTest, FillsTheLastSlot) {
     EXPECT_EQ(sum[399], 375.0F);
 }
 
-// Four records were summed when the detector started over at one: nothing is new until it has passed the four again.
+// Four records were summed when the detector started over at one: nothing is new until it has
+// passed the four again.
 TEST_F(PeakSumTest, WaitsWhenTheRecordsHaveStartedOver) {
     put(5, 10);
     put(1, 20);

@@ -8,8 +8,9 @@
 
 namespace beatatlas::test {
 
-/** The loudness view of a whole track, written down sample by sample and step by step with no thought of speed: the
- *  oracle of LoudViewMaker. Shares no code with it; the filters too are plain difference equations. */
+/** The loudness view of a whole track, written down sample by sample and step by step with no
+ *  thought of speed: the oracle of LoudViewMaker. Shares no code with it; the filters too are plain
+ *  difference equations. */
 class PlainLoudView {
 public:
     struct Point {
@@ -19,8 +20,8 @@ public:
 
     PlainLoudView(int rate, std::int64_t len);
 
-    /** Feeds the whole track, or a stretch of whole blocks of it. Bands in the order low, mid, high; an empty one is
-     *  filtered from the input. */
+    /** Feeds the whole track, or a stretch of whole blocks of it. Bands in the order low, mid,
+     *  high; an empty one is filtered from the input. */
     void feed(const std::vector<float>& in, const std::array<std::vector<float>, 3>& given = {});
 
     std::vector<Point> loud;  // 400, uncoloured points have colour 5
@@ -90,7 +91,8 @@ private:
     int lastAveraged_ = 0;
 };
 
-/** A cascade of cookbook sections over a whole signal, rectified: the view's own low, mid or high band. */
+/** A cascade of cookbook sections over a whole signal, rectified: the view's own low, mid or high
+ *  band. */
 std::vector<float> plainBand(int band, int rate, const std::vector<float>& in);
 
 }  // namespace beatatlas::test

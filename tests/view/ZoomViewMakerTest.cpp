@@ -112,8 +112,8 @@ Stereo stereoNoise(std::size_t frames, std::uint32_t seed) {
     return stereo;
 }
 
-/** The wave of a whole track by its definition, from a mono signal filtered in one go: the oracle. Colour classes
- *  are searched with real thresholds, levels scaled with real divisions. */
+/** The wave of a whole track by its definition, from a mono signal filtered in one go: the oracle.
+ *  Colour classes are searched with real thresholds, levels scaled with real divisions. */
 std::vector<ZoomPoint> plainWave(const Stereo& stereo, double rate, std::size_t frameLen) {
     std::vector<double> mono;
     for (std::size_t i = 0; i + 1 < stereo.size(); i += 2)
@@ -172,7 +172,8 @@ TEST_F(ZoomViewMakerTest, IsFreshAfterCreate) {
     EXPECT_THAT(room, ::testing::Each(ZoomPoint{0, 0}));
 }
 
-// 320 frames at 48000, 294 at 44100: the click in the sample after the first frame lands in the second point.
+// 320 frames at 48000, 294 at 44100: the click in the sample after the first frame lands in the
+// second point.
 TEST_F(ZoomViewMakerTest, TakesARateOver150FramesPerPoint) {
     for (const int rate : {48000, 44100}) {
         Stereo track = constant(0, static_cast<std::size_t>(rate / 150));
@@ -192,7 +193,8 @@ TEST_F(ZoomViewMakerTest, GivesASilentFrameLevelZeroAndColorSeven) {
     EXPECT_EQ(wave[0], (ZoomPoint{0, 7}));
 }
 
-// The low-pass still rings when the frame after a loud one is silent: its peak is 0, so there is nothing to colour.
+// The low-pass still rings when the frame after a loud one is silent: its peak is 0, so there is
+// nothing to colour.
 TEST_F(ZoomViewMakerTest, ColorsASilentFrameSevenEvenWhileTheBassRings) {
     Stereo track = constant(20000, 320);
     append(track, constant(0, 320));
@@ -204,8 +206,9 @@ TEST_F(ZoomViewMakerTest, ColorsAHighToneSevenInEveryFrame) {
         EXPECT_EQ(point.color, 7);
 }
 
-// 40 Hz lies well below 150 Hz; the first frames are left out while the filter settles. A frame of 6.7 ms around a
-// zero crossing of so slow a wave has its lagging bass peak above its own peak: still the first class.
+// 40 Hz lies well below 150 Hz; the first frames are left out while the filter settles. A frame of
+// 6.7 ms around a zero crossing of so slow a wave has its lagging bass peak above its own peak:
+// still the first class.
 TEST_F(ZoomViewMakerTest, ColorsADeepToneZero) {
     const std::vector<ZoomPoint> wave = waveOf(tone(40.0, 48000.0, 30000.0, 48000));
     const auto zeros = std::count_if(wave.begin() + 15, wave.end(),
@@ -213,8 +216,9 @@ TEST_F(ZoomViewMakerTest, ColorsADeepToneZero) {
     EXPECT_GE(zeros, 100);
 }
 
-// A constant c passes the low-pass at gain 1, but every step is cut toward zero: the bass settles just below c and is
-// truncated to c - 1. The ratios 0/1, 1/2, 3/4 and 7/8 each lie exactly on a class's lower bound and belong to it.
+// A constant c passes the low-pass at gain 1, but every step is cut toward zero: the bass settles
+// just below c and is truncated to c - 1. The ratios 0/1, 1/2, 3/4 and 7/8 each lie exactly on a
+// class's lower bound and belong to it.
 TEST_F(ZoomViewMakerTest, OpensEachColorClassAtItsLowerBound) {
     const int colors[4][2] = {{1, 7}, {2, 3}, {4, 1}, {8, 0}};
     for (const auto& [value, color] : colors)
@@ -233,8 +237,8 @@ TEST_F(ZoomViewMakerTest, EndsTheLoudestFrameAtThirtyOneHoweverQuietTheTrack) {
     }
 }
 
-// 100 of 400: s = trunc(0.25 × 32767) = 8191, v = 31, 961 × 31 / 16129 = 1.8. 200 of 400: s = 16383, v = 63,
-// 3969 × 31 / 16129 = 7.6. 399 of 400: s = trunc(32685.08), v = 127, 31.
+// 100 of 400: s = trunc(0.25 × 32767) = 8191, v = 31, 961 × 31 / 16129 = 1.8. 200 of 400: s =
+// 16383, v = 63, 3969 × 31 / 16129 = 7.6. 399 of 400: s = trunc(32685.08), v = 127, 31.
 TEST_F(ZoomViewMakerTest, ScalesLevelsOnASquareLawAgainstTheTrackPeak) {
     Stereo track;
     for (const int value : {100, 200, 399, 400}) append(track, constant(value, 320));
@@ -245,9 +249,9 @@ TEST_F(ZoomViewMakerTest, ScalesLevelsOnASquareLawAgainstTheTrackPeak) {
     EXPECT_EQ(wave[3].level, 31);
 }
 
-// 2048 × 32767 / 4681 is 14336 = 56 × 256 exactly, since 4681 × 7 = 32767. The quotient 2048 / 4681 however is
-// inexact and cut toward zero, so the product ends below 14336: v = 55 and 3025 × 31 / 16129 = 5.8, where
-// multiplying first would give v = 56 and 6.03.
+// 2048 × 32767 / 4681 is 14336 = 56 × 256 exactly, since 4681 × 7 = 32767. The quotient 2048 / 4681
+// however is inexact and cut toward zero, so the product ends below 14336: v = 55 and 3025 × 31 /
+// 16129 = 5.8, where multiplying first would give v = 56 and 6.03.
 TEST_F(ZoomViewMakerTest, DividesByTheTrackPeakBeforeItMultiplies) {
     Stereo track = constant(2048, 320);
     append(track, constant(4681, 320));
@@ -348,8 +352,8 @@ TEST_F(ZoomViewMakerTest, AgreesWithAPlainWaveThatPauses) {
     }
 }
 
-// From 40 to 400 Hz in 20 s: thousands of frames, of which some lie so near a class's bound that a corner one hertz
-// off would move them over it.
+// From 40 to 400 Hz in 20 s: thousands of frames, of which some lie so near a class's bound that a
+// corner one hertz off would move them over it.
 TEST_F(ZoomViewMakerTest, AgreesWithAPlainWaveOfASweep) {
     Stereo sweep;
     double angle = 0.0;
@@ -377,8 +381,8 @@ TEST_F(ZoomViewMakerTest, GivesTheSameBitsForAnyBlockLength) {
         EXPECT_THAT(waveOf(track, true, 48000, block), ElementsAreArray(expected)) << block;
 }
 
-// 1000 declared, 1500 fed in one call: the frame that crosses 1000 (960…1279) takes its 280 further frames too, and
-// the rest is ignored.
+// 1000 declared, 1500 fed in one call: the frame that crosses 1000 (960…1279) takes its 280 further
+// frames too, and the rest is ignored.
 TEST_F(ZoomViewMakerTest, CompletesTheCrossingFrameFromTheCallAndIgnoresTheRest) {
     for (const bool deferred : {true, false}) {
         StereoFedZoom maker;

@@ -31,9 +31,9 @@ constexpr double kClear = 2.5;
 constexpr double kLeastStanding = 2.3;
 constexpr std::size_t kLeastLine = 9;
 constexpr float kFirstOnset = 2.0F;
-// What sounds on the first frame, and a fifteenth of a second later by a factor of e less in the mean
-// of the three upper groups, began with the track. With less of a fall, music that was cut into
-// would count too.
+// What sounds on the first frame, and a fifteenth of a second later by a factor of e less in the
+// mean of the three upper groups, began with the track. With less of a fall, music that was cut
+// into would count too.
 constexpr std::size_t kFallFrames = 10;
 constexpr float kFirstFall = 3.0F;
 constexpr int kUsualBar = 4;

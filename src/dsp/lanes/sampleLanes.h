@@ -6,7 +6,7 @@
 
 #include "dsp/lanes/vectorLanes.h"
 
-/** Sample conversions for kernels in lanes; sampleBlocks.h has them for everybody else. */
+/** Sample conversions inside kernels in lanes; those of sampleBlocks.h are kernels of their own. */
 namespace beatatlas {
 
 /** Half the sum of the two channels of a frame, exact. */
@@ -14,7 +14,7 @@ inline double monoOfFrame(const std::int16_t* frame) {
     return static_cast<double>(static_cast<int>(frame[0]) + static_cast<int>(frame[1])) * 0.5;
 }
 
-/** out[i] = monoOfFrame() of frame i, n of them; the kernel of monoOfBlock(). */
+/** out[i] = monoOfFrame() of frame i, n of them. */
 template <std::size_t kWidth>
 struct MonoOfBlock {
     using Frames = Lanes<std::int32_t, kWidth>;

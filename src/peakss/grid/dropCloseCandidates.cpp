@@ -7,7 +7,6 @@
 
 #include "dsp/processorYield.h"
 #include "dsp/truncation.h"
-#include "peakss/grid/dropStrayGroups.h"
 #include "peakss/grid/segments.h"
 
 namespace peakss {

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // A window of four beats b0..b3 slides over the grid. With the gaps d1, d2, d3 between them, the
 // outer two say what the middle one should be:
-//   too short   move b2 on to the gap of one neighbour, or share the window out evenly, or give up a
-//               beat
+//   too short   move b2 on to the gap of one neighbour, or share the window out evenly, or give up
+//               a beat
 //   too long    move b2 back to the gap of one neighbour, or share the window out evenly, or gain a
 //               beat
 // Which of them is decided by where the odd gap lies: a neighbour much unlike the other is not to

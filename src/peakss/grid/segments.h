@@ -12,8 +12,8 @@ namespace peakss {
 // interval its beat in ms. What two other fields hold is read and written by the functions here
 // alone.
 
-/** Quarter beats from one anchor to the next: the beats that the grid is tied to. The number that
- *  stands before the segment is refined means nothing. */
+/** Quarter beats from one anchor to the next: the beats that the grid is tied to. Means nothing
+ *  before the segment has been refined. */
 inline std::int32_t anchorSpacing(const BeatInfo& segment) {
     return segment.group;
 }

@@ -36,11 +36,11 @@ struct BeatSensor::Band {
     PeakBuffer buffer;
     /** A block for a band that listens to the onsets of another. */
     std::unique_ptr<float[]> onsets;
-    /** The chunk in hand, filtered and rectified, or its onsets. */
+    /** The block in hand, filtered and rectified, or its onsets. */
     const float* signal = nullptr;
     /** Sum of the samples in the current step. */
     float acc = 0.0F;
-    /** Of the steps that the chunk in hand closes. */
+    /** Of the steps that the block in hand closes. */
     std::unique_ptr<float[]> levels;
     /** Index of the first of these levels that confirms a peak and has not been taken yet. */
     int nextPeak = 0;

@@ -17,8 +17,8 @@ class BeatSensorSignal;
 class PeakBuffer;
 
 /** Turns the rectified bands of a mono signal into beats: averages each over short steps, follows
- *  its level peaks, and lets all bands vote on the tempo. Each time a band finds a regular beat of
- *  the tempo the vote agrees on, its receiver hears of it.
+ *  its level peaks, and lets all bands vote on the tempo. Each regular beat that a band finds at
+ *  the tempo the vote agrees on goes to the receiver.
  *
  *  The six bands of a session: below 283 Hz; a band around 150 Hz; 283 to 6000 Hz; above 6000 Hz;
  *  the onsets of the first band (its level less a moving mean of 1 ms), and those of the fourth
@@ -55,7 +55,7 @@ public:
      *  the range only loudView is served.
      *  @param mono   full scale ±1.0; for loudView alone
      *  @param bands  of the n samples, filtered from the start of the track on by the filters of
-     *                designFilters()
+     *                designBands()
      *  @param n      at most a block of rate / 75 samples */
     bool put(const float* mono, const BandSignals& bands, int n, beatatlas::LVMakeBase* loudView);
 

@@ -13,7 +13,7 @@ constexpr float kDrumOctaves = 1.5F;
 
 }  // namespace
 
-void designFilters(std::array<beatatlas::IirPassFilter, 4>& filters, float rate) {
+void designBands(std::array<beatatlas::IirPassFilter, 4>& filters, float rate) {
     filters[0].createLowPathFilter(kLowCornerHz, rate, kButterworthQ);
     filters[1].createBandPathFilterW(kDrumHz, rate, kDrumOctaves);
     filters[2].createMidPathFilterB(kLowCornerHz, kHighCornerHz, rate, kButterworthQ);

@@ -11,7 +11,7 @@ namespace peakss {
  *  samples as the block. They stay the caller's; nobody keeps them beyond the call. */
 struct BandSignals {
     /** One array for each band that is filtered, in the order of the sensor's bands: those of
-     *  designFilters() and none for the onsets. Never null. */
+     *  designBands() and none for the onsets. Never null. */
     float* const* bands;
     /** The band-pass of LVMakeBase::kLowBandHz and kLowBandQ; null when there is no loudness
      *  view. */
@@ -20,6 +20,6 @@ struct BandSignals {
 
 /** Gives the four filters of a sensor of four or six bands their parts of the spectrum, for a rate
  *  in Hz. */
-void designFilters(std::array<beatatlas::IirPassFilter, 4>& filters, float rate);
+void designBands(std::array<beatatlas::IirPassFilter, 4>& filters, float rate);
 
 }  // namespace peakss

@@ -149,7 +149,8 @@ TEST_F(PeakSensorTest, LaterFallsLeaveFromTheLine) {
     put(1.0F);
     EXPECT_EQ(sensor_.line(), 0.8F);
     silenceUntil(8 + 24000);
-    // More than 24000 after the peak only here: the fall is planned, and begins with the next level.
+    // More than 24000 after the peak only here: the fall is planned, and begins with the next
+    // level.
     put(0.0F);
     EXPECT_EQ(sensor_.line(), 0.8F);
     put(0.0F);

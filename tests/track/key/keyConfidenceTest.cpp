@@ -30,7 +30,8 @@ TEST(KeyConfidence, OfNoiseIsNextToNothing) {
     EXPECT_EQ(confidenceOfKey(0.08, kWholeTrack), 0.08);
 }
 
-// In three seconds of music fewer than half of the likely answers are right, in a minute nearly all.
+// In three seconds of music fewer than half of the likely answers are right, in a minute nearly
+// all.
 TEST(KeyConfidence, GrowsWithWhatWasHeard) {
     double last = 0.0;
     for (int i = 0; i <= 600; ++i) {
