@@ -62,9 +62,9 @@ public:
      *  those of another track then. */
     bool hasMissedFrames() const { return spectrum_.hasMissedFrames(); }
 
-    /** Frames that wait for the band filter. They are filtered in time, but who has other work to
-     *  do may have some of them filtered beside it, in steps: takeFiltered() counts how many more
-     *  have been taken, and hands over the samples that came of it. */
+    /** Frames that wait for the band filter. putSample() filters all of them in the end; a caller
+     *  that runs other filters may filter some of them beside those. takeFiltered() then says how
+     *  many more frames have been taken, and passes on the samples that resulted. */
     struct BandBlock {
         KeyBandFilter* filter;
         const std::int16_t* frames;
