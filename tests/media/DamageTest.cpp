@@ -149,7 +149,7 @@ std::string wavering(std::string flv) {
     std::size_t tag = 0;
     for (std::size_t at = kFirstTag; at + kTagFrame <= flv.size();
          at += kTagFrame + three(at + 1)) {
-        const std::size_t time = three(at + 4) + tag++ * 7 % 15;
+        const std::size_t time = three(at + 4) + tag++ * 13 % 15;
         for (const std::size_t i : {0, 1, 2})
             flv[at + 4 + i] = static_cast<char>(time >> (16 - 8 * i) & 0xFF);
     }
