@@ -60,6 +60,9 @@ public:
     std::int64_t damagedPages() const { return oggPackets_ ? oggPackets_->damagedPages() : 0; }
     std::int64_t repeatedPages() const { return oggPackets_ ? oggPackets_->repeatedPages() : 0; }
 
+    /** Whether pages or packets before the first one are missing. After next(). */
+    bool lacksBeginning() const { return oggPackets_ && oggPackets_->lacksBeginning(); }
+
     /** Whether the file, of a format that marks its end, has no such mark. */
     bool lacksEnd() const { return lacksEnd_; }
 

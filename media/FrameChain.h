@@ -12,6 +12,9 @@ class FrameChain {
 public:
     virtual ~FrameChain() = default;
 
+    /** Gets ready for frames like this one, which is not put in: silence may come before it. */
+    virtual void begin(const AVFrame& frame) = 0;
+
     /** Leaves out so many of the next frames at the track's own rate: they belong to the encoder's
      *  delay, or were there before. */
     virtual void dropFrames(std::int64_t frames) = 0;

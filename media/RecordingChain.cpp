@@ -23,7 +23,7 @@ float finite(float sample) {
 
 void RecordingChain::put(const AVFrame& frame) {
     base::Interrupt::check();
-    if (recording_.rate == 0) begin(frame);
+    begin(frame);
     const auto channels = static_cast<std::size_t>(frame.ch_layout.nb_channels);
     if (frame.sample_rate != recording_.rate || channels != recording_.channels.size())
         throw base::TrackError(
@@ -42,6 +42,7 @@ void RecordingChain::put(const AVFrame& frame) {
 }
 
 void RecordingChain::begin(const AVFrame& frame) {
+    if (recording_.rate != 0) return;
     if (frame.sample_rate <= 0) throw base::TrackError("holds audio without a sample rate");
     recording_.rate = frame.sample_rate;
     const AVChannelLayout& layout = frame.ch_layout;

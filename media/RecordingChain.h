@@ -24,6 +24,7 @@ public:
 
     /** @throws TrackError when rate or channels change on the way
      *  @throws Interrupted */
+    void begin(const AVFrame& frame) override;
     void put(const AVFrame& frame) override;
     void putSilence(std::int64_t frames) override;
     void finish() override {}
@@ -33,8 +34,6 @@ public:
     Recording& recording() { return recording_; }
 
 private:
-    void begin(const AVFrame& frame);
-
     double expectedSeconds_;
     std::function<void(std::size_t)> counted_;
     PlanarFloats floats_;

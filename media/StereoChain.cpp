@@ -17,8 +17,12 @@ constexpr std::size_t kStretchFrames = 16384;
 
 }  // namespace
 
-void StereoChain::put(const AVFrame& frame) {
+void StereoChain::begin(const AVFrame& frame) {
     if (frame.sample_rate != trackRate_ || trackRate_ == 0) setTrackRate(frame.sample_rate);
+}
+
+void StereoChain::put(const AVFrame& frame) {
+    begin(frame);
     StereoBlock& block = fold_.fold(frame);
     dropDelay(block);
     toSessionRate(block);

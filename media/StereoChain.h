@@ -21,6 +21,7 @@ public:
     explicit StereoChain(TrackSink& sink) : sink_(sink) {}
 
     void dropFrames(std::int64_t frames) override { framesToDrop_ += frames; }
+    void begin(const AVFrame& frame) override;
     void put(const AVFrame& frame) override;
     void putSilence(std::int64_t frames) override;
     void finish() override;

@@ -2,6 +2,7 @@
 #include "media/TrackDecoder.h"
 
 #include <algorithm>
+#include <cmath>
 #include <span>
 #include <utility>
 
@@ -28,6 +29,9 @@ constexpr std::int64_t kMostForeign = 100;
 
 // So much denser than the rest may what is missing have been.
 constexpr double kMostUneven = 2.0;
+
+// Where the declared length does not bound it.
+constexpr double kLongestLostBeginning = 60.0;
 
 constexpr AVRational perSecond(int rate) {
     return {1, rate};
@@ -169,9 +173,33 @@ void TrackDecoder::begin(const AVFrame& frame, FrameChain& chain) {
     format_.channels = frame.ch_layout.nb_channels;
     format_.trackRate = frame.sample_rate;
     const std::int64_t dropped = delay_.framesToDrop(frame.nb_samples, frame.sample_rate);
-    chain.dropFrames(dropped);
+    const std::int64_t missing = missingAtBeginning(frame);
+    chain.begin(frame);
+    chain.dropFrames(std::max<std::int64_t>(0, dropped - missing));
+    if (missing > dropped) fillGap(missing - dropped, frame.sample_rate, chain);
     if (const auto frames = media::declaredFrames(container_, input_, frame.sample_rate))
         declaredFrames_ = *frames - dropped;
+}
+
+/** Frames that were lost before the first one that was decoded. A recording may begin at any time:
+ *  only where damage was seen, and in FLAC, which counts its samples from 0, is that a loss. */
+std::int64_t TrackDecoder::missingAtBeginning(const AVFrame& frame) const {
+    const bool isDamaged = pendingDamage_.packets > 0 || container_.lacksBeginning();
+    if (!isDamaged && !container_.isFormat("flac")) return 0;
+    if (!packets_.tellTime() || frame.pts == AV_NOPTS_VALUE) return 0;
+    const double late = static_cast<double>(frame.pts) * packets_.tick() - secondsOfBeginning();
+    const double most = std::max(kLongestLostBeginning, declaredSeconds().value_or(0.0));
+    if (!(late > 0.5 * frame.nb_samples / frame.sample_rate) || late > most) return 0;
+    return std::llround(late * frame.sample_rate);
+}
+
+/** The time of the track's first frame, in the terms of its packets. */
+double TrackDecoder::secondsOfBeginning() const {
+    const AVCodecParameters& codec = *container_.stream().codecpar;
+    if (container_.isReadByPages())
+        return codec.codec_id == AV_CODEC_ID_OPUS ? codec.initial_padding * packets_.tick() : 0.0;
+    if (container_.isFormat("flac") || container_.isFormat("matroska")) return 0.0;
+    return static_cast<double>(std::max<std::int64_t>(0, packets_.first())) * packets_.tick();
 }
 
 double TrackDecoder::shareRead() const {
@@ -210,6 +238,12 @@ bool TrackDecoder::hasForeignRest() const {
     return end && input_.size() - *end > input_.size() / kMostForeign;
 }
 
+/** Whether the fragments of an MP4 file end in damage. What is behind it cannot be read, and none of
+ *  them says how much that is. */
+bool TrackDecoder::losesItsRest() const {
+    return hasForeignRest() && isMp4InFragments(input_);
+}
+
 /** Whether the file has bytes where the rest of the track should be: otherwise it was cut off. */
 bool TrackDecoder::isEndDamaged(double missingSeconds) const {
     if (decodedEnd_ <= 0 || tally_.seconds <= 0.0) return false;
@@ -227,7 +261,7 @@ bool TrackDecoder::isCutOff() const {
     // go by; where they do, it may as well be a foreign tag after the music.
     const bool hasTrouble = tally_.readFailure != 0 || tally_.isLastPacketDamaged;
     if (hasTrouble && !tellsPacketLengths() && !declaredSeconds()) return true;
-    if (isShorterThanDeclared()) return true;
+    if (isShorterThanDeclared() || losesItsRest()) return true;
     const auto end = declaredEnd(container_, input_);
     return end && *end > input_.size() && !isMissingInside(*end - input_.size());
 }

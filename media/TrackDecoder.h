@@ -75,6 +75,8 @@ private:
     void finish(FrameChain& chain);
     void decode(const AVPacket* packet, FrameChain& chain);
     void begin(const AVFrame& frame, FrameChain& chain);
+    std::int64_t missingAtBeginning(const AVFrame& frame) const;
+    double secondsOfBeginning() const;
     bool isIncomplete(const AVPacket& packet) const;
     void noteDamage(const AVPacket* packet);
     std::int64_t missingBefore(const AVFrame& frame);
@@ -82,6 +84,7 @@ private:
     void fillGap(std::int64_t frames, int rate, FrameChain& chain);
     void fillEnd(FrameChain& chain);
     bool hasForeignRest() const;
+    bool losesItsRest() const;
     bool isEndDamaged(double missingSeconds) const;
     void deliver(AVFrame& frame, FrameChain& chain);
     void dropPadding(AVFrame& frame) const;

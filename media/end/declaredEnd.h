@@ -19,6 +19,7 @@ std::optional<std::int64_t> declaredEnd(const Container& container, const FileIn
 std::optional<std::int64_t> waveEnd(const FileInput& input);  ///< end of the data chunk
 std::optional<std::int64_t> mp4End(const FileInput& input);   ///< end of the last box that is begun
 std::optional<std::int64_t> oggEnd(const FileInput& input);  ///< end of the last page that is begun
+bool isMp4InFragments(const FileInput& input);
 std::optional<std::int64_t> asfEnd(const FileInput& input);  ///< end of the data object
 std::optional<std::int64_t>
 mpegAudioEnd(const FileInput& input);  ///< by the byte count of the Xing or Info header

@@ -20,13 +20,14 @@ bool isBox(const std::string& type) {
     return std::find(kTypes.begin(), kTypes.end(), type) != kTypes.end();
 }
 
-}  // namespace
-
-std::optional<std::int64_t> mp4End(const FileInput& input) {
+/** Calls visit(type) for each box that is begun. @return where the last one ends */
+template <class Visit>
+std::int64_t walkBoxes(const FileInput& input, const Visit& visit) {
     std::int64_t end = 0;
     while (end < input.size()) {
         const FileBytes header(input, end, 16);
         if (!isBox(header.text(4, 4))) break;
+        visit(header.text(4, 4));
         std::uint64_t length = header.bigEndian(0, 4);
         if (length == 1) length = header.bigEndian(8, 8);
         // 0: the box goes to the end of the file, wherever that is.
@@ -34,6 +35,18 @@ std::optional<std::int64_t> mp4End(const FileInput& input) {
         end += static_cast<std::int64_t>(length);
     }
     return end;
+}
+
+}  // namespace
+
+std::optional<std::int64_t> mp4End(const FileInput& input) {
+    return walkBoxes(input, [](const std::string&) {});
+}
+
+bool isMp4InFragments(const FileInput& input) {
+    bool hasFragment = false;
+    walkBoxes(input, [&](const std::string& type) { hasFragment |= type == "moof"; });
+    return hasFragment;
 }
 
 }  // namespace media

@@ -105,10 +105,10 @@ bool OggPackets::readPage() {
     pageOffset_ = page->offset;
     auto pieces = piecesOf(*page);
     if (pieces.empty()) return true;
+    const bool isFirst = line_ < 0;
     setTimes(*page, pieces);
-    pieces.erase(std::remove_if(pieces.begin(), pieces.end(),
-                                [](const Piece& piece) { return piece.isSuspect; }),
-                 pieces.end());
+    const auto suspects = std::erase_if(pieces, [](const Piece& piece) { return piece.isSuspect; });
+    lacksBeginning_ |= isFirst && (!isContiguous_ || suspects > 0);
     pieces_ = std::move(pieces);
     return true;
 }
@@ -203,6 +203,18 @@ void OggPackets::markSuspects(std::deque<Piece>& pieces) const {
     }
 }
 
+/** How much of Vorbis' first packets is the coder's delay, all of the first page's packets tell
+ *  together: with one of them missing the time of those before it is not known. */
+void OggPackets::spreadSuspicion(std::deque<Piece>& pieces) {
+    const auto last = std::find_if(pieces.rbegin(), pieces.rend(),
+                                   [](const Piece& piece) { return piece.isSuspect; });
+    for (auto piece = last; piece != pieces.rend(); ++piece) piece->isSuspect = true;
+}
+
+bool OggPackets::isVorbis() const {
+    return stream_.codecpar->codec_id == AV_CODEC_ID_VORBIS;
+}
+
 /** From the page before onward as far as nothing is wrong, and back from the page's end. */
 void OggPackets::setTimes(const OggPage& page, std::deque<Piece>& pieces) {
     const std::int64_t length =
@@ -219,9 +231,12 @@ void OggPackets::setTimes(const OggPage& page, std::deque<Piece>& pieces) {
     if (!isEndKnown) end = begin + length;
     const bool isTrimmed = page.isLast && followsOn && end < begin + length;
     if (!page.isSound && end != begin + length && !isTrimmed) markSuspects(pieces);
+    if (line_ < 0 && isVorbis()) spreadSuspicion(pieces);
     const auto suspect = std::find_if(pieces.begin(), pieces.end(),
                                       [](const Piece& piece) { return piece.isSuspect; });
-    const bool goesForward = followsOn && (suspect != pieces.end() || isTrimmed);
+    const bool beginsHere = isContiguous_ && line_ < 0 && !isVorbis();
+    const bool goesForward = (followsOn && (suspect != pieces.end() || isTrimmed)) ||
+                             (beginsHere && suspect != pieces.end());
     std::int64_t time = end;
     for (auto piece = pieces.rbegin(); piece != pieces.rend(); ++piece) {
         time -= piece->duration;
@@ -232,7 +247,7 @@ void OggPackets::setTimes(const OggPage& page, std::deque<Piece>& pieces) {
         piece->time = time;
         time += piece->duration;
     }
-    if (line_ < 0 && stream_.codecpar->codec_id == AV_CODEC_ID_VORBIS) trimStart(pieces);
+    if (line_ < 0 && isVorbis()) trimStart(pieces);
     if (isTrimmed) trimEnd(pieces, end);
     line_ = end;
     if (page.isSound && stream_.codecpar->codec_id == AV_CODEC_ID_OPUS)

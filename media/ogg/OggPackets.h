@@ -29,6 +29,9 @@ public:
     /** @return false at the end */
     bool next(AVPacket& packet);
 
+    /** Whether something is missing between the headers and the first packet. After next(). */
+    bool lacksBeginning() const { return lacksBeginning_; }
+
     std::int64_t damagedPages() const { return damagedPages_; }
     std::int64_t repeatedPages() const { return repeatedPages_; }
 
@@ -48,6 +51,8 @@ private:
     void setTimes(const OggPage& page, std::deque<Piece>& pieces);
     static void trimStart(std::deque<Piece>& pieces);
     static void trimEnd(std::deque<Piece>& pieces, std::int64_t end);
+    static void spreadSuspicion(std::deque<Piece>& pieces);
+    bool isVorbis() const;
     void markSuspects(std::deque<Piece>& pieces) const;
     bool isHeader(const std::string& bytes, const OggPage& page) const;
     std::int64_t speexDuration() const;
@@ -63,6 +68,7 @@ private:
     std::optional<std::uint32_t> serial_;
     std::string partial_;
     bool hasPartial_ = false;
+    bool lacksBeginning_ = false;
     bool isContiguous_ = false;  ///< no page is missing before the present one
     std::uint32_t number_ = 0;   ///< of the next page
     std::int64_t line_ = -1;     ///< granule at which the last page ended; -1: not known

@@ -30,6 +30,9 @@ public:
     /** The shortest time that the packets' times can tell apart, seconds. */
     double tick() const { return tick_; }
 
+    /** Time of the first packet, in ticks. */
+    std::int64_t first() const { return first_; }
+
     /** Whether something was missing or amiss since the last call. */
     bool takeAlarm() { return std::exchange(isAlarmed_, false); }
 

@@ -56,18 +56,20 @@ TEST_P(DamagedFile, KeepsTheTimeBehindTheDamageAndSaysWhatIsMissing) {
 
 INSTANTIATE_TEST_SUITE_P(
     Formats, DamagedFile,
-    testing::Values(DamageCase{"Flac", "flac", {"flips 1e-4", "zeroed", "removed", "doubled"}},
-                    DamageCase{"Vorbis", "ogg vorbis", {"zeroed", "removed", "doubled"}},
-                    DamageCase{"Opus", "ogg opus", {"zeroed", "removed", "doubled"}},
-                    DamageCase{"Mp3", "mp3 CBR", {"zeroed"}},
-                    DamageCase{"Adts", "adts aac", {"flips 1e-4", "zeroed"}},
-                    DamageCase{"Ac3", "ac3", {"zeroed"}}, DamageCase{"Mp4", "m4a aac", {"zeroed"}},
-                    DamageCase{"Alac", "m4a alac", {"zeroed"}},
-                    DamageCase{"Matroska", "mka vorbis", {"zeroed", "removed", "doubled"}},
-                    DamageCase{"WebM", "webm opus", {"zeroed", "removed", "doubled"}},
-                    DamageCase{"TransportStream", "ts aac", {"zeroed", "removed"}},
-                    DamageCase{"Flv", "flv aac", {"zeroed", "removed", "doubled"}},
-                    DamageCase{"Wma", "asf wma2", {"zeroed", "removed"}}),
+    testing::Values(
+        DamageCase{"Flac", "flac", {"flips 1e-4", "zeroed", "removed", "doubled", "beginning"}},
+        DamageCase{"Vorbis", "ogg vorbis", {"zeroed", "removed", "doubled"}},
+        DamageCase{"Opus", "ogg opus", {"zeroed", "removed", "doubled", "beginning"}},
+        DamageCase{"Mp3", "mp3 CBR", {"zeroed"}},
+        DamageCase{"Adts", "adts aac", {"flips 1e-4", "zeroed"}},
+        DamageCase{"Ac3", "ac3", {"zeroed"}}, DamageCase{"Mp4", "m4a aac", {"zeroed"}},
+        DamageCase{"Alac", "m4a alac", {"zeroed", "beginning"}},
+        DamageCase{"Matroska", "mka vorbis", {"zeroed", "removed", "doubled"}},
+        DamageCase{"FlacInMatroska", "mka flac", {"zeroed"}},
+        DamageCase{"WebM", "webm opus", {"zeroed", "removed", "doubled"}},
+        DamageCase{"TransportStream", "ts aac", {"zeroed", "removed"}},
+        DamageCase{"Flv", "flv aac", {"zeroed", "removed", "doubled"}},
+        DamageCase{"Wma", "asf wma2", {"zeroed", "removed"}}),
     [](const auto& instance) { return std::string(instance.param.name); });
 
 class DamagedFiles : public testing::Test {

@@ -5,6 +5,12 @@
 
 namespace test {
 
+namespace {
+
+constexpr std::size_t kMostHeaderBytes = 5000;
+
+}  // namespace
+
 const std::vector<DamageFormat>& damageFormats() {
     static const std::vector<DamageFormat> kFormats = {
         {"wav", {"wav", "pcm_s16le"}},
@@ -59,10 +65,11 @@ const std::vector<DamageFormat>& damageFormats() {
 const std::vector<DamageKind>& damageKinds() {
     using What = DamageKind::What;
     static const std::vector<DamageKind> kKinds = {
-        {"flips 1e-7", What::flips, 1e-7}, {"flips 1e-6", What::flips, 1e-6},
-        {"flips 1e-5", What::flips, 1e-5}, {"flips 1e-4", What::flips, 1e-4},
-        {"flips 1e-3", What::flips, 1e-3}, {"zeroed", What::zeros},
-        {"removed", What::removal},        {"doubled", What::doubling}};
+        {"flips 1e-7", What::flips, 1e-7},   {"flips 1e-6", What::flips, 1e-6},
+        {"flips 1e-5", What::flips, 1e-5},   {"flips 1e-4", What::flips, 1e-4},
+        {"flips 1e-3", What::flips, 1e-3},   {"zeroed", What::zeros},
+        {"removed", What::removal},          {"doubled", What::doubling},
+        {"beginning", What::zeroedBeginning}};
     return kKinds;
 }
 
@@ -105,9 +112,13 @@ std::string damaged(std::string bytes, const DamageKind& kind, std::uint32_t see
     }
     const auto length =
         static_cast<std::size_t>(static_cast<double>(size) * (0.02 + 0.03 * numbers.next()));
-    const std::size_t at = size / 10 + numbers.below(size * 7 / 8 - size / 10 - length);
+    // Behind headers of a few thousand bytes, the first packets.
+    const std::size_t at = kind.what == DamageKind::What::zeroedBeginning
+                               ? kMostHeaderBytes
+                               : size / 10 + numbers.below(size * 7 / 8 - size / 10 - length);
     switch (kind.what) {
     case DamageKind::What::zeros:
+    case DamageKind::What::zeroedBeginning:
         std::fill_n(bytes.begin() + static_cast<std::ptrdiff_t>(at), length, '\0');
         break;
     case DamageKind::What::removal:

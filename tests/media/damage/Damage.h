@@ -22,7 +22,7 @@ struct DamageFormat {
 
 /** One way in which files get damaged. */
 struct DamageKind {
-    enum class What { flips, zeros, removal, doubling };
+    enum class What { flips, zeros, removal, doubling, zeroedBeginning };
     const char* name;
     What what;
     double rate = 0.0;  ///< of flipped bits, per byte
@@ -48,7 +48,8 @@ private:
 Sound unmistakableSound(int rate, double seconds);
 
 /** The file with bits flipped anywhere, at least one, or with a stretch of 2 to 5 % of its bytes
- *  zeroed, removed or doubled, between the first tenth of the file and its last eighth. */
+ *  zeroed, removed or doubled, between the first tenth of the file and its last eighth, or zeroed
+ *  among the first packets. */
 std::string damaged(std::string bytes, const DamageKind& kind, std::uint32_t seed);
 
 }  // namespace test
