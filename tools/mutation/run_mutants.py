@@ -88,7 +88,7 @@ def build(mutants, folder):
                               stdout=subprocess.PIPE, text=True)
         if made.returncode == 0:
             return
-        refused = refused_mutants(made.stdout, mutants)
+        refused = refused_mutants(made.stdout, mutants, folder / 'build')
         if not refused:
             raise SystemExit(made.stdout[-3000:])
         print(f'{len(refused)} do not compile', flush=True)
@@ -96,9 +96,10 @@ def build(mutants, folder):
             del mutants[number]
 
 
-def refused_mutants(output, mutants):
-    places = {(os.path.realpath(file), int(line))
-              for file, line in re.findall(r'^(/[^:\n]+):(\d+):\d+: (?:fatal )?error', output, re.M)}
+def refused_mutants(output, mutants, build_folder):
+    message = r'^([^:\s]+):(\d+):\d+: (?:fatal error|internal compiler error|error)'
+    places = {(os.path.realpath(build_folder / file), int(line))
+              for file, line in re.findall(message, output, re.M)}
     # A replacement keeps the line breaks of what it replaces, but may write an operand twice.
     return [number for number, mutant in mutants.items()
             if any(file == os.path.realpath(mutant.file) and abs(line - mutant.line) <= 2
