@@ -133,22 +133,12 @@ bool Container::resume() {
     AVIOContext* bytes = input_.context();
     std::int64_t place = avio_tell(bytes);
     if (isFormat("wv")) {
-        place = findBytes("wvpk", std::max(lastFailureAt_ + 1, packetEnd_));
+        place = findInFile(input_, "wvpk", std::max(lastFailureAt_ + 1, packetEnd_), input_.size());
         if (place < 0) return false;
     }
     if (place <= lastFailureAt_ || place >= input_.size()) return false;
     lastFailureAt_ = place;
     return avio_seek(bytes, place, SEEK_SET) >= 0;
-}
-
-/** Where the bytes occur next; -1 when they do not. */
-std::int64_t Container::findBytes(const std::string& bytes, std::int64_t from) const {
-    constexpr std::size_t kWindow = 1U << 16;
-    for (std::int64_t at = from; at < input_.size(); at += kWindow - bytes.size()) {
-        const std::size_t found = FileBytes(input_, at, kWindow).text(0, kWindow).find(bytes);
-        if (found != std::string::npos) return at + static_cast<std::int64_t>(found);
-    }
-    return -1;
 }
 
 bool Container::isFormat(const char* name) const {

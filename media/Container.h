@@ -76,7 +76,6 @@ private:
     void chooseStream();
     void surveyPages();
     bool resume();
-    std::int64_t findBytes(const std::string& bytes, std::int64_t from) const;
     [[noreturn]] void refuse(int error, const char* otherwise) const;
 
     FileInput& input_;

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "media/end/FileBytes.h"
 
+#include <algorithm>
+
 #include "media/FileInput.h"
 
 namespace media {
@@ -28,6 +30,18 @@ std::uint64_t FileBytes::littleEndian(std::size_t at, std::size_t count) const {
 
 std::string FileBytes::text(std::size_t at, std::size_t count) const {
     return at < bytes_.size() ? bytes_.substr(at, count) : std::string();
+}
+
+std::int64_t findInFile(const FileInput& input, std::string_view text, std::int64_t from,
+                        std::int64_t end) {
+    constexpr std::size_t kWindow = std::size_t{1} << 16;
+    // Each window begins before the last one ends: the text may lie across.
+    const auto step = static_cast<std::int64_t>(kWindow - text.size());
+    for (std::int64_t at = from; at < std::min(end, input.size()); at += step) {
+        const std::size_t found = FileBytes(input, at, kWindow).findFirst(text);
+        if (found != std::string::npos) return at + static_cast<std::int64_t>(found);
+    }
+    return -1;
 }
 
 }  // namespace media

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 namespace media {
 
@@ -20,11 +21,19 @@ public:
     std::uint64_t littleEndian(std::size_t at, std::size_t count) const;
     std::string text(std::size_t at, std::size_t count) const;
 
+    /** Where the text occurs first; std::string::npos when it does not. */
+    std::size_t findFirst(std::string_view text) const { return bytes_.find(text); }
+
     /** Where the text occurs last; std::string::npos when it does not. */
     std::size_t findLast(const std::string& text) const { return bytes_.rfind(text); }
 
 private:
     std::string bytes_;
 };
+
+/** Where the text occurs first in a file, beginning at `from` or behind it and before `end`; -1 when
+ *  it does not. */
+std::int64_t findInFile(const FileInput& input, std::string_view text, std::int64_t from,
+                        std::int64_t end);
 
 }  // namespace media

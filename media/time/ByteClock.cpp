@@ -85,23 +85,16 @@ bool ByteClock::judge(AVPacket& packet) {
     return true;
 }
 
-/** Finds the packet in the file where FFmpeg's account of its place cannot be relied on. */
+/** Finds the packet in the file where FFmpeg's account of its place cannot be relied on. Its bytes
+ *  have been read: it lies before the place up to which the file was. */
 void ByteClock::locate(AVPacket& packet) {
     if (!arePlacesOff_ || end_ < 0) return;
-    std::int64_t place = end_;
-    if (!standsAt(packet, place)) {
-        const std::string_view print(reinterpret_cast<const char*>(packet.data),
-                                     std::min<std::size_t>(kPrintBytes, packet.size));
-        for (bool isFound = false; !isFound && place < input_.size();) {
-            window_ = FileBytes(input_, place, kWindowBytes).text(0, kWindowBytes);
-            windowAt_ = place;
-            const std::size_t at = window_.find(print);
-            isFound = at != std::string::npos;
-            place += static_cast<std::int64_t>(isFound ? at : kWindowBytes - kPrintBytes);
-        }
-        if (place >= input_.size()) place = end_;
-    }
-    packet.pos = place;
+    packet.pos = end_;
+    if (standsAt(packet, end_)) return;
+    const std::string_view print(reinterpret_cast<const char*>(packet.data),
+                                 std::min<std::size_t>(kPrintBytes, packet.size));
+    const std::int64_t found = findInFile(input_, print, end_, avio_tell(input_.context()));
+    if (found >= 0) packet.pos = found;
 }
 
 bool ByteClock::standsAt(const AVPacket& packet, std::int64_t place) {
