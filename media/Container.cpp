@@ -14,17 +14,16 @@ namespace media {
 
 namespace {
 
-// Containers by FFmpeg's names. Everything else that FFmpeg can open is no music file, or opens
-// further files.
+// Containers by FFmpeg's names. Whatever else FFmpeg can open is not music, or opens further files.
 constexpr std::array<std::string_view, 31> kAudioContainers = {
     "aac",    "ac3",  "aiff", "amr", "ape",  "asf",      "au",  "avi", "caf", "dsf",  "dts",
     "eac3",   "flac", "flv",  "iff", "loas", "matroska", "mov", "mp3", "mpc", "mpc8", "mpeg",
     "mpegts", "ogg",  "rm",   "shn", "tak",  "tta",      "w64", "wav", "wv"};
 
-// A tag with a large cover picture may stand before the first byte that tells what the file is.
+// A tag with a large cover picture may stand before the first byte that shows what the file is.
 constexpr unsigned kProbeBytes = 16U << 20;
 
-// Below this, FFmpeg has seen a pattern that chance makes too: one lone frame header in arbitrary
+// Below this, FFmpeg has found only what occurs by chance too: a lone frame header in arbitrary
 // bytes.
 constexpr int kLeastProbeScore = 2;
 
@@ -47,7 +46,7 @@ int refuseToOpen(AVFormatContext*, AVIOContext**, const char*, int, AVDictionary
     return AVERROR(EPERM);
 }
 
-/** Empty when there is none of that name, in capitals or not. */
+/** Empty when there is no tag of that name; case does not matter. */
 std::string tagOf(const AVDictionary* tags, const char* name) {
     const AVDictionaryEntry* tag = av_dict_get(tags, name, nullptr, 0);
     return tag == nullptr ? std::string() : tag->value;
@@ -128,7 +127,7 @@ bool Container::next(AVPacket& packet) {
     }
 }
 
-/** Goes on behind a place that cannot be read. Each time a later one: the end is reached. */
+/** Continues behind an offset that cannot be read, later each time, so that the end is reached. */
 bool Container::resume() {
     AVIOContext* bytes = input_.context();
     std::int64_t place = avio_tell(bytes);

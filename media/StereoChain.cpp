@@ -11,8 +11,8 @@ namespace {
 
 constexpr std::int64_t kSilenceBlockFrames = 4096;
 
-// A third of a second. Codecs hand out as little as 600 frames, and every call of the library has
-// its price.
+// A third of a second. Codecs yield as few as 600 frames at a time, and every call of the library
+// has a cost.
 constexpr std::size_t kStretchFrames = 16384;
 
 }  // namespace

@@ -25,7 +25,7 @@ namespace {
 
 constexpr int kBufferBytes = 64 * 1024;
 constexpr std::size_t kPacketFrames = 4096;
-constexpr std::uint64_t kMostRiffBytes = 0xFFF00000U;  ///< of 32 bits, some left for the headers
+constexpr std::uint64_t kMostRiffBytes = 0xFFF00000U;  // of 32 bits, less some room for the headers
 
 #if LIBAVFORMAT_VERSION_MAJOR < 61
 using WrittenByte = std::uint8_t;
@@ -33,8 +33,8 @@ using WrittenByte = std::uint8_t;
 using WrittenByte = const std::uint8_t;
 #endif
 
-/** FFmpeg calls back from C code, which no exception may cross: it is kept until FFmpeg has
- *  returned. */
+/** FFmpeg calls back from C code, which no exception may cross: an exception is kept until FFmpeg
+ *  has returned. */
 struct Output {
     OutputFile& file;
     std::exception_ptr failure;
@@ -102,7 +102,7 @@ std::int16_t rounded(float sample) {
         std::lrintf(std::clamp(sample * 32768.0F, -32768.0F, 32767.0F)));
 }
 
-/** One WAV file on its way. */
+/** Writes one WAV file. */
 class WaveMuxer {
 public:
     WaveMuxer(const std::string& path, const Recording& recording, WaveSamples samples)
