@@ -8,9 +8,12 @@ namespace output {
 
 /** How a key may be named. */
 enum class KeyNotation {
-    standard,  ///< as musicians write it, in the spelling with the fewer accidentals
-    sharps,    ///< no flats
-    flats,     ///< no sharps
+    /** As musicians write it, in the spelling with the fewer accidentals. */
+    standard,
+    /** No flats. */
+    sharps,
+    /** No sharps. */
+    flats,
     camelot,
     openKey,
 };

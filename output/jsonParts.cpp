@@ -24,8 +24,8 @@ std::string hexadecimal(const std::string& bytes) {
     return text;
 }
 
-/** JSON is UTF-8, file names need not be: then the name is shown with escapes, and its bytes are
- *  told beside it. */
+/** JSON is UTF-8, but file names need not be: such a name is shown with escapes, and its bytes are
+ *  given beside it. */
 Json nameJson(const std::string& path) {
     if (base::isUtf8(path)) return {{"file", path}};
     return {{"file", base::displayName(path)}, {"fileBytes", hexadecimal(path)}};

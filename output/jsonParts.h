@@ -12,7 +12,7 @@
 
 namespace output {
 
-/** @name Members that the documents of several commands share, as docs/json.md tells them
+/** @name Members that the documents of several commands share, described in docs/json.md
  *  @{ */
 
 /** Name, file and length. @param frames  at the session's rate */
@@ -24,7 +24,7 @@ nlohmann::ordered_json failureJson(const std::string& path, const std::string& r
 /** A key's number and all of its names. */
 nlohmann::ordered_json keyNameJson(int number);
 
-/** The key by evidence with all that belongs to it; null when none was found. */
+/** The key by evidence with all its details; null when none was found. */
 nlohmann::ordered_json keyJson(const std::optional<beatatlas::track::Key>& key);
 
 /** The session's key with ranking and notes; null when none was found. */

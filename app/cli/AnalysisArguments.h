@@ -12,13 +12,13 @@ class App;
 
 namespace app {
 
-/** The arguments that say which analysis a command wants. */
+/** The arguments that choose the analysis. */
 class AnalysisArguments {
 public:
     void declare(CLI::App& arguments);
 
-    /** Settles what was asked for, before any track. @throws UsageError when two arguments do not
-     *  go together */
+    /** Checks and combines the arguments, before any track. @throws UsageError when two arguments
+     *  do not go together */
     void settle();
 
     const beatatlas::track::Options& options() const { return options_; }

@@ -91,7 +91,7 @@ bool DrawCommand::drawTrack(std::size_t track, const std::string& path) {
     return report.has_value();
 }
 
-/** One picture that cannot be written keeps none of the others from being drawn. */
+/** A picture that cannot be written does not prevent the others. */
 void DrawCommand::requireFree(std::size_t track) const {
     try {
         places_.requireFree(track);

@@ -14,11 +14,11 @@ namespace app {
 
 namespace {
 
-// One decodes, one finds the beats and one the key.
+// One for decoding, one for the beats and one for the key.
 constexpr int kMostUsefulThreads = 3;
 constexpr int kMostThreads = 256;
 
-/** How many processors the caller lets this process use. */
+/** The number of processors that this process may use. */
 int processors() {
     cpu_set_t set;
     CPU_ZERO(&set);

@@ -20,14 +20,15 @@ namespace app {
 
 namespace {
 
-// File systems take names of 255 bytes; an ending, a number and the name of the draft need theirs.
+// File systems allow names of 255 bytes; the extension, a number and the name of the draft need
+// some of them.
 constexpr std::size_t kLongestStemBytes = 220;
 
 std::map<std::string, output::PictureFormat> formats() {
     return {{"png", output::PictureFormat::png}, {"svg", output::PictureFormat::svg}};
 }
 
-/** @throws UsageError when the name ends in neither .png nor .svg */
+/** @throws UsageError unless the name ends in .png or .svg */
 output::PictureFormat formatOf(const std::string& path) {
     for (const auto& [name, format] : formats()) {
         if (hasEnding(path, "." + name)) return format;
@@ -35,7 +36,7 @@ output::PictureFormat formatOf(const std::string& path) {
     throw base::UsageError("the picture's name must end in .png or .svg (--output)");
 }
 
-/** Names that differ in capitals alone are one file on some file systems. */
+/** Names that differ only in case are the same file on some file systems. */
 std::string withoutCapitals(std::string name) {
     std::transform(name.begin(), name.end(), name.begin(),
                    [](unsigned char letter) { return static_cast<char>(std::tolower(letter)); });
@@ -67,7 +68,7 @@ std::vector<std::string> pictureNames(const std::vector<std::string>& tracks,
     for (const std::string& track : tracks) ++sharers[withoutCapitals(stemOf(track))];
     std::vector<std::string> names;
     std::set<std::string> taken;
-    // What is alone with its stem keeps it, whatever the others come to.
+    // A stem that occurs only once is kept, whatever the other names become.
     for (const auto& [stem, count] : sharers) {
         if (count == 1) taken.insert(stem);
     }

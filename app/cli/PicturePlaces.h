@@ -13,15 +13,15 @@ class App;
 
 namespace app {
 
-/** Where the pictures of tracks go: one track's to a file, those of several to a folder. */
+/** The paths of the pictures: a file for one track, a folder for several. */
 class PicturePlaces {
 public:
     void declare(CLI::App& arguments);
 
     /** Before any track.
      *  @param tracks  their paths
-     *  @throws UsageError when places and tracks do not go together, OutputError when the folder
-     *          cannot be made */
+     *  @throws UsageError when paths and tracks do not match, OutputError when the folder cannot be
+     *          created */
     void settle(const std::vector<std::string>& tracks);
 
     output::PictureFormat format() const { return format_.value_or(output::PictureFormat::png); }
@@ -29,8 +29,8 @@ public:
     /** The picture's path, by the number of its track, from 0. */
     const std::string& path(std::size_t track) const { return paths_[track]; }
 
-    /** Looks, before the work on a track, whether its picture can be written.
-     *  @throws OutputError if not: it would replace a track, or one that is there already */
+    /** Checks, before the work on a track, whether its picture can be written.
+     *  @throws OutputError if not: it would replace a track or an existing picture */
     void requireFree(std::size_t track) const;
 
 private:
@@ -46,9 +46,9 @@ private:
     std::vector<std::string> paths_;
 };
 
-/** A name for each track's picture, all different, also where capitals count for nothing: the name
- *  of the track without its ending; where several tracks share that, with it; where they share that
- *  too, numbered. @param ending  with its dot */
+/** A name for each track's picture, all different even if case is ignored: the name of the track
+ *  without its extension; if several tracks share that, with it; if they share that too, numbered.
+ *  @param ending  with its dot */
 std::vector<std::string> pictureNames(const std::vector<std::string>& tracks,
                                       const std::string& ending);
 

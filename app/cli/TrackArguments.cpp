@@ -20,7 +20,7 @@ void TrackArguments::declare(CLI::App& arguments) {
 
 void TrackArguments::settle(const std::vector<std::string>& paths) {
     media::showFfmpegMessages(isVerbose_);
-    // Notes and the decoders' messages would go through the line.
+    // Notes and the decoders' messages would break the progress line.
     const auto manner = isVerbose_ ? ProgressLine::Manner::lines : ProgressLine::Manner::watched;
     progress_.emplace(paths, isQuiet_ ? ProgressLine::Manner::quiet : manner);
 }

@@ -17,14 +17,15 @@ namespace app {
 namespace {
 
 constexpr std::chrono::milliseconds kShowEvery{100};
-constexpr std::chrono::seconds kTellEvery{30};  // nobody watches: often enough to see that it lives
+constexpr std::chrono::seconds kPrintEvery{
+    30};  // without a terminal: often enough to show that work goes on
 constexpr std::size_t kUsualColumns = 80;
 constexpr std::size_t kWidestBar = 30;
 constexpr std::size_t kNarrowestBar = 8;
-constexpr std::size_t kFewestNameColumns = 16;  ///< beside a bar
-constexpr std::size_t kShortestName = 8;        ///< that tells more than nothing
+constexpr std::size_t kFewestNameColumns = 16;  // beside a bar
+constexpr std::size_t kShortestName = 8;        // shorter ones are useless
 constexpr std::size_t kFewestColumnsForSpeed = 50;
-constexpr std::size_t kBarFrame = 4;  ///< two spaces and two brackets
+constexpr std::size_t kBarFrame = 4;  // two spaces and two brackets
 constexpr std::string_view kWipeLine = "\r\x1B[K";
 
 std::size_t terminalColumns() {
@@ -52,7 +53,7 @@ std::string leftText(const RunProgress& run, double elapsedSeconds) {
     return seconds ? output::clockTimeInSeconds(*seconds) + " left" : "";
 }
 
-/** Percentage, speed and time left, as many of them as leave room for a name. */
+/** Percentage, speed and time left: as many of them as leave room for a name. */
 std::string figures(const RunProgress& run, double elapsedSeconds, std::size_t columns) {
     std::string text = fmt::format("  {:3d} %", percent(run));
     if (columns + 1 >= kFewestColumnsForSpeed)
@@ -76,7 +77,7 @@ std::string progressText(const RunProgress& run, const std::string& name, double
     const std::string numbers = figures(run, elapsedSeconds, room);
     const std::size_t free = room - std::min(room, numbers.size());
     if (free >= kShortestName || before.empty()) {
-        // The name comes before the bar where there is no room for both.
+        // The name takes precedence over the bar when there is no room for both.
         const std::size_t barRoom = free - std::min(free, kFewestNameColumns + kBarFrame);
         const std::size_t barWidth = std::min({kWidestBar, columns / 3, barRoom});
         const std::string drawn = barWidth < kNarrowestBar ? "" : bar(run.fraction(), barWidth);
@@ -89,7 +90,7 @@ ProgressLine::ProgressLine(const std::vector<std::string>& paths, Manner manner,
                            Clock::time_point begin)
     : run_(paths), manner_(manner), begin_(begin), nextShow_(begin) {
     if (manner_ == Manner::watched && isatty(STDERR_FILENO) == 0) manner_ = Manner::lines;
-    if (manner_ == Manner::lines) nextShow_ += kTellEvery;
+    if (manner_ == Manner::lines) nextShow_ += kPrintEvery;
 }
 
 ProgressLine::~ProgressLine() {
@@ -109,8 +110,8 @@ void ProgressLine::show(double fraction, double trackSeconds, Clock::time_point 
         showOver(elapsed);
         nextShow_ = now + kShowEvery;
     } else {
-        tell(elapsed);
-        nextShow_ = now + kTellEvery;
+        printProgress(elapsed);
+        nextShow_ = now + kPrintEvery;
     }
 }
 
@@ -121,7 +122,7 @@ void ProgressLine::showOver(double elapsedSeconds) {
     shown_ = true;
 }
 
-void ProgressLine::tell(double elapsedSeconds) const {
+void ProgressLine::printProgress(double elapsedSeconds) const {
     std::string text = base::displayName(path_) + ": ";
     if (run_.tracks() > 1) text += run_.count() + ", ";
     text += fmt::format("{} %", percent(run_));
