@@ -62,7 +62,7 @@ protected:
 struct FormatCase {
     const char* name;
     FileKind kind;
-    bool isDeclared = true;  ///< the length, to the frame: see the remark at the table
+    bool isDeclared = true;  // the length, to the frame: see the remark at the table
 };
 
 class OneDecodingOfEveryFormat : public testing::TestWithParam<std::tuple<FormatCase, int>> {

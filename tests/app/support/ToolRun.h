@@ -15,15 +15,19 @@ enum class OutputPlace { captured, fullDisk, closedPipe, closed };
  *  it may not. */
 struct ToolRun {
     std::vector<std::string> arguments;
-    std::string folder;  ///< working folder; empty: the test's own
+    /** Working folder; empty: the test's own. */
+    std::string folder;
     OutputPlace output = OutputPlace::captured;
-    bool hasTerminal = false;  ///< standard error is a terminal
+    /** Standard error is a terminal. */
+    bool hasTerminal = false;
 
     /** Sent once the first progress is shown; needs the terminal. */
     std::optional<int> signalAtProgress;
-    std::function<void()> atProgress;  ///< done then, too
+    /** Done then, too. */
+    std::function<void()> atProgress;
 
-    int exitStatus = -1;  ///< 1000 and the signal's number when a signal killed it
+    /** 1000 and the signal's number when a signal killed it. */
+    int exitStatus = -1;
     std::string out;
     std::string err;
 
