@@ -39,7 +39,7 @@ private:
     StereoFold fold_;
     std::unique_ptr<RateConverter> converter_;  // none while the track has the session's rate
     StereoBlock silence_;
-    StereoBlock stretch_;       // what the sink is given next
+    StereoBlock pending_;       // the next block for the sink
     std::size_t gathered_ = 0;  // frames of it that are filled
     std::int64_t framesToDrop_ = 0;
     int trackRate_ = 0;

@@ -125,7 +125,7 @@ std::int64_t TrackDecoder::missingBefore(const AVFrame& frame) {
     tally_.damagedPackets += damage.packets;
     isAlarmed_ |= packets_.takeAlarm() || damage.packets > 0;
     const AVRational timeBase = container_.stream().time_base;
-    if (!packets_.areKnown())
+    if (!packets_.haveTimes())
         return std::max<std::int64_t>(
             0, av_rescale_q(damage.duration, timeBase, perSecond(frame.sample_rate)));
     if (frame.pts == AV_NOPTS_VALUE) return 0;
@@ -185,7 +185,7 @@ void TrackDecoder::begin(const AVFrame& frame, FrameChain& chain) {
 std::int64_t TrackDecoder::missingAtBeginning(const AVFrame& frame) const {
     const bool isDamaged = pendingDamage_.packets > 0 || container_.lacksBeginning();
     if (!isDamaged && !container_.isFormat("flac")) return 0;
-    if (!packets_.areKnown() || frame.pts == AV_NOPTS_VALUE) return 0;
+    if (!packets_.haveTimes() || frame.pts == AV_NOPTS_VALUE) return 0;
     const double late = static_cast<double>(frame.pts) * packets_.tick() - secondsOfBeginning();
     const double most = std::max(kLongestLostBeginning, declaredSeconds().value_or(0.0));
     if (!(late > 0.5 * frame.nb_samples / frame.sample_rate) || late > most) return 0;

@@ -25,7 +25,7 @@ public:
     bool next(AVPacket& packet);
 
     /** Whether the packets' times show where their sound belongs. */
-    bool areKnown() const { return clock_ != Clock::none; }
+    bool haveTimes() const { return clock_ != Clock::none; }
 
     /** The resolution of the packets' times, in seconds. */
     double tick() const { return tick_; }
@@ -76,8 +76,8 @@ private:
     std::int64_t first_ = 0;  // time of the first packet
     std::int64_t shift_ = 0;  // from the times of a joined recording to those of the first
     std::int64_t usual_ = 0;  // duration of the last packet that had one
-    std::optional<std::int64_t>
-        repeatedTo_;  // within a run of repeated packets: the end of the last one
+    // Within a run of repeated packets: the end of the last one.
+    std::optional<std::int64_t> repeatedTo_;
     std::int64_t repeatedPackets_ = 0;
     std::int64_t endPosition_ = -1;
     bool isAlarmed_ = false;
