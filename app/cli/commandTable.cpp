@@ -6,6 +6,8 @@
 #include "cli/DrawCommand.h"
 #include "cli/KeyCommand.h"
 #include "cli/PitchCommand.h"
+#include "cli/ScanCommand.h"
+#include "cli/ScanWorkerCommand.h"
 
 namespace app {
 
@@ -16,6 +18,8 @@ std::vector<std::unique_ptr<Command>> makeCommands() {
     commands.push_back(std::make_unique<PitchCommand>());
     commands.push_back(std::make_unique<KeyCommand>());
     commands.push_back(std::make_unique<CutCommand>());
+    commands.push_back(std::make_unique<ScanCommand>());
+    commands.push_back(std::make_unique<ScanWorkerCommand>());
     return commands;
 }
 
