@@ -93,6 +93,7 @@ public:
 
 private:
     class Storage;
+    std::string path_;
     std::unique_ptr<Storage> storage_;
 };
 
