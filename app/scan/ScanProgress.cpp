@@ -23,7 +23,7 @@ constexpr std::chrono::seconds kTellEvery{1};
 constexpr double kSecondsPerHour = 3600.0;
 constexpr double kShortestMeasuredSeconds = 0.5;
 
-using nlohmann::json;
+using json = nlohmann::ordered_json;
 
 }  // namespace
 
