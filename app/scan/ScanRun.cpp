@@ -143,7 +143,9 @@ void ScanRun::decide(Seat& seat, const WorkerHash& hashed) {
 }
 
 void ScanRun::fail(Seat& seat, const catalogue::Failure& failure) {
-    scan_.putFailure(seat.work->path, seat.work->state, failure);
+    // Of a file that is no more there is nothing to remember.
+    if (failure.kind != catalogue::FailureKind::vanished)
+        scan_.putFailure(seat.work->path, seat.work->state, failure);
     progress_.addFailure(seat.work->path, seat.work->weight, failure);
     endFile(seat);
 }
