@@ -172,9 +172,8 @@ TEST_F(CatalogueFile, CanBeReadWhereNothingMayBeWritten) {
         test::store(made, {test::analysedTrack("/a", 1)});
     }
     namespace fs = std::filesystem;
-    fs::permissions(path_, fs::perms::owner_read | fs::perms::others_read);
-    fs::permissions(folder_.path(), fs::perms::owner_read | fs::perms::owner_exec |
-                                        fs::perms::others_read | fs::perms::others_exec);
+    fs::permissions(path_, fs::perms(0444));
+    fs::permissions(folder_.path(), fs::perms(0555));
     const pid_t child = fork();
     if (child == 0) {
         // The superuser may write everywhere.
