@@ -12,6 +12,7 @@
 #include <fmt/format.h>
 #include <sqlite3.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include "base/displayName.h"
 #include "base/errors.h"
@@ -132,9 +133,19 @@ void makeNew(SQLite::Database& database) {
     transaction.commit();
 }
 
+/** SQLite would open such a file to be read. */
+void requireWritable(const std::string& path, bool isNew) {
+    if (!isNew && access(plainName(path).c_str(), W_OK) != 0) refuse(path, "may not be written to");
+    // The log lies beside the file.
+    const std::filesystem::path folder = std::filesystem::path(plainName(path)).parent_path();
+    if (access(folder.c_str(), W_OK | X_OK) != 0)
+        refuse(path, "its folder cannot be written to: " + base::systemReason(errno));
+}
+
 Database openToWrite(const std::string& path, bool creates) {
     const bool isNew = isMissingOrEmpty(path);
     if (isNew && !creates) refuse(path, "there is no such catalogue");
+    requireWritable(path, isNew);
     Database database =
         openWith(plainName(path), SQLite::OPEN_READWRITE | (isNew ? SQLite::OPEN_CREATE : 0));
     if (isNew) makeNew(*database);

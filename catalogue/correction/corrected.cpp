@@ -159,8 +159,11 @@ void laySteadyGrid(TrackResult& result, double bpm) {
 void setTempo(TrackResult& result, double value) {
     const double bpm = inHundredths(value);
     const auto isOf = [&](Ratio ratio) {
-        return result.bpm && !result.beats.empty() &&
-               std::abs(*result.bpm * ratio.value() - bpm) <= ratio.value() / kPerHundredth;
+        if (!result.bpm || result.beats.empty()) return false;
+        // Half of 111.11 is 55.56 for whoever reads it.
+        const double offHundredths =
+            std::round(bpm / ratio.value() * kPerHundredth) - *result.bpm * kPerHundredth;
+        return std::abs(offHundredths) < 1.5;
     };
     const auto multiple = std::find_if(kMultiples.begin(), kMultiples.end(), isOf);
     if (multiple != kMultiples.end()) {
