@@ -19,7 +19,7 @@ SlurmctldHost=$host(127.0.0.1)
 SlurmctldPort=16817
 SlurmdPort=16818
 AuthType=auth/munge
-AuthInfo=socket=$folder/munge/socket
+AuthInfo=socket=$folder/munge/socket,cred_expire=5
 CredType=cred/munge
 SlurmUser=root
 StateSaveLocation=$folder/state
