@@ -109,10 +109,11 @@ void FileWorker::run() {
     if (!orders) return;
     orders_ = ordersOf(*orders);
     prepare();
-    answer(WorkerReady{});
-    while (const auto task = awaitFrame()) {
+    for (;;) {
+        answer(WorkerReady{});
+        const auto task = awaitFrame();
+        if (!task) return;
         work(taskOf(*task));
-        if (hasRunOut_) return;
     }
 }
 
@@ -142,7 +143,6 @@ void FileWorker::work(const WorkerTask& task) {
     } catch (const base::TrackError& error) {
         answer(catalogue::Failure{kindOf(error, task.path), error.what()});
     } catch (const std::bad_alloc&) {
-        hasRunOut_ = true;
         answer(catalogue::Failure{catalogue::FailureKind::memoryLimit,
                                   fmt::format("takes more than {} MiB of memory (--memory-limit)",
                                               orders_.memoryLimit / kMebibyte)});

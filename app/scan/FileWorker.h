@@ -33,7 +33,6 @@ private:
     ResultStream& answers_;
     FrameGatherer frames_;
     WorkerOrders orders_;
-    bool hasRunOut_ = false;  ///< of memory
 };
 
 }  // namespace app

@@ -25,6 +25,11 @@ constexpr double kShortestMeasuredSeconds = 0.5;
 
 using json = nlohmann::ordered_json;
 
+void tellProgram(ResultStream& results, const json& event) {
+    // Reasons may quote what a file says.
+    results.write(event.dump(-1, ' ', false, json::error_handler_t::replace) + "\n");
+}
+
 }  // namespace
 
 ScanProgress::ScanProgress(Manner manner, bool isQuiet, ResultStream& results)
@@ -49,7 +54,7 @@ void ScanProgress::begin(std::int64_t found, std::int64_t known, std::int64_t to
     begin_ = Clock::now();
     if (manner_ != Manner::json) return;
     const json event = {{"event", "begin"}, {"found", found}, {"known", known}, {"toDo", toDo}};
-    results_.write(event.dump() + "\n");
+    tellProgram(results_, event);
 }
 
 bool ScanProgress::isTime() {
@@ -77,7 +82,7 @@ void ScanProgress::show(double weight, double seconds) {
                   {"elapsedSeconds", time},
                   {"speed", time > 0.0 ? (tally_.audioSeconds + seconds) / time : 0.0}};
     if (done > 0.0) event["secondsLeft"] = time * (1.0 - done) / done;
-    results_.write(event.dump() + "\n");
+    tellProgram(results_, event);
 }
 
 std::string ScanProgress::lineOf(double weight, double seconds) const {
@@ -130,7 +135,7 @@ void ScanProgress::addFailure(const std::string& path, double weight,
                         {"path", base::displayName(path)},
                         {"kind", catalogue::failureName(failure.kind)},
                         {"reason", failure.reason}};
-    results_.write(event.dump() + "\n");
+    tellProgram(results_, event);
 }
 
 void ScanProgress::tellError(const std::string& path, const std::string& text) {
@@ -172,7 +177,7 @@ void ScanProgress::tellEnd(bool isComplete) {
                         {"left", left},
                         {"audioHours", tally_.audioSeconds / kSecondsPerHour},
                         {"elapsedSeconds", elapsed()}};
-    results_.write(event.dump() + "\n");
+    tellProgram(results_, event);
 }
 
 void ScanProgress::showLine(const std::string& text) {

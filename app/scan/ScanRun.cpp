@@ -72,6 +72,7 @@ void ScanRun::give(Seat& seat) {
     seat.fraction = 0.0;
     seat.seconds = 0.0;
     seat.isGiven = true;
+    seat.isReady = false;
     seat.worker->give(frameOf(WorkerTask{seat.work->path, seat.work->mayBeMoved}));
 }
 
@@ -98,13 +99,23 @@ void ScanRun::listen() {
 
 void ScanRun::hear(Seat& seat) {
     const bool lives = seat.worker->receive();
-    while (seat.worker) {
-        const auto answer = seat.worker->take();
+    for (;;) {
+        std::optional<WorkerAnswer> answer;
+        try {
+            answer = seat.worker->take();
+        } catch (const std::exception&) {
+            // Whatever a decoder did to its process, it does no more.
+            return lose(seat, "gave no answer that can be read");
+        }
         if (!answer) break;
         take(seat, *answer);
+        if (!seat.worker) return;
     }
-    if (lives || !seat.worker) return;
-    const std::string end = seat.worker->end();
+    if (!lives) lose(seat, seat.worker->end());
+}
+
+/** @param end  how the worker came to it */
+void ScanRun::lose(Seat& seat, const std::string& end) {
     replace(seat);
     if (!seat.work) return;
     if (seat.isGiven)
@@ -116,11 +127,9 @@ void ScanRun::hear(Seat& seat) {
 }
 
 void ScanRun::take(Seat& seat, const WorkerAnswer& answer) {
-    if (std::holds_alternative<WorkerReady>(answer)) {
-        seat.isReady = true;
-        seat.failedStarts = 0;
-        give(seat);
-    } else if (const auto* progress = std::get_if<WorkerProgress>(&answer)) {
+    if (std::holds_alternative<WorkerReady>(answer)) return beReady(seat);
+    if (!seat.isGiven) return;
+    if (const auto* progress = std::get_if<WorkerProgress>(&answer)) {
         seat.fraction = progress->fraction;
         seat.seconds = progress->seconds;
     } else if (const auto* hashed = std::get_if<WorkerHash>(&answer)) {
@@ -131,7 +140,15 @@ void ScanRun::take(Seat& seat, const WorkerAnswer& answer) {
         endFile(seat);
     } else if (const auto* failure = std::get_if<catalogue::Failure>(&answer)) {
         fail(seat, *failure);
+        // What is left of its memory is of unknown use.
+        if (failure->kind == catalogue::FailureKind::memoryLimit) replace(seat);
     }
+}
+
+void ScanRun::beReady(Seat& seat) {
+    seat.isReady = true;
+    seat.failedStarts = 0;
+    if (seat.work && !seat.isGiven) give(seat);
 }
 
 void ScanRun::decide(Seat& seat, const WorkerHash& hashed) {

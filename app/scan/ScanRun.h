@@ -4,6 +4,7 @@
 #include <chrono>
 #include <memory>
 #include <optional>
+#include <string>
 #include <vector>
 
 #include "catalogue/Scan.h"
@@ -52,6 +53,8 @@ private:
     void give(Seat& seat);
     void listen();
     void hear(Seat& seat);
+    void lose(Seat& seat, const std::string& end);
+    void beReady(Seat& seat);
     void take(Seat& seat, const WorkerAnswer& answer);
     void decide(Seat& seat, const WorkerHash& hashed);
     void fail(Seat& seat, const catalogue::Failure& failure);

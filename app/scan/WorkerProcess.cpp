@@ -3,9 +3,11 @@
 
 #include <array>
 #include <cerrno>
+#include <chrono>
 #include <csignal>
 #include <cstring>
 #include <system_error>
+#include <thread>
 
 #include <fcntl.h>
 #include <fmt/format.h>
@@ -19,6 +21,11 @@ namespace app {
 namespace {
 
 constexpr const char* kThisProgram = "/proc/self/exe";
+constexpr std::chrono::seconds kPatience{5};
+
+// Where all processes of a job are killed at once, the scan is among them: it shall not live to
+// blame the file.
+constexpr std::chrono::milliseconds kGroupKill{50};
 
 std::array<int, 2> makePipe() {
     std::array<int, 2> ends{};
@@ -27,10 +34,10 @@ std::array<int, 2> makePipe() {
     return ends;
 }
 
-/** What the child does between fork and exec. Ctrl-C at a terminal goes to all processes there:
- *  the scan alone decides what becomes of its workers. */
+/** What the child does between fork and exec. Requests to stop often go to all processes of a
+ *  terminal or a job: the scan alone decides what becomes of its workers. */
 [[noreturn]] void becomeWorker(int orders, int answers, bool isVerbose) {
-    for (const int signalNumber : {SIGINT, SIGHUP}) std::signal(signalNumber, SIG_IGN);
+    for (const int signalNumber : {SIGINT, SIGTERM, SIGHUP}) std::signal(signalNumber, SIG_IGN);
     dup2(orders, STDIN_FILENO);
     dup2(answers, STDOUT_FILENO);
     // What a dying decoder prints is no message of the scan.
@@ -91,18 +98,25 @@ std::optional<WorkerAnswer> WorkerProcess::take() {
 std::string WorkerProcess::end() {
     // One that has ended by itself is past being killed, and keeps its own reason.
     kill(process_, SIGKILL);
-    const int status = wait();
+    const auto status = wait();
     process_ = -1;
-    if (!WIFSIGNALED(status)) return fmt::format("ended with status {}", WEXITSTATUS(status));
-    const int number = WTERMSIG(status);
+    if (!status) return "cannot be ended";
+    if (!WIFSIGNALED(*status)) return fmt::format("ended with status {}", WEXITSTATUS(*status));
+    const int number = WTERMSIG(*status);
+    if (number == SIGKILL) std::this_thread::sleep_for(kGroupKill);
     return fmt::format("was killed by signal {} ({})", number, strsignal(number));
 }
 
-int WorkerProcess::wait() {
-    int status = 0;
-    while (waitpid(process_, &status, 0) == -1 && errno == EINTR) {
+/** @return nothing when it does not end: it waits for a disk that does not answer */
+std::optional<int> WorkerProcess::wait() const {
+    const auto end = std::chrono::steady_clock::now() + kPatience;
+    while (std::chrono::steady_clock::now() < end) {
+        int status = 0;
+        const pid_t ended = waitpid(process_, &status, WNOHANG);
+        if (ended == process_) return status;
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
     }
-    return status;
+    return std::nullopt;
 }
 
 }  // namespace app

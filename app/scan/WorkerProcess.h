@@ -36,7 +36,7 @@ public:
     std::string end();
 
 private:
-    int wait();
+    std::optional<int> wait() const;
 
     pid_t process_ = -1;
     int orders_ = -1;

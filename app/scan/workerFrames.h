@@ -13,10 +13,10 @@ namespace app {
 
 /** @name What a scan and its workers tell each other
  *  Each message is a frame: its length in four bytes, the low one first, and that many bytes of
- *  CBOR. A worker is given WorkerOrders once and answers Ready; then WorkerTask after WorkerTask.
- *  For each it tells WorkerProgress any number of times and ends with catalogue::Analysed or catalogue::Failure. A
- *  task whose sound may be known is hashed first: the worker tells WorkerHash and waits for
- *  WorkerVerdict, which may end the task.
+ *  CBOR. A worker is given WorkerOrders once, and a WorkerTask each time it has said WorkerReady.
+ *  For each it tells WorkerProgress any number of times and ends with catalogue::Analysed or
+ *  catalogue::Failure. A task whose sound may be known is hashed first: the worker tells WorkerHash
+ *  and waits for WorkerVerdict, which may end the task.
  *  @{ */
 
 /** How to analyse all files. */

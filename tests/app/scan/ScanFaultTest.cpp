@@ -109,6 +109,7 @@ TEST_F(ScanFaultTest, AFileThatTakesTooMuchMemoryIsAFailure) {
     EXPECT_EQ(run.exitStatus, 1);
     EXPECT_THAT(run.err,
                 HasSubstr(told(long_ + ": takes more than 1 MiB of memory (--memory-limit)")));
+    EXPECT_EQ(stored_.count("SELECT count(*) FROM failures WHERE kind <> 'memory-limit'"), 0);
     EXPECT_EQ(stored_.value("SELECT kind FROM failures WHERE CAST(path AS TEXT) LIKE '%a.wav'"),
               "memory-limit");
     EXPECT_EQ(runTool(oneJob({"--retry-failed"})).exitStatus, 0);
