@@ -197,7 +197,8 @@ ScanRun::Options ScanCommand::work() const {
     return {jobs_,
             {catalogue::parametersText(analysis_.options()), tracks_.acceptsCutOff(),
              tracks_.isVerbose(), memoryLimit_},
-            timeLimit_};
+            timeLimit_,
+            !rescansAll_};
 }
 
 void ScanCommand::finish(catalogue::Scan& scan, const FileGathering& files,

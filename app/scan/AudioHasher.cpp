@@ -2,8 +2,11 @@
 #include "scan/AudioHasher.h"
 
 #include <algorithm>
+#include <array>
 #include <bit>
+#include <iterator>
 #include <new>
+#include <vector>
 
 #include <xxhash.h>
 
@@ -12,32 +15,38 @@ namespace app {
 static_assert(std::endian::native == std::endian::little,
               "the hash is defined by the low byte first");
 
-AudioHasher::AudioHasher() : state_(XXH3_createState()) {
-    if (!state_) throw std::bad_alloc();
-    XXH3_128bits_reset(state_.get());
+namespace {
+
+void add(XXH3_state_s& state, const std::vector<float>& samples) {
+    XXH3_128bits_update(&state, samples.data(), samples.size() * sizeof(float));
 }
 
-AudioHasher::~AudioHasher() = default;
+}  // namespace
+
+AudioHasher::State AudioHasher::makeState() {
+    State state(XXH3_createState());
+    if (!state) throw std::bad_alloc();
+    XXH3_128bits_reset(state.get());
+    return state;
+}
 
 void AudioHasher::StateFree::operator()(XXH3_state_s* state) const {
     XXH3_freeState(state);
 }
 
 void AudioHasher::put(const media::StereoBlock& block) {
-    const std::size_t frames = block.frames();
-    interleaved_.resize(2 * frames);
-    for (std::size_t i = 0; i < frames; ++i) {
-        interleaved_[2 * i] = block.left[i];
-        interleaved_[2 * i + 1] = block.right[i];
-    }
-    XXH3_128bits_update(state_.get(), interleaved_.data(), interleaved_.size() * sizeof(float));
+    add(*left_, block.left);
+    add(*right_, block.right);
 }
 
 catalogue::AudioHash AudioHasher::hash() const {
-    XXH128_canonical_t bytes;
-    XXH128_canonicalFromHash(&bytes, XXH3_128bits_digest(state_.get()));
+    std::array<XXH128_canonical_t, 2> sides;
+    XXH128_canonicalFromHash(&sides[0], XXH3_128bits_digest(left_.get()));
+    XXH128_canonicalFromHash(&sides[1], XXH3_128bits_digest(right_.get()));
+    XXH128_canonical_t both;
+    XXH128_canonicalFromHash(&both, XXH3_128bits(sides.data(), sizeof sides));
     catalogue::AudioHash hash;
-    std::copy(std::begin(bytes.digest), std::end(bytes.digest), hash.begin());
+    std::copy(std::begin(both.digest), std::end(both.digest), hash.begin());
     return hash;
 }
 

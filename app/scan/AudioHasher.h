@@ -2,7 +2,6 @@
 #pragma once
 
 #include <memory>
-#include <vector>
 
 #include "catalogue/Analysed.h"
 #include "media/TrackSink.h"
@@ -11,17 +10,11 @@ struct XXH3_state_s;
 
 namespace app {
 
-/** What a track's sound is known by: XXH3-128 of its samples as they are analysed, left and right
- *  in turn, 32-bit floats as they lie in memory here, the low byte first. Tags, names and covers
+/** What a track's sound is known by: XXH3-128 of two hashes of the same kind, of its left and of its
+ *  right samples as they are analysed, 32-bit floats, the low byte first. Tags, names and covers
  *  have no part in it; another decoder, or another encoding, gives another hash. */
 class AudioHasher : public media::TrackSink {
 public:
-    /** @throws std::bad_alloc */
-    AudioHasher();
-    ~AudioHasher() override;
-    AudioHasher(const AudioHasher&) = delete;
-    AudioHasher& operator=(const AudioHasher&) = delete;
-
     void put(const media::StereoBlock& block) override;
 
     /** Of everything that was put. */
@@ -32,8 +25,11 @@ private:
         void operator()(XXH3_state_s* state) const;
     };
 
-    std::unique_ptr<XXH3_state_s, StateFree> state_;
-    std::vector<float> interleaved_;
+    using State = std::unique_ptr<XXH3_state_s, StateFree>;
+    static State makeState();
+
+    State left_ = makeState();
+    State right_ = makeState();
 };
 
 }  // namespace app

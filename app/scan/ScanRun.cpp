@@ -73,7 +73,8 @@ void ScanRun::give(Seat& seat) {
     seat.seconds = 0.0;
     seat.isGiven = true;
     seat.isReady = false;
-    seat.worker->give(frameOf(WorkerTask{seat.work->path, seat.work->mayBeMoved}));
+    const bool mayBeKnown = seat.work->mayBeMoved && options_.knowsBySound;
+    seat.worker->give(frameOf(WorkerTask{seat.work->path, mayBeKnown}));
 }
 
 /** What was found is committed before a wait: whenever the scan is ended from outside, only the

@@ -24,6 +24,8 @@ public:
         WorkerOrders orders;
         /** Seconds for every file; nothing: in proportion to its length. */
         std::optional<double> timeLimit;
+        /** Whether a track that is known by its sound is not to be analysed again. */
+        bool knowsBySound = true;
     };
 
     ScanRun(catalogue::Scan& scan, Options options, ScanProgress& progress);

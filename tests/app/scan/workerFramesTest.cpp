@@ -100,14 +100,14 @@ TEST(WorkerFrames, RefuseWhatIsNoFrame) {
     EXPECT_THROW(taskOf(""), std::exception);
 }
 
-TEST(AudioHasherTest, HashesLeftAndRightInTurnHoweverTheyCome) {
+TEST(AudioHasherTest, HashesBothSidesHoweverTheyCome) {
     AudioHasher hasher;
     hasher.put({{0.5F}, {-0.5F}});
     hasher.put({{0.25F}, {1.0F}});
-    // xxhsum -H2 of the four floats 0.5, -0.5, 0.25 and 1.
+    // xxhsum -H2 of the bytes that it gives for the floats 0.5, 0.25 and for -0.5, 1.
     EXPECT_THAT(hasher.hash(),
-                testing::ElementsAre(0x4B, 0xF5, 0x9F, 0x13, 0x47, 0x8D, 0xE5, 0x80, 0x2F, 0x39,
-                                     0x36, 0xB4, 0xAD, 0xC1, 0xE2, 0x6C));
+                testing::ElementsAre(0x54, 0xFB, 0x66, 0x42, 0x11, 0x06, 0x8B, 0x2C, 0xE8, 0x66,
+                                     0xFF, 0xF2, 0x03, 0xBC, 0xFD, 0xA1));
 }
 
 }  // namespace
