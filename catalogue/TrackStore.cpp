@@ -52,7 +52,7 @@ constexpr const char* kPutWaves =
     "INSERT INTO waves (result_id, loud, dots, zoom) VALUES (?1, ?2, ?3, ?4)";
 
 constexpr const char* kNewest = R"sql(
-SELECT id, made_at, bpm, tempo_confidence * level_confidence * phase_confidence, key, key_confidence
+SELECT id, bpm, tempo_confidence * level_confidence * phase_confidence, key, key_confidence
 FROM results WHERE track_id = ?1 ORDER BY made_at DESC, id DESC LIMIT 1)sql";
 
 constexpr const char* kShow = R"sql(
@@ -64,13 +64,13 @@ SELECT t.path, t.size, t.modified_ns, t.audio_hash, t.container, t.codec, t.chan
     t.rate, t.format_changes, t.artist, t.title, t.frames, t.seconds,
     p.json, r.tool_version, r.analysis_seconds, r.warnings, r.bpm, r.raw_bpm, r.is_steady,
     r.tempo_confidence, r.level_confidence, r.phase_confidence, r.bars_confidence,
-    r.key, r.key_confidence, r.tuning_cents, r.details, g.beats, w.loud, w.dots, w.zoom
+    r.key, r.key_confidence, r.tuning_cents, r.details, g.beats, w.loud, w.dots, w.zoom, r.made_at
 FROM results r
 JOIN tracks t ON t.id = r.track_id
 JOIN parameters p ON p.id = r.parameters_id
 LEFT JOIN grids g ON g.result_id = r.id
 LEFT JOIN waves w ON w.result_id = r.id
-WHERE r.track_id = ?1 ORDER BY r.made_at DESC, r.id DESC LIMIT 1)sql";
+WHERE r.track_id = ?1 ORDER BY r.made_at DESC, r.id DESC)sql";
 
 std::string bytesOf(const AudioHash& hash) {
     return {hash.begin(), hash.end()};
@@ -177,6 +177,15 @@ ResultRow readResult(RowReader& row) {
     result.dotsWave = row.bytes();
     result.zoomWave = row.bytes();
     return result;
+}
+
+TrackStore::Dated readRow(const SQLite::Statement& statement) {
+    RowReader row(statement);
+    TrackStore::Dated dated;
+    dated.analysed.track = readTrack(row);
+    dated.analysed.result = readResult(row);
+    dated.madeAt = row.integer();
+    return dated;
 }
 
 void bindTempo(SQLite::Statement& statement, const ResultRow& result) {
@@ -325,14 +334,14 @@ void TrackStore::refresh(Id track) {
         newest.bind(1, track);
         if (newest.executeStep()) {
             resultId = newest.getColumn(0).getInt64();
-            shown.bpm = realOf(newest, 2);
-            if (!newest.isColumnNull(4)) shown.key = newest.getColumn(4).getInt();
-            weaken(shown.confidence, realOf(newest, 3));
-            weaken(shown.confidence, realOf(newest, 5));
+            shown.bpm = realOf(newest, 1);
+            if (!newest.isColumnNull(3)) shown.key = newest.getColumn(3).getInt();
+            weaken(shown.confidence, realOf(newest, 2));
+            weaken(shown.confidence, realOf(newest, 4));
         }
     }
     if (resultId && !edits.empty())
-        shown = shownOf(corrected(wholeTrack(read(track).value()).result, edits));
+        shown = shownOf(corrected(wholeTrack(read(track).value().analysed).result, edits));
     SQLite::Statement& show = statements_->show;
     show.bind(1, track);
     bindInteger(show, 2, resultId);
@@ -343,23 +352,27 @@ void TrackStore::refresh(Id track) {
     execute(show);
 }
 
-std::optional<Analysed> TrackStore::read(Id track) {
+std::optional<TrackStore::Dated> TrackStore::read(Id track) {
     SQLite::Statement& read = statements_->read;
     const ResetAfter reset(read);
     read.bind(1, track);
     if (!read.executeStep()) return std::nullopt;
-    RowReader row(read);
-    Analysed analysed;
-    analysed.track = readTrack(row);
-    analysed.result = readResult(row);
-    return analysed;
+    return readRow(read);
 }
 
-std::int64_t TrackStore::madeAt(Id track) {
-    SQLite::Statement& newest = statements_->newest;
-    const ResetAfter reset(newest);
-    newest.bind(1, track);
-    return newest.executeStep() ? newest.getColumn(1).getInt64() : 0;
+std::vector<TrackStore::Dated> TrackStore::readAll(Id track) {
+    SQLite::Statement& read = statements_->read;
+    const ResetAfter reset(read);
+    read.bind(1, track);
+    std::vector<Dated> all;
+    while (read.executeStep()) all.push_back(readRow(read));
+    return all;
+}
+
+bool TrackStore::isGone(Id track) const {
+    SQLite::Statement select(catalogue_.database(), "SELECT is_gone FROM tracks WHERE id = ?1");
+    select.bind(1, track);
+    return select.executeStep() && select.getColumn(0).getInt() != 0;
 }
 
 std::int64_t secondsNow() {

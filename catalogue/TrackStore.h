@@ -5,6 +5,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "catalogue/Analysed.h"
 #include "catalogue/Catalogue.h"
@@ -16,6 +17,12 @@ namespace catalogue {
 class TrackStore {
 public:
     using Id = std::int64_t;
+
+    /** An analysis and when it was made, seconds since 1970. */
+    struct Dated {
+        Analysed analysed;
+        std::int64_t madeAt = 0;
+    };
 
     explicit TrackStore(const Catalogue& catalogue);
     ~TrackStore();
@@ -37,10 +44,13 @@ public:
 
     /** The track and its newest result; nothing where there is none.
      *  @throws CatalogueError when what is stored is damaged */
-    std::optional<Analysed> read(Id track);
+    std::optional<Dated> read(Id track);
 
-    /** When the newest result was made, seconds since 1970. */
-    std::int64_t madeAt(Id track);
+    /** The track with each of its results, the newest first. @throws as read() */
+    std::vector<Dated> readAll(Id track);
+
+    /** Whether the file was no longer there when last looked for. */
+    bool isGone(Id track) const;
 
 private:
     struct Statements;

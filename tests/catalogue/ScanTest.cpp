@@ -275,7 +275,7 @@ TEST_F(CatalogueScan, CommitsManyRecordsBeforeItEnds) {
 TEST_F(CatalogueScan, KeepsNamesOfAnyBytes) {
     const std::string path = "/a\xFF\n'; DROP TABLE tracks; --\x01";
     put(path, 1);
-    EXPECT_EQ(TrackStore(catalogue_).read(idOf(path)).value().track.path, path);
+    EXPECT_EQ(TrackStore(catalogue_).read(idOf(path)).value().analysed.track.path, path);
     EXPECT_EQ(countsOf({kParameters, false, false}, {path}).known, 1);
 }
 
