@@ -19,5 +19,5 @@ failed=0
 seq "$shares" | parallel --retries 3 --joblog "$parts/log" "$@" \
     "$beatatlas scan --quiet --jobs 1 --wait --shard {}/$shares --catalogue ${parts@Q}/{}.sqlite -- ${music@Q}" ||
     failed=$?
-"$beatatlas" merge "$parts"/*.sqlite -o "$catalogue"
+"$(dirname -- "$(realpath -- "${BASH_SOURCE[0]}")")/merge.sh" "$catalogue"
 exit "$failed"

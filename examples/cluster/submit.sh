@@ -11,4 +11,4 @@ shift 3
 array=$(sbatch --parsable --array="1-$shares" "$@" "$here/array.sh" "$music" "$catalogue")
 # Whatever became of the shares, what they have is merged.
 sbatch --parsable --dependency="afterany:${array%%;*}" "$@" --job-name=beatatlas-merge \
-    "$here/merge.sh" "$catalogue"
+    --wrap="${here@Q}/merge.sh ${catalogue@Q}"

@@ -17,7 +17,7 @@ make_music() {
 # content CATALOGUE: what two scans of the same files have in common
 content() {
     sqlite3 -readonly "$1" "
-        SELECT hex(path), hex(audio_hash), size, frames, bpm, key, confidence, hex(beats), hex(zoom)
+        SELECT hex(path), hex(audio_hash), size, frames, t.bpm, t.key, confidence, hex(beats), hex(zoom)
         FROM tracks t JOIN results r ON r.track_id = t.id LEFT JOIN grids g ON g.result_id = r.id
             LEFT JOIN waves w ON w.result_id = r.id ORDER BY path;
         SELECT hex(path), kind, reason FROM failures ORDER BY path;"
