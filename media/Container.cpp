@@ -7,7 +7,6 @@
 #include <string_view>
 
 #include "base/Interrupt.h"
-#include "base/errors.h"
 #include "media/end/FileBytes.h"
 
 namespace media {
@@ -73,7 +72,7 @@ const AVInputFormat* Container::recognise() const {
     const int score =
         av_probe_input_buffer2(input_.context(), &format, "", nullptr, 0, kProbeBytes);
     if (score < kLeastProbeScore || format == nullptr || !isAudioContainer(*format)) {
-        refuse(score, "is not an audio file of a known kind");
+        refuse(score, "is not an audio file of a known kind", base::TrackError::Kind::notAudio);
     }
     return format;
 }
@@ -93,18 +92,18 @@ void Container::open(const AVInputFormat* format) {
 
 void Container::chooseStream() {
     const int index = av_find_best_stream(context_.get(), AVMEDIA_TYPE_AUDIO, -1, -1, nullptr, 0);
-    if (index < 0) refuse(index, "holds no audio");
+    if (index < 0) refuse(index, "holds no audio", base::TrackError::Kind::notAudio);
     for (unsigned i = 0; i < context_->nb_streams; ++i)
         context_->streams[i]->discard = AVDISCARD_ALL;
     stream_ = context_->streams[index];
     stream_->discard = AVDISCARD_DEFAULT;
 }
 
-void Container::refuse(int error, const char* otherwise) const {
+void Container::refuse(int error, const char* otherwise, base::TrackError::Kind kind) const {
     base::Interrupt::check();
     input_.requireReadable();
     if (error == AVERROR(ENOMEM)) throw std::bad_alloc();
-    throw base::TrackError(otherwise);
+    throw base::TrackError(otherwise, kind);
 }
 
 bool Container::next(AVPacket& packet) {

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "base/TrackSource.h"
+#include "base/errors.h"
 #include "media/FileInput.h"
 #include "media/ffmpeg.h"
 #include "media/ogg/OggPackets.h"
@@ -76,7 +77,8 @@ private:
     void chooseStream();
     void surveyPages();
     bool resume();
-    [[noreturn]] void refuse(int error, const char* otherwise) const;
+    [[noreturn]] void refuse(int error, const char* otherwise,
+                             base::TrackError::Kind kind = base::TrackError::Kind::damaged) const;
 
     FileInput& input_;
     std::unique_ptr<AVFormatContext, ContextClose> context_;

@@ -17,6 +17,8 @@ namespace media {
 
 namespace {
 
+using Kind = base::TrackError::Kind;
+
 constexpr int kBufferBytes = 64 * 1024;
 
 FileState stateOf(const struct stat& status) {
@@ -49,12 +51,18 @@ void FileInput::ContextFree::operator()(AVIOContext* context) const {
 void FileInput::openRegular(const std::string& path) {
     // Opening a pipe would otherwise wait for its writer.
     descriptor_ = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
-    if (descriptor_ == -1) throw base::TrackError("cannot be opened: " + base::systemReason(errno));
+    if (descriptor_ == -1) {
+        const bool isMissing = errno == ENOENT || errno == ENOTDIR;
+        throw base::TrackError("cannot be opened: " + base::systemReason(errno),
+                               isMissing ? Kind::missing : Kind::unreadable);
+    }
     struct stat status = {};
     const char* refusal = nullptr;
-    if (fstat(descriptor_, &status) != 0)
+    Kind kind = Kind::notAudio;
+    if (fstat(descriptor_, &status) != 0) {
         refusal = "cannot be examined";
-    else if (S_ISDIR(status.st_mode))
+        kind = Kind::unreadable;
+    } else if (S_ISDIR(status.st_mode))
         refusal = "is a folder, not an audio file";
     else if (!S_ISREG(status.st_mode))
         refusal = "is not a regular file; a track is read more than once";
@@ -62,7 +70,7 @@ void FileInput::openRegular(const std::string& path) {
         refusal = "is empty";
     if (refusal != nullptr) {
         close(std::exchange(descriptor_, -1));
-        throw base::TrackError(refusal);
+        throw base::TrackError(refusal, kind);
     }
     opened_ = stateOf(status);
 }
@@ -95,7 +103,8 @@ int FileInput::read(std::uint8_t* buffer, int size) {
 }
 
 void FileInput::requireReadable() const {
-    if (failure_ != 0) throw base::TrackError("cannot be read: " + base::systemReason(failure_));
+    if (failure_ != 0)
+        throw base::TrackError("cannot be read: " + base::systemReason(failure_), Kind::unreadable);
 }
 
 std::int64_t FileInput::seekCallback(void* self, std::int64_t offset, int origin) {

@@ -2,7 +2,9 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <string>
+#include <string_view>
 
 namespace output {
 
@@ -23,6 +25,10 @@ enum class KeyNotation {
 class KeyName {
 public:
     explicit KeyName(int number) : number_(number) {}
+
+    /** The key of a name in any notation: "8A", "1m", "F# minor", "Gbm", "c", "B♭ major". Nothing
+     *  for any other text. */
+    static std::optional<KeyName> parse(std::string_view text);
 
     int number() const { return number_; }
     bool isMinor() const { return number_ >= 12; }

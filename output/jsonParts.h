@@ -15,6 +15,9 @@ namespace output {
 /** @name Members that the documents of several commands share, described in docs/json.md
  *  @{ */
 
+/** A file's name: "file", and where the name is not UTF-8 "fileBytes". */
+nlohmann::ordered_json nameJson(const std::string& path);
+
 /** Name, file and length. @param frames  at the session's rate */
 nlohmann::ordered_json trackFileJson(const base::TrackSource& file, std::int64_t frames);
 

@@ -5,10 +5,10 @@
 #include <string>
 
 #include <CLI/CLI.hpp>
-#include <sched.h>
 
 #include "cli/memorySize.h"
 #include "cli/numberBetween.h"
+#include "cli/processors.h"
 
 namespace app {
 
@@ -17,14 +17,6 @@ namespace {
 // One for decoding, one for the beats and one for the key.
 constexpr int kMostUsefulThreads = 3;
 constexpr int kMostThreads = 256;
-
-/** The number of processors that this process may use. */
-int processors() {
-    cpu_set_t set;
-    CPU_ZERO(&set);
-    if (sched_getaffinity(0, sizeof set, &set) != 0) return 1;
-    return std::max(1, CPU_COUNT(&set));
-}
 
 }  // namespace
 

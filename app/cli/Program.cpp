@@ -58,7 +58,7 @@ void declareProgram(CLI::App& program) {
 
 void declareCommand(CLI::App& program, Command& command) {
     CLI::App* arguments = program.add_subcommand(command.name(), command.description());
-    arguments->group(kCommands);
+    arguments->group(command.isHidden() ? "" : kCommands);
     declareEnds(*arguments);
     command.declare(*arguments);
 }
@@ -91,6 +91,7 @@ std::vector<std::string> toArguments(const std::vector<std::string>& words) {
 std::string helpOn(const CLI::App& program, const std::string& topic) {
     std::vector<std::string> names;
     for (const CLI::App* command : program.get_subcommands({})) {
+        if (command->get_group().empty()) continue;
         if (command->get_name() == topic) return command->help("beatatlas");
         names.push_back(command->get_name());
     }

@@ -29,6 +29,8 @@ public:
     void settle(const std::vector<std::string>& paths);
 
     bool acceptsCutOff() const { return acceptsCutOff_; }
+    bool isQuiet() const { return isQuiet_; }
+    bool isVerbose() const { return isVerbose_; }
 
     /** How to read one track; the caller adds what to find in it. */
     media::FileAnalysis::Options reading(const std::string& path,

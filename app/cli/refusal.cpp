@@ -51,8 +51,9 @@ std::string unknownCommand(const CLI::App& program, const std::string& word) {
     if (isFile(word))
         return "there is no command " + shown + "; did you mean analyze " + shown + "?";
     std::vector<std::string> names;
-    for (const CLI::App* command : program.get_subcommands({}))
-        names.push_back(command->get_name());
+    for (const CLI::App* command : program.get_subcommands({})) {
+        if (!command->get_group().empty()) names.push_back(command->get_name());
+    }
     return "there is no command " + shown + suggestion(word, names);
 }
 

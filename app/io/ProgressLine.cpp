@@ -5,11 +5,11 @@
 #include <cstdio>
 
 #include <fmt/format.h>
-#include <sys/ioctl.h>
 #include <unistd.h>
 
 #include "base/displayName.h"
 #include "io/columns.h"
+#include "io/terminal.h"
 #include "output/textFormat.h"
 
 namespace app {
@@ -17,26 +17,17 @@ namespace app {
 namespace {
 
 constexpr std::chrono::milliseconds kShowEvery{100};
-constexpr std::chrono::seconds kPrintEvery{
-    30};  // without a terminal: often enough to show that work goes on
-constexpr std::size_t kUsualColumns = 80;
+// Without a terminal: often enough to show that work goes on.
+constexpr std::chrono::seconds kPrintEvery{30};
 constexpr std::size_t kWidestBar = 30;
 constexpr std::size_t kNarrowestBar = 8;
 constexpr std::size_t kFewestNameColumns = 16;  // beside a bar
 constexpr std::size_t kShortestName = 8;        // shorter ones are useless
 constexpr std::size_t kFewestColumnsForSpeed = 50;
 constexpr std::size_t kBarFrame = 4;  // two spaces and two brackets
-constexpr std::string_view kWipeLine = "\r\x1B[K";
-
-std::size_t terminalColumns() {
-    struct winsize size = {};
-    if (ioctl(STDERR_FILENO, TIOCGWINSZ, &size) != 0 || size.ws_col == 0) return kUsualColumns;
-    return size.ws_col;
-}
 
 void print(const std::string& text) {
     std::fwrite(text.data(), 1, text.size(), stderr);
-    std::fflush(stderr);
 }
 
 int percent(const RunProgress& run) {
@@ -118,7 +109,7 @@ void ProgressLine::show(double fraction, double trackSeconds, Clock::time_point 
 void ProgressLine::showOver(double elapsedSeconds) {
     const std::string name = base::displayName(path_.substr(path_.rfind('/') + 1));
     // A terminal may wrap once its last column is written.
-    print(std::string(kWipeLine) + progressText(run_, name, elapsedSeconds, terminalColumns() - 1));
+    writeOver(progressText(run_, name, elapsedSeconds, terminalColumns() - 1));
     shown_ = true;
 }
 
@@ -133,7 +124,7 @@ void ProgressLine::printProgress(double elapsedSeconds) const {
 }
 
 void ProgressLine::wipe() {
-    if (shown_) print(std::string(kWipeLine));
+    if (shown_) writeOver("");
     shown_ = false;
 }
 

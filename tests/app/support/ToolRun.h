@@ -35,6 +35,10 @@ struct ToolRun {
     ToolRun& run();
 };
 
+/** In a process just forked: becomes the tool, with its output led to these descriptors and without
+ *  the superuser's rights. @param output  -1: closed */
+[[noreturn]] void becomeTool(std::vector<std::string> arguments, int output, int error);
+
 /** The tool with these arguments, run. */
 ToolRun runTool(const std::vector<std::string>& arguments);
 
