@@ -131,7 +131,7 @@ def programs(folder):
     reaches): the test programs of the rooms, and the comparison with the record of results."""
     found = []
     for room in ROOMS:
-        for file in sorted((folder / 'build/tests' / room).iterdir()):
+        for file in sorted((folder / 'build/tests' / room).rglob('*')):
             if file.is_file() and os.access(file, os.X_OK) and file.suffix == '':
                 found.append(tried_out(room, [str(file)], folder))
     golden = folder / 'tree/tests/golden'
