@@ -2,6 +2,7 @@
 #include "cli/commandTable.h"
 
 #include "cli/AnalyzeCommand.h"
+#include "cli/ClickCommand.h"
 #include "cli/CutCommand.h"
 #include "cli/DrawCommand.h"
 #include "cli/KeyCommand.h"
@@ -16,6 +17,7 @@ std::vector<std::unique_ptr<Command>> makeCommands() {
     commands.push_back(std::make_unique<PitchCommand>());
     commands.push_back(std::make_unique<KeyCommand>());
     commands.push_back(std::make_unique<CutCommand>());
+    commands.push_back(std::make_unique<ClickCommand>());
     return commands;
 }
 
