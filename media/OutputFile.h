@@ -23,6 +23,9 @@ public:
     /** Where the next bytes go, counted from the file's beginning. */
     void seek(std::int64_t offset);
 
+    /** Of the file on its way, for libraries that write by themselves. */
+    int descriptor() const { return descriptor_; }
+
     /** @return what could not be done although the file is in its place, as a reason for people;
      *          empty when all is well */
     std::string commit();

@@ -7,6 +7,7 @@
 #include "cli/DrawCommand.h"
 #include "cli/KeyCommand.h"
 #include "cli/PitchCommand.h"
+#include "cli/TagCommand.h"
 
 namespace app {
 
@@ -18,6 +19,7 @@ std::vector<std::unique_ptr<Command>> makeCommands() {
     commands.push_back(std::make_unique<KeyCommand>());
     commands.push_back(std::make_unique<CutCommand>());
     commands.push_back(std::make_unique<ClickCommand>());
+    commands.push_back(std::make_unique<TagCommand>());
     return commands;
 }
 
