@@ -15,6 +15,10 @@ namespace output {
 /** @name Members that the documents of several commands share, as docs/json.md tells them
  *  @{ */
 
+/** The name of a file. JSON is UTF-8, file names need not be: then the name is shown with escapes,
+ *  and its bytes are told beside it. */
+nlohmann::ordered_json nameJson(const std::string& path);
+
 /** Name, file and length. @param frames  at the session's rate */
 nlohmann::ordered_json trackFileJson(const base::TrackSource& file, std::int64_t frames);
 

@@ -3,6 +3,7 @@
 
 #include "cli/AnalyzeCommand.h"
 #include "cli/ClickCommand.h"
+#include "cli/CompareCommand.h"
 #include "cli/CutCommand.h"
 #include "cli/DrawCommand.h"
 #include "cli/KeyCommand.h"
@@ -20,6 +21,7 @@ std::vector<std::unique_ptr<Command>> makeCommands() {
     commands.push_back(std::make_unique<CutCommand>());
     commands.push_back(std::make_unique<ClickCommand>());
     commands.push_back(std::make_unique<TagCommand>());
+    commands.push_back(std::make_unique<CompareCommand>());
     return commands;
 }
 
