@@ -19,7 +19,7 @@ struct SheetBeat {
 /** What one source says of a track. */
 struct BeatSheet {
     std::vector<SheetBeat> beats;  ///< in order of time
-    std::optional<double> bpm;     ///< as it is stated, else the median of the beats'
+    std::optional<double> bpm;     ///< as it is stated, else that of most beats
     std::optional<int> key;        ///< as the library numbers it: 0 to 23
 
     /** Whether it says which beats are downbeats. */

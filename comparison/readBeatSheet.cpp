@@ -14,17 +14,28 @@ namespace {
 
 constexpr double kLatestSeconds = 1e6;
 constexpr int kLongestBar = 32;
+constexpr double kUsual = 0.1;  ///< how far from the median, as a share of it
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 
-/** Of the distances from beat to beat; nothing where there are none. */
-std::optional<double> medianBpm(const std::vector<SheetBeat>& beats) {
+/** Of the distances from beat to beat that are about as long as most; nothing where there are
+ *  none. Times are often rounded, so that no single distance would tell. */
+std::optional<double> usualBpm(const std::vector<SheetBeat>& beats) {
     std::vector<double> distances;
     for (std::size_t i = 1; i < beats.size(); ++i)
         distances.push_back(beats[i].seconds - beats[i - 1].seconds);
     if (distances.empty()) return std::nullopt;
     const auto middle = distances.begin() + static_cast<std::ptrdiff_t>(distances.size() / 2);
     std::nth_element(distances.begin(), middle, distances.end());
-    return *middle > 0.0 ? std::optional(60.0 / *middle) : std::nullopt;
+    const double median = *middle;
+    if (!(median > 0.0)) return std::nullopt;
+    double sum = 0.0;
+    double count = 0.0;
+    for (const double distance : distances) {
+        if (std::abs(distance - median) > kUsual * median) continue;
+        sum += distance;
+        ++count;
+    }
+    return 60.0 * count / sum;
 }
 
 /** Labels may count bars, or beats from the first to the last. */
@@ -51,7 +62,7 @@ BeatSheet finished(BeatSheet sheet) {
     if (!areNumbersOfBeats(sheet.beats)) {
         for (SheetBeat& beat : sheet.beats) beat.number.reset();
     }
-    if (!sheet.bpm) sheet.bpm = medianBpm(sheet.beats);
+    if (!sheet.bpm) sheet.bpm = usualBpm(sheet.beats);
     return sheet;
 }
 

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "cli/CompareCommand.h"
 
-#include <algorithm>
 #include <fstream>
 #include <optional>
 
@@ -56,13 +55,15 @@ comparison::BeatSheet sheetOf(const beatatlas::track::TrackResult& analysis) {
 
 void CompareCommand::declare(CLI::App& arguments) {
     arguments
-        .add_option("A", paths_,
-                    "what is compared, then what it is compared with; each a result of\n"
-                    "beatatlas analyze --json, a track, or beats: JAMS, Audacity labels, or text\n"
-                    "with a time a line and the beat's number behind it, if known")
+        .add_option("A", a_,
+                    "what is compared: a result of beatatlas analyze --json, a track, or beats:\n"
+                    "JAMS, Audacity labels, or text with a time a line and the beat's number\n"
+                    "behind it, if known")
         ->required()
-        ->expected(2)
-        ->option_text("B");
+        ->option_text(" ");
+    arguments.add_option("B", b_, "what it is compared with: one of these, too")
+        ->required()
+        ->option_text(" ");
     arguments.add_flag("--json", asJson_, "print one JSON document for programs");
     analysis_.declare(arguments);
     effort_.declare(arguments);
@@ -71,9 +72,9 @@ void CompareCommand::declare(CLI::App& arguments) {
 
 ExitCode CompareCommand::run(ResultStream& results) {
     analysis_.settle();
-    std::transform(paths_.begin(), paths_.end(), paths_.begin(), unguarded);
-    tracks_.settle(paths_);
-    for (const std::string& path : paths_) {
+    const std::vector<std::string> paths = {unguarded(a_), unguarded(b_)};
+    tracks_.settle(paths);
+    for (const std::string& path : paths) {
         if (!addSide(path)) return kExitFailed;
     }
     results.write(asJson_ ? comparison::comparisonJson(sides_[0], sides_[1], toolVersion())

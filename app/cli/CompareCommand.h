@@ -31,7 +31,8 @@ private:
     AnalysisArguments analysis_;
     EffortArguments effort_;
     TrackArguments tracks_;
-    std::vector<std::string> paths_;
+    std::string a_;
+    std::string b_;
     std::vector<comparison::Side> sides_;
     bool asJson_ = false;
 };
