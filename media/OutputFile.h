@@ -23,6 +23,9 @@ public:
     /** Sets the offset from the file's beginning at which the next bytes are written. */
     void seek(std::int64_t offset);
 
+    /** Of the draft, for libraries that write by themselves. */
+    int descriptor() const { return descriptor_; }
+
     /** @return what could not be done although the file has been written, in words for people;
      *          empty when all is well */
     std::string commit();

@@ -88,8 +88,6 @@ Json notesJson(const beatatlas::track::SessionKey& key) {
 
 }  // namespace
 
-/** JSON is UTF-8, file names need not be: then the name is shown with escapes, and its bytes are
- *  told beside it. */
 Json nameJson(const std::string& path) {
     if (base::isUtf8(path)) return {{"file", path}};
     return {{"file", base::displayName(path)}, {"fileBytes", hexadecimal(path)}};

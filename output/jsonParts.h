@@ -15,7 +15,8 @@ namespace output {
 /** @name Members that the documents of several commands share, described in docs/json.md
  *  @{ */
 
-/** A file's name: "file", and where the name is not UTF-8 "fileBytes". */
+/** The name of a file: "file", and "fileBytes" where the name is not UTF-8: it is then shown with
+ *  escapes. */
 nlohmann::ordered_json nameJson(const std::string& path);
 
 /** Name, file and length. @param frames  at the session's rate */

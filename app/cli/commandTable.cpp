@@ -2,6 +2,8 @@
 #include "cli/commandTable.h"
 
 #include "cli/AnalyzeCommand.h"
+#include "cli/ClickCommand.h"
+#include "cli/CompareCommand.h"
 #include "cli/CorrectCommand.h"
 #include "cli/CutCommand.h"
 #include "cli/DrawCommand.h"
@@ -13,6 +15,7 @@
 #include "cli/ScanCommand.h"
 #include "cli/ScanWorkerCommand.h"
 #include "cli/ShowCommand.h"
+#include "cli/TagCommand.h"
 
 namespace app {
 
@@ -30,6 +33,9 @@ std::vector<std::unique_ptr<Command>> makeCommands() {
     commands.push_back(std::make_unique<ForgetCommand>());
     commands.push_back(std::make_unique<MergeCommand>());
     commands.push_back(std::make_unique<ScanWorkerCommand>());
+    commands.push_back(std::make_unique<ClickCommand>());
+    commands.push_back(std::make_unique<TagCommand>());
+    commands.push_back(std::make_unique<CompareCommand>());
     return commands;
 }
 
