@@ -28,6 +28,14 @@ namespace {
 
 using namespace beatatlas::fuzz;
 
+/** A scan starts this program anew as its workers: those are the tool then. Before anything else of
+ *  the fuzzer runs. Names on standard input, which nobody types here, are none. */
+__attribute__((constructor)) void becomeWorker(int argc, char** argv, char**) {
+    if (argc == 2 && std::string_view(argv[1]) == "scan-worker") execv(BEATATLAS_TOOL, argv);
+    const int nothing = open("/dev/null", O_RDONLY);
+    if (nothing != -1) dup2(nothing, STDIN_FILENO);
+}
+
 constexpr int kMostArguments = 10;
 constexpr int kMostRawBytes = 24;
 constexpr double kTrackSeconds = 0.05;
@@ -77,6 +85,8 @@ public:
         test::writeFile(folder_->file("noise.bin"), "not an audio file, whatever it says");
         std::filesystem::create_directory(folder_->file("folder"));
         kept_ = folder_->names();
+        // Of a scan that names no catalogue.
+        setenv("XDG_DATA_HOME", folder_->path().c_str(), 1);
     }
 
     void enter() const {
