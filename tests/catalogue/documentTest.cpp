@@ -75,7 +75,7 @@ TEST_F(CatalogueDocument, NamesEveryTableAndColumn) {
                     HasSubstr("`" + tables.getColumn(1).getString() + "`"))
             << table;
     }
-    EXPECT_EQ(columns, 26 + 2 + 17 + 2 + 4 + 5 + 7);
+    EXPECT_EQ(columns, 26 + 2 + 18 + 2 + 4 + 5 + 7);
 }
 
 TEST_F(CatalogueDocument, NamesTheVersion) {

@@ -29,7 +29,7 @@ catalogue::Analysed trackOf(const std::string& path, int number, double bpm, int
     options.wantsSessionKey = true;
     catalogue::AudioHash hash{};
     hash[0] = static_cast<std::uint8_t>(number);
-    return makeAnalysed(source, {1, 1}, hash, options, result, 0.5, {}, "1.2.3");
+    return catalogue::makeAnalysed(source, {1, 1}, hash, options, result, 0.5, {}, "1.2.3");
 }
 
 }  // namespace
