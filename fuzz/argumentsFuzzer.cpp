@@ -16,6 +16,7 @@
 
 #include "FuzzInput.h"
 #include "FuzzersRoundingMode.h"
+#include "catalogue/Catalogue.h"
 #include "cli/Program.h"
 #include "cli/commandTable.h"
 #include "io/ResultStream.h"
@@ -43,11 +44,12 @@ constexpr double kTrackSeconds = 0.05;
 /** Words that commands are likely to accept: their names, their options, and values for these. */
 std::vector<std::string> likelyWords() {
     std::vector<std::string> words = {
-        "track.wav", "noise.bin", "folder", "absent.wav", "out.png",  "out.svg",  "constant",
-        "varied",    "simple",    "off",    "4",          "32",       "0",        "-1",
-        "1.5",       "1e9",       "nan",    "inf",        "0x10",     "1600",     "--",
-        "-",         "",          "[",      "[a,b]",      "--json",   "--help",   "--version",
-        "=",         "-o",        "é",      "\x01",       "-o=x.png", "--width=1"};
+        "track.wav", "noise.bin", "folder", "absent.wav", "out.png",  "out.svg",   "constant",
+        "varied",    "simple",    "off",    "4",          "32",       "0",         "-1",
+        "1.5",       "1e9",       "nan",    "inf",        "0x10",     "1600",      "--",
+        "-",         "",          "[",      "[a,b]",      "--json",   "--help",    "--version",
+        "=",         "-o",        "é",      "\x01",       "-o=x.png", "--width=1", "8A",
+        "120:128",   "love",      "table"};
     CLI::App program;
     for (const auto& command : app::makeCommands()) {
         CLI::App* arguments = program.add_subcommand(command->name(), "");

@@ -83,6 +83,7 @@ int main(int argc, char** argv) {
         writeNoise(folder / "arguments", 4);
         writeNoise(folder / "track", 5);
         writeNoise(folder / "tempo", 6);
+        writeNoise(folder / "catalogue", 7);
         writeTracks(folder / "decoder");
     } catch (const std::exception& error) {
         std::fprintf(stderr, "writeSeeds: %s\n", error.what());

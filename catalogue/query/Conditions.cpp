@@ -140,7 +140,6 @@ void SqlPart::bindTo(SQLite::Statement& statement) const {
 
 SqlPart rowConditions(const TrackQuery& query) {
     SqlPart part;
-    part.add(" AND t.result_id IS NOT NULL");
     if (const std::string text = folded(query.text); !text.empty()) addTextCondition(part, text);
     addTempoCondition(part, query.bpm);
     if (!query.keys.empty()) {

@@ -44,13 +44,16 @@ OrderSql orderSql(TrackQuery::Order order) {
         return {"tracks_by_title", "t.title_order, t.artist_order, t.id",
                 "t.title_order DESC, t.artist_order DESC, t.id DESC"};
     case TrackQuery::Order::bpm:
-        return {"tracks_by_bpm", "t.bpm, t.id", "t.bpm DESC, t.id DESC"};
+        return {"tracks_by_bpm", "t.bpm, t.key, t.confidence, t.id",
+                "t.bpm DESC, t.key DESC, t.confidence DESC, t.id DESC"};
     case TrackQuery::Order::key:
-        return {"tracks_by_key", "t.key, t.bpm, t.id", "t.key DESC, t.bpm DESC, t.id DESC"};
+        return {"tracks_by_key", "t.key, t.bpm, t.confidence, t.id",
+                "t.key DESC, t.bpm DESC, t.confidence DESC, t.id DESC"};
     case TrackQuery::Order::length:
         return {"tracks_by_length", "t.seconds, t.id", "t.seconds DESC, t.id DESC"};
     case TrackQuery::Order::confidence:
-        return {"tracks_by_confidence", "t.confidence, t.id", "t.confidence DESC, t.id DESC"};
+        return {"tracks_by_confidence", "t.confidence, t.bpm, t.key, t.id",
+                "t.confidence DESC, t.bpm DESC, t.key DESC, t.id DESC"};
     case TrackQuery::Order::added:
         return {"tracks_by_added", "t.added_at, t.id", "t.added_at DESC, t.id DESC"};
     case TrackQuery::Order::path:
