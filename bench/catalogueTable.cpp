@@ -1,12 +1,13 @@
 // SPDX-License-Identifier: MIT
 // catalogue_bench FILE [TRACKS]: makes a catalogue of invented tracks (a million) unless the file is
-// there, and prints how long each filter takes to list twenty tracks in each order: the median and
-// the longest of several runs, in milliseconds.
+// there, and prints how long each filter takes to list twenty tracks in each order, forward and
+// reversed: milliseconds of processor time, the median of several runs.
 #include <algorithm>
 #include <array>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <ctime>
 #include <exception>
 #include <filesystem>
 #include <string>
@@ -94,21 +95,23 @@ std::vector<Case> cases() {
             {"gone", gone}};
 }
 
-double millisecondsOf(const Catalogue& catalogue, const TrackQuery& query) {
-    const auto begin = Clock::now();
+/** Processor time, which other programs do not disturb; opened anew, as each command does. */
+double millisecondsOf(const std::string& path, const TrackQuery& query) {
+    const std::clock_t begin = std::clock();
+    const Catalogue catalogue(path, Catalogue::Access::read);
     listTracks(catalogue, query, [](const catalogue::ListedTrack&) {});
-    return std::chrono::duration<double, std::milli>(Clock::now() - begin).count();
+    return 1000.0 * static_cast<double>(std::clock() - begin) / CLOCKS_PER_SEC;
 }
 
-double medianOf(const Catalogue& catalogue, const TrackQuery& query) {
+double medianOf(const std::string& path, const TrackQuery& query) {
     std::vector<double> times;
-    for (int run = 0; run < kRuns; ++run) times.push_back(millisecondsOf(catalogue, query));
+    for (int run = 0; run < kRuns; ++run) times.push_back(millisecondsOf(path, query));
     std::sort(times.begin(), times.end());
     return times[times.size() / 2];
 }
 
-void printTable(const Catalogue& catalogue) {
-    std::printf("%-24s", "ms for the first 20 by");
+void printTable(const std::string& path) {
+    std::printf("%-24s", "ms, the first 20 by");
     for (const auto& [order, name] : kOrders) std::printf("%11s", name);
     std::printf("\n");
     double longest = 0.0;
@@ -117,19 +120,16 @@ void printTable(const Catalogue& catalogue) {
         for (const auto& [order, name] : kOrders) {
             each.query.order = order;
             each.query.limit = kListed;
-            const double forward = medianOf(catalogue, each.query);
+            const double forward = medianOf(path, each.query);
             each.query.isReversed = true;
-            const double backward = medianOf(catalogue, each.query);
+            const double backward = medianOf(path, each.query);
             each.query.isReversed = false;
             longest = std::max({longest, forward, backward});
-            std::printf("%5.1f %5.1f", forward, backward);
+            std::printf(" %5.1f%5.1f", forward, backward);
         }
         std::printf("\n");
     }
-    const auto begin = Clock::now();
-    listFailures(catalogue, false, kListed, [](const catalogue::ListedFailure&) {});
-    std::printf("failures: %.1f ms; the longest of all: %.1f ms\n",
-                std::chrono::duration<double, std::milli>(Clock::now() - begin).count(), longest);
+    std::printf("the longest of all: %.1f ms\n", longest);
 }
 
 }  // namespace
@@ -138,15 +138,15 @@ int main(int argc, char** argv) {
     if (argc < 2) return 2;
     try {
         const bool isNew = !std::filesystem::exists(argv[1]);
-        Catalogue catalogue(argv[1], Catalogue::Access::create);
         if (isNew) {
+            Catalogue catalogue(argv[1], Catalogue::Access::create);
             const auto begin = Clock::now();
             const std::int64_t tracks = argc > 2 ? std::atoll(argv[2]) : kUsualTracks;
             bench::fillCatalogue(catalogue, tracks);
             std::printf("made %lld tracks in %.0f s\n", static_cast<long long>(tracks),
                         std::chrono::duration<double>(Clock::now() - begin).count());
         }
-        printTable(catalogue);
+        printTable(argv[1]);
     } catch (const std::exception& error) {
         std::fprintf(stderr, "catalogue_bench: %s\n", error.what());
         return 1;

@@ -101,6 +101,7 @@ int main(int argc, char** argv) {
         writeNoise(folder / "track", 5);
         writeNoise(folder / "tempo", 6);
         writeBeatSheets(folder / "beatsheet");
+        writeNoise(folder / "catalogue", 7);
         writeTracks(folder / "decoder");
     } catch (const std::exception& error) {
         std::fprintf(stderr, "writeSeeds: %s\n", error.what());

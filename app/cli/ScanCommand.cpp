@@ -133,7 +133,10 @@ ExitCode ScanCommand::run(ResultStream& results) {
     const std::string path = catalogue_.pathToCreate();
     catalogue::Catalogue catalogue(path, catalogue::Catalogue::Access::create);
     const auto scan = openScan(catalogue);
-    ScanProgress progress(progress_, tracks_.isQuiet(), results);
+    // What workers say would go through the line.
+    const bool isBetween = tracks_.isVerbose() && progress_ == ScanProgress::Manner::watched;
+    ScanProgress progress(isBetween ? ScanProgress::Manner::none : progress_, tracks_.isQuiet(),
+                          results);
     try {
         this->scan(*scan, path, progress);
     } catch (const base::Interrupted&) {

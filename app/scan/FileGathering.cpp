@@ -12,20 +12,11 @@
 #include "base/errors.h"
 #include "io/absolutePath.h"
 #include "scan/NameList.h"
+#include "scan/fileState.h"
 #include "scan/playlist.h"
 #include "scan/usualLength.h"
 
 namespace app {
-
-namespace {
-
-constexpr std::int64_t kNanoseconds = 1000000000;
-
-catalogue::FileState stateOf(const struct stat& status) {
-    return {status.st_size, status.st_mtim.tv_sec * kNanoseconds + status.st_mtim.tv_nsec};
-}
-
-}  // namespace
 
 FileGathering::FileGathering(Options options, Found found, Told refused, Told noted)
     : options_(std::move(options)), found_(std::move(found)), refused_(std::move(refused)),
@@ -90,7 +81,7 @@ void FileGathering::addNames() {
 void FileGathering::take(const std::string& path, const struct stat& status) {
     hasSeenFile_ = true;
     if (isOfCatalogue(path) || !options_.shard.has(path)) return;
-    const catalogue::FileState state = stateOf(status);
+    const catalogue::FileState state = fileStateOf(status);
     found_(path, state, usualSeconds(path, state.size));
 }
 

@@ -26,6 +26,7 @@
 #include "media/ffmpeg.h"
 #include "output/fileWarnings.h"
 #include "scan/AudioHasher.h"
+#include "scan/fileState.h"
 #include "scan/usualLength.h"
 
 namespace app {
@@ -34,7 +35,7 @@ namespace {
 
 using Kind = base::TrackError::Kind;
 
-constexpr std::int64_t kNanoseconds = 1000000000;
+constexpr double kNanoseconds = 1.0e9;
 constexpr std::chrono::milliseconds kTellEvery{100};
 constexpr std::int64_t kMebibyte = std::int64_t{1} << 20;
 
@@ -67,7 +68,7 @@ catalogue::FileState stateOf(const std::string& path) {
         throw base::TrackError("cannot be opened: " + base::systemReason(errno),
                                isMissing ? Kind::missing : Kind::unreadable);
     }
-    return {status.st_size, status.st_mtim.tv_sec * kNanoseconds + status.st_mtim.tv_nsec};
+    return fileStateOf(status);
 }
 
 catalogue::FailureKind kindOf(const base::TrackError& error, const std::string& path) {

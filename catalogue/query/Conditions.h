@@ -21,12 +21,17 @@ class SqlPart {
 public:
     using Value = std::variant<std::int64_t, double, std::string>;
 
-    SqlPart& add(const char* text);
-    SqlPart& add(const char* text, std::vector<Value> values);
+    /** @param values  integers of 64 bits, reals and texts */
+    template <class... Values>
+    SqlPart& add(const char* text, const Values&... values) {
+        text_ += text;
+        (values_.emplace_back(values), ...);
+        return *this;
+    }
     SqlPart& add(const SqlPart& part);
 
     /** So many '?' with commas between them. */
-    SqlPart& addList(std::vector<Value> values);
+    SqlPart& addList(const std::vector<int>& values);
 
     bool isEmpty() const { return text_.empty(); }
     const std::string& text() const { return text_; }
@@ -41,7 +46,7 @@ private:
 SqlPart rowConditions(const TrackQuery& query);
 
 /** The ways in which an index finds the tracks that meet one of the conditions, or two: each
- *  selects ids. */
+ *  selects ids, some perhaps twice. */
 std::vector<SqlPart> idSelections(const TrackQuery& query);
 
 }  // namespace catalogue

@@ -6,10 +6,12 @@
 #include "catalogue/query/TrackQuery.h"
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 #include <SQLiteCpp/Database.h>
 #include <SQLiteCpp/Statement.h>
+#include <fmt/format.h>
 
 #include "catalogue/query/Conditions.h"
 #include "catalogue/sqlBinding.h"
@@ -42,13 +44,16 @@ OrderSql orderSql(TrackQuery::Order order) {
         return {"tracks_by_title", "t.title_order, t.artist_order, t.id",
                 "t.title_order DESC, t.artist_order DESC, t.id DESC"};
     case TrackQuery::Order::bpm:
-        return {"tracks_by_bpm", "t.bpm, t.id", "t.bpm DESC, t.id DESC"};
+        return {"tracks_by_bpm", "t.bpm, t.key, t.confidence, t.id",
+                "t.bpm DESC, t.key DESC, t.confidence DESC, t.id DESC"};
     case TrackQuery::Order::key:
-        return {"tracks_by_key", "t.key, t.bpm, t.id", "t.key DESC, t.bpm DESC, t.id DESC"};
+        return {"tracks_by_key", "t.key, t.bpm, t.confidence, t.id",
+                "t.key DESC, t.bpm DESC, t.confidence DESC, t.id DESC"};
     case TrackQuery::Order::length:
         return {"tracks_by_length", "t.seconds, t.id", "t.seconds DESC, t.id DESC"};
     case TrackQuery::Order::confidence:
-        return {"tracks_by_confidence", "t.confidence, t.id", "t.confidence DESC, t.id DESC"};
+        return {"tracks_by_confidence", "t.confidence, t.bpm, t.key, t.id",
+                "t.confidence DESC, t.bpm DESC, t.key DESC, t.id DESC"};
     case TrackQuery::Order::added:
         return {"tracks_by_added", "t.added_at, t.id", "t.added_at DESC, t.id DESC"};
     case TrackQuery::Order::path:
@@ -57,29 +62,35 @@ OrderSql orderSql(TrackQuery::Order order) {
     return {"tracks_by_path", "t.path, t.id", "t.path DESC, t.id DESC"};
 }
 
-/** How many ids are selected, counted up to one more than few. */
-std::int64_t countFew(const Catalogue& catalogue, const SqlPart& selection) {
-    SqlPart count;
-    count.add("SELECT count(*) FROM (SELECT id FROM (")
-        .add(selection)
-        .add(") LIMIT ?)", {kFew + 1});
-    SQLite::Statement statement(catalogue.database(), count.text());
-    count.bindTo(statement);
-    statement.executeStep();
-    return statement.getColumn(0).getInt64();
+using Ids = std::vector<std::int64_t>;
+
+/** What is selected, each id once; nothing when that is more than the most. */
+std::optional<Ids> idsOf(const Catalogue& catalogue, const SqlPart& selection, std::int64_t most) {
+    SqlPart limited;
+    limited.add("SELECT id FROM (").add(selection).add(") LIMIT ?", 2 * most + 1);
+    SQLite::Statement statement(catalogue.database(), limited.text());
+    limited.bindTo(statement);
+    Ids ids;
+    while (statement.executeStep()) ids.push_back(statement.getColumn(0).getInt64());
+    std::sort(ids.begin(), ids.end());
+    ids.erase(std::unique(ids.begin(), ids.end()), ids.end());
+    if (static_cast<std::int64_t>(ids.size()) > most) return std::nullopt;
+    return ids;
 }
 
-/** The selection of the fewest; nothing when all select many. */
-std::optional<SqlPart> fewestOf(const Catalogue& catalogue, const TrackQuery& query) {
-    std::optional<SqlPart> fewest;
-    std::int64_t least = kFew + 1;
+/** The tracks of the condition that holds for the fewest; nothing when all hold for many. */
+std::optional<Ids> fewestOf(const Catalogue& catalogue, const TrackQuery& query) {
+    std::optional<Ids> fewest;
     for (const SqlPart& selection : idSelections(query)) {
-        const std::int64_t count = countFew(catalogue, selection);
-        if (count >= least) continue;
-        least = count;
-        fewest = selection;
+        const std::int64_t most = fewest ? std::ssize(*fewest) : kFew;
+        if (auto ids = idsOf(catalogue, selection, most)) fewest = std::move(ids);
     }
     return fewest;
+}
+
+/** As SQLite's json_each() takes them. */
+std::string listText(const Ids& ids) {
+    return fmt::format("[{}]", fmt::join(ids, ","));
 }
 
 SqlPart statementOf(const Catalogue& catalogue, const TrackQuery& query) {
@@ -88,14 +99,14 @@ SqlPart statementOf(const Catalogue& catalogue, const TrackQuery& query) {
     sql.add("SELECT t.id, t.path, t.artist, t.title, t.seconds, t.bpm, t.key, t.confidence, "
             "t.is_corrected, t.is_gone FROM ");
     if (const auto few = fewestOf(catalogue, query)) {
-        sql.add("(").add(*few).add(") chosen CROSS JOIN tracks t ON t.id = chosen.id");
+        sql.add("json_each(?) chosen CROSS JOIN tracks t ON t.id = chosen.value", listText(*few));
     } else {
         sql.add("tracks t INDEXED BY ").add(order.index);
     }
-    sql.add(" WHERE t.is_gone = ?", {std::int64_t{query.isGone ? 1 : 0}});
+    sql.add(" WHERE t.is_gone = ?", std::int64_t{query.isGone ? 1 : 0});
     sql.add(rowConditions(query));
     sql.add(" ORDER BY ").add(query.isReversed ? order.descending : order.ascending);
-    if (query.limit) sql.add(" LIMIT ?", {*query.limit});
+    if (query.limit) sql.add(" LIMIT ?", *query.limit);
     return sql;
 }
 
@@ -133,7 +144,7 @@ void listFailures(const Catalogue& catalogue, bool isReversed, std::optional<std
         sql.add("SELECT path, kind, reason, attempts FROM failures WHERE kind <> 'not-audio' "
                 "ORDER BY path");
         if (isReversed) sql.add(" DESC");
-        if (limit) sql.add(" LIMIT ?", {*limit});
+        if (limit) sql.add(" LIMIT ?", *limit);
         SQLite::Statement statement(catalogue.database(), sql.text());
         sql.bindTo(statement);
         while (statement.executeStep())
