@@ -35,6 +35,11 @@ public:
      *  @return frames to be dropped from the decoded start */
     std::int64_t framesToDrop(int blockFrames, int rate) const;
 
+    /** What FFmpeg has dropped before the first decoded frame by then, in frames of its rate: told
+     *  by the stream's times, which FFmpeg moves on with what it drops.
+     *  @param first  as FFmpeg handed it out, with its time in ticks of the stream */
+    std::int64_t framesDroppedByFfmpeg(const AVFrame& first) const;
+
 private:
     bool isTagOfCopy() const;
     std::int64_t usualFrames(int rate) const;
@@ -44,6 +49,8 @@ private:
     AVCodecID codec_;
     bool beginsWithHeader_ = false;  ///< an MP3's own, which is decoded as a block of silence
     std::int64_t told_ = 0;          ///< frames that FFmpeg drops by the file's word
+    std::int64_t firstTime_ = AV_NOPTS_VALUE;  ///< of the first packet, in ticks of the stream
+    bool isFirstLeftOut_ = false;              ///< by the file's word, whole
 };
 
 }  // namespace media

@@ -175,6 +175,7 @@ void TrackDecoder::begin(const AVFrame& frame, FrameChain& chain) {
     const std::int64_t dropped = delay_.framesToDrop(frame.nb_samples, frame.sample_rate);
     const std::int64_t missing = missingAtBeginning(frame);
     chain.begin(frame);
+    droppedFrames_ = dropped + delay_.framesDroppedByFfmpeg(frame);
     chain.dropFrames(std::max<std::int64_t>(0, dropped - missing));
     if (missing > dropped) fillGap(missing - dropped, frame.sample_rate, chain);
     if (const auto frames = media::declaredFrames(container_, input_, frame.sample_rate))

@@ -52,6 +52,9 @@ public:
     const FileState& fileState() const { return input_.opened(); }
     bool hasFileChanged() const { return input_.hasChanged(); }
 
+    /** What was left out before the first frame of music, see base::TrackSource. */
+    std::int64_t droppedFrames() const { return droppedFrames_; }
+
     /** Length by the file's own account, seconds. */
     std::optional<double> declaredSeconds() const { return container_.declaredSeconds(); }
 
@@ -104,6 +107,7 @@ private:
     PendingDamage pendingDamage_;
     base::TrackFormat format_;
     std::optional<std::int64_t> declaredFrames_;
+    std::int64_t droppedFrames_ = 0;
     std::int64_t decodedEnd_ = 0;  ///< bytes of the file behind the last packet that was decoded
     bool isAlarmed_ = false;       ///< something was amiss since the last frame of known time
 };
