@@ -52,6 +52,9 @@ public:
      *  from the bit rate. */
     std::optional<double> declaredSeconds() const;
 
+    /** Whether samples without a container end in the middle of a frame. */
+    bool endsWithinFrame() const;
+
     /** Whether the packets' times are those of the pages' granules. FFmpeg's own are not exact, so
      *  that a sound file is taken as it is. */
     bool isReadByPages() const { return oggPackets_.has_value(); }

@@ -257,7 +257,7 @@ bool TrackDecoder::isEndDamaged(double missingSeconds) const {
 }
 
 bool TrackDecoder::isCutOff() const {
-    if (tally_.isLastPacketIncomplete) return true;
+    if (tally_.isLastPacketIncomplete || container_.endsWithinFrame()) return true;
     // Where neither the file nor its packets tell a length, trouble at the end is all there is to
     // go by; where they do, it may as well be a foreign tag after the music.
     const bool hasTrouble = tally_.readFailure != 0 || tally_.isLastPacketDamaged;
