@@ -7,6 +7,9 @@
 
 namespace output {
 
+/** The name of the document that holds such entries. */
+inline constexpr const char* kAnalysisDocument = "beatatlas.analysis";
+
 /** A track's entry in the JSON document, as docs/json.md tells it.
  *  @param withWaves  the three waveform overviews too */
 nlohmann::ordered_json trackJson(const TrackReport& report, bool withWaves);
