@@ -103,6 +103,9 @@ private:
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t count) {
     static const Scratch scratch;
+    // The user's own settings are no part of an input.
+    static const int unset = setenv("XDG_CONFIG_HOME", "/nonexistent", 1);
+    require(unset == 0, "an environment");
     static const std::vector<std::string> words = likelyWords();
     static const int nowhere = open("/dev/null", O_WRONLY | O_CLOEXEC);
     const FuzzersRoundingMode mode;

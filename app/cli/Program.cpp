@@ -14,6 +14,7 @@
 #include "base/Interrupt.h"
 #include "base/displayName.h"
 #include "base/errors.h"
+#include "cli/ConfigFile.h"
 #include "cli/bracketGuard.h"
 #include "cli/commandTable.h"
 #include "cli/messages.h"
@@ -61,6 +62,7 @@ void declareCommand(CLI::App& program, Command& command) {
     arguments->group(kCommands);
     declareEnds(*arguments);
     command.declare(*arguments);
+    declareConfig(*arguments);
 }
 
 void declareHelp(CLI::App& program, std::string& topic) {
@@ -98,14 +100,16 @@ std::string helpOn(const CLI::App& program, const std::string& topic) {
                            suggestion(topic, names));
 }
 
+bool isCommand(const Commands& commands, const std::vector<std::string>& words) {
+    return !words.empty() &&
+           std::any_of(commands.begin(), commands.end(),
+                       [&](const auto& command) { return command->name() == words.front(); });
+}
+
 /** Where the options are told that fit the command line. */
 std::string helpPointer(const std::vector<std::string>& words) {
-    const Commands commands = makeCommands();
-    const bool isCommand =
-        !words.empty() && std::any_of(commands.begin(), commands.end(), [&](const auto& command) {
-            return command->name() == words.front();
-        });
-    return " (see beatatlas " + (isCommand ? words.front() + " " : "") + "--help)";
+    const bool hasOwnHelp = isCommand(makeCommands(), words);
+    return " (see beatatlas " + (hasOwnHelp ? words.front() + " " : "") + "--help)";
 }
 
 }  // namespace
@@ -138,6 +142,7 @@ ExitCode Program::parseAndRun(const std::vector<std::string>& words) {
     declareProgram(program);
     for (const auto& command : commands) declareCommand(program, *command);
     declareHelp(program, topic);
+    if (isCommand(commands, words)) applyConfig(program, words);
     try {
         program.parse(toArguments(words));
     } catch (const CLI::CallForHelp&) {

@@ -59,6 +59,10 @@ void obeyPermissions() {
     else
         dup2(output, STDOUT_FILENO);
     dup2(error, STDERR_FILENO);
+    if (run.input != -1) dup2(run.input, STDIN_FILENO);
+    // The settings of whoever runs the tests are no part of them.
+    setenv("XDG_CONFIG_HOME", run.configFolder.c_str(), 1);
+    for (const auto& [name, value] : run.environment) setenv(name.c_str(), value.c_str(), 1);
     obeyPermissions();
     std::string tool = BEATATLAS_TOOL;
     std::vector<std::string> words = run.arguments;

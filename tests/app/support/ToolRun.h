@@ -2,6 +2,7 @@
 #pragma once
 
 #include <functional>
+#include <map>
 #include <optional>
 #include <string>
 #include <vector>
@@ -17,6 +18,11 @@ struct ToolRun {
     std::vector<std::string> arguments;
     std::string folder;  ///< working folder; empty: the test's own
     OutputPlace output = OutputPlace::captured;
+    /** A descriptor for its standard input; -1: the test's own. */
+    int input = -1;
+    /** $XDG_CONFIG_HOME, in which the file of settings is. */
+    std::string configFolder = "/nonexistent";
+    std::map<std::string, std::string> environment = {};
     bool hasTerminal = false;  ///< standard error is a terminal
 
     /** Sent once the first progress is shown; needs the terminal. */
