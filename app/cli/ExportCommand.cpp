@@ -4,10 +4,13 @@
 #include <algorithm>
 
 #include <CLI/CLI.hpp>
+#include <fmt/format.h>
+#include <fmt/ranges.h>
 
 #include "analysis/PeakGatherer.h"
 #include "analysis/analyzeFile.h"
 #include "base/Interrupt.h"
+#include "base/displayName.h"
 #include "base/errors.h"
 #include "cli/bracketGuard.h"
 #include "cli/keyNotation.h"
@@ -36,7 +39,8 @@ const ExportFormat& formatOf(const std::string& name) {
         names.push_back(format.name);
     }
     if (name.empty()) throw base::UsageError("say in which format: --to FORMAT");
-    throw base::UsageError("there is no format " + name + suggestion(name, names));
+    throw base::UsageError(fmt::format("--to: takes one of {}, not {}{}", fmt::join(names, ", "),
+                                       base::displayName(name), suggestion(name, names)));
 }
 
 std::string formatHelp() {

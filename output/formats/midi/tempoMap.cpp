@@ -16,6 +16,7 @@ using beatatlas::track::Beat;
 
 constexpr double kToleranceMicroseconds = 250.0;
 constexpr double kLongestQuarter = 16'777'215.0;  // 24 bits
+constexpr double kShortestQuarter = 30'000.0;     // 2000 BPM: no grid is as quick
 constexpr int kUsualQuarter = 500'000;            // where there is no beat: 120 BPM, MIDI's default
 constexpr int kUsualBar = 4;
 constexpr int kLongestBar = 255;
@@ -71,9 +72,12 @@ private:
 
     /** By the beat's tempo, else by the next interval. */
     double quarterAt(std::size_t beat) const {
-        if (beats_[beat].bpm > 0.0) return std::min(60e6 / beats_[beat].bpm, kLongestQuarter);
-        if (beat + 1 < beats_.size()) return std::min(intervalBefore(beat + 1), kLongestQuarter);
-        return kUsualQuarter;
+        double quarter = kUsualQuarter;
+        if (beats_[beat].bpm > 0.0)
+            quarter = 60e6 / beats_[beat].bpm;
+        else if (beat + 1 < beats_.size())
+            quarter = intervalBefore(beat + 1);
+        return std::clamp(quarter, kShortestQuarter, kLongestQuarter);
     }
 
     std::int64_t quartersBefore(std::size_t beat) const {
