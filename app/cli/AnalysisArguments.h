@@ -26,14 +26,15 @@ public:
     const beatatlas::track::Options& options() const { return options_; }
 
 private:
+    void declareForOneMode(CLI::App& arguments);
     void refuseUnless(beatatlas::track::TempoMode mode, const CLI::Option& option,
                       const char* refusal) const;
 
     beatatlas::track::Options options_;
-    const CLI::Option* bpmRangeOption_ = nullptr;
-    const CLI::Option* beatsPerBarOption_ = nullptr;
-    const CLI::Option* sectionOption_ = nullptr;
-    const CLI::Option* rangeOption_ = nullptr;
+    CLI::Option* bpmRangeOption_ = nullptr;
+    CLI::Option* beatsPerBarOption_ = nullptr;
+    CLI::Option* sectionOption_ = nullptr;
+    CLI::Option* rangeOption_ = nullptr;
     std::optional<std::string> bpmRange_;
     std::optional<int> beatsPerBar_;
     std::optional<int> sectionBeats_;

@@ -48,6 +48,8 @@ std::string placeInPlaylist(const std::string& path) {
 }  // namespace
 
 void Playlist::add(const TrackReport& report, const Peaks*) {
+    // What came in by standard input is nowhere to be played from.
+    if (report.path == "-") return;
     const beatatlas::track::TrackResult& analysis = report.analysis;
     const std::int64_t seconds = std::llround(analysis.seconds());
     entries_.push_back({placeOf(analysis.key), analysis.bpm.value_or(0.0),
