@@ -77,6 +77,15 @@ struct TrackSource {
     bool lacksEnd = false;
 
     Overload overload;
+
+    /** Frames at the file's rate between the first one that its decoder yields and the first frame
+     *  of music, where positions begin: the delay of encoder and decoder, which is left out. */
+    std::int64_t droppedFrames = 0;
+
+    /** The same in seconds. */
+    double droppedSeconds() const {
+        return format.trackRate == 0 ? 0.0 : static_cast<double>(droppedFrames) / format.trackRate;
+    }
 };
 
 }  // namespace base

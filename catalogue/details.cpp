@@ -36,6 +36,7 @@ Json fileJson(const base::TrackSource& file) {
             {"repeatedPackets", file.repeatedPackets},
             {"gaps", std::move(gaps)},
             {"lacksEnd", file.lacksEnd},
+            {"droppedFrames", file.droppedFrames},
             {"samples", overload.heard},
             {"clipped", overload.clipped},
             {"peak", levelJson(overload.peak)},
@@ -49,6 +50,7 @@ void readFile(const Json& json, base::TrackSource& file) {
     for (const Json& gap : json.at("gaps"))
         file.gaps.push_back({gap.at(0).get<double>(), gap.at(1).get<double>()});
     file.lacksEnd = json.at("lacksEnd").get<bool>();
+    file.droppedFrames = json.at("droppedFrames").get<std::int64_t>();
     file.overload.heard = json.at("samples").get<std::int64_t>();
     file.overload.clipped = json.at("clipped").get<std::int64_t>();
     file.overload.peak = levelOf(json.at("peak"));

@@ -51,6 +51,24 @@ std::string tagOf(const AVDictionary* tags, const char* name) {
     return tag == nullptr ? std::string() : tag->value;
 }
 
+/** What FFmpeg has to be told about bytes without a container. */
+class OpeningOptions {
+public:
+    explicit OpeningOptions(const std::optional<RawFormat>& raw) {
+        if (!raw) return;
+        av_dict_set_int(&options_, "sample_rate", raw->rate, 0);
+        av_dict_set(&options_, "ch_layout", (std::to_string(raw->channels) + "c").c_str(), 0);
+    }
+    ~OpeningOptions() { av_dict_free(&options_); }
+    OpeningOptions(const OpeningOptions&) = delete;
+    OpeningOptions& operator=(const OpeningOptions&) = delete;
+
+    AVDictionary** get() { return &options_; }
+
+private:
+    AVDictionary* options_ = nullptr;
+};
+
 }  // namespace
 
 Container::Container(FileInput& input) : input_(input) {
@@ -68,6 +86,7 @@ void Container::surveyPages() {
 }
 
 const AVInputFormat* Container::recognise() const {
+    if (const auto& raw = input_.rawFormat()) return av_find_input_format(raw->samples.c_str());
     const AVInputFormat* format = nullptr;
     const int score =
         av_probe_input_buffer2(input_.context(), &format, "", nullptr, 0, kProbeBytes);
@@ -83,7 +102,8 @@ void Container::open(const AVInputFormat* format) {
     context->pb = input_.context();
     context->io_open = refuseToOpen;
     // On failure FFmpeg frees the context itself and sets the pointer to null.
-    const int opened = avformat_open_input(&context, "", format, nullptr);
+    OpeningOptions options(input_.rawFormat());
+    const int opened = avformat_open_input(&context, "", format, options.get());
     context_.reset(context);
     if (opened < 0) refuse(opened, "is damaged or cut off: its header cannot be read");
     const int found = avformat_find_stream_info(context, nullptr);
@@ -160,7 +180,14 @@ base::TrackTags Container::tags() const {
     return {tag("artist"), tag("title")};
 }
 
+bool Container::endsWithinFrame() const {
+    const auto& raw = input_.rawFormat();
+    return raw && input_.size() % raw->bytesPerFrame() != 0;
+}
+
 std::optional<double> Container::declaredSeconds() const {
+    if (const auto& raw = input_.rawFormat())
+        return static_cast<double>(input_.size() / raw->bytesPerFrame()) / raw->rate;
     const bool isGuess = context_->duration_estimation_method == AVFMT_DURATION_FROM_BITRATE;
     if (isGuess || stream_->duration == AV_NOPTS_VALUE || stream_->duration <= 0)
         return std::nullopt;

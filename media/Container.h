@@ -53,6 +53,9 @@ public:
      *  estimated from the bit rate. */
     std::optional<double> declaredSeconds() const;
 
+    /** Whether samples without a container end in the middle of a frame. */
+    bool endsWithinFrame() const;
+
     /** Whether the packets' times are those of the pages' granules. FFmpeg's times are not exact,
      *  so in an undamaged file they are not checked. */
     bool isReadByPages() const { return oggPackets_.has_value(); }

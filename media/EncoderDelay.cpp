@@ -65,6 +65,8 @@ constexpr std::array kUsualDelays = {
 constexpr std::int64_t kMp3DecoderDelay = 529;
 constexpr std::int64_t kMp3NegativeDelay = 4096;
 
+constexpr std::int64_t kWmaBlocksDropped = 2;  // by its decoder
+
 bool isWmaByFfmpeg(const Container& container) {
     const AVCodecID codec = container.stream().codecpar->codec_id;
     if (codec != AV_CODEC_ID_WMAV1 && codec != AV_CODEC_ID_WMAV2) return false;
@@ -108,6 +110,8 @@ void EncoderDelay::prepare(AVCodecContext& context) const {
 void EncoderDelay::look(AVPacket& first) {
     if (codec_ == AV_CODEC_ID_MP3 && isLayer2(first)) codec_ = AV_CODEC_ID_MP2;
     beginsWithHeader_ = codec_ == AV_CODEC_ID_MP3 && isMp3Header(first);
+    firstTime_ = first.pts;
+    isFirstLeftOut_ = (first.flags & AV_PKT_FLAG_DISCARD) != 0;
     std::size_t size = 0;
     std::uint8_t* skipped = av_packet_get_side_data(&first, AV_PKT_DATA_SKIP_SAMPLES, &size);
     if (skipped == nullptr || size < 4) return;
@@ -145,6 +149,23 @@ std::int64_t EncoderDelay::framesToDrop(int blockFrames, int rate) const {
     if (priming > 0) return priming;
     if (isLosslessDts(codec)) return 0;
     return usualFrames(rate) + (beginsWithHeader_ ? blockFrames : 0);
+}
+
+std::int64_t EncoderDelay::framesDroppedByFfmpeg(const AVFrame& first) const {
+    // Vorbis' first packet has a time and yields nothing.
+    if (codec_ == AV_CODEC_ID_VORBIS) return 0;
+    if (codec_ == AV_CODEC_ID_WMAV1 || codec_ == AV_CODEC_ID_WMAV2)
+        return isWmaByFfmpeg(container_) ? 0 : kWmaBlocksDropped * first.nb_samples;
+    if (firstTime_ == AV_NOPTS_VALUE || first.pts == AV_NOPTS_VALUE) return stated_;
+    const bool isToldByFile = stated_ > 0 || firstTime_ < 0 || isFirstLeftOut_;
+    // The decoder of Opus drops what its own header tells.
+    if (!isToldByFile && codec_ != AV_CODEC_ID_OPUS) return 0;
+    std::int64_t ticks = 0;
+    if (__builtin_sub_overflow(first.pts, firstTime_, &ticks)) return stated_;
+    const std::int64_t frames =
+        av_rescale_q(ticks, container_.stream().time_base, {1, first.sample_rate});
+    // More than a second is no delay but damage.
+    return frames > 0 && frames <= first.sample_rate ? frames : stated_;
 }
 
 std::int64_t EncoderDelay::usualFrames(int rate) const {

@@ -35,6 +35,11 @@ public:
      *  @return frames to be dropped from the start of what was decoded */
     std::int64_t framesToDrop(int blockFrames, int rate) const;
 
+    /** What FFmpeg has dropped before the first decoded frame by then, in frames of its rate: told
+     *  by the stream's times, which FFmpeg moves on with what it drops.
+     *  @param first  as FFmpeg handed it out, with its time in ticks of the stream */
+    std::int64_t framesDroppedByFfmpeg(const AVFrame& first) const;
+
 private:
     bool isTagOfCopy() const;
     std::int64_t usualFrames(int rate) const;
@@ -44,6 +49,9 @@ private:
     AVCodecID codec_;
     bool beginsWithHeader_ = false;  // an MP3's own, which is decoded as a block of silence
     std::int64_t stated_ = 0;        // frames that FFmpeg drops because the file states them
+    // Of the first packet, in ticks of the stream.
+    std::int64_t firstTime_ = AV_NOPTS_VALUE;
+    bool isFirstLeftOut_ = false;  // because the file states it, whole
 };
 
 }  // namespace media

@@ -3,7 +3,10 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
+
+#include "media/RawFormat.h"
 
 struct AVIOContext;
 
@@ -22,14 +25,15 @@ struct FileState {
     bool operator==(const FileState&) const = default;
 };
 
-/** A regular file as FFmpeg reads it.
+/** A regular file, or standard input, as FFmpeg reads it.
  *
- *  FFmpeg never sees the file's name: names such as "http:x", "concat:a" or "-" would otherwise be
+ *  FFmpeg never sees the file's name: names such as "http:x" or "concat:a" would otherwise be
  *  taken for something other than a file, and the file's extension must not decide how the content
  *  is read. */
 class FileInput {
 public:
-    /** @throws TrackError when the file is missing, unreadable, empty or not a regular file */
+    /** @param path  "-": standard input
+     *  @throws TrackError when the file is missing, unreadable, empty or not a regular file */
     explicit FileInput(const std::string& path);
     ~FileInput();
     FileInput(const FileInput&) = delete;
@@ -37,6 +41,9 @@ public:
 
     AVIOContext* context() const { return context_.get(); }
     std::int64_t size() const { return opened_.size; }
+
+    /** The format of samples without a container, if it was stated. */
+    const std::optional<RawFormat>& rawFormat() const { return rawFormat_; }
 
     /** The state when the file was opened. */
     const FileState& opened() const { return opened_; }
@@ -60,10 +67,12 @@ private:
     static int readCallback(void* self, std::uint8_t* buffer, int size);
     static std::int64_t seekCallback(void* self, std::int64_t offset, int origin);
     int read(std::uint8_t* buffer, int size);
-    void openRegular(const std::string& path);
+    void openNamed(const std::string& path);
+    void requireRegular();
     void makeContext();
 
     int descriptor_ = -1;
+    std::optional<RawFormat> rawFormat_;
     FileState opened_;
     std::int64_t position_ = 0;
     int failure_ = 0;  // errno of the last failed read

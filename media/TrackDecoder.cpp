@@ -174,6 +174,7 @@ void TrackDecoder::begin(const AVFrame& frame, FrameChain& chain) {
     const std::int64_t dropped = delay_.framesToDrop(frame.nb_samples, frame.sample_rate);
     const std::int64_t missing = missingAtBeginning(frame);
     chain.begin(frame);
+    droppedFrames_ = dropped + delay_.framesDroppedByFfmpeg(frame);
     chain.dropFrames(std::max<std::int64_t>(0, dropped - missing));
     if (missing > dropped) fillGap(missing - dropped, frame.sample_rate, chain);
     if (const auto frames = media::declaredFrames(container_, input_, frame.sample_rate))
@@ -255,7 +256,7 @@ bool TrackDecoder::isEndDamaged(double missingSeconds) const {
 }
 
 bool TrackDecoder::isCutOff() const {
-    if (tally_.isLastPacketIncomplete) return true;
+    if (tally_.isLastPacketIncomplete || container_.endsWithinFrame()) return true;
     // If neither the file nor its packets state a length, errors at the end are the only evidence;
     // if they do, such errors may just as well come from a foreign tag after the music.
     const bool hasTrouble = tally_.readFailure != 0 || tally_.isLastPacketDamaged;

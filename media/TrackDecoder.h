@@ -52,6 +52,9 @@ public:
     const FileState& fileState() const { return input_.opened(); }
     bool hasFileChanged() const { return input_.hasChanged(); }
 
+    /** What was left out before the first frame of music, see base::TrackSource. */
+    std::int64_t droppedFrames() const { return droppedFrames_; }
+
     /** Length in seconds, as the file states it. */
     std::optional<double> declaredSeconds() const { return container_.declaredSeconds(); }
 
@@ -105,6 +108,7 @@ private:
     PendingDamage pendingDamage_;
     base::TrackFormat format_;
     std::optional<std::int64_t> declaredFrames_;
+    std::int64_t droppedFrames_ = 0;
     std::int64_t decodedEnd_ = 0;  // offset in the file at which the last decoded packet ends
     bool isAlarmed_ = false;       // something was wrong since the last frame of known time
 };

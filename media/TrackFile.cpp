@@ -25,7 +25,8 @@ TrackFile usableTrack(const std::string& path, const TrackDecoder& decoder, std:
              tally.repeatedPackets,
              tally.gaps,
              decoder.lacksEnd(),
-             {}},
+             {},
+             decoder.droppedFrames()},
             decoder.fileState()};
 }
 

@@ -75,7 +75,7 @@ std::string KeyEntry::text() const {
 }
 
 Json KeyEntry::json() const {
-    Json track = trackFileJson(report_, report_.analysis.frames);
+    Json track = trackFileJson(report_, report_.analysis.frames, report_.origin);
     track["pitch"] = report_.pitchHz ? Json(*report_.pitchHz) : Json(nullptr);
     track["pitchGiven"] = report_.wanted.pitchHz.has_value();
     track["mode"] = report_.wanted.mode;

@@ -23,6 +23,14 @@ constexpr std::array<const char*, kNotes> kSharps = {"A",  "A#", "B", "C",  "C#"
 constexpr std::array<const char*, kNotes> kFlats = {"A",  "Bb", "B", "C",  "Db", "D",
                                                     "Eb", "E",  "F", "Gb", "G",  "Ab"};
 
+constexpr std::array<const char*, 24> kGerman = {
+    "A-Dur",    "B-Dur",   "H-Dur",   "C-Dur",  "Des-Dur", "D-Dur",    "Es-Dur", "E-Dur",
+    "F-Dur",    "Fis-Dur", "G-Dur",   "As-Dur", "a-Moll",  "b-Moll",   "h-Moll", "c-Moll",
+    "cis-Moll", "d-Moll",  "es-Moll", "e-Moll", "f-Moll",  "fis-Moll", "g-Moll", "gis-Moll"};
+
+/** Of the letters from A on. */
+constexpr std::array<const char*, 7> kSyllables = {"La", "Si", "Do", "Re", "Mi", "Fa", "Sol"};
+
 /** In lower case, with # and b for ♯ and ♭, without spaces. */
 std::string plainName(std::string_view text) {
     std::string name;
@@ -78,6 +86,16 @@ std::string KeyName::withFlats() const {
     return kFlats.at(tonic()) + mode();
 }
 
+std::string KeyName::german() const {
+    return kGerman.at(static_cast<std::size_t>(number_));
+}
+
+/** The letter alone changes; accidental and mode stay. */
+std::string KeyName::solfege() const {
+    const std::string name = musical();
+    return kSyllables.at(static_cast<std::size_t>(name.front() - 'A')) + name.substr(1);
+}
+
 std::string KeyName::in(KeyNotation notation) const {
     switch (notation) {
     case KeyNotation::sharps:
@@ -88,6 +106,10 @@ std::string KeyName::in(KeyNotation notation) const {
         return camelot();
     case KeyNotation::openKey:
         return openKey();
+    case KeyNotation::german:
+        return german();
+    case KeyNotation::solfege:
+        return solfege();
     case KeyNotation::standard:
         break;
     }

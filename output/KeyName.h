@@ -18,6 +18,8 @@ enum class KeyNotation {
     flats,
     camelot,
     openKey,
+    german,   ///< a-Moll, B-Dur; H is the note above B
+    solfege,  ///< La minor, Sib major
 };
 
 /** The names of a key, numbered as by the library: 0 to 11 are A major, A sharp major … G sharp
@@ -46,6 +48,12 @@ public:
 
     /** In Open Key notation: "1m" is A minor, "1d" C major. */
     std::string openKey() const;
+
+    /** In German: capital letters for major, "a-Moll", "B-Dur" (Bb major), "H-Dur" (B major). */
+    std::string german() const;
+
+    /** By the syllables of fixed Do: "La minor", "Sib major", "Fa# minor". */
+    std::string solfege() const;
 
     std::string in(KeyNotation notation) const;
 

@@ -9,6 +9,7 @@
 
 #include "base/TrackSource.h"
 #include "beatatlas/track.hpp"
+#include "output/TimeOrigin.h"
 
 namespace output {
 
@@ -19,8 +20,10 @@ namespace output {
  *  escapes. */
 nlohmann::ordered_json nameJson(const std::string& path);
 
-/** Name, file and length. @param frames  at the session's rate */
-nlohmann::ordered_json trackFileJson(const base::TrackSource& file, std::int64_t frames);
+/** Name, file and length, and from where positions are counted.
+ *  @param frames  at the session's rate */
+nlohmann::ordered_json trackFileJson(const base::TrackSource& file, std::int64_t frames,
+                                     const TimeOrigin& origin);
 
 /** The entry of a track that could not be analysed. */
 nlohmann::ordered_json failureJson(const std::string& path, const std::string& reason);

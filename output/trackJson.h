@@ -7,6 +7,9 @@
 
 namespace output {
 
+/** The name of the document that holds such entries. */
+inline constexpr const char* kAnalysisDocument = "beatatlas.analysis";
+
 /** A track's entry in the JSON document, described in docs/json.md.
  *  @param withWaves  includes the three waveform overviews */
 nlohmann::ordered_json trackJson(const TrackReport& report, bool withWaves);

@@ -13,6 +13,7 @@ void AnalyzeCommand::declareOwn(CLI::App& arguments, CLI::Option* json) {
     arguments.add_flag("--waves", withWaves_, "with --json: the waveform overviews too")
         ->needs(json);
     addKeyNotation(arguments, keyNotation_)->excludes(json);
+    origin_.declare(arguments);
     analysis_.declare(arguments);
     effort_.declare(arguments);
 }
@@ -25,6 +26,7 @@ std::unique_ptr<output::ReportEntry> AnalyzeCommand::examine(const std::string& 
     const auto analyze = [&](ProgressLine& progress) {
         output::TrackReport report = analyzeFile(path, reading, progress);
         report.keyNotation = keyNotation_;
+        countFrom(report, origin_.origin());
         return report;
     };
     return examineBy<output::TrackEntry>(analyze, path, withWaves_);

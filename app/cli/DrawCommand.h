@@ -29,8 +29,6 @@ public:
 
 private:
     bool drawTrack(std::size_t track, const std::string& path);
-    /** @throws TrackError when its picture cannot be written */
-    void requireFree(std::size_t track) const;
     /** @throws TrackError when the zoomed section would begin after the end of the track */
     void refuseBeyondEnd(double trackSeconds) const;
     /** @return as OutputFile::commit() */

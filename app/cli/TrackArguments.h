@@ -25,7 +25,9 @@ class TrackArguments {
 public:
     void declare(CLI::App& arguments);
 
-    /** Before the first track. @param paths  of all the tracks, in their order */
+    /** Before the first track. @param paths  of all the tracks, in their order
+     *  @throws UsageError when they ask for standard input twice, or tell its format and not
+     *          itself */
     void settle(const std::vector<std::string>& paths);
 
     bool acceptsCutOff() const { return acceptsCutOff_; }
@@ -69,6 +71,7 @@ private:
     bool acceptsCutOff_ = false;
     bool isQuiet_ = false;
     bool isVerbose_ = false;
+    std::optional<std::string> rawFormat_;
     std::string failure_;
     std::optional<ProgressLine> progress_;
 };

@@ -7,6 +7,7 @@
 #include "cli/CorrectCommand.h"
 #include "cli/CutCommand.h"
 #include "cli/DrawCommand.h"
+#include "cli/ExportCommand.h"
 #include "cli/ForgetCommand.h"
 #include "cli/KeyCommand.h"
 #include "cli/ListCommand.h"
@@ -23,6 +24,7 @@ std::vector<std::unique_ptr<Command>> makeCommands() {
     std::vector<std::unique_ptr<Command>> commands;
     commands.push_back(std::make_unique<AnalyzeCommand>());
     commands.push_back(std::make_unique<DrawCommand>());
+    commands.push_back(std::make_unique<ExportCommand>());
     commands.push_back(std::make_unique<PitchCommand>());
     commands.push_back(std::make_unique<KeyCommand>());
     commands.push_back(std::make_unique<CutCommand>());

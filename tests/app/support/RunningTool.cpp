@@ -58,6 +58,7 @@ RunningTool::RunningTool(const std::vector<std::string>& arguments, const std::s
             const struct rlimit limit = {most, most};
             setrlimit(RLIMIT_FSIZE, &limit);
         }
+        setenv("XDG_CONFIG_HOME", "/nonexistent", 1);
         becomeTool(arguments, out, err);
     }
     for (const int descriptor : {in, out, err}) close(descriptor);

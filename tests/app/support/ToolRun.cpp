@@ -87,6 +87,9 @@ ToolRun& ToolRun::run() {
     const pid_t process = fork();
     if (process == 0) {
         if (!folder.empty() && chdir(folder.c_str()) != 0) _exit(126);
+        if (input != -1) dup2(input, STDIN_FILENO);
+        setenv("XDG_CONFIG_HOME", configFolder.c_str(), 1);
+        for (const auto& [name, value] : environment) setenv(name.c_str(), value.c_str(), 1);
         becomeTool(arguments, results.writeEnd, error.writeEnd);
     }
     if (results.writeEnd != -1) close(results.writeEnd);

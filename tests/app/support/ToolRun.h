@@ -2,6 +2,7 @@
 #pragma once
 
 #include <functional>
+#include <map>
 #include <optional>
 #include <string>
 #include <vector>
@@ -18,6 +19,11 @@ struct ToolRun {
     /** Working folder; empty: the test's own. */
     std::string folder;
     OutputPlace output = OutputPlace::captured;
+    /** A descriptor for its standard input; -1: the test's own. */
+    int input = -1;
+    /** $XDG_CONFIG_HOME, in which the file of settings is. */
+    std::string configFolder = "/nonexistent";
+    std::map<std::string, std::string> environment = {};
     /** Standard error is a terminal. */
     bool hasTerminal = false;
 
