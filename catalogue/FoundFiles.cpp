@@ -24,7 +24,7 @@ constexpr const char* kAdd = "INSERT OR IGNORE INTO temp.found VALUES (?1, ?2, ?
 constexpr const char* kContains = "SELECT 1 FROM temp.found WHERE path = ?1";
 constexpr const char* kTake =
     "SELECT path, size, modified_ns, weight FROM temp.work WHERE rank = ?1";
-constexpr const char* kOfSize = "SELECT path FROM tracks WHERE size = ?1";
+constexpr const char* kOfSize = "SELECT path, modified_ns FROM tracks WHERE size = ?1";
 
 /** ?1: the parameters; ?2: failures are tried again; ?3: so is everything that has a result. */
 constexpr const char* kOrderWork = R"sql(
@@ -124,7 +124,10 @@ std::optional<Scan::Work> FoundFiles::take() {
     ofSize.bind(1, work.state.size);
     while (!work.mayBeMoved && ofSize.executeStep()) {
         const std::string path = ofSize.getColumn(0).getString();
-        work.mayBeMoved = path == work.path || (!contains(path) && !fileExists(path));
+        // A file that has not changed lacks a result of these parameters: its sound is known.
+        work.mayBeMoved = path == work.path
+                              ? ofSize.getColumn(1).getInt64() != work.state.modifiedNanoseconds
+                              : !contains(path) && !fileExists(path);
     }
     return work;
 }

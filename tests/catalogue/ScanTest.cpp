@@ -173,6 +173,15 @@ TEST_F(CatalogueScan, KnowsTheSoundOfAFileWhoseTagsHaveChanged) {
     EXPECT_TRUE(scan.adoptMoved(path, {1000, 99}, soundOf(1)));
 }
 
+TEST_F(CatalogueScan, HearsAnUnchangedFileOnceForAResultOfOtherParameters) {
+    const std::string path = fileNamed("a");
+    put(path, 1);
+    Scan scan(catalogue_, {parametersText({}), false, false});
+    scan.found(path, kState, 1.0);
+    EXPECT_EQ(scan.settle().toDo, 1);
+    EXPECT_FALSE(scan.next().value().mayBeMoved);
+}
+
 TEST_F(CatalogueScan, GivesNoPlaceOfACorrectedTrackAway) {
     const std::string place = fileNamed("place");
     put(place, 1);
