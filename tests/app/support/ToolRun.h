@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+#include <sys/types.h>
+
 namespace test {
 
 /** Where the tool's standard output leads in a run. */
@@ -28,6 +30,8 @@ struct ToolRun {
     /** Sent once the first progress is shown; needs the terminal. */
     std::optional<int> signalAtProgress;
     std::function<void()> atProgress;  ///< done then, too
+    /** Done while it runs, by its process. */
+    std::function<void(pid_t)> meanwhile = {};
 
     int exitStatus = -1;  ///< 1000 and the signal's number when a signal killed it
     std::string out;
