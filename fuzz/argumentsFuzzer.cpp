@@ -16,6 +16,7 @@
 
 #include "FuzzInput.h"
 #include "FuzzersRoundingMode.h"
+#include "catalogue/Catalogue.h"
 #include "cli/Program.h"
 #include "cli/commandTable.h"
 #include "io/ResultStream.h"
@@ -28,6 +29,14 @@ namespace {
 
 using namespace beatatlas::fuzz;
 
+/** A scan starts this program anew as its workers: those are the tool then. Before anything else of
+ *  the fuzzer runs. Names on standard input, which nobody types here, are none. */
+__attribute__((constructor)) void becomeWorker(int argc, char** argv, char**) {
+    if (argc == 2 && std::string_view(argv[1]) == "scan-worker") execv(BEATATLAS_TOOL, argv);
+    const int nothing = open("/dev/null", O_RDONLY);
+    if (nothing != -1) dup2(nothing, STDIN_FILENO);
+}
+
 constexpr int kMostArguments = 10;
 constexpr int kMostRawBytes = 24;
 constexpr double kTrackSeconds = 0.05;
@@ -35,11 +44,12 @@ constexpr double kTrackSeconds = 0.05;
 /** Words that commands are likely to accept: their names, their options, and values for these. */
 std::vector<std::string> likelyWords() {
     std::vector<std::string> words = {
-        "track.wav", "noise.bin", "folder", "absent.wav", "out.png",  "out.svg",  "constant",
-        "varied",    "simple",    "off",    "4",          "32",       "0",        "-1",
-        "1.5",       "1e9",       "nan",    "inf",        "0x10",     "1600",     "--",
-        "-",         "",          "[",      "[a,b]",      "--json",   "--help",   "--version",
-        "=",         "-o",        "é",      "\x01",       "-o=x.png", "--width=1"};
+        "track.wav", "noise.bin", "folder", "absent.wav", "out.png",  "out.svg",   "constant",
+        "varied",    "simple",    "off",    "4",          "32",       "0",         "-1",
+        "1.5",       "1e9",       "nan",    "inf",        "0x10",     "1600",      "--",
+        "-",         "",          "[",      "[a,b]",      "--json",   "--help",    "--version",
+        "=",         "-o",        "é",      "\x01",       "-o=x.png", "--width=1", "out.opus",
+        "8A",        "120:128",   "love",   "table"};
     CLI::App program;
     for (const auto& command : app::makeCommands()) {
         CLI::App* arguments = program.add_subcommand(command->name(), "");
@@ -77,6 +87,8 @@ public:
         test::writeFile(folder_->file("noise.bin"), "not an audio file, whatever it says");
         std::filesystem::create_directory(folder_->file("folder"));
         kept_ = folder_->names();
+        // Of a scan that names no catalogue.
+        setenv("XDG_DATA_HOME", folder_->path().c_str(), 1);
     }
 
     void enter() const {

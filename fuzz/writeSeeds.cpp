@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // writeSeeds FOLDER: writes the seeds of each fuzz target to FOLDER/<target>. Noise for targets
-// that read bytes as calls, a short file of every format for the decoder. The same on every run;
-// earlier contents are removed.
+// that read bytes as calls, a short file of every format for the decoder, one of each form for the
+// reader of beats. The same on every run; earlier contents are removed.
 #include <cstdint>
 #include <cstdio>
 #include <exception>
@@ -71,6 +71,23 @@ void writeTracks(const std::filesystem::path& folder) {
     }
 }
 
+/** One of each form in which beats are told. */
+void writeBeatSheets(const std::filesystem::path& folder) {
+    makeEmpty(folder);
+    test::writeFile(folder / "list", "# beats\n0.5 1\n1.0 2\n1.5 3\n2.0 1\n");
+    test::writeFile(folder / "labels",
+                    "0.500000\t0.500000\t1.1\n1.000000\t1.000000\t1.2\n\\\t100\t200\n");
+    test::writeFile(
+        folder / "result",
+        R"({"format":"beatatlas.analysis","version":2,"tracks":[{"tempo":{"bpm":120},)"
+        R"("beats":[{"frame":1,"seconds":0.5,"beat":1,"bpm":120}],"key":{"number":12}}]})");
+    test::writeFile(folder / "jams",
+                    R"({"annotations":[{"namespace":"beat","data":[{"time":0.5,"duration":0,)"
+                    R"("value":1,"confidence":null}]},{"namespace":"key_mode","data":)"
+                    R"({"time":[0],"duration":[9],"value":["F#:minor"]}},{"namespace":)"
+                    R"("beat_position","data":[{"time":1,"value":{"position":2}}]}]})");
+}
+
 /** The text of --raw, a line feed, and samples. */
 void writeSamples(const std::filesystem::path& folder) {
     makeEmpty(folder);
@@ -100,6 +117,8 @@ int main(int argc, char** argv) {
         writeNoise(folder / "arguments", 4);
         writeNoise(folder / "track", 5);
         writeNoise(folder / "tempo", 6);
+        writeBeatSheets(folder / "beatsheet");
+        writeNoise(folder / "catalogue", 7);
         writeTracks(folder / "decoder");
         writeSamples(folder / "raw");
         writeSettings(folder / "settings");

@@ -7,24 +7,22 @@
 #include <string_view>
 
 #include "base/Interrupt.h"
-#include "base/errors.h"
 #include "media/end/FileBytes.h"
 
 namespace media {
 
 namespace {
 
-// Containers by FFmpeg's names. Everything else that FFmpeg can open is no music file, or opens
-// further files.
+// Containers by FFmpeg's names. Whatever else FFmpeg can open is not music, or opens further files.
 constexpr std::array<std::string_view, 31> kAudioContainers = {
     "aac",    "ac3",  "aiff", "amr", "ape",  "asf",      "au",  "avi", "caf", "dsf",  "dts",
     "eac3",   "flac", "flv",  "iff", "loas", "matroska", "mov", "mp3", "mpc", "mpc8", "mpeg",
     "mpegts", "ogg",  "rm",   "shn", "tak",  "tta",      "w64", "wav", "wv"};
 
-// A tag with a large cover picture may stand before the first byte that tells what the file is.
+// A tag with a large cover picture may stand before the first byte that shows what the file is.
 constexpr unsigned kProbeBytes = 16U << 20;
 
-// Below this, FFmpeg has seen a pattern that chance makes too: one lone frame header in arbitrary
+// Below this, FFmpeg has found only what occurs by chance too: a lone frame header in arbitrary
 // bytes.
 constexpr int kLeastProbeScore = 2;
 
@@ -47,7 +45,7 @@ int refuseToOpen(AVFormatContext*, AVIOContext**, const char*, int, AVDictionary
     return AVERROR(EPERM);
 }
 
-/** Empty when there is none of that name, in capitals or not. */
+/** Empty when there is no tag of that name; case does not matter. */
 std::string tagOf(const AVDictionary* tags, const char* name) {
     const AVDictionaryEntry* tag = av_dict_get(tags, name, nullptr, 0);
     return tag == nullptr ? std::string() : tag->value;
@@ -93,7 +91,7 @@ const AVInputFormat* Container::recognise() const {
     const int score =
         av_probe_input_buffer2(input_.context(), &format, "", nullptr, 0, kProbeBytes);
     if (score < kLeastProbeScore || format == nullptr || !isAudioContainer(*format)) {
-        refuse(score, "is not an audio file of a known kind");
+        refuse(score, "is not an audio file of a known kind", base::TrackError::Kind::notAudio);
     }
     return format;
 }
@@ -114,18 +112,18 @@ void Container::open(const AVInputFormat* format) {
 
 void Container::chooseStream() {
     const int index = av_find_best_stream(context_.get(), AVMEDIA_TYPE_AUDIO, -1, -1, nullptr, 0);
-    if (index < 0) refuse(index, "holds no audio");
+    if (index < 0) refuse(index, "holds no audio", base::TrackError::Kind::notAudio);
     for (unsigned i = 0; i < context_->nb_streams; ++i)
         context_->streams[i]->discard = AVDISCARD_ALL;
     stream_ = context_->streams[index];
     stream_->discard = AVDISCARD_DEFAULT;
 }
 
-void Container::refuse(int error, const char* otherwise) const {
+void Container::refuse(int error, const char* otherwise, base::TrackError::Kind kind) const {
     base::Interrupt::check();
     input_.requireReadable();
     if (error == AVERROR(ENOMEM)) throw std::bad_alloc();
-    throw base::TrackError(otherwise);
+    throw base::TrackError(otherwise, kind);
 }
 
 bool Container::next(AVPacket& packet) {
@@ -148,7 +146,7 @@ bool Container::next(AVPacket& packet) {
     }
 }
 
-/** Goes on behind a place that cannot be read. Each time a later one: the end is reached. */
+/** Continues behind an offset that cannot be read, later each time, so that the end is reached. */
 bool Container::resume() {
     AVIOContext* bytes = input_.context();
     std::int64_t place = avio_tell(bytes);

@@ -17,6 +17,8 @@ namespace media {
 
 namespace {
 
+using Kind = base::TrackError::Kind;
+
 constexpr int kBufferBytes = 64 * 1024;
 
 FileState stateOf(const struct stat& status) {
@@ -55,16 +57,24 @@ void FileInput::openNamed(const std::string& path) {
     }
     // Opening a pipe would otherwise wait for its writer.
     descriptor_ = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
-    if (descriptor_ == -1) throw base::TrackError("cannot be opened: " + base::systemReason(errno));
+    if (descriptor_ != -1) return;
+    const bool isMissing = errno == ENOENT || errno == ENOTDIR;
+    throw base::TrackError("cannot be opened: " + base::systemReason(errno),
+                           isMissing ? Kind::missing : Kind::unreadable);
 }
 
 void FileInput::requireRegular() {
     struct stat status = {};
-    if (fstat(descriptor_, &status) != 0) throw base::TrackError("cannot be examined");
-    if (S_ISDIR(status.st_mode)) throw base::TrackError("is a folder, not an audio file");
-    if (!S_ISREG(status.st_mode))
-        throw base::TrackError("is not a regular file; a track is read more than once");
-    if (status.st_size == 0) throw base::TrackError("is empty");
+    if (fstat(descriptor_, &status) != 0)
+        throw base::TrackError("cannot be examined", Kind::unreadable);
+    const char* refusal = nullptr;
+    if (S_ISDIR(status.st_mode))
+        refusal = "is a folder, not an audio file";
+    else if (!S_ISREG(status.st_mode))
+        refusal = "is not a regular file; a track is read more than once";
+    else if (status.st_size == 0)
+        refusal = "is empty";
+    if (refusal != nullptr) throw base::TrackError(refusal, Kind::notAudio);
     opened_ = stateOf(status);
 }
 
@@ -96,7 +106,8 @@ int FileInput::read(std::uint8_t* buffer, int size) {
 }
 
 void FileInput::requireReadable() const {
-    if (failure_ != 0) throw base::TrackError("cannot be read: " + base::systemReason(failure_));
+    if (failure_ != 0)
+        throw base::TrackError("cannot be read: " + base::systemReason(failure_), Kind::unreadable);
 }
 
 std::int64_t FileInput::seekCallback(void* self, std::int64_t offset, int origin) {

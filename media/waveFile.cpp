@@ -3,10 +3,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <exception>
-#include <memory>
-#include <new>
-#include <type_traits>
 
 extern "C" {
 #include <libavutil/intfloat.h>
@@ -14,83 +10,14 @@ extern "C" {
 }
 
 #include "base/Interrupt.h"
-#include "base/displayName.h"
-#include "base/errors.h"
-#include "media/OutputFile.h"
-#include "media/ffmpeg.h"
+#include "media/Muxer.h"
 
 namespace media {
 
 namespace {
 
-constexpr int kBufferBytes = 64 * 1024;
 constexpr std::size_t kPacketFrames = 4096;
-constexpr std::uint64_t kMostRiffBytes = 0xFFF00000U;  ///< of 32 bits, some left for the headers
-
-#if LIBAVFORMAT_VERSION_MAJOR < 61
-using WrittenByte = std::uint8_t;
-#else
-using WrittenByte = const std::uint8_t;
-#endif
-
-/** FFmpeg calls back from C code, which no exception may cross: it is kept until FFmpeg has
- *  returned. */
-struct Output {
-    OutputFile& file;
-    std::exception_ptr failure;
-
-    template <class Call>
-    auto guarded(Call call) -> std::invoke_result_t<Call> {
-        if (failure) return AVERROR(EIO);
-        try {
-            return call();
-        } catch (...) {
-            failure = std::current_exception();
-            return AVERROR(EIO);
-        }
-    }
-};
-
-int writeBytes(void* opaque, WrittenByte* bytes, int count) {
-    auto& output = *static_cast<Output*>(opaque);
-    return output.guarded([&] {
-        output.file.write(bytes, static_cast<std::size_t>(count));
-        return count;
-    });
-}
-
-std::int64_t seekTo(void* opaque, std::int64_t offset, int origin) {
-    auto& output = *static_cast<Output*>(opaque);
-    if (origin != SEEK_SET) return AVERROR(ENOSYS);
-    return output.guarded([&] {
-        output.file.seek(offset);
-        return offset;
-    });
-}
-
-struct IoFree {
-    void operator()(AVIOContext* context) const {
-        av_freep(&context->buffer);
-        avio_context_free(&context);
-    }
-};
-using IoPointer = std::unique_ptr<AVIOContext, IoFree>;
-
-struct MuxerFree {
-    void operator()(AVFormatContext* context) const { avformat_free_context(context); }
-};
-using MuxerPointer = std::unique_ptr<AVFormatContext, MuxerFree>;
-
-IoPointer makeIo(Output& output) {
-    auto* buffer = static_cast<unsigned char*>(av_malloc(kBufferBytes));
-    if (buffer == nullptr) throw std::bad_alloc();
-    IoPointer io(avio_alloc_context(buffer, kBufferBytes, 1, &output, nullptr, writeBytes, seekTo));
-    if (!io) {
-        av_free(buffer);
-        throw std::bad_alloc();
-    }
-    return io;
-}
+constexpr std::uint64_t kMostRiffBytes = 0xFFF00000U;  // of 32 bits, less some room for the headers
 
 int bytesOf(WaveSamples samples) {
     return samples == WaveSamples::int16 ? 2 : 4;
@@ -102,12 +29,11 @@ std::int16_t rounded(float sample) {
         std::lrintf(std::clamp(sample * 32768.0F, -32768.0F, 32767.0F)));
 }
 
-/** One WAV file on its way. */
+/** Writes one WAV file. */
 class WaveMuxer {
 public:
     WaveMuxer(const std::string& path, const Recording& recording, WaveSamples samples)
-        : path_(path), recording_(recording), samples_(samples),
-          file_(path), output_{file_, nullptr}, io_(makeIo(output_)) {}
+        : recording_(recording), samples_(samples), muxer_(path, "wav") {}
 
     std::string write(const std::function<void(double)>& shown) {
         open();
@@ -117,52 +43,26 @@ public:
             writePacket(at, std::min(kPacketFrames, frames - at));
             shown(static_cast<double>(at) / static_cast<double>(frames));
         }
-        require(av_write_trailer(muxer_.get()));
-        avio_flush(io_.get());
-        require(io_->error);
-        return file_.commit();
+        return muxer_.commit();
     }
 
 private:
     void open();
     void describe(AVCodecParameters& parameters) const;
     void writePacket(std::size_t at, std::size_t count);
-    void require(int result) const;
 
-    std::string path_;
     const Recording& recording_;
     WaveSamples samples_;
-    OutputFile file_;
-    Output output_;
-    IoPointer io_;
-    MuxerPointer muxer_;
+    Muxer muxer_;
 };
 
-void WaveMuxer::require(int result) const {
-    if (output_.failure) std::rethrow_exception(output_.failure);
-    if (result == AVERROR(ENOMEM)) throw std::bad_alloc();
-    if (result < 0)
-        throw base::OutputError(base::displayName(path_) +
-                                " cannot be written: " + ffmpegReason(result));
-}
-
 void WaveMuxer::open() {
-    AVFormatContext* context = nullptr;
-    require(avformat_alloc_output_context2(&context, nullptr, "wav", nullptr));
-    muxer_.reset(context);
-    context->pb = io_.get();
-    context->flags |= AVFMT_FLAG_BITEXACT | AVFMT_FLAG_CUSTOM_IO;
-    AVStream* stream = avformat_new_stream(context, nullptr);
-    if (stream == nullptr) throw std::bad_alloc();
-    stream->time_base = {1, recording_.rate};
-    describe(*stream->codecpar);
+    AVStream& stream = muxer_.stream();
+    stream.time_base = {1, recording_.rate};
+    describe(*stream.codecpar);
     const std::uint64_t bytes = static_cast<std::uint64_t>(recording_.frames()) *
-                                static_cast<std::uint64_t>(stream->codecpar->block_align);
-    AVDictionary* options = nullptr;
-    av_dict_set(&options, "rf64", bytes > kMostRiffBytes ? "always" : "never", 0);
-    const int written = avformat_write_header(context, &options);
-    av_dict_free(&options);
-    require(written);
+                                static_cast<std::uint64_t>(stream.codecpar->block_align);
+    muxer_.begin(bytes > kMostRiffBytes ? "rf64=always" : "rf64=never");
 }
 
 void WaveMuxer::describe(AVCodecParameters& parameters) const {
@@ -175,7 +75,7 @@ void WaveMuxer::describe(AVCodecParameters& parameters) const {
     parameters.bits_per_coded_sample = 8 * bytesOf(samples_);
     parameters.block_align = channels * bytesOf(samples_);
     if (recording_.layoutMask != 0) {
-        require(av_channel_layout_from_mask(&parameters.ch_layout, recording_.layoutMask));
+        muxer_.require(av_channel_layout_from_mask(&parameters.ch_layout, recording_.layoutMask));
     } else {
         parameters.ch_layout.order = AV_CHANNEL_ORDER_UNSPEC;
         parameters.ch_layout.nb_channels = channels;
@@ -186,7 +86,7 @@ void WaveMuxer::writePacket(std::size_t at, std::size_t count) {
     const PacketPointer packet = makePacket();
     const std::size_t bytes =
         count * recording_.channels.size() * static_cast<std::size_t>(bytesOf(samples_));
-    require(av_new_packet(packet.get(), static_cast<int>(bytes)));
+    muxer_.require(av_new_packet(packet.get(), static_cast<int>(bytes)));
     std::uint8_t* next = packet->data;
     for (std::size_t i = at; i < at + count; ++i) {
         for (const auto& channel : recording_.channels) {
@@ -199,7 +99,7 @@ void WaveMuxer::writePacket(std::size_t at, std::size_t count) {
     }
     packet->pts = packet->dts = static_cast<std::int64_t>(at);
     packet->duration = static_cast<std::int64_t>(count);
-    require(av_write_frame(muxer_.get(), packet.get()));
+    muxer_.write(*packet);
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 #include "output/KeyName.h"
 
 #include <array>
+#include <cctype>
 
 namespace output {
 
@@ -30,7 +31,44 @@ constexpr std::array<const char*, 24> kGerman = {
 /** Of the letters from A on. */
 constexpr std::array<const char*, 7> kSyllables = {"La", "Si", "Do", "Re", "Mi", "Fa", "Sol"};
 
+/** In lower case, with # and b for ♯ and ♭, without spaces. */
+std::string plainName(std::string_view text) {
+    std::string name;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const std::string_view sign = text.substr(i, 3);
+        if (sign == "♯" || sign == "♭") {
+            name += sign == "♯" ? '#' : 'b';
+            i += 2;
+        } else if (text[i] != ' ') {
+            name += static_cast<char>(std::tolower(static_cast<unsigned char>(text[i])));
+        }
+    }
+    return name;
+}
+
 }  // namespace
+
+std::optional<KeyName> KeyName::parse(std::string_view text) {
+    const std::string name = plainName(text);
+    const auto isName = [&name](std::string known) {
+        known = plainName(known);
+        if (name == known) return true;
+        // "a minor" is "am" as well, "a major" "a".
+        const std::size_t mode = known.find('m');
+        if (mode == std::string::npos || std::isdigit(static_cast<unsigned char>(known[0])) != 0)
+            return false;
+        const bool isMinor = known.compare(mode, std::string::npos, "minor") == 0;
+        const std::string note = known.substr(0, mode);
+        return name == note + (isMinor ? "m" : "") || name == note + (isMinor ? "min" : "maj");
+    };
+    for (int number = 0; number < 2 * kNotes; ++number) {
+        const KeyName key(number);
+        if (isName(key.musical()) || isName(key.withSharps()) || isName(key.withFlats()) ||
+            isName(key.camelot()) || isName(key.openKey()))
+            return key;
+    }
+    return std::nullopt;
+}
 
 std::string KeyName::musical() const {
     return kNames.at(static_cast<std::size_t>(number_));

@@ -2,15 +2,20 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <string>
+#include <string_view>
 
 namespace output {
 
 /** How a key may be named. */
 enum class KeyNotation {
-    standard,  ///< as musicians write it, in the spelling with the fewer accidentals
-    sharps,    ///< no flats
-    flats,     ///< no sharps
+    /** As musicians write it, in the spelling with the fewer accidentals. */
+    standard,
+    /** No flats. */
+    sharps,
+    /** No sharps. */
+    flats,
     camelot,
     openKey,
     german,   ///< a-Moll, B-Dur; H is the note above B
@@ -22,6 +27,10 @@ enum class KeyNotation {
 class KeyName {
 public:
     explicit KeyName(int number) : number_(number) {}
+
+    /** The key of a name in any notation: "8A", "1m", "F# minor", "Gbm", "c", "B♭ major". Nothing
+     *  for any other text. */
+    static std::optional<KeyName> parse(std::string_view text);
 
     int number() const { return number_; }
     bool isMinor() const { return number_ >= 12; }

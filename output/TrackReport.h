@@ -10,9 +10,10 @@
 
 namespace output {
 
-/** Everything that is known about one track in the end. */
+/** Everything that was found out about one track. */
 struct TrackReport : base::TrackSource {
-    beatatlas::track::Options options;  ///< what was asked for
+    /** What was asked for. */
+    beatatlas::track::Options options;
     beatatlas::track::TrackResult analysis;
     /** How text names keys; nothing: in several ways at once. */
     std::optional<KeyNotation> keyNotation;

@@ -24,13 +24,6 @@ std::string hexadecimal(const std::string& bytes) {
     return text;
 }
 
-/** JSON is UTF-8, file names need not be: then the name is shown with escapes, and its bytes are
- *  told beside it. */
-Json nameJson(const std::string& path) {
-    if (base::isUtf8(path)) return {{"file", path}};
-    return {{"file", base::displayName(path)}, {"fileBytes", hexadecimal(path)}};
-}
-
 Json audioJson(const base::TrackFormat& format) {
     return {{"container", format.container},
             {"codec", format.codec},
@@ -101,6 +94,11 @@ Json notesJson(const beatatlas::track::SessionKey& key) {
 }
 
 }  // namespace
+
+Json nameJson(const std::string& path) {
+    if (base::isUtf8(path)) return {{"file", path}};
+    return {{"file", base::displayName(path)}, {"fileBytes", hexadecimal(path)}};
+}
 
 Json keyNameJson(int number) {
     const KeyName key(number);

@@ -13,13 +13,13 @@ class Option;
 
 namespace app {
 
-/** The arguments that say which analysis a command wants. */
+/** The arguments that choose the analysis. */
 class AnalysisArguments {
 public:
     void declare(CLI::App& arguments);
 
-    /** Settles what was asked for, before any track. Settings of a file that do not go with the
-     *  tempo that was asked for are of no effect.
+    /** Checks and combines the arguments, before any track. Settings of a file that do not go with
+     *  the tempo that was asked for are of no effect.
      *  @throws UsageError when two arguments do not go together */
     void settle();
 

@@ -21,7 +21,7 @@ void AnalyzeCommand::declareOwn(CLI::App& arguments, CLI::Option* json) {
 std::unique_ptr<output::ReportEntry> AnalyzeCommand::examine(const std::string& path) {
     media::FileAnalysis::Options reading = tracks().reading(path, effort_.effort());
     reading.track = analysis_.options();
-    // Text does not tell it, and it takes a pass of its own.
+    // The text does not show it, and it takes a pass of its own.
     reading.track.wantsSessionKey = isJson() && reading.track.wantsKey;
     const auto analyze = [&](ProgressLine& progress) {
         output::TrackReport report = analyzeFile(path, reading, progress);

@@ -18,7 +18,7 @@ std::map<std::string, output::PictureFormat> formats() {
     return {{"png", output::PictureFormat::png}, {"svg", output::PictureFormat::svg}};
 }
 
-/** @throws UsageError when the name ends in neither .png nor .svg */
+/** @throws UsageError unless the name ends in .png or .svg */
 output::PictureFormat formatOf(const std::string& path) {
     for (const auto& [name, format] : formats()) {
         if (hasEnding(path, "." + name)) return format;

@@ -14,15 +14,15 @@ class App;
 
 namespace app {
 
-/** Where the pictures of tracks go: one track's to a file, those of several to a folder. */
+/** The paths of the pictures: a file for one track, a folder for several. */
 class PicturePlaces {
 public:
     void declare(CLI::App& arguments);
 
     /** Before any track.
      *  @param tracks  their paths
-     *  @throws UsageError when places and tracks do not go together, OutputError when the folder
-     *          cannot be made */
+     *  @throws UsageError when paths and tracks do not match, OutputError when the folder cannot be
+     *          created */
     void settle(const std::vector<std::string>& tracks);
 
     output::PictureFormat format() const { return format_.value_or(output::PictureFormat::png); }

@@ -59,10 +59,10 @@ void declareProgram(CLI::App& program) {
 
 void declareCommand(CLI::App& program, Command& command) {
     CLI::App* arguments = program.add_subcommand(command.name(), command.description());
-    arguments->group(kCommands);
+    arguments->group(command.isHidden() ? "" : kCommands);
     declareEnds(*arguments);
     command.declare(*arguments);
-    declareConfig(*arguments);
+    if (!command.isHidden()) declareConfig(*arguments);
 }
 
 void declareHelp(CLI::App& program, std::string& topic) {
@@ -93,6 +93,7 @@ std::vector<std::string> toArguments(const std::vector<std::string>& words) {
 std::string helpOn(const CLI::App& program, const std::string& topic) {
     std::vector<std::string> names;
     for (const CLI::App* command : program.get_subcommands({})) {
+        if (command->get_group().empty()) continue;
         if (command->get_name() == topic) return command->help("beatatlas");
         names.push_back(command->get_name());
     }
@@ -100,15 +101,19 @@ std::string helpOn(const CLI::App& program, const std::string& topic) {
                            suggestion(topic, names));
 }
 
-bool isCommand(const Commands& commands, const std::vector<std::string>& words) {
-    return !words.empty() &&
-           std::any_of(commands.begin(), commands.end(),
-                       [&](const auto& command) { return command->name() == words.front(); });
+/** Null unless the first word names a command. */
+const Command* commandOf(const Commands& commands, const std::vector<std::string>& words) {
+    if (words.empty()) return nullptr;
+    const auto named =
+        std::find_if(commands.begin(), commands.end(),
+                     [&](const auto& command) { return command->name() == words.front(); });
+    return named == commands.end() ? nullptr : named->get();
 }
 
 /** Where the options are told that fit the command line. */
 std::string helpPointer(const std::vector<std::string>& words) {
-    const bool hasOwnHelp = isCommand(makeCommands(), words);
+    const Commands commands = makeCommands();
+    const bool hasOwnHelp = commandOf(commands, words) != nullptr;
     return " (see beatatlas " + (hasOwnHelp ? words.front() + " " : "") + "--help)";
 }
 
@@ -142,7 +147,9 @@ ExitCode Program::parseAndRun(const std::vector<std::string>& words) {
     declareProgram(program);
     for (const auto& command : commands) declareCommand(program, *command);
     declareHelp(program, topic);
-    if (isCommand(commands, words)) applyConfig(program, words);
+    // The tool's own calls of itself state all that matters.
+    const Command* command = commandOf(commands, words);
+    if (command != nullptr && !command->isHidden()) applyConfig(program, words);
     try {
         program.parse(toArguments(words));
     } catch (const CLI::CallForHelp&) {

@@ -45,7 +45,7 @@ void TrackArguments::settle(const std::vector<std::string>& paths) {
     media::StandardInput::setRawFormat(rawFormat_ ? media::parseRawFormat(*rawFormat_)
                                                   : std::nullopt);
     media::showFfmpegMessages(isVerbose_);
-    // Notes and the decoders' messages would go through the line.
+    // Notes and the decoders' messages would break the progress line.
     const auto manner = isVerbose_ ? ProgressLine::Manner::lines : ProgressLine::Manner::watched;
     progress_.emplace(paths, isQuiet_ ? ProgressLine::Manner::quiet : manner);
 }

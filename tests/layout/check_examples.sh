@@ -19,6 +19,7 @@ export XDG_CONFIG_HOME=$PWD/settings
 for name in track.flac song.mp3 other.flac -intro.mp3; do cp -- track.wav "$name"; done
 cp track.wav a.wav
 : >b.mp3
+awk 'BEGIN { for (i = 0; i < 252; ++i) printf "%.3f\n", 0.2 + i * 60 / 126 }' >taps.txt
 beatatlas() { "$tool" "$@"; }
 
 faults=0 compared=0 run=0

@@ -24,13 +24,13 @@ constexpr double kGoodMs = 1.0;
 /** Files whose clicks cannot come out where they were: what cannot be known. */
 struct Unknowable {
     std::string_view encoder;
-    std::string_view container;  ///< empty: any
-    double frames;               ///< by which they come out late, at the file's rate
+    std::string_view container;  // empty: any
+    double frames;               // by which they come out late, at the file's rate
 };
 constexpr Unknowable kUnknowable[] = {
     // An MP3 without an encoder's tag is taken for one of LAME's.
     {"libshine", "", -48.0},
-    // Neither tells the pre-skip, and libopus looks further ahead.
+    // Neither states the pre-skip, and libopus looks further ahead.
     {"opus", "CAF", 120.0 - 312.0},
     {"opus", "MPEG-TS", 120.0 - 312.0},
     // No tag names FFmpeg: taken for Windows' encoders, a block longer.
@@ -187,7 +187,7 @@ TEST_F(EncoderDelayTest, FollowsTheEditListWhateverTimeItTells) {
     }
 }
 
-// Where MP4 tells nothing, Apple's programs have 2112 frames, as QuickTime takes for granted.
+// If an MP4 states nothing, Apple's programs have 2112 frames, as QuickTime assumes.
 TEST_F(EncoderDelayTest, TakesTheDelayOfTheProgramThatWroteTheFile) {
     const std::string path = written({"M4A", "ipod", "use_editlist=0"}, "aac");
     EXPECT_NEAR(shiftInFrames(path), 0.0, 0.5);
@@ -248,7 +248,7 @@ TEST_F(EncoderDelayTest, FollowsTheCodecDelayOfMatroska) {
     EXPECT_NEAR(shiftInFrames(path), 1024.0 - 441.0, 0.5);
 }
 
-// FFmpeg puts a header in front of a copied MP3 that has 0 for the delay that it was not told, or
+// FFmpeg puts a header in front of a copied MP3 that has 0 for the delay that it does not know, or
 // less the decoder's 529.
 TEST_F(EncoderDelayTest, DoesNotTakeTheHeaderOfACopiedMp3ForItsEncodersWord) {
     const std::string path = written({"MP3", "mp3"}, "libmp3lame");

@@ -64,7 +64,7 @@ protected:
 };
 
 /** The commands that read a track more than once, where it does not fit into memory: for the
- *  session's key, which `analyze` tells in JSON alone. */
+ *  session's key, which `analyze` reports in JSON only. */
 class FileFaultBetweenPasses : public FileFault {
 protected:
     std::vector<std::string> slowReading() const override {
