@@ -99,7 +99,7 @@ std::vector<Case> cases() {
 double millisecondsOf(const std::string& path, const TrackQuery& query) {
     const std::clock_t begin = std::clock();
     const Catalogue catalogue(path, Catalogue::Access::read);
-    listTracks(catalogue, query, [](const catalogue::ListedTrack&) {});
+    listTracks(catalogue, query, [](const base::ListedTrack&) {});
     return 1000.0 * static_cast<double>(std::clock() - begin) / CLOCKS_PER_SEC;
 }
 

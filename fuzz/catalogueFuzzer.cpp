@@ -21,7 +21,7 @@
 namespace {
 
 using namespace beatatlas::fuzz;
-using catalogue::ListedTrack;
+using base::ListedTrack;
 using catalogue::TrackQuery;
 
 constexpr int kMostRanges = 4;
@@ -110,9 +110,7 @@ std::set<std::int64_t> listedIds(const catalogue::Catalogue& catalogue, const Tr
     listTracks(catalogue, query, [&](const ListedTrack& track) {
         require(meets(track, query), "a listed track meets the conditions");
         require(ids.insert(track.id).second, "a track is listed once");
-        writer->add(output::ListEntry{track.path, track.artist, track.title, track.seconds,
-                                      track.bpm, track.key, track.confidence, track.isCorrected,
-                                      track.isGone});
+        writer->add(track);
     });
     return ids;
 }

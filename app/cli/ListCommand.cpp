@@ -72,11 +72,6 @@ std::string requireKey(const std::string& text) {
     return "takes a key such as 8A, 1m, \"A minor\", Am or F#, not " + text;
 }
 
-output::ListEntry entryOf(const catalogue::ListedTrack& track) {
-    return {track.path, track.artist,     track.title,       track.seconds, track.bpm,
-            track.key,  track.confidence, track.isCorrected, track.isGone};
-}
-
 /** Gathers lines, so that a long list is not written line by line. */
 class BufferedLines {
 public:
@@ -197,21 +192,17 @@ void ListCommand::settleCompanion(const catalogue::Catalogue& catalogue) {
 }
 
 void ListCommand::listAll(const catalogue::Catalogue& catalogue, output::ListWriter& writer) const {
+    const auto add = [&writer](const auto& entry) {
+        base::Interrupt::check();
+        writer.add(entry);
+    };
     if (isFailed_) {
         writer.beginFailures();
-        const auto show = [&](const catalogue::ListedFailure& failure) {
-            base::Interrupt::check();
-            writer.add(
-                output::FailureEntry{failure.path, failure.kind, failure.reason, failure.attempts});
-        };
-        listFailures(catalogue, query_.isReversed, query_.limit, show);
-        return;
+        listFailures(catalogue, query_.isReversed, query_.limit, add);
+    } else {
+        writer.beginTracks();
+        listTracks(catalogue, query_, add);
     }
-    writer.beginTracks();
-    listTracks(catalogue, query_, [&](const catalogue::ListedTrack& track) {
-        base::Interrupt::check();
-        writer.add(entryOf(track));
-    });
 }
 
 ExitCode ListCommand::run(ResultStream& results) {

@@ -24,7 +24,8 @@ ExitCode MergeCommand::run(ResultStream& results) {
     const auto tell = [](const std::string& path) {
         printFileWarning(path, "was corrected in two ways; the newer one was kept");
     };
-    const catalogue::MergeCounts counts = catalogue::mergeCatalogues(inputs_, unguarded(output_), tell);
+    const catalogue::MergeCounts counts =
+        catalogue::mergeCatalogues(inputs_, unguarded(output_), tell);
     results.write(output::counted(counts.tracks, "track") + ", " +
                   output::counted(counts.conflicts, "conflict") + "\n");
     return kExitDone;

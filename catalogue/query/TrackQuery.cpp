@@ -110,8 +110,8 @@ SqlPart statementOf(const Catalogue& catalogue, const TrackQuery& query) {
     return sql;
 }
 
-ListedTrack trackOf(const SQLite::Statement& row) {
-    ListedTrack track;
+base::ListedTrack trackOf(const SQLite::Statement& row) {
+    base::ListedTrack track;
     track.id = row.getColumn(0).getInt64();
     track.path = row.getColumn(1).getString();
     track.artist = row.getColumn(2).getString();
@@ -128,7 +128,7 @@ ListedTrack trackOf(const SQLite::Statement& row) {
 }  // namespace
 
 void listTracks(const Catalogue& catalogue, const TrackQuery& query,
-                const std::function<void(const ListedTrack&)>& show) {
+                const std::function<void(const base::ListedTrack&)>& show) {
     guarded(catalogue.path(), [&] {
         const SqlPart sql = statementOf(catalogue, query);
         SQLite::Statement statement(catalogue.database(), sql.text());
@@ -138,7 +138,7 @@ void listTracks(const Catalogue& catalogue, const TrackQuery& query,
 }
 
 void listFailures(const Catalogue& catalogue, bool isReversed, std::optional<std::int64_t> limit,
-                  const std::function<void(const ListedFailure&)>& show) {
+                  const std::function<void(const base::ListedFailure&)>& show) {
     guarded(catalogue.path(), [&] {
         SqlPart sql;
         sql.add("SELECT path, kind, reason, attempts FROM failures WHERE kind <> 'not-audio' "

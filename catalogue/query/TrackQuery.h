@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "base/ListedTrack.h"
 #include "catalogue/Catalogue.h"
 
 namespace catalogue {
@@ -41,37 +42,14 @@ struct TrackQuery {
     std::optional<std::int64_t> limit;
 };
 
-/** A track as lists show it, with corrections. */
-struct ListedTrack {
-    std::int64_t id = 0;
-    std::string path;
-    std::string artist;
-    std::string title;
-    double seconds = 0.0;
-    std::optional<double> bpm;
-    std::optional<int> key;
-    /** Of tempo or key, whichever is less certain. */
-    std::optional<double> confidence;
-    bool isCorrected = false;
-    bool isGone = false;
-};
-
-struct ListedFailure {
-    std::string path;
-    /** failureName() of its kind. */
-    std::string kind;
-    std::string reason;
-    std::int64_t attempts = 0;
-};
-
 /** Hands over the tracks one by one, in order; takes the same memory for any number of them. Never
  *  looks at every track where an index knows better. @throws CatalogueError, and what show throws */
 void listTracks(const Catalogue& catalogue, const TrackQuery& query,
-                const std::function<void(const ListedTrack&)>& show);
+                const std::function<void(const base::ListedTrack&)>& show);
 
 /** The same for files of music that could not be analysed, in the order of their paths. */
 void listFailures(const Catalogue& catalogue, bool isReversed, std::optional<std::int64_t> limit,
-                  const std::function<void(const ListedFailure&)>& show);
+                  const std::function<void(const base::ListedFailure&)>& show);
 
 /** The keys that mix with a key: itself, a fifth up, a fifth down, and its relative. */
 std::vector<int> compatibleKeys(int key);

@@ -32,7 +32,7 @@ public:
 
     void beginTracks() override { write_(line("BPM", "Key", "Length", "Sure", "", "File")); }
 
-    void add(const ListEntry& entry) override {
+    void add(const base::ListedTrack& entry) override {
         write_(line(entry.bpm ? bpmText(*entry.bpm) : "-",
                     entry.key ? shortKeyName(*entry.key, notation_) : "-",
                     clockTimeInSeconds(entry.seconds),
@@ -40,7 +40,7 @@ public:
                     remarkOn(entry), base::displayName(entry.path)));
     }
 
-    void add(const FailureEntry& entry) override {
+    void add(const base::ListedFailure& entry) override {
         write_(fmt::format("{}: {} ({}, {})\n", base::displayName(entry.path),
                            base::displayName(entry.reason), entry.kind,
                            counted(entry.attempts, "attempt")));
@@ -54,7 +54,7 @@ private:
                            remark, file);
     }
 
-    static std::string remarkOn(const ListEntry& entry) {
+    static std::string remarkOn(const base::ListedTrack& entry) {
         if (entry.isGone) return "gone";
         return entry.isCorrected ? "corrected" : "";
     }
@@ -67,7 +67,7 @@ class JsonLinesList : public ListWriter {
 public:
     explicit JsonLinesList(TextSink write) : write_(std::move(write)) {}
 
-    void add(const ListEntry& entry) override {
+    void add(const base::ListedTrack& entry) override {
         Json json = nameJson(entry.path);
         json["artist"] = cleanText(entry.artist);
         json["title"] = cleanText(entry.title);
@@ -80,7 +80,7 @@ public:
         write_(json.dump() + "\n");
     }
 
-    void add(const FailureEntry& entry) override {
+    void add(const base::ListedFailure& entry) override {
         Json json = nameJson(entry.path);
         json["error"] = cleanText(entry.reason);
         json["kind"] = entry.kind;
@@ -100,7 +100,7 @@ public:
         write_("file,artist,title,seconds,bpm,key,camelot,confidence,corrected,gone\r\n");
     }
 
-    void add(const ListEntry& entry) override {
+    void add(const base::ListedTrack& entry) override {
         writeRow({field(cleanText(entry.path)), field(cleanText(entry.artist)),
                   field(cleanText(entry.title)), fmt::format("{}", entry.seconds),
                   entry.bpm ? bpmText(*entry.bpm) : "",
@@ -112,7 +112,7 @@ public:
 
     void beginFailures() override { write_("file,kind,reason,attempts\r\n"); }
 
-    void add(const FailureEntry& entry) override {
+    void add(const base::ListedFailure& entry) override {
         writeRow({field(cleanText(entry.path)), field(entry.kind), field(cleanText(entry.reason)),
                   fmt::format("{}", entry.attempts)});
     }
@@ -142,17 +142,17 @@ public:
 
     void beginTracks() override { write_("#EXTM3U\n"); }
 
-    void add(const ListEntry& entry) override {
+    void add(const base::ListedTrack& entry) override {
         write_(fmt::format("#EXTINF:{},{}\n{}\n", std::lround(entry.seconds), nameOf(entry),
                            placeOf(entry.path)));
     }
 
     void beginFailures() override { beginTracks(); }
 
-    void add(const FailureEntry& entry) override { write_(placeOf(entry.path) + "\n"); }
+    void add(const base::ListedFailure& entry) override { write_(placeOf(entry.path) + "\n"); }
 
 private:
-    static std::string nameOf(const ListEntry& entry) {
+    static std::string nameOf(const base::ListedTrack& entry) {
         if (entry.artist.empty() && entry.title.empty())
             return base::displayName(entry.path.substr(entry.path.rfind('/') + 1));
         if (entry.artist.empty() || entry.title.empty())

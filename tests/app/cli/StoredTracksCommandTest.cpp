@@ -44,7 +44,8 @@ TEST_F(StoredTracks, AreShownInTheDocumentOfAnalyze) {
         catalogue::Catalogue catalogue(path_, catalogue::Catalogue::Access::write);
         catalogue::Scan scan(catalogue, {"{}", false, false});
         scan.settle();
-        scan.put(catalogue::makeAnalysed(found.file, {}, {}, options.track, found.result, 0.0, {}, "1"));
+        scan.put(
+            catalogue::makeAnalysed(found.file, {}, {}, options.track, found.result, 0.0, {}, "1"));
     }
     EXPECT_EQ(catalogued("show", {"--json", "--waves", track}).out, analysed);
 }

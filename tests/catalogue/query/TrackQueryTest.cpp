@@ -17,6 +17,8 @@
 namespace catalogue {
 namespace {
 
+using base::ListedFailure;
+using base::ListedTrack;
 using testing::AnyOf;
 using testing::Contains;
 using testing::DoubleNear;
