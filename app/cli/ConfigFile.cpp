@@ -52,12 +52,9 @@ bool isSetting(const CLI::Option& option) {
     return !option.get_lnames().empty() && !ends.contains(option.get_lnames().front());
 }
 
-CLI::Option* optionOf(const CLI::App& command, const std::string& name) {
-    for (const CLI::Option* option : command.get_options()) {
-        if (isSetting(*option) && option->get_lnames().front() == name)
-            return const_cast<CLI::App&>(command).get_option("--" + name);
-    }
-    return nullptr;
+CLI::Option* optionOf(CLI::App& command, const std::string& name) {
+    CLI::Option* option = command.get_option_no_throw("--" + name);
+    return option != nullptr && isSetting(*option) ? option : nullptr;
 }
 
 std::vector<std::string> settingNames(const CLI::App& command) {

@@ -84,36 +84,43 @@ Json sectionData(const TrackReport& report) {
     return data;
 }
 
+Json fileMetadata(const TrackReport& report) {
+    return {{"artist", artistOf(report)},
+            {"title", titleOf(report)},
+            {"release", ""},
+            {"duration", report.analysis.seconds()},
+            {"identifiers", Json::object()},
+            {"jams_version", kJamsVersion}};
+}
+
+Json annotation(const char* name, Json data, const TrackReport& report,
+                const std::string& toolVersion) {
+    const double end = report.startSeconds() + report.analysis.seconds();
+    return {{"namespace", name},
+            {"time", 0.0},
+            {"duration", std::max(0.0, end)},
+            {"annotation_metadata",
+             {{"annotation_tools", "beatatlas " + toolVersion},
+              {"data_source", "program"},
+              {"version", toolVersion}}},
+            {"data", std::move(data)},
+            {"sandbox", Json::object()}};
+}
+
 }  // namespace
 
 void JamsExport::add(const TrackReport& report, const Peaks*) {
-    const double end = report.startSeconds() + report.analysis.seconds();
-    const Json metadata = {{"annotation_tools", "beatatlas " + toolVersion_},
-                           {"data_source", "program"},
-                           {"version", toolVersion_}};
-    const auto annotation = [&](const char* name, Json data) -> Json {
-        return {{"namespace", name},
-                {"time", 0.0},
-                {"duration", std::max(0.0, end)},
-                {"annotation_metadata", metadata},
-                {"data", std::move(data)},
-                {"sandbox", Json::object()}};
-    };
     Json annotations = Json::array();
+    const auto annotate = [&](const char* name, Json data) {
+        annotations.push_back(annotation(name, std::move(data), report, toolVersion_));
+    };
     if (report.options.tempo != beatatlas::track::TempoMode::off) {
-        annotations.push_back(annotation("beat", beatData(report.analysis)));
-        annotations.push_back(annotation("tempo", tempoData(report)));
+        annotate("beat", beatData(report.analysis));
+        annotate("tempo", tempoData(report));
     }
-    if (report.options.wantsKey)
-        annotations.push_back(annotation("key_mode", keyData(report.analysis)));
-    annotations.push_back(annotation("segment_open", sectionData(report)));
-    const Json document = {{"file_metadata",
-                            {{"artist", artistOf(report)},
-                             {"title", titleOf(report)},
-                             {"release", ""},
-                             {"duration", report.analysis.seconds()},
-                             {"identifiers", Json::object()},
-                             {"jams_version", kJamsVersion}}},
+    if (report.options.wantsKey) annotate("key_mode", keyData(report.analysis));
+    annotate("segment_open", sectionData(report));
+    const Json document = {{"file_metadata", fileMetadata(report)},
                            {"annotations", std::move(annotations)},
                            {"sandbox", Json::object()}};
     write_(document.dump(2) + "\n");

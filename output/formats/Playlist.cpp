@@ -33,7 +33,7 @@ bool isPlain(char letter) {
 /** A line of a playlist holds neither line breaks nor bytes that are no UTF-8: such a name is
  *  written as an address. */
 std::string placeInPlaylist(const std::string& path) {
-    const std::string whole = std::filesystem::absolute(path).lexically_normal().string();
+    std::string whole = std::filesystem::absolute(path).lexically_normal().string();
     if (base::isUtf8(whole) && whole.find_first_of("\r\n") == std::string::npos) return whole;
     std::string address = "file://";
     for (const char letter : whole) {

@@ -17,10 +17,12 @@ namespace {
 using beatatlas::track::Beat;
 using Fields = std::vector<std::string>;
 
-const Fields kColumns = {"file",    "artist",         "title",          "seconds",
-                         "bpm",     "steady",         "bpm_confidence", "beats",
-                         "bars",    "first_beat",     "first_downbeat", "key",
-                         "camelot", "key_confidence", "tuning_hz",      "error"};
+Fields columns() {
+    return {"file",    "artist",         "title",          "seconds",
+            "bpm",     "steady",         "bpm_confidence", "beats",
+            "bars",    "first_beat",     "first_downbeat", "key",
+            "camelot", "key_confidence", "tuning_hz",      "error"};
+}
 
 void append(Fields& fields, const Fields& more) {
     fields.insert(fields.end(), more.begin(), more.end());
@@ -54,7 +56,7 @@ Fields keyFields(const TrackReport& report) {
 }  // namespace
 
 void TracksCsv::begin() {
-    write_(csvLine(kColumns));
+    write_(csvLine(columns()));
 }
 
 void TracksCsv::add(const TrackReport& report, const Peaks*) {
@@ -68,7 +70,7 @@ void TracksCsv::add(const TrackReport& report, const Peaks*) {
 }
 
 void TracksCsv::addFailure(const std::string& path, const std::string& reason) {
-    Fields fields(kColumns.size());
+    Fields fields(columns().size());
     fields.front() = base::displayName(path);
     fields.back() = reason;
     write_(csvLine(fields));

@@ -64,7 +64,7 @@ std::vector<Section> sectionsOf(const TrackReport& report) {
 }
 
 std::string sectionTitle(const Section& section, const std::optional<KeyNotation>& notation) {
-    const std::string tempo = section.bpm ? bpmText(*section.bpm) + " BPM" : "no tempo";
+    std::string tempo = section.bpm ? bpmText(*section.bpm) + " BPM" : "no tempo";
     if (!section.key) return tempo;
     return tempo + ", " + KeyName(*section.key).in(notation.value_or(KeyNotation::standard));
 }

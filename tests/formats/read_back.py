@@ -5,7 +5,8 @@
     read_back.py SOURCES FOLDER PROGRAM-THAT-MAKES-A-TRACK TOOL [--update]
 
 What they see is compared with the JSON document of the tool, and the table of it with the one in
-docs/formats.md, which --update writes anew. The demo track: 2 minutes at 126 BPM in A minor.
+docs/formats.md, which --update writes anew. The demo track: 2 minutes at 126 BPM in A minor. A second
+track is its first minute twice, faster and higher by an eighth the second time.
 """
 import csv
 import importlib.metadata
@@ -17,7 +18,6 @@ import shutil
 import struct
 import subprocess
 import sys
-import xml.etree.ElementTree
 from pathlib import Path
 
 import jsonschema
@@ -25,6 +25,7 @@ import mido
 
 SOURCES, FOLDER, MAKE_TRACK, TOOL = (Path(word).absolute() for word in sys.argv[1:5])
 TRACK = "track.wav"
+CHANGING = "changing.wav"
 TABLE_BEGIN = "<!-- written by tests/formats/read_back.py -->\n"
 TABLE_END = "<!-- end -->\n"
 
@@ -160,49 +161,65 @@ def read_audacity(track, kind, chosen):
     return "Audacity's label grammar", f"{len(labels)} labels, {labels[0][2]} to {labels[-1][2]}"
 
 
-def read_midi(track):
-    file = mido.MidiFile(file=io.BytesIO(tool("export", "--to", "midi", TRACK)))
+def midi_of(name, track):
+    """The MIDI file and the times of its notes, which have to be those of the beats."""
+    file = mido.MidiFile(file=io.BytesIO(tool("export", "--to", "midi", name)))
     assert file.type == 1 and len(file.tracks) == 2
-    seconds, clicks, bars = 0.0, [], 0
+    seconds, clicks = 0.0, []
     for message in file:
         seconds += message.time
         if message.type == "note_on":
-            clicks.append(seconds)
-            bars += message.note == 76
-    tempos = [one for one in file.tracks[0] if one.type == "set_tempo"]
+            clicks.append((seconds, message.note == 76))
     assert len(clicks) == len(track["beats"])
-    error = max(abs(one - beat["seconds"]) for one, beat in zip(clicks, track["beats"]))
-    assert error < 0.001
+    for (seconds, is_downbeat), beat in zip(clicks, track["beats"]):
+        assert abs(seconds - beat["seconds"]) < 0.001 and is_downbeat == (beat["beat"] == 1)
+    return file, clicks
+
+
+def read_midi(track, changing):
+    midi_of(CHANGING, changing)
+    file, clicks = midi_of(TRACK, track)
+    tempos = [one for one in file.tracks[0] if one.type == "set_tempo"]
     return (f"python3-mido {importlib.metadata.version('mido')}",
-            f"{len(clicks)} notes, {bars} downbeats, {len(tempos)} tempos, the last "
-            f"{mido.tempo2bpm(tempos[-1].tempo):.2f} BPM; less than 1 ms from the beats")
+            f"{len(clicks)} notes, {sum(one for _, one in clicks)} of them downbeats, "
+            f"{len(tempos)} tempos, the last {mido.tempo2bpm(tempos[-1].tempo):.2f} BPM; less than "
+            "1 ms from the beats")
 
 
-def read_ffmetadata(track):
-    Path("track.ffmetadata").write_bytes(tool("export", "--to", "ffmetadata", TRACK))
-    probed = json.loads(outside("ffprobe", "-v", "error", "-f", "ffmetadata", "-show_chapters",
-                                "-of", "json", "track.ffmetadata"))
-    chapters = probed["chapters"]
-    assert abs(float(chapters[-1]["end_time"]) - track["seconds"]) < 1e-4
+def check_chapters(chapters, changing):
+    """Chapters as ffprobe tells them: one for each tempo, which is where the key changes too."""
+    assert len(changing["tempo"]["stretches"]) == len(changing["key"]["segments"]) == 2
+    assert len(chapters) == 2
+    for chapter, stretch in zip(chapters, changing["tempo"]["stretches"]):
+        assert chapter["tags"]["title"].startswith(f"{stretch['bpm']:.2f} BPM, ")
+    change = changing["tempo"]["stretches"][1]["from"]
+    for time, expected in ((chapters[0]["start_time"], 0), (chapters[0]["end_time"], change),
+                           (chapters[1]["start_time"], change),
+                           (chapters[1]["end_time"], changing["seconds"])):
+        assert abs(float(time) - expected) < 1e-4
+
+
+def probed(*words):
+    return json.loads(outside("ffprobe", "-v", "error", "-show_chapters", "-of", "json",
+                              *words))["chapters"]
+
+
+def read_ffmetadata(changing):
+    Path("changing.ffmetadata").write_bytes(tool("export", "--to", "ffmetadata", CHANGING))
+    check_chapters(probed("-f", "ffmetadata", "changing.ffmetadata"), changing)
     # Into a file with the sound and out of it again.
-    outside("ffmpeg", "-v", "error", "-y", "-i", TRACK, "-i", "track.ffmetadata", "-map", "0:a",
-            "-map_metadata", "1", "-t", "1", "chapters.mka")
-    return (f"ffprobe {version('ffprobe', '-version')}",
-            f"{len(chapters)} chapter: {chapters[0]['tags']['title']}")
+    outside("ffmpeg", "-v", "error", "-y", "-i", CHANGING, "-i", "changing.ffmetadata", "-map",
+            "0:a", "-map_metadata", "1", "-c:a", "flac", "ffmetadata.mka")
+    check_chapters(probed("ffmetadata.mka"), changing)
+    return f"ffprobe {version('ffprobe', '-version')}", "2 chapters of the changing track"
 
 
-def read_matroska(track):
-    tree = xml.etree.ElementTree.fromstring(tool("export", "--to", "matroska-chapters", TRACK))
-    atoms = tree.findall("./EditionEntry/ChapterAtom")
-    assert tree.tag == "Chapters" and atoms
-    for atom in atoms:
-        for name in ("ChapterTimeStart", "ChapterTimeEnd"):
-            assert re.fullmatch(r"\d\d:[0-5]\d:[0-5]\d\.\d{9}", atom.findtext(name))
-    hours, minutes, seconds = atoms[-1].findtext("ChapterTimeEnd").split(":")
-    end = int(hours) * 3600 + int(minutes) * 60 + float(seconds)
-    assert abs(end - track["seconds"]) < 1e-6
-    title = atoms[0].findtext("./ChapterDisplay/ChapterString")
-    return "Python's ElementTree (expat)", f"{len(atoms)} chapter: {title}"
+def read_matroska(changing):
+    Path("changing.xml").write_bytes(tool("export", "--to", "matroska-chapters", CHANGING))
+    outside("mkvmerge", "-q", "-o", "mkvmerge.mka", "--chapters", "changing.xml", CHANGING)
+    check_chapters(probed("mkvmerge.mka"), changing)
+    return (f"mkvmerge {version('mkvmerge', '--version')}, ffprobe "
+            f"{version('ffprobe', '-version')} on its file", "2 chapters of the changing track")
 
 
 def read_waveform():
@@ -244,7 +261,7 @@ def read_playlist():
 
 def table():
     check = analysis_validator()
-    track = json.loads(tool("analyze", "--json", TRACK))["tracks"][0]
+    track, changing = json.loads(tool("analyze", "--json", TRACK, CHANGING))["tracks"]
     every, downbeats = (lambda beat: True), (lambda beat: beat["beat"] == 1)
     rows = {
         "json": read_json(check),
@@ -255,9 +272,9 @@ def table():
         "audacity-beats": read_audacity(track, "audacity-beats", every),
         "audacity-bars": read_audacity(track, "audacity-bars", downbeats),
         "audacity-numbers": read_audacity(track, "audacity-numbers", every),
-        "midi": read_midi(track),
-        "ffmetadata": read_ffmetadata(track),
-        "matroska-chapters": read_matroska(track),
+        "midi": read_midi(track, changing),
+        "ffmetadata": read_ffmetadata(changing),
+        "matroska-chapters": read_matroska(changing),
         "waveform": read_waveform(),
         "waveform-json": read_waveform_json(),
         "m3u8": read_playlist(),
@@ -275,7 +292,7 @@ def check_every_format_is_here(rows):
 
 def without_versions(text):
     """Other releases of the same programs read the same."""
-    return re.sub(r"(jsonschema|jq|mido|ffprobe|ffmpeg) [0-9.]+", r"\1", text)
+    return re.sub(r"(jsonschema|jq|mido|ffprobe|ffmpeg|mkvmerge) [0-9.]+", r"\1", text)
 
 
 def main():
@@ -284,6 +301,9 @@ def main():
     FOLDER.mkdir(parents=True)
     os.chdir(FOLDER)
     subprocess.run([MAKE_TRACK, TRACK], check=True)
+    outside("ffmpeg", "-v", "error", "-i", TRACK, "-filter_complex",
+            "[0]atrim=0:60[a];[0]atrim=0:60,asetrate=49612,aresample=44100[b];"
+            "[a][b]concat=n=2:v=0:a=1", CHANGING)
     found, rows = table()
     check_every_format_is_here(rows)
     document = SOURCES / "docs/formats.md"

@@ -6,6 +6,7 @@
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 #include "media/writeFully.h"
@@ -168,6 +169,25 @@ TEST_F(StandardInput, LeavesNothingInTheTemporaryFolder) {
     const ToolRun run = runPiped({"analyze", "-"}, test::readFile(track_), folder_.path());
     EXPECT_EQ(run.exitStatus, 0) << run.err;
     EXPECT_THAT(folder_.names(), ElementsAre("a.wav"));
+}
+
+// Its first bytes come and no more: the tool waits, and is asked to stop.
+TEST_F(StandardInput, IsWaitedForNoLongerThanToldTo) {
+    int ends[2] = {};
+    ASSERT_EQ(pipe2(ends, O_CLOEXEC), 0);
+    ASSERT_EQ(write(ends[1], "RIFF", 4), 4);
+    ToolRun run;
+    run.arguments = {"analyze", "--json", "-"};
+    run.input = ends[0];
+    run.meanwhile = [&](pid_t tool) {
+        int unread = 1;
+        while (unread > 0 && ioctl(ends[0], FIONREAD, &unread) == 0) std::this_thread::yield();
+        kill(tool, SIGINT);
+    };
+    run.run();
+    for (const int end : ends) close(end);
+    EXPECT_EQ(run.exitStatus, 130);
+    EXPECT_THAT(run.out, testing::EndsWith("\n]}\n"));
 }
 
 TEST_F(StandardInput, IsNoFileCalledByADash) {

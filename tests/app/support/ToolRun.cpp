@@ -99,6 +99,7 @@ ToolRun& ToolRun::run() {
         if (atProgress) atProgress();
     };
     std::thread errorReader([&] { drain(error.readEnd, err, atFirstError); });
+    if (meanwhile) meanwhile(process);
     if (results.readEnd != -1) drain(results.readEnd, out, {});
     errorReader.join();
     int status = 0;

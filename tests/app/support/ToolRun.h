@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+#include <sys/types.h>
+
 namespace test {
 
 /** Where the tool's standard output leads in a run. */
@@ -31,6 +33,8 @@ struct ToolRun {
     std::optional<int> signalAtProgress;
     /** Done then, too. */
     std::function<void()> atProgress;
+    /** Done while it runs, by its process. */
+    std::function<void(pid_t)> meanwhile = {};
 
     /** 1000 and the signal's number when a signal killed it. */
     int exitStatus = -1;
