@@ -7,7 +7,7 @@
 
 namespace base {
 
-/** How a track is called by its file's tags; empty where they do not say. */
+/** A track's title and artist by its file's tags; empty when the tags lack them. */
 struct TrackTags {
     std::string artist;
     std::string title;
@@ -33,20 +33,24 @@ struct TrackFormat {
     int trackRate = 0;
     /** Rate of the analysis, Hz. */
     int sessionRate = 0;
-    /** Another rate, or another number of channels, follows later. */
+    /** Whether another rate or another number of channels follows later. */
     bool changes = false;
     TrackTags tags = {};
 };
 
-/** What of a track's sound was not analysed as it is. */
+/** The samples of a track that could not be analysed unchanged. */
 struct Overload {
-    std::int64_t heard = 0;       ///< samples of all channels
-    std::int64_t clipped = 0;     ///< of them beyond full scale
-    float peak = 0.0F;            ///< the loudest of those; full scale is 1
-    std::int64_t notNumbers = 0;  ///< taken for silence
+    /** Samples of all channels. */
+    std::int64_t heard = 0;
+    /** Of these, the ones beyond full scale. */
+    std::int64_t clipped = 0;
+    /** The loudest of those; full scale is 1. */
+    float peak = 0.0F;
+    /** NaN and infinite samples, analysed as silence. */
+    std::int64_t notNumbers = 0;
 
-    /** Lossy decoders and rate converters go over full scale here and there, and nobody hears what
-     *  is clipped of it. */
+    /** Lossy decoders and rate converters exceed full scale now and then, by so little that
+     *  clipping it is inaudible. */
     bool isTooLoud() const {
         constexpr float kLoudPeak = 2.0F;  // 6 dB
         constexpr double kManySamples = 0.01;
@@ -59,20 +63,29 @@ struct Overload {
 struct TrackSource {
     std::string path;
     TrackFormat format;
-    /** The file holds only the beginning of the track. */
+    /** Whether the file holds only the beginning of the track. */
     bool isCutOff = false;
 
     /** Packets that could not be decoded, or only in part. */
     std::int64_t damagedPackets = 0;
 
-    /** Packets that were there twice, and were taken once. */
+    /** Repeated packets, each of which was taken once. */
     std::int64_t repeatedPackets = 0;
     /** In order of time, not touching each other. */
     std::vector<Gap> gaps;
-    /** The format marks a track's end, and the file has no such mark. */
+    /** Whether the format marks the end of a file and this file lacks the mark. */
     bool lacksEnd = false;
 
     Overload overload;
+
+    /** Frames at the file's rate between the first one that its decoder yields and the first frame
+     *  of music, where positions begin: the delay of encoder and decoder, which is left out. */
+    std::int64_t droppedFrames = 0;
+
+    /** The same in seconds. */
+    double droppedSeconds() const {
+        return format.trackRate == 0 ? 0.0 : static_cast<double>(droppedFrames) / format.trackRate;
+    }
 };
 
 }  // namespace base

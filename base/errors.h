@@ -9,7 +9,24 @@ namespace base {
 /** A track that cannot be analysed. The text is the reason alone, without the file's name. */
 class TrackError : public std::runtime_error {
 public:
-    using std::runtime_error::runtime_error;
+    enum class Kind {
+        /** It is there, and is no whole track. */
+        damaged,
+        /** It holds no audio of a known kind: a picture, a text. */
+        notAudio,
+        /** The system does not let it be read. */
+        unreadable,
+        /** There is no such file. */
+        missing,
+    };
+
+    explicit TrackError(const std::string& reason, Kind kind = Kind::damaged)
+        : std::runtime_error(reason), kind_(kind) {}
+
+    Kind kind() const { return kind_; }
+
+private:
+    Kind kind_;
 };
 
 /** Results that cannot be written. The text names what could not be written and why. */

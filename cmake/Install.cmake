@@ -74,4 +74,6 @@ if(TARGET beatatlas_tool)
     install(TARGETS beatatlas_tool RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
         COMPONENT BeatAtlas_Runtime)
     add_dependencies(beatatlas_install_files beatatlas_tool)
+    install(FILES ${PROJECT_SOURCE_DIR}/docs/analysis.schema.json
+        DESTINATION ${CMAKE_INSTALL_DATADIR}/beatatlas COMPONENT BeatAtlas_Runtime)
 endif()

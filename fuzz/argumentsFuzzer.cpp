@@ -16,6 +16,7 @@
 
 #include "FuzzInput.h"
 #include "FuzzersRoundingMode.h"
+#include "catalogue/Catalogue.h"
 #include "cli/Program.h"
 #include "cli/commandTable.h"
 #include "io/ResultStream.h"
@@ -28,6 +29,14 @@ namespace {
 
 using namespace beatatlas::fuzz;
 
+/** A scan starts this program anew as its workers: those are the tool then. Before anything else of
+ *  the fuzzer runs. Names on standard input, which nobody types here, are none. */
+__attribute__((constructor)) void becomeWorker(int argc, char** argv, char**) {
+    if (argc == 2 && std::string_view(argv[1]) == "scan-worker") execv(BEATATLAS_TOOL, argv);
+    const int nothing = open("/dev/null", O_RDONLY);
+    if (nothing != -1) dup2(nothing, STDIN_FILENO);
+}
+
 constexpr int kMostArguments = 10;
 constexpr int kMostRawBytes = 24;
 constexpr double kTrackSeconds = 0.05;
@@ -39,7 +48,8 @@ std::vector<std::string> likelyWords() {
         "varied",    "simple",    "off",    "4",          "32",       "0",         "-1",
         "1.5",       "1e9",       "nan",    "inf",        "0x10",     "1600",      "--",
         "-",         "",          "[",      "[a,b]",      "--json",   "--help",    "--version",
-        "=",         "-o",        "é",      "\x01",       "-o=x.png", "--width=1", "out.opus"};
+        "=",         "-o",        "é",      "\x01",       "-o=x.png", "--width=1", "out.opus",
+        "8A",        "120:128",   "love",   "table"};
     CLI::App program;
     for (const auto& command : app::makeCommands()) {
         CLI::App* arguments = program.add_subcommand(command->name(), "");
@@ -77,6 +87,8 @@ public:
         test::writeFile(folder_->file("noise.bin"), "not an audio file, whatever it says");
         std::filesystem::create_directory(folder_->file("folder"));
         kept_ = folder_->names();
+        // Of a scan that names no catalogue.
+        setenv("XDG_DATA_HOME", folder_->path().c_str(), 1);
     }
 
     void enter() const {
@@ -103,6 +115,11 @@ private:
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t count) {
     static const Scratch scratch;
+    // The user's own settings are no part of an input.
+    static const int unset = setenv("XDG_CONFIG_HOME", "/nonexistent", 1);
+    // Nor is what its standard input may be.
+    static const int input = dup2(open("/dev/null", O_RDONLY | O_CLOEXEC), STDIN_FILENO);
+    require(unset == 0 && input == STDIN_FILENO, "surroundings");
     static const std::vector<std::string> words = likelyWords();
     static const int nowhere = open("/dev/null", O_WRONLY | O_CLOEXEC);
     const FuzzersRoundingMode mode;

@@ -88,6 +88,23 @@ void writeBeatSheets(const std::filesystem::path& folder) {
                     R"("beat_position","data":[{"time":1,"value":{"position":2}}]}]})");
 }
 
+/** The text of --raw, a line feed, and samples. */
+void writeSamples(const std::filesystem::path& folder) {
+    makeEmpty(folder);
+    std::string ramp(6000, '\0');
+    for (std::size_t i = 0; i < ramp.size(); ++i) ramp[i] = static_cast<char>(i * i / 97);
+    for (const std::string format : {"u8:8000:1", "s16le:44100:2", "s24be:48000:2", "s32le:96000:1",
+                                     "f32le:44100:2", "f64be:22050:6", "s16le:44100:0", "x:1:1"})
+        test::writeFile(folder / format.substr(0, format.find(':')), format + "\n" + ramp);
+}
+
+void writeSettings(const std::filesystem::path& folder) {
+    makeEmpty(folder);
+    test::writeFile(folder / "usual", "# mine\nkey-notation = camelot\nmemory = \"2G\" # much\n"
+                                      "[export]\nto = jams\noverwrite = yes\n");
+    test::writeFile(folder / "refused", "[draw]\nwidth = none\n[nothing]\nx\n");
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -101,7 +118,10 @@ int main(int argc, char** argv) {
         writeNoise(folder / "track", 5);
         writeNoise(folder / "tempo", 6);
         writeBeatSheets(folder / "beatsheet");
+        writeNoise(folder / "catalogue", 7);
         writeTracks(folder / "decoder");
+        writeSamples(folder / "raw");
+        writeSettings(folder / "settings");
     } catch (const std::exception& error) {
         std::fprintf(stderr, "writeSeeds: %s\n", error.what());
         return 1;

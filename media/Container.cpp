@@ -7,24 +7,22 @@
 #include <string_view>
 
 #include "base/Interrupt.h"
-#include "base/errors.h"
 #include "media/end/FileBytes.h"
 
 namespace media {
 
 namespace {
 
-// Containers by FFmpeg's names. Everything else that FFmpeg can open is no music file, or opens
-// further files.
+// Containers by FFmpeg's names. Whatever else FFmpeg can open is not music, or opens further files.
 constexpr std::array<std::string_view, 31> kAudioContainers = {
     "aac",    "ac3",  "aiff", "amr", "ape",  "asf",      "au",  "avi", "caf", "dsf",  "dts",
     "eac3",   "flac", "flv",  "iff", "loas", "matroska", "mov", "mp3", "mpc", "mpc8", "mpeg",
     "mpegts", "ogg",  "rm",   "shn", "tak",  "tta",      "w64", "wav", "wv"};
 
-// A tag with a large cover picture may stand before the first byte that tells what the file is.
+// A tag with a large cover picture may stand before the first byte that shows what the file is.
 constexpr unsigned kProbeBytes = 16U << 20;
 
-// Below this, FFmpeg has seen a pattern that chance makes too: one lone frame header in arbitrary
+// Below this, FFmpeg has found only what occurs by chance too: a lone frame header in arbitrary
 // bytes.
 constexpr int kLeastProbeScore = 2;
 
@@ -47,11 +45,29 @@ int refuseToOpen(AVFormatContext*, AVIOContext**, const char*, int, AVDictionary
     return AVERROR(EPERM);
 }
 
-/** Empty when there is none of that name, in capitals or not. */
+/** Empty when there is no tag of that name; case does not matter. */
 std::string tagOf(const AVDictionary* tags, const char* name) {
     const AVDictionaryEntry* tag = av_dict_get(tags, name, nullptr, 0);
     return tag == nullptr ? std::string() : tag->value;
 }
+
+/** What FFmpeg has to be told about bytes without a container. */
+class OpeningOptions {
+public:
+    explicit OpeningOptions(const std::optional<RawFormat>& raw) {
+        if (!raw) return;
+        av_dict_set_int(&options_, "sample_rate", raw->rate, 0);
+        av_dict_set(&options_, "ch_layout", (std::to_string(raw->channels) + "c").c_str(), 0);
+    }
+    ~OpeningOptions() { av_dict_free(&options_); }
+    OpeningOptions(const OpeningOptions&) = delete;
+    OpeningOptions& operator=(const OpeningOptions&) = delete;
+
+    AVDictionary** get() { return &options_; }
+
+private:
+    AVDictionary* options_ = nullptr;
+};
 
 }  // namespace
 
@@ -70,11 +86,12 @@ void Container::surveyPages() {
 }
 
 const AVInputFormat* Container::recognise() const {
+    if (const auto& raw = input_.rawFormat()) return av_find_input_format(raw->samples.c_str());
     const AVInputFormat* format = nullptr;
     const int score =
         av_probe_input_buffer2(input_.context(), &format, "", nullptr, 0, kProbeBytes);
     if (score < kLeastProbeScore || format == nullptr || !isAudioContainer(*format)) {
-        refuse(score, "is not an audio file of a known kind");
+        refuse(score, "is not an audio file of a known kind", base::TrackError::Kind::notAudio);
     }
     return format;
 }
@@ -85,7 +102,8 @@ void Container::open(const AVInputFormat* format) {
     context->pb = input_.context();
     context->io_open = refuseToOpen;
     // On failure FFmpeg frees the context itself and sets the pointer to null.
-    const int opened = avformat_open_input(&context, "", format, nullptr);
+    OpeningOptions options(input_.rawFormat());
+    const int opened = avformat_open_input(&context, "", format, options.get());
     context_.reset(context);
     if (opened < 0) refuse(opened, "is damaged or cut off: its header cannot be read");
     const int found = avformat_find_stream_info(context, nullptr);
@@ -94,18 +112,18 @@ void Container::open(const AVInputFormat* format) {
 
 void Container::chooseStream() {
     const int index = av_find_best_stream(context_.get(), AVMEDIA_TYPE_AUDIO, -1, -1, nullptr, 0);
-    if (index < 0) refuse(index, "holds no audio");
+    if (index < 0) refuse(index, "holds no audio", base::TrackError::Kind::notAudio);
     for (unsigned i = 0; i < context_->nb_streams; ++i)
         context_->streams[i]->discard = AVDISCARD_ALL;
     stream_ = context_->streams[index];
     stream_->discard = AVDISCARD_DEFAULT;
 }
 
-void Container::refuse(int error, const char* otherwise) const {
+void Container::refuse(int error, const char* otherwise, base::TrackError::Kind kind) const {
     base::Interrupt::check();
     input_.requireReadable();
     if (error == AVERROR(ENOMEM)) throw std::bad_alloc();
-    throw base::TrackError(otherwise);
+    throw base::TrackError(otherwise, kind);
 }
 
 bool Container::next(AVPacket& packet) {
@@ -128,7 +146,7 @@ bool Container::next(AVPacket& packet) {
     }
 }
 
-/** Goes on behind a place that cannot be read. Each time a later one: the end is reached. */
+/** Continues behind an offset that cannot be read, later each time, so that the end is reached. */
 bool Container::resume() {
     AVIOContext* bytes = input_.context();
     std::int64_t place = avio_tell(bytes);
@@ -162,7 +180,14 @@ base::TrackTags Container::tags() const {
     return {tag("artist"), tag("title")};
 }
 
+bool Container::endsWithinFrame() const {
+    const auto& raw = input_.rawFormat();
+    return raw && input_.size() % raw->bytesPerFrame() != 0;
+}
+
 std::optional<double> Container::declaredSeconds() const {
+    if (const auto& raw = input_.rawFormat())
+        return static_cast<double>(input_.size() / raw->bytesPerFrame()) / raw->rate;
     const bool isGuess = context_->duration_estimation_method == AVFMT_DURATION_FROM_BITRATE;
     if (isGuess || stream_->duration == AV_NOPTS_VALUE || stream_->duration <= 0)
         return std::nullopt;

@@ -8,21 +8,27 @@
 
 namespace media {
 
-/** What one pass over a track met. */
+/** What one pass over a track found. */
 struct DecodeTally {
     std::int64_t packets = 0;
-    std::int64_t damagedPackets = 0;   ///< could not be decoded
-    std::int64_t repeatedPackets = 0;  ///< were there before, and were left out
-    std::vector<base::Gap> gaps;       ///< where silence was put
+    /** Packets that could not be decoded. */
+    std::int64_t damagedPackets = 0;
+    /** Packets that occurred before and were left out. */
+    std::int64_t repeatedPackets = 0;
+    /** Where silence was inserted. */
+    std::vector<base::Gap> gaps;
 
-    /** At the track's own rate, with the silence that was put in, without the padding that the file
-     *  tells of. */
+    /** At the track's own rate, with the inserted silence, without the padding that the file
+     *  states. */
     std::int64_t frames = 0;
-    double seconds = 0.0;  ///< the same as time, whatever the rate of each stretch
+    /** The same as time, with each part counted at its own rate. */
+    double seconds = 0.0;
 
     bool isLastPacketDamaged = false;
-    bool isLastPacketIncomplete = false;  ///< the file ended inside it
-    int readFailure = 0;  ///< FFmpeg's error number when the container could not be read to its end
+    /** The file ends inside the last packet. */
+    bool isLastPacketIncomplete = false;
+    /** FFmpeg's error number when the container could not be read to its end. */
+    int readFailure = 0;
 };
 
 }  // namespace media

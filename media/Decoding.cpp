@@ -38,7 +38,7 @@ void Decoding::start() {
     try {
         thread_ = std::thread([this] { runInOwnThread(); });
     } catch (const std::system_error&) {
-        // The system has no thread to give.
+        // The system has no thread left.
         place_ = Place::readersThread;
         store_.setWhenFull(whenFull(place_));
     }

@@ -15,19 +15,21 @@
 
 namespace media {
 
-/** One decoding of a file into a store, at the session's rate: in a thread of its own, or in that
- *  of the reader, a packet whenever the reader has nothing left.
+/** One decoding of a file into a store, at the session's rate: in a thread of its own, or in the
+ *  reader's thread, packet by packet whenever the reader has nothing left to read.
  *
- *  Whatever goes wrong is thrown to the readers, once they come to that place. When the object goes
- *  the decoding has stopped, wherever it was. */
+ *  Any error is thrown to the readers when they reach that position. The destructor stops the
+ *  decoding. */
 class Decoding {
 public:
     enum class Place { ownThread, readersThread };
 
-    /** What else is to be done with the track. Both run where it is decoded. */
+    /** What else is to be done with the track. Both hooks run in the decoding thread. */
     struct Hooks {
-        std::function<void(const StereoBlock&)> alongside;  ///< takes every stretch
-        /** Once all is decoded, before readers see the end; may refuse it by throwing. */
+        /** Receives every block. */
+        std::function<void(const StereoBlock&)> alongside;
+        /** Called when all is decoded, before readers see the end; may throw to refuse the
+         *  track. */
         std::function<void(const TrackDecoder&, std::int64_t frames)> atEnd;
     };
 
@@ -37,28 +39,27 @@ public:
     Decoding(const Decoding&) = delete;
     Decoding& operator=(const Decoding&) = delete;
 
-    /** Begins. What is to read from the first frame on had better be there already. */
+    /** Starts decoding. Readers that need the first frame should exist before. */
     void start();
 
     PcmStore& store() { return store_; }
     const PcmStore& store() const { return store_; }
 
-    /** Reads on, decoding meanwhile where that is the reader's part. As PcmReader::read(). */
+    /** Reads as PcmReader::read() does, and decodes if that is the reader's task. */
     std::int64_t read(PcmReader& reader, float* left, float* right, std::int64_t frames);
 
-    /** Waits for the first frames. @throws the reason when there are none */
+    /** Waits for the first frames. @throws the decoder's error when there are none */
     void awaitFirst();
 
-    /** Goes on for a moment. @return false when the end has not come. @throws the reason when the
-     *  decoding failed */
+    /** Continues for a moment. @return false before the end. @throws the error when the decoding
+     *  failed */
     bool awaitEnd();
 
     /** @name Known after awaitFirst()
      *  @{ */
     int sessionRate() const { return sessionRate_; }
 
-    /** Length at the session's rate by the file's own account, see
-     *  TrackDecoder::declaredFrames(). */
+    /** Length at the session's rate as the file states it, see TrackDecoder::declaredFrames(). */
     std::optional<std::int64_t> declaredFrames() const { return declaredFrames_; }
     /** @} */
 
@@ -77,10 +78,10 @@ private:
     TrackDecoder decoder_;
     FeedSink sink_;
     StereoChain chain_;
-    bool isDecoded_ = false;  ///< nothing is left for step(); only where it is decoded
+    bool isDecoded_ = false;  // nothing is left for step(); used by the decoding thread alone
     std::atomic<bool> isStopped_{false};
     std::atomic<double> shareRead_{0.0};
-    int sessionRate_ = 0;  ///< these two are written before the first frames are
+    int sessionRate_ = 0;  // these two are set before the first frames arrive
     std::optional<std::int64_t> declaredFrames_;
     Place place_;
     std::thread thread_;

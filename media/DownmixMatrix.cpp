@@ -83,7 +83,7 @@ void keepBelowFullScale(std::vector<DownmixGain>& gains) {
     for (DownmixGain& gain : gains) gain = {gain.left / loudest, gain.right / loudest};
 }
 
-/** Files that only count their channels mean the usual arrangement of that many. */
+/** A file that states only the number of its channels has the usual arrangement for that number. */
 std::vector<DownmixGain> byCount(int channels) {
     AVChannelLayout usual = {};
     av_channel_layout_default(&usual, channels);

@@ -5,10 +5,13 @@
 
 namespace media {
 
-/** How much of the machine the work on one file may take. Results never depend on it. */
+/** How much memory and how many threads the work on one file may use. Results never depend on
+ *  it. */
 struct Effort {
-    std::int64_t memoryBytes = std::int64_t{1} << 30;  ///< of the whole process, about
-    int threads = 1;                                   ///< from 1; of several, one decodes
+    /** Of the whole process, approximately. */
+    std::int64_t memoryBytes = std::int64_t{1} << 30;
+    /** At least 1; if several, one of them decodes. */
+    int threads = 1;
 };
 
 }  // namespace media

@@ -8,11 +8,11 @@
 
 namespace media {
 
-/** Hands a track on block by block, counts it, and lets a request to stop through. */
+/** Passes a track on block by block, counts its frames and checks for requests to stop. */
 class FeedSink : public TrackSink {
 public:
     /** @param feed     takes each block
-     *  @param counted  is told after each block how many frames have gone by */
+     *  @param counted  is called after each block with the number of frames so far */
     FeedSink(std::function<void(const StereoBlock&)> feed,
              std::function<void(std::int64_t)> counted);
 

@@ -13,20 +13,20 @@ namespace media {
 
 namespace {
 
-// Of the whole work, where the decoding has to end before the analysis can begin.
+// Share of the whole work, when decoding has to end before the analysis can begin.
 constexpr double kDecodingShare = 0.5;
 
 using beatatlas::track::TrackResult;
 
-/** One bar over all of the work, whatever has to be done over again. */
+/** One progress bar for all of the work, whatever has to be repeated. */
 class WholeProgress {
 public:
     explicit WholeProgress(const std::function<void(double, double)>& shown) : shown_(shown) {}
 
     void setSeconds(double seconds) { seconds_ = seconds; }
 
-    /** @param fraction  of what was left when beginAgain() was called. A decoder that looks at
-     *                   another place of its file may tell less than before: that is not shown
+    /** @param fraction  of what was left when beginAgain() was called. A decoder that reads
+     *                   elsewhere in its file may report less than before: that is not shown
      *  @throws Interrupted */
     void show(double fraction) {
         base::Interrupt::check();
@@ -34,7 +34,7 @@ public:
         if (shown_) shown_(done_, seconds_);
     }
 
-    /** Fractions count from here. */
+    /** Fractions count from here on. */
     void beginAgain() { begin_ = done_; }
 
 private:
@@ -44,7 +44,7 @@ private:
     double done_ = 0.0;
 };
 
-/** @return nothing when the track has another length */
+/** @return nothing when the track turns out to have another length */
 std::optional<TrackResult> attempt(const beatatlas::track::Options& wanted, FilePasses& passes,
                                    std::int64_t frames, WholeProgress& progress) {
     passes.expect(frames);

@@ -11,7 +11,7 @@
 
 namespace media {
 
-/** What a file's analysis gives. */
+/** The outcome of a file's analysis. */
 struct AnalysedFile {
     base::TrackSource file;
     beatatlas::track::TrackResult result;
@@ -19,30 +19,31 @@ struct AnalysedFile {
 
 /** From a file to everything that is known about its track.
  *
- *  The file is decoded once. Its own account of its length lets the analysis begin with the first
- *  decoded frames; where that account proves wrong, or is missing, the analysis begins when the
+ *  The file is decoded once. The length that it states lets the analysis begin with the first
+ *  decoded frames; if that length is missing or turns out wrong, the analysis begins when the
  *  decoding has ended and the length is known. The decoded track is kept for the passes that
- *  follow; one that would not fit is decoded anew for each of them instead. */
+ *  follow; one that does not fit in memory is decoded again for each of them. */
 class FileAnalysis {
 public:
     struct Options {
-        /** What is to be found; threads and progress are not read. */
+        /** What is to be found; `threads` and `progress` are ignored. */
         beatatlas::track::Options track;
         Effort effort;
 
-        /** Takes what is left of a track that was cut off, instead of refusing it. */
+        /** Analyses what is left of a track that was cut off, instead of refusing it. */
         bool acceptsCutOff = false;
 
-        /** Is told how far all of the work is, 0 to 1, never falling, and how long the track is, in
-         *  seconds, 0 while that is unknown. From any thread, never from two at once. May throw to
-         *  stop the work. */
+        /** Called with the progress of all the work, 0 to 1 and never falling, and with the track's
+         *  length in seconds, 0 while it is unknown. Called from any thread, never from two at
+         *  once. May throw to stop the work. */
         std::function<void(double fraction, double seconds)> progress;
 
-        /** Takes every decoded stretch once, from the thread that decodes. */
+        /** Receives every decoded block once, in the decoding thread. */
         std::function<void(const StereoBlock&)> alongside;
-        double alongsideBytesPerFrame = 0.0;  ///< what that keeps in memory
+        /** Memory that `alongside` takes. */
+        double alongsideBytesPerFrame = 0.0;
 
-        /** Takes remarks for people who want to know how it was done. */
+        /** Receives remarks on how the work was done. */
         std::function<void(const std::string&)> note;
     };
 

@@ -3,7 +3,6 @@
 
 #include <cerrno>
 #include <new>
-#include <utility>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -11,11 +10,14 @@
 
 #include "base/Interrupt.h"
 #include "base/errors.h"
+#include "media/StandardInput.h"
 #include "media/ffmpeg.h"
 
 namespace media {
 
 namespace {
+
+using Kind = base::TrackError::Kind;
 
 constexpr int kBufferBytes = 64 * 1024;
 
@@ -27,8 +29,9 @@ FileState stateOf(const struct stat& status) {
 }  // namespace
 
 FileInput::FileInput(const std::string& path) {
-    openRegular(path);
+    openNamed(path);
     try {
+        requireRegular();
         makeContext();
     } catch (...) {
         close(descriptor_);
@@ -46,24 +49,32 @@ void FileInput::ContextFree::operator()(AVIOContext* context) const {
     avio_context_free(&context);
 }
 
-void FileInput::openRegular(const std::string& path) {
+void FileInput::openNamed(const std::string& path) {
+    if (StandardInput::isNamedBy(path)) {
+        descriptor_ = StandardInput::open();
+        rawFormat_ = StandardInput::rawFormat();
+        return;
+    }
     // Opening a pipe would otherwise wait for its writer.
     descriptor_ = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
-    if (descriptor_ == -1) throw base::TrackError("cannot be opened: " + base::systemReason(errno));
+    if (descriptor_ != -1) return;
+    const bool isMissing = errno == ENOENT || errno == ENOTDIR;
+    throw base::TrackError("cannot be opened: " + base::systemReason(errno),
+                           isMissing ? Kind::missing : Kind::unreadable);
+}
+
+void FileInput::requireRegular() {
     struct stat status = {};
-    const char* refusal = nullptr;
     if (fstat(descriptor_, &status) != 0)
-        refusal = "cannot be examined";
-    else if (S_ISDIR(status.st_mode))
+        throw base::TrackError("cannot be examined", Kind::unreadable);
+    const char* refusal = nullptr;
+    if (S_ISDIR(status.st_mode))
         refusal = "is a folder, not an audio file";
     else if (!S_ISREG(status.st_mode))
         refusal = "is not a regular file; a track is read more than once";
     else if (status.st_size == 0)
         refusal = "is empty";
-    if (refusal != nullptr) {
-        close(std::exchange(descriptor_, -1));
-        throw base::TrackError(refusal);
-    }
+    if (refusal != nullptr) throw base::TrackError(refusal, Kind::notAudio);
     opened_ = stateOf(status);
 }
 
@@ -95,7 +106,8 @@ int FileInput::read(std::uint8_t* buffer, int size) {
 }
 
 void FileInput::requireReadable() const {
-    if (failure_ != 0) throw base::TrackError("cannot be read: " + base::systemReason(failure_));
+    if (failure_ != 0)
+        throw base::TrackError("cannot be read: " + base::systemReason(failure_), Kind::unreadable);
 }
 
 std::int64_t FileInput::seekCallback(void* self, std::int64_t offset, int origin) {

@@ -8,10 +8,10 @@ namespace media {
 
 namespace {
 
-// The program with its libraries, an open decoder and the blocks on their way.
+// The program with its libraries, an open decoder and the blocks in transit.
 constexpr double kProgramBytes = 48.0 * 1024 * 1024;
 
-// What an analysis takes besides, key and waves included: see track.h.
+// What an analysis needs besides, including key and waves: see track.h.
 constexpr double kAnalysisBytes = 30.0 * 1024 * 1024;
 constexpr double kAutoBytesPerSecond = 30.0 * 1024;
 constexpr double kSessionBytesPerSecond = 12.0 * 1024;
@@ -25,7 +25,7 @@ double analysisBytesPerFrame(beatatlas::track::TempoMode tempo) {
 constexpr double kBytesPerIntegerFrame = 4.0;
 constexpr double kBytesPerFloatFrame = 8.0;
 
-// What a decoder may be ahead of its reader where nothing is kept: a dozen seconds in floats.
+// How far a decoder may be ahead of its reader when nothing is kept: a dozen seconds in floats.
 constexpr std::int64_t kWindowBytes = std::int64_t{4} << 20;
 
 Decoding::Place placeOf(bool hasThread) {
@@ -62,8 +62,8 @@ Decoding::Hooks FilePasses::hooks() {
     return {listen, examine};
 }
 
-/** What memory is left for the track itself, when the rest grows with it: such a track is the
- *  longest that fits. */
+/** The memory left for the longest track that fits; what the analysis takes besides grows with its
+ *  length. */
 std::int64_t FilePasses::keptBytes() const {
     const auto allowed = static_cast<double>(options_.effort.memoryBytes);
     const double left = std::max(0.0, allowed - kProgramBytes - kAnalysisBytes);

@@ -16,54 +16,54 @@
 
 namespace media {
 
-/** Hands out the track of a file as often as it is wanted, and decodes it once for that if memory
- *  allows.
+/** Provides a file's track for any number of passes, with a single decoding if memory allows.
  *
- *  The passes go along with the decoding from its first frame. Once more has been decoded than may
- *  be kept, only what the present pass still needs is, and every further pass decodes the file
- *  anew. What is read but once is not kept at all. */
+ *  A pass may start with the first decoded frame. Once more has been decoded than may be kept, only
+ *  what the present pass still needs is kept, and every further pass decodes the file again. A
+ *  track that is read only once is not kept at all. */
 class FilePasses {
 public:
     struct Options {
         Effort effort;
-        /** The analysis takes memory accordingly. */
+        /** Decides how much memory the analysis takes. */
         beatatlas::track::TempoMode tempo = beatatlas::track::TempoMode::automatic;
         bool acceptsCutOff = false;
-        bool isReadOnce = false;  ///< one pass will do, if the declared length is true
+        /** One pass is enough, if the declared length is true. */
+        bool isReadOnce = false;
 
-        /** Takes every stretch of the first decoding. */
+        /** Receives every block of the first decoding. */
         std::function<void(const StereoBlock&)> alongside;
-        double alongsideBytesPerFrame = 0.0;  ///< what that keeps in memory
+        /** Memory that `alongside` takes. */
+        double alongsideBytesPerFrame = 0.0;
     };
 
-    /** Begins to decode. @throws TrackError when there is nothing that can be decoded,
-     *  Interrupted */
+    /** Starts decoding. @throws TrackError when nothing can be decoded, Interrupted */
     FilePasses(std::string path, Options options);
 
     int rate() const { return first_.sessionRate(); }
 
-    /** Length by the file's own account, which may be wrong, at the session's rate. */
+    /** Length at the session's rate as the file states it, which may be wrong. */
     std::optional<std::int64_t> declaredFrames() const { return first_.declaredFrames(); }
 
-    /** Gets ready for passes over a track of that length, which is known or believed. */
+    /** Prepares for passes over a track of that length, known or assumed. */
     void expect(std::int64_t frames);
 
-    /** Begins a pass; it throws what keeps it from going on. From any thread. @throws TrackError
-     *  when the file has to be decoded anew and is not the one it was */
+    /** Begins a pass, from any thread. The pass throws the error that ends it. @throws TrackError
+     *  when the file has to be decoded again and has changed */
     beatatlas::track::Pass open();
 
     /** Whether passes have to wait for a decoder. */
     bool areCostly() const;
 
-    /** How many threads may work on what the passes give. */
+    /** How many threads may work on the passes. */
     int threads() const { return threads_; }
 
-    /** Goes on with the first decoding for a moment. @return false when it has not ended. @throws
-     *  why the track cannot be used */
+    /** Continues the first decoding for a moment. @return false before its end. @throws TrackError
+     *  when the track cannot be used */
     bool awaitEnd();
     double shareRead() const { return first_.shareRead(); }
 
-    /** What the first decoding met. Once it has ended. */
+    /** What the first decoding found. Valid once it has ended. */
     const TrackFile& file() const { return file_; }
     std::int64_t frames() const { return first_.store().frames(); }
 
@@ -77,10 +77,10 @@ private:
     std::string path_;
     Options options_;
     TrackFile file_;
-    OverloadMeter meter_;  ///< of the first decoding
+    OverloadMeter meter_;  // of the first decoding
     Decoding first_;
-    std::mutex mutex_;                        ///< of the next
-    std::shared_ptr<PcmReader> firstReader_;  ///< keeps the beginning for the first pass
+    std::mutex mutex_;                        // guards the next member
+    std::shared_ptr<PcmReader> firstReader_;  // keeps the beginning for the first pass
     int threads_;
 };
 

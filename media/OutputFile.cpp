@@ -18,9 +18,9 @@ namespace media {
 
 namespace {
 
-// A name of its own: with a suffix, the longest names that a file may have would be too long.
+// A separate name: with a suffix added, the longest allowed file names would become too long.
 constexpr const char* kDraftName = "/.beatatlas-XXXXXX";
-constexpr int kMostLinks = 40;  ///< as many as the system follows
+constexpr int kMostLinks = 40;  // the system follows as many
 
 std::optional<struct stat> statusOf(const std::string& path) {
     struct stat status = {};
@@ -37,7 +37,8 @@ std::string folderOf(const std::string& path) {
     throw base::OutputError(base::displayName(path) + " cannot be written: " + reason);
 }
 
-/** Where a shell's '>' would write: behind all links, also behind one that leads to nothing yet. */
+/** Where a shell's '>' would write: at the end of all links, even if that file does not exist
+ *  yet. */
 std::string followLinks(const std::string& path) {
     std::filesystem::path place = path;
     for (int links = 0; links < kMostLinks; ++links) {
@@ -90,14 +91,14 @@ void OutputFile::seek(std::int64_t offset) {
 
 std::string OutputFile::commit() {
     std::string warning = setPermissions();
-    // On some file systems a full disk is told only here; others know nothing of it.
+    // Some file systems report a full disk only here; others do not support it.
     if (fsync(descriptor_) != 0 && errno != EINVAL && errno != ENOTSUP) fail(errno);
     if (rename(draftPath_.c_str(), finalPath_.c_str()) != 0) fail(errno);
     close(std::exchange(descriptor_, -1));
     return warning;
 }
 
-/** Some file systems have no permissions: that must not cost the result. */
+/** Some file systems have no permissions: the result must not be lost for that. */
 std::string OutputFile::setPermissions() const {
     const auto replaced = statusOf(finalPath_);
     const mode_t permissions = replaced ? (replaced->st_mode & 0777) : permissionsOfNewFiles();

@@ -9,7 +9,7 @@ namespace media {
 
 void OverloadMeter::put(const std::vector<float>& samples) {
     overload_.heard += std::ssize(samples);
-    // Nearly always there are none; counting them goes in vector lanes.
+    // Nearly always there are none; counting them runs in vector lanes.
     int beyond = 0;
     for (const float sample : samples) beyond += std::fabs(sample) <= 1.0F ? 0 : 1;
     if (beyond > 0) std::for_each(samples.begin(), samples.end(), [this](float s) { look(s); });
@@ -17,7 +17,7 @@ void OverloadMeter::put(const std::vector<float>& samples) {
 
 void OverloadMeter::put(const StereoBlock& block) {
     put(block.left);
-    // A mono track is on both sides: its samples count once.
+    // A mono track has the same samples on both sides: they count once.
     const std::size_t bytes = block.frames() * sizeof(float);
     const bool isMono =
         bytes == 0 || std::memcmp(block.left.data(), block.right.data(), bytes) == 0;

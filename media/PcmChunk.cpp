@@ -11,13 +11,12 @@ namespace media {
 
 namespace {
 
-// So many samples are looked at before it is decided whether to look at more: lossy decoders give
-// themselves away at once.
+// This many samples are examined first: the output of lossy decoders is recognised at once.
 constexpr std::size_t kProbeSamples = 512;
 
-/** The 16-bit value of a sample that has one; of any other sample the value of another.
+/** The 16-bit value of a sample that has one; for any other sample, some other value.
  *
- *  In floats from 256 to 512 the last bit counts 1/32,768: the sum has the value in its low
+ *  In floats from 256 to 512 the last bit is worth 1/32,768: the sum has the value in its low
  *  bits. */
 std::int16_t toInteger(float sample) {
     constexpr float kMiddle = 384.0F;
@@ -25,12 +24,12 @@ std::int16_t toInteger(float sample) {
                                      std::bit_cast<std::uint32_t>(kMiddle));
 }
 
-// Times a power of two: nothing is rounded.
+// Multiplied by a power of two: nothing is rounded.
 float toFloat(std::int16_t value) {
     return static_cast<float>(value) * (1.0F / 32768.0F);
 }
 
-/** Whether every sample comes back from its integer with the same bits. */
+/** Whether every sample is restored from its integer with the same bits. */
 bool areIntegers(const std::vector<float>& samples) {
     for (std::size_t from = 0; from < samples.size(); from += kProbeSamples) {
         const std::size_t to = std::min(samples.size(), from + kProbeSamples);

@@ -11,11 +11,10 @@ namespace media {
 
 class PcmMemory;
 
-/** A stretch of stereo audio in memory, given back bit for bit.
+/** A chunk of stereo audio in memory, returned bit for bit.
  *
- *  Music that comes from 16-bit samples is kept in them, which is half the room; where a single
- *  sample is none of the 65,536 values, or a zero with a sign, the whole stretch stays in
- *  floats. */
+ *  Music decoded from 16-bit samples is kept as such, which takes half the memory; if a single
+ *  sample is none of the 65,536 values, or a negative zero, the whole chunk is kept in floats. */
 class PcmChunk {
 public:
     /** @param memory  where the samples are kept  @throws std::bad_alloc */
@@ -27,13 +26,13 @@ public:
     }
     bool isInteger() const { return isInteger_; }
 
-    /** Copies frames from a place on. What is asked for must be there. */
+    /** Copies frames, the first one at index `from`. All of them must exist. */
     void copy(std::size_t from, std::size_t count, float* left, float* right) const;
 
 private:
     std::size_t frames_;
     bool isInteger_;
-    std::shared_ptr<std::byte> samples_;  ///< left, then right
+    std::shared_ptr<std::byte> samples_;  // left, then right
 };
 
 }  // namespace media

@@ -21,7 +21,7 @@ std::shared_ptr<std::byte> makeBlock(std::size_t bytes) {
     void* block = std::aligned_alloc(kHugePage, bytes);
     if (block == nullptr) throw std::bad_alloc();
 #ifdef MADV_HUGEPAGE
-    madvise(block, bytes, MADV_HUGEPAGE);  // a wish: without huge pages the block serves as well
+    madvise(block, bytes, MADV_HUGEPAGE);  // only a hint: the block is usable without huge pages
 #endif
     return {static_cast<std::byte*>(block), [](std::byte* memory) { std::free(memory); }};
 }

@@ -11,7 +11,7 @@ namespace media {
 
 namespace {
 
-// A signal wakes nobody who waits: so often those look for themselves.
+// A signal wakes no waiting thread: waiting threads check for one this often.
 constexpr std::chrono::milliseconds kLookEvery{50};
 
 }  // namespace
@@ -41,8 +41,8 @@ bool PcmStore::mustWait() const {
     return whenFull_ == WhenFull::wait && bytes_ >= limitBytes_ && !isAbandoned_;
 }
 
-/** Once something is gone no new reader can come, and nothing is worth keeping but what the present
- *  ones need. */
+/** Once a chunk has been dropped no new reader can be added, so only what the present ones need is
+ *  kept. */
 void PcmStore::dropWhatIsRead() {
     if (bytes_ < limitBytes_ && droppedChunks_ == 0) return;
     std::int64_t needed = droppedChunks_ + std::ssize(chunks_);

@@ -18,19 +18,21 @@ namespace media {
 class PcmReader;
 
 /** A decoded track in memory, growing while one thread writes it and others read it, each at its
- *  own place.
+ *  own position.
  *
  *  Up to its limit it keeps everything, so that the track can be read any number of times. At the
  *  limit it becomes a window: what every reader has passed is dropped, and a writer that waits for
- *  readers waits until there is room again. Without a reader everything is dropped, and only the
+ *  readers waits until there is room again. Without a reader everything is dropped and only the
  *  frames are counted.
  *
  *  All waiting ends when a signal asks the program to stop: base::Interrupted is thrown then. */
 class PcmStore {
 public:
     enum class WhenFull {
-        wait,  ///< the writer waits for the readers, which are in other threads
-        grow,  ///< the writer is driven by the reader, and nobody can wait
+        /** The writer waits for the readers, which are in other threads. */
+        wait,
+        /** The writer is driven by the reader, and nobody can wait. */
+        grow,
     };
 
     PcmStore(std::int64_t limitBytes, WhenFull whenFull)
@@ -41,36 +43,41 @@ public:
     /** @name For the writer
      *  @{ */
 
-    /** Adds the next stretch. @return false when nobody wants more: see abandon() */
+    /** Adds the next block. @return false when no more is wanted: see abandon() */
     bool append(const StereoBlock& block);
 
     /** Nothing follows. */
     void finish();
 
-    /** Nothing follows, for this reason, which readers that come to this place throw. */
+    /** Nothing follows because of this error, which readers throw when they reach this position. */
     void fail(std::exception_ptr reason);
     /** @} */
 
-    /** Lets the writer go that waits, and refuses what it still brings. */
+    /** Releases a waiting writer and refuses whatever it appends from now on. */
     void abandon();
 
     void setLimit(std::int64_t bytes);
     void setWhenFull(WhenFull whenFull);
 
-    std::int64_t frames() const;  ///< written so far
-    bool isFull() const;          ///< as much as the limit allows is kept, or more
-    bool isWhole() const;         ///< nothing has been dropped so far
-    bool hasEnded() const;        ///< nothing follows, for whichever reason
+    /** Frames written so far. */
+    std::int64_t frames() const;
+    /** Whether as much is kept as the limit allows, or more. */
+    bool isFull() const;
+    /** Whether nothing has been dropped so far. */
+    bool isWhole() const;
+    /** Whether nothing follows, for whatever reason. */
+    bool hasEnded() const;
 
-    /** Waits until the first frames are there, or the end. @throws the reason when it failed
-     *  without a frame */
+    /** Waits for the first frames or the end. @throws the error when the store failed without a
+     *  frame */
     void awaitFirst();
 
-    /** Waits for the end, at most so long. @return false when it has not come. @throws the reason
-     *  when it failed */
+    /** Waits for the end, at most that long. @return false when it has not come. @throws the error
+     *  when the store failed */
     bool awaitEnd(int milliseconds);
 
-    /** Whether the first stretch needs floats. Once there are frames, and none was dropped. */
+    /** Whether the first chunk needs floats. Valid once there are frames and while none has been
+     *  dropped. */
     bool beginsWithFloats() const;
 
 private:
@@ -86,8 +93,8 @@ private:
     bool mustWait() const;
     void dropWhatIsRead();
 
-    PcmMemory memory_;          // the writer's alone
-    mutable std::mutex mutex_;  ///< of everything below, and of the readers' places
+    PcmMemory memory_;          // used by the writer alone
+    mutable std::mutex mutex_;  // guards everything below, and the readers' positions
     std::condition_variable changed_;
     std::int64_t limitBytes_;
     WhenFull whenFull_;
@@ -101,7 +108,7 @@ private:
     std::exception_ptr failure_;
 };
 
-/** Reads a store from its first frame on. Lives no longer than the store. */
+/** Reads a store from its first frame on. Must not outlive the store. */
 class PcmReader {
 public:
     /** The store must still be whole: see PcmStore::isWhole(). */
@@ -114,7 +121,7 @@ public:
     bool isReady() const;
 
     /** Waits for the next frames. @return how many were copied, at most `frames`; 0 at the end
-     *  @throws the reason when the store failed at this place */
+     *  @throws the error when the store failed at this position */
     std::int64_t read(float* left, float* right, std::int64_t frames);
 
 private:
@@ -123,9 +130,9 @@ private:
     void takeNextChunk();
 
     PcmStore& store_;
-    std::int64_t nextChunk_ = 0;  ///< under the store's mutex
+    std::int64_t nextChunk_ = 0;  // guarded by the store's mutex
     std::shared_ptr<const PcmChunk> chunk_;
-    std::size_t at_ = 0;  ///< the next frame of the chunk
+    std::size_t at_ = 0;  // the next frame of the chunk
 };
 
 }  // namespace media

@@ -49,7 +49,7 @@ void PlanarFloats::prepareFor(const AVFrame& frame) {
     format_ = frame.format;
     planes_.assign(channels, {});
 
-    // The same unplaced channels on both sides: only the sample format is converted here.
+    // The same channels without positions on both sides: only the sample format is converted here.
     AVChannelLayout unplaced = {};
     unplaced.order = AV_CHANNEL_ORDER_UNSPEC;
     unplaced.nb_channels = frame.ch_layout.nb_channels;

@@ -10,7 +10,8 @@ struct SwrContext;
 
 namespace media {
 
-/** Turns decoded frames of any sample format into one row of floats a channel, full scale ±1.0. */
+/** Turns decoded frames of any sample format into one row of floats per channel, full scale
+ *  ±1.0. */
 class PlanarFloats {
 public:
     PlanarFloats();
@@ -18,7 +19,7 @@ public:
     PlanarFloats(const PlanarFloats&) = delete;
     PlanarFloats& operator=(const PlanarFloats&) = delete;
 
-    /** Whether the next frame has the sample format and the channels of the last one. */
+    /** Whether a frame has the sample format and the channels of the last one. */
     bool isPreparedFor(const AVFrame& frame) const;
 
     /** @return the frame's channels, valid until the next call

@@ -17,7 +17,8 @@ constexpr int kCdRate = 44100;
 constexpr int kStudioRate = 48000;
 constexpr std::size_t kSpareFrames = 4096;
 
-// Beyond these a file's header is surely wrong, and one block of input could grow to gigabytes.
+// Beyond these limits a file's header is certainly wrong, and one block of input could grow to
+// gigabytes.
 constexpr int kLowestRate = 1000;
 constexpr int kHighestRate = 1536000;
 

@@ -17,11 +17,11 @@ int sessionRateFor(int trackRate);
 /** @throws TrackError when no track of that rate can be converted */
 void requireConvertible(int rate);
 
-/** How many frames a RateConverter makes of so many in all. */
+/** How many frames a RateConverter makes of that many in total. */
 std::int64_t convertedFrames(std::int64_t frames, int fromRate, int toRate);
 
 /** Converts stereo audio from one sample rate to another with libsoxr's high-quality recipe. The
- *  converter's own delay is compensated: sound keeps its time. */
+ *  converter's own delay is compensated: sounds keep their times. */
 class RateConverter {
 public:
     /** @throws TrackError when the two rates are too far apart to convert */
@@ -45,8 +45,7 @@ private:
      *  @return how many input frames it took */
     std::size_t step(const StereoBlock* input, std::size_t taken);
 
-    /** Room for what the input can yield at once, and some more for what the converter still
-     *  holds. */
+    /** Frames that the input can yield at once, and some more that the converter still holds. */
     std::size_t roomFor(std::size_t inputFrames) const;
 
     double ratio_;

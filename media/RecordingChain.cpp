@@ -48,7 +48,7 @@ void RecordingChain::begin(const AVFrame& frame) {
     const AVChannelLayout& layout = frame.ch_layout;
     recording_.layoutMask = layout.order == AV_CHANNEL_ORDER_NATIVE ? layout.u.mask : 0;
     recording_.channels.resize(static_cast<std::size_t>(layout.nb_channels));
-    // A little more than told, since encoders pad; a header that tells days is not believed.
+    // A little more than stated, since encoders pad; a header that states days is not believed.
     const double seconds = std::clamp(expectedSeconds_ + kSpareSeconds, 0.0, kMostReservedSeconds);
     const auto frames = static_cast<std::size_t>(seconds * recording_.rate);
     for (auto& channel : recording_.channels) channel.reserve(frames);

@@ -11,18 +11,19 @@
 
 namespace media {
 
-/** Gathers a track as it is: no channel folded, no rate converted. What is no number or infinite
- *  becomes silence. */
+/** Gathers a track as it is: no channel folded, no rate converted. NaN and infinite samples become
+ *  silence. */
 class RecordingChain : public FrameChain {
 public:
-    /** @param expectedSeconds  how long the track may be; room is made for it
-     *  @param counted          is told after each frame how many sample frames there are */
+    /** @param expectedSeconds  how long the track may be; memory is reserved for it
+     *  @param counted          is called after each frame with the number of sample frames so
+     *                          far */
     RecordingChain(double expectedSeconds, std::function<void(std::size_t)> counted)
         : expectedSeconds_(expectedSeconds), counted_(std::move(counted)) {}
 
     void dropFrames(std::int64_t frames) override { framesToDrop_ += frames; }
 
-    /** @throws TrackError when rate or channels change on the way
+    /** @throws TrackError when rate or channels change within the track
      *  @throws Interrupted */
     void begin(const AVFrame& frame) override;
     void put(const AVFrame& frame) override;

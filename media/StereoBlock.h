@@ -6,7 +6,7 @@
 
 namespace media {
 
-/** A stretch of stereo audio, one vector per channel, both of the same length. */
+/** A block of stereo audio, one vector per channel, both of the same length. */
 struct StereoBlock {
     std::vector<float> left;
     std::vector<float> right;

@@ -11,9 +11,9 @@ namespace {
 
 constexpr std::int64_t kSilenceBlockFrames = 4096;
 
-// A third of a second. Codecs hand out as little as 600 frames, and every call of the library has
-// its price.
-constexpr std::size_t kStretchFrames = 16384;
+// A third of a second. Codecs yield as few as 600 frames at a time, and every call of the library
+// has a cost.
+constexpr std::size_t kBlockFrames = 16384;
 
 }  // namespace
 
@@ -61,25 +61,25 @@ void StereoChain::finish() {
     if (converter_) deliver(converter_->finish());
     converter_.reset();
     if (gathered_ == 0) return;
-    stretch_.resize(gathered_);
+    pending_.resize(gathered_);
     handOn();
 }
 
 void StereoChain::deliver(const StereoBlock& block) {
     for (std::size_t at = 0; at < block.frames();) {
-        stretch_.resize(kStretchFrames);
-        const std::size_t count = std::min(block.frames() - at, kStretchFrames - gathered_);
-        std::copy_n(block.left.data() + at, count, stretch_.left.data() + gathered_);
-        std::copy_n(block.right.data() + at, count, stretch_.right.data() + gathered_);
+        pending_.resize(kBlockFrames);
+        const std::size_t count = std::min(block.frames() - at, kBlockFrames - gathered_);
+        std::copy_n(block.left.data() + at, count, pending_.left.data() + gathered_);
+        std::copy_n(block.right.data() + at, count, pending_.right.data() + gathered_);
         at += count;
         gathered_ += count;
-        if (gathered_ == kStretchFrames) handOn();
+        if (gathered_ == kBlockFrames) handOn();
     }
 }
 
 void StereoChain::handOn() {
     gathered_ = 0;
-    sink_.put(stretch_);
+    sink_.put(pending_);
 }
 
 }  // namespace media

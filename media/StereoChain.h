@@ -12,10 +12,10 @@
 namespace media {
 
 /** From decoded frames to what is analysed: folded to stereo, at the session's rate, full scale
- *  ±1.0 but not clipped, in stretches of 16,384 frames.
+ *  ±1.0 but not clipped, in blocks of 16,384 frames.
  *
- *  The first frame decides the rate; a file whose rate changes on the way (radio recordings, joined
- *  files) is converted to that of its beginning. */
+ *  The first frame decides the rate; a file whose rate changes later (radio recordings, joined
+ *  files) is converted to the rate of its beginning. */
 class StereoChain : public FrameChain {
 public:
     explicit StereoChain(TrackSink& sink) : sink_(sink) {}
@@ -37,10 +37,10 @@ private:
 
     TrackSink& sink_;
     StereoFold fold_;
-    std::unique_ptr<RateConverter> converter_;  ///< none while the track has the session's rate
+    std::unique_ptr<RateConverter> converter_;  // none while the track has the session's rate
     StereoBlock silence_;
-    StereoBlock stretch_;       ///< what the sink is given next
-    std::size_t gathered_ = 0;  ///< frames of it that are filled
+    StereoBlock pending_;       // the next block for the sink
+    std::size_t gathered_ = 0;  // frames of it that are filled
     std::int64_t framesToDrop_ = 0;
     int trackRate_ = 0;
     int sessionRate_ = 0;

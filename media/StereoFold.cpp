@@ -16,8 +16,8 @@ bool isPlain(const AVChannelLayout& layout) {
     return layout.order == AV_CHANNEL_ORDER_NATIVE && layout.u.mask == AV_CH_LAYOUT_STEREO;
 }
 
-/** @param step  from one sample of the channel to its next. The zero added takes the sign off other
- *  zeros, as in a sum */
+/** @param step  from one sample of the channel to its next. Adding zero removes the sign of
+ *  negative zeros, as a sum does */
 template <class Sample>
 void copyScaled(const std::uint8_t* plane, std::size_t step, float scale, std::vector<float>& out) {
     const auto* samples = reinterpret_cast<const Sample*>(plane);
@@ -49,7 +49,8 @@ StereoBlock& StereoFold::fold(const AVFrame& frame) {
     return stereo_;
 }
 
-/** What most decoders give, taken as it is: the same samples as by way of converting and mixing.
+/** Takes what most decoders yield without conversion: the samples are the same as after converting
+ *  and mixing.
  *  @return false for other sample formats */
 bool StereoFold::take(const AVFrame& frame) {
     const bool isMono = frame.ch_layout.nb_channels == 1;

@@ -22,7 +22,7 @@ private:
     void mix(const std::vector<std::vector<float>>& planes);
 
     PlanarFloats floats_;
-    std::vector<DownmixGain> gains_;  ///< one per channel of the frame
+    std::vector<DownmixGain> gains_;  // one per channel of the frame
     StereoBlock stereo_;
 };
 

@@ -9,15 +9,15 @@
 
 namespace media {
 
-/** Decodes the packets of one stream. FFmpeg drops the encoder's delay and padding on the way, as
- *  far as the container tells them. One thread: the same file gives the same samples in every
+/** Decodes the packets of one stream. FFmpeg drops the encoder's delay and padding as far as the
+ *  container states them. Runs in one thread: the same file yields the same samples in every
  *  pass. */
 class StreamDecoder {
 public:
     /** @throws TrackError when there is no decoder for the stream (an exotic or encrypted one) */
     StreamDecoder(const AVStream& stream, const EncoderDelay& delay);
 
-    /** Takes a packet; null tells that no more follow. @return false when the packet cannot be
+    /** Takes a packet; null means that no more follow. @return false when the packet cannot be
      *  decoded */
     bool send(const AVPacket* packet);
 
@@ -29,7 +29,7 @@ public:
     /** FFmpeg's short name of the codec: "mp3", "aac", "vorbis" … */
     std::string codec() const;
 
-    /** Whether decoding gives back exactly the samples that were encoded, and as many. */
+    /** Whether decoding restores exactly the samples that were encoded, in value and number. */
     bool isLossless() const;
 
 private:

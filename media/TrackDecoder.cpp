@@ -16,21 +16,21 @@ namespace media {
 
 namespace {
 
-// Formats count their encoder's delay and padding into the declared length or not; both stay well
-// below this.
+// Some formats include the encoder's delay and padding in the declared length, others do not; both
+// stay well below this.
 constexpr double kDelayAndPaddingSeconds = 0.2;
 
-// With this share of the bytes that the missing time would take behind it, the end is damaged; with
-// less, the file is cut off.
+// If the file still holds this share of the bytes that the missing time would take, its end is
+// damaged; with less, it is cut off.
 constexpr double kLeastShareOfEnd = 0.5;
 
 // A tag behind the last box takes less than this part of a file.
 constexpr std::int64_t kMostForeign = 100;
 
-// So much denser than the rest may what is missing have been.
+// The missing part may have had this many times the bit rate of the rest.
 constexpr double kMostUneven = 2.0;
 
-// Where the declared length does not bound it.
+// In seconds, where the declared length sets no limit.
 constexpr double kLongestLostBeginning = 60.0;
 
 constexpr AVRational perSecond(int rate) {
@@ -96,8 +96,7 @@ void TrackDecoder::decode(const AVPacket* packet, FrameChain& chain) {
 }
 
 bool TrackDecoder::isIncomplete(const AVPacket& packet) const {
-    // A WAV written into a pipe has no length to end at, so its last packet always looks
-    // incomplete.
+    // A WAV written into a pipe states no length, so its last packet always looks incomplete.
     if (container_.isFormat("wav")) return false;
     if ((packet.flags & AV_PKT_FLAG_CORRUPT) != 0) return true;
     const std::span<const std::uint8_t> bytes(packet.data, static_cast<std::size_t>(packet.size));
@@ -118,15 +117,15 @@ void TrackDecoder::noteDamage(const AVPacket* packet) {
     pendingDamage_.duration += packet->duration;
 }
 
-/** Damage counts once something after it decodes; at a file's end it is a foreign tag, or the file
- *  was cut off.
+/** Damage counts once something after it decodes; at the end of a file it is a foreign tag, or the
+ *  file was cut off.
  *  @return frames of silence; below 0, frames whose time has passed */
 std::int64_t TrackDecoder::missingBefore(const AVFrame& frame) {
     const PendingDamage damage = std::exchange(pendingDamage_, {});
     tally_.damagedPackets += damage.packets;
     isAlarmed_ |= packets_.takeAlarm() || damage.packets > 0;
     const AVRational timeBase = container_.stream().time_base;
-    if (!packets_.tellTime())
+    if (!packets_.haveTimes())
         return std::max<std::int64_t>(
             0, av_rescale_q(damage.duration, timeBase, perSecond(frame.sample_rate)));
     if (frame.pts == AV_NOPTS_VALUE) return 0;
@@ -175,25 +174,26 @@ void TrackDecoder::begin(const AVFrame& frame, FrameChain& chain) {
     const std::int64_t dropped = delay_.framesToDrop(frame.nb_samples, frame.sample_rate);
     const std::int64_t missing = missingAtBeginning(frame);
     chain.begin(frame);
+    droppedFrames_ = dropped + delay_.framesDroppedByFfmpeg(frame);
     chain.dropFrames(std::max<std::int64_t>(0, dropped - missing));
     if (missing > dropped) fillGap(missing - dropped, frame.sample_rate, chain);
     if (const auto frames = media::declaredFrames(container_, input_, frame.sample_rate))
         declaredFrames_ = *frames - dropped;
 }
 
-/** Frames that were lost before the first one that was decoded. A recording may begin at any time:
- *  only where damage was seen, and in FLAC, which counts its samples from 0, is that a loss. */
+/** Frames lost before the first decoded one. A recording may begin at any time, so a late start is
+ *  a loss only where damage was found, and in FLAC, which counts its samples from 0. */
 std::int64_t TrackDecoder::missingAtBeginning(const AVFrame& frame) const {
     const bool isDamaged = pendingDamage_.packets > 0 || container_.lacksBeginning();
     if (!isDamaged && !container_.isFormat("flac")) return 0;
-    if (!packets_.tellTime() || frame.pts == AV_NOPTS_VALUE) return 0;
+    if (!packets_.haveTimes() || frame.pts == AV_NOPTS_VALUE) return 0;
     const double late = static_cast<double>(frame.pts) * packets_.tick() - secondsOfBeginning();
     const double most = std::max(kLongestLostBeginning, declaredSeconds().value_or(0.0));
     if (!(late > 0.5 * frame.nb_samples / frame.sample_rate) || late > most) return 0;
     return std::llround(late * frame.sample_rate);
 }
 
-/** The time of the track's first frame, in the terms of its packets. */
+/** The time of the track's first frame on the time scale of its packets. */
 double TrackDecoder::secondsOfBeginning() const {
     const AVCodecParameters& codec = *container_.stream().codecpar;
     if (container_.isReadByPages())
@@ -206,7 +206,7 @@ double TrackDecoder::shareRead() const {
     return static_cast<double>(avio_tell(input_.context())) / static_cast<double>(input_.size());
 }
 
-/** MP4 tells the end of the music as a time only, and FFmpeg hands out its last packet whole. */
+/** MP4 states the end of the music only as a time, and FFmpeg returns the whole last packet. */
 void TrackDecoder::dropPadding(AVFrame& frame) const {
     const AVStream& stream = container_.stream();
     if (!container_.isFormat("mp4") || !container_.declaredSeconds() || frame.pts == AV_NOPTS_VALUE)
@@ -219,7 +219,7 @@ void TrackDecoder::dropPadding(AVFrame& frame) const {
     frame.nb_samples = static_cast<int>(std::clamp<std::int64_t>(frames, 0, frame.nb_samples));
 }
 
-/** A track that ends in damage has its whole length all the same. */
+/** A track that ends in damage keeps its full length. */
 void TrackDecoder::fillEnd(FrameChain& chain) {
     if (!isShorterThanDeclared() || !declaredFrames_ || format_.changes) return;
     const std::int64_t missing = *declaredFrames_ - tally_.frames;
@@ -230,25 +230,25 @@ void TrackDecoder::fillEnd(FrameChain& chain) {
     tally_.isLastPacketIncomplete = false;
 }
 
-/** Whether the boxes of an MP4 file end long before it does: one of them is damaged, and nobody can
- *  tell what is behind it. */
+/** Whether the boxes of an MP4 file end long before the file: one of them is damaged, and what
+ *  follows it is unknown. */
 bool TrackDecoder::hasForeignRest() const {
     if (!container_.isFormat("mp4")) return false;
     const auto end = declaredEnd(container_, input_);
     return end && input_.size() - *end > input_.size() / kMostForeign;
 }
 
-/** Whether the fragments of an MP4 file end in damage. What is behind it cannot be read, and none of
- *  them says how much that is. */
+/** Whether the fragments of an MP4 file end in damage. What follows cannot be read, and no fragment
+ *  states how much it is. */
 bool TrackDecoder::losesItsRest() const {
     return hasForeignRest() && isMp4InFragments(input_);
 }
 
-/** Whether the file has bytes where the rest of the track should be: otherwise it was cut off. */
+/** Whether the file has bytes where the rest of the track should be; otherwise it was cut off. */
 bool TrackDecoder::isEndDamaged(double missingSeconds) const {
     if (decodedEnd_ <= 0 || tally_.seconds <= 0.0) return false;
     if (container_.isFormat("mp4") && declaredEnd(container_, input_) == input_.size()) return true;
-    // One packet alone that cannot be decoded is what the end of a shortened file cuts through.
+    // A single packet that cannot be decoded is the one that a shortened file ends in.
     if (pendingDamage_.packets <= 1 && tally_.isLastPacketDamaged) return false;
     const double perSecond = static_cast<double>(decodedEnd_) / tally_.seconds;
     const auto behind = static_cast<double>(input_.size() - decodedEnd_);
@@ -256,9 +256,9 @@ bool TrackDecoder::isEndDamaged(double missingSeconds) const {
 }
 
 bool TrackDecoder::isCutOff() const {
-    if (tally_.isLastPacketIncomplete) return true;
-    // Where neither the file nor its packets tell a length, trouble at the end is all there is to
-    // go by; where they do, it may as well be a foreign tag after the music.
+    if (tally_.isLastPacketIncomplete || container_.endsWithinFrame()) return true;
+    // If neither the file nor its packets state a length, errors at the end are the only evidence;
+    // if they do, such errors may just as well come from a foreign tag after the music.
     const bool hasTrouble = tally_.readFailure != 0 || tally_.isLastPacketDamaged;
     if (hasTrouble && !tellsPacketLengths() && !declaredSeconds()) return true;
     if (isShorterThanDeclared() || losesItsRest()) return true;
@@ -266,7 +266,7 @@ bool TrackDecoder::isCutOff() const {
     return end && *end > input_.size() && !isMissingInside(*end - input_.size());
 }
 
-/** Whether the gaps within the track have room for the bytes: what is missing in the middle is no
+/** Whether the gaps within the track account for the bytes: what is missing in the middle is not a
  *  missing end. */
 bool TrackDecoder::isMissingInside(std::int64_t bytes) const {
     if (decodedEnd_ <= 0) return false;
@@ -281,7 +281,7 @@ bool TrackDecoder::isShorterThanDeclared() const {
     const auto declared = container_.declaredSeconds();
     if (!declared) return false;
     if (format_.trackRate == 0) return true;
-    // FFmpeg takes the last packet of CAF for a whole one.
+    // FFmpeg takes the last packet of a CAF file for a complete one.
     const bool isExact = decoder_.isLossless() && !container_.isFormat("caf");
     const double tolerance = isExact ? 0.5 / format_.trackRate : kDelayAndPaddingSeconds;
     return tally_.seconds + tolerance < *declared;

@@ -18,58 +18,62 @@
 
 namespace media {
 
-/** Decodes a track from its first frame of music to its last, once. For another pass make another
- *  decoder: the same file gives the same samples every time, and so no length of track has to be
- *  held in memory. */
+/** Decodes a track from its first frame of music to its last, once. Another pass takes another
+ *  decoder: the same file yields the same samples every time, so no track has to be held in memory,
+ *  however long. */
 class TrackDecoder {
 public:
     /** @throws TrackError when the file holds no audio that can be decoded */
     explicit TrackDecoder(const std::string& path);
 
-    /** Decodes everything that can be decoded. Damage is counted, not thrown. */
+    /** Decodes everything that can be decoded. Damage is counted and causes no exception. */
     void run(FrameChain& chain);
 
-    /** A part of run(): the next packet. @return false after the last, when the chain has been
-     *  finished */
+    /** One step of run(): the next packet. @return false after the last one, when the chain has
+     *  been finished */
     bool step(FrameChain& chain);
 
     /** The same, folded to stereo at a session's rate. */
     void run(TrackSink& sink);
 
-    /** Frames of music that run() will find at the track's own rate, by the file's own account;
-     *  nothing where that is none or vague. Known with the first frame of the chain; true unless
-     *  the file is not what it says. */
+    /** Frames of music that run() will find at the track's own rate, as the file states it; nothing
+     *  when it states no length or no exact one. Known with the first frame of the chain; correct
+     *  unless the file states a wrong length. */
     std::optional<std::int64_t> declaredFrames() const { return declaredFrames_; }
 
     /** How much of the file has been read, 0 to 1. */
     double shareRead() const;
 
-    /** Known after run(). */
+    /** Valid after run(). */
     const DecodeTally& tally() const { return tally_; }
     const base::TrackFormat& format() const { return format_; }
 
-    /** The file as it was opened, and whether it is another now. */
+    /** The file's state when it was opened, and whether it is another now. */
     const FileState& fileState() const { return input_.opened(); }
     bool hasFileChanged() const { return input_.hasChanged(); }
 
-    /** Length by the file's own account, seconds. */
+    /** What was left out before the first frame of music, see base::TrackSource. */
+    std::int64_t droppedFrames() const { return droppedFrames_; }
+
+    /** Length in seconds, as the file states it. */
     std::optional<double> declaredSeconds() const { return container_.declaredSeconds(); }
 
-    /** Hz, by the file's own account; 0 when it has none. */
+    /** Sample rate in Hz, as the file states it; 0 when it states none. */
     int declaredRate() const { return container_.stream().codecpar->sample_rate; }
 
-    /** Whether the file, of a format that marks its end, has no such mark. */
+    /** Whether the format marks the end of a file and this file lacks the mark. */
     bool lacksEnd() const { return container_.lacksEnd(); }
 
-    /** Whether the file ends before its own account of itself does: what was decoded is not the
-     *  whole track. After run(). */
+    /** Whether the file ends earlier than it states: what was decoded is not the whole track. Valid
+     *  after run(). */
     bool isCutOff() const;
 
 private:
     /** Packets that could not be decoded since the last one that could. */
     struct PendingDamage {
         std::int64_t packets = 0;
-        std::int64_t duration = 0;  ///< in the stream's time base
+        /** In the stream's time base. */
+        std::int64_t duration = 0;
     };
 
     void finish(FrameChain& chain);
@@ -104,8 +108,9 @@ private:
     PendingDamage pendingDamage_;
     base::TrackFormat format_;
     std::optional<std::int64_t> declaredFrames_;
-    std::int64_t decodedEnd_ = 0;  ///< bytes of the file behind the last packet that was decoded
-    bool isAlarmed_ = false;       ///< something was amiss since the last frame of known time
+    std::int64_t droppedFrames_ = 0;
+    std::int64_t decodedEnd_ = 0;  // offset in the file at which the last decoded packet ends
+    bool isAlarmed_ = false;       // something was wrong since the last frame of known time
 };
 
 }  // namespace media

@@ -12,8 +12,8 @@ TrackFile usableTrack(const std::string& path, const TrackDecoder& decoder, std:
     const bool isCutOff = decoder.isCutOff();
     if (frames == 0 && tally.isLastPacketDamaged)
         throw base::TrackError("is damaged: nothing in it can be decoded");
-    if (frames == 0)
-        throw base::TrackError(isCutOff ? "is cut off: no sound is left in it" : "holds no audio");
+    if (frames == 0 && isCutOff) throw base::TrackError("is cut off: no sound is left in it");
+    if (frames == 0) throw base::TrackError("holds no audio", base::TrackError::Kind::notAudio);
     if (isCutOff && !acceptsCutOff) {
         throw base::TrackError(
             "is cut off: it ends before the track does (--partial takes what is there)");
@@ -25,7 +25,8 @@ TrackFile usableTrack(const std::string& path, const TrackDecoder& decoder, std:
              tally.repeatedPackets,
              tally.gaps,
              decoder.lacksEnd(),
-             {}},
+             {},
+             decoder.droppedFrames()},
             decoder.fileState()};
 }
 

@@ -9,19 +9,20 @@
 
 namespace media {
 
-/** What reading a track's file once showed. */
+/** What was found out about a track's file when it was read once. */
 struct TrackFile : base::TrackSource {
-    FileState state;  ///< in which every further pass has to find it
+    /** Every further pass must find the file in this state. */
+    FileState state;
 };
 
-/** Tells what a decoder met once it has run.
- *  @param frames         how many came out of it
- *  @param acceptsCutOff  takes what is left of a track that was cut off, instead of refusing it
- *  @throws TrackError when that is no whole track */
+/** Evaluates what a decoder found, once it has run.
+ *  @param frames         how many it yielded
+ *  @param acceptsCutOff  accepts what is left of a track that was cut off, instead of refusing it
+ *  @throws TrackError when that is not a whole track */
 TrackFile usableTrack(const std::string& path, const TrackDecoder& decoder, std::int64_t frames,
                       bool acceptsCutOff);
 
-/** @throws TrackError when the decoder's file is no longer in the state it has to be in */
+/** @throws TrackError when the decoder's file is not in the given state */
 void refuseUnlessUnchanged(const TrackDecoder& decoder, const FileState& state);
 
 }  // namespace media

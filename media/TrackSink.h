@@ -5,13 +5,13 @@
 
 namespace media {
 
-/** Takes a decoded track piece by piece. */
+/** Receives a decoded track block by block. */
 class TrackSink {
 public:
     virtual ~TrackSink() = default;
 
-    /** The next stretch, at the session's rate, full scale ±1.0: louder samples and what is no
-     *  number are the track's. */
+    /** The next block, at the session's rate, full scale ±1.0. Louder samples and NaN are passed on
+     *  as the track has them. */
     virtual void put(const StereoBlock& block) = 0;
 };
 

@@ -26,7 +26,7 @@ using FramePointer = std::unique_ptr<AVFrame, FrameFree>;
 PacketPointer makePacket();
 FramePointer makeFrame();
 
-/** FFmpeg's words for one of its error numbers. */
+/** FFmpeg's description of one of its error numbers. */
 std::string ffmpegReason(int errorNumber);
 
 /** FFmpeg's own messages appear on standard error, or nowhere. The tool reports failures itself. */

@@ -22,7 +22,8 @@ void refuseAbove(double frames) {
 }
 
 void refuseTooLong(const TrackDecoder& decoder) {
-    // At a few hertz a handful of samples would be days: then the rate is what is wrong.
+    // At a few hertz a handful of samples would last for days: in that case it is the rate that is
+    // wrong.
     if (decoder.declaredRate() > 0) requireConvertible(decoder.declaredRate());
     refuseAbove(expectedFrames(decoder));
 }

@@ -8,7 +8,7 @@ namespace media {
 
 class TrackDecoder;
 
-/** What the library counts frames with is an int. */
+/** The library counts frames in an int. */
 constexpr std::int64_t kMostFrames = std::numeric_limits<int>::max();
 
 /** @throws TrackError when a track is longer than the library can count */
@@ -18,7 +18,7 @@ void refuseAbove(double frames);
  *          has a rate that cannot be converted */
 void refuseTooLong(const TrackDecoder& decoder);
 
-/** How many frames the file says it has at a session's rate, about; at least 1. */
+/** Approximate number of frames at a session's rate, as the file states it; at least 1. */
 double expectedFrames(const TrackDecoder& decoder);
 
 }  // namespace media

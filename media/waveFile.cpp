@@ -17,7 +17,7 @@ namespace media {
 namespace {
 
 constexpr std::size_t kPacketFrames = 4096;
-constexpr std::uint64_t kMostRiffBytes = 0xFFF00000U;  ///< of 32 bits, some left for the headers
+constexpr std::uint64_t kMostRiffBytes = 0xFFF00000U;  // of 32 bits, less some room for the headers
 
 int bytesOf(WaveSamples samples) {
     return samples == WaveSamples::int16 ? 2 : 4;
@@ -29,7 +29,7 @@ std::int16_t rounded(float sample) {
         std::lrintf(std::clamp(sample * 32768.0F, -32768.0F, 32767.0F)));
 }
 
-/** One WAV file on its way. */
+/** Writes one WAV file. */
 class WaveMuxer {
 public:
     WaveMuxer(const std::string& path, const Recording& recording, WaveSamples samples)

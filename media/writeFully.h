@@ -5,7 +5,7 @@
 
 namespace media {
 
-/** Writes all bytes, however many calls that takes. @return 0, or the errno value of the first
+/** Writes all bytes, in as many calls as that takes. @return 0, or the errno value of the first
  *  failure
  *  @throws Interrupted when a signal asks the program to stop while the reader is slow */
 int writeFully(int descriptor, const void* bytes, std::size_t count);

@@ -10,7 +10,7 @@ namespace output {
 
 namespace {
 
-// Raised when a member changes its meaning or goes; members may be added without.
+// Incremented when a member changes its meaning or is removed; adding members does not change it.
 constexpr int kFormatVersion = 2;
 
 }  // namespace

@@ -10,8 +10,8 @@
 
 namespace output {
 
-/** One JSON document for all tracks, a line each, in the format of docs/json.md. Tracks are written
- *  as they come, so that a long list needs no memory. */
+/** One JSON document for all tracks, one line per track, in the format of docs/json.md. Each track
+ *  is written as soon as it is analysed, so that a long list takes no memory. */
 class JsonReport : public ReportWriter {
 public:
     /** @param format       the document's name, "beatatlas.analysis"

@@ -24,7 +24,7 @@ std::string pitchText(const KeyReport& report) {
                        report.wanted.pitchHz ? ", as given" : "");
 }
 
-/** The first keys of the ranking, their scores as shares of the best one's. */
+/** The first keys of the ranking, their scores as fractions of the best one's. */
 std::string rankingText(const beatatlas::track::SessionKey& key, KeyNotation notation) {
     std::string text;
     for (std::size_t i = 0; i < kRanksShown; ++i) {
@@ -34,7 +34,7 @@ std::string rankingText(const beatatlas::track::SessionKey& key, KeyNotation not
     return text;
 }
 
-/** The session's key and how far the next one lies behind. */
+/** The session's key and the distance to the next one. */
 std::string sessionText(const KeyReport& report) {
     const auto& key = report.analysis.sessionKey;
     if (!key) return kNoKeyText;
@@ -75,7 +75,7 @@ std::string KeyEntry::text() const {
 }
 
 Json KeyEntry::json() const {
-    Json track = trackFileJson(report_, report_.analysis.frames);
+    Json track = trackFileJson(report_, report_.analysis.frames, report_.origin);
     track["pitch"] = report_.pitchHz ? Json(*report_.pitchHz) : Json(nullptr);
     track["pitchGiven"] = report_.wanted.pitchHz.has_value();
     track["mode"] = report_.wanted.mode;

@@ -8,7 +8,7 @@
 
 namespace output {
 
-/** What `key` tells of a track. */
+/** What `key` reports of a track. */
 class KeyEntry : public ReportEntry {
 public:
     explicit KeyEntry(KeyReport report) : report_(std::move(report)) {}

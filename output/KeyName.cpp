@@ -2,6 +2,7 @@
 #include "output/KeyName.h"
 
 #include <array>
+#include <cctype>
 
 namespace output {
 
@@ -22,7 +23,52 @@ constexpr std::array<const char*, kNotes> kSharps = {"A",  "A#", "B", "C",  "C#"
 constexpr std::array<const char*, kNotes> kFlats = {"A",  "Bb", "B", "C",  "Db", "D",
                                                     "Eb", "E",  "F", "Gb", "G",  "Ab"};
 
+constexpr std::array<const char*, 24> kGerman = {
+    "A-Dur",    "B-Dur",   "H-Dur",   "C-Dur",  "Des-Dur", "D-Dur",    "Es-Dur", "E-Dur",
+    "F-Dur",    "Fis-Dur", "G-Dur",   "As-Dur", "a-Moll",  "b-Moll",   "h-Moll", "c-Moll",
+    "cis-Moll", "d-Moll",  "es-Moll", "e-Moll", "f-Moll",  "fis-Moll", "g-Moll", "gis-Moll"};
+
+/** Of the letters from A on. */
+constexpr std::array<const char*, 7> kSyllables = {"La", "Si", "Do", "Re", "Mi", "Fa", "Sol"};
+
+/** In lower case, with # and b for ♯ and ♭, without spaces. */
+std::string plainName(std::string_view text) {
+    std::string name;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const std::string_view sign = text.substr(i, 3);
+        if (sign == "♯" || sign == "♭") {
+            name += sign == "♯" ? '#' : 'b';
+            i += 2;
+        } else if (text[i] != ' ') {
+            name += static_cast<char>(std::tolower(static_cast<unsigned char>(text[i])));
+        }
+    }
+    return name;
+}
+
 }  // namespace
+
+std::optional<KeyName> KeyName::parse(std::string_view text) {
+    const std::string name = plainName(text);
+    const auto isName = [&name](std::string known) {
+        known = plainName(known);
+        if (name == known) return true;
+        // "a minor" is "am" as well, "a major" "a".
+        const std::size_t mode = known.find('m');
+        if (mode == std::string::npos || std::isdigit(static_cast<unsigned char>(known[0])) != 0)
+            return false;
+        const bool isMinor = known.compare(mode, std::string::npos, "minor") == 0;
+        const std::string note = known.substr(0, mode);
+        return name == note + (isMinor ? "m" : "") || name == note + (isMinor ? "min" : "maj");
+    };
+    for (int number = 0; number < 2 * kNotes; ++number) {
+        const KeyName key(number);
+        if (isName(key.musical()) || isName(key.withSharps()) || isName(key.withFlats()) ||
+            isName(key.camelot()) || isName(key.openKey()))
+            return key;
+    }
+    return std::nullopt;
+}
 
 std::string KeyName::musical() const {
     return kNames.at(static_cast<std::size_t>(number_));
@@ -40,6 +86,16 @@ std::string KeyName::withFlats() const {
     return kFlats.at(tonic()) + mode();
 }
 
+std::string KeyName::german() const {
+    return kGerman.at(static_cast<std::size_t>(number_));
+}
+
+/** The letter alone changes; accidental and mode stay. */
+std::string KeyName::solfege() const {
+    const std::string name = musical();
+    return kSyllables.at(static_cast<std::size_t>(name.front() - 'A')) + name.substr(1);
+}
+
 std::string KeyName::in(KeyNotation notation) const {
     switch (notation) {
     case KeyNotation::sharps:
@@ -50,6 +106,10 @@ std::string KeyName::in(KeyNotation notation) const {
         return camelot();
     case KeyNotation::openKey:
         return openKey();
+    case KeyNotation::german:
+        return german();
+    case KeyNotation::solfege:
+        return solfege();
     case KeyNotation::standard:
         break;
     }

@@ -2,17 +2,24 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <string>
+#include <string_view>
 
 namespace output {
 
 /** How a key may be named. */
 enum class KeyNotation {
-    standard,  ///< as musicians write it, in the spelling with the fewer accidentals
-    sharps,    ///< no flats
-    flats,     ///< no sharps
+    /** As musicians write it, in the spelling with the fewer accidentals. */
+    standard,
+    /** No flats. */
+    sharps,
+    /** No sharps. */
+    flats,
     camelot,
     openKey,
+    german,   ///< a-Moll, B-Dur; H is the note above B
+    solfege,  ///< La minor, Sib major
 };
 
 /** The names of a key, numbered as by the library: 0 to 11 are A major, A sharp major … G sharp
@@ -20,6 +27,10 @@ enum class KeyNotation {
 class KeyName {
 public:
     explicit KeyName(int number) : number_(number) {}
+
+    /** The key of a name in any notation: "8A", "1m", "F# minor", "Gbm", "c", "B♭ major". Nothing
+     *  for any other text. */
+    static std::optional<KeyName> parse(std::string_view text);
 
     int number() const { return number_; }
     bool isMinor() const { return number_ >= 12; }
@@ -37,6 +48,12 @@ public:
 
     /** In Open Key notation: "1m" is A minor, "1d" C major. */
     std::string openKey() const;
+
+    /** In German: capital letters for major, "a-Moll", "B-Dur" (Bb major), "H-Dur" (B major). */
+    std::string german() const;
+
+    /** By the syllables of fixed Do: "La minor", "Sib major", "Fa# minor". */
+    std::string solfege() const;
 
     std::string in(KeyNotation notation) const;
 

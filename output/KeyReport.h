@@ -7,18 +7,22 @@
 
 namespace output {
 
-/** How the key of a buffer is to be looked for. */
+/** How to look for the key of a buffer. */
 struct KeyOptions {
-    std::optional<double> pitchHz;  ///< what A4 is tuned to; nothing: find out
-    int mode = 0;                   ///< weights, 0 to 4
+    /** The tuning of A4; nothing: it is determined. */
+    std::optional<double> pitchHz;
+    /** Weights, 0 to 4. */
+    int mode = 0;
 };
 
 /** The key of one track by all finders: by evidence (analysis.key), that of a buffer, and that of a
  *  session (analysis.sessionKey). */
 struct KeyReport : TrackReport {
     KeyOptions wanted;
-    std::optional<double> pitchHz;  ///< as given, else as found
-    std::optional<int> bufferKey;   ///< 0 to 23
+    /** As given, otherwise as determined. */
+    std::optional<double> pitchHz;
+    /** 0 to 23. */
+    std::optional<int> bufferKey;
 };
 
 }  // namespace output

@@ -16,7 +16,7 @@ std::string PitchEntry::text() const {
 }
 
 nlohmann::ordered_json PitchEntry::json() const {
-    nlohmann::ordered_json track = trackFileJson(report_, report_.frames);
+    nlohmann::ordered_json track = trackFileJson(report_, report_.frames, {});
     const auto& pitch = report_.pitchHz;
     track["pitch"] = pitch ? nlohmann::ordered_json(*pitch) : nullptr;
     track["mode"] = report_.options.mode;

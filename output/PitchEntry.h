@@ -8,7 +8,7 @@
 
 namespace output {
 
-/** What `pitch` tells of a track. */
+/** What `pitch` reports of a track. */
 class PitchEntry : public ReportEntry {
 public:
     explicit PitchEntry(PitchReport report) : report_(std::move(report)) {}

@@ -8,16 +8,20 @@
 
 namespace output {
 
-/** How closely to look for the concert pitch. */
+/** How precisely to determine the concert pitch. */
 struct PitchOptions {
-    int mode = 0;             ///< 0 (closest) to 4
-    bool isFullRate = false;  ///< at the session's rate instead of a tenth of it
+    /** 0 (most precise) to 4. */
+    int mode = 0;
+    /** Whether to use the session's rate instead of a tenth of it. */
+    bool isFullRate = false;
 };
 
 /** The concert pitch of one track. */
 struct PitchReport : base::TrackSource {
-    PitchOptions options;     ///< what was asked for
-    std::int64_t frames = 0;  ///< at the session's rate
+    /** What was asked for. */
+    PitchOptions options;
+    /** At the session's rate. */
+    std::int64_t frames = 0;
     std::optional<int> pitchHz;
 };
 

@@ -7,7 +7,7 @@
 
 namespace output {
 
-/** What was found in one track, in the two forms in which it can be told. */
+/** What was found in one track, in both forms of a report. */
 class ReportEntry {
 public:
     virtual ~ReportEntry() = default;

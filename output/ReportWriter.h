@@ -9,7 +9,7 @@
 
 namespace output {
 
-/** Takes the text of a report, piece by piece. May throw OutputError. */
+/** Receives the text of a report in parts. May throw OutputError. */
 using TextSink = std::function<void(std::string_view)>;
 
 /** Writes what was found in several tracks, each as soon as it is known. Every call may throw
@@ -22,8 +22,8 @@ public:
     virtual void add(const ReportEntry& entry) = 0;
     virtual void addFailure(const std::string& path, const std::string& reason) = 0;
 
-    /** Also called when the work is broken off: what was written until then is complete in
-     *  itself. */
+    /** Also called when the work is interrupted, so that what has been written is a complete
+     *  document. */
     virtual void end() {}
 };
 

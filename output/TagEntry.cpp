@@ -88,7 +88,7 @@ std::string TagEntry::text() const {
 }
 
 nlohmann::ordered_json TagEntry::json() const {
-    Json track = trackFileJson(report_, report_.analysis.frames);
+    Json track = trackFileJson(report_, report_.analysis.frames, report_.origin);
     const auto& bpm = report_.analysis.bpm;
     track["bpm"] = bpm ? Json(*bpm) : Json(nullptr);
     const auto& key = report_.analysis.key;

@@ -7,7 +7,7 @@
 
 namespace output {
 
-/** Summaries for people, a blank line between them. Failures are left to standard error. */
+/** Summaries for people, separated by blank lines. Failures appear on standard error only. */
 class TextReport : public ReportWriter {
 public:
     explicit TextReport(TextSink write) : write_(std::move(write)) {}

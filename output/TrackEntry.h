@@ -8,7 +8,7 @@
 
 namespace output {
 
-/** What `analyze` tells of a track. */
+/** What `analyze` reports of a track. */
 class TrackEntry : public ReportEntry {
 public:
     TrackEntry(TrackReport report, bool withWaves)

@@ -8,8 +8,8 @@
 
 namespace output {
 
-/** What there is to warn of in the file that a track came from, a sentence without its subject
- *  each: "is cut off; only its beginning was taken". Of many gaps the first few are named. */
+/** The warnings about a track's file, each a sentence without its subject: "is cut off; only its
+ *  beginning was taken". Of many gaps only the first few are listed. */
 std::vector<std::string> fileWarnings(const base::TrackSource& file);
 
 }  // namespace output

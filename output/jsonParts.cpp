@@ -38,6 +38,13 @@ Json gapsJson(const std::vector<base::Gap>& gaps) {
     return json;
 }
 
+Json originJson(const base::TrackSource& file, const TimeOrigin& origin) {
+    return {{"at", origin.at == TimeOrigin::At::file ? "file" : "music"},
+            {"offsetMs", origin.offsetMs},
+            {"droppedFrames", file.droppedFrames},
+            {"droppedSeconds", file.droppedSeconds()}};
+}
+
 Json candidatesJson(const beatatlas::track::Key& key) {
     Json ranking = Json::array();
     for (const beatatlas::track::KeyCandidate& candidate : key.ranking) {
@@ -96,7 +103,8 @@ Json nameJson(const std::string& path) {
 Json keyNameJson(int number) {
     const KeyName key(number);
     return {{"number", key.number()},   {"name", key.musical()},    {"sharps", key.withSharps()},
-            {"flats", key.withFlats()}, {"camelot", key.camelot()}, {"openKey", key.openKey()}};
+            {"flats", key.withFlats()}, {"camelot", key.camelot()}, {"openKey", key.openKey()},
+            {"german", key.german()},   {"solfege", key.solfege()}};
 }
 
 Json keyJson(const std::optional<beatatlas::track::Key>& key) {
@@ -119,7 +127,7 @@ Json sessionKeyJson(const std::optional<beatatlas::track::SessionKey>& key) {
     return json;
 }
 
-Json trackFileJson(const base::TrackSource& file, std::int64_t frames) {
+Json trackFileJson(const base::TrackSource& file, std::int64_t frames, const TimeOrigin& origin) {
     Json track = nameJson(file.path);
     track["audio"] = audioJson(file.format);
     track["partial"] = file.isCutOff;
@@ -128,6 +136,7 @@ Json trackFileJson(const base::TrackSource& file, std::int64_t frames) {
     track["gaps"] = gapsJson(file.gaps);
     track["lacksEnd"] = file.lacksEnd;
     track["formatChanges"] = file.format.changes;
+    track["origin"] = originJson(file, origin);
     track["sampleRate"] = file.format.sessionRate;
     track["frames"] = frames;
     track["seconds"] = static_cast<double>(frames) / file.format.sessionRate;

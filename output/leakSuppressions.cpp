@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Part of builds with a leak checker only.
+// Only part of builds with a leak checker.
 
 // The checker asks for these names: NOLINTBEGIN(bugprone-reserved-identifier, cert-dcl37-c,
 // cert-dcl51-cpp)

@@ -10,7 +10,7 @@ namespace output {
 
 namespace {
 
-// Less than the shortest step of a sample: 0.29 s times 100 must not become 28 hundredths.
+// Less than the duration of a sample: 0.29 s times 100 must not become 28 hundredths.
 constexpr double kRoundingSlack = 1e-6;
 
 std::string hoursMinutesSeconds(std::int64_t seconds) {

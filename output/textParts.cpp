@@ -11,9 +11,10 @@ namespace output {
 
 namespace {
 
-// Keys that were wrong on more than one track in five are told with the second candidate.
+// Keys of a confidence below this, which are wrong on more than one track in five, are shown with
+// the second candidate.
 constexpr double kSureKey = 0.8;
-// What noise and drums alone come to.
+// The value for noise and for drums alone.
 constexpr double kHardlyAKey = 0.3;
 
 std::string channelsText(int channels) {

@@ -22,8 +22,7 @@ std::string tempoRangeOf(const std::vector<Part>& parts, const char* layout) {
     return fmt::format(fmt::runtime(layout), bpmText(slowest->bpm), bpmText(fastest->bpm));
 }
 
-/** How far the tempo goes: from stretch to stretch where it is known in stretches, else from beat
- *  to beat. */
+/** The range of the tempo: over its segments if these are known, otherwise over its beats. */
 std::string tempoRange(const beatatlas::track::TrackResult& analysis) {
     const auto& judgement = analysis.judgement;
     if (judgement && !judgement->isSteady && judgement->stretches.size() > 1)
@@ -31,10 +30,10 @@ std::string tempoRange(const beatatlas::track::TrackResult& analysis) {
     return tempoRangeOf(analysis.beats, ", {} to {} along the track");
 }
 
-// What was right on fewer tracks than that is told with its likeliest alternative.
+// A result that is right on fewer tracks than this is shown with its likeliest alternative.
 constexpr double kSure = 0.9;
 
-/** What else the tempo may be, where that is uncertain. */
+/** What else the tempo may be, if it is uncertain. */
 std::string doubtsText(const beatatlas::track::TempoJudgement& judgement) {
     std::string text;
     const auto hasOtherTempo = [](const beatatlas::track::Reading& reading) {
@@ -49,7 +48,7 @@ std::string doubtsText(const beatatlas::track::TempoJudgement& judgement) {
     return text;
 }
 
-/** What the automatic tempo tells beside the tempo. */
+/** What the automatic tempo shows besides the tempo. */
 std::string judgementText(const beatatlas::track::TrackResult& analysis) {
     if (!analysis.judgement) return {};
     const beatatlas::track::TempoJudgement& judgement = *analysis.judgement;
@@ -74,7 +73,7 @@ std::string beatsText(const beatatlas::track::TrackResult& analysis) {
                               clockTime(analysis.secondsAt(downbeat->frame)));
 }
 
-/** Where which key holds, on a line of its own when it changes. */
+/** Which key holds where; an additional line when the key changes. */
 std::string keyChangesText(const TrackReport& report) {
     const auto& key = report.analysis.key;
     if (!key || key->segments.size() < 2) return {};

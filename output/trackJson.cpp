@@ -114,7 +114,7 @@ Json wavesJson(const beatatlas::track::TrackResult& analysis) {
 
 Json trackJson(const TrackReport& report, bool withWaves) {
     const beatatlas::track::TrackResult& analysis = report.analysis;
-    Json track = trackFileJson(report, analysis.frames);
+    Json track = trackFileJson(report, analysis.frames, report.origin);
     if (report.options.tempo != beatatlas::track::TempoMode::off) {
         track["tempo"] = tempoJson(report);
         track["beats"] = beatsJson(analysis);

@@ -7,8 +7,11 @@
 
 namespace output {
 
-/** A track's entry in the JSON document, as docs/json.md tells it.
- *  @param withWaves  the three waveform overviews too */
+/** The name of the document that holds such entries. */
+inline constexpr const char* kAnalysisDocument = "beatatlas.analysis";
+
+/** A track's entry in the JSON document, described in docs/json.md.
+ *  @param withWaves  includes the three waveform overviews */
 nlohmann::ordered_json trackJson(const TrackReport& report, bool withWaves);
 
 }  // namespace output

@@ -25,15 +25,14 @@ constexpr std::size_t kUndividedFrame = 4096;
 constexpr double kShortSeconds = 30.0;
 constexpr double kGigabyte = 1e9;
 
-// Of what is free: other programs go on meanwhile.
+// Of the available memory: other programs are running too.
 constexpr double kMostOfMemory = 0.9;
 
-// Hops by mode before they are divided, for tracks of 30 s and more; short ones need little memory
-// anyway.
+// Undivided hops by mode, for tracks of 30 s and more; shorter ones need little memory anyway.
 constexpr std::array<double, 5> kLongHops = {512.0, 1024.0, 1488.0, 1720.0, 2304.0};
 
-// What the system can give without taking it from another program. Only Linux has a figure for it;
-// elsewhere half of all memory counts.
+// Memory that is available without taking it from another program. Only Linux reports it; elsewhere
+// half of all memory counts.
 double availableMemoryBytes() {
     std::ifstream memory("/proc/meminfo");
     for (std::string line; std::getline(memory, line);) {
@@ -51,13 +50,13 @@ std::size_t BeatCutter::frameLength() const {
     return kUndividedFrame / static_cast<std::size_t>(options_.div);
 }
 
-/** One frame of silence before, so that the first sound lies under as many frames as every other;
- *  three behind, since the frames end up to two hops early. */
+/** One frame of silence before, so that the first sound is covered by as many frames as any other;
+ *  three after, since the frames end up to two hops early. */
 std::size_t BeatCutter::paddedLength(std::size_t frames) const {
     return frames + 4 * frameLength();
 }
 
-/** What it takes beside the recording, which is in memory already. */
+/** Memory needed besides the recording, which is in memory already. */
 double BeatCutter::bytesFor(const media::Recording& recording) const {
     const bool isShort = static_cast<double>(recording.frames()) < kShortSeconds * recording.rate;
     const double hop = isShort ? kLongHops[0] : kLongHops[static_cast<std::size_t>(options_.mode)];

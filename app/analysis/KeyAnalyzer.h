@@ -14,7 +14,7 @@ namespace app {
  *  session. */
 class KeyAnalyzer {
 public:
-    /** @param reading  how to read the file; what is to be found in it is not read */
+    /** @param reading  how to read the file; its options of the analysis are ignored */
     KeyAnalyzer(const output::KeyOptions& options, media::FileAnalysis::Options reading)
         : options_(options), reading_(std::move(reading)) {}
 

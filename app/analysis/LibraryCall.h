@@ -6,12 +6,12 @@
 
 namespace app {
 
-/** Rounds toward zero while it lives, then gives the thread its own mode back, also when a call
+/** Sets rounding toward zero; the destructor restores the thread's own mode, also when a call
  *  throws.
  *
- *  The stand-alone utilities compute in the mode they find. A plain host calls them after a
- *  session, which leaves round-toward-zero set: in that mode the tool gives the answers such a host
- *  gets. Everything else of the tool (decoding, converting, drawing, printing) needs the thread's
+ *  The stand-alone utilities compute in the current mode. A plain host calls them after a session,
+ *  which leaves round-toward-zero set: in that mode the tool gets the results that such a host
+ *  gets. Everything else in the tool (decoding, converting, drawing, printing) needs the thread's
  *  own mode. */
 class LibraryRounding {
 public:
@@ -24,8 +24,8 @@ private:
     int ownMode_;
 };
 
-/** Calls a utility of the library in that mode. Whole tracks need none of this: their library keeps
- *  the caller's mode. */
+/** Calls a utility of the library in that mode. The library of whole tracks needs none of this: it
+ *  keeps the caller's mode. */
 template <class Call>
 decltype(auto) libraryCall(Call&& call) {
     const LibraryRounding rounding;

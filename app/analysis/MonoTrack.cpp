@@ -14,12 +14,12 @@ namespace {
 
 constexpr float kFullScale = 32768.0F;
 constexpr int kStep = 10;
-constexpr long kFirstTaken = 7;  ///< the resampler passes over its filter's rise
+constexpr long kFirstTaken = 7;  // the resampler skips its filter's rise
 constexpr float kSilence = 1.0F;
 constexpr float kLongSeconds = 30.0F;
 constexpr double kReservedAtMost = 4.0 * 3600 * 48000;  // a header may be wrong
 
-/** Into the scale of 16-bit integers, clipped there; what is no number becomes silence. */
+/** Scales to 16-bit integers and clips; NaN becomes silence. */
 float scaled(float sample) {
     const float full = sample * kFullScale;
     const float above = full > -kFullScale ? full : -kFullScale;

@@ -8,28 +8,29 @@
 
 namespace app {
 
-/** A whole track as mono, in 16-bit scale: what the finders of a buffer's pitch and key look at. */
+/** A whole track as mono, in 16-bit scale: the input for finding a buffer's pitch and key. */
 struct MonoTrack {
     std::vector<float> samples;
-    int rate;  ///< Hz: the session's, or a tenth of it, which is enough up to 1,800 Hz
+    /** Hz: the session's, or a tenth of it, which is enough up to 1,800 Hz. */
+    int rate;
 
-    /** Below one step of 16 bits throughout: at most the dither of silence. */
+    /** Whether all of it is below one step of 16 bits: at most the dither of silence. */
     bool isSilent() const;
 
-    /** Whether the library takes it for a long one, 30 s and more. */
+    /** Whether the library treats it as a long one, 30 s and more. */
     bool isLong() const;
 };
 
-/** Gathers a track's stereo blocks as mono, to be thinned out in one go.
+/** Gathers a track's stereo blocks as mono, to decimate them in a single call.
  *
  *  The library's resampler begins from silence in every call and is so ill-conditioned in single
- *  precision that a track thinned out in pieces comes out several per cent different: so the whole
- *  track it is. Memory: 4 bytes a frame while gathering, 8 while thinning out. */
+ *  precision that decimating a track in parts changes the result by several per cent; hence the
+ *  whole track at once. Memory: 4 bytes per frame while gathering, 8 while decimating. */
 class MonoGatherer {
 public:
     static constexpr double kBytesPerFrame = 8.0;
 
-    /** Makes room for a track that is expected to be so long. */
+    /** Reserves memory for a track of that expected length. */
     void reserve(double frames);
 
     void put(const media::StereoBlock& block);
@@ -37,7 +38,8 @@ public:
 
     /** Ends the gathering. @param sessionRate  44,100 or 48,000 */
     MonoTrack whole(int sessionRate);
-    MonoTrack thinOut(int sessionRate);  ///< at a tenth of the rate
+    /** At a tenth of the rate. */
+    MonoTrack thinOut(int sessionRate);
 
 private:
     std::vector<float> mono_;

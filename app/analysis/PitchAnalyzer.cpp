@@ -11,7 +11,7 @@ namespace app {
 
 namespace {
 
-constexpr double kDecodingShare = 0.9;  ///< of the work, on the progress line
+constexpr double kDecodingShare = 0.9;  // of the work, for the progress line
 
 }  // namespace
 

@@ -11,7 +11,7 @@ namespace app {
 /** Decodes one file and finds its concert pitch. */
 class PitchAnalyzer {
 public:
-    /** @param acceptsCutOff  take what is left of a track that was cut off, instead of refusing
+    /** @param acceptsCutOff  analyse what is left of a track that was cut off, instead of refusing
      *  it */
     PitchAnalyzer(const output::PitchOptions& options, bool acceptsCutOff)
         : options_(options), acceptsCutOff_(acceptsCutOff) {}

@@ -11,7 +11,7 @@ output::TrackReport analyzeFile(const std::string& path, media::FileAnalysis::Op
     const beatatlas::track::Options wanted = options.track;
     options.progress = [&](double fraction, double seconds) { progress.show(fraction, seconds); };
     media::AnalysedFile analysed = media::FileAnalysis(std::move(options)).analyze(path);
-    return {std::move(analysed.file), wanted, std::move(analysed.result), std::nullopt};
+    return {std::move(analysed.file), wanted, std::move(analysed.result), std::nullopt, {}};
 }
 
 }  // namespace app

@@ -9,9 +9,9 @@
 
 namespace app {
 
-/** Analyses a file as media::FileAnalysis does, with its progress shown, and tells what was asked
- *  for beside the answers.
- *  @param options  their progress is not read */
+/** Analyses a file as media::FileAnalysis does and shows the progress. The report holds the options
+ *  beside the results.
+ *  @param options  their `progress` is ignored */
 output::TrackReport analyzeFile(const std::string& path, media::FileAnalysis::Options options,
                                 ProgressLine& progress);
 

@@ -8,9 +8,9 @@ namespace app {
 
 namespace {
 
-// Thinned out, a hop of 128 samples: at longer ones the answer for music wanders by several hertz
-// with where the frames happen to fall. At the session's rate even the undivided hop overlaps most
-// windows.
+// A hop of 128 samples at a tenth of the rate: with longer hops the result for music varies by
+// several hertz, depending on where the frames fall. At the session's rate even the undivided hop
+// overlaps most windows.
 constexpr int kThinnedHopDivisor = 16;
 constexpr int kSessionHopDivisor = 1;
 constexpr int kLowestSessionRate = 44100;
@@ -18,8 +18,8 @@ constexpr int kLowestSessionRate = 44100;
 // 8.6 frames a second at 4,410 Hz. Below 2 the smoothing over time would diverge.
 constexpr int kKeyHop = 512;
 
-constexpr double kShortestForPitchSeconds = 0.25;  ///< one frame and one hop
-constexpr double kShortestForKeySeconds = 2.0;     ///< the same for the lowest reference
+constexpr double kShortestForPitchSeconds = 0.25;  // one frame and one hop
+constexpr double kShortestForKeySeconds = 2.0;     // one frame and one hop at the lowest reference
 
 bool isShorterThan(const MonoTrack& track, double seconds) {
     return static_cast<double>(track.samples.size()) < seconds * track.rate;

@@ -76,45 +76,48 @@ void AnalysisArguments::declare(CLI::App& arguments) {
                     "off: no tempo and no beats")
         ->transform(oneOf(tempoModes()))
         ->option_text("MODE");
-    arguments
-        .add_option("--bpm-range", bpmRange_,
-                    "auto tempo: double or halve it into this range, say 85:170; the upper end is\n"
-                    "at least twice the lower one")
-        ->check(CLI::Validator(requireBpmRange, ""))
-        ->option_text("LO:HI");
-    arguments.add_option("--beats-per-bar", beatsPerBar_, "auto tempo: 3 or 4, where you know it")
-        ->check(CLI::Validator(requireBar, ""))
-        ->option_text("BEATS");
-    arguments
-        .add_option(
-            "--section", sectionBeats_,
-            "varied tempo: measure it over phrases of so many beats (4, 8, 16, 32 …; default 32)")
-        ->check(CLI::Validator(requirePhrase, ""))
-        ->option_text("BEATS");
-    arguments
-        .add_option("--range", rangeSeconds_,
-                    "simple tempo: sense this much of the beginning (default: one minute)")
-        ->transform(timeBetween(1.0, kLongestRangeSeconds))
-        ->option_text("TIME");
+    declareForOneMode(arguments);
     arguments.add_flag("--no-key", skipsKey_, "do not look for the key");
 }
 
+/** What has a meaning with one way to find the tempo only. */
+void AnalysisArguments::declareForOneMode(CLI::App& arguments) {
+    bpmRangeOption_ = arguments.add_option(
+        "--bpm-range", bpmRange_,
+        "auto tempo: double or halve it into this range, say 85:170; the upper end is\n"
+        "at least twice the lower one");
+    bpmRangeOption_->check(CLI::Validator(requireBpmRange, ""))->option_text("LO:HI");
+    beatsPerBarOption_ = arguments.add_option("--beats-per-bar", beatsPerBar_,
+                                              "auto tempo: 3 or 4, where you know it");
+    beatsPerBarOption_->check(CLI::Validator(requireBar, ""))->option_text("BEATS");
+    sectionOption_ = arguments.add_option(
+        "--section", sectionBeats_,
+        "varied tempo: measure it over phrases of so many beats (4, 8, 16, 32 …; default 32)");
+    sectionOption_->check(CLI::Validator(requirePhrase, ""))->option_text("BEATS");
+    rangeOption_ = arguments.add_option(
+        "--range", rangeSeconds_,
+        "simple tempo: sense this much of the beginning (default: one minute)");
+    rangeOption_->transform(timeBetween(1.0, kLongestRangeSeconds))->option_text("TIME");
+}
+
+void AnalysisArguments::refuseUnless(beatatlas::track::TempoMode mode, const CLI::Option& option,
+                                     const char* refusal) const {
+    if (option.count() > 0 && options_.tempo != mode) throw base::UsageError(refusal);
+}
+
 void AnalysisArguments::settle() {
-    if (sectionBeats_ && options_.tempo != beatatlas::track::TempoMode::varied) {
-        throw base::UsageError("--section goes with --tempo varied");
-    }
-    if (rangeSeconds_ && options_.tempo != beatatlas::track::TempoMode::simple)
-        throw base::UsageError("--range goes with --tempo simple");
-    if (bpmRange_ && options_.tempo != beatatlas::track::TempoMode::automatic)
-        throw base::UsageError("--bpm-range goes with --tempo auto");
-    if (beatsPerBar_ && options_.tempo != beatatlas::track::TempoMode::automatic)
-        throw base::UsageError("--beats-per-bar goes with --tempo auto");
-    if (bpmRange_) {
+    using beatatlas::track::TempoMode;
+    refuseUnless(TempoMode::varied, *sectionOption_, "--section goes with --tempo varied");
+    refuseUnless(TempoMode::simple, *rangeOption_, "--range goes with --tempo simple");
+    refuseUnless(TempoMode::automatic, *bpmRangeOption_, "--bpm-range goes with --tempo auto");
+    refuseUnless(TempoMode::automatic, *beatsPerBarOption_,
+                 "--beats-per-bar goes with --tempo auto");
+    if (bpmRange_ && options_.tempo == TempoMode::automatic) {
         const BpmRange range = bpmRangeOf(*bpmRange_).value();
         options_.lowestBpm = range.lowest;
         options_.highestBpm = range.highest;
     }
-    options_.beatsPerBar = beatsPerBar_.value_or(0);
+    if (options_.tempo == TempoMode::automatic) options_.beatsPerBar = beatsPerBar_.value_or(0);
     options_.sectionBeats = sectionBeats_.value_or(options_.sectionBeats);
     options_.rangeSeconds = rangeSeconds_.value_or(options_.rangeSeconds);
     options_.wantsKey = !skipsKey_;

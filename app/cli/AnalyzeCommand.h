@@ -7,6 +7,7 @@
 
 #include "cli/AnalysisArguments.h"
 #include "cli/EffortArguments.h"
+#include "cli/OriginArguments.h"
 #include "cli/TracksCommand.h"
 #include "output/KeyName.h"
 
@@ -28,6 +29,7 @@ private:
 
     AnalysisArguments analysis_;
     EffortArguments effort_;
+    OriginArguments origin_;
     std::optional<output::KeyNotation> keyNotation_;
     bool withWaves_ = false;
 };

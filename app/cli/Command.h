@@ -20,7 +20,10 @@ public:
     virtual std::string name() const = 0;
     virtual std::string description() const = 0;
 
-    /** Declares the command's arguments; they are filled in when the command line is parsed. */
+    /** Whether it is for the tool itself: no help names it. */
+    virtual bool isHidden() const { return false; }
+
+    /** Declares the command's arguments; parsing the command line sets them. */
     virtual void declare(CLI::App& arguments) = 0;
 
     /** Does the work. @throws UsageError, OutputError, Interrupted */

@@ -20,7 +20,7 @@ namespace {
 
 constexpr int kMostCutMode = 4;
 
-// How the work is shared out on the progress line.
+// The shares of the work on the progress line.
 constexpr double kDecoded = 0.15;
 constexpr double kCut = 0.95;
 
@@ -31,7 +31,7 @@ std::string requireDiv(const std::string& text) {
     return "takes 1, 2, 4, 8 or 16, not " + text;
 }
 
-/** What is clipped when the result becomes 16-bit integers. */
+/** What will be clipped when the result is converted to 16-bit integers. */
 base::Overload overloadOf(const media::Recording& recording) {
     media::OverloadMeter meter;
     for (const auto& channel : recording.channels) meter.put(channel);

@@ -80,24 +80,15 @@ bool DrawCommand::drawTrack(std::size_t track, const std::string& path) {
     reading.track = analysis_.options();
     std::string warning;
     const auto report = tracks_.attempt(path, [&](ProgressLine& progress) {
-        requireFree(track);
+        places_.places().requireFree(track);
         output::TrackReport found = analyzeFile(path, reading, progress);
         refuseBeyondEnd(found.analysis.seconds());
         found.keyNotation = keyNotation_;
-        warning = write(found, places_.path(track));
+        warning = write(found, places_.places().path(track));
         return found;
     });
-    if (!warning.empty()) printFileWarning(places_.path(track), warning);
+    if (!warning.empty()) printFileWarning(places_.places().path(track), warning);
     return report.has_value();
-}
-
-/** One picture that cannot be written keeps none of the others from being drawn. */
-void DrawCommand::requireFree(std::size_t track) const {
-    try {
-        places_.requireFree(track);
-    } catch (const base::OutputError& error) {
-        throw base::TrackError(error.what());
-    }
 }
 
 std::string DrawCommand::write(const output::TrackReport& report, const std::string& path) const {

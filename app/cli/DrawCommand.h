@@ -16,8 +16,8 @@
 
 namespace app {
 
-/** `beatatlas draw FILE... -o OUT | -d DIR`: pictures of tracks. A track that fails keeps none of
- *  the others from being drawn. */
+/** `beatatlas draw FILE... -o OUT | -d DIR`: pictures of tracks. A track that fails does not
+ *  prevent the others. */
 class DrawCommand : public Command {
 public:
     std::string name() const override { return "draw"; }
@@ -29,9 +29,7 @@ public:
 
 private:
     bool drawTrack(std::size_t track, const std::string& path);
-    /** @throws TrackError when its picture cannot be written */
-    void requireFree(std::size_t track) const;
-    /** @throws TrackError when the zoomed stretch would begin where the track has ended */
+    /** @throws TrackError when the zoomed section would begin after the end of the track */
     void refuseBeyondEnd(double trackSeconds) const;
     /** @return as OutputFile::commit() */
     std::string write(const output::TrackReport& report, const std::string& path) const;

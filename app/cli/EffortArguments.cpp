@@ -5,26 +5,18 @@
 #include <string>
 
 #include <CLI/CLI.hpp>
-#include <sched.h>
 
 #include "cli/memorySize.h"
 #include "cli/numberBetween.h"
+#include "cli/processors.h"
 
 namespace app {
 
 namespace {
 
-// One decodes, one finds the beats and one the key.
+// One for decoding, one for the beats and one for the key.
 constexpr int kMostUsefulThreads = 3;
 constexpr int kMostThreads = 256;
-
-/** How many processors the caller lets this process use. */
-int processors() {
-    cpu_set_t set;
-    CPU_ZERO(&set);
-    if (sched_getaffinity(0, sizeof set, &set) != 0) return 1;
-    return std::max(1, CPU_COUNT(&set));
-}
 
 }  // namespace
 

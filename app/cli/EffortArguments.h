@@ -9,7 +9,7 @@ class App;
 
 namespace app {
 
-/** The arguments that say how much of the machine a command may take. */
+/** The arguments that limit the memory and threads of a command. */
 class EffortArguments {
 public:
     EffortArguments();

@@ -3,11 +3,13 @@
 
 namespace app {
 
-/** How the process ends. A signal ends it with 128 and the signal's number: 130 for Ctrl-C. */
+/** The exit status. After a signal it is 128 plus the signal's number: 130 for Ctrl-C. */
 enum ExitCode : int {
     kExitDone = 0,
-    kExitFailed = 1,  ///< a track could not be analysed, or results could not be written
-    kExitUsage = 2,   ///< the command line could not be understood
+    /** A track could not be analysed, or results could not be written. */
+    kExitFailed = 1,
+    /** The command line could not be understood. */
+    kExitUsage = 2,
     kExitSignal = 128,
 };
 

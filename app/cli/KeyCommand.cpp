@@ -12,7 +12,7 @@ namespace app {
 
 namespace {
 
-// A whole tone below 440 Hz, as French baroque music has it, to a whole tone above.
+// From a whole tone below 440 Hz, the pitch of French baroque music, to a whole tone above.
 constexpr double kLowestPitchHz = 390.0;
 constexpr double kHighestPitchHz = 495.0;
 

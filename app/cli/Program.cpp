@@ -14,6 +14,7 @@
 #include "base/Interrupt.h"
 #include "base/displayName.h"
 #include "base/errors.h"
+#include "cli/ConfigFile.h"
 #include "cli/bracketGuard.h"
 #include "cli/commandTable.h"
 #include "cli/messages.h"
@@ -58,9 +59,10 @@ void declareProgram(CLI::App& program) {
 
 void declareCommand(CLI::App& program, Command& command) {
     CLI::App* arguments = program.add_subcommand(command.name(), command.description());
-    arguments->group(kCommands);
+    arguments->group(command.isHidden() ? "" : kCommands);
     declareEnds(*arguments);
     command.declare(*arguments);
+    if (!command.isHidden()) declareConfig(*arguments);
 }
 
 void declareHelp(CLI::App& program, std::string& topic) {
@@ -91,6 +93,7 @@ std::vector<std::string> toArguments(const std::vector<std::string>& words) {
 std::string helpOn(const CLI::App& program, const std::string& topic) {
     std::vector<std::string> names;
     for (const CLI::App* command : program.get_subcommands({})) {
+        if (command->get_group().empty()) continue;
         if (command->get_name() == topic) return command->help("beatatlas");
         names.push_back(command->get_name());
     }
@@ -98,14 +101,20 @@ std::string helpOn(const CLI::App& program, const std::string& topic) {
                            suggestion(topic, names));
 }
 
+/** Null unless the first word names a command. */
+const Command* commandOf(const Commands& commands, const std::vector<std::string>& words) {
+    if (words.empty()) return nullptr;
+    const auto named =
+        std::find_if(commands.begin(), commands.end(),
+                     [&](const auto& command) { return command->name() == words.front(); });
+    return named == commands.end() ? nullptr : named->get();
+}
+
 /** Where the options are told that fit the command line. */
 std::string helpPointer(const std::vector<std::string>& words) {
     const Commands commands = makeCommands();
-    const bool isCommand =
-        !words.empty() && std::any_of(commands.begin(), commands.end(), [&](const auto& command) {
-            return command->name() == words.front();
-        });
-    return " (see beatatlas " + (isCommand ? words.front() + " " : "") + "--help)";
+    const bool hasOwnHelp = commandOf(commands, words) != nullptr;
+    return " (see beatatlas " + (hasOwnHelp ? words.front() + " " : "") + "--help)";
 }
 
 }  // namespace
@@ -138,6 +147,9 @@ ExitCode Program::parseAndRun(const std::vector<std::string>& words) {
     declareProgram(program);
     for (const auto& command : commands) declareCommand(program, *command);
     declareHelp(program, topic);
+    // The tool's own calls of itself state all that matters.
+    const Command* command = commandOf(commands, words);
+    if (command != nullptr && !command->isHidden()) applyConfig(program, words);
     try {
         program.parse(toArguments(words));
     } catch (const CLI::CallForHelp&) {

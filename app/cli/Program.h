@@ -14,8 +14,8 @@ class Program {
 public:
     explicit Program(ResultStream& results) : results_(results) {}
 
-    /** Parses the command line, runs the command, turns every failure into a message and an exit
-     *  status. */
+    /** Parses the command line, runs the command, and turns every failure into a message and an
+     *  exit status. */
     int run(int argc, const char* const* argv);
 
 private:

@@ -19,24 +19,28 @@ class App;
 
 namespace app {
 
-/** The arguments of every command that reads tracks, and what goes with each track: progress,
+/** The arguments of every command that reads tracks, and what is printed for each track: progress,
  *  warnings, the reason why it failed. */
 class TrackArguments {
 public:
     void declare(CLI::App& arguments);
 
-    /** Before the first track. @param paths  of all the tracks, in their order */
+    /** Before the first track. @param paths  of all the tracks, in their order
+     *  @throws UsageError when they ask for standard input twice, or tell its format and not
+     *          itself */
     void settle(const std::vector<std::string>& paths);
 
     bool acceptsCutOff() const { return acceptsCutOff_; }
+    bool isQuiet() const { return isQuiet_; }
+    bool isVerbose() const { return isVerbose_; }
 
-    /** How to read one track; what is to be found in it is left to say. */
+    /** How to read one track; the caller adds what to find in it. */
     media::FileAnalysis::Options reading(const std::string& path,
                                          const media::Effort& effort) const;
 
     /** Works on the next track, with progress and warnings on standard error.
-     *  @param work  takes a ProgressLine, gives something that is a TrackSource
-     *  @return nothing when the track failed; the reason, which went to standard error too, is in
+     *  @param work  takes a ProgressLine and returns a TrackSource
+     *  @return nothing when the track failed; the reason, also printed on standard error, is in
      *           failure() */
     template <class Work>
     auto attempt(const std::string& path, Work work)
@@ -57,7 +61,7 @@ public:
 
     const std::string& failure() const { return failure_; }
 
-    /** After the last track, or where the command was stopped: says how many are done. */
+    /** After the last track, or when the command was interrupted: prints how many are done. */
     void tellOutcome() { progress_->tellOutcome(); }
 
 private:
@@ -67,6 +71,7 @@ private:
     bool acceptsCutOff_ = false;
     bool isQuiet_ = false;
     bool isVerbose_ = false;
+    std::optional<std::string> rawFormat_;
     std::string failure_;
     std::optional<ProgressLine> progress_;
 };

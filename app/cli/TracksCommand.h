@@ -17,15 +17,15 @@ class Option;
 
 namespace app {
 
-/** A command that takes any number of tracks and tells of each what it found, as text or JSON. A
- *  track that fails keeps none of the others from being told. */
+/** A command that takes any number of tracks and reports what it found in each, as text or JSON. A
+ *  track that fails does not prevent the others. */
 class TracksCommand : public Command {
 public:
     void declare(CLI::App& arguments) override;
     ExitCode run(ResultStream& results) override;
 
 protected:
-    /** Declares what the command takes beside the tracks. @param json  the option --json */
+    /** Declares the command's own arguments. @param json  the option --json */
     virtual void declareOwn(CLI::App& arguments, CLI::Option* json) = 0;
 
     /** Before any track. @throws UsageError when two arguments do not go together */
@@ -39,10 +39,11 @@ protected:
 
     const TrackArguments& tracks() const { return tracks_; }
 
-    /** Whether results are told as JSON. */
+    /** Whether results are reported as JSON. */
     bool isJson() const { return asJson_; }
 
-    /** The work of examine(). @param analyze  takes a ProgressLine, gives what an Entry tells */
+    /** The work of examine(). @param analyze  takes a ProgressLine and returns what an Entry
+     *  reports */
     template <class Entry, class Analyze, class... Details>
     std::unique_ptr<output::ReportEntry> examineBy(const Analyze& analyze, const std::string& path,
                                                    Details... details) {

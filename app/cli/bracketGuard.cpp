@@ -10,7 +10,8 @@ constexpr char kMark = '\x01';
 }  // namespace
 
 std::string guarded(const std::string& argument) {
-    // A name that begins with the mark itself gets another, so that exactly one is taken off again.
+    // A name that begins with the mark itself gets another one, so that exactly one is removed
+    // again.
     const bool needsMark =
         !argument.empty() && (argument.front() == '[' || argument.front() == kMark);
     return needsMark ? kMark + argument : argument;

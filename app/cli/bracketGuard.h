@@ -5,9 +5,8 @@
 
 namespace app {
 
-/** @name File names in brackets
- *  CLI11 takes an argument such as "[a,b]" for a list of two. Such arguments are marked before it
- *  sees them, and the mark is taken off the names it hands back.
+/** @name File names in brackets CLI11 takes an argument such as "[a,b]" for a list of two. Such
+ *  arguments are marked before it sees them, and the mark is removed from the names it returns.
  *  @{ */
 std::string guarded(const std::string& argument);
 std::string unguarded(const std::string& argument);

@@ -13,11 +13,10 @@ namespace app {
 namespace {
 
 std::map<std::string, output::KeyNotation> notations() {
-    return {{"standard", output::KeyNotation::standard},
-            {"sharps", output::KeyNotation::sharps},
-            {"flats", output::KeyNotation::flats},
-            {"camelot", output::KeyNotation::camelot},
-            {"openkey", output::KeyNotation::openKey}};
+    return {{"standard", output::KeyNotation::standard}, {"sharps", output::KeyNotation::sharps},
+            {"flats", output::KeyNotation::flats},       {"camelot", output::KeyNotation::camelot},
+            {"openkey", output::KeyNotation::openKey},   {"german", output::KeyNotation::german},
+            {"solfege", output::KeyNotation::solfege}};
 }
 
 }  // namespace
@@ -30,7 +29,9 @@ CLI::Option* addKeyNotation(CLI::App& arguments, std::optional<output::KeyNotati
                     "sharps: F# minor, A# major\n"
                     "flats: Gb minor, Bb major\n"
                     "camelot: 11A, 6B\n"
-                    "openkey: 4m, 11d")
+                    "openkey: 4m, 11d\n"
+                    "german: fis-Moll, B-Dur\n"
+                    "solfege: Fa# minor, Sib major")
         ->transform(oneOf(notations()))
         ->option_text("NAMES");
 }

@@ -12,7 +12,7 @@ class Option;
 
 namespace app {
 
-/** Declares --key-notation, by which keys are named in one way alone. */
+/** Declares --key-notation, which names keys in one notation only. */
 CLI::Option* addKeyNotation(CLI::App& arguments, std::optional<output::KeyNotation>& notation);
 
 }  // namespace app

@@ -15,7 +15,7 @@ namespace {
 constexpr std::string_view kPrefixes = "kmgt";
 constexpr double kMostBytes = 4.0e18;
 
-/** Bytes of a unit in small letters: "", "b", "g", "gib", "gb". */
+/** Bytes of a unit in lower case: "", "b", "g", "gib", "gb". */
 std::optional<double> unitBytes(std::string_view unit) {
     if (unit.empty() || unit == "b") return 1.0;
     const std::size_t power = kPrefixes.find(unit.front());

@@ -5,7 +5,7 @@
 
 namespace app {
 
-/** @name Words for people, one line each on standard error
+/** @name Messages for people, one line each on standard error
  *  @{ */
 void printError(const std::string& text);
 void printFileError(const std::string& path, const std::string& reason);

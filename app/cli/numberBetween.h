@@ -8,8 +8,7 @@
 
 namespace app {
 
-/** Accepts numbers from least to most, both included; no text, no infinity, nothing that is no
- *  number. */
+/** Accepts numbers from least to most, both included; refuses text, infinities and NaN. */
 inline CLI::Validator numberBetween(double least, double most) {
     const auto refusal = [least, most](const std::string& text) -> std::string {
         double number = 0.0;

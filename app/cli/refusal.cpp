@@ -28,7 +28,7 @@ std::string namingHint(const std::string& word) {
     return "; a file " + name + " is written ./" + name + ", or goes behind --";
 }
 
-/** Where a file was named that looks like options: how to name it. */
+/** If a file's name looks like an option: how to name the file. */
 std::string dashHint(const std::vector<std::string>& words) {
     const auto end = std::find(words.begin(), words.end(), "--");
     const auto found = std::find_if(
@@ -51,12 +51,13 @@ std::string unknownCommand(const CLI::App& program, const std::string& word) {
     if (isFile(word))
         return "there is no command " + shown + "; did you mean analyze " + shown + "?";
     std::vector<std::string> names;
-    for (const CLI::App* command : program.get_subcommands({}))
-        names.push_back(command->get_name());
+    for (const CLI::App* command : program.get_subcommands({})) {
+        if (!command->get_group().empty()) names.push_back(command->get_name());
+    }
     return "there is no command " + shown + suggestion(word, names);
 }
 
-/** The first word that nothing took. */
+/** The first word that no argument took. */
 std::string firstExtra(const CLI::App& program) {
     for (const std::string& word : program.remaining(true)) {
         if (word != "--") return unguarded(word);
@@ -64,7 +65,7 @@ std::string firstExtra(const CLI::App& program) {
     return {};
 }
 
-/** What is left of a word whose first letters were options. */
+/** The whole word, of which the first letters were taken for options. */
 std::string wholeWord(const std::string& rest, const std::vector<std::string>& words) {
     const auto found = std::find_if(words.begin(), words.end(), [&](const std::string& word) {
         return isOption(word) && word.ends_with(rest.substr(1));
@@ -83,7 +84,7 @@ std::string unexpected(const CLI::App& command, const std::string& word,
     return refused + suggestion(word.substr(0, word.find('=')), namesOfOptions(command));
 }
 
-/** The parser's own words begin with the option's name. */
+/** The parser's own message begins with the option's name. */
 std::string wrongNumberOfValues(const std::string& text) {
     const std::string option = text.substr(0, text.find(':'));
     if (text.ends_with(" missing")) return option + " needs a value";
@@ -98,7 +99,7 @@ std::string refusalOf(const CLI::App& program, const CLI::ParseError& error,
     if (words.empty()) return "a command is missing";
     if (program.get_subcommands().empty() || isOption(words.front()))
         return unknownCommand(program, words.front());
-    // An option that is misspelt may be why another one is missing.
+    // A misspelt option may be the reason why another one is missing.
     const std::string extra = firstExtra(program);
     const CLI::App& command = *program.get_subcommands().front();
     if (!extra.empty()) return unexpected(command, extra, words);

@@ -11,8 +11,8 @@ namespace app {
 namespace {
 
 constexpr std::size_t kLettersPerSlip = 3;
-constexpr std::size_t kShortestBeginning = 3;  ///< that can only be meant for one name
-constexpr std::size_t kLongestWord = 40;       ///< nobody misspells a name at such length
+constexpr std::size_t kShortestBeginning = 3;  // shorter ones fit too many names
+constexpr std::size_t kLongestWord = 40;       // no misspelt name is longer
 
 std::string inSmallLetters(const std::string& word) {
     std::string small = word;

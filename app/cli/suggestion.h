@@ -6,10 +6,11 @@
 
 namespace app {
 
-/** What a misspelt word was meant for: "; did you mean analyze?", or nothing where no name is near.
+/** What a misspelt word was probably meant to be: "; did you mean analyze?", or nothing when no
+ *  name is similar.
  *
- *  Near is a name of which the word is the beginning, and one that a slip or two of the fingers
- *  makes the word: a letter too many, one missing, a wrong one, two exchanged; capitals aside. */
+ *  A name is similar if the word is its beginning, or differs from it by one or two typing errors:
+ *  a letter too many, one missing, a wrong one, two exchanged. Case is ignored. */
 std::string suggestion(const std::string& word, const std::vector<std::string>& names);
 
 }  // namespace app

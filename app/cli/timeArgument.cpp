@@ -18,7 +18,8 @@ bool isDigit(char c) {
     return std::isdigit(static_cast<unsigned char>(c)) != 0;
 }
 
-/** Digits, and with a fraction a point and more digits; nothing for signs, exponents and words. */
+/** Digits, if fractions are allowed also a point and more digits; nothing for signs, exponents and
+ *  words. */
 std::optional<double> plainNumber(std::string_view text, bool mayHaveFraction) {
     const bool isPlain = std::all_of(text.begin(), text.end(), [&](char c) {
         return isDigit(c) || (mayHaveFraction && c == '.');
@@ -28,7 +29,7 @@ std::optional<double> plainNumber(std::string_view text, bool mayHaveFraction) {
     return number;
 }
 
-/** What stands behind a colon. */
+/** The number after a colon. */
 std::optional<double> sixtieths(std::string_view text, bool mayHaveFraction) {
     const std::size_t whole = std::min(text.find('.'), text.size());
     if (whole == 0 || whole > 2) return std::nullopt;

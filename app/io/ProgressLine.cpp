@@ -5,11 +5,11 @@
 #include <cstdio>
 
 #include <fmt/format.h>
-#include <sys/ioctl.h>
 #include <unistd.h>
 
 #include "base/displayName.h"
 #include "io/columns.h"
+#include "io/terminal.h"
 #include "output/textFormat.h"
 
 namespace app {
@@ -17,25 +17,17 @@ namespace app {
 namespace {
 
 constexpr std::chrono::milliseconds kShowEvery{100};
-constexpr std::chrono::seconds kTellEvery{30};  // nobody watches: often enough to see that it lives
-constexpr std::size_t kUsualColumns = 80;
+// Without a terminal: often enough to show that work goes on.
+constexpr std::chrono::seconds kPrintEvery{30};
 constexpr std::size_t kWidestBar = 30;
 constexpr std::size_t kNarrowestBar = 8;
-constexpr std::size_t kFewestNameColumns = 16;  ///< beside a bar
-constexpr std::size_t kShortestName = 8;        ///< that tells more than nothing
+constexpr std::size_t kFewestNameColumns = 16;  // beside a bar
+constexpr std::size_t kShortestName = 8;        // shorter ones are useless
 constexpr std::size_t kFewestColumnsForSpeed = 50;
-constexpr std::size_t kBarFrame = 4;  ///< two spaces and two brackets
-constexpr std::string_view kWipeLine = "\r\x1B[K";
-
-std::size_t terminalColumns() {
-    struct winsize size = {};
-    if (ioctl(STDERR_FILENO, TIOCGWINSZ, &size) != 0 || size.ws_col == 0) return kUsualColumns;
-    return size.ws_col;
-}
+constexpr std::size_t kBarFrame = 4;  // two spaces and two brackets
 
 void print(const std::string& text) {
     std::fwrite(text.data(), 1, text.size(), stderr);
-    std::fflush(stderr);
 }
 
 int percent(const RunProgress& run) {
@@ -52,7 +44,7 @@ std::string leftText(const RunProgress& run, double elapsedSeconds) {
     return seconds ? output::clockTimeInSeconds(*seconds) + " left" : "";
 }
 
-/** Percentage, speed and time left, as many of them as leave room for a name. */
+/** Percentage, speed and time left: as many of them as leave room for a name. */
 std::string figures(const RunProgress& run, double elapsedSeconds, std::size_t columns) {
     std::string text = fmt::format("  {:3d} %", percent(run));
     if (columns + 1 >= kFewestColumnsForSpeed)
@@ -76,7 +68,7 @@ std::string progressText(const RunProgress& run, const std::string& name, double
     const std::string numbers = figures(run, elapsedSeconds, room);
     const std::size_t free = room - std::min(room, numbers.size());
     if (free >= kShortestName || before.empty()) {
-        // The name comes before the bar where there is no room for both.
+        // The name takes precedence over the bar when there is no room for both.
         const std::size_t barRoom = free - std::min(free, kFewestNameColumns + kBarFrame);
         const std::size_t barWidth = std::min({kWidestBar, columns / 3, barRoom});
         const std::string drawn = barWidth < kNarrowestBar ? "" : bar(run.fraction(), barWidth);
@@ -89,7 +81,7 @@ ProgressLine::ProgressLine(const std::vector<std::string>& paths, Manner manner,
                            Clock::time_point begin)
     : run_(paths), manner_(manner), begin_(begin), nextShow_(begin) {
     if (manner_ == Manner::watched && isatty(STDERR_FILENO) == 0) manner_ = Manner::lines;
-    if (manner_ == Manner::lines) nextShow_ += kTellEvery;
+    if (manner_ == Manner::lines) nextShow_ += kPrintEvery;
 }
 
 ProgressLine::~ProgressLine() {
@@ -109,19 +101,19 @@ void ProgressLine::show(double fraction, double trackSeconds, Clock::time_point 
         showOver(elapsed);
         nextShow_ = now + kShowEvery;
     } else {
-        tell(elapsed);
-        nextShow_ = now + kTellEvery;
+        printProgress(elapsed);
+        nextShow_ = now + kPrintEvery;
     }
 }
 
 void ProgressLine::showOver(double elapsedSeconds) {
     const std::string name = base::displayName(path_.substr(path_.rfind('/') + 1));
     // A terminal may wrap once its last column is written.
-    print(std::string(kWipeLine) + progressText(run_, name, elapsedSeconds, terminalColumns() - 1));
+    writeOver(progressText(run_, name, elapsedSeconds, terminalColumns() - 1));
     shown_ = true;
 }
 
-void ProgressLine::tell(double elapsedSeconds) const {
+void ProgressLine::printProgress(double elapsedSeconds) const {
     std::string text = base::displayName(path_) + ": ";
     if (run_.tracks() > 1) text += run_.count() + ", ";
     text += fmt::format("{} %", percent(run_));
@@ -132,7 +124,7 @@ void ProgressLine::tell(double elapsedSeconds) const {
 }
 
 void ProgressLine::wipe() {
-    if (shown_) print(std::string(kWipeLine));
+    if (shown_) writeOver("");
     shown_ = false;
 }
 

@@ -10,20 +10,23 @@
 
 namespace app {
 
-/** Tells on standard error how far a command is with its tracks.
+/** Shows on standard error how far a command is with its tracks.
  *
- *  While a person watches it is one line that is written over again and wiped in the end; nothing
- *  in it moves while a track lasts. On a narrow terminal the bar goes first, then the speed, the
- *  time left and the name. Where standard error is no terminal, or other lines go between, it is a
- *  line of its own now and then. */
+ *  On a terminal it is one line that is overwritten and erased at the end; its fields keep their
+ *  positions during a track. On a narrow terminal the bar is omitted first, then the speed, the
+ *  time left and the name. If standard error is not a terminal, or other lines are printed too, it
+ *  is a separate line now and then. */
 class ProgressLine {
 public:
     using Clock = std::chrono::steady_clock;
 
     enum class Manner {
-        quiet,    ///< nothing at all
-        watched,  ///< the line on a terminal, else lines now and then
-        lines,    ///< lines now and then
+        /** Nothing at all. */
+        quiet,
+        /** The line on a terminal, otherwise lines now and then. */
+        watched,
+        /** Lines now and then. */
+        lines,
     };
 
     /** @param paths  of all the tracks, in their order */
@@ -38,16 +41,16 @@ public:
     /** As RunProgress::show(). */
     void show(double fraction, double trackSeconds, Clock::time_point now = Clock::now());
 
-    /** Wipes the line, so that something else can be printed. */
+    /** Erases the line, so that something else can be printed. */
     void endTrack(bool isDone);
 
-    /** Where there were several tracks: how many are done and how many failed. */
+    /** If there were several tracks: how many are done and how many failed. */
     void tellOutcome();
 
 private:
     void wipe();
     void showOver(double elapsedSeconds);
-    void tell(double elapsedSeconds) const;
+    void printProgress(double elapsedSeconds) const;
 
     RunProgress run_;
     Manner manner_;
@@ -58,10 +61,10 @@ private:
 };
 
 /** The line on a terminal: "12 of 300  song.mp3  [######......]   43 %    85x     0:12 left", the
- *  speed in times of real time. Every figure keeps its columns, which are blank while it is not
- *  known.
- *  @param name     as it is to be shown
- *  @param columns  that may be used */
+ *  speed as a multiple of real time. Every figure keeps its columns, which are blank while it is
+ *  unknown.
+ *  @param name     of the file, ready for display
+ *  @param columns  available on the terminal */
 std::string progressText(const RunProgress& run, const std::string& name, double elapsedSeconds,
                          std::size_t columns);
 

@@ -5,13 +5,14 @@
 
 namespace app {
 
-/** Where results go: the caller's standard output, unbuffered, every failure noticed. */
+/** The stream for results: the caller's standard output, unbuffered, with every failure
+ *  detected. */
 class ResultStream {
 public:
-    /** @param descriptor  stays the caller's; -1 when there is none, then every write fails */
+    /** @param descriptor  remains the caller's; -1 when there is none, then every write fails */
     explicit ResultStream(int descriptor) : descriptor_(descriptor) {}
 
-    /** @throws OutputError when the text could not be written whole */
+    /** @throws OutputError when the text could not be written completely */
     void write(std::string_view text);
 
 private:

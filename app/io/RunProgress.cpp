@@ -15,9 +15,10 @@ namespace app {
 namespace {
 
 constexpr double kShortestMeasuredSeconds = 0.5;
-constexpr double kLongestToldSeconds = 1000.0 * 3600.0;  // what has hardly begun may seem endless
+constexpr double kLongestShownSeconds =
+    1000.0 * 3600.0;  // at the very beginning the estimate may be huge
 
-/** At least 1: also what cannot be read is something to do. */
+/** At least 1: a file that cannot be read counts too. */
 double weightOf(const std::string& path) {
     std::error_code failure;
     const std::uintmax_t bytes = std::filesystem::file_size(path, failure);
@@ -72,7 +73,7 @@ std::optional<double> RunProgress::secondsLeft(double elapsedSeconds) const {
     const double done = fraction();
     if (elapsedSeconds < kShortestMeasuredSeconds || done <= 0.0) return std::nullopt;
     const double left = elapsedSeconds * (1.0 - done) / done;
-    return left <= kLongestToldSeconds ? std::optional(left) : std::nullopt;
+    return left <= kLongestShownSeconds ? std::optional(left) : std::nullopt;
 }
 
 std::string RunProgress::count() const {

@@ -9,31 +9,30 @@
 namespace app {
 
 /** How far a command is with all of its tracks. Each counts as the bytes of its file, which are
- *  known before any is read; one that failed counts for as much as was done of it. */
+ *  known before any is read; one that failed counts as far as it was read. */
 class RunProgress {
 public:
     explicit RunProgress(const std::vector<std::string>& paths);
 
-    /** Takes up the next track. */
+    /** Begins the next track. */
     void begin();
 
-    /** @param fraction      of the work on that track, 0 to 1; values outside are taken to the
-     *                       nearer end
-     *  @param trackSeconds  its length; 0 while that is not known */
+    /** @param fraction      of the work on that track; clamped to 0 to 1
+     *  @param trackSeconds  its length; 0 while unknown */
     void show(double fraction, double trackSeconds);
 
     void end(bool isDone);
 
     std::size_t tracks() const { return weights_.size(); }
-    std::size_t number() const { return begun_; }  ///< of the track at hand, from 1
+    std::size_t number() const { return begun_; }  // of the current track, from 1
 
     /** Of all the work, 0 to 1. */
     double fraction() const;
 
-    /** How many times faster than the music it goes; nothing while no length is known. */
+    /** The speed as a multiple of real time; nothing while no length is known. */
     std::optional<double> speed(double elapsedSeconds) const;
 
-    /** Nothing before it can be told: too early, it would be a guess. */
+    /** Nothing at the beginning, when it would be a guess. */
     std::optional<double> secondsLeft(double elapsedSeconds) const;
 
     /** "12 of 300"; empty for a single track. */
@@ -45,9 +44,9 @@ public:
 private:
     std::vector<double> weights_;
     double all_ = 0.0;
-    double before_ = 0.0;         ///< done of the tracks before
-    double secondsBefore_ = 0.0;  ///< of music in them
-    double current_ = 0.0;        ///< fraction of the track at hand
+    double before_ = 0.0;         // done of the tracks before
+    double secondsBefore_ = 0.0;  // of music in them
+    double current_ = 0.0;        // fraction of the current track
     double trackSeconds_ = 0.0;
     std::size_t begun_ = 0;
     std::size_t done_ = 0;

@@ -10,7 +10,7 @@ namespace app {
 
 namespace {
 
-/** Where there is no /dev/null, a pipe that nobody reads: what is written there is lost as well.
+/** If there is no /dev/null, a pipe that nobody reads: what is written to it is lost as well.
  *  @return -1 when there is neither */
 int openNowhere() {
     const int null = open("/dev/null", O_RDWR | O_CLOEXEC);
@@ -21,7 +21,7 @@ int openNowhere() {
     return ends[1];
 }
 
-/** True when the descriptor was open already. */
+/** @return true when the descriptor was open already */
 bool fillWhenClosed(int descriptor) {
     if (fcntl(descriptor, F_GETFD) != -1) return true;
     const int nowhere = openNowhere();
@@ -32,7 +32,7 @@ bool fillWhenClosed(int descriptor) {
     return false;
 }
 
-/** Among the errors a library's lines can be borne, among the results they cannot. */
+/** A library's output is tolerable on standard error, but not among the results. */
 void leadOutputAway() {
     const int nowhere = openNowhere();
     dup2(nowhere == -1 ? STDERR_FILENO : nowhere, STDOUT_FILENO);

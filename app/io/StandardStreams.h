@@ -5,11 +5,11 @@ namespace app {
 
 /** Keeps results apart from everything else that is printed.
  *
- *  Libraries may print on standard output. So the descriptor that the caller gave as standard
- *  output is kept aside for results alone, and descriptor 1 leads nowhere.
+ *  Libraries may print on standard output. Therefore the caller's standard output is kept on
+ *  another descriptor for results alone, and descriptor 1 leads nowhere.
  *
- *  Make one before any file is opened: it also fills missing descriptors 0 to 2, so that no file of
- *  the tool is ever taken for a standard stream. */
+ *  Create it before any file is opened: it also fills missing descriptors 0 to 2, so that no file
+ *  of the tool is taken for a standard stream. */
 class StandardStreams {
 public:
     StandardStreams();

@@ -11,8 +11,8 @@ namespace app {
 
 namespace {
 
-/** The calling thread counts in UTF-8 while it lives: file names are shown so in every locale, and
- *  nothing else of the program goes by the locale. */
+/** Switches the calling thread to a UTF-8 locale while it exists: file names are shown in UTF-8 in
+ *  every locale, and nothing else in the program depends on the locale. */
 class Utf8Scope {
 public:
     Utf8Scope() {
@@ -39,7 +39,7 @@ wchar_t codePoint(std::string_view character) {
     return static_cast<wchar_t>(value);
 }
 
-/** Where the system does not know a character, from U+0800 on it may be a wide one. */
+/** A character that the system does not know may be a wide one from U+0800 on. */
 std::size_t widthOf(std::string_view character) {
     const int width = wcwidth(codePoint(character));
     if (width >= 0) return static_cast<std::size_t>(width);

@@ -7,8 +7,9 @@
 
 namespace app {
 
-/** How many columns of a terminal UTF-8 text takes: two for a wide character, none for a combining
- *  one, whatever the caller's locale. Bytes that are no character count as one each. */
+/** The number of terminal columns that UTF-8 text takes: two for a wide character, none for a
+ *  combining one, whatever the caller's locale. Bytes that are not part of a character count as one
+ *  each. */
 std::size_t columnsOf(std::string_view text);
 
 /** The first characters of the text, as many as fit. */

@@ -5,7 +5,8 @@
 
 namespace app {
 
-/** Whether a file's name ends so, in capitals or not. @param ending  lower case, with its dot */
+/** Whether a file's name has this extension; case does not matter. @param ending  lower case, with
+ *  its dot */
 bool hasEnding(std::string_view path, std::string_view ending);
 
 }  // namespace app

@@ -35,7 +35,7 @@ std::string FileBytes::text(std::size_t at, std::size_t count) const {
 std::int64_t findInFile(const FileInput& input, std::string_view text, std::int64_t from,
                         std::int64_t end) {
     constexpr std::size_t kWindow = std::size_t{1} << 16;
-    // Each window begins before the last one ends: the text may lie across.
+    // The windows overlap: the text may lie across the end of one.
     const auto step = static_cast<std::int64_t>(kWindow - text.size());
     for (std::int64_t at = from; at < std::min(end, input.size()); at += step) {
         const std::size_t found = FileBytes(input, at, kWindow).findFirst(text);

@@ -9,8 +9,8 @@ namespace media {
 
 class FileInput;
 
-/** A piece of a file. Reading outside it gives zeros, so that no header needs a length check of its
- *  own. */
+/** A section of a file. Reading outside it yields zeros, so that no header needs a length check of
+ *  its own. */
 class FileBytes {
 public:
     FileBytes(const FileInput& input, std::int64_t offset, std::size_t count);
@@ -31,8 +31,8 @@ private:
     std::string bytes_;
 };
 
-/** Where the text occurs first in a file, beginning at `from` or behind it and before `end`; -1 when
- *  it does not. */
+/** Offset of the first occurrence of the text in a file that begins at `from` or later and before
+ *  `end`; -1 when there is none. */
 std::int64_t findInFile(const FileInput& input, std::string_view text, std::int64_t from,
                         std::int64_t end);
 

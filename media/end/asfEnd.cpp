@@ -11,7 +11,7 @@ namespace {
 
 constexpr std::string_view
     kDataObject("\x36\x26\xB2\x75\x8E\x66\xCF\x11\xA6\xD9\x00\xAA\x00\x62\xCE\x6C", 16);
-constexpr std::uint64_t kLeastDataObject = 50;  ///< its own header; live streams write less
+constexpr std::uint64_t kLeastDataObject = 50;  // the object's own header; live streams write less
 constexpr std::uint64_t kLongestObject = 1ULL << 62;
 
 }  // namespace

@@ -10,10 +10,10 @@ namespace {
 
 constexpr std::int64_t kFileHeaderBytes = 8;
 constexpr std::int64_t kChunkHeaderBytes = 12;
-constexpr std::size_t kPrimingAt = 16;  ///< behind the numbers of packets and of valid frames
+constexpr std::size_t kPrimingAt = 16;  // behind the numbers of packets and of valid frames
 // A file has one of each kind.
 constexpr int kMostChunks = 256;
-// More is no priming but a damaged file: encoders look ahead by some thousand frames.
+// More is a sign of damage: encoders look ahead by a few thousand frames.
 constexpr std::uint64_t kMostPriming = 1 << 16;
 
 }  // namespace
@@ -28,7 +28,8 @@ std::int64_t cafPriming(const FileInput& input) {
             const std::uint64_t priming = table.bigEndian(kPrimingAt, 4);
             return priming <= kMostPriming ? static_cast<std::int64_t>(priming) : 0;
         }
-        // All ones: sound to the file's end, of a recording that was cut short.
+        // All ones: the chunk extends to the end of the file, because the recording was
+        // interrupted.
         if (length > static_cast<std::uint64_t>(input.size())) return 0;
         offset += kChunkHeaderBytes + static_cast<std::int64_t>(length);
     }

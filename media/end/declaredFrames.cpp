@@ -12,7 +12,7 @@ namespace {
 
 std::int64_t paddingOf(const Container& container, const FileInput& input) {
     if (container.isFormat("mp3")) return mpegAudioPadding(input);
-    // The granules of Ogg count the pre-skip of Opus.
+    // The granules of Ogg include the pre-skip of Opus.
     const AVCodecParameters& codec = *container.stream().codecpar;
     return container.isFormat("ogg") && codec.codec_id == AV_CODEC_ID_OPUS ? codec.initial_padding
                                                                            : 0;
@@ -23,7 +23,7 @@ std::int64_t paddingOf(const Container& container, const FileInput& input) {
 std::optional<std::int64_t> declaredFrames(const Container& container, const FileInput& input,
                                            int rate) {
     const auto seconds = container.declaredSeconds();
-    // ASF counts milliseconds, and from where depends on the encoder.
+    // ASF states milliseconds, and where they start depends on the encoder.
     if (!seconds || container.isFormat("asf")) return std::nullopt;
     const double frames = std::round(*seconds * rate);
     if (!(frames >= 0.0 && frames <= static_cast<double>(kMostFrames))) return std::nullopt;

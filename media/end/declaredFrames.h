@@ -9,8 +9,8 @@ namespace media {
 class Container;
 class FileInput;
 
-/** Frames of music by the file's own account, what the encoder added left out as far as the file
- *  tells it; nothing for formats that tell no length, or none that is exact to the frame.
+/** Frames of music as the file states them, without what the encoder added as far as the file
+ *  states that; nothing for formats that state no length, or none that is exact to the frame.
  *  @param rate  Hz, of the track */
 std::optional<std::int64_t> declaredFrames(const Container& container, const FileInput& input,
                                            int rate);

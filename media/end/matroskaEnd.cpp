@@ -13,12 +13,12 @@ constexpr std::size_t kIdBytes = 4;
 constexpr std::uint64_t kHeaderId = 0x1A45DFA3;
 constexpr std::uint64_t kSegmentId = 0x18538067;
 
-/** An element's end; nothing when its length is unknown (all ones), as live streams have it. */
+/** An element's end; nothing when its length is unknown (all ones), as in live streams. */
 std::optional<std::int64_t> elementEnd(const FileInput& input, std::int64_t offset,
                                        std::uint64_t id) {
     const FileBytes header(input, offset, 16);
     if (header.bigEndian(0, kIdBytes) != id || header.byte(kIdBytes) == 0) return std::nullopt;
-    // The length's own length is told by the leading zeros of its first byte (RFC 8794).
+    // The leading zeros of its first byte state how many bytes the length takes (RFC 8794).
     const auto lengthBytes = static_cast<std::size_t>(std::countl_zero(header.byte(kIdBytes))) + 1;
     const std::uint64_t ones = (1ULL << (7 * lengthBytes)) - 1;
     const std::uint64_t length = header.bigEndian(kIdBytes, lengthBytes) & ones;

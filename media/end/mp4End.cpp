@@ -12,7 +12,7 @@ namespace {
 
 constexpr std::uint64_t kLongestBox = 1ULL << 62;
 
-/** Bytes after the last box (a foreign tag, zeros) are not to be taken for a box. */
+/** Bytes after the last box (a foreign tag, zeros) must not be taken for a box. */
 bool isBox(const std::string& type) {
     static constexpr std::array kTypes = {"ftyp", "moov", "mdat", "free", "skip",
                                           "wide", "udta", "moof", "mfra", "uuid",
@@ -20,7 +20,7 @@ bool isBox(const std::string& type) {
     return std::find(kTypes.begin(), kTypes.end(), type) != kTypes.end();
 }
 
-/** Calls visit(type) for each box that is begun. @return where the last one ends */
+/** Calls visit(type) for each box that begins within the file. @return where the last one ends */
 template <class Visit>
 std::int64_t walkBoxes(const FileInput& input, const Visit& visit) {
     std::int64_t end = 0;
@@ -30,7 +30,7 @@ std::int64_t walkBoxes(const FileInput& input, const Visit& visit) {
         visit(header.text(4, 4));
         std::uint64_t length = header.bigEndian(0, 4);
         if (length == 1) length = header.bigEndian(8, 8);
-        // 0: the box goes to the end of the file, wherever that is.
+        // 0: the box extends to the end of the file, wherever that is.
         if (length < 8 || length > kLongestBox) break;
         end += static_cast<std::int64_t>(length);
     }

@@ -18,9 +18,9 @@ constexpr std::uint64_t kHasQuality = 8;
 constexpr std::size_t kSeekTableBytes = 100;
 constexpr std::size_t kHeaderFrameBytes = 192;
 
-// Behind the Xing header LAME and its followers put their name and settings, and 21 bytes on two
-// times 12 bits: the frames of silence they put before the music, and after it. Every decoder
-// delays by 529 more.
+// After the Xing header LAME and its successors write their name and settings, and 21 bytes further
+// two numbers of 12 bits: the frames of silence before the music and after it. Every decoder delays
+// by another 529.
 constexpr std::size_t kDelaysAt = 21;
 constexpr std::int64_t kDecoderDelay = 529;
 constexpr std::int64_t kLameDelay = 576;
@@ -46,11 +46,11 @@ std::size_t sideInfoBytes(const FileBytes& frame) {
     return isMono ? 9 : 17;
 }
 
-/** The first frame, with a Xing or Info header in it. */
+/** The first frame, when it contains a Xing or Info header. */
 struct HeaderFrame {
     FileBytes bytes;
-    std::int64_t offset;   ///< in the file
-    std::size_t fieldsAt;  ///< where the header's flags stand
+    std::int64_t offset;   // in the file
+    std::size_t fieldsAt;  // of the header's flags
     std::uint64_t fields;
 
     bool has(std::uint64_t field) const { return (fields & field) != 0; }
@@ -65,10 +65,11 @@ std::optional<HeaderFrame> findHeader(const FileInput& input) {
     return HeaderFrame{frame, first, at + 4, frame.bigEndian(at + 4, 4)};
 }
 
-/** FFmpeg writes 0 or -529 where it does not know; then it is LAME's, as EncoderDelay has it. */
-std::int64_t encoderDelay(std::int64_t told, const std::string& writer) {
-    const bool isUnknown = writer != "LAME" && (told == 0 || told == 4096 - kDecoderDelay);
-    return isUnknown ? kLameDelay : told;
+/** FFmpeg writes 0 or -529 when it does not know the delay; LAME's is assumed then, as in
+ *  EncoderDelay. */
+std::int64_t encoderDelay(std::int64_t stated, const std::string& writer) {
+    const bool isUnknown = writer != "LAME" && (stated == 0 || stated == 4096 - kDecoderDelay);
+    return isUnknown ? kLameDelay : stated;
 }
 
 }  // namespace

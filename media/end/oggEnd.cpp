@@ -9,7 +9,7 @@ namespace media {
 
 namespace {
 
-constexpr std::size_t kHeaderBytes = 27;  ///< before the table of segment lengths (RFC 3533)
+constexpr std::size_t kHeaderBytes = 27;  // before the table of segment lengths (RFC 3533)
 constexpr std::int64_t kLongestPage = 27 + 255 + 255 * 255;
 
 }  // namespace

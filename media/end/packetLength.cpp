@@ -10,7 +10,7 @@ namespace {
 constexpr std::size_t kMpegHeaderBytes = 4;
 constexpr std::size_t kAdtsHeaderBytes = 7;
 
-// By the header's index; 0 stands for the two that have no meaning here, "free" and "bad".
+// By the index in the header; 0 for the two that state no rate, "free" and "bad".
 constexpr std::array<int, 16> kMpeg1KiloBits = {0,   32,  40,  48,  56,  64,  80,  96,
                                                 112, 128, 160, 192, 224, 256, 320, 0};
 constexpr std::array<int, 16> kLayer2KiloBits = {0,   32,  48,  56,  64,  80,  96,  112,
@@ -39,8 +39,8 @@ std::optional<std::size_t> mpegAudioPacketLength(std::span<const std::uint8_t> p
     const int kiloBits = kiloBitsOf[packet[2] >> 4];
     const int rate = kMpeg1Rates[(packet[2] >> 2) & 3] / (isMpeg1 ? 1 : version == kMpeg25 ? 4 : 2);
     if (kiloBits == 0 || rate == 0) return std::nullopt;
-    // A frame is 1152 samples, of layer III 576 from MPEG-2 on: so many eighths of the bit rate's
-    // bytes.
+    // A frame has 1152 samples, in layer III from MPEG-2 on 576. An eighth of them, since the
+    // result is in bytes.
     const int samplesPerEighth = isMpeg1 || layer == kLayer2 ? 144 : 72;
     const int padding = (packet[2] >> 1) & 1;
     return static_cast<std::size_t>(samplesPerEighth * kiloBits * 1000 / rate + padding);

@@ -8,8 +8,8 @@
 
 namespace media {
 
-/** The length in bytes that a packet of a bare stream tells in its own header; nothing when there
- *  is no such header. A shorter packet was cut off, which the decoders pass over in silence.
+/** The length in bytes that a packet of a bare stream states in its own header; nothing when there
+ *  is no such header. A shorter packet was cut off, which the decoders do not report.
  *  @{ */
 std::optional<std::size_t> mpegAudioPacketLength(std::span<const std::uint8_t> packet);
 std::optional<std::size_t> adtsPacketLength(std::span<const std::uint8_t> packet);

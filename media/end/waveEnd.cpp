@@ -10,8 +10,8 @@ namespace {
 constexpr std::int64_t kFirstChunk = 12;
 constexpr std::int64_t kChunkHeaderBytes = 8;
 
-// What programs write that stream into a pipe and cannot come back to fill in the length: 0, or
-// about 2^31 or 2^32.
+// Programs that write into a pipe cannot go back to fill in the length; they write 0, or about 2^31
+// or 2^32.
 bool isUnknownLength(std::uint64_t bytes) {
     return bytes == 0 || bytes >= 0x7FFF0000U;
 }

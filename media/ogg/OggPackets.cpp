@@ -16,17 +16,16 @@ namespace {
 
 constexpr int kSegmentFull = 255;
 
-// A page holds at most 65,025 bytes; slower than this music is not coded.
+// A page holds at most 65,025 bytes; no coder needs so few for more time.
 constexpr std::int64_t kLongestPageSeconds = 60;
 
 // Decades at any rate: a later granule is damage.
 constexpr std::int64_t kLatestGranule = std::int64_t{1} << 48;
 
-// Longer is no packet of music but a file of nothing else.
+// A longer packet is not music: such a file has no other content.
 constexpr std::size_t kMostPacketBytes = std::size_t{1} << 24;
 
-// The longest run of zeros that a coder leaves; longer ones are what a disk puts in place of what
-// it lost.
+// A coder leaves shorter runs of zeros only; longer ones stand where a disk lost data.
 constexpr std::size_t kLeastZeros = 16;
 
 std::string_view startOf(AVCodecID codec) {
@@ -68,48 +67,49 @@ bool OggPackets::knows(AVCodecID codec) {
 }
 
 bool OggPackets::next(AVPacket& packet) {
-    while (pieces_.empty()) {
+    while (packets_.empty()) {
         if (!readPage()) return false;
     }
-    hand(pieces_.front(), packet);
-    pieces_.pop_front();
+    fill(packet, packets_.front());
+    packets_.pop_front();
     return true;
 }
 
-void OggPackets::hand(Piece& piece, AVPacket& packet) const {
-    const std::size_t size = piece.bytes.size();
-    if (av_new_packet(&packet, static_cast<int>(size)) < 0) throw std::bad_alloc();
-    std::memcpy(packet.data, piece.bytes.data(), size);
-    packet.stream_index = stream_.index;
-    packet.pts = packet.dts = piece.time;
-    packet.duration = piece.duration;
-    packet.pos = pageOffset_;
-    if (piece.skippedStart == 0 && piece.skippedEnd == 0) return;
-    std::uint8_t* skipped = av_packet_new_side_data(&packet, AV_PKT_DATA_SKIP_SAMPLES, 10);
+void OggPackets::fill(AVPacket& out, const Packet& packet) const {
+    const std::size_t size = packet.bytes.size();
+    if (av_new_packet(&out, static_cast<int>(size)) < 0) throw std::bad_alloc();
+    std::memcpy(out.data, packet.bytes.data(), size);
+    out.stream_index = stream_.index;
+    out.pts = out.dts = packet.time;
+    out.duration = packet.duration;
+    out.pos = pageOffset_;
+    if (packet.skippedStart == 0 && packet.skippedEnd == 0) return;
+    std::uint8_t* skipped = av_packet_new_side_data(&out, AV_PKT_DATA_SKIP_SAMPLES, 10);
     if (skipped == nullptr) throw std::bad_alloc();
-    AV_WL32(skipped, static_cast<std::uint32_t>(piece.skippedStart));
-    AV_WL32(skipped + 4, static_cast<std::uint32_t>(piece.skippedEnd));
+    AV_WL32(skipped, static_cast<std::uint32_t>(packet.skippedStart));
+    AV_WL32(skipped + 4, static_cast<std::uint32_t>(packet.skippedEnd));
 }
 
 bool OggPackets::readPage() {
     const auto page = pages_.next();
     if (!page) return false;
     if (!isOurs(*page)) return true;
-    const bool isRepeated =
-        line_ >= 0 && page->number < number_ && page->granule >= 0 && page->granule <= line_;
+    const bool isRepeated = lastGranule_ >= 0 && page->number < number_ && page->granule >= 0 &&
+                            page->granule <= lastGranule_;
     repeatedPages_ += isRepeated ? 1 : 0;
     if (isRepeated) return true;
     damagedPages_ += page->isSound ? 0 : 1;
     isContiguous_ = page->number == number_ || (!page->isSound && !pages_.hasSkipped());
     number_ = (isContiguous_ ? number_ : page->number) + 1;
     pageOffset_ = page->offset;
-    auto pieces = piecesOf(*page);
-    if (pieces.empty()) return true;
-    const bool isFirst = line_ < 0;
-    setTimes(*page, pieces);
-    const auto suspects = std::erase_if(pieces, [](const Piece& piece) { return piece.isSuspect; });
+    auto packets = packetsOf(*page);
+    if (packets.empty()) return true;
+    const bool isFirst = isFirstPage();
+    setTimes(*page, packets);
+    const auto suspects =
+        std::erase_if(packets, [](const Packet& packet) { return packet.isSuspect; });
     lacksBeginning_ |= isFirst && (!isContiguous_ || suspects > 0);
-    pieces_ = std::move(pieces);
+    packets_ = std::move(packets);
     return true;
 }
 
@@ -117,12 +117,12 @@ bool OggPackets::isOurs(const OggPage& page) {
     const std::string_view start = startOf(stream_.codecpar->codec_id);
     if (!serial_ && page.isFirst && std::string_view(page.body).starts_with(start))
         serial_ = page.serial;
-    // A damaged number among neighbours that are sound is still that of the only stream.
+    // Pages of other streams do not count.
     return serial_ && page.serial == *serial_;
 }
 
-std::deque<OggPackets::Piece> OggPackets::piecesOf(const OggPage& page) {
-    std::deque<Piece> pieces;
+std::deque<OggPackets::Packet> OggPackets::packetsOf(const OggPage& page) {
+    std::deque<Packet> packets;
     if (!page.isContinued || !isContiguous_) hasPartial_ = false;
     bool isLost = page.isContinued && !hasPartial_;
     if (!hasPartial_) partial_.clear();
@@ -134,30 +134,30 @@ std::deque<OggPackets::Piece> OggPackets::piecesOf(const OggPage& page) {
         if (length == kSegmentFull) continue;
         if (!isLost && !partial_.empty() && !isHeader(partial_, page)) {
             const std::int64_t duration = durationOf(partial_);
-            pieces.push_back({std::move(partial_), duration});
+            packets.push_back({std::move(partial_), duration});
         }
         isLost = false;
         partial_.clear();
     }
     hasPartial_ = !page.lacing.empty() && !isLost && partial_.size() <= kMostPacketBytes &&
                   static_cast<unsigned char>(page.lacing.back()) == kSegmentFull;
-    return pieces;
+    return packets;
 }
 
 bool OggPackets::isHeader(const std::string& bytes, const OggPage& page) const {
     switch (stream_.codecpar->codec_id) {
     case AV_CODEC_ID_VORBIS:
-        return (static_cast<unsigned char>(bytes[0]) & 1U) != 0 && line_ < 0;
+        return (static_cast<unsigned char>(bytes[0]) & 1U) != 0 && isFirstPage();
     case AV_CODEC_ID_OPUS:
-        return line_ < 0 && std::string_view(bytes).starts_with("Opus");
+        return isFirstPage() && std::string_view(bytes).starts_with("Opus");
     case AV_CODEC_ID_FLAC:
-        return line_ < 0 && static_cast<unsigned char>(bytes[0]) != 0xFF;
+        return isFirstPage() && static_cast<unsigned char>(bytes[0]) != 0xFF;
     default:
         return page.granule == 0;
     }
 }
 
-/** The header tells it for all packets: the length of a frame, and how many are in a packet. */
+/** The header states it for all packets: the length of a frame, and how many are in a packet. */
 std::int64_t OggPackets::speexDuration() const {
     const AVCodecParameters& codec = *stream_.codecpar;
     if (codec.extradata_size < 68) return 0;
@@ -180,78 +180,92 @@ std::int64_t OggPackets::durationOf(const std::string& bytes) {
     return std::max(0, parser_->duration);
 }
 
-/** The first block of Vorbis gives no sound; what the second gives before the time 0 is the coder's
+/** The first packet of Vorbis yields no sound; what the second yields before time 0 is the coder's
  *  delay. */
-void OggPackets::trimStart(std::deque<Piece>& pieces) {
-    if (pieces.size() > 1 && pieces[1].time < 0) pieces[1].skippedStart = -pieces[1].time;
+void OggPackets::trimStart(std::deque<Packet>& packets) {
+    if (packets.size() > 1 && packets[1].time < 0) packets[1].skippedStart = -packets[1].time;
 }
 
-void OggPackets::trimEnd(std::deque<Piece>& pieces, std::int64_t end) {
-    while (!pieces.empty() && pieces.back().time >= end) pieces.pop_back();
-    if (pieces.empty()) return;
-    Piece& last = pieces.back();
+void OggPackets::trimEnd(std::deque<Packet>& packets, std::int64_t end) {
+    while (!packets.empty() && packets.back().time >= end) packets.pop_back();
+    if (packets.empty()) return;
+    Packet& last = packets.back();
     last.skippedEnd = std::max<std::int64_t>(0, last.time + last.duration - end);
 }
 
-/** Packets of another kind than those before are wrong bits, when the page's time tells that some
- *  are. */
-void OggPackets::markSuspects(std::deque<Piece>& pieces) const {
-    for (Piece& piece : pieces) {
-        piece.isSuspect = isZeros(piece.bytes);
+/** Marks the packets of another kind than those before. Called when the page's time shows that some
+ *  bits are wrong. */
+void OggPackets::markSuspects(std::deque<Packet>& packets) const {
+    for (Packet& packet : packets) {
+        packet.isSuspect = isZeros(packet.bytes);
         if (stream_.codecpar->codec_id == AV_CODEC_ID_OPUS && usualKind_ >= 0)
-            piece.isSuspect |= static_cast<unsigned char>(piece.bytes[0]) >> 2 != usualKind_ >> 2;
+            packet.isSuspect |= static_cast<unsigned char>(packet.bytes[0]) >> 2 != usualKind_ >> 2;
     }
 }
 
-/** How much of Vorbis' first packets is the coder's delay, all of the first page's packets tell
- *  together: with one of them missing the time of those before it is not known. */
-void OggPackets::spreadSuspicion(std::deque<Piece>& pieces) {
-    const auto last = std::find_if(pieces.rbegin(), pieces.rend(),
-                                   [](const Piece& piece) { return piece.isSuspect; });
-    for (auto piece = last; piece != pieces.rend(); ++piece) piece->isSuspect = true;
+/** How much of Vorbis' first packets is the coder's delay follows from all packets of the first page
+ *  together: if one is missing, the time of those before it is not known. */
+void OggPackets::spreadSuspicion(std::deque<Packet>& packets) {
+    const auto last = std::find_if(packets.rbegin(), packets.rend(),
+                                   [](const Packet& packet) { return packet.isSuspect; });
+    for (auto packet = last; packet != packets.rend(); ++packet) packet->isSuspect = true;
 }
 
 bool OggPackets::isVorbis() const {
     return stream_.codecpar->codec_id == AV_CODEC_ID_VORBIS;
 }
 
-/** From the page before onward as far as nothing is wrong, and back from the page's end. */
-void OggPackets::setTimes(const OggPage& page, std::deque<Piece>& pieces) {
-    const std::int64_t length =
-        std::accumulate(pieces.begin(), pieces.end(), std::int64_t{0},
-                        [](std::int64_t sum, const Piece& piece) { return sum + piece.duration; });
-    const bool followsOn = isContiguous_ && line_ >= 0;
-    const std::int64_t begin = followsOn ? line_ : std::max<std::int64_t>(0, line_);
+std::int64_t OggPackets::totalDuration(const std::deque<Packet>& packets) {
+    return std::accumulate(
+        packets.begin(), packets.end(), std::int64_t{0},
+        [](std::int64_t sum, const Packet& packet) { return sum + packet.duration; });
+}
+
+/** Whether the granule of a page can be the end of its packets, which begin at `begin`. */
+bool OggPackets::isEndCredible(const OggPage& page, std::int64_t begin) const {
+    const std::int64_t end = page.granule;
+    if (end <= 0 || end >= kLatestGranule) return false;
+    if (page.isSound) return true;
     const std::int64_t most = begin + kLongestPageSeconds * stream_.time_base.den;
-    std::int64_t end = page.granule;
-    const bool isEndKnown =
-        end > 0 && end < kLatestGranule &&
-        (page.isSound ||
-         (end > begin && (followsOn ? end <= most : line_ < 0 || end <= 10 * most)));
-    if (!isEndKnown) end = begin + length;
-    const bool isTrimmed = page.isLast && followsOn && end < begin + length;
-    if (!page.isSound && end != begin + length && !isTrimmed) markSuspects(pieces);
-    if (line_ < 0 && isVorbis()) spreadSuspicion(pieces);
-    const auto suspect = std::find_if(pieces.begin(), pieces.end(),
-                                      [](const Piece& piece) { return piece.isSuspect; });
-    const bool beginsHere = isContiguous_ && line_ < 0 && !isVorbis();
-    const bool goesForward = (followsOn && (suspect != pieces.end() || isTrimmed)) ||
-                             (beginsHere && suspect != pieces.end());
-    std::int64_t time = end;
-    for (auto piece = pieces.rbegin(); piece != pieces.rend(); ++piece) {
-        time -= piece->duration;
-        piece->time = time;
+    if (followsOn()) return end > begin && end <= most;
+    return end > begin && (isFirstPage() || end <= 10 * most);
+}
+
+void OggPackets::setTimesBackward(std::deque<Packet>& packets, std::int64_t end) {
+    for (auto packet = packets.rbegin(); packet != packets.rend(); ++packet) {
+        end -= packet->duration;
+        packet->time = end;
     }
-    time = begin;
-    for (auto piece = pieces.begin(); goesForward && piece != suspect; ++piece) {
-        piece->time = time;
-        time += piece->duration;
+}
+
+/** As far as the first suspect, whose duration may be wrong. */
+void OggPackets::setTimesForward(std::deque<Packet>& packets, std::int64_t begin) {
+    for (Packet& packet : packets) {
+        if (packet.isSuspect) return;
+        packet.time = begin;
+        begin += packet.duration;
     }
-    if (line_ < 0 && isVorbis()) trimStart(pieces);
-    if (isTrimmed) trimEnd(pieces, end);
-    line_ = end;
+}
+
+/** From the previous page forward as long as nothing is wrong, and backward from the page's end. */
+void OggPackets::setTimes(const OggPage& page, std::deque<Packet>& packets) {
+    const std::int64_t begin = std::max<std::int64_t>(0, lastGranule_);
+    const std::int64_t fullEnd = begin + totalDuration(packets);
+    const std::int64_t end = isEndCredible(page, begin) ? page.granule : fullEnd;
+    const bool isTrimmed = page.isLast && followsOn() && end < fullEnd;
+    if (!page.isSound && end != fullEnd && !isTrimmed) markSuspects(packets);
+    const bool isVorbisStart = isFirstPage() && isVorbis();
+    if (isVorbisStart) spreadSuspicion(packets);
+    setTimesBackward(packets, end);
+    const bool hasSuspect = std::any_of(packets.begin(), packets.end(),
+                                        [](const Packet& packet) { return packet.isSuspect; });
+    const bool isBeginKnown = isContiguous_ && !isVorbisStart;
+    if (isTrimmed || (isBeginKnown && hasSuspect)) setTimesForward(packets, begin);
+    if (isVorbisStart) trimStart(packets);
+    if (isTrimmed) trimEnd(packets, end);
+    lastGranule_ = end;
     if (page.isSound && stream_.codecpar->codec_id == AV_CODEC_ID_OPUS)
-        usualKind_ = pieces.empty() ? -1 : static_cast<unsigned char>(pieces.back().bytes[0]);
+        usualKind_ = packets.empty() ? -1 : static_cast<unsigned char>(packets.back().bytes[0]);
 }
 
 }  // namespace media

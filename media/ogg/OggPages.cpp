@@ -20,7 +20,7 @@ constexpr std::size_t kHeaderBytes = 27;
 constexpr std::size_t kWindowBytes = std::size_t{1} << 18;
 constexpr std::size_t kChecksumAt = 22;
 constexpr char kCapture[] = "OggS";
-constexpr std::size_t kCaptureBytes = 5;  ///< with the version, which is 0
+constexpr std::size_t kCaptureBytes = 5;  // including the version, which is 0
 
 constexpr unsigned kContinued = 1;
 constexpr unsigned kFirst = 2;
@@ -38,7 +38,7 @@ std::uint32_t checksum(const char* page, std::size_t length) {
 
 }  // namespace
 
-/** The bytes at a place of the file; null when there are fewer. */
+/** The bytes at an offset of the file; null when there are fewer. */
 const char* OggPages::at(std::int64_t offset, std::size_t count) {
     const auto end = offset + static_cast<std::int64_t>(count);
     if (end > input_.size()) return nullptr;
@@ -99,14 +99,14 @@ std::int64_t OggPages::nextCapture(std::int64_t from) {
 
 std::optional<OggPage> OggPages::next() {
     hasSkipped_ = false;
-    while (place_ < input_.size()) {
+    while (offset_ < input_.size()) {
         base::Interrupt::check();
-        if (auto page = read(place_)) {
-            place_ = page->end;
+        if (auto page = read(offset_)) {
+            offset_ = page->end;
             return page;
         }
         hasSkipped_ = true;
-        place_ = nextCapture(place_ + 1);
+        offset_ = nextCapture(offset_ + 1);
     }
     return std::nullopt;
 }

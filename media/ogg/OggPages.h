@@ -11,22 +11,25 @@ namespace media {
 
 /** A page of an Ogg file (RFC 3533). */
 struct OggPage {
-    std::int64_t offset = 0;  ///< in the file
+    /** In the file. */
+    std::int64_t offset = 0;
     std::int64_t end = 0;
-    std::int64_t granule = -1;  ///< where the last packet that ends on it ends; -1: none does
+    /** The end of the last packet that ends on this page; -1: none does. */
+    std::int64_t granule = -1;
     std::uint32_t serial = 0;
     std::uint32_t number = 0;
     bool isContinued = false;
     bool isFirst = false;
     bool isLast = false;
-    bool isSound = false;  ///< its checksum holds
+    /** Whether its checksum holds. */
+    bool isSound = false;
     std::string lacing;
     std::string body;
 };
 
-/** Reads the pages of an Ogg file in turn. A page whose checksum does not hold is one all the same
- *  when the next begins where it ends: most of its packets are as they were. What is no page is
- *  passed over. */
+/** Reads the pages of an Ogg file in turn. A page whose checksum does not hold is still accepted
+ *  when the next one begins where it ends: most of its packets are intact. Bytes that belong to no
+ *  page are skipped. */
 class OggPages {
 public:
     explicit OggPages(const FileInput& input) : input_(input) {}
@@ -34,7 +37,7 @@ public:
     /** @return nothing at the end */
     std::optional<OggPage> next();
 
-    /** Whether bytes had to be passed over before the last page. */
+    /** Whether bytes had to be skipped before the last page. */
     bool hasSkipped() const { return hasSkipped_; }
 
 private:
@@ -46,15 +49,18 @@ private:
     const FileInput& input_;
     std::string window_;
     std::int64_t windowAt_ = 0;
-    std::int64_t place_ = 0;
+    std::int64_t offset_ = 0;
     bool hasSkipped_ = false;
 };
 
-/** What a look through all pages of a file shows. */
+/** What reading through all pages of a file shows. */
 struct OggSurvey {
-    bool isSound = true;     ///< every page is there, in order, as it was written
-    bool isChained = false;  ///< one stream after the other
-    bool hasEnd = false;     ///< its last page says that it is the last
+    /** Whether all pages are present, in order and undamaged. */
+    bool isSound = true;
+    /** Whether one stream follows another. */
+    bool isChained = false;
+    /** Whether the last page is marked as the last. */
+    bool hasEnd = false;
 };
 
 OggSurvey surveyOgg(const FileInput& input);

@@ -21,7 +21,7 @@ namespace {
 constexpr std::size_t kWindowBytes = std::size_t{1} << 16;
 constexpr std::size_t kPrintBytes = 32;
 
-// Packets of a second or two: the mean length around a gap, not that of the whole track.
+// Packets of a second or two: the mean length is that around a gap, not that of the whole track.
 constexpr std::size_t kPacketsBehind = 64;
 constexpr double kMeanShare = 1.0 / 64.0;
 
@@ -29,7 +29,7 @@ std::span<const std::uint8_t> bytesOf(const AVPacket& packet) {
     return {packet.data, static_cast<std::size_t>(packet.size)};
 }
 
-/** The frames of several streams may stand in one packet. */
+/** One packet may contain the frames of several streams. */
 std::optional<std::size_t> ac3Length(std::span<const std::uint8_t> bytes) {
     std::size_t all = 0;
     std::uint8_t identification = 0;
@@ -44,9 +44,9 @@ std::optional<std::size_t> ac3Length(std::span<const std::uint8_t> bytes) {
 
 ByteClock::ByteClock(const Container& container, const FileInput& input, PacketQueue& queue)
     : input_(input), queue_(queue), codec_(container.stream().codecpar->codec_id),
-      arePlacesOff_(container.isFormat("aac")) {}
+      areOffsetsWrong_(container.isFormat("aac")) {}
 
-/** As the packet's own header tells it; 0 where it has none. */
+/** As the packet's own header states it; 0 when it has none. */
 std::int64_t ByteClock::ownLength(const AVPacket& packet) const {
     std::optional<std::size_t> length;
     switch (codec_) {
@@ -67,8 +67,8 @@ bool ByteClock::judge(AVPacket& packet) {
     locate(packet);
     const std::int64_t length = ownLength(packet);
     const bool isKnown = length > 0 && length <= packet.size;
-    if (length == 0 && tellsLengths_) return false;
-    tellsLengths_ = tellsLengths_ || isKnown;
+    if (length == 0 && stateLengths_) return false;
+    stateLengths_ = stateLengths_ || isKnown;
     if (end_ >= 0 && packet.pos > end_) {
         const std::int64_t missing = missingPackets(packet);
         time_ += missing * duration_;
@@ -85,10 +85,10 @@ bool ByteClock::judge(AVPacket& packet) {
     return true;
 }
 
-/** Finds the packet in the file where FFmpeg's account of its place cannot be relied on. Its bytes
- *  have been read: it lies before the place up to which the file was. */
+/** Finds the packet in the file when the offset that FFmpeg reports is unreliable. The packet has
+ *  been read, so it lies before the offset up to which the file has been read. */
 void ByteClock::locate(AVPacket& packet) {
-    if (!arePlacesOff_ || end_ < 0) return;
+    if (!areOffsetsWrong_ || end_ < 0) return;
     packet.pos = end_;
     if (standsAt(packet, end_)) return;
     const std::string_view print(reinterpret_cast<const char*>(packet.data),
@@ -97,27 +97,27 @@ void ByteClock::locate(AVPacket& packet) {
     if (found >= 0) packet.pos = found;
 }
 
-bool ByteClock::standsAt(const AVPacket& packet, std::int64_t place) {
+bool ByteClock::standsAt(const AVPacket& packet, std::int64_t offset) {
     const std::size_t count = std::min<std::size_t>(kPrintBytes, packet.size);
     const auto size = static_cast<std::int64_t>(window_.size());
-    if (place < windowAt_ || place + static_cast<std::int64_t>(count) > windowAt_ + size) {
-        window_ = FileBytes(input_, place, kWindowBytes).text(0, kWindowBytes);
-        windowAt_ = place;
+    if (offset < windowAt_ || offset + static_cast<std::int64_t>(count) > windowAt_ + size) {
+        window_ = FileBytes(input_, offset, kWindowBytes).text(0, kWindowBytes);
+        windowAt_ = offset;
     }
-    const auto at = static_cast<std::size_t>(place - windowAt_);
+    const auto at = static_cast<std::size_t>(offset - windowAt_);
     return window_.compare(at, count, reinterpret_cast<const char*>(packet.data), count) == 0;
 }
 
-/** Joined files have their tags between the packets. */
-std::int64_t ByteClock::behindTag(std::int64_t place) const {
-    const FileBytes bytes(input_, place, 32);
-    if (bytes.text(0, 3) == "TAG") return place + 128;
+/** The offset behind a tag at `offset`: joined files have tags between their packets. */
+std::int64_t ByteClock::behindTag(std::int64_t offset) const {
+    const FileBytes bytes(input_, offset, 32);
+    if (bytes.text(0, 3) == "TAG") return offset + 128;
     if (bytes.text(0, 8) == "APETAGEX")
-        return place + 32 + static_cast<std::int64_t>(bytes.littleEndian(12, 4));
-    if (bytes.text(0, 3) != "ID3") return place;
+        return offset + 32 + static_cast<std::int64_t>(bytes.littleEndian(12, 4));
+    if (bytes.text(0, 3) != "ID3") return offset;
     std::int64_t length = 0;
     for (std::size_t i = 6; i < 10; ++i) length = (length << 7) | (bytes.byte(i) & 0x7F);
-    return place + 10 + length;
+    return offset + 10 + length;
 }
 
 std::int64_t ByteClock::missingPackets(const AVPacket& packet) {

@@ -9,8 +9,8 @@
 
 namespace media {
 
-/** A container's packets, with a look at those to come. Packets pass straight through as long as
- *  nobody looks ahead. */
+/** A container's packets, with the possibility to look ahead. Nothing is queued unless lookAhead()
+ *  is called. */
 class PacketQueue {
 public:
     explicit PacketQueue(Container& container) : container_(container) {}
@@ -18,7 +18,8 @@ public:
     /** @return false at the end */
     bool next(AVPacket& packet);
 
-    /** Reads ahead what is at hand of so many packets, within a few megabytes. */
+    /** Reads up to that many packets ahead, as far as there are any and they fit in a few
+     *  megabytes. */
     const std::deque<PacketPointer>& lookAhead(std::size_t packets);
 
 private:

@@ -10,7 +10,7 @@ namespace media {
 
 namespace {
 
-// As long as the longest clusters and fragments that are usual: one damaged time may stand for all
+// As many packets as the longest usual clusters and fragments have: one damaged time may affect all
 // packets of such a group.
 constexpr std::size_t kLookAhead = 600;
 
@@ -19,15 +19,16 @@ constexpr std::size_t kMostSeen = 16384;
 
 constexpr std::size_t kPrintBytes = 64;
 
-// Where no length is told, a damaged time must not pass for a long silence.
-constexpr double kLongestUntold = 60.0;
+// In seconds. Where no length is stated, a damaged time must not be taken for a long silence.
+constexpr double kLongestUnstated = 60.0;
 constexpr double kLongestStepBack = 1.0;
 constexpr double kSpareSeconds = 1.0;
 
-// Half a packet: less is no packet missing.
+// Half a packet: a smaller difference means that none is missing.
 constexpr std::int64_t kToleranceDivisor = 2;
 
-// A damaged file may tell any time. Sums and differences of a few within this do not overflow.
+// A damaged file may state any time. Sums and differences of a few times within this limit do not
+// overflow.
 constexpr std::int64_t kLatestTime = std::int64_t{1} << 60;
 
 constexpr std::array<const char*, 9> kTimed = {"flac", "matroska", "mp4", "asf", "mpegts",
@@ -38,14 +39,15 @@ std::int64_t withinReach(std::int64_t time) {
     return std::clamp(time, -kLatestTime, kLatestTime);
 }
 
-/** What ASF was made for. FFmpeg gives packets of other codecs in it the times of others. */
+/** ASF was made for these. To packets of other codecs in ASF FFmpeg assigns the times of other
+ *  packets. */
 bool isWindowsMedia(AVCodecID codec) {
     return codec == AV_CODEC_ID_WMAV1 || codec == AV_CODEC_ID_WMAV2 ||
            codec == AV_CODEC_ID_WMAPRO || codec == AV_CODEC_ID_WMALOSSLESS ||
            codec == AV_CODEC_ID_WMAVOICE;
 }
 
-/** FNV-1a of the beginning, and the length. */
+/** FNV-1a hash of the packet's beginning and its length. */
 std::uint64_t printOf(const AVPacket& packet) {
     std::uint64_t print = 0xCBF29CE484222325ULL ^ static_cast<std::uint64_t>(packet.size);
     const std::size_t count = std::min(kPrintBytes, static_cast<std::size_t>(packet.size));
@@ -103,7 +105,7 @@ bool PacketTimes::judge(AVPacket& packet) {
         hasLine_ = true;
         first_ = packet.pts;
     } else if (usual_ == 0) {
-        // The first packet of some formats has no duration, so that nothing was due at any time yet.
+        // The first packet of some formats has no duration, so no time was expected for this one.
         usual_ = std::clamp<std::int64_t>(packet.pts - line_, 0, kLatestTime);
     } else if (std::abs(packet.pts - line_) > tolerance(packet)) {
         if (!judgeJump(packet)) return false;
@@ -127,26 +129,26 @@ bool PacketTimes::judgeJump(AVPacket& packet) {
         ++repeatedPackets_;
         return false;
     }
-    // Times that waver from packet to packet, as those of live recordings, are no sign of damage.
+    // Times that jitter from packet to packet, as in live recordings, are not a sign of damage.
     const bool isAmiss = !returnsToLine(packet);
     isAlarmed_ |= isAmiss;
     if (!isAmiss || !isSharedByNext(packet)) {
         packet.pts = line_;
     } else if (packet.pts < line_ ? !isSmallStepBack(packet) : !isPlausible(packet.pts)) {
-        // Another recording begins: joined files count anew.
+        // Another recording begins: in joined files the times start again.
         shift_ = withinReach(shift_ + line_ - packet.pts);
         packet.pts = line_;
     }
     return true;
 }
 
-/** The packet's time on the line of the first times. */
+/** The packet's time on the time scale of the first recording. */
 std::int64_t PacketTimes::timeOf(const AVPacket& packet) const {
     return withinReach(withinReach(packet.pts) + shift_);
 }
 
-/** Joined recordings may both begin with the same silence, or be the same one twice: what begins at
- *  the first time again, or goes on mostly with other packets, is a recording of its own. */
+/** Joined recordings may both begin with the same silence, or be the same one twice: packets that
+ *  start at the first time again, or are mostly followed by new ones, are another recording. */
 bool PacketTimes::beginsRepeating(const AVPacket& packet) {
     if (packet.pts <= first_ + tolerance(packet) || !isRepeated(packet.pts, packet)) return false;
     std::ptrdiff_t repeated = 0;
@@ -170,17 +172,18 @@ bool PacketTimes::isRepeated(std::int64_t time, const AVPacket& packet) const {
     return false;
 }
 
-/** Whether a packet among repeated ones differs from the one before: one of the two is damaged. */
+/** Whether a packet follows on repeated ones but differs from the original: one of the two is
+ *  damaged. */
 bool PacketTimes::goesOnRepeating(const AVPacket& packet) const {
     return repeatedTo_ && std::abs(packet.pts - *repeatedTo_) <= tolerance(packet);
 }
 
-/** Pieces of a damaged packet pass for packets, until the next time that is told. */
+/** Fragments of a damaged packet are taken for packets until the next stated time. */
 bool PacketTimes::isSmallStepBack(const AVPacket& packet) const {
     return static_cast<double>(line_ - packet.pts) * tick_ <= kLongestStepBack;
 }
 
-/** Whether a packet to come stands where it would if no time were missing here. */
+/** Whether a later packet has the time it would have if nothing were missing here. */
 bool PacketTimes::returnsToLine(const AVPacket& packet) {
     std::int64_t line = line_ + duration(packet);
     for (const PacketPointer& later : queue_.lookAhead(kLookAhead)) {
@@ -201,7 +204,7 @@ bool PacketTimes::isSharedByNext(const AVPacket& packet) {
 bool PacketTimes::isPlausible(std::int64_t time) const {
     const auto declared = container_.declaredSeconds();
     if (declared) return static_cast<double>(time - first_) * tick_ <= *declared + kSpareSeconds;
-    return static_cast<double>(time - line_) * tick_ <= kLongestUntold;
+    return static_cast<double>(time - line_) * tick_ <= kLongestUnstated;
 }
 
 }  // namespace media

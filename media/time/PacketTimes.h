@@ -11,12 +11,12 @@
 
 namespace media {
 
-/** A stream's packets, with times that can be relied on where a file is damaged.
+/** A stream's packets, with times that are reliable even where a file is damaged.
  *
- *  As long as each packet follows on the one before, nothing is done. Where the times jump, the
- *  packets behind decide: a jump that they share is a stretch that is missing, one that they do not
- *  share is a damaged time. Packets that were there already are left out. In formats that tell no
- *  times the place in the file stands for them (ByteClock). */
+ *  As long as each packet follows the previous one, nothing is done. When the times jump, the later
+ *  packets decide: if they continue from the new time, audio is missing; if not, the time is
+ *  damaged. Repeated packets are left out. In formats that state no times, the offset in the file
+ *  takes their place (ByteClock). */
 class PacketTimes {
 public:
     PacketTimes(Container& container, const FileInput& input);
@@ -24,27 +24,27 @@ public:
     /** @return false at the end */
     bool next(AVPacket& packet);
 
-    /** Whether the packets' times tell where their sound belongs. */
-    bool tellTime() const { return clock_ != Clock::none; }
+    /** Whether the packets' times show where their sound belongs. */
+    bool haveTimes() const { return clock_ != Clock::none; }
 
-    /** The shortest time that the packets' times can tell apart, seconds. */
+    /** The resolution of the packets' times, in seconds. */
     double tick() const { return tick_; }
 
     /** Time of the first packet, in ticks. */
     std::int64_t first() const { return first_; }
 
-    /** Whether something was missing or amiss since the last call. */
+    /** Whether something was missing or wrong since the last call. */
     bool takeAlarm() { return std::exchange(isAlarmed_, false); }
 
     std::int64_t repeatedPackets() const { return repeatedPackets_; }
 
-    /** Bytes of the file behind the last packet that was handed out; -1 where that is not known. */
+    /** Offset in the file at which the last returned packet ends; -1 when unknown. */
     std::int64_t endPosition() const { return endPosition_; }
 
 private:
     enum class Clock { none, times, bytes };
 
-    /** A packet that was handed out, to be known again. */
+    /** A packet that has been returned, kept to recognise its repetition. */
     struct Seen {
         std::int64_t time;
         std::uint64_t print;
@@ -72,11 +72,12 @@ private:
     std::optional<ByteClock> bytes_;
     std::deque<Seen> seen_;
     bool hasLine_ = false;
-    std::int64_t line_ = 0;   ///< the time at which the next packet is expected
-    std::int64_t first_ = 0;  ///< time of the first packet
-    std::int64_t shift_ = 0;  ///< what a new line of times differs by from the first
-    std::int64_t usual_ = 0;  ///< duration of the last packet that had one
-    std::optional<std::int64_t> repeatedTo_;  ///< within a run of repeated packets: its time
+    std::int64_t line_ = 0;   // the time at which the next packet is expected
+    std::int64_t first_ = 0;  // time of the first packet
+    std::int64_t shift_ = 0;  // from the times of a joined recording to those of the first
+    std::int64_t usual_ = 0;  // duration of the last packet that had one
+    // Within a run of repeated packets: the end of the last one.
+    std::optional<std::int64_t> repeatedTo_;
     std::int64_t repeatedPackets_ = 0;
     std::int64_t endPosition_ = -1;
     bool isAlarmed_ = false;

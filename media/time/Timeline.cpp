@@ -10,20 +10,22 @@ namespace media {
 
 namespace {
 
-// The first times of a track tell of the encoder's delay in many ways.
+// The first times of a track include the encoder's delay in different ways.
 constexpr int kSettlingFrames = 4;
 
 constexpr double kWaverTicks = 2.2;
 constexpr double kLeastFrames = 2.0;
 
-// Months at any rate. A damaged time may be further off: the track is refused for its length then.
+// In frames: months at any rate. A damaged time may differ by more: the track is then refused as
+// too long.
 constexpr double kMostMissing = 1e12;
 
-// The first blocks behind damage may be shorter than their encoder made them: it takes some seconds
-// until the times agree again.
+// The first blocks after damage may be shorter than they were encoded: it takes some seconds until
+// the times agree again.
 constexpr int kWatchedFrames = 200;
 
-// Fast enough for times that are rounded at every packet, slow against what a tick wavers.
+// Fast enough to follow times that are rounded at every packet, slow enough to average out the
+// jitter of a tick.
 constexpr double kFollowing = 1.0 / 64.0;
 
 }  // namespace
@@ -33,8 +35,8 @@ double Timeline::toleranceFor(const AVFrame& frame, bool isWatched) const {
     return isWatched ? waver : std::max(waver, 0.5 * frame.nb_samples / frame.sample_rate);
 }
 
-/** Packets are lost whole. Where the times are too coarse to tell their number of frames, they do
- *  not stand against it. */
+/** Packets are lost as a whole: if the missing frames are a whole number of packets within the
+ *  jitter of the times, that number is taken. */
 std::int64_t Timeline::wholeBlocks(double frames, const AVFrame& frame) const {
     const double blocks = std::round(frames / frame.nb_samples) * frame.nb_samples;
     const double waver = kWaverTicks * tick_ * frame.sample_rate;

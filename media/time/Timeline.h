@@ -7,23 +7,23 @@ struct AVFrame;
 
 namespace media {
 
-/** Compares where a decoded frame belongs by its own time with where the track has come to.
+/** Compares the time of a decoded frame with the time that the track has reached.
  *
- *  Times of milliseconds waver, and some writers' times drift: only what lies outside both is a
- *  stretch that is missing or there twice. */
+ *  Times in milliseconds jitter, and the times of some writers drift: only a larger difference
+ *  means that audio is missing or repeated. */
 class Timeline {
 public:
-    /** @param tick  the shortest time that the frames' times can tell apart, seconds */
+    /** @param tick  the resolution of the frames' times, in seconds */
     explicit Timeline(double tick) : tick_(tick) {}
 
     /** Frames of silence that are missing before this one; below 0, frames at its beginning whose
      *  time has passed.
      *  @param seconds    the frame's own time
-     *  @param isAlarmed  something was amiss since the last frame: for a while less than half a frame
-     *                    may be missing too */
+     *  @param isAlarmed  something was wrong since the last frame: for a while even less than half
+     *                    a frame may be missing */
     std::int64_t place(double seconds, const AVFrame& frame, bool isAlarmed);
 
-    /** The track goes on by so much. */
+    /** Adds that many frames to the track. */
     void advance(std::int64_t frames, int rate);
 
 private:
@@ -31,9 +31,9 @@ private:
     std::int64_t wholeBlocks(double frames, const AVFrame& frame) const;
 
     double tick_;
-    double expected_ = 0.0;  ///< the next frame's own time, were nothing missing
+    double expected_ = 0.0;  // the time of the next frame if nothing is missing
     int placed_ = 0;
-    int watched_ = 0;  ///< so many frames yet after something was amiss
+    int watched_ = 0;  // frames left to watch after something was wrong
 };
 
 }  // namespace media

@@ -13,20 +13,20 @@ namespace output {
 
 namespace {
 
-constexpr double kLineHeight = 1.35;  ///< of a paragraph, in text sizes
+constexpr double kLineHeight = 1.35;  // of a paragraph, in text sizes
 constexpr double kUsualSize = 12.0;
 
 int toPango(double units) {
     return static_cast<int>(std::lround(units * PANGO_SCALE));
 }
 
-/** How much of a text stands left of its place. */
+/** The fraction of a text's width that lies left of its position. */
 double shareLeftOf(Align align) {
     return align == Align::left ? 0.0 : align == Align::center ? 0.5 : 1.0;
 }
 
-/** Letters keep their widths at every scale, so that lines break at the same places, and have no
- *  coloured edges. */
+/** Letters keep their widths at every scale, so that lines always break at the same words, and have
+ *  no coloured edges. */
 PangoLayout* makeLayout(cairo_t* context) {
     PangoLayout* layout = pango_cairo_create_layout(context);
     PangoContext* pango = pango_layout_get_context(layout);

@@ -25,18 +25,19 @@ struct TextStyle {
     Align align = Align::left;
 };
 
-/** A line with an edge on both sides, which sets it off from what lies behind. */
+/** A line with an edge on both sides, which sets it off from the background. */
 struct LineStyle {
     double width;
     Color color;
-    double haloWidth = 0.0;  ///< on each side
+    /** On each side. */
+    double haloWidth = 0.0;
     Color halo{};
 };
 
 /** Draws on a cairo surface in the picture's own units.
  *
- *  Words are laid out by Pango: each script in the direction it is written in, by a font that has
- *  it. Without any font they are drawn with the letters that cairo brings along, Latin ones. */
+ *  Pango lays out the text: each script in its own direction, in a font that has it. Without any
+ *  font, text is drawn with cairo's built-in Latin letters. */
 class Canvas {
 public:
     /** @param scale  surface units for one unit of the picture */
@@ -47,7 +48,7 @@ public:
 
     void fillRect(const Rect& rect, const Color& color);
 
-    /** A rectangle whose neighbours touch it: without smoothed edges, which would leave seams
+    /** A rectangle that adjoins others: drawn without anti-aliasing, which would leave seams
      *  between them. */
     void fillColumn(const Rect& rect, const Color& color);
 
@@ -55,15 +56,15 @@ public:
     void strokeRect(const Rect& rect, double width, const Color& color);
     void fillCircle(double x, double y, double radius, const Color& color);
 
-    /** Of whole pixels, so that thin lines are sharp and none vanishes. */
+    /** A line of whole pixels: thin lines stay sharp and none vanishes. */
     void verticalLine(double x, double top, double bottom, const LineStyle& style);
 
-    /** One line of UTF-8; what is wider than that ends in an ellipsis.
+    /** One line of UTF-8; a wider text ends in an ellipsis.
      *  @param y  of the base line
      *  @return the width it takes */
     double text(double x, double y, const std::string& text, const TextStyle& style, double width);
 
-    /** UTF-8 broken into lines of that width; where they are more than so many, the last of them
+    /** UTF-8 broken into lines of that width. If they do not fit in that many lines, the last one
      *  ends in an ellipsis. Without any font: one line. @param y  of the first base line */
     void paragraph(double x, double y, const std::string& text, const TextStyle& style,
                    double width, int lines);

@@ -5,7 +5,7 @@
 
 namespace output {
 
-/** A colour and how much it covers, each 0 to 1. */
+/** A colour and its opacity, each 0 to 1. */
 struct Color {
     double red;
     double green;

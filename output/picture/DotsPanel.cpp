@@ -11,8 +11,8 @@ namespace {
 
 constexpr double kCornerRadius = 6.0;
 constexpr double kLargestRadius = 7.0;
-constexpr double kWidestShareOfPitch = 0.46;  ///< of the largest radius: dots do not touch
-constexpr double kLeastRadius = 1.0;          ///< the weakest dot is seen too
+constexpr double kWidestShareOfPitch = 0.46;  // of the largest radius: dots do not touch
+constexpr double kLeastRadius = 1.0;          // so that the weakest dot is visible
 constexpr double kLeastShareOfRadius = 0.28;
 constexpr double kLeastAlpha = 0.35;
 constexpr double kLegendGap = 8.0;
@@ -22,7 +22,7 @@ constexpr std::array<double, 4> kLegendShares = {0.0, 0.33, 0.67, 1.0};
 constexpr double kWeakLevel = 1304.0;
 constexpr double kStrongLevel = 20674.0;
 
-/** 0 for a weak dot to 1 for a strong one, in decibels as the ear takes it. */
+/** From 0 for a weak dot to 1 for a strong one; linear in decibels, as hearing is. */
 double strength(double level) {
     if (level <= kWeakLevel) return 0.0;
     return std::min(1.0, std::log(level / kWeakLevel) / std::log(kStrongLevel / kWeakLevel));

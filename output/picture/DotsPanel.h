@@ -11,7 +11,7 @@
 namespace output {
 
 /** The strip of dots: one for each hundredth of the track, larger and brighter the stronger its
- *  bass, in the colour of bass. Above it stands what the dots mean. */
+ *  bass, in the colour of bass. The caption above explains the dots. */
 class DotsPanel {
 public:
     DotsPanel(const std::vector<beatatlas::track::WavePoint>& dots, const PictureLayout& layout,

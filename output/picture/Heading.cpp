@@ -15,12 +15,12 @@ namespace output {
 
 namespace {
 
-// No line holds more, and laying out a tag of megabytes takes its time.
+// No line holds more, and laying out a tag of megabytes takes too long.
 constexpr std::size_t kLongestTagBytes = 600;
 
-constexpr double kAnswersGap = 1.4;  ///< between tempo and key, in sizes of their letters
+constexpr double kAnswersGap = 1.4;  // between tempo and key, in multiples of their text size
 
-/** A tag as one line; nothing when it says nothing or is no text. */
+/** A tag as one line; nothing when it is empty or not text. */
 std::string shownTag(const std::string& tag) {
     const std::size_t first = tag.find_first_not_of(" \t\r\n");
     if (first == std::string::npos || !base::isUtf8(tag)) return {};
@@ -29,7 +29,7 @@ std::string shownTag(const std::string& tag) {
     return base::displayName(tag.substr(first, end - first));
 }
 
-/** Without the mark that joined it to the answer before it. */
+/** Without the punctuation that joined it to the preceding text. */
 std::string asSentence(const std::string& remark) {
     return remark.substr(std::min(remark.find_first_not_of(",; "), remark.size()));
 }

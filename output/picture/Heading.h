@@ -8,8 +8,8 @@
 
 namespace output {
 
-/** The words of a picture: what the track is called, its file, its tempo and key, and how far these
- *  are to be trusted. */
+/** The text of a picture: title of the track, its file, its tempo and key, and how reliable these
+ *  are. */
 class Heading {
 public:
     Heading(const TrackReport& report, const PictureLayout& layout, const Theme& theme)

@@ -15,12 +15,12 @@ namespace {
 
 constexpr double kCornerRadius = 6.0;
 constexpr double kPadding = 14.0;
-constexpr double kLeastPitch = 2.6;  ///< closer together, bars would blur into each other
-constexpr double kBarShare = 0.74;   ///< of a bar's pitch; the rest is a gap
-// Perceived loudness grows with sound pressure to the power of 0.6 (Stevens); drawn by the bare
-// level, a single crash would flatten the rest of the track.
+constexpr double kLeastPitch = 2.6;  // closer together, bars would blur into each other
+constexpr double kBarShare = 0.74;   // of a bar's pitch; the rest is a gap
+// Perceived loudness grows with sound pressure to the power of 0.6 (Stevens). Drawn in proportion
+// to the level, a single crash would flatten the rest of the track.
 constexpr double kLoudnessExponent = 0.6;
-constexpr double kLeastBarHeight = 2.0;  ///< silence is a thin line, not nothing
+constexpr double kLeastBarHeight = 2.0;  // silence is drawn as a thin line
 constexpr double kBarTickHeight = 6.0;
 constexpr double kLeastBarTickDistance = 4.0;
 constexpr double kKeysHeight = 20.0;
@@ -35,7 +35,7 @@ bool isQuieter(const WavePoint& a, const WavePoint& b) {
     return a.level < b.level;
 }
 
-/** So few that their bars stand apart: each the loudest of as many neighbours as it takes. */
+/** As many points as there is room for bars: each is the loudest of its neighbours. */
 std::vector<WavePoint> thinned(const std::vector<WavePoint>& wave, double width) {
     const double most = std::max(1.0, width / kLeastPitch);
     const auto together =

@@ -12,9 +12,10 @@
 
 namespace output {
 
-/** The whole track: the loudness wave in its six colours with their key, the zoomed stretch marked
- *  unless it is all of it, a tick for every bar, and where the musical key changes each key in its
- *  place. Heights follow perceived loudness; the loudest point fills the panel. */
+/** The whole track: the loudness wave in its six colours with their legend, a frame around the
+ *  zoomed section unless that is the whole track, a tick for every bar, and, if the musical key
+ *  changes, each key where it begins. Heights follow perceived loudness; the loudest point fills
+ *  the panel. */
 class OverviewPanel {
 public:
     OverviewPanel(const TrackReport& report, const ZoomStretch& stretch,

@@ -21,7 +21,7 @@ struct SurfaceDestroy {
 };
 using SurfacePointer = std::unique_ptr<cairo_surface_t, SurfaceDestroy>;
 
-/** Cairo calls back from C code, which no exception may cross: it is kept until cairo has
+/** Cairo calls back from C code, which no exception may cross: an exception is kept until cairo has
  *  returned. */
 struct Output {
     const ByteSink& write;

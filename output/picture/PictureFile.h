@@ -9,7 +9,7 @@
 
 namespace output {
 
-/** Takes the bytes of a picture, piece by piece. May throw. */
+/** Receives the bytes of a picture in parts. May throw. */
 using ByteSink = std::function<void(const void* bytes, std::size_t count)>;
 
 /** Draws the picture of a track. @throws OutputError when it cannot be drawn, and what the sink

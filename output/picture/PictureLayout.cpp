@@ -14,10 +14,10 @@ constexpr double kLeastForRemarksInOneRow = 1100.0;
 constexpr double kLeastForLegendInOneRow = 1000.0;
 constexpr double kLineHeight = 1.35;
 constexpr double kAnswersGap = 12.0;
-constexpr double kAxisHeight = 30.0;     ///< times below a panel
-constexpr double kCaptionHeight = 38.0;  ///< words above a panel
+constexpr double kAxisHeight = 30.0;     // times below a panel
+constexpr double kCaptionHeight = 38.0;  // the caption above a panel
 
-/** From the narrowest picture to the widest that is not enlarged. */
+/** Text sizes, from the narrowest picture to the widest that is not enlarged. */
 struct Sizes {
     double narrowest;
     double widest;

@@ -5,16 +5,17 @@
 
 namespace output {
 
-/** Where the parts of a picture stand and how large its words are, in units.
+/** The positions of a picture's parts and the sizes of its text, in units.
  *
- *  Up to 1600 pixels a unit is a pixel: a narrow picture has the same words in less room, never
- *  smaller than can be read. Wider ones are enlarged as a whole. */
+ *  Up to 1600 pixels a unit is a pixel: a narrow picture has the same text in less room, in sizes
+ *  that stay readable. Wider pictures are enlarged as a whole. */
 struct PictureLayout {
     static constexpr double kWidestUnits = 1600.0;
 
     explicit PictureLayout(int widthPixels);
 
-    double scale;  ///< pixels for a unit
+    /** Pixels per unit. */
+    double scale;
     double width;
     double height;
 
@@ -23,12 +24,16 @@ struct PictureLayout {
     double bodySize;
     double smallSize;
 
-    Rect title;    ///< the name above facts of the file
-    Rect answers;  ///< tempo and key
-    Rect remarks;  ///< what there is to add to them
+    /** The title, above the facts about the file. */
+    Rect title;
+    /** Tempo and key. */
+    Rect answers;
+    /** Remarks on tempo and key. */
+    Rect remarks;
     int remarkLines;
     Rect overview;
-    Rect legend;  ///< of the overview's colours
+    /** The legend of the overview's colours. */
+    Rect legend;
     int legendRows;
     Rect dots;
     Rect zoom;
@@ -39,6 +44,6 @@ private:
 };
 
 constexpr double kLegendRowHeight = 20.0;
-constexpr double kCaptionRise = 11.0;  ///< base line of a panel's caption above the panel
+constexpr double kCaptionRise = 11.0;  // base line of a panel's caption above the panel
 
 }  // namespace output

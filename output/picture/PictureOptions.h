@@ -15,7 +15,8 @@ enum class ThemeName { dark, light };
 
 /** What a picture shows and how large it is. */
 struct PictureOptions {
-    std::optional<double> zoomFromSeconds;  ///< none: at the loudest place
+    /** Nothing: the loudest section. */
+    std::optional<double> zoomFromSeconds;
     double zoomSpanSeconds = 12.0;
     int widthPixels = 1600;
     ThemeName theme = ThemeName::dark;

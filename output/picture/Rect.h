@@ -3,7 +3,7 @@
 
 namespace output {
 
-/** A place in the picture; y grows downward. */
+/** A rectangle in the picture; y grows downward. */
 struct Rect {
     double x;
     double y;

@@ -21,7 +21,7 @@ constexpr Theme kDark{.background = Color::rgb(0x0E1219),
                                  Color::rgb(0xF2C14E), Color::rgb(0xA8D05A), Color::rgb(0x3DD68C),
                                  Color::rgb(0x3CC6CF), Color::rgb(0x46A8FF)}}};
 
-// The same hues, dark enough to stand out from white.
+// The same hues, dark enough for contrast with white.
 constexpr Theme kLight{.background = Color::rgb(0xF3F5F8),
                        .panel = Color::rgb(0xFFFFFF),
                        .lane = Color::rgb(0xE3E8EF),

@@ -9,14 +9,16 @@
 
 namespace output {
 
-/** A class of the loudness wave: which band leads, and what comes with it. */
+/** A class of the loudness wave: which band is the strongest, and which accompanies it. */
 struct LoudClass {
-    int color;         ///< the wave's number for it
-    std::size_t step;  ///< its place on the scale from bass to treble
+    /** Its colour number in the wave. */
+    int color;
+    /** Its index on the scale from bass to treble. */
+    std::size_t step;
     const char* meaning;
 };
 
-// From the most bass to the least, and of the same share of bass the darker sound first.
+// From the most bass to the least; for equal shares of bass the darker sound first.
 constexpr std::array<LoudClass, 6> kLoudClasses = {{{0, 0, "bass over mids"},
                                                     {2, 2, "bass over highs"},
                                                     {1, 3, "mids over bass"},
@@ -28,22 +30,29 @@ constexpr std::array<LoudClass, 6> kLoudClasses = {{{0, 0, "bass over mids"},
 struct Theme {
     Color background;
     Color panel;
-    Color lane;  ///< a band of words inside a panel
+    /** The strip for text inside a panel. */
+    Color lane;
     Color text;
     Color mutedText;
-    Color silence;  ///< what stands where there is nothing to hear
-    Color mark;     ///< the frame about the zoomed stretch
+    /** Shown where there is silence. */
+    Color silence;
+    /** The frame around the zoomed section. */
+    Color mark;
     Color downbeat;
     Color beat;
-    Color halo;                  ///< beside the grid's lines, so that they stand out from any wave
-    std::array<Color, 8> scale;  ///< from all bass to none, as the zoom wave numbers it
+    /** The edges of the grid's lines, which set them off from any wave. */
+    Color halo;
+    /** From all bass to none, as the zoom wave numbers it. */
+    std::array<Color, 8> scale;
 
     const Color& bass() const { return scale.front(); }
 
-    /** Of a colour number of the zoom wave; numbers outside 0 to 7 count as the nearest. */
+    /** The colour for a colour number of the zoom wave; numbers outside 0 to 7 count as the
+     *  nearest. */
     const Color& ofZoom(int color) const;
 
-    /** Of a colour number of the loudness wave; numbers outside 0 to 5 count as the nearest. */
+    /** The colour for a colour number of the loudness wave; numbers outside 0 to 5 count as the
+     *  nearest. */
     const Color& ofLoudness(int color) const;
 };
 

@@ -5,7 +5,7 @@
 
 namespace output {
 
-/** A stretch of time laid out over the width of a panel, and its labels. */
+/** A section of time mapped to the width of a panel, and its labels. */
 class TimeAxis {
 public:
     TimeAxis(double fromSeconds, double toSeconds, const Rect& area);
@@ -16,10 +16,10 @@ public:
     double to() const { return to_; }
     bool covers(double seconds) const { return seconds >= from_ && seconds <= to_; }
 
-    /** Round times below the area, none of them beyond its sides. */
+    /** Labels at round times below the area, none of which extends beyond its sides. */
     void drawLabels(Canvas& canvas, const TextStyle& style) const;
 
-    /** Distance between labels: the least round one at which they do not touch. */
+    /** Distance between labels: the smallest round one at which they do not touch. */
     double labelStep() const;
 
 private:

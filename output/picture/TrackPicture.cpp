@@ -13,7 +13,7 @@ TrackPicture::TrackPicture(const TrackReport& report, const PictureOptions& opti
       stretch_(chooseZoomStretch(report.analysis, options)) {}
 
 void TrackPicture::draw(Canvas& canvas) const {
-    // Beyond the edge, where the enlarged height ends within a pixel.
+    // One unit beyond the edge, since the enlarged height may end within a pixel.
     canvas.fillRect({0.0, 0.0, layout_.width, layout_.height + 1.0}, theme_.background);
     Heading(report_, layout_, theme_).draw(canvas);
     OverviewPanel(report_, stretch_, layout_, theme_).draw(canvas);

@@ -11,7 +11,7 @@
 namespace output {
 
 /** The picture of a track: its heading; the overview with the loudness wave; the dots strip; a
- *  stretch of the zoom wave with the beat grid. */
+ *  section of the zoom wave with the beat grid. */
 class TrackPicture {
 public:
     TrackPicture(const TrackReport& report, const PictureOptions& options);

@@ -14,22 +14,22 @@ namespace output {
 namespace {
 
 constexpr double kCornerRadius = 6.0;
-constexpr double kGridHead = 22.0;  ///< above the wave, for the bars' numbers
-constexpr double kHeadroom = 0.09;  ///< of the panel, above and below the loudest wave
+constexpr double kGridHead = 22.0;  // above the wave, for the bars' numbers
+constexpr double kHeadroom = 0.09;  // of the panel, above and below the loudest wave
 constexpr double kFullLevel = 31.0;
 constexpr double kLeastHeight = 1.5;
 constexpr double kBeatWidth = 1.0;
 constexpr double kBeatHalo = 1.0;
 constexpr double kDownbeatWidth = 2.0;
 constexpr double kDownbeatHalo = 1.5;
-// Lines that stand closer would hide more of the wave than they show.
+// Lines closer together than this would hide too much of the wave.
 constexpr double kLeastBeatDistance = 14.0;
 constexpr double kLeastBarDistance = 24.0;
 constexpr double kLegendGap = 9.0;
 constexpr double kSwatchHeight = 11.0;
 constexpr double kLabelGap = 10.0;
 
-/** Where the wave's full height is. */
+/** The area of the wave at its full height. */
 Rect waveArea(const Rect& area) {
     const double headroom = kHeadroom * (area.height - kGridHead);
     return {area.x, area.y + kGridHead + headroom, area.width,

@@ -10,10 +10,10 @@
 
 namespace output {
 
-/** A stretch of the zoom wave, coloured by its share of bass, with the beat grid over it: beats as
- *  thin lines, downbeats as strong ones with the number of their bar. The loudest wave leaves room
- *  above and below, where the lines stand free. Above the panel are the stretch's times and the key
- *  to the colours. */
+/** A section of the zoom wave, coloured by its share of bass, with the beat grid over it: beats as
+ *  thin lines, downbeats as strong ones with the number of their bar. Even the loudest wave leaves
+ *  room above and below, where the lines are visible. Above the panel are the section's times and
+ *  the legend of the colours. */
 class ZoomPanel {
 public:
     ZoomPanel(const beatatlas::track::TrackResult& analysis, const ZoomStretch& stretch,
@@ -22,7 +22,7 @@ public:
     void draw(Canvas& canvas) const;
 
 private:
-    /** The wave's points that fall into one column of the picture, as one: the highest of them. */
+    /** One point for all the wave's points in a column of the picture: the highest of them. */
     beatatlas::track::WavePoint columnAt(double left, double right) const;
 
     void drawLegend(Canvas& canvas) const;

@@ -7,7 +7,7 @@ namespace output {
 
 namespace {
 
-// Shown before the downbeat, so that its line and its sound's beginning stand inside the picture.
+// Shown before the downbeat, so that its line and the onset of its sound are inside the picture.
 constexpr double kLeadSeconds = 0.1;
 
 double loudestStart(const std::vector<beatatlas::track::WavePoint>& wave, double spanSeconds) {
@@ -27,7 +27,7 @@ double loudestStart(const std::vector<beatatlas::track::WavePoint>& wave, double
     return static_cast<double>(start) / kZoomPointsPerSecond;
 }
 
-/** The last downbeat up to then; without one, the time itself. */
+/** The last downbeat at or before the time; the time itself if there is none. */
 double atDownbeat(const beatatlas::track::TrackResult& analysis, double seconds) {
     double start = seconds;
     for (const beatatlas::track::Beat& beat : analysis.beats) {

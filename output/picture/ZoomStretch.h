@@ -14,8 +14,8 @@ struct ZoomStretch {
     double to;
 };
 
-/** As asked for, and moved into the track; by itself the loudest stretch of that length, begun on a
- *  downbeat where there is one. A track shorter than the stretch is shown whole. */
+/** The section asked for, moved into the track; by default the loudest section of that length,
+ *  starting at a downbeat if there is one. A track shorter than the section is shown whole. */
 ZoomStretch chooseZoomStretch(const beatatlas::track::TrackResult& analysis,
                               const PictureOptions& options);
 

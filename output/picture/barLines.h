@@ -8,14 +8,15 @@
 
 namespace output {
 
-/** Where a bar begins. */
+/** The beginning of a bar. */
 struct BarLine {
     double x;
-    int number;  ///< from 1, the track's first downbeat
+    /** Counted from 1, the track's first downbeat. */
+    int number;
 };
 
-/** The bars that begin on the axis: all of them, or every second, fourth, eighth … where they would
- *  stand closer together than that. */
+/** The bars that begin within the axis: all of them, or every second, fourth, eighth … if they
+ *  would be closer together than that. */
 std::vector<BarLine> barLines(const std::vector<beatatlas::track::Beat>& beats, int rate,
                               const TimeAxis& axis, double leastDistance);
 

@@ -9,13 +9,12 @@ typedef struct _cairo cairo_t;
 
 namespace output {
 
-/** @name Words where no font is installed
- *  Cairo brings simple Latin letters along; Pango does not use them. UTF-8; sizes, widths and
- *  places in the context's units.
+/** @name Text where no font is installed Cairo has simple built-in Latin letters, which Pango does
+ *  not use. UTF-8; sizes, widths and positions are in the context's units.
  *  @{ */
 double plainWidth(cairo_t* context, const std::string& text, double size);
 
-/** The text, or its beginning and dots when it is wider than that. */
+/** The text, or its beginning followed by dots when it is wider than that. */
 std::string fittedPlainly(cairo_t* context, const std::string& text, double size, double width);
 
 void showPlainLetters(cairo_t* context, double x, double y, const std::string& text, double size);

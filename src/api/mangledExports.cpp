@@ -73,7 +73,7 @@ void BA_Release(void* session) {
 }
 
 bool BA_Analyzed(void* session) {
-    return beatatlas::api::isAnalyzed(session);
+    return beatatlas::api::isAnalyzed(session) != 0;
 }
 
 void BA_SetSamplePre(void* session, float* left, float* right, int count) {

@@ -48,8 +48,8 @@ void release(void* session) {
     delete analyzerOf(session);
 }
 
-bool isAnalyzed(void* session) {
-    return session != nullptr && analyzerOf(session)->isAnalyzed();
+int isAnalyzed(void* session) {
+    return session != nullptr && analyzerOf(session)->isAnalyzed() ? 1 : 0;
 }
 
 void setSamplePre(void* session, const float* left, const float* right, int count) {

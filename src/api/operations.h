@@ -43,8 +43,9 @@ void abort(Analyzer& session);
 /** Destroys a session; the handle is of no use afterwards. */
 void release(void* session);
 
-/** Whether the closing analysis has run. */
-bool isAnalyzed(void* session);
+/** 1 when the closing analysis has run, else 0. An int: hosts in languages without bool read the
+ *  exports' result as one, and a bool would leave the register's upper bits undefined. */
+int isAnalyzed(void* session);
 
 /** Feeds the pre-check pass, or the analysis pass; null arrays and count ≤ 0 do nothing.
  *  @param left,right  count samples each */

@@ -25,7 +25,6 @@ public:
     /** Filters one block; `in` and `out` must be different arrays. Nothing happens for len ≤ 0. */
     void operate(const double* in, double* out, int len) { section_.operate(in, out, len); }
 
-    const SecondOrderSection& section() const { return section_; }
     SecondOrderSection& section() { return section_; }
 
 private:

@@ -99,11 +99,10 @@ int UnitBeatAdjust::beatsWithinLevel(float bpm, const peakss::BeatList& beats) c
 
 void UnitBeatAdjust::sumPeakData(std::int64_t from, std::int64_t to) {
     if (from < 0 || to > capacity_ || to > static_cast<std::int64_t>(level_.size())) return;
-    if (to - from == windowSum_.width()) windowSum_.add(level_.data() + from);
+    windowSum_.add(level_.data() + from);
 }
 
 void UnitBeatAdjust::beatPositionAdjust(peakss::BeatList& beats) {
-    if (beats.empty()) return;
     windowSum_.clear();
     for (std::size_t i = 1; i + 1 < beats.size(); ++i) {
         const std::int64_t beat = beats[i].pos / kDecimation;

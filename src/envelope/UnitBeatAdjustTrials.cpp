@@ -19,7 +19,6 @@ constexpr double kStepBpm = 0.002;
 constexpr double kSlowestBpm = 70.0;
 constexpr double kFastestBpm = 180.0;
 constexpr int kMostTrials = 36;  // 17 + 9 + 8 + 2
-constexpr int kMostTrialsPerCall = 17;
 constexpr int kTrialsPerYield = 4;
 
 /** Thousandths of a BPM, cut: two tempos with the same are one. */
@@ -69,8 +68,7 @@ void UnitBeatAdjust::tryFine(float bpm, int startPos, int limit, BestTrial& best
 }
 
 void UnitBeatAdjust::getPeakBpm(double start, int count, int startPos, int limit, BestTrial& best) {
-    if (!(start > 0.0) || count <= 0 || count > kMostTrialsPerCall) return;
-    if (startPos < 0 || startPos >= capacity_ || limit <= 0) return;
+    if (!(start > 0.0) || startPos < 0 || startPos >= capacity_) return;
     for (int k = 0; k < count; ++k) {
         const double trial = std::clamp(start + k * kStepBpm, kSlowestBpm, kFastestBpm);
         createBeatData(trial, startPos);
@@ -82,7 +80,6 @@ void UnitBeatAdjust::getPeakBpm(double start, int count, int startPos, int limit
 }
 
 void UnitBeatAdjust::createBeatData(double bpm, int startPos) {
-    if (!(bpm > 0.0) || startPos < 0 || startPos >= capacity_ || beatCount_ <= 0) return;
     const double step = quarterRate_ * (60.0 / bpm);
     const int end = length_ / 4;
     std::vector<int> grid;
@@ -98,7 +95,6 @@ void UnitBeatAdjust::createBeatData(double bpm, int startPos) {
 }
 
 double UnitBeatAdjust::manageWave(int limit, int gridIndex) {
-    if (limit <= 0 || static_cast<std::size_t>(gridIndex) >= grids_.size()) return 0.0;
     const std::vector<int>& grid = grids_[static_cast<std::size_t>(gridIndex)];
     const std::size_t count = std::min(grid.size(), static_cast<std::size_t>(limit));
     windowSum_.clear();
@@ -109,8 +105,7 @@ double UnitBeatAdjust::manageWave(int limit, int gridIndex) {
 }
 
 void UnitBeatAdjust::reflectBeatData(const BestTrial& best, float& bpm, peakss::BeatList& beats) {
-    if (!(best.bpm > 0.0) || static_cast<std::size_t>(best.index) >= grids_.size()) return;
-    if (!(bpm > 0.0F) || beats.empty() || milliBpm(bpm) == milliBpm(best.bpm)) return;
+    if (!(best.bpm > 0.0) || milliBpm(bpm) == milliBpm(best.bpm)) return;
     const std::vector<int>& grid = grids_[static_cast<std::size_t>(best.index)];
     resizeBeats(beats, static_cast<int>(grid.size()));
     const auto interval = static_cast<float>((60.0 / best.bpm) * 1000.0);

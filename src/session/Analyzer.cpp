@@ -40,8 +40,7 @@ Analyzer::~Analyzer() {
 }
 
 void Analyzer::reset() {
-    created_ = failed_ = simple_ = beatOn_ = loudOn_ = zoomOn_ = keyOn_ = preChecked_ = analyzed_ =
-        false;
+    created_ = simple_ = beatOn_ = loudOn_ = zoomOn_ = keyOn_ = preChecked_ = analyzed_ = false;
     rate_ = blockLen_ = totalSamples_ = startSample_ = rangeSamples_ = 0;
     sectionBeats_ = kDefaultSectionBeats;
     varied_ = false;
@@ -80,7 +79,7 @@ void Analyzer::createSimple(int rate, int totalSamples, int startSample, int ran
 }
 
 bool Analyzer::refuses(int rate, int totalSamples) const {
-    return created_ || failed_ || (rate != 44100 && rate != 48000) || totalSamples <= 0;
+    return created_ || (rate != 44100 && rate != 48000) || totalSamples <= 0;
 }
 
 void Analyzer::prepare(int rate, int totalSamples, bool loudOn, bool zoomOn, bool keyOn) {
@@ -123,7 +122,7 @@ void Analyzer::createAnalysers() {
 }
 
 void Analyzer::setSamplePre(const float* left, const float* right, int count) {
-    if (!created_ || failed_ || preChecked_ || analyzed_) return;
+    if (!created_ || preChecked_ || analyzed_) return;
     if (count <= 0 || left == nullptr || right == nullptr) return;
     setRoundTowardZero();
     preChecker_.putSample(left, right, count);
@@ -137,7 +136,7 @@ void Analyzer::setSamplePre(const float* left, const float* right, int count) {
 }
 
 void Analyzer::setSample(const float* left, const float* right, int count) {
-    if (!created_ || failed_ || !preChecked_ || analyzed_) return;
+    if (!created_ || !preChecked_ || analyzed_) return;
     if (count <= 0 || left == nullptr || right == nullptr) return;
     setRoundTowardZero();
     int taken = 0;
@@ -197,7 +196,7 @@ void Analyzer::dispatchBeats() {
 
 // A fixed chain, no vote: each stage takes the tempo and the grid of the one before.
 void Analyzer::analyze() {
-    if (!created_ || failed_ || analyzed_) return;
+    if (!created_ || analyzed_) return;
     setRoundTowardZero();
     const PromptSleeps prompt;
     analyzed_ = true;

@@ -97,7 +97,6 @@ private:
 
     bool created_ = false;
     bool isQuiet_ = false;
-    bool failed_ = false;  // a guard for an error state that nothing enters
     bool simple_ = false;
     bool beatOn_ = false;
     bool loudOn_ = false;

@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: MIT
-// The plain interface from C++: a whole analysis, and create calls the host's memory cannot
-// satisfy.
+// The plain interface from C++: a whole analysis, create calls that the host's memory cannot satisfy,
+// and a thread that is cancelled within a call.
 #include <cfenv>
 #include <new>
 #include <vector>
+
+#include <pthread.h>
 
 #include <gtest/gtest.h>
 
@@ -48,6 +50,27 @@ TEST(PlainInterfaceTest, ACreateCallThatRunsOutOfMemoryGivesAnInertSession) {
         EXPECT_EQ(beatatlas::test::liveBlocks(), before);
     }
     EXPECT_GT(granted, 20);
+    std::fesetround(mode);
+}
+
+// Every fourth call sleeps, which is where a cancelled thread ends.
+TEST(PlainInterfaceTest, ACancelledThreadEndsInsideItsCallAndLeavesTheSessionReleasable) {
+    void* session = BA_CreateConst48k(48000, 32, true, true, false);
+    const auto feed = [](void* fed) -> void* {
+        std::vector<float> samples(1000, 1000.0F);
+        pthread_cancel(pthread_self());
+        for (int call = 0; call < 4; ++call)
+            BA_SetSample(fed, samples.data(), samples.data(), 1000);
+        return nullptr;
+    };
+    const int mode = std::fegetround();
+    pthread_t thread{};
+    ASSERT_EQ(pthread_create(&thread, nullptr, feed, session), 0);
+    void* result = nullptr;
+    ASSERT_EQ(pthread_join(thread, &result), 0);
+    EXPECT_EQ(result, PTHREAD_CANCELED);
+    EXPECT_FALSE(BA_Analyzed(session));
+    BA_Release(session);
     std::fesetround(mode);
 }
 

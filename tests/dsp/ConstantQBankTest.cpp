@@ -169,6 +169,18 @@ TEST_F(ConstantQBankTest, IsNotUsableWithoutMeaning) {
     for (float bad : {nan, infinity, -infinity, 0.0F, -44100.0F, 1e-44F, 1e38F})
         EXPECT_FALSE(ConstantQBank(72, 27.5F, bad).isUsable()) << bad;
     EXPECT_FALSE(ConstantQBank(0, 27.5F, 44100.0F).isUsable());
+    // 27.5 Hz · 2^(k/12) leaves single precision at k = 1480; from there on the distance between
+    // neighbours is no number.
+    EXPECT_TRUE(ConstantQBank(1479, 27.5F, 44100.0F).isUsable());
+    EXPECT_FALSE(ConstantQBank(1482, 27.5F, 44100.0F).isUsable());
+}
+
+TEST_F(ConstantQBankTest, NoFramesTouchNothing) {
+    const ConstantQBank bank(72, 27.5F, 4000.0F);
+    float row = 7.0F;
+    for (const int frames : {0, -1})
+        bank.magnitudes(nullptr, 1, frames, ConstantQBank::Place::start, &row);
+    EXPECT_EQ(row, 7.0F);
 }
 
 }  // namespace

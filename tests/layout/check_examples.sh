@@ -13,6 +13,8 @@ sources=$1 folder=$2 make_track=$3 tool=$4
 rm -rf "$folder"
 mkdir -p "$folder"
 cd "$folder" || exit 1
+# The settings of whoever runs the tests are no part of them.
+export XDG_CONFIG_HOME=$PWD/settings
 "$make_track" track.wav || exit 1
 for name in track.flac song.mp3 other.flac -intro.mp3; do cp -- track.wav "$name"; done
 cp track.wav a.wav
@@ -81,7 +83,7 @@ check() {
     done < <(cat "$sources/$document"; echo)
 }
 
-for document in README.md docs/tool.md docs/json.md docs/embedding.md; do check "$document"; done
+for document in README.md docs/tool.md docs/json.md docs/formats.md docs/embedding.md; do check "$document"; done
 printf '%d outputs compared, %d commands run\n' "$compared" "$run"
 ((compared >= 5 && run >= 8)) || fault "The documents show fewer commands than they did"
 exit $((faults > 0))

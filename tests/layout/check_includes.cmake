@@ -49,14 +49,15 @@ foreach(file ${track})
     endforeach()
 endforeach()
 
-# The rooms of the program: app above media, output and comparison, those above base. Of the library they
-# include public headers only.
+# The rooms of the program: app above media, output, catalogue and comparison, those above base. Of
+# the library they include public headers only.
 set(may_base base)
 set(may_media media base)
 set(may_output output base)
+set(may_catalogue catalogue base)
 set(may_comparison comparison output base)
-set(may_app app analysis cli click comparison io media output base)
-foreach(room base media output comparison app)
+set(may_app app analysis cli click comparison io scan media output catalogue base)
+foreach(room base media output catalogue comparison app)
     file(GLOB_RECURSE files ${SOURCE_DIR}/${room}/*.h ${SOURCE_DIR}/${room}/*.cpp)
     foreach(file ${files})
         file(STRINGS ${file} lines REGEX "^#include \"")

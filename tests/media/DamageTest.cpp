@@ -124,8 +124,8 @@ TEST_F(DamagedFiles, AreNotRecordingsThatAreJoined) {
     }
 }
 
-// A second recording whose silent beginning was cut off begins at a time that the first had too, with
-// packets that it had: the music behind tells that it is another.
+// A second recording whose silent beginning was cut off begins at a time that the first had too,
+// with packets that it had: the music after it shows that it is another.
 TEST_F(DamagedFiles, AreNotRecordingsThatAreJoinedWithoutTheirBeginning) {
     constexpr std::size_t kTsPacketBytes = 188;
     const test::FileKind kind = {"mpegts", "mp2"};

@@ -51,19 +51,19 @@ TEST_P(DecodingTest, HandsAWholeTrackToItsReaderWhateverIsKept) {
 
 TEST_P(DecodingTest, TellsItsHooksOfEveryFrameAndOfTheEnd) {
     std::int64_t heard = 0;
-    std::int64_t told = 0;
+    std::int64_t framesAtEnd = 0;
     Decoding decoding(
         track_, kAll, GetParam(),
         {[&](const StereoBlock& block) { heard += static_cast<std::int64_t>(block.frames()); },
          [&](const TrackDecoder& decoder, std::int64_t frames) {
              EXPECT_FALSE(decoder.isCutOff());
-             told = frames;
+             framesAtEnd = frames;
          }});
     decoding.start();
     while (!decoding.awaitEnd()) {
     }
     EXPECT_EQ(heard, kFrames);
-    EXPECT_EQ(told, kFrames);
+    EXPECT_EQ(framesAtEnd, kFrames);
     EXPECT_EQ(decoding.shareRead(), 1.0);
 }
 

@@ -9,6 +9,8 @@
 #include <gtest/gtest.h>
 
 #include "base/errors.h"
+#include "media/Container.h"
+#include "media/StereoChain.h"
 #include "media/TrackDecoder.h"
 #include "support/ClickPattern.h"
 #include "support/TemporaryFolder.h"
@@ -22,13 +24,13 @@ constexpr double kGoodMs = 1.0;
 /** Files whose clicks cannot come out where they were: what cannot be known. */
 struct Unknowable {
     std::string_view encoder;
-    std::string_view container;  ///< empty: any
-    double frames;               ///< by which they come out late, at the file's rate
+    std::string_view container;  // empty: any
+    double frames;               // by which they come out late, at the file's rate
 };
 constexpr Unknowable kUnknowable[] = {
     // An MP3 without an encoder's tag is taken for one of LAME's.
     {"libshine", "", -48.0},
-    // Neither tells the pre-skip, and libopus looks further ahead.
+    // Neither states the pre-skip, and libopus looks further ahead.
     {"opus", "CAF", 120.0 - 312.0},
     {"opus", "MPEG-TS", 120.0 - 312.0},
     // No tag names FFmpeg: taken for Windows' encoders, a block longer.
@@ -42,6 +44,32 @@ std::optional<double> shiftOf(const std::string& path) {
     TrackDecoder decoder(path);
     decoder.run(sound);
     return test::patternShift(sound.left, decoder.format().sessionRate);
+}
+
+/** Everything that the stream's decoder yields when it is told to drop nothing. */
+void decodeWithDelay(const std::string& path, TrackSink& sink) {
+    FileInput input(path);
+    Container container(input);
+    AVCodecContext* context =
+        avcodec_alloc_context3(avcodec_find_decoder(container.stream().codecpar->codec_id));
+    avcodec_parameters_to_context(context, container.stream().codecpar);
+    context->pkt_timebase = container.stream().time_base;
+    context->flags2 |= AV_CODEC_FLAG2_SKIP_MANUAL;
+    avcodec_open2(context, nullptr, nullptr);
+    StereoChain chain(sink);
+    const PacketPointer packet = makePacket();
+    const FramePointer frame = makeFrame();
+    const auto receiveAll = [&] {
+        while (avcodec_receive_frame(context, frame.get()) >= 0) chain.put(*frame);
+    };
+    while (container.next(*packet)) {
+        if (avcodec_send_packet(context, packet.get()) >= 0) receiveAll();
+        av_packet_unref(packet.get());
+    }
+    avcodec_send_packet(context, nullptr);
+    receiveAll();
+    chain.finish();
+    avcodec_free_context(&context);
 }
 
 class EveryEncoder : public testing::TestWithParam<const char*> {
@@ -74,7 +102,24 @@ protected:
             if (fits && std::abs(*shift) * 1000.0 >= kGoodMs) frames = row.frames;
         }
         EXPECT_NEAR(*shift * 1000.0, frames / rate * 1000.0, kGoodMs) << container.name;
+        checkDropped(container, path, *shift);
         ++heard_;
+    }
+
+    /** What was left out is how much later the clicks come from a decoder that leaves nothing
+     *  out. */
+    static void checkDropped(const test::ContainerKind& container, const std::string& path,
+                             double shift) {
+        test::Recorder heard;
+        TrackDecoder decoder(path);
+        decoder.run(heard);
+        test::Recorder whole;
+        decodeWithDelay(path, whole);
+        const auto later = test::patternShift(whole.left, decoder.format().sessionRate);
+        ASSERT_TRUE(later) << container.name;
+        const double dropped =
+            static_cast<double>(decoder.droppedFrames()) / decoder.format().trackRate;
+        EXPECT_NEAR(dropped * 1000.0, (*later - shift) * 1000.0, kGoodMs) << container.name;
     }
 
     int heard_ = 0;
@@ -142,7 +187,7 @@ TEST_F(EncoderDelayTest, FollowsTheEditListWhateverTimeItTells) {
     }
 }
 
-// Where MP4 tells nothing, Apple's programs have 2112 frames, as QuickTime takes for granted.
+// If an MP4 states nothing, Apple's programs have 2112 frames, as QuickTime assumes.
 TEST_F(EncoderDelayTest, TakesTheDelayOfTheProgramThatWroteTheFile) {
     const std::string path = written({"M4A", "ipod", "use_editlist=0"}, "aac");
     EXPECT_NEAR(shiftInFrames(path), 0.0, 0.5);
@@ -203,7 +248,7 @@ TEST_F(EncoderDelayTest, FollowsTheCodecDelayOfMatroska) {
     EXPECT_NEAR(shiftInFrames(path), 1024.0 - 441.0, 0.5);
 }
 
-// FFmpeg puts a header in front of a copied MP3 that has 0 for the delay that it was not told, or
+// FFmpeg puts a header in front of a copied MP3 that has 0 for the delay that it does not know, or
 // less the decoder's 529.
 TEST_F(EncoderDelayTest, DoesNotTakeTheHeaderOfACopiedMp3ForItsEncodersWord) {
     const std::string path = written({"MP3", "mp3"}, "libmp3lame");

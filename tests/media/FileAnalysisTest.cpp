@@ -4,6 +4,7 @@
 #include <cfenv>
 #include <cmath>
 #include <filesystem>
+#include <optional>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -55,6 +56,15 @@ protected:
         return "";
     }
 
+    std::optional<base::TrackError::Kind> kindOf(const std::string& name) const {
+        try {
+            analyze(folder_.file(name));
+        } catch (const base::TrackError& error) {
+            return error.kind();
+        }
+        return std::nullopt;
+    }
+
     test::TemporaryFolder folder_;
     std::string track_ = folder_.file("track");
 };
@@ -62,7 +72,7 @@ protected:
 struct FormatCase {
     const char* name;
     FileKind kind;
-    bool isDeclared = true;  ///< the length, to the frame: see the remark at the table
+    bool isDeclared = true;  // the length, to the frame: see the remark at the table
 };
 
 class OneDecodingOfEveryFormat : public testing::TestWithParam<std::tuple<FormatCase, int>> {
@@ -235,6 +245,20 @@ TEST_F(FileAnalysisTest, RefusesATrackTooLongToCountBeforeDecodingIt) {
 TEST_F(FileAnalysisTest, RefusesATrackWithoutAFrame) {
     test::writeAudioFile(folder_.file("none"), {"wav", "pcm_s16le"}, {44100, {{}}});
     EXPECT_EQ(reasonOf(folder_.file("none")), "holds no audio");
+}
+
+TEST_F(FileAnalysisTest, TellsWhatIsNoMusicFromWhatIsDamagedUnreadableOrMissing) {
+    using Kind = base::TrackError::Kind;
+    test::writeFile(folder_.file("text"), "Notes on this album.");
+    test::writeFile(folder_.file("empty"), "");
+    test::writeAudioFile(folder_.file("none"), {"wav", "pcm_s16le"}, {44100, {{}}});
+    test::copyShortened(track_, folder_.file("cut"), std::filesystem::file_size(track_) / 2);
+    std::filesystem::create_symlink(folder_.file("circle"), folder_.file("circle"));
+    for (const char* name : {"text", "empty", "none"}) EXPECT_EQ(kindOf(name), Kind::notAudio);
+    EXPECT_EQ(kindOf("cut"), Kind::damaged);
+    EXPECT_EQ(kindOf("circle"), Kind::unreadable);
+    EXPECT_EQ(kindOf("missing"), Kind::missing);
+    EXPECT_EQ(kindOf("track"), std::nullopt);
 }
 
 TEST_F(FileAnalysisTest, LeavesTheRoundingModeAlone) {

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Work on a file that ends before its end, in every phase: whatever ends it is told once, and no
-// thread is left behind.
+// Work on a file that ends before its end, in every phase: whatever ends it is reported once, and
+// no thread is left behind.
 #include <chrono>
 #include <csignal>
 #include <cstdlib>

@@ -14,7 +14,7 @@ namespace {
 constexpr std::int64_t kAll = 1LL << 40;
 constexpr std::size_t kBlock = 1000;
 
-/** Frames whose samples tell their place: 16-bit values, left and right different. */
+/** Frames whose samples show their index: 16-bit values, left and right different. */
 StereoBlock blockFrom(std::size_t first, std::size_t frames = kBlock) {
     StereoBlock block;
     block.resize(frames);

@@ -41,8 +41,8 @@ struct FormatCase {
     const char* name;
     FileKind kind;
     const char* codec;
-    double clickTolerance;  ///< frames; lossy coding smears a click
-    long mostExtraFrames;   ///< padding that the format cannot tell
+    double clickTolerance;  // frames; lossy coding smears a click
+    long mostExtraFrames;   // padding that the format cannot state
 };
 
 class EveryFormat : public testing::TestWithParam<std::tuple<FormatCase, int>> {
@@ -72,7 +72,7 @@ TEST_P(EveryFormat, CountsPositionsFromTheFirstFrameOfMusic) {
     EXPECT_EQ(decoded.tally.damagedPackets, 0);
 }
 
-// Opus always decodes at 48,000 Hz; AAC and MP3 without a header tell no padding at the end, WMA
+// Opus always decodes at 48,000 Hz; AAC and MP3 without a header state no padding at the end, WMA
 // none at all.
 INSTANTIATE_TEST_SUITE_P(
     Files, EveryFormat,

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Files that declare another length than they have: told, and analysed with the true one.
+// Files that declare another length than they have: that is reported, and the true one is analysed.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 

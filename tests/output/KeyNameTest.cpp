@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "output/KeyName.h"
 
+#include <cctype>
+#include <map>
 #include <set>
 
 #include <gtest/gtest.h>
@@ -55,6 +57,37 @@ TEST(KeyName, IsGivenInEveryNotation) {
     EXPECT_EQ(key.in(KeyNotation::flats), "Ab minor");
     EXPECT_EQ(key.in(KeyNotation::camelot), "1A");
     EXPECT_EQ(key.in(KeyNotation::openKey), "6m");
+    EXPECT_EQ(key.in(KeyNotation::german), "gis-Moll");
+    EXPECT_EQ(key.in(KeyNotation::solfege), "Sol# minor");
+}
+
+// German calls the note below C H and the one below that B.
+TEST(KeyName, TellsTheGermanBFromTheEnglishOne) {
+    EXPECT_EQ(KeyName(1).german(), "B-Dur");
+    EXPECT_EQ(KeyName(2).german(), "H-Dur");
+    EXPECT_EQ(KeyName(13).german(), "b-Moll");
+    EXPECT_EQ(KeyName(14).german(), "h-Moll");
+}
+
+// Letter by letter: C Do, D Re, E Mi, F Fa, G Sol, A La, B Si; Cis and Des are the sharp C and the
+// flat D.
+TEST(KeyName, NamesTheSameNoteInEveryLanguage) {
+    const std::map<char, std::string> syllables = {
+        {'C', "Do"}, {'D', "Re"}, {'E', "Mi"}, {'F', "Fa"}, {'G', "Sol"}, {'A', "La"}, {'B', "Si"}};
+    const std::map<std::string, std::string> german = {
+        {"A", "a"},    {"Bb", "b"}, {"B", "h"},   {"C", "c"},   {"C#", "cis"},
+        {"Db", "des"}, {"D", "d"},  {"Eb", "es"}, {"E", "e"},   {"F", "f"},
+        {"F#", "fis"}, {"G", "g"},  {"Ab", "as"}, {"G#", "gis"}};
+    for (const KeyCase& key : kCircle) {
+        const KeyName name(key.number);
+        const std::string note = name.musical().substr(0, name.musical().find(' '));
+        EXPECT_EQ(name.solfege(),
+                  syllables.at(note[0]) + note.substr(1) + (name.isMinor() ? " minor" : " major"));
+        std::string expected = german.at(note);
+        if (!name.isMinor())
+            expected[0] = static_cast<char>(std::toupper(static_cast<unsigned char>(expected[0])));
+        EXPECT_EQ(name.german(), expected + (name.isMinor() ? "-Moll" : "-Dur"));
+    }
 }
 
 TEST(KeyName, CoversAllKeysOnce) {

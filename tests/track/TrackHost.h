@@ -67,14 +67,17 @@ public:
     explicit WatchedSource(const Audio& audio) : audio_(audio) {}
 
     // What it does; to be set before the analysis.
-    std::vector<std::int64_t> readSizes;  ///< the most frames reads hand out, in turn; empty: all
+    /** The most frames reads hand out, in turn; empty: all. */
+    std::vector<std::int64_t> readSizes;
 
     /** What passes hand out, in turn and the last one on; after the audio silence; empty: the
      *  audio. */
     std::vector<std::int64_t> lengths;
 
-    int failsAtOpen = 0;   ///< this open, from 1, gives null
-    long failsAtRead = 0;  ///< this read, from 1, gives failure
+    /** This open, from 1, gives null. */
+    int failsAtOpen = 0;
+    /** This read, from 1, gives failure. */
+    long failsAtRead = 0;
     std::int64_t failure = -1;
     bool isFewestPasses = false;
     std::function<void()> atEveryCall = [] {};

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What the host is told on the way, and that it can end the analysis at any moment of it.
+// The progress that the host receives, and that it can end the analysis at any of these moments.
 #include <atomic>
 #include <utility>
 #include <vector>
@@ -12,7 +12,7 @@
 namespace beatatlas::test {
 namespace {
 
-/** Watches how it is told; stops at a call. */
+/** Records the progress it receives; stops the analysis at a given call. */
 class Watcher {
 public:
     explicit Watcher(int stopsAt = 0, int answer = 1) : stopsAt_(stopsAt), answer_(answer) {}
@@ -102,11 +102,11 @@ double processorSeconds() {
 
 /** The fraction when half of the processor time had gone. */
 double fractionAtHalfTime(BA_TrackOptions options, const Audio& audio, bool isFewestPasses) {
-    std::vector<std::pair<double, double>> told;  // when, and what
+    std::vector<std::pair<double, double>> received;  // when, and what
     const double begin = processorSeconds();
-    options.progress_host = &told;
+    options.progress_host = &received;
     options.progress = [](void* host, double fraction) {
-        static_cast<decltype(told)*>(host)->emplace_back(processorSeconds(), fraction);
+        static_cast<decltype(received)*>(host)->emplace_back(processorSeconds(), fraction);
         return 0;
     };
     WatchedSource source(audio);
@@ -114,7 +114,7 @@ double fractionAtHalfTime(BA_TrackOptions options, const Audio& audio, bool isFe
     EXPECT_EQ(source.analyse(options).status, BA_TRACK_OK);
     const double half = begin + (processorSeconds() - begin) / 2.0;
     double atHalf = 0.0;
-    for (const auto& [when, fraction] : told)
+    for (const auto& [when, fraction] : received)
         if (when <= half) atHalf = fraction;
     return atHalf;
 }

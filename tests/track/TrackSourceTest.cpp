@@ -92,7 +92,7 @@ TEST_P(TrackSourceTest, OfAnotherLengthIsRefused) {
         EXPECT_EQ(found.status, BA_TRACK_WRONG_LENGTH) << length;
         EXPECT_FALSE(found.hasTrack);
         expectOrderly(source);
-        EXPECT_EQ(source.opens(), 1) << "the first pass tells";
+        EXPECT_EQ(source.opens(), 1) << "the first pass shows it";
     }
 }
 

@@ -7,9 +7,9 @@ usage: run_mutants.py FOLDER [--count 300] [--seed 1] [--jobs 2]
 In FOLDER the sources of the commit that is checked out are laid out anew. `count` places of
 src/ are drawn, and all mutants are compiled into one build, each behind a question to the
 environment variable BEATATLAS_MUTANT. Then the test programs of the rooms run once for each
-mutant, its own room's first, until one fails. A mutant that no test notices survives: either it
-changes nothing that can be seen, or a test is missing. FOLDER/mutants.json has all of them;
-printed are the survivors and a line for each room.
+mutant that they reach, its own room's first, until one fails. A mutant that no test notices
+survives: either it changes nothing that can be seen, or a test is missing. FOLDER/mutants.json
+has all of them; printed are the survivors and a line for each room.
 
 Needs Debian's python3-clang-14, and about half an hour.
 """
@@ -28,11 +28,31 @@ from candidates import candidates
 
 ROOMS = ('dsp', 'view', 'peakss', 'envelope', 'key', 'util', 'session', 'api')
 HEADER = '''#pragma once
+#include <cstdio>
 #include <cstdlib>
-inline const int beatatlasMutant = [] {
-    const char* number = std::getenv("BEATATLAS_MUTANT");
-    return number == nullptr ? 0 : std::atoi(number);
-}();
+/** Which mutant lives, and which places have been reached; they are listed at the end in the file
+ *  that BEATATLAS_REACHED names. */
+struct BeatatlasMutants {
+    int alive = 0;
+    unsigned char reached[1000] = {};
+    BeatatlasMutants() {
+        const char* number = std::getenv("BEATATLAS_MUTANT");
+        alive = number == nullptr ? 0 : std::atoi(number);
+    }
+    ~BeatatlasMutants() {
+        const char* name = std::getenv("BEATATLAS_REACHED");
+        std::FILE* file = name == nullptr ? nullptr : std::fopen(name, "a");
+        if (file == nullptr) return;
+        for (int number = 0; number < 1000; ++number)
+            if (reached[number] != 0) std::fprintf(file, "%d\\n", number);
+        std::fclose(file);
+    }
+};
+inline BeatatlasMutants beatatlasMutants;
+inline bool beatatlasIsAlive(int number) {
+    beatatlasMutants.reached[number] = 1;
+    return beatatlasMutants.alive == number;
+}
 '''
 
 
@@ -73,7 +93,7 @@ def write_mutants(mutants, originals):
     for file, text in originals.items():
         own = [(number, mutant) for number, mutant in mutants.items() if mutant.file == file]
         for number, mutant in sorted(own, key=lambda entry: -entry[1].start):
-            changed = mutant.replacement.format(alive=f'beatatlasMutant == {number}')
+            changed = mutant.replacement.format(alive=f'beatatlasIsAlive({number})')
             text = text[:mutant.start] + changed.encode() + text[mutant.end:]
         Path(file).write_bytes(text)
 
@@ -107,29 +127,42 @@ def refused_mutants(output, mutants, build_folder):
 
 
 def programs(folder):
-    """Test programs by room, and the processor time that each takes, seconds."""
-    times = {}
+    """What can notice a mutant, as (room, words of the command, processor seconds, places that it
+    reaches): the test programs of the rooms, and the comparison with the record of results."""
+    found = []
     for room in ROOMS:
-        for file in sorted((folder / 'build/tests' / room).iterdir()):
+        for file in sorted((folder / 'build/tests' / room).rglob('*')):
             if file.is_file() and os.access(file, os.X_OK) and file.suffix == '':
-                before = children_seconds()
-                if notices([str(file)], 0, 600):
-                    raise SystemExit(f'{file} fails without a mutant')
-                times[room, str(file)] = children_seconds() - before
-    return times
+                found.append(tried_out(room, [str(file)], folder))
+    golden = folder / 'tree/tests/golden'
+    return found + [tried_out('golden', [str(golden / 'compare_results.sh'),
+                                         str(folder / 'build/tests/golden/record_results'),
+                                         str(golden / 'results.txt'), str(folder / 'record.txt')],
+                              folder)]
+
+
+def tried_out(room, words, folder):
+    list_of_reached = folder / 'reached.txt'
+    list_of_reached.unlink(missing_ok=True)
+    before = children_seconds()
+    if notices(words, 0, 600, BEATATLAS_REACHED=str(list_of_reached)):
+        raise SystemExit(f'{words[0]} fails without a mutant')
+    reached = list_of_reached.read_text().split() if list_of_reached.exists() else []
+    return room, words, children_seconds() - before, {int(number) for number in reached}
 
 
 def children_seconds():
     return resource.getrusage(resource.RUSAGE_CHILDREN).ru_utime
 
 
-def notices(words, number, seconds):
+def notices(words, number, seconds, **more_environment):
     """Whether the program fails, or takes more processor time than so many seconds."""
     def limit():
         resource.setrlimit(resource.RLIMIT_CPU, (int(seconds), int(seconds)))
         resource.setrlimit(resource.RLIMIT_AS, (4 << 30, 4 << 30))
 
-    environment = dict(os.environ, BEATATLAS_MUTANT=str(number), GTEST_FAIL_FAST='1')
+    environment = dict(os.environ, BEATATLAS_MUTANT=str(number), GTEST_FAIL_FAST='1',
+                       **more_environment)
     try:
         return subprocess.run(words, env=environment, timeout=3600, stdout=subprocess.DEVNULL,
                               stderr=subprocess.DEVNULL, preexec_fn=limit).returncode != 0
@@ -137,23 +170,25 @@ def notices(words, number, seconds):
         return True
 
 
-def try_mutant(number, mutant, times, folder):
+def try_mutant(number, mutant, every_program, folder):
     """@return the name of the program that noticed it, or None"""
-    room = Path(mutant.file).relative_to(folder / 'tree/src').parts[0]
-    order = sorted(times, key=lambda key: (key[0] != room, times[key]))
-    for key in order:
-        if notices([key[1]], number, 10 + 5 * times[key]):
-            return Path(key[1]).name
-    golden = folder / 'tree/tests/golden'
-    words = [str(golden / 'compare_results.sh'), str(folder / 'build/tests/golden/record_results'),
-             str(golden / 'results.txt'), str(folder / f'record-{number}.txt')]
-    return 'Golden' if notices(words, number, 600) else None
+    own_room = Path(mutant.file).relative_to(folder / 'tree/src').parts[0]
+    reaching = [program for program in every_program if number in program[3]]
+    for room, words, seconds, _ in sorted(
+            reaching, key=lambda program: (program[0] != own_room, program[2])):
+        # The record is written to a file; two mutants may be tried at once.
+        own_words = [word.replace('record.txt', f'record-{number}.txt') for word in words]
+        if notices(own_words, number, 5 + 3 * seconds):
+            return Path(words[0]).name if room != 'golden' else 'golden'
+    return None
+
+
+def print_survivor(result):
+    print(f"{result['number']} {result['file']}:{result['line']}: {result['what']}: {result['text']}",
+          flush=True)
 
 
 def report(results):
-    for result in results:
-        if result['noticed'] is None:
-            print(f"{result['file']}:{result['line']}: {result['what']}: {result['text']}")
     print('\n| room | mutants | noticed |\n|---|---|---|')
     every = Counter(result['file'].split('/')[1] for result in results)
     noticed = Counter(result['file'].split('/')[1] for result in results if result['noticed'])
@@ -176,15 +211,19 @@ def main():
     texts = {mutant.file: Path(mutant.file).read_bytes() for mutant in mutants.values()}
     build(mutants, folder)
     tried = dict(list(mutants.items())[:arguments.count])
-    times = programs(folder)
-    print(f'{len(tried)} mutants, {len(times)} programs, {sum(times.values()):.0f} s', flush=True)
+    every_program = programs(folder)
+    seconds = sum(program[2] for program in every_program)
+    print(f'{len(tried)} mutants, {len(every_program)} programs, {seconds:.0f} s', flush=True)
 
     def result_of(entry):
         number, mutant = entry
         text = texts[mutant.file][mutant.start:mutant.end].decode()
-        return {'number': number, 'file': str(Path(mutant.file).relative_to(tree)),
-                'line': mutant.line, 'what': mutant.what, 'text': text,
-                'noticed': try_mutant(number, mutant, times, folder)}
+        result = {'number': number, 'file': str(Path(mutant.file).relative_to(tree)),
+                  'line': mutant.line, 'what': mutant.what, 'text': text,
+                  'noticed': try_mutant(number, mutant, every_program, folder)}
+        if result['noticed'] is None:
+            print_survivor(result)
+        return result
 
     with ThreadPoolExecutor(arguments.jobs) as pool:
         results = list(pool.map(result_of, tried.items()))

@@ -144,38 +144,51 @@ void makeStrengths(OnsetEnvelopes& envelopes) {
         for (float& strength : strengths) strength = std::min(strength, kMostStrength);
 }
 
+/** Adds the groups of the meter's latest frame to the level, to the rise over two frames, and to
+ *  the rise over one frame of the upper groups. */
+void addFrame(const RiseMeter& meter, std::vector<Groups>& levels, std::vector<Groups>& rises,
+              std::vector<SharpGroups>& quickRises) {
+    Groups& level = levels.emplace_back();
+    Groups& rise = rises.emplace_back();
+    SharpGroups& quickRise = quickRises.emplace_back();
+    for (std::size_t g = 0; g < kGroups; ++g) {
+        const RiseMeter::Means means = meter.meansOf(g);
+        level[g] = means.level;
+        rise[g] = means.riseOverTwo;
+        if (g >= kFirstSharpGroup) quickRise[g - kFirstSharpGroup] = means.rise;
+    }
+}
+
+/** Divides each column of a list by its mean. Returns the mean of each row. */
+template <std::size_t kCount>
+std::vector<float> evenColumns(std::vector<std::array<float, kCount>>& list) {
+    divideByMean(list);
+    std::vector<float> means;
+    means.reserve(list.size());
+    for (const auto& row : list) means.push_back(meanFrom(0, row));
+    return means;
+}
+
 }  // namespace
 
 OnsetEnvelopes makeOnsetEnvelopes(BandLevels& levels) {
     OnsetEnvelopes envelopes;
     const auto frames = static_cast<std::size_t>(levels.frames());
-    std::vector<SharpGroups> quick;
+    std::vector<SharpGroups> quickRises;
     std::vector<Groups>& rises = envelopes.strength;
-    quick.reserve(frames);
+    quickRises.reserve(frames);
     rises.reserve(frames);
     envelopes.level.reserve(frames);
     RiseMeter meter(levels);
     while (const std::unique_ptr<LevelCode[]> chunk = levels.takeChunk()) {
-        const std::size_t end = std::min(frames, quick.size() + BandLevels::kChunkFrames);
-        for (const LevelCode* codes = chunk.get(); quick.size() < end; codes += levels.bands()) {
+        const std::size_t end = std::min(frames, rises.size() + BandLevels::kChunkFrames);
+        for (const LevelCode* codes = chunk.get(); rises.size() < end; codes += levels.bands()) {
             meter.put(codes);
-            Groups& level = envelopes.level.emplace_back();
-            Groups& rise = rises.emplace_back();
-            SharpGroups& quickRise = quick.emplace_back();
-            for (std::size_t g = 0; g < kGroups; ++g) {
-                const RiseMeter::Means means = meter.meansOf(g);
-                level[g] = means.level;
-                rise[g] = means.riseOverTwo;
-                if (g >= kFirstSharpGroup) quickRise[g - kFirstSharpGroup] = means.rise;
-            }
+            addFrame(meter, envelopes.level, rises, quickRises);
         }
     }
-    divideByMean(quick);
-    divideByMean(rises);
-    envelopes.sharp.reserve(frames);
-    envelopes.full.reserve(frames);
-    for (const SharpGroups& row : quick) envelopes.sharp.push_back(meanFrom(0, row));
-    for (const Groups& row : rises) envelopes.full.push_back(meanFrom(0, row));
+    envelopes.sharp = evenColumns(quickRises);
+    envelopes.full = evenColumns(rises);
     spreadPeaks(rises);
     makeStrengths(envelopes);
     return envelopes;

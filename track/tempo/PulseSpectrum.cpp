@@ -59,41 +59,55 @@ Place placeOf(double hz) {
     return {static_cast<int>(nearest), rounds - std::floor(rounds), windowGain(bins - nearest)};
 }
 
-/** |Σ value(w) · e^(−2πi · rounds · w)|, in eight independent sums that do not wait for each
- *  other. */
-double magnitudeAt(const std::complex<float>* values, std::size_t count, double rounds) {
-    constexpr std::size_t kSums = 8;
+constexpr std::size_t kSums = 8;
+
+/** Complex numbers, one for each of eight sums that do not wait for each other. */
+struct Complexes {
     std::array<double, kSums> re{};
     std::array<double, kSums> im{};
-    std::array<double, kSums> cosine;
-    std::array<double, kSums> sine;
+};
+
+/** e^(−2πi · rounds · j) for each sum j. */
+Complexes firstTurns(double rounds) {
+    Complexes turns;
     for (std::size_t j = 0; j < kSums; ++j) {
         const double angle = -2.0 * std::numbers::pi * rounds * static_cast<double>(j);
-        cosine[j] = std::cos(angle);
-        sine[j] = std::sin(angle);
+        turns.re[j] = std::cos(angle);
+        turns.im[j] = std::sin(angle);
     }
+    return turns;
+}
+
+double magnitudeOf(const Complexes& sums) {
+    double re = 0.0;
+    double im = 0.0;
+    for (std::size_t j = 0; j < kSums; ++j) {
+        re += sums.re[j];
+        im += sums.im[j];
+    }
+    return std::sqrt(re * re + im * im);
+}
+
+/** |Σ value(w) · e^(−2πi · rounds · w)|. */
+double magnitudeAt(const std::complex<float>* values, std::size_t count, double rounds) {
+    Complexes sums;
+    Complexes turns = firstTurns(rounds);
     const double step = -2.0 * std::numbers::pi * rounds * static_cast<double>(kSums);
-    const double stepCosine = std::cos(step);
-    const double stepSine = std::sin(step);
+    const double stepRe = std::cos(step);
+    const double stepIm = std::sin(step);
     for (std::size_t w = 0; w < count; w += kSums) {
-        const std::size_t sums = std::min(kSums, count - w);
-        for (std::size_t j = 0; j < sums; ++j) {
-            const auto x = static_cast<double>(values[w + j].real());
-            const auto y = static_cast<double>(values[w + j].imag());
-            re[j] += x * cosine[j] - y * sine[j];
-            im[j] += x * sine[j] + y * cosine[j];
-            const double turned = cosine[j] * stepCosine - sine[j] * stepSine;
-            sine[j] = cosine[j] * stepSine + sine[j] * stepCosine;
-            cosine[j] = turned;
+        const std::size_t taken = std::min(kSums, count - w);
+        for (std::size_t j = 0; j < taken; ++j) {
+            const auto re = static_cast<double>(values[w + j].real());
+            const auto im = static_cast<double>(values[w + j].imag());
+            sums.re[j] += re * turns.re[j] - im * turns.im[j];
+            sums.im[j] += re * turns.im[j] + im * turns.re[j];
+            const double turned = turns.re[j] * stepRe - turns.im[j] * stepIm;
+            turns.im[j] = turns.re[j] * stepIm + turns.im[j] * stepRe;
+            turns.re[j] = turned;
         }
     }
-    double reSum = 0.0;
-    double imSum = 0.0;
-    for (std::size_t j = 0; j < kSums; ++j) {
-        reSum += re[j];
-        imSum += im[j];
-    }
-    return std::sqrt(reSum * reSum + imSum * imSum);
+    return magnitudeOf(sums);
 }
 
 }  // namespace

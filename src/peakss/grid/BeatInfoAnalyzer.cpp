@@ -69,6 +69,39 @@ BeatList variedTempoSegments(BeatList& raw, int samplingRate, const BeatListDump
     return findSegments(raw, samplingRate);
 }
 
+// Makes the tempi of the segments exact and thins out the candidates. Returns the main BPM.
+float settleSegments(BeatList& segments, BeatList& raw, int length, int samplingRate,
+                     const BeatListDump& dump) {
+    refineSegments(segments, raw, length);
+    dropCloseCandidates(raw, segments, length, samplingRate);
+    dump.section("[ 近い値調整後のデータ ]", raw);
+    const float bpm = findMainTempo(segments, length);
+    dump.representativeTempo(bpm);
+    dump.section("[ アジャスト前区間情報 ]", segments);
+    return bpm;
+}
+
+// Fits the segments to the candidates and lays the grid over them.
+LaidGrid laySegments(BeatList& segments, const std::vector<BandOffsets>& offsetsMs,
+                     const BeatList& raw, const GridPhrase& phrase, int length, int samplingRate,
+                     const BeatListDump& dump) {
+    adjustSegments(segments, raw, length, samplingRate);
+    LaidGrid grid = layGrid(segments, offsetsMs, raw, phrase, length, samplingRate);
+    dump.section("[ アジャスト後区間情報 ]", segments);
+    dump.section("[ 区間をBPM値で分割したデータ ]", grid.beats);
+    return grid;
+}
+
+// Mends the gaps of the grid. Returns the position of a beat that begins a bar.
+std::int32_t mendGaps(LaidGrid& grid, bool varied, int length, int samplingRate) {
+    if (varied) {
+        gapCorrectVaried(grid.beats);
+        return grid.firstOrigin;
+    }
+    gapCorrectConstant(grid.beats, length, grid.firstAnchor, grid.lastAnchor, samplingRate);
+    return firstAnchorPosition(grid.beats);
+}
+
 // The BPM of a grid that is even from its first beat on.
 float gridTempo(const BeatList& grid) {
     return grid.empty() ? 0.0F : 60000.0F / grid.front().interval;
@@ -91,30 +124,14 @@ float BeatInfoAnalyzer::analyze(BeatInfoAnalyzeInfo* info, BeatList& out, int le
                                            : constantTempoSegments(raw, length, dump, progress);
     if (!found) return 0.0F;
     BeatList& segments = *found;
-
-    refineSegments(segments, raw, length);
-    const std::vector<BandOffsets> offsetsMs(segments.size(), kDetectorOffsetsMs);
-    dropCloseCandidates(raw, segments, length, samplingRate_);
-    dump.section("[ 近い値調整後のデータ ]", raw);
-    float bpm = findMainTempo(segments, length);
-    dump.representativeTempo(bpm);
-    dump.section("[ アジャスト前区間情報 ]", segments);
+    float bpm = settleSegments(segments, raw, length, samplingRate_, dump);
     if (segments.empty()) return 0.0F;
 
-    adjustSegments(segments, raw, length, samplingRate_);
-    LaidGrid grid =
-        layGrid(segments, offsetsMs, raw, {barBeats, frontBeats, backBeats}, length, samplingRate_);
-    dump.section("[ アジャスト後区間情報 ]", segments);
-    dump.section("[ 区間をBPM値で分割したデータ ]", grid.beats);
-
-    std::int32_t reference = grid.firstOrigin;
-    if (varied) {
-        gapCorrectVaried(grid.beats);
-    } else {
-        gapCorrectConstant(grid.beats, length, grid.firstAnchor, grid.lastAnchor, samplingRate_);
-        bpm = gridTempo(grid.beats);
-        reference = firstAnchorPosition(grid.beats);
-    }
+    const std::vector<BandOffsets> offsetsMs(segments.size(), kDetectorOffsetsMs);
+    LaidGrid grid = laySegments(segments, offsetsMs, raw, {barBeats, frontBeats, backBeats}, length,
+                                samplingRate_, dump);
+    const std::int32_t reference = mendGaps(grid, varied, length, samplingRate_);
+    if (!varied) bpm = gridTempo(grid.beats);
     numberBars(grid.beats, reference, barBeats);
     trimToTrack(grid.beats, length);
     dump.section("[ 位置補正後のデータ ]", grid.beats);

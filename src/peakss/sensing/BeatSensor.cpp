@@ -250,11 +250,9 @@ PeakBuffer* BeatSensor::voteOfBands() {
 // overturn the vote; with enough votes behind it the music has changed, and the other tempi lose
 // theirs.
 bool BeatSensor::settleVote(float interval) {
-    for (int winner = vote_.winner(); winner > 0; winner = vote_.winner()) {
-        if (!missesTempoOf(intervalOfBpm(winner), interval)) return true;
+    while (missesTempoOf(intervalOfBpm(vote_.winner()), interval)) {
         if (vote_.votesFor(interval) < kMinVotes) return false;
         vote_.keepOnly(interval);
-        if (vote_.winner() < 0) return false;
     }
     return true;
 }

@@ -190,9 +190,9 @@ TEST_F(AnalyzeCommand, RefusesEffortThatIsNone) {
 }
 
 TEST_F(AnalyzeCommand, TakesNamesThatLookLikeOptionsCommandsOrPatterns) {
-    const std::vector<std::string> names = {"-x.wav", "--json", "-",     "draw", "analyze",
-                                            "++",     "--",     "[a,b]", "{a}",  "a=b",
-                                            "a b",    "a\nb",   "'q\"",  "$(x)"};
+    const std::vector<std::string> names = {"-x.wav", "--json", "draw", "analyze", "++",
+                                            "--",     "[a,b]",  "{a}",  "a=b",     "a b",
+                                            "a\nb",   "'q\"",   "$(x)"};
     for (const std::string& name : names) {
         writeTrack(name);
         const ToolRun run = runInFolder({"analyze", "--json", "--", name});

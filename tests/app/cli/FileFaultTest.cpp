@@ -35,6 +35,8 @@ protected:
         std::vector<std::string> arguments = {GetParam()};
         if (GetParam() == "draw")
             arguments.insert(arguments.end(), {"-o", folder_.file("out.png")});
+        if (GetParam() == "export")
+            arguments.insert(arguments.end(), {"--to=jams", "-o", folder_.file("out.jams")});
         if (GetParam() == "cut") arguments.insert(arguments.end(), {"-o", folder_.file("out.wav")});
         arguments.push_back(file);
         return arguments;
@@ -62,7 +64,7 @@ protected:
 };
 
 /** The commands that read a track more than once, where it does not fit into memory: for the
- *  session's key, which `analyze` tells in JSON alone. */
+ *  session's key, which `analyze` reports in JSON only. */
 class FileFaultBetweenPasses : public FileFault {
 protected:
     std::vector<std::string> slowReading() const override {
@@ -153,7 +155,8 @@ TEST_P(FileFault, WorksOnFilesOfAnyName) {
 const auto nameOfCommand = [](const auto& command) { return command.param; };
 
 INSTANTIATE_TEST_SUITE_P(Commands, FileFault,
-                         testing::Values("analyze", "draw", "pitch", "key", "cut"), nameOfCommand);
+                         testing::Values("analyze", "draw", "pitch", "key", "cut", "export"),
+                         nameOfCommand);
 INSTANTIATE_TEST_SUITE_P(Commands, FileFaultBetweenPasses, testing::Values("analyze", "key"),
                          nameOfCommand);
 

@@ -79,10 +79,10 @@ TEST_F(PitchCommand, PrintsOneJsonDocumentOfItsOwnForAllTracks) {
     ASSERT_EQ(document["tracks"].size(), 2U);
     std::vector<std::string> members;
     for (const auto& [member, value] : document["tracks"][0].items()) members.push_back(member);
-    EXPECT_THAT(members, testing::UnorderedElementsAre("file", "audio", "partial", "damagedPackets",
-                                                       "repeatedPackets", "gaps", "lacksEnd",
-                                                       "formatChanges", "sampleRate", "frames",
-                                                       "seconds", "pitch", "mode", "fullRate"));
+    EXPECT_THAT(members, testing::UnorderedElementsAre(
+                             "file", "audio", "partial", "damagedPackets", "repeatedPackets",
+                             "gaps", "lacksEnd", "formatChanges", "origin", "sampleRate", "frames",
+                             "seconds", "pitch", "mode", "fullRate"));
     EXPECT_EQ(document["tracks"][0]["sampleRate"], 48000);
     EXPECT_EQ(document["tracks"][0]["frames"], 144000);
     EXPECT_TRUE(document["tracks"][1].contains("error"));

@@ -90,7 +90,7 @@ TEST(Program, RefusesACommandLineItDoesNotUnderstand) {
         {"analyze", "--range", "5", "x"},
         {"analyze", "--section", "8", "x"},
         {"analyze", "--waves", "x"},
-        {"analyze", "--key-notation", "german", "x"},
+        {"analyze", "--key-notation", "greek", "x"},
         {"analyze", "--json", "--key-notation", "camelot", "x"},
         {"draw", "x"},
         {"draw", "x", "-o", "y.jpg"},
@@ -127,9 +127,9 @@ TEST(Program, TellsTheNamesThatAnOptionTakes) {
                       value + (value == "AUTO" ? "; did you mean auto?" : "") +
                       " (see beatatlas analyze --help)\n");
     for (const std::string command : {"analyze", "key"})
-        EXPECT_EQ(runTool({command, "--key-notation", "german", "x"}).err,
-                  "beatatlas: --key-notation: takes one of camelot, flats, openkey, sharps, "
-                  "standard, not german (see beatatlas " +
+        EXPECT_EQ(runTool({command, "--key-notation", "greek", "x"}).err,
+                  "beatatlas: --key-notation: takes one of camelot, flats, german, openkey, "
+                  "sharps, solfege, standard, not greek (see beatatlas " +
                       command + " --help)\n");
 }
 

@@ -11,9 +11,12 @@ namespace test {
 struct FileKind {
     const char* muxer;
     const char* encoder;
-    const char* muxerOptions = "";  ///< "key=value:key=value"
-    bool hasCover = false;          ///< a picture beside the music, as music shops put it there
-    const char* tags = "";          ///< "key=value:key=value"
+    /** As "key=value:key=value". */
+    const char* muxerOptions = "";
+    /** A picture beside the music, as music shops put it there. */
+    bool hasCover = false;
+    /** As "key=value:key=value". */
+    const char* tags = "";
     int bitRate = 192000;
     const char* encoderOptions = "";
 };

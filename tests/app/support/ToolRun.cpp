@@ -52,23 +52,6 @@ void obeyPermissions() {
     prctl(PR_CAPBSET_DROP, CAP_DAC_READ_SEARCH);
 }
 
-[[noreturn]] void becomeTool(const ToolRun& run, int output, int error) {
-    if (!run.folder.empty() && chdir(run.folder.c_str()) != 0) _exit(126);
-    if (output == -1)
-        close(STDOUT_FILENO);
-    else
-        dup2(output, STDOUT_FILENO);
-    dup2(error, STDERR_FILENO);
-    obeyPermissions();
-    std::string tool = BEATATLAS_TOOL;
-    std::vector<std::string> words = run.arguments;
-    std::vector<char*> argv = {tool.data()};
-    for (std::string& word : words) argv.push_back(word.data());
-    argv.push_back(nullptr);
-    execv(tool.c_str(), argv.data());
-    _exit(127);
-}
-
 /** Everything up to the end, which for a terminal is an error. */
 void drain(int descriptor, std::string& text, const std::function<void()>& atFirst) {
     std::array<char, 4096> buffer{};
@@ -83,11 +66,32 @@ void drain(int descriptor, std::string& text, const std::function<void()>& atFir
 
 }  // namespace
 
+void becomeTool(std::vector<std::string> arguments, int output, int error) {
+    if (output == -1)
+        close(STDOUT_FILENO);
+    else
+        dup2(output, STDOUT_FILENO);
+    dup2(error, STDERR_FILENO);
+    obeyPermissions();
+    std::string tool = BEATATLAS_TOOL;
+    std::vector<char*> argv = {tool.data()};
+    for (std::string& word : arguments) argv.push_back(word.data());
+    argv.push_back(nullptr);
+    execv(tool.c_str(), argv.data());
+    _exit(127);
+}
+
 ToolRun& ToolRun::run() {
     const Channel results = makeOutput(output);
     const Channel error = hasTerminal ? makeTerminal() : makePipe();
     const pid_t process = fork();
-    if (process == 0) becomeTool(*this, results.writeEnd, error.writeEnd);
+    if (process == 0) {
+        if (!folder.empty() && chdir(folder.c_str()) != 0) _exit(126);
+        if (input != -1) dup2(input, STDIN_FILENO);
+        setenv("XDG_CONFIG_HOME", configFolder.c_str(), 1);
+        for (const auto& [name, value] : environment) setenv(name.c_str(), value.c_str(), 1);
+        becomeTool(arguments, results.writeEnd, error.writeEnd);
+    }
     if (results.writeEnd != -1) close(results.writeEnd);
     close(error.writeEnd);
     const auto atFirstError = [&] {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <functional>
+#include <map>
 #include <optional>
 #include <string>
 #include <vector>
@@ -15,21 +16,34 @@ enum class OutputPlace { captured, fullDisk, closedPipe, closed };
  *  it may not. */
 struct ToolRun {
     std::vector<std::string> arguments;
-    std::string folder;  ///< working folder; empty: the test's own
+    /** Working folder; empty: the test's own. */
+    std::string folder;
     OutputPlace output = OutputPlace::captured;
-    bool hasTerminal = false;  ///< standard error is a terminal
+    /** A descriptor for its standard input; -1: the test's own. */
+    int input = -1;
+    /** $XDG_CONFIG_HOME, in which the file of settings is. */
+    std::string configFolder = "/nonexistent";
+    std::map<std::string, std::string> environment = {};
+    /** Standard error is a terminal. */
+    bool hasTerminal = false;
 
     /** Sent once the first progress is shown; needs the terminal. */
     std::optional<int> signalAtProgress;
-    std::function<void()> atProgress;  ///< done then, too
+    /** Done then, too. */
+    std::function<void()> atProgress;
 
-    int exitStatus = -1;  ///< 1000 and the signal's number when a signal killed it
+    /** 1000 and the signal's number when a signal killed it. */
+    int exitStatus = -1;
     std::string out;
     std::string err;
 
     /** Runs the built program and waits for its end. */
     ToolRun& run();
 };
+
+/** In a process just forked: becomes the tool, with its output led to these descriptors and without
+ *  the superuser's rights. @param output  -1: closed */
+[[noreturn]] void becomeTool(std::vector<std::string> arguments, int output, int error);
 
 /** The tool with these arguments, run. */
 ToolRun runTool(const std::vector<std::string>& arguments);

@@ -10,7 +10,7 @@ namespace test {
 
 /** A container as a muxer of FFmpeg's writes it with some options. */
 struct ContainerKind {
-    const char* name;  ///< for people
+    const char* name;  // for people
     const char* muxer;
     const char* options = "";
 };

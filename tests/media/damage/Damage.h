@@ -9,7 +9,7 @@
 
 namespace test {
 
-/** What tells the time behind a damaged stretch. */
+/** What shows the time after damaged audio. */
 enum class Clock { times, bytes };
 
 /** A kind of file that can be damaged. */
@@ -25,7 +25,8 @@ struct DamageKind {
     enum class What { flips, zeros, removal, doubling, zeroedBeginning };
     const char* name;
     What what;
-    double rate = 0.0;  ///< of flipped bits, per byte
+    /** Of flipped bits, per byte. */
+    double rate = 0.0;
 };
 
 const std::vector<DamageFormat>& damageFormats();
@@ -36,7 +37,8 @@ class DamageNumbers {
 public:
     explicit DamageNumbers(std::uint32_t seed) : state_(seed * 2654435761U + 12345U) {}
 
-    double next();  ///< 0 to 1
+    /** 0 to 1. */
+    double next();
     std::size_t below(std::size_t count);
 
 private:

@@ -15,7 +15,8 @@ namespace {
 constexpr double kMostByTimes = 0.001;
 constexpr double kMostByBytes = 0.030;
 
-// The last block of a track may go without a word: no format tells of every block that it was one.
+// The last block of a track may be missing without a warning: no format states how many blocks
+// there were.
 constexpr double kMostMissing = 0.060;
 
 bool isOutOfPlace(const SoundOffsets::Answer& sound, Clock clock) {

@@ -12,10 +12,12 @@ namespace test {
 
 /** What became of one damaged file. */
 struct DamageOutcome {
-    std::string refusal;  ///< the reason; empty when the track was taken
+    /** The reason; empty when the track was taken. */
+    std::string refusal;
     bool isCutOff = false;
     bool isWarned = false;
-    bool isOutOfPlace = false;  ///< by more than the format's clock allows
+    /** By more than the format's clock allows. */
+    bool isOutOfPlace = false;
     SoundOffsets::Answer sound;
 
     bool isSilentLoss() const { return refusal.empty() && !isCutOff && !isWarned && isOutOfPlace; }

@@ -12,7 +12,7 @@ namespace {
 
 constexpr std::size_t kWindow = 2048;
 constexpr std::size_t kHop = 4096;
-constexpr std::size_t kThinning = 8;  ///< for the search; the sound has little above 2 kHz
+constexpr std::size_t kThinning = 8;  // for the search; the sound has little above 2 kHz
 constexpr double kAlike = 0.8;
 constexpr double kLeastEnergy = 1e-3;
 

@@ -13,10 +13,14 @@ class SoundOffsets {
 public:
     /** How far a track is out of place. */
     struct Answer {
-        double worst = 0.0;    ///< seconds, of any stretch that was recognised
-        double last = 0.0;     ///< of the last one
-        double heard = 0.0;    ///< share of the stretches of the whole track that are somewhere
-        double missing = 0.0;  ///< seconds by which the damaged track is shorter; longer: negative
+        /** Seconds, of any stretch that was recognised. */
+        double worst = 0.0;
+        /** Of the last one. */
+        double last = 0.0;
+        /** Share of the stretches of the whole track that are somewhere. */
+        double heard = 0.0;
+        /** Seconds by which the damaged track is shorter; longer: negative. */
+        double missing = 0.0;
     };
 
     SoundOffsets(std::vector<float> whole, int rate);

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // A table of what becomes of damaged files: every format, every damage, many seeds.
-//   measure_damage [SEEDS [FORMAT [DAMAGE]]]    -v tells of every file
+//   measure_damage [SEEDS [FORMAT [DAMAGE]]]    -v reports every file
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
@@ -38,7 +38,7 @@ struct Row {
     }
 };
 
-void tell(std::uint32_t seed, const DamageOutcome& outcome) {
+void report(std::uint32_t seed, const DamageOutcome& outcome) {
     std::printf("    seed %u: %s%s%s%s worst %.4f last %.4f heard %.2f missing %.4f %s\n", seed,
                 outcome.isCutOff ? "cut " : "", outcome.isWarned ? "warned " : "",
                 outcome.isOutOfPlace ? "LATE " : "", outcome.isSilentLoss() ? "SILENT" : "",
@@ -54,7 +54,7 @@ void measure(const DamageFormat& format, std::uint32_t seeds, const char* only, 
         for (std::uint32_t seed = 1; seed <= seeds; ++seed) {
             const DamageOutcome outcome = trial.run(kind, seed);
             row.add(outcome);
-            if (isVerbose) tell(seed, outcome);
+            if (isVerbose) report(seed, outcome);
         }
         std::printf("| %s | %s | %d | %d | %d | %d | %d | %.1f | %.0f |\n", format.name, kind.name,
                     row.refused, row.cutOff, row.warned, row.late, row.silent, row.worst * 1000.0,

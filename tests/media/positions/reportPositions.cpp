@@ -20,7 +20,7 @@
 
 namespace {
 
-// Below this the places of the clicks are told well enough.
+// Below this the positions of the clicks are known precisely enough.
 constexpr double kGoodMs = 1.0;
 
 /** What became of the clicks of a file: a shift, or why there is none. */

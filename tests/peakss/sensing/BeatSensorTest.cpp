@@ -479,7 +479,8 @@ TEST_F(BeatSensorTest, BadArgumentsAreIgnored) {
     EXPECT_FALSE(sensor_.put(nullptr, 100, nullptr));
     EXPECT_FALSE(sensor_.put(signal.data(), 0, nullptr));
     EXPECT_FALSE(sensor_.put(signal.data(), -5, nullptr));
-    EXPECT_FALSE(sensor_.BeatSensor::put(signal.data(), {nullptr, nullptr}, kBlock + 1, nullptr));
+    for (const int n : {-5, 0, kBlock + 1})
+        EXPECT_FALSE(sensor_.BeatSensor::put(signal.data(), {nullptr, nullptr}, n, nullptr));
     for (const int bands : {-1, 0, 1, 2, 5, 7}) {
         EXPECT_TRUE(sensor_.create(kRate, 0, kNoEnd, 8, bands));
         EXPECT_EQ(sensor_.bandNum(), std::max(bands, 0));

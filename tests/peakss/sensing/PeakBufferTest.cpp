@@ -284,6 +284,16 @@ TEST_F(PeakBufferTest, OverfullDoubleBarWithoutAFurtherPeakFails) {
     EXPECT_EQ(search(2000.0F, {1500, 1000}, 7).row, -1);
 }
 
+// A bar of one beat. 1000 ms are two beats of 500, so the bar to fill is the double one; 500 more
+// make 3, and a fourth beat would fill a fourfold bar. The one that follows in memory was dropped.
+TEST_F(PeakBufferTest, DroppedPeaksFillNoBar) {
+    RingStack<PeakInfo> ring = ringOf(std::vector<float>(32, 500.0F));
+    ASSERT_EQ(search(1000.0F, ring, 0, 1.0F).avg, 500.0F);
+    ring.clear();
+    ring.push({0, 1.0F, 500.0F});
+    EXPECT_EQ(search(1000.0F, ring, 0, 1.0F).row, -1);
+}
+
 // 4 + 3 + 2 = 9 beats, then 4 + 4 = 17: beyond the fourfold bar there is nothing more to fill.
 TEST_F(PeakBufferTest, OverfullFourfoldBarFails) {
     EXPECT_EQ(search(2000.0F, {1500, 1000, 2000, 2000, 500, 500, 500, 500}, 7).row, -1);

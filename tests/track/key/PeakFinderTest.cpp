@@ -84,7 +84,7 @@ TEST(PeakFinder, HearsNothingInSilenceAndInAConstant) {
 
 TEST(PeakFinder, DoesNotPlaceWhatNoChromaHears) {
     std::vector<float> sound = tone(440.0, 0.5);
-    // Below a fiftieth, and below what tells of the tuning.
+    // Below a fiftieth, and below what shows the tuning.
     mixInto(sound, tone(660.0, 0.5 * 0.01));
     EXPECT_EQ(peaksOf(sound).list.size(), 1U);
     mixInto(sound, tone(660.0, 0.5 * 0.03));

@@ -16,7 +16,7 @@ PulseSpectrum spectrumOf(double bpm, double seconds) {
     return PulseSpectrum(onsetsAt(evenTimes(0.21, 60.0 / bpm, seconds - 0.1), seconds));
 }
 
-// Ninety seconds tell apart beats that differ by 1 in 90 s · 2 Hz at the first harmonic; the
+// Ninety seconds distinguish beats that differ by 1 in 90 s · 2 Hz at the first harmonic; the
 // parabola divides that.
 TEST(ExactTempo, FindsAHundredthOfABpm) {
     for (const double bpm : {71.37, 98.765, 123.45, 174.02}) {

@@ -1,0 +1,230 @@
+// SPDX-License-Identifier: MIT
+#include "cli/ExportCommand.h"
+
+#include <algorithm>
+
+#include <CLI/CLI.hpp>
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
+#include "analysis/PeakGatherer.h"
+#include "analysis/analyzeFile.h"
+#include "base/Interrupt.h"
+#include "base/displayName.h"
+#include "base/errors.h"
+#include "cli/bracketGuard.h"
+#include "cli/keyNotation.h"
+#include "cli/messages.h"
+#include "cli/numberBetween.h"
+#include "cli/suggestion.h"
+#include "cli/toolVersion.h"
+#include "media/OutputFile.h"
+
+namespace app {
+
+namespace {
+
+using output::ExportFormat;
+
+// What readers of such files take where nothing is said.
+constexpr int kUsualFramesPerPixel = 256;
+constexpr int kFewestFramesPerPixel = 2;
+constexpr int kMostFramesPerPixel = 1 << 24;
+
+/** @throws UsageError when there is no such format */
+const ExportFormat& formatOf(const std::string& name) {
+    std::vector<std::string> names;
+    for (const ExportFormat& format : output::exportFormats()) {
+        if (format.name == name) return format;
+        names.push_back(format.name);
+    }
+    if (name.empty()) throw base::UsageError("say in which format: --to FORMAT");
+    throw base::UsageError(fmt::format("--to: takes one of {}, not {}{}", fmt::join(names, ", "),
+                                       base::displayName(name), suggestion(name, names)));
+}
+
+std::string formatHelp() {
+    std::size_t widest = 0;
+    for (const ExportFormat& format : output::exportFormats())
+        widest = std::max(widest, format.name.size());
+    std::string text = "one of";
+    for (const ExportFormat& format : output::exportFormats())
+        text += fmt::format("\n{:<{}}  {}", format.name, widest, format.description);
+    return text;
+}
+
+std::string requirePeakBits(const std::string& text) {
+    if (text == "8" || text == "16") return {};
+    return "takes 8 or 16, not " + text;
+}
+
+}  // namespace
+
+ExportCommand::ExportCommand() : framesPerPixel_(kUsualFramesPerPixel) {}
+
+void ExportCommand::declare(CLI::App& arguments) {
+    arguments.add_option("FILE", paths_, "tracks of any common audio format")
+        ->required()
+        ->option_text("...");
+    declareFormat(arguments);
+    places_.declare(arguments);
+    origin_.declare(arguments);
+    addKeyNotation(arguments, keyNotation_);
+    analysis_.declare(arguments);
+    effort_.declare(arguments);
+    tracks_.declare(arguments);
+}
+
+void ExportCommand::declareFormat(CLI::App& arguments) {
+    arguments.add_option("-t,--to", formatName_, formatHelp())->option_text("FORMAT");
+    wavesOption_ = arguments.add_flag("--waves", options_.withWaves,
+                                      "json, jsonl: the waveform overviews too");
+    framesOption_ = arguments
+                        .add_option("--samples-per-pixel", framesPerPixel_,
+                                    "waveform: how many frames a peak is of (default: 256)")
+                        ->check(wholeNumberBetween(kFewestFramesPerPixel, kMostFramesPerPixel))
+                        ->option_text("FRAMES");
+    bitsOption_ = arguments
+                      .add_option("--peak-bits", options_.peakBits,
+                                  "waveform: 8 or 16 (default) bits for a peak")
+                      ->check(CLI::Validator(requirePeakBits, ""))
+                      ->option_text("BITS");
+}
+
+ExitCode ExportCommand::run(ResultStream& results) {
+    settle();
+    const bool allDone = places_.isForEach() ? exportEach(results) : exportTogether(results);
+    tracks_.tellOutcome();
+    return allDone ? kExitDone : kExitFailed;
+}
+
+void ExportCommand::settle() {
+    analysis_.settle();
+    format_ = &formatOf(formatName_);
+    options_.toolVersion = toolVersion();
+    const bool hasWaves = format_->tells == ExportFormat::Tells::everything;
+    options_.withWaves = options_.withWaves && hasWaves;
+    if (wavesOption_->count() > 0 && !hasWaves)
+        throw base::UsageError("--waves goes with --to json or jsonl");
+    settlePeaks();
+    for (std::string& path : paths_) path = unguarded(path);
+    tracks_.settle(paths_);
+    places_.settle(*format_, paths_);
+}
+
+void ExportCommand::settlePeaks() {
+    if (tellsPeaks()) {
+        const output::TimeOrigin& origin = origin_.origin();
+        if (origin.at != output::TimeOrigin::At::music || origin.offsetMs != 0.0)
+            throw base::UsageError("peaks begin with the music: --origin and --offset do not go "
+                                   "with --to " +
+                                   format_->name);
+    } else if (framesOption_->count() > 0 || bitsOption_->count() > 0) {
+        throw base::UsageError("--samples-per-pixel and --peak-bits go with --to waveform or "
+                               "waveform-json");
+    }
+}
+
+bool ExportCommand::tellsPeaks() const {
+    return format_->tells == ExportFormat::Tells::peaksAlone;
+}
+
+/** One document that holds all tracks. */
+bool ExportCommand::exportTogether(ResultStream& results) {
+    if (places_.isStandardOutput())
+        return addAll([&](std::string_view text) { results.write(text); });
+    const std::string& path = places_.places().path(0);
+    media::OutputFile file(path);
+    const bool allDone =
+        addAll([&](std::string_view text) { file.write(text.data(), text.size()); });
+    const std::string warning = file.commit();
+    if (!warning.empty()) printFileWarning(path, warning);
+    return allDone;
+}
+
+bool ExportCommand::addAll(const output::DocumentSink& write) {
+    const auto writer = format_->make(options_, write);
+    bool allDone = true;
+    writer->begin();
+    try {
+        for (const std::string& path : paths_) {
+            const auto exported = tracks_.attempt(
+                path, [&](ProgressLine& progress) { return examine(path, progress); });
+            if (exported) {
+                writer->add(*exported, exported->peaksOrNull());
+            } else {
+                allDone = false;
+                writer->addFailure(path, tracks_.failure());
+            }
+        }
+    } catch (const base::Interrupted&) {
+        writer->end();
+        tracks_.tellOutcome();
+        throw;
+    }
+    writer->end();
+    return allDone;
+}
+
+bool ExportCommand::exportEach(ResultStream& results) {
+    bool allDone = true;
+    for (std::size_t i = 0; i < paths_.size(); ++i) {
+        std::string warning;
+        const auto exported = tracks_.attempt(paths_[i], [&](ProgressLine& progress) {
+            if (!places_.isStandardOutput()) places_.places().requireFree(i);
+            Exported found = examine(paths_[i], progress);
+            warning = writeOne(found, i, results);
+            return found;
+        });
+        if (!warning.empty()) printFileWarning(places_.places().path(i), warning);
+        allDone = allDone && exported.has_value();
+    }
+    return allDone;
+}
+
+/** @return as OutputFile::commit() */
+std::string ExportCommand::writeOne(const Exported& exported, std::size_t track,
+                                    ResultStream& results) const {
+    const auto writeTo = [&](const output::DocumentSink& write) {
+        const auto writer = format_->make(options_, write);
+        writer->begin();
+        writer->add(exported, exported.peaksOrNull());
+        writer->end();
+    };
+    if (places_.isStandardOutput()) {
+        writeTo([&](std::string_view text) { results.write(text); });
+        return {};
+    }
+    media::OutputFile file(places_.places().path(track));
+    writeTo([&](std::string_view text) { file.write(text.data(), text.size()); });
+    return file.commit();
+}
+
+/** Nothing is looked for that the format does not tell. */
+media::FileAnalysis::Options ExportCommand::reading(const std::string& path) const {
+    media::FileAnalysis::Options options = tracks_.reading(path, effort_.effort());
+    beatatlas::track::Options& track = options.track;
+    track = analysis_.options();
+    track.wantsWaves = options_.withWaves;
+    if (tellsPeaks()) track.tempo = beatatlas::track::TempoMode::off;
+    if (tellsPeaks() || format_->tells == ExportFormat::Tells::beatsAlone) track.wantsKey = false;
+    track.wantsSessionKey = format_->tells == ExportFormat::Tells::everything && track.wantsKey;
+    return options;
+}
+
+ExportCommand::Exported ExportCommand::examine(const std::string& path,
+                                               ProgressLine& progress) const {
+    media::FileAnalysis::Options options = reading(path);
+    PeakGatherer peaks(framesPerPixel_);
+    if (tellsPeaks()) {
+        options.alongside = [&](const media::StereoBlock& block) { peaks.put(block); };
+        options.alongsideBytesPerFrame = peaks.bytesPerFrame();
+    }
+    Exported exported{analyzeFile(path, options, progress), std::nullopt};
+    exported.keyNotation = keyNotation_;
+    countFrom(exported, origin_.origin());
+    if (tellsPeaks()) exported.peaks = peaks.finish(exported.analysis.rate);
+    return exported;
+}
+
+}  // namespace app

@@ -1,0 +1,43 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "cli/ResultPlaces.h"
+#include "output/formats/ExportFormat.h"
+
+namespace CLI {
+class App;
+}
+
+namespace app {
+
+/** Where exported documents go: one for all tracks, or one for each of them. */
+class ExportPlaces {
+public:
+    void declare(CLI::App& arguments);
+
+    /** Before any track.
+     *  @throws UsageError when places, format and tracks do not go together, OutputError when a
+     *          folder cannot be made or a file not be written */
+    void settle(const output::ExportFormat& format, const std::vector<std::string>& tracks);
+
+    /** Whether every track has a document of its own. */
+    bool isForEach() const { return isForEach_; }
+    bool isStandardOutput() const { return isStandardOutput_; }
+
+    /** Of the tracks' documents; the first is that of all where there is but one. */
+    const ResultPlaces& places() const { return places_; }
+
+private:
+    std::optional<std::string> file_;
+    std::optional<std::string> folder_;
+    bool overwrites_ = false;
+    bool isForEach_ = false;
+    bool isStandardOutput_ = false;
+    ResultPlaces places_;
+};
+
+}  // namespace app

@@ -1,0 +1,233 @@
+// SPDX-License-Identifier: MIT
+#include "cli/ScanCommand.h"
+
+#include <algorithm>
+#include <chrono>
+#include <map>
+#include <memory>
+#include <thread>
+
+#include <CLI/CLI.hpp>
+
+#include "base/Interrupt.h"
+#include "catalogue/CatalogueError.h"
+#include "cli/bracketGuard.h"
+#include "cli/memorySize.h"
+#include "cli/messages.h"
+#include "cli/numberBetween.h"
+#include "cli/oneOf.h"
+#include "cli/processors.h"
+#include "cli/timeArgument.h"
+#include "io/absolutePath.h"
+#include "output/textFormat.h"
+
+namespace app {
+
+namespace {
+
+constexpr int kMostJobs = 4096;
+constexpr double kShortestLimitSeconds = 1.0;
+constexpr double kLongestLimitSeconds = 1.0e6;
+constexpr std::chrono::milliseconds kMoment{500};
+
+std::map<std::string, ScanProgress::Manner> progressManners() {
+    return {{"line", ScanProgress::Manner::watched},
+            {"json", ScanProgress::Manner::json},
+            {"none", ScanProgress::Manner::none}};
+}
+
+/** Nothing unless the text is I/N with 1 <= I <= N. */
+std::optional<Shard> shardOf(const std::string& text) {
+    const std::size_t slash = text.find('/');
+    Shard shard;
+    if (slash == std::string::npos || text.find('-') != std::string::npos ||
+        !CLI::detail::lexical_cast(text.substr(0, slash), shard.number) ||
+        !CLI::detail::lexical_cast(text.substr(slash + 1), shard.count))
+        return std::nullopt;
+    const bool isOne = shard.number >= 1 && shard.number <= shard.count;
+    return isOne ? std::optional(shard) : std::nullopt;
+}
+
+std::string requireShard(const std::string& text) {
+    if (shardOf(text)) return {};
+    return "takes a share such as 1/4, from 1/N to N/N, not " + text;
+}
+
+}  // namespace
+
+ScanCommand::ScanCommand() : jobs_(processors()) {}
+
+void ScanCommand::declare(CLI::App& arguments) {
+    arguments
+        .add_option("PATH", paths_,
+                    "folders, tracks and playlists (M3U, M3U8, PLS); - reads names from standard\n"
+                    "input, each on a line of its own or ended by NUL")
+        ->required()
+        ->option_text("...");
+    catalogue_.declare(arguments);
+    declareFiles(arguments);
+    declareWork(arguments);
+    declareOutcome(arguments);
+    analysis_.declare(arguments);
+    tracks_.declare(arguments);
+}
+
+void ScanCommand::declareFiles(CLI::App& arguments) {
+    arguments.add_flag("--hidden", walk_.takesHidden,
+                       "files and folders whose names begin with a dot too");
+    arguments.add_flag("--follow-links", walk_.followsLinks, "enter links to folders too");
+    arguments.add_flag("-0,--null", readsNulNames_,
+                       "names on standard input end in NUL, whatever they look like");
+    arguments
+        .add_option("--shard", shard_,
+                    "only one of N equal shares of the files, drawn by their names: 1/N to N/N")
+        ->check(CLI::Validator(requireShard, ""))
+        ->option_text("I/N");
+    arguments.add_flag("--retry-failed", retriesFailures_,
+                       "try files again that failed, though they have not changed");
+    arguments.add_flag("--rescan", rescansAll_,
+                       "analyse files again that are in the catalogue and have not changed");
+}
+
+void ScanCommand::declareWork(CLI::App& arguments) {
+    arguments
+        .add_option("-j,--jobs", jobs_,
+                    "how many tracks to analyse at once, each in a process of its own (default:\n"
+                    "one for each processor)")
+        ->check(wholeNumberBetween(1, kMostJobs))
+        ->option_text("NUMBER");
+    arguments
+        .add_option("--time-limit", timeLimit_,
+                    "how long a track may take (default: 2:00 and its own length)")
+        ->transform(timeBetween(kShortestLimitSeconds, kLongestLimitSeconds))
+        ->option_text("TIME");
+    arguments
+        .add_option_function<std::string>(
+            "--memory-limit",
+            [this](const std::string& text) { memoryLimit_ = *parseMemorySize(text); },
+            "how much memory a track may take: 512M, 1.5G, 2GiB … (default: 2G)")
+        ->check(CLI::Validator(requireMemorySize, ""))
+        ->option_text("SIZE");
+    arguments.add_flag("--wait", waits_,
+                       "where another scan is filling the catalogue: wait for its end");
+}
+
+void ScanCommand::declareOutcome(CLI::App& arguments) {
+    auto* prune = arguments.add_flag("--prune", prunes_,
+                                     "delete tracks from the catalogue that are not in their place "
+                                     "any more,\nunless somebody has corrected them");
+    arguments
+        .add_flag("--prune-corrected", prunesCorrected_, "with --prune: those with corrections too")
+        ->needs(prune);
+    arguments
+        .add_option("--progress", progress_,
+                    "line: on a terminal (default)\n"
+                    "json: on standard output, a JSON object on each line\n"
+                    "none: nothing until the end")
+        ->transform(oneOf(progressManners()))
+        ->option_text("MANNER");
+}
+
+ExitCode ScanCommand::run(ResultStream& results) {
+    analysis_.settle();
+    const std::string path = catalogue_.pathToCreate();
+    catalogue::Catalogue catalogue(path, catalogue::Catalogue::Access::create);
+    const auto scan = openScan(catalogue);
+    // What workers say would go through the line.
+    const bool isBetween = tracks_.isVerbose() && progress_ == ScanProgress::Manner::watched;
+    ScanProgress progress(isBetween ? ScanProgress::Manner::none : progress_, tracks_.isQuiet(),
+                          results);
+    try {
+        this->scan(*scan, path, progress);
+    } catch (const base::Interrupted&) {
+        scan->commit();
+        progress.tellEnd(false);
+        throw;
+    }
+    progress.tellEnd(true);
+    return hasTrouble_ || progress.tally().failed > 0 ? kExitFailed : kExitDone;
+}
+
+catalogue::Scan::Plan ScanCommand::plan() const {
+    return {catalogue::parametersText(analysis_.options()), retriesFailures_, rescansAll_};
+}
+
+std::unique_ptr<catalogue::Scan> ScanCommand::openScan(catalogue::Catalogue& catalogue) const {
+    bool hasTold = false;
+    for (;;) {
+        try {
+            return std::make_unique<catalogue::Scan>(catalogue, plan());
+        } catch (const catalogue::ScanRunning& running) {
+            if (!waits_) throw;
+            if (!std::exchange(hasTold, true) && !tracks_.isQuiet())
+                printError(std::string(running.what()) + ": waiting for its end");
+        }
+        base::Interrupt::check();
+        std::this_thread::sleep_for(kMoment);
+    }
+}
+
+void ScanCommand::scan(catalogue::Scan& scan, const std::string& catalogue,
+                       ScanProgress& progress) {
+    FileGathering files = gathering(scan, catalogue, progress);
+    std::transform(paths_.begin(), paths_.end(), paths_.begin(), unguarded);
+    for (const std::string& path : paths_) files.add(path);
+    const catalogue::Scan::Counts counts = scan.settle();
+    progress.begin(counts.found, counts.known, counts.toDo, counts.weightToDo);
+    ScanRun(scan, work(), progress).run();
+    finish(scan, files, progress);
+}
+
+FileGathering ScanCommand::gathering(catalogue::Scan& scan, const std::string& catalogue,
+                                     ScanProgress& progress) {
+    const Shard shard = shard_.empty() ? Shard{} : *shardOf(shard_);
+    const auto found = [&](const std::string& path, const catalogue::FileState& state,
+                           double weight) {
+        scan.found(path, state, weight);
+        progress.showFound(++found_);
+    };
+    const auto refused = [&](const std::string& path, const std::string& reason) {
+        hasTrouble_ = true;
+        progress.tellError(path, reason);
+    };
+    const auto noted = [&](const std::string& path, const std::string& text) {
+        progress.tellNote(path, text);
+    };
+    return {{walk_, shard, absolutePath(catalogue), readsNulNames_}, found, refused, noted};
+}
+
+ScanRun::Options ScanCommand::work() const {
+    return {jobs_,
+            {catalogue::parametersText(analysis_.options()), tracks_.acceptsCutOff(),
+             tracks_.isVerbose(), memoryLimit_},
+            timeLimit_,
+            !rescansAll_};
+}
+
+void ScanCommand::finish(catalogue::Scan& scan, const FileGathering& files,
+                         ScanProgress& progress) const {
+    using Pruning = catalogue::Scan::Pruning;
+    const Pruning whenPruned = prunesCorrected_ ? Pruning::all : Pruning::uncorrected;
+    const auto ending =
+        scan.finish(sweptRoots(files, progress), prunes_ ? whenPruned : Pruning::none);
+    progress.setGone(ending.gone, ending.pruned);
+    if (prunes_ && ending.keptCorrected > 0 && !tracks_.isQuiet()) {
+        printError(output::counted(ending.keptCorrected, "track") +
+                   " that are gone were kept, since they have been corrected "
+                   "(--prune-corrected deletes them)");
+    }
+}
+
+/** A disk that is not mounted leaves an empty folder in its place: nothing is deleted for that. */
+std::vector<std::string> ScanCommand::sweptRoots(const FileGathering& files,
+                                                 ScanProgress& progress) const {
+    std::vector<std::string> roots = files.roots();
+    if (!prunes_) return roots;
+    for (const std::string& empty : files.emptyRoots()) {
+        progress.tellWarning(empty, "holds no file at all; nothing below it is deleted");
+        roots.erase(std::remove(roots.begin(), roots.end(), empty), roots.end());
+    }
+    return roots;
+}
+
+}  // namespace app

@@ -1,0 +1,17 @@
+// SPDX-License-Identifier: MIT
+#include "cli/processors.h"
+
+#include <algorithm>
+
+#include <sched.h>
+
+namespace app {
+
+int processors() {
+    cpu_set_t set;
+    CPU_ZERO(&set);
+    if (sched_getaffinity(0, sizeof set, &set) != 0) return 1;
+    return std::max(1, CPU_COUNT(&set));
+}
+
+}  // namespace app

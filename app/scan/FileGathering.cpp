@@ -1,0 +1,96 @@
+// SPDX-License-Identifier: MIT
+#include "scan/FileGathering.h"
+
+#include <array>
+#include <cerrno>
+#include <utility>
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "base/Interrupt.h"
+#include "base/errors.h"
+#include "io/absolutePath.h"
+#include "scan/NameList.h"
+#include "scan/fileState.h"
+#include "scan/playlist.h"
+#include "scan/usualLength.h"
+
+namespace app {
+
+FileGathering::FileGathering(Options options, Found found, Told refused, Told noted)
+    : options_(std::move(options)), found_(std::move(found)), refused_(std::move(refused)),
+      noted_(std::move(noted)) {}
+
+void FileGathering::add(const std::string& name) {
+    if (name == "-") return addNames();
+    const std::string path = absolutePath(name);
+    if (isPlaylist(path)) return addList(path);
+    addPath(path);
+}
+
+void FileGathering::addPath(const std::string& path) {
+    struct stat status = {};
+    if (stat(path.c_str(), &status) != 0)
+        return refused_(path, "cannot be opened: " + base::systemReason(errno));
+    if (S_ISDIR(status.st_mode)) return addFolder(path);
+    take(path, status);
+}
+
+void FileGathering::addFolder(const std::string& path) {
+    hasSeenFile_ = false;
+    FolderWalk walk(
+        options_.walk,
+        [this](const std::string& file, const struct stat& status) { take(file, status); },
+        refused_);
+    walk.walk(path);
+    roots_.push_back(path);
+    if (!hasSeenFile_) emptyRoots_.push_back(path);
+}
+
+/** A list in a list is a file without music: lists may name each other. */
+void FileGathering::addList(const std::string& path) {
+    try {
+        const Playlist list = readPlaylist(path);
+        for (const std::string& address : list.addresses)
+            noted_(path, "names the address " + address + ", which is left out");
+        for (const std::string& file : list.files) addPath(absolutePath(file));
+    } catch (const base::TrackError& error) {
+        refused_(path, error.what());
+    }
+}
+
+void FileGathering::addNames() {
+    NameList names(options_.readsNulNames);
+    std::array<char, 65536> buffer{};
+    const auto addEach = [this](const std::vector<std::string>& complete) {
+        for (const std::string& name : complete) addPath(absolutePath(name));
+    };
+    for (;;) {
+        base::Interrupt::check();
+        const ssize_t count = read(STDIN_FILENO, buffer.data(), buffer.size());
+        if (count < 0 && errno == EINTR) continue;
+        if (count < 0)
+            return refused_("standard input", "cannot be read: " + base::systemReason(errno));
+        if (count == 0) break;
+        addEach(names.put({buffer.data(), static_cast<std::size_t>(count)}));
+    }
+    addEach(names.finish());
+}
+
+void FileGathering::take(const std::string& path, const struct stat& status) {
+    hasSeenFile_ = true;
+    if (isOfCatalogue(path) || !options_.shard.has(path)) return;
+    const catalogue::FileState state = fileStateOf(status);
+    found_(path, state, usualSeconds(path, state.size));
+}
+
+/** The catalogue, and what the database keeps beside it. */
+bool FileGathering::isOfCatalogue(const std::string& path) const {
+    if (!path.starts_with(options_.catalogue)) return false;
+    const std::string_view rest = std::string_view(path).substr(options_.catalogue.size());
+    return rest.empty() || rest == "-wal" || rest == "-shm" || rest == "-journal" ||
+           rest == ".lock";
+}
+
+}  // namespace app

@@ -1,0 +1,32 @@
+// SPDX-License-Identifier: MIT
+#include "scan/ScanTally.h"
+
+#include <fmt/format.h>
+
+#include "output/textFormat.h"
+
+namespace app {
+
+namespace {
+
+constexpr double kSecondsPerHour = 3600.0;
+
+}  // namespace
+
+std::string summaryOf(const ScanTally& tally) {
+    std::string text = output::counted(tally.analysed, "track") + " analysed";
+    if (tally.analysed > 0)
+        text += fmt::format(" ({:.1f} hours of music)", tally.audioSeconds / kSecondsPerHour);
+    const auto add = [&](std::int64_t number, const char* what) {
+        if (number > 0) text += ", " + output::grouped(number) + " " + what;
+    };
+    add(tally.known, "known");
+    add(tally.moved, "moved");
+    add(tally.gone, "gone");
+    add(tally.pruned, "deleted from the catalogue");
+    add(tally.failed, "failed");
+    add(tally.notAudio, "without audio");
+    return text;
+}
+
+}  // namespace app

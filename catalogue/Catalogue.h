@@ -1,0 +1,43 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <memory>
+#include <string>
+
+namespace SQLite {
+class Database;
+}
+
+namespace catalogue {
+
+/** An open catalogue: one SQLite file, as docs/catalogue.md describes it.
+ *
+ *  Any number of processes may read while one writes. What was committed survives the end of the
+ *  process, however it comes. */
+class Catalogue {
+public:
+    enum class Access {
+        read,    ///< also from a place that may not be written to
+        write,   ///< an existing catalogue; one of an older version is brought up to date
+        create,  ///< the same, made if there is none
+    };
+
+    /** Opens the file; folders on the way to it must exist.
+     *  @throws CatalogueError for a catalogue of a newer version, for a file that is none or is
+     *          damaged, which is left as it is, and for whatever the system refuses */
+    Catalogue(const std::string& path, Access access);
+    ~Catalogue();
+    Catalogue(const Catalogue&) = delete;
+    Catalogue& operator=(const Catalogue&) = delete;
+
+    const std::string& path() const { return path_; }
+
+    /** For the classes of this room. */
+    SQLite::Database& database() const { return *database_; }
+
+private:
+    std::string path_;
+    std::unique_ptr<SQLite::Database> database_;
+};
+
+}  // namespace catalogue

@@ -1,0 +1,20 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <stdexcept>
+
+namespace catalogue {
+
+/** A catalogue that cannot be opened, read or written. The text is one line that names its file. */
+class CatalogueError : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+/** Another scan is filling the same catalogue. */
+class ScanRunning : public CatalogueError {
+public:
+    using CatalogueError::CatalogueError;
+};
+
+}  // namespace catalogue

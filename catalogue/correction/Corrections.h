@@ -1,0 +1,31 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+#include "catalogue/Catalogue.h"
+#include "catalogue/correction/edits.h"
+
+namespace catalogue {
+
+/** The corrections of tracks as the catalogue keeps them, in the order in which they were made. No
+ *  analysis writes them. */
+class Corrections {
+public:
+    explicit Corrections(const Catalogue& catalogue) : catalogue_(catalogue) {}
+
+    std::vector<Edit> of(std::int64_t trackId) const;
+
+    /** What lists read of the track changes with it, as with undo(). @throws CatalogueError */
+    void add(std::int64_t trackId, const Edit& edit);
+
+    /** Takes the last edit back; nothing when there is none. */
+    std::optional<Edit> undo(std::int64_t trackId);
+
+private:
+    const Catalogue& catalogue_;
+};
+
+}  // namespace catalogue

@@ -1,0 +1,212 @@
+// SPDX-License-Identifier: MIT
+// All inputs are read side by side in the order of their paths, so that memory does not grow with
+// them and the output is numbered the same whatever their order.
+#include "catalogue/merge/Merge.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <system_error>
+#include <utility>
+
+#include <SQLiteCpp/Database.h>
+
+#include "base/Interrupt.h"
+#include "base/displayName.h"
+#include "catalogue/CatalogueError.h"
+#include "catalogue/WriteBatch.h"
+#include "catalogue/merge/MergeSource.h"
+#include "catalogue/merge/joined.h"
+#include "catalogue/sqlBinding.h"
+#include "catalogue/sqliteGuard.h"
+
+namespace catalogue {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr const char* kSetTimes = "UPDATE tracks SET added_at = ?2, gone_at = ?3 WHERE id = ?1";
+constexpr const char* kAddEdit =
+    "INSERT INTO corrections (track_id, kind, value, made_at) VALUES (?1, ?2, ?3, ?4)";
+constexpr const char* kAddFailure =
+    "INSERT INTO failures (path, last_at, attempts, kind, reason, size, modified_ns) "
+    "VALUES (?1, ?2, ?3, ?4, ?5, ?6, ?7)";
+
+/** A failure that an analysis has followed. */
+constexpr const char* kDropOvercome = R"sql(
+DELETE FROM failures WHERE EXISTS (
+    SELECT 1 FROM tracks t JOIN results r ON r.track_id = t.id
+    WHERE t.path = failures.path AND r.made_at >= failures.last_at))sql";
+
+using Sources = std::vector<std::unique_ptr<MergeSource>>;
+
+/** The catalogue in the making, which is removed unless it is finished. */
+class Draft {
+public:
+    explicit Draft(std::string output) : output_(std::move(output)), path_(output_ + ".draft") {
+        if (fs::exists(output_))
+            throw CatalogueError(base::displayName(output_) + ": is there already");
+        remove();
+        catalogue_.emplace(path_, Catalogue::Access::create);
+    }
+    ~Draft() {
+        catalogue_.reset();
+        remove();
+    }
+    Draft(const Draft&) = delete;
+    Draft& operator=(const Draft&) = delete;
+
+    const Catalogue& catalogue() const { return *catalogue_; }
+
+    void finish() {
+        // The last one to close a catalogue takes its log over.
+        catalogue_.reset();
+        std::error_code failure;
+        fs::rename(path_, output_, failure);
+        if (failure)
+            throw CatalogueError(base::displayName(output_) +
+                                 ": cannot be written: " + failure.message());
+    }
+
+private:
+    void remove() const {
+        std::error_code ignored;
+        for (const char* ending : {"", "-wal", "-shm"}) fs::remove(path_ + ending, ignored);
+    }
+
+    std::string output_;
+    std::string path_;
+    std::optional<Catalogue> catalogue_;
+};
+
+class Writer {
+public:
+    explicit Writer(const Catalogue& catalogue)
+        : database_(catalogue.database()), store_(catalogue), batch_(catalogue),
+          setTimes_(database_, kSetTimes), addEdit_(database_, kAddEdit),
+          addFailure_(database_, kAddFailure) {}
+
+    void put(const MergeTrack& track);
+    void put(const StoredFailure& failure);
+    void finish() {
+        batch_.begin();
+        database_.exec(kDropOvercome);
+        batch_.commit();
+    }
+
+private:
+    SQLite::Database& database_;
+    TrackStore store_;
+    WriteBatch batch_;
+    SQLite::Statement setTimes_;
+    SQLite::Statement addEdit_;
+    SQLite::Statement addFailure_;
+};
+
+void Writer::put(const MergeTrack& track) {
+    batch_.begin();
+    const TrackStore::Id id = store_.putTrack(track.results.front().analysed.track);
+    // The oldest first: of two of one second the later one counts as newer.
+    for (auto result = track.results.rbegin(); result != track.results.rend(); ++result)
+        store_.putResult(id, result->analysed.result, result->madeAt);
+    setTimes_.bind(1, id);
+    setTimes_.bind(2, track.addedAt);
+    bindInteger(setTimes_, 3, track.goneAt);
+    execute(setTimes_);
+    for (const StoredEdit& edit : track.edits) {
+        addEdit_.bind(1, id);
+        addEdit_.bind(2, edit.kind);
+        bindReal(addEdit_, 3, edit.value);
+        addEdit_.bind(4, edit.madeAt);
+        execute(addEdit_);
+    }
+    store_.refresh(id);
+    batch_.recordWritten();
+}
+
+void Writer::put(const StoredFailure& failure) {
+    batch_.begin();
+    bindBytes(addFailure_, 1, failure.path);
+    addFailure_.bind(2, failure.lastAt);
+    addFailure_.bind(3, failure.attempts);
+    addFailure_.bind(4, failure.kind);
+    addFailure_.bind(5, failure.reason);
+    addFailure_.bind(6, failure.size);
+    addFailure_.bind(7, failure.modifiedNanoseconds);
+    execute(addFailure_);
+    batch_.recordWritten();
+}
+
+/** The first of the paths at which the sources stand; nothing when all are at their end. */
+template <class PathOf>
+std::optional<std::string> firstPath(const Sources& sources, const PathOf& pathOf) {
+    std::optional<std::string> first;
+    for (const auto& source : sources) {
+        const std::optional<std::string> path = pathOf(*source);
+        if (path && (!first || *path < *first)) first = path;
+    }
+    return first;
+}
+
+std::optional<std::string> nextFailurePath(const MergeSource& source) {
+    if (!source.nextFailure()) return std::nullopt;
+    return source.nextFailure()->path;
+}
+
+MergeCounts mergeTracks(const Sources& sources, Writer& writer,
+                        const std::function<void(const std::string&)>& conflict) {
+    MergeCounts counts;
+    const auto pathOf = [](const MergeSource& source) { return source.nextTrack(); };
+    while (const auto path = firstPath(sources, pathOf)) {
+        base::Interrupt::check();
+        std::vector<MergeTrack> tracks;
+        for (const auto& source : sources) {
+            if (source->nextTrack() != path) continue;
+            if (auto own = source->takeTrack()) tracks.push_back(std::move(*own));
+        }
+        if (tracks.empty()) continue;
+        bool isConflict = false;
+        writer.put(joined(std::move(tracks), isConflict));
+        ++counts.tracks;
+        if (!isConflict) continue;
+        ++counts.conflicts;
+        conflict(*path);
+    }
+    return counts;
+}
+
+void mergeFailures(const Sources& sources, Writer& writer) {
+    while (const auto path = firstPath(sources, nextFailurePath)) {
+        base::Interrupt::check();
+        std::optional<StoredFailure> newest;
+        for (const auto& source : sources) {
+            if (nextFailurePath(*source) != path) continue;
+            newest = std::max(newest, source->nextFailure());
+            source->dropFailure();
+        }
+        writer.put(newest.value());
+    }
+}
+
+}  // namespace
+
+MergeCounts mergeCatalogues(const std::vector<std::string>& inputs, const std::string& output,
+                            const std::function<void(const std::string& path)>& conflict) {
+    Sources sources;
+    for (const std::string& input : inputs)
+        sources.push_back(guarded(input, [&] { return std::make_unique<MergeSource>(input); }));
+    Draft draft(output);
+    const MergeCounts counts = guarded(output, [&] {
+        Writer writer(draft.catalogue());
+        const MergeCounts done = mergeTracks(sources, writer, conflict);
+        mergeFailures(sources, writer);
+        writer.finish();
+        return done;
+    });
+    draft.finish();
+    return counts;
+}
+
+}  // namespace catalogue

@@ -1,0 +1,60 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "base/ListedTrack.h"
+#include "catalogue/Catalogue.h"
+
+namespace catalogue {
+
+/** From lowest to highest, both included. */
+struct BpmRange {
+    double lowest = 0.0;
+    double highest = 0.0;
+};
+
+/** What tracks are asked for; every condition that is given must hold. */
+struct TrackQuery {
+    /** Somewhere in path, artist or title, without regard to capitals and accents. Shorter than
+     *  three letters: at the beginning of artist or title. */
+    std::string text;
+    /** Any of them; none: any tempo. */
+    std::vector<BpmRange> bpm;
+    /** Any of them, 0 to 23; none: any key, or no key. */
+    std::vector<int> keys;
+    /** Only tracks whose tempo or key is less certain than this, 0 to 1. */
+    std::optional<double> confidenceBelow;
+    bool isCorrected = false;
+    /** Tracks that are no longer where they were, instead of those that are. */
+    bool isGone = false;
+    /** But not this one. */
+    std::optional<std::int64_t> except;
+
+    /** What is missing comes first. */
+    enum class Order { path, artist, title, bpm, key, length, confidence, added };
+    Order order = Order::path;
+    bool isReversed = false;
+    std::optional<std::int64_t> limit;
+};
+
+/** Hands over the tracks one by one, in order; takes the same memory for any number of them. Never
+ *  looks at every track where an index knows better. @throws CatalogueError, and what show throws */
+void listTracks(const Catalogue& catalogue, const TrackQuery& query,
+                const std::function<void(const base::ListedTrack&)>& show);
+
+/** The same for files of music that could not be analysed, in the order of their paths. */
+void listFailures(const Catalogue& catalogue, bool isReversed, std::optional<std::int64_t> limit,
+                  const std::function<void(const base::ListedFailure&)>& show);
+
+/** The keys that mix with a key: itself, a fifth up, a fifth down, and its relative. */
+std::vector<int> compatibleKeys(int key);
+
+/** The tempos that mix with a tempo: within so many percent of it, its half and its double. */
+std::vector<BpmRange> compatibleTempos(double bpm, double percent);
+
+}  // namespace catalogue

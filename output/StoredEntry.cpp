@@ -1,0 +1,57 @@
+// SPDX-License-Identifier: MIT
+#include "output/StoredEntry.h"
+
+#include <ctime>
+
+#include <fmt/format.h>
+#include <nlohmann/json.hpp>
+
+#include "output/textFormat.h"
+#include "output/textParts.h"
+#include "output/textSummary.h"
+#include "output/trackJson.h"
+
+namespace output {
+
+namespace {
+
+/** "2026-01-31 17:05 UTC". */
+std::string dateText(std::int64_t secondsSince1970) {
+    const auto seconds = static_cast<std::time_t>(secondsSince1970);
+    std::tm date{};
+    if (gmtime_r(&seconds, &date) == nullptr) return "an unknown date";
+    return fmt::format("{}-{:02}-{:02} {:02}:{:02} UTC", date.tm_year + 1900, date.tm_mon + 1,
+                       date.tm_mday, date.tm_hour, date.tm_min);
+}
+
+}  // namespace
+
+std::string StoredEntry::correctionsText() const {
+    std::string text;
+    for (const CorrectionNote& correction : note_.corrections)
+        text += (text.empty() ? "" : ", ") + correction.text;
+    const std::string tempo = note_.foundBpm ? bpmText(*note_.foundBpm) + " BPM" : "no tempo";
+    const std::string key =
+        note_.foundKey ? shortKeyName(*note_.foundKey, report_.keyNotation) : "no key";
+    return fmt::format("{}; found: {}, {}", text, tempo, key);
+}
+
+std::string StoredEntry::text() const {
+    std::string text = textSummary(report_);
+    if (!note_.corrections.empty()) text += textLine("by hand", correctionsText());
+    text += textLine("analysed", fmt::format("{} by {}, {}", dateText(note_.madeAt),
+                                             note_.toolVersion, note_.parameters));
+    if (note_.isGone) text += textLine("gone", "the file is no longer there");
+    return text;
+}
+
+nlohmann::ordered_json StoredEntry::json() const {
+    nlohmann::ordered_json json = trackJson(report_, withWaves_);
+    if (note_.corrections.empty()) return json;
+    json["corrections"] = nlohmann::ordered_json::array();
+    for (const CorrectionNote& correction : note_.corrections)
+        json["corrections"].push_back({{"kind", correction.kind}, {"value", correction.value}});
+    return json;
+}
+
+}  // namespace output

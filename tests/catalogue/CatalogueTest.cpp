@@ -1,0 +1,239 @@
+// SPDX-License-Identifier: MIT
+#include "catalogue/Catalogue.h"
+
+#include <csignal>
+#include <filesystem>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <SQLiteCpp/Database.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include "catalogue/CatalogueError.h"
+#include "catalogue/StoredTracks.h"
+#include "catalogue/TrackStore.h"
+#include "catalogue/schema.h"
+#include "support/TemporaryFolder.h"
+
+namespace catalogue {
+namespace {
+
+using test::valueOf;
+using testing::ElementsAre;
+using testing::EndsWith;
+using testing::HasSubstr;
+
+using Access = Catalogue::Access;
+
+class CatalogueFile : public testing::Test {
+protected:
+    std::string refusalOf(Access access) const {
+        try {
+            const Catalogue opened(path_, access);
+        } catch (const CatalogueError& error) {
+            return error.what();
+        }
+        return "opened";
+    }
+
+    void execute(const std::string& sql) const {
+        SQLite::Database(path_, SQLite::OPEN_READWRITE | SQLite::OPEN_CREATE).exec(sql);
+    }
+
+    test::TemporaryFolder folder_;
+    std::string path_ = folder_.file("tracks.sqlite");
+};
+
+TEST_F(CatalogueFile, IsMadeOnlyWhenAskedFor) {
+    EXPECT_EQ(refusalOf(Access::read), path_ + ": there is no such catalogue");
+    EXPECT_EQ(refusalOf(Access::write), path_ + ": there is no such catalogue");
+    EXPECT_THAT(folder_.names(), ElementsAre());
+    EXPECT_EQ(refusalOf(Access::create), "opened");
+    EXPECT_EQ(refusalOf(Access::write), "opened");
+    EXPECT_EQ(refusalOf(Access::read), "opened");
+}
+
+TEST_F(CatalogueFile, SaysWhatItIs) {
+    const Catalogue made(path_, Access::create);
+    EXPECT_EQ(valueOf(made, "PRAGMA application_id"), std::to_string(0x42744174));
+    EXPECT_EQ(valueOf(made, "PRAGMA user_version"), "2");
+    EXPECT_EQ(valueOf(made, "PRAGMA journal_mode"), "wal");
+    EXPECT_EQ(valueOf(made, "PRAGMA foreign_keys"), "1");
+}
+
+TEST_F(CatalogueFile, OfANewerVersionIsRefusedAndLeftAsItIs) {
+    { const Catalogue made(path_, Access::create); }
+    execute("PRAGMA user_version = 3; PRAGMA journal_mode = DELETE");
+    const std::string before = test::readFile(path_);
+    for (const Access access : {Access::read, Access::write, Access::create})
+        EXPECT_EQ(refusalOf(access), path_ + ": is a catalogue of version 3; this program knows "
+                                             "versions up to 2");
+    EXPECT_EQ(test::readFile(path_), before);
+}
+
+TEST_F(CatalogueFile, ThatIsAnythingElseIsRefusedAndLeftAsItIs) {
+    execute("CREATE TABLE notes (text TEXT); INSERT INTO notes VALUES ('mine')");
+    const std::string database = test::readFile(path_);
+    const std::string text(5000, 'x');
+    for (const std::string& bytes : {database, text, std::string("short")}) {
+        test::writeFile(path_, bytes);
+        for (const Access access : {Access::read, Access::write, Access::create})
+            EXPECT_THAT(refusalOf(access), EndsWith("is no catalogue of Beat Atlas"));
+        EXPECT_EQ(test::readFile(path_), bytes);
+    }
+}
+
+TEST_F(CatalogueFile, ThatIsDamagedIsRefusedInOneLine) {
+    {
+        Catalogue made(path_, Access::create);
+        test::store(made, {test::analysedTrack("/a", 1)});
+    }
+    // Everything behind the header's hundred bytes is gone.
+    std::string bytes = test::readFile(path_);
+    bytes.replace(100, bytes.size() - 100, std::string(bytes.size() - 100, '\xFF'));
+    test::writeFile(path_, bytes);
+    for (const Access access : {Access::read, Access::write, Access::create})
+        EXPECT_EQ(refusalOf(access), path_ + ": is damaged");
+    EXPECT_EQ(test::readFile(path_), bytes);
+}
+
+TEST_F(CatalogueFile, NamedAsSQLiteNamesMemoryOrAnAddressIsAFileAllTheSame) {
+    const std::filesystem::path before = std::filesystem::current_path();
+    std::filesystem::current_path(folder_.path());
+    { const Catalogue memory(":memory:", Access::create); }
+    { const Catalogue address("file:x?mode=memory", Access::create); }
+    std::filesystem::current_path(before);
+    EXPECT_THAT(folder_.names(), ElementsAre(":memory:", "file:x?mode=memory"));
+}
+
+TEST_F(CatalogueFile, ThatIsAFolderIsRefused) {
+    std::filesystem::create_directory(path_);
+    EXPECT_EQ(refusalOf(Access::create), path_ + ": is a folder, not a catalogue");
+}
+
+/** Version 1 has no text search. */
+void makeVersionOne(const std::string& path) {
+    SQLite::Database old(path, SQLite::OPEN_READWRITE | SQLite::OPEN_CREATE);
+    takeSchemaSteps(old, 1);
+    old.exec("INSERT INTO tracks (path, size, modified_ns, audio_hash, container, codec, channels, "
+             "file_rate, rate, format_changes, artist, title, frames, seconds, added_at, "
+             "artist_order, title_order) VALUES (CAST('/Müsik/a.mp3' AS BLOB), 1, 2, "
+             "zeroblob(16), 'mp3', 'mp3', 2, 44100, 44100, 0, 'Ärtist', 'Song', 441000, 10.0, 0, "
+             "'artist', 'song')");
+}
+
+TEST_F(CatalogueFile, OfAnOlderVersionIsBroughtUpToDateWithACopyBeside) {
+    makeVersionOne(path_);
+    EXPECT_THAT(refusalOf(Access::read), HasSubstr("is a catalogue of an older version"));
+    const Catalogue catalogue(path_, Access::write);
+    EXPECT_EQ(valueOf(catalogue, "PRAGMA user_version"), "2");
+    EXPECT_EQ(valueOf(catalogue, "SELECT search FROM tracks"), "/musik/a.mp3\nartist\nsong");
+    EXPECT_EQ(valueOf(catalogue, "SELECT rowid FROM track_search WHERE search MATCH 'usi'"), "1");
+    EXPECT_EQ(valueOf(catalogue, "PRAGMA integrity_check"), "ok");
+    SQLite::Database copy(path_ + ".version1", SQLite::OPEN_READONLY);
+    EXPECT_EQ(copy.execAndGet("PRAGMA user_version").getInt(), 1);
+    EXPECT_EQ(copy.execAndGet("SELECT title FROM tracks").getString(), "Song");
+    // The search follows what changes from then on.
+    catalogue.database().exec("UPDATE tracks SET search = 'other'");
+    EXPECT_EQ(valueOf(catalogue, "SELECT count(*) FROM track_search WHERE search MATCH 'usi'"),
+              "0");
+    EXPECT_EQ(valueOf(catalogue, "SELECT count(*) FROM track_search WHERE search MATCH 'oth'"),
+              "1");
+}
+
+// A folder in the way of the copy.
+TEST_F(CatalogueFile, OfAnOlderVersionStaysOldWhereNoCopyCanBeMade) {
+    makeVersionOne(path_);
+    std::filesystem::create_directories(path_ + ".version1.draft/in the way");
+    EXPECT_NE(refusalOf(Access::write), "opened");
+    SQLite::Database still(path_, SQLite::OPEN_READONLY);
+    EXPECT_EQ(still.execAndGet("PRAGMA user_version").getInt(), 1);
+}
+
+// What a step does is undone with it when the next one fails: the table is there already.
+TEST_F(CatalogueFile, OfAnOlderVersionStaysOldWhereAStepFails) {
+    makeVersionOne(path_);
+    execute("CREATE TABLE track_search (other TEXT)");
+    EXPECT_NE(refusalOf(Access::write), "opened");
+    SQLite::Database still(path_, SQLite::OPEN_READONLY);
+    EXPECT_EQ(still.execAndGet("PRAGMA user_version").getInt(), 1);
+    EXPECT_EQ(still
+                  .execAndGet("SELECT count(*) FROM pragma_table_info('tracks') WHERE name = "
+                              "'search'")
+                  .getInt(),
+              0);
+}
+
+TEST_F(CatalogueFile, CanBeReadWhereNothingMayBeWritten) {
+    {
+        Catalogue made(path_, Access::create);
+        test::store(made, {test::analysedTrack("/a", 1)});
+    }
+    namespace fs = std::filesystem;
+    fs::permissions(path_, fs::perms(0444));
+    fs::permissions(folder_.path(), fs::perms(0555));
+    const pid_t child = fork();
+    if (child == 0) {
+        // The superuser may write everywhere.
+        if (geteuid() == 0 && setuid(65534) != 0) _exit(1);
+        if (refusalOf(Access::write) != path_ + ": may not be written to") _exit(2);
+        if (refusalOf(Access::read) != "opened") _exit(3);
+        _exit(valueOf(Catalogue(path_, Access::read), "SELECT title FROM tracks") == "Track 1" ? 0
+                                                                                               : 4);
+    }
+    int status = -1;
+    ASSERT_EQ(waitpid(child, &status, 0), child);
+    fs::permissions(folder_.path(), fs::perms::owner_all);
+    EXPECT_TRUE(WIFEXITED(status));
+    EXPECT_EQ(WEXITSTATUS(status), 0);
+}
+
+// As seen by readers: nothing, or all of what was committed.
+TEST_F(CatalogueFile, KeepsWhatWasCommittedWhenTheProcessIsKilled) {
+    { const Catalogue made(path_, Access::create); }
+    const pid_t child = fork();
+    if (child == 0) {
+        Catalogue own(path_, Access::write);
+        Scan scan(own, {parametersText(test::everything()), false, false});
+        scan.settle();
+        scan.put(test::analysedTrack("/committed", 1));
+        scan.commit();
+        scan.put(test::analysedTrack("/not committed", 2));
+        kill(getpid(), SIGKILL);
+    }
+    int status = 0;
+    ASSERT_EQ(waitpid(child, &status, 0), child);
+    ASSERT_TRUE(WIFSIGNALED(status));
+    const Catalogue read(path_, Access::write);
+    EXPECT_EQ(valueOf(read, "SELECT group_concat(CAST(path AS TEXT)) FROM tracks"), "/committed");
+    EXPECT_EQ(valueOf(read, "PRAGMA integrity_check"), "ok");
+}
+
+// A limit of SQLite's own on the file's length fails as a full disk does.
+TEST_F(CatalogueFile, OnAFullDiskSaysSoAndLosesNothing) {
+    Catalogue catalogue(path_, Access::create);
+    test::store(catalogue, {test::analysedTrack("/first", 1)});
+    catalogue.database().exec("PRAGMA max_page_count = " + valueOf(catalogue, "PRAGMA page_count"));
+    std::string reason;
+    try {
+        Scan scan(catalogue, {parametersText(test::everything()), false, false});
+        scan.settle();
+        for (int i = 0; i < 100; ++i)
+            scan.put(test::analysedTrack("/more " + std::to_string(i), 2 + i));
+    } catch (const CatalogueError& error) {
+        reason = error.what();
+    }
+    EXPECT_EQ(reason, path_ + ": cannot be written: the disk is full");
+    EXPECT_EQ(valueOf(catalogue, "PRAGMA integrity_check"), "ok");
+    EXPECT_EQ(valueOf(catalogue, "SELECT count(*) FROM tracks WHERE path = CAST('/first' AS BLOB)"),
+              "1");
+    catalogue.database().exec("PRAGMA max_page_count = 100000");
+    test::store(catalogue, {test::analysedTrack("/later", 3)});
+    EXPECT_EQ(valueOf(catalogue, "SELECT count(*) FROM tracks WHERE path = CAST('/later' AS BLOB)"),
+              "1");
+}
+
+}  // namespace
+}  // namespace catalogue

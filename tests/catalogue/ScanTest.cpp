@@ -1,0 +1,283 @@
+// SPDX-License-Identifier: MIT
+#include "catalogue/Scan.h"
+
+#include <filesystem>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "catalogue/CatalogueError.h"
+#include "catalogue/StoredTracks.h"
+#include "catalogue/TrackStore.h"
+#include "catalogue/correction/Corrections.h"
+#include "support/TemporaryFolder.h"
+
+namespace catalogue {
+namespace {
+
+using test::analysedTrack;
+using test::soundOf;
+using test::valueOf;
+using testing::ElementsAre;
+
+const std::string kParameters = parametersText(test::everything());
+
+class CatalogueScan : public testing::Test {
+protected:
+    static constexpr FileState kState = {1000, 5};
+
+    /** A file that exists. */
+    std::string fileNamed(const std::string& name) {
+        const std::string path = music_.file(name);
+        test::writeFile(path, "sound");
+        return path;
+    }
+
+    void put(const std::string& path, int sound) {
+        test::store(catalogue_, {analysedTrack(path, sound)});
+    }
+
+    std::int64_t idOf(const std::string& path) {
+        return TrackStore(catalogue_).find(path).value_or(-1);
+    }
+
+    Scan::Counts countsOf(const Scan::Plan& plan, const std::vector<std::string>& paths,
+                          const FileState& state = kState) {
+        Scan scan(catalogue_, plan);
+        for (const std::string& path : paths) scan.found(path, state, 1.0);
+        return scan.settle();
+    }
+
+    test::TemporaryFolder folder_;
+    test::TemporaryFolder music_;
+    Catalogue catalogue_{folder_.file("c.sqlite"), Catalogue::Access::create};
+};
+
+TEST_F(CatalogueScan, NamesEveryFileOnceTheHeaviestFirst) {
+    Scan scan(catalogue_, {kParameters, false, false});
+    scan.found("/short", kState, 1.0);
+    scan.found("/long", kState, 90.0);
+    scan.found("/b", kState, 10.0);
+    scan.found("/a", kState, 10.0);
+    scan.found("/long", kState, 90.0);
+    const Scan::Counts counts = scan.settle();
+    EXPECT_EQ(counts.found, 4);
+    EXPECT_EQ(counts.toDo, 4);
+    EXPECT_EQ(counts.weightToDo, 111.0);
+    std::vector<std::string> order;
+    while (const auto work = scan.next()) order.push_back(work->path);
+    EXPECT_THAT(order, ElementsAre("/long", "/a", "/b", "/short"));
+    EXPECT_FALSE(scan.next());
+}
+
+TEST_F(CatalogueScan, KnowsAFileByPathSizeTimeAndParameters) {
+    put("/a", 1);
+    EXPECT_EQ(countsOf({kParameters, false, false}, {"/a", "/b"}).known, 1);
+    EXPECT_EQ(countsOf({kParameters, false, true}, {"/a"}).known, 0);
+    EXPECT_EQ(countsOf({kParameters, false, false}, {"/a"}, {1001, 5}).known, 0);
+    EXPECT_EQ(countsOf({kParameters, false, false}, {"/a"}, {1000, 6}).known, 0);
+    EXPECT_EQ(countsOf({"{}", false, false}, {"/a"}).known, 0);
+}
+
+TEST_F(CatalogueScan, TriesAFailedFileAgainOnlyWhenAskedOrWhenItHasChanged) {
+    {
+        Scan scan(catalogue_, {kParameters, false, false});
+        scan.found("/bad", kState, 1.0);
+        scan.settle();
+        scan.putFailure("/bad", kState, {FailureKind::damaged, "is empty"});
+        scan.putFailure("/bad", kState, {FailureKind::crashed, "crashed"});
+    }
+    EXPECT_EQ(valueOf(catalogue_, "SELECT kind || attempts || reason FROM failures"),
+              "crashed2crashed");
+    EXPECT_EQ(countsOf({kParameters, false, false}, {"/bad"}).toDo, 0);
+    EXPECT_EQ(countsOf({kParameters, false, true}, {"/bad"}).toDo, 0);
+    EXPECT_EQ(countsOf({kParameters, true, false}, {"/bad"}).toDo, 1);
+    EXPECT_EQ(countsOf({kParameters, false, false}, {"/bad"}, {1, 1}).toDo, 1);
+    put("/bad", 1);
+    EXPECT_EQ(valueOf(catalogue_, "SELECT count(*) FROM failures"), "0");
+}
+
+TEST_F(CatalogueScan, KeepsEarlierResultsOfAFileThatFails) {
+    put("/a", 1);
+    Scan scan(catalogue_, {kParameters, false, false});
+    scan.found("/a", {7, 7}, 1.0);
+    scan.settle();
+    scan.putFailure("/a", {7, 7}, {FailureKind::damaged, "is empty"});
+    scan.commit();
+    EXPECT_EQ(valueOf(catalogue_, "SELECT count(*) FROM results"), "1");
+}
+
+TEST_F(CatalogueScan, ReplacesTheResultOfTheSameParametersAndKeepsOthers) {
+    put("/a", 1);
+    Analysed other = analysedTrack("/a", 1);
+    other.result.parameters = parametersText({});
+    other.result.bpm = 99.0;
+    test::store(catalogue_, {other});
+    put("/a", 1);
+    EXPECT_EQ(valueOf(catalogue_, "SELECT count(*) FROM results"), "2");
+    EXPECT_EQ(valueOf(catalogue_, "SELECT count(*) FROM grids"), "2");
+    EXPECT_EQ(valueOf(catalogue_, "SELECT count(*) FROM tracks"), "1");
+}
+
+TEST_F(CatalogueScan, DropsResultsOfTheSoundThatAFileHeldBefore) {
+    put("/a", 1);
+    Analysed other = analysedTrack("/a", 2);
+    other.result.parameters = parametersText({});
+    test::store(catalogue_, {other});
+    EXPECT_EQ(valueOf(catalogue_, "SELECT count(*) FROM results"), "1");
+    EXPECT_EQ(valueOf(catalogue_, "SELECT count(*) FROM waves"), "1");
+}
+
+TEST_F(CatalogueScan, TakesAMovedTrackWithItsResultsAndCorrectionsToItsNewPlace) {
+    const std::string from = music_.file("from");
+    const std::string to = fileNamed("to");
+    put(from, 1);
+    const std::int64_t id = idOf(from);
+    Corrections(catalogue_).add(id, {EditKind::twice});
+    {
+        Scan scan(catalogue_, {kParameters, false, false});
+        scan.found(to, {1000, 9}, 1.0);
+        scan.settle();
+        EXPECT_TRUE(scan.next().value().mayBeMoved);
+        EXPECT_FALSE(scan.adoptMoved(to, {1000, 9}, soundOf(2)));
+        EXPECT_TRUE(scan.adoptMoved(to, {1000, 9}, soundOf(1)));
+    }
+    EXPECT_EQ(idOf(to), id);
+    EXPECT_EQ(idOf(from), -1);
+    EXPECT_EQ(valueOf(catalogue_, "SELECT bpm FROM tracks"), "240.0");
+    EXPECT_EQ(countsOf({kParameters, false, false}, {to}, {1000, 9}).known, 1);
+    EXPECT_EQ(valueOf(catalogue_, "SELECT count(*) FROM track_search WHERE search MATCH '\"/to\"'"),
+              "1");
+}
+
+TEST_F(CatalogueScan, RecognisesAMovedTrackWhenItIsAnalysedToo) {
+    put(music_.file("from"), 1);
+    const std::int64_t id = idOf(music_.file("from"));
+    put(fileNamed("to"), 1);
+    EXPECT_EQ(idOf(music_.file("to")), id);
+}
+
+TEST_F(CatalogueScan, TakesCopiesOfOneSoundForTwoTracks) {
+    put(fileNamed("one"), 1);
+    put(fileNamed("two"), 1);
+    EXPECT_EQ(valueOf(catalogue_, "SELECT count(*) FROM tracks"), "2");
+}
+
+TEST_F(CatalogueScan, KnowsTheSoundOfAFileWhoseTagsHaveChanged) {
+    const std::string path = fileNamed("a");
+    put(path, 1);
+    Scan scan(catalogue_, {kParameters, false, false});
+    scan.found(path, {1000, 99}, 1.0);
+    EXPECT_EQ(scan.settle().toDo, 1);
+    EXPECT_TRUE(scan.next().value().mayBeMoved);
+    EXPECT_TRUE(scan.adoptMoved(path, {1000, 99}, soundOf(1)));
+}
+
+TEST_F(CatalogueScan, GivesNoPlaceOfACorrectedTrackAway) {
+    const std::string place = fileNamed("place");
+    put(place, 1);
+    Corrections(catalogue_).add(idOf(place), {EditKind::half});
+    put(music_.file("from"), 2);
+    // The file of the first now holds the sound of the second.
+    put(place, 2);
+    EXPECT_EQ(valueOf(catalogue_, "SELECT count(*) FROM tracks"), "2");
+    EXPECT_EQ(Corrections(catalogue_).of(idOf(place)).size(), 1U);
+}
+
+TEST_F(CatalogueScan, MarksWhatIsNoMoreBelowTheRootsAndNothingElse) {
+    const std::string here = fileNamed("here");
+    put(here, 1);
+    put(music_.file("gone"), 2);
+    put(music_.path() + "-other/elsewhere", 3);
+    put("/nowhere/gone", 4);
+    Scan scan(catalogue_, {kParameters, false, false});
+    scan.settle();
+    const Scan::Ending ending = scan.finish({music_.path()}, Scan::Pruning::none);
+    EXPECT_EQ(ending.gone, 1);
+    EXPECT_EQ(ending.pruned, 0);
+    EXPECT_EQ(valueOf(catalogue_,
+                      "SELECT group_concat(CAST(path AS TEXT)) FROM tracks WHERE is_gone = 1"),
+              music_.file("gone"));
+}
+
+TEST_F(CatalogueScan, TakesBackThatAFileIsGoneWhenItIsFoundAgain) {
+    put(music_.file("a"), 1);
+    {
+        Scan scan(catalogue_, {kParameters, false, false});
+        scan.settle();
+        EXPECT_EQ(scan.finish({music_.path() + "/"}, Scan::Pruning::none).gone, 1);
+    }
+    EXPECT_EQ(countsOf({kParameters, false, false}, {music_.file("a")}).known, 1);
+    EXPECT_EQ(valueOf(catalogue_, "SELECT is_gone FROM tracks"), "0");
+}
+
+TEST_F(CatalogueScan, PrunesCorrectedTracksOnlyWhenToldTo) {
+    put(music_.file("plain"), 1);
+    put(music_.file("corrected"), 2);
+    Corrections(catalogue_).add(idOf(music_.file("corrected")), {EditKind::key, 3.0});
+    {
+        Scan scan(catalogue_, {kParameters, false, false});
+        scan.settle();
+        const Scan::Ending ending = scan.finish({music_.path()}, Scan::Pruning::uncorrected);
+        EXPECT_EQ(ending.gone, 2);
+        EXPECT_EQ(ending.pruned, 1);
+        EXPECT_EQ(ending.keptCorrected, 1);
+    }
+    EXPECT_EQ(valueOf(catalogue_, "SELECT count(*) FROM results"), "1");
+    Scan scan(catalogue_, {kParameters, false, false});
+    scan.settle();
+    EXPECT_EQ(scan.finish({music_.path()}, Scan::Pruning::all).pruned, 1);
+    EXPECT_EQ(valueOf(catalogue_, "SELECT count(*) FROM tracks"), "0");
+    EXPECT_EQ(valueOf(catalogue_, "SELECT count(*) FROM corrections"), "0");
+    EXPECT_EQ(valueOf(catalogue_, "SELECT count(*) FROM track_search WHERE search MATCH 'exa'"),
+              "0");
+}
+
+TEST_F(CatalogueScan, ForgetsFailuresOfFilesThatAreNoMore) {
+    const std::string here = fileNamed("here");
+    Scan scan(catalogue_, {kParameters, false, false});
+    scan.settle();
+    scan.putFailure(here, kState, {FailureKind::notAudio, "is no audio"});
+    scan.putFailure(music_.file("gone"), kState, {FailureKind::notAudio, "is no audio"});
+    scan.finish({music_.path()}, Scan::Pruning::none);
+    EXPECT_EQ(valueOf(catalogue_, "SELECT CAST(path AS TEXT) FROM failures"), here);
+}
+
+TEST_F(CatalogueScan, LocksOutAnotherScanUntilItEnds) {
+    {
+        const Scan first(catalogue_, {kParameters, false, false});
+        Catalogue again(folder_.file("c.sqlite"), Catalogue::Access::write);
+        EXPECT_THROW(Scan(again, {kParameters, false, false}), ScanRunning);
+    }
+    EXPECT_NO_THROW(Scan(catalogue_, {kParameters, false, false}));
+}
+
+// While a scan looks around nobody waits for it.
+TEST_F(CatalogueScan, LetsOthersWriteUntilItHasSomethingToWrite) {
+    put("/a", 1);
+    Scan scan(catalogue_, {kParameters, false, false});
+    scan.found("/b", kState, 1.0);
+    Catalogue other(folder_.file("c.sqlite"), Catalogue::Access::write);
+    EXPECT_NO_THROW(Corrections(other).add(1, {EditKind::twice}));
+    scan.settle();
+    EXPECT_NO_THROW(Corrections(other).undo(1));
+}
+
+TEST_F(CatalogueScan, CommitsManyRecordsBeforeItEnds) {
+    Scan scan(catalogue_, {kParameters, false, false});
+    scan.settle();
+    for (int i = 0; i < 250; ++i)
+        scan.putFailure("/" + std::to_string(i), kState, {FailureKind::notAudio, ""});
+    const Catalogue reader(folder_.file("c.sqlite"), Catalogue::Access::read);
+    EXPECT_EQ(valueOf(reader, "SELECT count(*) FROM failures"), "200");
+}
+
+TEST_F(CatalogueScan, KeepsNamesOfAnyBytes) {
+    const std::string path = "/a\xFF\n'; DROP TABLE tracks; --\x01";
+    put(path, 1);
+    EXPECT_EQ(TrackStore(catalogue_).read(idOf(path)).value().analysed.track.path, path);
+    EXPECT_EQ(countsOf({kParameters, false, false}, {path}).known, 1);
+}
+
+}  // namespace
+}  // namespace catalogue

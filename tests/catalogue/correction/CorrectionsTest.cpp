@@ -1,0 +1,68 @@
+// SPDX-License-Identifier: MIT
+#include "catalogue/correction/Corrections.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "catalogue/StoredTracks.h"
+#include "support/TemporaryFolder.h"
+
+namespace catalogue {
+namespace {
+
+using test::valueOf;
+using testing::ElementsAre;
+
+class CatalogueCorrections : public testing::Test {
+protected:
+    CatalogueCorrections() { test::store(catalogue_, {test::analysedTrack("/a", 1)}); }
+
+    std::string shown() {
+        return valueOf(catalogue_, "SELECT bpm || ' ' || key || ' ' || confidence || ' ' || "
+                                   "is_corrected FROM tracks");
+    }
+
+    test::TemporaryFolder folder_;
+    Catalogue catalogue_{folder_.file("c.sqlite"), Catalogue::Access::create};
+    Corrections corrections_{catalogue_};
+};
+
+// The confidence shown is the smaller one of the key's, 0.875, and the product of those of tempo,
+// level and phase, 0.5.
+TEST_F(CatalogueCorrections, ChangeWhatListsRead) {
+    EXPECT_EQ(shown(), "120.0 12 0.5 0");
+    corrections_.add(1, {EditKind::twice});
+    EXPECT_EQ(shown(), "240.0 12 0.875 1");
+    corrections_.add(1, {EditKind::key, 3.0});
+    EXPECT_EQ(shown(), "240.0 3 1.0 1");
+    EXPECT_THAT(corrections_.of(1), ElementsAre(Edit{EditKind::twice}, Edit{EditKind::key, 3.0}));
+}
+
+TEST_F(CatalogueCorrections, AreTakenBackFromTheLastOn) {
+    corrections_.add(1, {EditKind::bpm, 100.25});
+    corrections_.add(1, {EditKind::half});
+    EXPECT_EQ(corrections_.undo(1), (Edit{EditKind::half}));
+    EXPECT_EQ(shown(), "100.25 12 0.875 1");
+    EXPECT_EQ(corrections_.undo(1), (Edit{EditKind::bpm, 100.25}));
+    EXPECT_EQ(shown(), "120.0 12 0.5 0");
+    EXPECT_FALSE(corrections_.undo(1));
+}
+
+TEST_F(CatalogueCorrections, AreNotTouchedByAnAnalysis) {
+    corrections_.add(1, {EditKind::twice});
+    Analysed again = test::analysedTrack("/a", 1);
+    again.result.bpm = 100.0;
+    test::store(catalogue_, {again});
+    EXPECT_THAT(corrections_.of(1), ElementsAre(Edit{EditKind::twice}));
+    EXPECT_EQ(shown(), "200.0 12 0.875 1");
+}
+
+// Another version may know more kinds of edits.
+TEST_F(CatalogueCorrections, ThatAreNotKnownAreLeftOut) {
+    valueOf(catalogue_, "INSERT INTO corrections (track_id, kind, value, made_at) "
+                        "VALUES (1, 'swing', 0.6, 0) RETURNING id");
+    EXPECT_THAT(corrections_.of(1), ElementsAre());
+}
+
+}  // namespace
+}  // namespace catalogue
