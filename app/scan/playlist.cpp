@@ -5,6 +5,7 @@
 #include <cctype>
 #include <cerrno>
 #include <charconv>
+#include <cstdint>
 #include <fstream>
 #include <iterator>
 #include <optional>
@@ -32,8 +33,8 @@ constexpr std::size_t kMostBytes = std::size_t{256} << 20U;
 
 /** As UTF-8; what the encoding does not know becomes a question mark. */
 std::string toUtf8(std::string_view text, const char* encoding) {
-    const iconv_t converter = iconv_open("UTF-8", encoding);
-    if (converter == reinterpret_cast<iconv_t>(-1)) return std::string(text);
+    void* converter = iconv_open("UTF-8", encoding);
+    if (reinterpret_cast<std::intptr_t>(converter) == -1) return std::string(text);
     std::string bytes(text);
     std::string converted(bytes.size() * 3 + 4, '\0');
     char* in = bytes.data();
@@ -122,7 +123,7 @@ std::string fileNamed(const std::string& folder, const std::string& name) {
     std::string slashed = western;
     std::replace(slashed.begin(), slashed.end(), '\\', '/');
     for (const std::string& meant : {name, western, slashed, withoutEscapes(slashed)}) {
-        const std::string path = beside(folder, meant);
+        std::string path = beside(folder, meant);
         if (isInPlace(path)) return path;
     }
     return beside(folder, name);

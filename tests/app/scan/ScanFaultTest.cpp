@@ -28,7 +28,7 @@ using testing::EndsWith;
 using testing::HasSubstr;
 using testing::StartsWith;
 
-constexpr double kLongSeconds = 90.0;  // of music: a second's work
+constexpr double kLongSeconds = 170.0;  // of music: half a second's work
 
 bool isRunning(pid_t process) {
     std::ifstream status("/proc/" + std::to_string(process) + "/stat");
@@ -118,8 +118,10 @@ TEST_F(ScanFaultTest, AFileThatTakesTooMuchMemoryIsAFailure) {
 
 TEST_F(ScanFaultTest, AFileThatVanishesBeforeItsTurnIsTold) {
     RunningTool tool(oneJob());
-    workerOf(tool);
+    const pid_t worker = workerOf(tool);
+    kill(worker, SIGSTOP);
     fs::remove(music_.file("b.wav"));
+    kill(worker, SIGCONT);
     EXPECT_EQ(tool.wait(), 1);
     EXPECT_EQ(tool.err(),
               told(music_.file("b.wav") + ": cannot be opened: No such file or directory") +
@@ -129,8 +131,10 @@ TEST_F(ScanFaultTest, AFileThatVanishesBeforeItsTurnIsTold) {
 
 TEST_F(ScanFaultTest, AFileThatChangesWhileItIsReadIsScannedAgain) {
     RunningTool tool(oneJob());
-    workerOf(tool);
+    const pid_t worker = workerOf(tool);
+    kill(worker, SIGSTOP);
     addTrack("a.wav", 3.0);
+    kill(worker, SIGCONT);
     EXPECT_EQ(tool.wait(), 1);
     EXPECT_THAT(tool.err(), HasSubstr(long_ + ": "));
     EXPECT_EQ(runTool(oneJob()).err, told("1 track analysed (0.0 hours of music), 2 known"));
@@ -218,8 +222,9 @@ TEST_F(ScanFaultTest, ASecondScanOfACatalogueIsToldOrWaits) {
 
 TEST_F(ScanFaultTest, CtrlCEndsAllWorkersAndKeepsWhatIsDone) {
     RunningTool tool(arguments({music_.path()}));
-    const auto workers = tool.awaitReaders(1, music_.path());
-    // The short ones are done by the second worker while the first is at the long one.
+    const auto workers = tool.awaitReaders(1, long_);
+    // The short ones are done by the second worker while the first is held at the long one.
+    for (const pid_t worker : workers) kill(worker, SIGSTOP);
     while (tool.children().size() > 1) std::this_thread::sleep_for(std::chrono::milliseconds(1));
     tool.signal(SIGINT);
     EXPECT_EQ(tool.wait(), 130);
