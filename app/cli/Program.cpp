@@ -148,8 +148,8 @@ ExitCode Program::parseAndRun(const std::vector<std::string>& words) {
     for (const auto& command : commands) declareCommand(program, *command);
     declareHelp(program, topic);
     // The tool's own calls of itself state all that matters.
-    const Command* command = commandOf(commands, words);
-    if (command != nullptr && !command->isHidden()) applyConfig(program, words);
+    const Command* called = commandOf(commands, words);
+    if (called != nullptr && !called->isHidden()) applyConfig(program, words);
     try {
         program.parse(toArguments(words));
     } catch (const CLI::CallForHelp&) {
