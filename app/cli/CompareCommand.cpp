@@ -12,6 +12,7 @@
 #include "cli/messages.h"
 #include "cli/toolVersion.h"
 #include "comparison/readBeatSheet.h"
+#include "media/StandardInput.h"
 
 namespace app {
 
@@ -30,9 +31,11 @@ std::string readUpTo(std::istream& file, std::size_t count) {
     return bytes;
 }
 
-/** The whole of a file that begins as a text does; nothing of any other. A list of beats may come
+/** The whole of a file that begins as a text does; nothing of any other. Standard input holds a
+ *  track, as it does for every command. A list of beats may come
  *  through a pipe. @throws TrackError when it is far too long */
 std::optional<std::string> textOf(const std::string& path) {
+    if (media::StandardInput::isNamedBy(path)) return std::nullopt;
     std::ifstream file(path, std::ios::binary);
     std::string text = readUpTo(file, kFirstBytes);
     if (text.empty() || !comparison::isText(text)) return std::nullopt;

@@ -10,6 +10,7 @@
 #include "base/errors.h"
 #include "cli/messages.h"
 #include "cli/oneOf.h"
+#include "media/StandardInput.h"
 #include "media/tags/TagFile.h"
 #include "output/TagEntry.h"
 
@@ -79,6 +80,8 @@ std::unique_ptr<output::ReportEntry> TagCommand::examine(const std::string& path
 }
 
 output::TagReport TagCommand::tagTrack(const std::string& path, ProgressLine& progress) {
+    if (media::StandardInput::isNamedBy(path))
+        throw base::TrackError("is standard input, which has no tags that could be changed");
     try {
         if (writes_) media::TagRewrite(rewrite_).requirePossible(path);
         const media::TagFile tags(path, media::TagFile::Access::read);

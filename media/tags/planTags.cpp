@@ -79,12 +79,12 @@ bool anyDisagrees(const TagFields& fields, const Group& group) {
 }
 
 void keepAll(const TagFields& fields, const Group& group, std::vector<TagChange>& changes) {
-    const auto keep = [&](const std::string& name) {
+    const auto keep = [&](const std::string& name, const std::string& wished) {
         if (const auto value = fields.value(name))
-            changes.push_back({TagChange::Kind::kept, name, *value, group.own.front().second});
+            changes.push_back({TagChange::Kind::kept, name, *value, wished});
     };
-    for (const auto& [name, value] : group.own) keep(name);
-    for (const std::string& name : group.others) keep(name);
+    for (const auto& [name, value] : group.own) keep(name, value);
+    for (const std::string& name : group.others) keep(name, group.own.front().second);
 }
 
 TagChange changeOf(const std::string& name, const std::optional<std::string>& before,

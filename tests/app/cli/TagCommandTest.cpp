@@ -127,6 +127,17 @@ TEST_F(TagCommand, TakesNamesOfAnyBytes) {
     EXPECT_EQ(runTool({"tag", "--write", "--backup", "--overwrite", track}).exitStatus, 1);
 }
 
+TEST_F(TagCommand, RefusesStandardInputAndLeavesAFileOfThatNameAlone) {
+    const std::string track = write("-", {"flac", "flac"}, 2.0);
+    const std::string before = test::readFile(track);
+    ToolRun run;
+    run.arguments = {"tag", "--write", "--", "-"};
+    run.folder = folder_.path();
+    EXPECT_EQ(run.run().exitStatus, 1);
+    EXPECT_THAT(run.err, HasSubstr("is standard input, which has no tags"));
+    EXPECT_EQ(test::readFile(track), before);
+}
+
 TEST_F(TagCommand, StopsOnRequestAndLeavesTheFileAsItWas) {
     const std::string track = write("a.flac", {"flac", "flac"}, 120.0);
     const std::string before = test::readFile(track);

@@ -71,7 +71,7 @@ TEST(PlanTags, KeepsAnotherTempoAndAddsNoneBesideIt) {
     EXPECT_THAT(plan({true, {{"other tempo", "fast"}}}, {100.0, {}}, false),
                 ElementsAre("= other tempo fast>100"));
     EXPECT_THAT(plan({true, {{"exact", "125.90"}}}, {125.98, {}}, false),
-                ElementsAre("= exact 125.90>126"));
+                ElementsAre("= exact 125.90>125.98"));
 }
 
 TEST(PlanTags, AddsTheExactTempoBesideTheWholeOneItRoundsTo) {
