@@ -8,6 +8,7 @@
 #include <filesystem>
 #include <fstream>
 #include <random>
+#include <stdexcept>
 #include <thread>
 
 #include <gmock/gmock.h>
@@ -59,9 +60,11 @@ protected:
         return words;
     }
 
+    /** Never -1, by which a signal would go to every process there is. */
     pid_t workerOf(const RunningTool& tool) const {
         const auto readers = tool.awaitReaders(1, music_.path());
-        return readers.empty() ? -1 : readers.front();
+        if (readers.empty()) throw std::runtime_error("no worker has begun to read");
+        return readers.front();
     }
 
     /** What an undisturbed scan of the same files finds. */

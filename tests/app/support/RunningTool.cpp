@@ -87,7 +87,8 @@ std::vector<pid_t> RunningTool::awaitReaders(std::size_t count, const std::strin
 }
 
 void RunningTool::signal(int number) const {
-    kill(process_, number);
+    // To -1 a signal would go to every process there is.
+    if (process_ != -1) kill(process_, number);
 }
 
 int RunningTool::wait() {
