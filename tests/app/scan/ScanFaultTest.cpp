@@ -90,6 +90,15 @@ TEST_F(ScanFaultTest, AWorkerThatIsKilledCostsItsFile) {
     EXPECT_EQ(stored_.content(), undisturbed());
 }
 
+TEST_F(ScanFaultTest, TheEndOfAWorkerIsSeenWhereTheCallerIgnoresChildren) {
+    RunningTool::Limits limits;
+    limits.ignoresChildren = true;
+    RunningTool tool(oneJob(), "", limits);
+    kill(workerOf(tool), SIGKILL);
+    EXPECT_EQ(tool.wait(), 1);
+    EXPECT_THAT(tool.err(), HasSubstr("its worker was killed by signal 9 (Killed)"));
+}
+
 TEST_F(ScanFaultTest, AWorkerThatStandsStillIsEndedAtTheTimeLimit) {
     RunningTool tool(oneJob({"--time-limit", "4"}));
     const pid_t worker = workerOf(tool);

@@ -58,6 +58,7 @@ RunningTool::RunningTool(const std::vector<std::string>& arguments, const std::s
             const struct rlimit limit = {most, most};
             setrlimit(RLIMIT_FSIZE, &limit);
         }
+        if (limits.ignoresChildren) std::signal(SIGCHLD, SIG_IGN);
         setenv("XDG_CONFIG_HOME", "/nonexistent", 1);
         becomeTool(arguments, out, err);
     }
