@@ -17,7 +17,7 @@ struct MergeCounts {
  *
  *  Of a track that several have, the file as it was last analysed counts, and of each set of
  *  parameters the newest result; corrections are kept. Where two catalogues hold corrections of a
- *  track that do not continue each other, the list with the newest edit wins, and conflict hears of it. The
+ *  track that do not continue each other, the list with the newest edit wins, and the other is reported. The
  *  order of the catalogues makes no difference, nor does merging one of them twice.
  *
  *  @param output    appears whole or not at all; must not exist
