@@ -12,8 +12,9 @@
 
 namespace catalogue {
 
-/** Reads and writes tracks and results, a row at a time. What reads throws CatalogueError, what writes
- *  SQLite::Exception; transactions are the caller's. */
+/** Reads and writes tracks and results, a row at a time. find(), read() and isGone() throw
+ *  CatalogueError where the database fails, all else SQLite::Exception; transactions are the
+ *  caller's. */
 class TrackStore {
 public:
     using Id = std::int64_t;

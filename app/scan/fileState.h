@@ -9,8 +9,8 @@
 
 namespace app {
 
-/** By what the catalogue takes a file for unchanged. A time beyond the year 2262, which a file system
- *  may state, wraps around: it is compared, no more. */
+/** By what the catalogue takes a file for unchanged. A time beyond the year 2262, which a file
+ *  system may state, wraps around: it is compared, no more. */
 inline catalogue::FileState fileStateOf(const struct stat& status) {
     constexpr std::uint64_t kNanoseconds = 1000000000;
     const std::uint64_t time = static_cast<std::uint64_t>(status.st_mtim.tv_sec) * kNanoseconds +
