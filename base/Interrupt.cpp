@@ -32,6 +32,8 @@ void catchUnlessIgnored(int signalNumber) {
 void Interrupt::install() {
     for (const int signalNumber : {SIGINT, SIGTERM, SIGHUP}) catchUnlessIgnored(signalNumber);
     for (const int signalNumber : {SIGPIPE, SIGXFSZ}) std::signal(signalNumber, SIG_IGN);
+    // A program that ignores how its children end leaves this to those that it starts.
+    std::signal(SIGCHLD, SIG_DFL);
 }
 
 bool Interrupt::isRequested() {

@@ -21,7 +21,7 @@ private:
 class Interrupt {
 public:
     /** Catches the signals from now on. Writing to a closed pipe or beyond the file size limit then
-     *  fails with an error instead of ending the process. */
+     *  fails with an error instead of ending the process, and how a child ended can be asked. */
     static void install();
 
     /** Whether a signal has arrived. */

@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "catalogue/Analysed.h"
 
+#include <algorithm>
+#include <cmath>
+#include <limits>
 #include <utility>
 
 #include "catalogue/CatalogueError.h"
@@ -12,6 +15,10 @@ namespace catalogue {
 namespace {
 
 using beatatlas::track::TrackResult;
+
+/** No session counts further. */
+constexpr std::int64_t kMostFrames = std::numeric_limits<std::int32_t>::max();
+constexpr double kMostSeconds = 1.0e6;
 
 void describeTempo(ResultRow& row, const TrackResult& result) {
     row.bpm = result.bpm;
@@ -26,6 +33,17 @@ void describeKey(ResultRow& row, const TrackResult& result) {
     row.key = result.key->best();
     row.keyConfidence = result.key->confidence;
     row.tuningCents = result.key->tuningCents;
+}
+
+/** Everything that works with the numbers of a result can rely on these. */
+void requireSound(const TrackResult& result) {
+    const auto isBeyond = [](const auto& beat) {
+        return !(std::abs(beat.seconds) <= kMostSeconds);
+    };
+    const bool isBroken = result.rate <= 0 || result.frames < 0 || result.frames > kMostFrames ||
+                          std::any_of(result.beats.begin(), result.beats.end(), isBeyond);
+    if (isBroken)
+        throw DamagedRecord("the length or a beat of a track in the catalogue is damaged");
 }
 
 }  // namespace
@@ -60,7 +78,6 @@ WholeTrack wholeTrack(const Analysed& analysed) {
     whole.options = optionsOf(row.parameters);
     TrackResult& result = whole.result;
     result.rate = track.format.sessionRate;
-    if (result.rate <= 0) throw CatalogueError("the rate of a track in the catalogue is damaged");
     result.frames = track.frames;
     result.bpm = row.bpm;
     if (row.isSteady)
@@ -75,6 +92,7 @@ WholeTrack wholeTrack(const Analysed& analysed) {
     result.loudWave = decodeWave(row.loudWave);
     result.dotsWave = decodeWave(row.dotsWave);
     result.zoomWave = decodeWave(row.zoomWave);
+    requireSound(result);
     return whole;
 }
 

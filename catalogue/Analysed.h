@@ -87,7 +87,7 @@ Analysed makeAnalysed(const base::TrackSource& file, const FileState& state, con
                       std::vector<std::string> warnings, std::string toolVersion);
 
 /** Everything back, to the bit.
- *  @throws CatalogueError when a blob or a text is not what makeAnalysed() writes */
+ *  @throws DamagedRecord when a blob or a text is not what makeAnalysed() writes */
 WholeTrack wholeTrack(const Analysed& analysed);
 
 /** The options that change a result, as JSON in one fixed form: two analyses with the same text
@@ -95,7 +95,7 @@ WholeTrack wholeTrack(const Analysed& analysed);
  *  does not use. */
 std::string parametersText(const beatatlas::track::Options& options);
 
-/** The options back. @throws CatalogueError when the text is not one of parametersText() */
+/** The options back. @throws DamagedRecord when the text is not one of parametersText() */
 beatatlas::track::Options optionsOf(const std::string& parameters);
 
 /** Why a file has no result. */

@@ -25,7 +25,7 @@ constexpr unsigned kByteBits = 8;
 constexpr std::size_t kMostBytes = std::size_t{1} << 28;
 
 [[noreturn]] void refuse() {
-    throw CatalogueError("a beat grid or a wave in the catalogue is damaged");
+    throw DamagedRecord("a beat grid or a wave in the catalogue is damaged");
 }
 
 std::string deflated(const std::string& bytes) {

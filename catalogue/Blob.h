@@ -31,10 +31,10 @@ private:
 /** Reads what a BlobWriter wrote. Any bytes may be given; what is not a whole blob is refused. */
 class BlobReader {
 public:
-    /** @throws CatalogueError for a form that is not known, or a broken stream */
+    /** @throws DamagedRecord for a form that is not known, or a broken stream */
     explicit BlobReader(std::string_view blob);
 
-    /** @name @throws CatalogueError behind the last byte
+    /** @name @throws DamagedRecord behind the last byte
      *  @{ */
     std::uint8_t byte();
     std::uint64_t natural();
@@ -46,7 +46,7 @@ public:
     std::size_t count();
     /** @} */
 
-    /** @throws CatalogueError when bytes are left */
+    /** @throws DamagedRecord when bytes are left */
     void end() const;
 
 private:

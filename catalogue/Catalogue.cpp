@@ -34,6 +34,14 @@ std::string plainName(const std::string& path) {
     return path.starts_with('/') ? path : "./" + path;
 }
 
+std::string withoutLinks(const std::string& path) {
+    std::error_code failure;
+    const bool isLink = std::filesystem::is_symlink(plainName(path), failure);
+    if (!isLink) return path;
+    const auto file = std::filesystem::canonical(plainName(path), failure);
+    return failure ? path : file.string();
+}
+
 /** As SQLite reads it: every byte but letters, digits and a few signs as %XX. */
 std::string immutableUri(const std::string& path) {
     std::string uri = "file:";
@@ -58,7 +66,8 @@ bool isMissingOrEmpty(const std::string& path) {
 
 bool hasPendingLog(const std::string& path) {
     struct stat status {};
-    return stat((plainName(path) + "-wal").c_str(), &status) == 0 && status.st_size > 0;
+    const std::string log = plainName(withoutLinks(path)) + "-wal";
+    return stat(log.c_str(), &status) == 0 && status.st_size > 0;
 }
 
 using Database = std::unique_ptr<SQLite::Database>;
@@ -179,5 +188,9 @@ Catalogue::Catalogue(const std::string& path, Access access) : path_(path) {
 }
 
 Catalogue::~Catalogue() = default;
+
+std::string Catalogue::filePath() const {
+    return withoutLinks(path_);
+}
 
 }  // namespace catalogue

@@ -32,6 +32,10 @@ public:
 
     const std::string& path() const { return path_; }
 
+    /** The file itself where path() is a link to it: its log and the lock of a scan lie beside it,
+     *  whichever of its names it is opened by. */
+    std::string filePath() const;
+
     /** For the classes of this room. */
     SQLite::Database& database() const { return *database_; }
 

@@ -11,6 +11,13 @@ public:
     using std::runtime_error::runtime_error;
 };
 
+/** What is stored of one track is damaged. The text names neither the catalogue nor the track:
+ *  whoever asked for it knows which. */
+class DamagedRecord : public CatalogueError {
+public:
+    using CatalogueError::CatalogueError;
+};
+
 /** Another scan is filling the same catalogue. */
 class ScanRunning : public CatalogueError {
 public:

@@ -4,8 +4,10 @@
 #include <utility>
 
 #include <SQLiteCpp/Database.h>
+#include <SQLiteCpp/Savepoint.h>
 #include <SQLiteCpp/Statement.h>
 
+#include "base/Interrupt.h"
 #include "catalogue/FileLock.h"
 #include "catalogue/FoundFiles.h"
 #include "catalogue/TrackStore.h"
@@ -35,6 +37,9 @@ SELECT id, path, is_corrected FROM tracks WHERE audio_hash = ?1 ORDER BY is_corr
 constexpr const char* kAtPath = "SELECT id, audio_hash, is_corrected FROM tracks WHERE path = ?1";
 constexpr const char* kDropTrack = "DELETE FROM tracks WHERE id = ?1";
 
+/** ?2: with its corrections, of which there may be some since the track was read. */
+constexpr const char* kPrune = "DELETE FROM tracks WHERE id = ?1 AND (?2 OR is_corrected = 0)";
+
 constexpr const char* kMove = R"sql(
 UPDATE tracks SET path = ?2, size = ?3, modified_ns = ?4, gone_at = NULL, search = ?5
 WHERE id = ?1)sql";
@@ -47,12 +52,19 @@ WHERE r.track_id = ?1 AND p.json = ?2)sql";
 
 /** Paths in the folder: bytes that begin with it and '/', which '0' follows. */
 constexpr const char* kTracksBelow = R"sql(
-SELECT id, path, is_gone, is_corrected FROM tracks
+SELECT id, path, is_gone FROM tracks
 WHERE path = ?1 OR (path > ?2 AND path < ?3))sql";
 constexpr const char* kFailuresBelow =
     "SELECT path FROM failures WHERE path = ?1 OR (path > ?2 AND path < ?3)";
 
 constexpr const char* kMarkGone = "UPDATE tracks SET gone_at = ?2 WHERE id = ?1";
+
+constexpr const char* kRecord = "record";
+
+struct GoneTrack {
+    TrackStore::Id id;
+    bool isMarked;
+};
 
 void bindRoot(SQLite::Statement& statement, const std::string& root) {
     const std::string folder = root.ends_with('/') ? root.substr(0, root.size() - 1) : root;
@@ -66,7 +78,7 @@ void bindRoot(SQLite::Statement& statement, const std::string& root) {
 class Scan::Storage {
 public:
     Storage(Catalogue& catalogue, Plan plan)
-        : lock_(catalogue.path() + ".lock"), catalogue_(catalogue), plan_(std::move(plan)),
+        : lock_(catalogue.filePath() + ".lock"), catalogue_(catalogue), plan_(std::move(plan)),
           store_(catalogue), batch_(catalogue), found_(catalogue) {}
 
     FoundFiles& files() { return found_; }
@@ -86,8 +98,9 @@ private:
     bool isGone(const std::string& path) { return !found_.contains(path) && !fileExists(path); }
     void drop(const char* sql, const std::string& path);
     void drop(TrackStore::Id track);
-    void endTracks(const std::string& root, Pruning pruning, Ending& ending);
-    void endFailures(const std::string& root);
+    std::vector<GoneTrack> goneTracks(const std::string& root);
+    std::vector<std::string> goneFailures(const std::string& root);
+    void endTracks(const std::vector<GoneTrack>& gone, Pruning pruning, Ending& ending);
 
     FileLock lock_;
     Catalogue& catalogue_;
@@ -100,11 +113,14 @@ private:
 void Scan::Storage::put(const Analysed& analysed) {
     const TrackRow& track = analysed.track;
     batch_.begin();
+    // The whole record or nothing of it: what is in a batch is committed even where a record fails.
+    SQLite::Savepoint record(catalogue_.database(), kRecord);
     adopt(track.path, track.state, track.hash);
     const TrackStore::Id id = store_.putTrack(track);
     store_.putResult(id, analysed.result, secondsNow());
     store_.refresh(id);
     drop(kDropFailure, track.path);
+    record.release();
     batch_.recordWritten();
 }
 
@@ -125,9 +141,11 @@ void Scan::Storage::putFailure(const std::string& path, const FileState& state,
 bool Scan::Storage::adoptMoved(const std::string& path, const FileState& state,
                                const AudioHash& hash) {
     batch_.begin();
+    SQLite::Savepoint record(catalogue_.database(), kRecord);
     const auto track = adopt(path, state, hash);
     const bool isDone = track && hasResult(*track) && !plan_.rescansAll;
     if (isDone) drop(kDropFailure, path);
+    record.release();
     batch_.recordWritten();
     return isDone;
 }
@@ -200,53 +218,64 @@ void Scan::Storage::drop(TrackStore::Id track) {
     statement.exec();
 }
 
+/** What is gone is looked for while others may write: a network's disk takes its time to answer. */
 Scan::Ending Scan::Storage::finish(const std::vector<std::string>& roots, Pruning pruning) {
     Ending ending;
     for (const std::string& root : roots) {
-        batch_.begin();
-        endTracks(root, pruning, ending);
-        endFailures(root);
         batch_.commit();
+        endTracks(goneTracks(root), pruning, ending);
+        batch_.commit();
+        for (const std::string& path : goneFailures(root)) {
+            batch_.begin();
+            drop(kDropFailure, path);
+            batch_.recordWritten();
+        }
     }
+    batch_.commit();
     return ending;
 }
 
-void Scan::Storage::endTracks(const std::string& root, Pruning pruning, Ending& ending) {
-    std::vector<TrackStore::Id> pruned;
-    std::vector<TrackStore::Id> gone;
+std::vector<GoneTrack> Scan::Storage::goneTracks(const std::string& root) {
+    std::vector<GoneTrack> gone;
     SQLite::Statement below(catalogue_.database(), kTracksBelow);
     bindRoot(below, root);
     while (below.executeStep()) {
-        if (!isGone(below.getColumn(1).getString())) continue;
-        const TrackStore::Id track = below.getColumn(0).getInt64();
-        const bool isCorrected = below.getColumn(3).getInt() != 0;
-        const bool isKept =
-            pruning == Pruning::none || (pruning == Pruning::uncorrected && isCorrected);
-        ++ending.gone;
-        if (pruning != Pruning::none && isKept) ++ending.keptCorrected;
-        if (!isKept) pruned.push_back(track);
-        if (isKept && below.getColumn(2).getInt() == 0) gone.push_back(track);
+        base::Interrupt::check();
+        if (isGone(below.getColumn(1).getString()))
+            gone.push_back({below.getColumn(0).getInt64(), below.getColumn(2).getInt() != 0});
     }
-    SQLite::Statement mark(catalogue_.database(), kMarkGone);
-    for (const TrackStore::Id track : gone) {
-        mark.bind(1, track);
-        mark.bind(2, secondsNow());
-        execute(mark);
-    }
-    for (const TrackStore::Id track : pruned) drop(track);
-    ending.pruned += static_cast<std::int64_t>(pruned.size());
+    return gone;
 }
 
 /** A failure of a file that is no more is of no use to anybody. */
-void Scan::Storage::endFailures(const std::string& root) {
+std::vector<std::string> Scan::Storage::goneFailures(const std::string& root) {
     std::vector<std::string> gone;
     SQLite::Statement below(catalogue_.database(), kFailuresBelow);
     bindRoot(below, root);
     while (below.executeStep()) {
-        const std::string path = below.getColumn(0).getString();
-        if (isGone(path)) gone.push_back(path);
+        base::Interrupt::check();
+        std::string path = below.getColumn(0).getString();
+        if (isGone(path)) gone.push_back(std::move(path));
     }
-    for (const std::string& path : gone) drop(kDropFailure, path);
+    return gone;
+}
+
+void Scan::Storage::endTracks(const std::vector<GoneTrack>& gone, Pruning pruning, Ending& ending) {
+    SQLite::Statement prune(catalogue_.database(), kPrune);
+    SQLite::Statement mark(catalogue_.database(), kMarkGone);
+    prune.bind(2, pruning == Pruning::all ? 1 : 0);
+    mark.bind(2, secondsNow());
+    for (const GoneTrack& track : gone) {
+        batch_.begin();
+        ++ending.gone;
+        prune.bind(1, track.id);
+        const bool isPruned = pruning != Pruning::none && execute(prune) > 0;
+        if (isPruned) ++ending.pruned;
+        if (!isPruned && pruning != Pruning::none) ++ending.keptCorrected;
+        mark.bind(1, track.id);
+        if (!isPruned && !track.isMarked) execute(mark);
+        batch_.recordWritten();
+    }
 }
 
 Scan::Scan(Catalogue& catalogue, Plan plan) : path_(catalogue.path()) {

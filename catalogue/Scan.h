@@ -88,7 +88,8 @@ public:
     };
 
     /** Marks as gone the tracks that lie at or below a root, were not found, and do not exist any
-     *  more. @param roots  absolute paths that were walked to their end */
+     *  more. @param roots  absolute paths that were walked to their end
+     *  @throws CatalogueError; Interrupted */
     Ending finish(const std::vector<std::string>& roots, Pruning pruning);
 
 private:

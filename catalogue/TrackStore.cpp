@@ -14,6 +14,7 @@
 #include "catalogue/correction/corrected.h"
 #include "catalogue/folded.h"
 #include "catalogue/sqlBinding.h"
+#include "catalogue/sqliteGuard.h"
 
 namespace catalogue {
 
@@ -56,7 +57,8 @@ SELECT id, bpm, tempo_confidence * level_confidence * phase_confidence, key, key
 FROM results WHERE track_id = ?1 ORDER BY made_at DESC, id DESC LIMIT 1)sql";
 
 constexpr const char* kShow = R"sql(
-UPDATE tracks SET result_id = ?2, bpm = ?3, key = ?4, confidence = ?5, is_corrected = ?6
+UPDATE tracks SET result_id = ?2, bpm = ?3, key = ?4, confidence = ?5,
+    is_corrected = EXISTS (SELECT 1 FROM corrections WHERE track_id = ?1)
 WHERE id = ?1)sql";
 
 constexpr const char* kRead = R"sql(
@@ -79,7 +81,7 @@ std::string bytesOf(const AudioHash& hash) {
 AudioHash hashOf(const std::string& bytes) {
     AudioHash hash{};
     if (bytes.size() != hash.size())
-        throw CatalogueError("the hash of a track in the catalogue is damaged");
+        throw DamagedRecord("the hash of a track in the catalogue is damaged");
     std::copy(bytes.begin(), bytes.end(), hash.begin());
     return hash;
 }
@@ -88,7 +90,7 @@ std::vector<std::string> warningsOf(const std::string& text) {
     try {
         return nlohmann::json::parse(text).get<std::vector<std::string>>();
     } catch (const nlohmann::json::exception&) {
-        throw CatalogueError("the warnings of a result in the catalogue are damaged");
+        throw DamagedRecord("the warnings of a result in the catalogue are damaged");
     }
 }
 
@@ -231,17 +233,21 @@ struct TrackStore::Statements {
     SQLite::Statement read;
 };
 
-TrackStore::TrackStore(const Catalogue& catalogue)
-    : catalogue_(catalogue), statements_(std::make_unique<Statements>(catalogue.database())) {}
+TrackStore::TrackStore(const Catalogue& catalogue) : catalogue_(catalogue) {
+    statements_ = guarded(catalogue.path(),
+                          [&] { return std::make_unique<Statements>(catalogue.database()); });
+}
 
 TrackStore::~TrackStore() = default;
 
 std::optional<TrackStore::Id> TrackStore::find(const std::string& path) {
-    SQLite::Statement& find = statements_->find;
-    const ResetAfter reset(find);
-    bindBytes(find, 1, path);
-    if (!find.executeStep()) return std::nullopt;
-    return find.getColumn(0).getInt64();
+    return guarded(catalogue_.path(), [&]() -> std::optional<Id> {
+        SQLite::Statement& find = statements_->find;
+        const ResetAfter reset(find);
+        bindBytes(find, 1, path);
+        if (!find.executeStep()) return std::nullopt;
+        return find.getColumn(0).getInt64();
+    });
 }
 
 TrackStore::Id TrackStore::putTrack(const TrackRow& track) {
@@ -348,16 +354,17 @@ void TrackStore::refresh(Id track) {
     bindReal(show, 3, shown.bpm);
     bindInteger(show, 4, shown.key);
     bindReal(show, 5, shown.confidence);
-    show.bind(6, edits.empty() ? 0 : 1);
     execute(show);
 }
 
 std::optional<TrackStore::Dated> TrackStore::read(Id track) {
-    SQLite::Statement& read = statements_->read;
-    const ResetAfter reset(read);
-    read.bind(1, track);
-    if (!read.executeStep()) return std::nullopt;
-    return readRow(read);
+    return guarded(catalogue_.path(), [&]() -> std::optional<Dated> {
+        SQLite::Statement& read = statements_->read;
+        const ResetAfter reset(read);
+        read.bind(1, track);
+        if (!read.executeStep()) return std::nullopt;
+        return readRow(read);
+    });
 }
 
 std::vector<TrackStore::Dated> TrackStore::readAll(Id track) {
@@ -370,9 +377,11 @@ std::vector<TrackStore::Dated> TrackStore::readAll(Id track) {
 }
 
 bool TrackStore::isGone(Id track) const {
-    SQLite::Statement select(catalogue_.database(), "SELECT is_gone FROM tracks WHERE id = ?1");
-    select.bind(1, track);
-    return select.executeStep() && select.getColumn(0).getInt() != 0;
+    return guarded(catalogue_.path(), [&] {
+        SQLite::Statement select(catalogue_.database(), "SELECT is_gone FROM tracks WHERE id = ?1");
+        select.bind(1, track);
+        return select.executeStep() && select.getColumn(0).getInt() != 0;
+    });
 }
 
 std::int64_t secondsNow() {

@@ -12,8 +12,9 @@
 
 namespace catalogue {
 
-/** Reads and writes tracks and results, a row at a time. Every call may throw SQLite::Exception;
- *  transactions are the caller's. */
+/** Reads and writes tracks and results, a row at a time. find(), read() and isGone() throw
+ *  CatalogueError where the database fails, all else SQLite::Exception; transactions are the
+ *  caller's. */
 class TrackStore {
 public:
     using Id = std::int64_t;
@@ -43,7 +44,7 @@ public:
     void refresh(Id track);
 
     /** The track and its newest result; nothing where there is none.
-     *  @throws CatalogueError when what is stored is damaged */
+     *  @throws DamagedRecord when what is stored is damaged */
     std::optional<Dated> read(Id track);
 
     /** The track with each of its results, the newest first. @throws as read() */

@@ -57,7 +57,7 @@ std::int64_t hundredthsOf(double bpm) {
 Form readForm(BlobReader& in) {
     const std::uint8_t form = in.byte();
     if (form > static_cast<std::uint8_t>(Form::whole))
-        throw CatalogueError("a blob in the catalogue is damaged");
+        throw DamagedRecord("a blob in the catalogue is damaged");
     return static_cast<Form>(form);
 }
 

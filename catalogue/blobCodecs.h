@@ -11,7 +11,7 @@ namespace catalogue {
 
 /** @name Lists of a result as blobs, and back to the bit
  *  The layouts are described in docs/catalogue.md. An empty list is an empty blob. Decoding throws
- *  CatalogueError for bytes that no encoder writes.
+ *  DamagedRecord for bytes that no encoder writes.
  *  @{ */
 
 /** @param rate  of the frames, Hz */

@@ -96,7 +96,7 @@ Json keyJson(const Key& key) {
 int keyNumber(const Json& json) {
     const int number = json.get<int>();
     if (number < 0 || number >= beatatlas::track::kKeyCount)
-        throw CatalogueError("a key in the catalogue is damaged");
+        throw DamagedRecord("a key in the catalogue is damaged");
     return number;
 }
 
@@ -147,7 +147,7 @@ void readDetails(const std::string& text, base::TrackSource& file, TrackResult& 
         if (result.key) readKey(json.at("key"), *result.key);
         if (json.contains("sessionKey")) result.sessionKey = sessionKeyOf(json["sessionKey"]);
     } catch (const Json::exception&) {
-        throw CatalogueError("the details of a result in the catalogue are damaged");
+        throw DamagedRecord("the details of a result in the catalogue are damaged");
     }
 }
 

@@ -13,7 +13,7 @@ namespace catalogue {
 std::string detailsText(const base::TrackSource& file, const beatatlas::track::TrackResult& result);
 
 /** Back into a file's state and a result, all else of which is left as it is.
- *  @throws CatalogueError when the text is not one of detailsText() */
+ *  @throws DamagedRecord when the text is not one of detailsText() */
 void readDetails(const std::string& text, base::TrackSource& file,
                  beatatlas::track::TrackResult& result);
 

@@ -32,7 +32,7 @@ TempoMode modeOf(std::string_view name) {
     for (const auto& [mode, known] : kModes) {
         if (name == known) return mode;
     }
-    throw CatalogueError("the parameters of a result in the catalogue are damaged");
+    throw DamagedRecord("the parameters of a result in the catalogue are damaged");
 }
 
 }  // namespace
@@ -68,7 +68,7 @@ Options optionsOf(const std::string& parameters) {
         options.wantsWaves = json.at("waves").get<bool>();
         return options;
     } catch (const Json::exception&) {
-        throw CatalogueError("the parameters of a result in the catalogue are damaged");
+        throw DamagedRecord("the parameters of a result in the catalogue are damaged");
     }
 }
 

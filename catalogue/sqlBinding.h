@@ -44,10 +44,11 @@ private:
     SQLite::Statement& statement_;
 };
 
-/** Executes a statement that gives no rows and makes it ready for the next values. */
-inline void execute(SQLite::Statement& statement) {
+/** Executes a statement that gives no rows and makes it ready for the next values.
+ *  @return how many rows it changed */
+inline int execute(SQLite::Statement& statement) {
     const ResetAfter reset(statement);
-    statement.exec();
+    return statement.exec();
 }
 
 inline std::optional<double> realOf(const SQLite::Statement& statement, int column) {

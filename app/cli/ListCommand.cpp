@@ -10,6 +10,7 @@
 #include "base/Interrupt.h"
 #include "base/displayName.h"
 #include "base/errors.h"
+#include "catalogue/CatalogueError.h"
 #include "cli/bracketGuard.h"
 #include "cli/keyNotation.h"
 #include "cli/numberBetween.h"
@@ -70,6 +71,17 @@ std::string requireRange(const std::string& text) {
 std::string requireKey(const std::string& text) {
     if (output::KeyName::parse(text)) return {};
     return "takes a key such as 8A, 1m, \"A minor\", Am or F#, not " + text;
+}
+
+/** @param shown  its name in messages */
+beatatlas::track::TrackResult companionOf(const catalogue::Catalogue& catalogue,
+                                          catalogue::TrackStore::Id track,
+                                          const std::string& shown) {
+    try {
+        return readStored(catalogue, track).report.analysis;
+    } catch (const catalogue::DamagedRecord& damage) {
+        throw catalogue::CatalogueError(shown + ": " + damage.what());
+    }
 }
 
 /** Gathers lines, so that a long list is not written line by line. */
@@ -182,7 +194,7 @@ void ListCommand::settleCompanion(const catalogue::Catalogue& catalogue) {
     const auto track = findStored(store, name);
     const std::string shown = base::displayName(name);
     if (!track) throw base::UsageError(shown + " is neither a key nor in the catalogue");
-    const beatatlas::track::TrackResult found = readStored(catalogue, *track).report.analysis;
+    const beatatlas::track::TrackResult found = companionOf(catalogue, *track, shown);
     if (!found.key && !found.bpm) throw base::UsageError(shown + " has neither a key nor a tempo");
     if (found.key) query_.keys = catalogue::compatibleKeys(found.key->best());
     if (found.bpm)

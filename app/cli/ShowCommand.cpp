@@ -4,7 +4,6 @@
 #include <CLI/CLI.hpp>
 
 #include "base/errors.h"
-#include "catalogue/CatalogueError.h"
 #include "cli/keyNotation.h"
 #include "cli/storedTrack.h"
 #include "cli/toolVersion.h"
@@ -33,18 +32,13 @@ void ShowCommand::begin(ResultStream& results) {
 
 void ShowCommand::handle(const catalogue::Catalogue& catalogue, const std::string& file,
                          ResultStream& /*results*/) {
-    try {
-        catalogue::TrackStore store(catalogue);
-        const auto track = findStored(store, file);
-        if (!track) throw base::TrackError("is not in the catalogue");
-        StoredTrack stored = readStored(catalogue, *track);
-        stored.report.path = file;
-        stored.report.keyNotation = keyNotation_;
-        writer_->add(
-            output::StoredEntry(std::move(stored.report), std::move(stored.note), withWaves_));
-    } catch (const catalogue::CatalogueError& error) {
-        throw base::TrackError(error.what());
-    }
+    catalogue::TrackStore store(catalogue);
+    const auto track = findStored(store, file);
+    if (!track) throw base::TrackError("is not in the catalogue");
+    StoredTrack stored = readStored(catalogue, *track);
+    stored.report.path = file;
+    stored.report.keyNotation = keyNotation_;
+    writer_->add(output::StoredEntry(std::move(stored.report), std::move(stored.note), withWaves_));
 }
 
 }  // namespace app

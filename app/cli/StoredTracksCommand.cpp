@@ -5,6 +5,7 @@
 
 #include "base/Interrupt.h"
 #include "base/errors.h"
+#include "catalogue/CatalogueError.h"
 #include "cli/bracketGuard.h"
 #include "cli/messages.h"
 
@@ -31,13 +32,18 @@ ExitCode StoredTracksCommand::run(ResultStream& results) {
 
 bool StoredTracksCommand::attempt(const catalogue::Catalogue& catalogue, const std::string& file,
                                   ResultStream& results) {
+    const auto fail = [&](const char* reason) {
+        printFileError(file, reason);
+        addFailure(file, reason);
+        return false;
+    };
     try {
         handle(catalogue, file, results);
         return true;
     } catch (const base::TrackError& error) {
-        printFileError(file, error.what());
-        addFailure(file, error.what());
-        return false;
+        return fail(error.what());
+    } catch (const catalogue::DamagedRecord& damage) {
+        return fail(damage.what());
     }
 }
 

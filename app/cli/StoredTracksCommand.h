@@ -26,7 +26,8 @@ protected:
 
     virtual void begin(ResultStream& /*results*/) {}
 
-    /** Does the work for one file. @throws TrackError with the reason why it cannot be done */
+    /** Does the work for one file. @throws TrackError, DamagedRecord with the reason why it
+     *  cannot be done */
     virtual void handle(const catalogue::Catalogue& catalogue, const std::string& file,
                         ResultStream& results) = 0;
 

@@ -59,7 +59,7 @@ std::string correctionText(const catalogue::Edit& edit) {
 StoredTrack readStored(const catalogue::Catalogue& catalogue, catalogue::TrackStore::Id track) {
     catalogue::TrackStore store(catalogue);
     const auto newest = store.read(track);
-    if (!newest) throw catalogue::CatalogueError("has no result in the catalogue");
+    if (!newest) throw catalogue::DamagedRecord("has no result in the catalogue");
     const catalogue::WholeTrack whole = wholeTrack(newest->analysed);
     const std::vector<catalogue::Edit> edits = catalogue::Corrections(catalogue).of(track);
     StoredTrack stored;

@@ -27,7 +27,7 @@ struct StoredTrack {
     output::StoredNote note;
 };
 
-/** @throws CatalogueError when what is stored is damaged or has gone */
+/** @throws DamagedRecord when what is stored is damaged or has gone; CatalogueError */
 StoredTrack readStored(const catalogue::Catalogue& catalogue, catalogue::TrackStore::Id track);
 
 }  // namespace app

@@ -30,6 +30,9 @@ void FileGathering::add(const std::string& name) {
 }
 
 void FileGathering::addPath(const std::string& path) {
+    // The system would take what stands before the NUL for the whole name.
+    if (path.find('\0') != std::string::npos)
+        return refused_(path, "cannot be opened: no file has a NUL in its name");
     struct stat status = {};
     if (stat(path.c_str(), &status) != 0)
         return refused_(path, "cannot be opened: " + base::systemReason(errno));

@@ -70,7 +70,7 @@ WorkerProcess::WorkerProcess(const WorkerOrders& orders) {
 }
 
 WorkerProcess::~WorkerProcess() {
-    if (process_ != -1) end();
+    if (process_ != -1) stop();
     close(orders_);
     close(answers_);
 }
@@ -95,11 +95,16 @@ std::optional<WorkerAnswer> WorkerProcess::take() {
     return frame ? std::optional(answerOf(*frame)) : std::nullopt;
 }
 
-std::string WorkerProcess::end() {
+std::optional<int> WorkerProcess::stop() {
     // One that has ended by itself is past being killed, and keeps its own reason.
     kill(process_, SIGKILL);
     const auto status = wait();
     process_ = -1;
+    return status;
+}
+
+std::string WorkerProcess::end() {
+    const auto status = stop();
     if (!status) return "cannot be ended";
     if (!WIFSIGNALED(*status)) return fmt::format("ended with status {}", WEXITSTATUS(*status));
     const int number = WTERMSIG(*status);

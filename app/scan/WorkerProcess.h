@@ -36,6 +36,7 @@ public:
     std::string end();
 
 private:
+    std::optional<int> stop();
     std::optional<int> wait() const;
 
     pid_t process_ = -1;

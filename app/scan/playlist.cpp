@@ -31,8 +31,9 @@ constexpr const char* kWestern = "WINDOWS-1252";
 // Longer than the lists of whole libraries; what is longer is none.
 constexpr std::size_t kMostBytes = std::size_t{256} << 20U;
 
-/** As UTF-8; what the encoding does not know becomes a question mark. */
-std::string toUtf8(std::string_view text, const char* encoding) {
+/** As UTF-8; what the encoding does not know becomes a question mark.
+ *  @param unit  bytes of the encoding's smallest character, over which what is unknown is left */
+std::string toUtf8(std::string_view text, const char* encoding, std::size_t unit) {
     void* converter = iconv_open("UTF-8", encoding);
     if (reinterpret_cast<std::intptr_t>(converter) == -1) return std::string(text);
     std::string bytes(text);
@@ -42,11 +43,11 @@ std::string toUtf8(std::string_view text, const char* encoding) {
     char* out = converted.data();
     std::size_t outLeft = converted.size();
     while (inLeft > 0 && iconv(converter, &in, &inLeft, &out, &outLeft) == std::size_t(-1)) {
-        if (errno == E2BIG || errno == EINVAL) break;
+        if (errno == E2BIG || errno == EINVAL || inLeft < unit) break;
         *out++ = '?';
-        ++in;
+        in += unit;
         --outLeft;
-        --inLeft;
+        inLeft -= unit;
     }
     iconv_close(converter);
     converted.resize(converted.size() - outLeft);
@@ -67,8 +68,8 @@ std::string readWhole(const std::string& path) {
 std::string textOf(const std::string& bytes) {
     const std::string_view view = bytes;
     if (view.starts_with(kUtf8Mark)) return std::string(view.substr(kUtf8Mark.size()));
-    if (view.starts_with(kLittleMark)) return toUtf8(view.substr(2), "UTF-16LE");
-    if (view.starts_with(kBigMark)) return toUtf8(view.substr(2), "UTF-16BE");
+    if (view.starts_with(kLittleMark)) return toUtf8(view.substr(2), "UTF-16LE", 2);
+    if (view.starts_with(kBigMark)) return toUtf8(view.substr(2), "UTF-16BE", 2);
     return bytes;
 }
 
@@ -119,7 +120,7 @@ bool isAddress(std::string_view name) {
 
 /** The file that a name was most likely meant for; the name as it stands if none is there. */
 std::string fileNamed(const std::string& folder, const std::string& name) {
-    std::string western = base::isUtf8(name) ? name : toUtf8(name, kWestern);
+    std::string western = base::isUtf8(name) ? name : toUtf8(name, kWestern, 1);
     std::string slashed = western;
     std::replace(slashed.begin(), slashed.end(), '\\', '/');
     for (const std::string& meant : {name, western, slashed, withoutEscapes(slashed)}) {

@@ -54,7 +54,7 @@ bool hasMusicEnding(std::string_view path) {
 
 double usualSeconds(std::string_view path, std::int64_t bytes) {
     const MusicEnding* ending = endingOf(path);
-    // Nothing tells what the file is: most are pictures and texts, looked at and put aside.
+    // What the file is cannot be known: most are pictures and texts, looked at and put aside.
     return ending == nullptr ? 0.0 : static_cast<double>(bytes) / ending->bytesPerSecond;
 }
 

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "catalogue/correction/Corrections.h"
 
+#include <cmath>
+
 #include <SQLiteCpp/Database.h>
 #include <SQLiteCpp/Statement.h>
 #include <SQLiteCpp/Transaction.h>
@@ -17,9 +19,23 @@ constexpr const char* kOfTrack =
     "SELECT kind, value FROM corrections WHERE track_id = ?1 ORDER BY id";
 constexpr const char* kAdd =
     "INSERT INTO corrections (track_id, kind, value, made_at) VALUES (?1, ?2, ?3, ?4)";
-constexpr const char* kDropLast = R"sql(
-DELETE FROM corrections
-WHERE id = (SELECT id FROM corrections WHERE track_id = ?1 ORDER BY id DESC LIMIT 1))sql";
+constexpr const char* kFromLast =
+    "SELECT kind, value, id FROM corrections WHERE track_id = ?1 ORDER BY id DESC";
+constexpr const char* kDrop = "DELETE FROM corrections WHERE id = ?1";
+
+// More than any seconds, milliseconds, BPM and keys.
+constexpr double kMostValue = 1.0e6;
+
+/** Nothing for a kind or a value that this program does not know: it can neither show nor apply
+ *  it, and leaves it alone. */
+std::optional<Edit> editOf(const SQLite::Statement& row) {
+    const auto kind = editKindOf(row.getColumn(0).getString());
+    const double value = row.getColumn(1).getDouble();
+    if (!kind || !(std::abs(value) <= kMostValue)) return std::nullopt;
+    const bool isNoKey = value < 0.0 || value >= beatatlas::track::kKeyCount;
+    if (*kind == EditKind::key && isNoKey) return std::nullopt;
+    return Edit{*kind, value};
+}
 
 }  // namespace
 
@@ -29,9 +45,7 @@ std::vector<Edit> Corrections::of(std::int64_t trackId) const {
         SQLite::Statement select(catalogue_.database(), kOfTrack);
         select.bind(1, trackId);
         while (select.executeStep()) {
-            // A kind that this program does not know is none that it can apply.
-            if (const auto kind = editKindOf(select.getColumn(0).getString()))
-                edits.push_back({*kind, select.getColumn(1).getDouble()});
+            if (const auto edit = editOf(select)) edits.push_back(*edit);
         }
         return edits;
     });
@@ -56,14 +70,18 @@ std::optional<Edit> Corrections::undo(std::int64_t trackId) {
     return guarded(catalogue_.path(), [&]() -> std::optional<Edit> {
         SQLite::Transaction transaction(catalogue_.database(),
                                         SQLite::TransactionBehavior::IMMEDIATE);
-        const std::vector<Edit> edits = of(trackId);
-        if (edits.empty()) return std::nullopt;
-        SQLite::Statement dropLast(catalogue_.database(), kDropLast);
-        dropLast.bind(1, trackId);
-        dropLast.exec();
+        SQLite::Statement fromLast(catalogue_.database(), kFromLast);
+        fromLast.bind(1, trackId);
+        std::optional<Edit> last;
+        while (!last && fromLast.executeStep()) last = editOf(fromLast);
+        if (!last) return std::nullopt;
+        SQLite::Statement drop(catalogue_.database(), kDrop);
+        drop.bind(1, fromLast.getColumn(2).getInt64());
+        drop.exec();
+        fromLast.reset();
         TrackStore(catalogue_).refresh(trackId);
         transaction.commit();
-        return edits.back();
+        return last;
     });
 }
 

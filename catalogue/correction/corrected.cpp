@@ -140,7 +140,7 @@ void laySteadyGrid(TrackResult& result, double bpm) {
     const double anchor = hadBeats ? result.beats[firstDownbeat(result.beats)].seconds : 0.0;
     const int bar = barLength(result.beats);
     const double interval = kSecondsPerMinute / bpm;
-    const auto before = static_cast<std::size_t>(std::floor(anchor / interval));
+    const auto before = static_cast<std::size_t>(std::max(std::floor(anchor / interval), 0.0));
     result.beats.clear();
     const double first = anchor - static_cast<double>(before) * interval;
     for (std::size_t i = 0;; ++i) {

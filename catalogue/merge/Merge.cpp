@@ -46,8 +46,7 @@ using Sources = std::vector<std::unique_ptr<MergeSource>>;
 class Draft {
 public:
     explicit Draft(std::string output) : output_(std::move(output)), path_(output_ + ".draft") {
-        if (fs::exists(output_))
-            throw CatalogueError(base::displayName(output_) + ": is there already");
+        requireFree();
         remove();
         catalogue_.emplace(path_, Catalogue::Access::create);
     }
@@ -61,8 +60,9 @@ public:
     const Catalogue& catalogue() const { return *catalogue_; }
 
     void finish() {
-        // The last one to close a catalogue takes its log over.
+        takeLogOver();
         catalogue_.reset();
+        requireFree();
         std::error_code failure;
         fs::rename(path_, output_, failure);
         if (failure)
@@ -71,6 +71,26 @@ public:
     }
 
 private:
+    /** A log that another catalogue of the name left behind would be taken for one of this. */
+    void requireFree() const {
+        std::error_code failure;
+        for (const char* ending : {"", "-wal", "-journal"}) {
+            if (fs::exists(output_ + ending, failure))
+                throw CatalogueError(base::displayName(output_ + ending) + ": is there already");
+        }
+    }
+
+    /** Closing would do it as well, but does not say when the disk has no room for it. */
+    void takeLogOver() {
+        guarded(output_, [&] {
+            SQLite::Statement statement(catalogue_->database(), "PRAGMA wal_checkpoint(TRUNCATE)");
+            const bool isDone = statement.executeStep() && statement.getColumn(0).getInt() == 0;
+            if (!isDone)
+                throw CatalogueError(base::displayName(path_) +
+                                     ": is being read by another program");
+        });
+    }
+
     void remove() const {
         std::error_code ignored;
         for (const char* ending : {"", "-wal", "-shm"}) fs::remove(path_ + ending, ignored);

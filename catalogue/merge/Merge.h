@@ -17,8 +17,8 @@ struct MergeCounts {
  *
  *  Of a track that several have, the file as it was last analysed counts, and of each set of
  *  parameters the newest result; corrections are kept. Where two catalogues hold corrections of a
- *  track that do not continue each other, the list with the newest edit wins, and it is told. The
- *  order of the catalogues makes no difference, nor does merging one of them twice.
+ *  track that do not continue each other, the list with the newest edit wins, and the other is
+ *  reported. The order of the catalogues makes no difference, nor does merging one of them twice.
  *
  *  @param output    appears whole or not at all; must not exist
  *  @param conflict  takes the path of each track of which corrections were left behind

@@ -5,6 +5,8 @@
 
 #include <SQLiteCpp/Database.h>
 
+#include "base/displayName.h"
+#include "catalogue/CatalogueError.h"
 #include "catalogue/sqlBinding.h"
 #include "catalogue/sqliteGuard.h"
 
@@ -39,7 +41,12 @@ std::optional<MergeTrack> MergeSource::takeTrack() {
         const std::int64_t id = tracks_.getColumn(0).getInt64();
         track.addedAt = tracks_.getColumn(2).getInt64();
         if (!tracks_.isColumnNull(3)) track.goneAt = tracks_.getColumn(3).getInt64();
-        track.results = store_.readAll(id);
+        try {
+            track.results = store_.readAll(id);
+        } catch (const DamagedRecord& damage) {
+            throw CatalogueError(base::displayName(catalogue_.path()) + ": " +
+                                 base::displayName(nextTrack_.value()) + ": " + damage.what());
+        }
         track.edits = editsOf(id);
     });
     stepTrack();

@@ -17,7 +17,7 @@ mkdir -p -- "$parts"
 # three times is something else.
 failed=0
 seq "$shares" | parallel --retries 3 --joblog "$parts/log" "$@" \
-    "$beatatlas scan --quiet --jobs 1 --wait --shard {}/$shares --catalogue ${parts@Q}/{}.sqlite -- ${music@Q}" ||
+    "${beatatlas@Q} scan --quiet --jobs 1 --wait --shard {}/$shares --catalogue ${parts@Q}/{}.sqlite -- ${music@Q}" ||
     failed=$?
 "$(dirname -- "$(realpath -- "${BASH_SOURCE[0]}")")/merge.sh" "$catalogue"
 exit "$failed"

@@ -9,6 +9,7 @@
 
 #include "catalogue/CatalogueError.h"
 #include "catalogue/StoredTracks.h"
+#include "catalogue/blobCodecs.h"
 #include "output/trackJson.h"
 #include "support/Reports.h"
 
@@ -82,6 +83,19 @@ TEST(Analysed, RefusesARateThatIsNone) {
     Analysed analysed = test::analysedTrack("/a", 1);
     analysed.track.format.sessionRate = 0;
     EXPECT_THROW(wholeTrack(analysed), CatalogueError);
+}
+
+TEST(Analysed, RefusesALengthAndBeatsThatNoTrackHas) {
+    for (const std::int64_t frames : {std::int64_t{-1}, std::int64_t{1} << 31}) {
+        Analysed analysed = test::analysedTrack("/a", 1);
+        analysed.track.frames = frames;
+        EXPECT_THROW(wholeTrack(analysed), DamagedRecord) << frames;
+    }
+    for (const double seconds : {std::numeric_limits<double>::quiet_NaN(), -1.0e300}) {
+        Analysed analysed = test::analysedTrack("/a", 1);
+        analysed.result.beats = encodeBeats({{seconds, 120.0, 0, 1}}, 44100);
+        EXPECT_THROW(wholeTrack(analysed), DamagedRecord) << seconds;
+    }
 }
 
 }  // namespace

@@ -6,6 +6,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <SQLiteCpp/Database.h>
+
 #include "catalogue/CatalogueError.h"
 #include "catalogue/StoredTracks.h"
 #include "catalogue/TrackStore.h"
@@ -261,6 +263,36 @@ TEST_F(CatalogueScan, LocksOutAnotherScanUntilItEnds) {
     EXPECT_NO_THROW(Scan(catalogue_, {kParameters, false, false}));
 }
 
+TEST_F(CatalogueScan, LocksOutAnotherScanByALinkToTheCatalogue) {
+    std::filesystem::create_symlink(folder_.file("c.sqlite"), music_.file("link"));
+    const Scan first(catalogue_, {kParameters, false, false});
+    Catalogue linked(music_.file("link"), Catalogue::Access::write);
+    EXPECT_THROW(Scan(linked, {kParameters, false, false}), ScanRunning);
+}
+
+TEST_F(CatalogueScan, LeavesATrackAsItWasWhereItsNewResultCannotBeWritten) {
+    put("/a", 1);
+    catalogue_.database().exec("CREATE TRIGGER fails BEFORE INSERT ON waves "
+                               "BEGIN SELECT RAISE(ABORT, 'no room'); END");
+    EXPECT_THROW(put("/a", 2), CatalogueError);
+    EXPECT_EQ(valueOf(catalogue_, "SELECT count(*) FROM results"), "1");
+    EXPECT_EQ(TrackStore(catalogue_).read(idOf("/a")).value().analysed.track.hash, soundOf(1));
+}
+
+TEST_F(CatalogueScan, EndsManyTracksAFewHundredAtATime) {
+    std::vector<Analysed> tracks;
+    for (int i = 0; i < 450; ++i)
+        tracks.push_back(analysedTrack(music_.file(std::to_string(i)), i % 256));
+    test::store(catalogue_, tracks);
+    catalogue_.database().exec("CREATE TRIGGER fails BEFORE DELETE ON tracks WHEN "
+                               "old.id = 450 BEGIN SELECT RAISE(ABORT, 'no more'); END");
+    Scan scan(catalogue_, {kParameters, false, false});
+    scan.settle();
+    EXPECT_THROW(scan.finish({music_.path()}, Scan::Pruning::all), CatalogueError);
+    const Catalogue reader(folder_.file("c.sqlite"), Catalogue::Access::read);
+    EXPECT_LT(std::stoi(valueOf(reader, "SELECT count(*) FROM tracks")), 450);
+}
+
 // While a scan looks around nobody waits for it.
 TEST_F(CatalogueScan, LetsOthersWriteUntilItHasSomethingToWrite) {
     put("/a", 1);
@@ -278,7 +310,8 @@ TEST_F(CatalogueScan, CommitsManyRecordsBeforeItEnds) {
     for (int i = 0; i < 250; ++i)
         scan.putFailure("/" + std::to_string(i), kState, {FailureKind::notAudio, ""});
     const Catalogue reader(folder_.file("c.sqlite"), Catalogue::Access::read);
-    EXPECT_EQ(valueOf(reader, "SELECT count(*) FROM failures"), "200");
+    // No more than 199 wait for the disk; fewer where the machine stood still meanwhile.
+    EXPECT_GE(std::stoi(valueOf(reader, "SELECT count(*) FROM failures")), 51);
 }
 
 TEST_F(CatalogueScan, KeepsNamesOfAnyBytes) {

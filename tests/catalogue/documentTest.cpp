@@ -22,7 +22,7 @@ using testing::HasSubstr;
 class CatalogueDocument : public testing::Test {
 protected:
     CatalogueDocument() {
-        test::store(catalogue_, {test::analysedTrack("/a", 1)});
+        test::store(catalogue_, {test::analysedTrack("/a", 1), test::analysedTrack("/copy", 1)});
         Scan scan(catalogue_, {"{}", false, false});
         scan.settle();
         scan.putFailure("/b", {}, {FailureKind::damaged, "is empty"});

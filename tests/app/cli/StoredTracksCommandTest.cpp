@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include <SQLiteCpp/Database.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
@@ -107,6 +108,21 @@ TEST_F(StoredTracks, AreNotCorrectedInWaysThatDoNotApply) {
                                                       {"--key", "X", "/music/a.mp3"},
                                                       {"--downbeat", "x", "/music/a.mp3"}})
         EXPECT_EQ(catalogued("correct", arguments).exitStatus, 2);
+}
+
+TEST_F(StoredTracks, ThatAreDamagedKeepNoneOfTheOthersFromBeingCorrected) {
+    {
+        const catalogue::Catalogue catalogue(path_, catalogue::Catalogue::Access::write);
+        catalogue.database().exec("UPDATE results SET details = '{' WHERE track_id = (SELECT id "
+                                  "FROM tracks WHERE CAST(path AS TEXT) = '/music/a.mp3')");
+    }
+    const ToolRun run = catalogued("correct", {"--double", "/music/a.mp3", "/music/gone.mp3"});
+    EXPECT_EQ(run.exitStatus, 1);
+    EXPECT_EQ(run.err, "beatatlas: /music/a.mp3: the details of a result in the catalogue are "
+                       "damaged\n");
+    EXPECT_THAT(run.out, StartsWith("/music/gone.mp3: doubled; now "));
+    EXPECT_THAT(catalogued("list", {"--compatible-with", "/music/a.mp3"}).err,
+                HasSubstr("/music/a.mp3: the details"));
 }
 
 TEST_F(StoredTracks, AreForgottenButForTheirCorrections) {

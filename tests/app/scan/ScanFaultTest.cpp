@@ -8,6 +8,7 @@
 #include <filesystem>
 #include <fstream>
 #include <random>
+#include <stdexcept>
 #include <thread>
 
 #include <gmock/gmock.h>
@@ -59,9 +60,11 @@ protected:
         return words;
     }
 
+    /** Never -1, by which a signal would go to every process there is. */
     pid_t workerOf(const RunningTool& tool) const {
         const auto readers = tool.awaitReaders(1, music_.path());
-        return readers.empty() ? -1 : readers.front();
+        if (readers.empty()) throw std::runtime_error("no worker has begun to read");
+        return readers.front();
     }
 
     /** What an undisturbed scan of the same files finds. */
@@ -85,6 +88,15 @@ TEST_F(ScanFaultTest, AWorkerThatIsKilledCostsItsFile) {
     EXPECT_EQ(runTool(oneJob()).err, told("0 tracks analysed, 3 known"));
     EXPECT_EQ(runTool(oneJob({"--retry-failed"})).exitStatus, 0);
     EXPECT_EQ(stored_.content(), undisturbed());
+}
+
+TEST_F(ScanFaultTest, TheEndOfAWorkerIsSeenWhereTheCallerIgnoresChildren) {
+    RunningTool::Limits limits;
+    limits.ignoresChildren = true;
+    RunningTool tool(oneJob(), "", limits);
+    kill(workerOf(tool), SIGKILL);
+    EXPECT_EQ(tool.wait(), 1);
+    EXPECT_THAT(tool.err(), HasSubstr("its worker was killed by signal 9 (Killed)"));
 }
 
 TEST_F(ScanFaultTest, AWorkerThatStandsStillIsEndedAtTheTimeLimit) {

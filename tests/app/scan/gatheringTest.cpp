@@ -9,9 +9,11 @@
 
 #include "base/errors.h"
 #include "io/absolutePath.h"
+#include "scan/FileGathering.h"
 #include "scan/FolderWalk.h"
 #include "scan/NameList.h"
 #include "scan/Shard.h"
+#include "scan/fileState.h"
 #include "scan/playlist.h"
 #include "scan/usualLength.h"
 #include "support/TemporaryFolder.h"
@@ -129,6 +131,14 @@ TEST_F(PlaylistTest, ReadsUtf16ByItsMark) {
     EXPECT_THAT(listed("l.m3u", little), ElementsAre(folder_.file("\xC3\xA9.mp3")));
 }
 
+TEST_F(PlaylistTest, ReadsUtf16BehindHalfACharacter) {
+    // Half of a pair, D800, then "a": one question mark, and the next character is whole again.
+    const std::string little("\xFF\xFE\0\xD8"
+                             "a\0\n\0b\0",
+                             10);
+    EXPECT_THAT(listed("l.m3u", little), ElementsAre(folder_.file("?a"), folder_.file("b")));
+}
+
 TEST_F(PlaylistTest, FindsFilesNamedInTheWesternCodePage) {
     make("caf\xC3\xA9.mp3");
     EXPECT_THAT(listed("l.m3u", "caf\xE9.mp3\n"), ElementsAre(folder_.file("caf\xC3\xA9.mp3")));
@@ -168,6 +178,34 @@ TEST_F(PlaylistTest, IsRecognisedByItsEnding) {
     for (const char* name : {"a.m3u", "a.M3U8", "/b/c.pls"}) EXPECT_TRUE(isPlaylist(name));
     for (const char* name : {"a.m3", "m3u", "a.pls.mp3"}) EXPECT_FALSE(isPlaylist(name));
     EXPECT_THROW(readPlaylist(folder_.file("none.m3u")), base::TrackError);
+}
+
+TEST_F(Gathering, RefusesANameWithANulInIt) {
+    make("a.mp3");
+    const std::string list = make("l.m3u", "a.mp3%00b.mp3\na.mp3\n");
+    std::vector<std::string> found;
+    FileGathering files(
+        {{}, {}, folder_.file("c.sqlite")},
+        [&](const std::string& path, const catalogue::FileState&, double) {
+            found.push_back(path);
+        },
+        [&](const std::string&, const std::string& reason) { refused_.push_back(reason); },
+        [](const std::string&, const std::string&) {});
+    files.add(list);
+    EXPECT_THAT(found, ElementsAre(folder_.file("a.mp3")));
+    EXPECT_THAT(refused_, ElementsAre("cannot be opened: no file has a NUL in its name"));
+}
+
+TEST(FileStateTest, TakesTimesBeyondWhatNanosecondsCanCount) {
+    struct stat status = {};
+    status.st_size = 7;
+    status.st_mtim = {1700000000, 5};
+    EXPECT_EQ(fileStateOf(status), (catalogue::FileState{7, 1700000000000000005}));
+    status.st_mtim = {-1, 5};
+    EXPECT_EQ(fileStateOf(status), (catalogue::FileState{7, -999999995}));
+    // 2^34 s in nanoseconds, less 2^64.
+    status.st_mtim = {std::int64_t{1} << 34, 0};
+    EXPECT_EQ(fileStateOf(status), (catalogue::FileState{7, -1266874889709551616}));
 }
 
 TEST(NameListTest, TakesLinesUnlessThereIsANul) {

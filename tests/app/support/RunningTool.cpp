@@ -58,6 +58,7 @@ RunningTool::RunningTool(const std::vector<std::string>& arguments, const std::s
             const struct rlimit limit = {most, most};
             setrlimit(RLIMIT_FSIZE, &limit);
         }
+        if (limits.ignoresChildren) std::signal(SIGCHLD, SIG_IGN);
         setenv("XDG_CONFIG_HOME", "/nonexistent", 1);
         becomeTool(arguments, out, err);
     }
@@ -87,7 +88,8 @@ std::vector<pid_t> RunningTool::awaitReaders(std::size_t count, const std::strin
 }
 
 void RunningTool::signal(int number) const {
-    kill(process_, number);
+    // To -1 a signal would go to every process there is.
+    if (process_ != -1) kill(process_, number);
 }
 
 int RunningTool::wait() {

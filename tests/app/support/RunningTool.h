@@ -11,13 +11,18 @@
 
 namespace test {
 
+/** What the tool finds when it is started. */
+struct ToolLimits {
+    /** Bytes that no file it writes may exceed. */
+    std::optional<long> fileSize;
+    /** Its caller ignores how its children end. */
+    bool ignoresChildren = false;
+};
+
 /** The tool while it runs, so that things can be done to it. It ends with this object. */
 class RunningTool {
 public:
-    struct Limits {
-        /** Bytes that no file it writes may exceed. */
-        std::optional<long> fileSize;
-    };
+    using Limits = ToolLimits;
 
     explicit RunningTool(const std::vector<std::string>& arguments, const std::string& input = "",
                          const Limits& limits = {});

@@ -4,6 +4,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <SQLiteCpp/Database.h>
+
 #include "catalogue/StoredTracks.h"
 #include "support/TemporaryFolder.h"
 
@@ -58,10 +60,15 @@ TEST_F(CatalogueCorrections, AreNotTouchedByAnAnalysis) {
 }
 
 // Another version may know more kinds of edits.
-TEST_F(CatalogueCorrections, ThatAreNotKnownAreLeftOut) {
-    valueOf(catalogue_, "INSERT INTO corrections (track_id, kind, value, made_at) "
-                        "VALUES (1, 'swing', 0.6, 0) RETURNING id");
-    EXPECT_THAT(corrections_.of(1), ElementsAre());
+TEST_F(CatalogueCorrections, ThatAreNotKnownAreLeftOutAndLeftAlone) {
+    corrections_.add(1, {EditKind::twice});
+    catalogue_.database().exec("INSERT INTO corrections (track_id, kind, value, made_at) VALUES "
+                               "(1, 'swing', 0.6, 0), (1, 'key', 24.0, 0), (1, 'bpm', 1e300, 0)");
+    EXPECT_THAT(corrections_.of(1), ElementsAre(Edit{EditKind::twice}));
+    EXPECT_EQ(corrections_.undo(1), Edit{EditKind::twice});
+    EXPECT_FALSE(corrections_.undo(1));
+    EXPECT_EQ(valueOf(catalogue_, "SELECT count(*) FROM corrections"), "3");
+    EXPECT_EQ(shown(), "120.0 12 0.5 1");
 }
 
 }  // namespace

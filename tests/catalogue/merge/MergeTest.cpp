@@ -1,11 +1,16 @@
 // SPDX-License-Identifier: MIT
 #include "catalogue/merge/Merge.h"
 
+#include <csignal>
+#include <filesystem>
+#include <fstream>
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <SQLiteCpp/Database.h>
 #include <SQLiteCpp/Statement.h>
+#include <sys/resource.h>
 
 #include "catalogue/CatalogueError.h"
 #include "catalogue/StoredTracks.h"
@@ -201,6 +206,51 @@ TEST_F(MergedCatalogues, ReplaceNoFileAndLeaveNoHalfOne) {
     EXPECT_THROW(merge({"a"}, "c"), CatalogueError);
     EXPECT_THAT(folder_.names(), Not(Contains("c")));
     EXPECT_THAT(folder_.names(), Not(Contains("c.draft")));
+}
+
+/** No file grows beyond so many bytes while this lives, as on a disk that is full then. */
+class FileSizeLimit {
+public:
+    explicit FileSizeLimit(rlim_t bytes) {
+        getrlimit(RLIMIT_FSIZE, &before_);
+        signal_ = std::signal(SIGXFSZ, SIG_IGN);
+        const struct rlimit limit = {bytes, before_.rlim_max};
+        setrlimit(RLIMIT_FSIZE, &limit);
+    }
+    ~FileSizeLimit() {
+        setrlimit(RLIMIT_FSIZE, &before_);
+        std::signal(SIGXFSZ, signal_);
+    }
+    FileSizeLimit(const FileSizeLimit&) = delete;
+    FileSizeLimit& operator=(const FileSizeLimit&) = delete;
+
+private:
+    struct rlimit before_ = {};
+    void (*signal_)(int) = nullptr;
+};
+
+TEST_F(MergedCatalogues, AreRefusedWhereTheDiskHasRoomForTheLogAlone) {
+    // 400 tracks of 30 KB make 12 MB; the log is taken over every 200 tracks, so that it would fit.
+    std::vector<Analysed> tracks;
+    for (int i = 0; i < 400; ++i) {
+        tracks.push_back(analysedTrack("/" + std::to_string(i), i % 256));
+        tracks.back().result.zoomWave.assign(30000, 'z');
+    }
+    make("a", tracks, 100);
+    {
+        const FileSizeLimit limit(9000000);
+        EXPECT_THROW(merge({"a"}, "whole"), CatalogueError);
+    }
+    EXPECT_FALSE(std::filesystem::exists(file("whole")));
+    EXPECT_EQ(merge({"a"}, "whole").tracks, 400);
+}
+
+TEST_F(MergedCatalogues, AreNotPutBesideTheLogOfAnotherThatWasThere) {
+    make("a", {analysedTrack("/1", 1)}, 100);
+    std::ofstream(file("whole-wal")) << "of a catalogue that somebody deleted";
+    EXPECT_THROW(merge({"a"}, "whole"), CatalogueError);
+    EXPECT_FALSE(std::filesystem::exists(file("whole")));
+    EXPECT_TRUE(std::filesystem::exists(file("whole-wal")));
 }
 
 }  // namespace
