@@ -36,7 +36,7 @@ public:
 
     /** A file that may be a track. The same path twice counts once.
      *  @param path    absolute, any bytes
-     *  @param weight  by which the work is ordered, the heaviest first: about the seconds it takes */
+     *  @param weight  by which the work is ordered, the heaviest first: about its seconds of work */
     void found(const std::string& path, const FileState& state, double weight);
 
     struct Counts {

@@ -212,9 +212,9 @@ void ScanCommand::finish(catalogue::Scan& scan, const FileGathering& files,
         scan.finish(sweptRoots(files, progress), prunes_ ? whenPruned : Pruning::none);
     progress.setGone(ending.gone, ending.pruned);
     if (prunes_ && ending.keptCorrected > 0 && !tracks_.isQuiet()) {
-        printError(output::counted(ending.keptCorrected, "track") +
-                   " that are gone were kept, since they have been corrected "
-                   "(--prune-corrected deletes them)");
+        printError("gone, but kept for the corrections: " +
+                   output::counted(ending.keptCorrected, "track") +
+                   " (--prune-corrected deletes such tracks)");
     }
 }
 

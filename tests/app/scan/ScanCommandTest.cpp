@@ -240,6 +240,12 @@ TEST_F(ScanCommandTest, RefusesWhatItCannotDo) {
     EXPECT_THAT(place_.names(), IsEmpty());
 }
 
+TEST_F(ScanCommandTest, TakesAnEmptyNameForNoFolder) {
+    const ToolRun run = scan({""});
+    EXPECT_EQ(run.exitStatus, 1);
+    EXPECT_THAT(run.err, HasSubstr("cannot be opened: No such file or directory"));
+}
+
 TEST_F(ScanCommandTest, KeepsTheUsersCatalogueInTheFolderForData) {
     addTrack("a.wav");
     setenv("XDG_DATA_HOME", place_.path().c_str(), 1);
