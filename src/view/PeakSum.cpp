@@ -43,8 +43,8 @@ void PeakSum::sumUpTo(std::int32_t to, const PeakRecords& records, bool ended, s
     }
 }
 
-/** Closes the slot, leaves those empty that passed without a peak, and opens the next: from there on
- *  all points are still 0. */
+/** Closes the slot, leaves those empty that passed without a peak, and opens the next: from there
+ *  on all points are still 0. */
 void PeakSum::closeSlot() {
     const float level = perHalfSecond(at(index_), chunksPerSlot_);
     std::fill_n(points_.begin() + index_, kPointsPerSlot, level);

@@ -74,8 +74,8 @@ TEST_F(BeatPhaseSearchTest, OfEqualSumsTheEarliestShiftStands) {
     EXPECT_EQ(phaseOf(envelope, 90.0F).start, kBeat + kLead - 5);
 }
 
-// At 90 BPM the first trial lies at lead − 81. A lower pulse further on does not take its place, and
-// it does not take that of a higher one right behind it.
+// At 90 BPM the first trial lies at lead − 81. A lower pulse further on does not take its place,
+// and it does not take that of a higher one right behind it.
 TEST_F(BeatPhaseSearchTest, FirstTrialCountsAtItsOwnPlace) {
     constexpr int kFirst = kBeat + kLead - 81;
     std::vector<std::int16_t> envelope = envelopeWith(kFirst, 100);

@@ -118,8 +118,8 @@ TEST_F(UnitEnvelopeMakerTest, BeatsBetweenTheKicksMoveByHalfABeat) {
 }
 
 // At 44.1 kHz the pulses are looked for 110 ms, 344.53 × 0.11 = 37.9 and so 38 values, after the
-// beats. At kicks every 194 values, the soft ones of which are no pulses, a quarter of a beat is 48:
-// beats 48 values late are on the pulses, at 49 they are not and move.
+// beats. At kicks every 194 values, the soft ones of which are no pulses, a quarter of a beat is
+// 48: beats 48 values late are on the pulses, at 49 they are not and move.
 TEST_F(UnitEnvelopeMakerTest, PulsesBelongToTheBeats110MsBeforeThem) {
     constexpr int kSlowRate = 44100;
     constexpr int kStep = 194 * 128;

@@ -97,9 +97,9 @@ TEST_F(KeyRankMakerTest, TheCuttingIntoBlocksDoesNotShow) {
         EXPECT_EQ(analyse(track, block), whole) << block;
 }
 
-// The input buffer holds back the windows of the ducking, 10 and 40 ms, and hands on 16384 frames at
-// a time: of this length a single one is left before the end. The analysis frame that ends at 16384
-// + 10 × 13229 = 148674, behind 9 × 16384 = 147456, hears it.
+// The input buffer holds back the windows of the ducking, 10 and 40 ms, and hands on 16384 frames
+// at a time: of this length a single one is left before the end. The analysis frame that ends at
+// 16384 + 10 × 13229 = 148674, behind 9 × 16384 = 147456, hears it.
 TEST_F(KeyRankMakerTest, ASingleFrameThatWaitsIsFilteredToo) {
     KeyTrack track = progression(7, 44100, 5);
     constexpr int kFrames = 441 + 1764 + 9 * 16384 + 1;
