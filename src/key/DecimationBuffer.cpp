@@ -15,8 +15,8 @@ void DecimationBuffer::create(int rate) {
     reset();
 }
 
+// What the buffer holds may stay: a frame is complete only when all of it is new.
 void DecimationBuffer::reset() {
-    if (samples_ != nullptr) std::fill_n(samples_.get(), kSamples, std::int16_t{0});
     position_ = 0;
 }
 

@@ -28,10 +28,9 @@ void AverageStrip::put(std::int64_t chunk, bool ended,
     if (average && index_ < kLoudPoints) add(*average);
 }
 
+// The points behind the one being filled are still 0.
 void AverageStrip::moveTo(int target) {
     at(index_) = perHalfSecond(at(index_), chunksPerPoint_);
-    const int end = std::min(target + 1, kLoudPoints);
-    std::fill(points_.begin() + index_ + 1, points_.begin() + end, 0.0F);
     index_ = target;
 }
 

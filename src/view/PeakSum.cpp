@@ -43,20 +43,15 @@ void PeakSum::sumUpTo(std::int32_t to, const PeakRecords& records, bool ended, s
     }
 }
 
-/** Closes the slot, leaves those empty that passed without a peak, and opens the next. */
+/** Closes the slot, leaves those empty that passed without a peak, and opens the next: from there
+ *  on all points are still 0. */
 void PeakSum::closeSlot() {
-    fillSlot(index_, perHalfSecond(at(index_), chunksPerSlot_));
+    const float level = perHalfSecond(at(index_), chunksPerSlot_);
+    std::fill_n(points_.begin() + index_, kPointsPerSlot, level);
     carry_ -= chunksPerSlot_;
     index_ += kPointsPerSlot;
-    for (; carry_ >= chunksPerSlot_ && index_ < kLoudPoints; index_ += kPointsPerSlot) {
-        fillSlot(index_, 0.0F);
+    for (; carry_ >= chunksPerSlot_ && index_ < kLoudPoints; index_ += kPointsPerSlot)
         carry_ -= chunksPerSlot_;
-    }
-    if (index_ < kLoudPoints) at(index_) = 0.0F;
-}
-
-void PeakSum::fillSlot(int first, float level) {
-    std::fill_n(points_.begin() + first, kPointsPerSlot, level);
 }
 
 }  // namespace beatatlas

@@ -33,7 +33,6 @@ private:
 
     void sumUpTo(std::int32_t to, const PeakRecords& records, bool ended, std::int64_t chunk);
     void closeSlot();
-    void fillSlot(int first, float level);
     float& at(int point) { return points_[static_cast<std::size_t>(point)]; }
 
     float chunksPerSlot_ = 0.0F;

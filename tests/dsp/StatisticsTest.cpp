@@ -50,6 +50,11 @@ TEST(MinVTest, IsTheLastValueBelowTheFirstNotTheMinimum) {
     EXPECT_EQ(min_v(v.data(), 4), 4.0F);
 }
 
+TEST(MinVTest, TheSecondValueIsLookedAt) {
+    std::vector<float> v{5.0F, 3.0F};
+    EXPECT_EQ(min_v(v.data(), 2), 3.0F);
+}
+
 TEST(MinVTest, IsTheFirstValueWhenNoneIsBelowIt) {
     std::vector<float> v{5.0F, 5.0F, 7.0F};
     EXPECT_EQ(min_v(v.data(), 3), 5.0F);

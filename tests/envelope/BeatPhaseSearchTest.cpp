@@ -74,6 +74,17 @@ TEST_F(BeatPhaseSearchTest, OfEqualSumsTheEarliestShiftStands) {
     EXPECT_EQ(phaseOf(envelope, 90.0F).start, kBeat + kLead - 5);
 }
 
+// At 90 BPM the first trial lies at lead − 81. A lower pulse further on does not take its place,
+// and it does not take that of a higher one right behind it.
+TEST_F(BeatPhaseSearchTest, FirstTrialCountsAtItsOwnPlace) {
+    constexpr int kFirst = kBeat + kLead - 81;
+    std::vector<std::int16_t> envelope = envelopeWith(kFirst, 100);
+    envelope[kFirst + 5] = 70;
+    EXPECT_EQ(phaseOf(envelope, 90.0F).start, kFirst);
+    envelope[kFirst + 1] = 101;
+    EXPECT_EQ(phaseOf(envelope, 90.0F).start, kFirst + 1);
+}
+
 // Levels that wrapped below 0 everywhere: the first trial is the best so far, not a sum of 0.
 TEST_F(BeatPhaseSearchTest, FirstTrialIsTheFirstBestEvenBelowZero) {
     std::vector<std::int16_t> envelope(2000, -100);

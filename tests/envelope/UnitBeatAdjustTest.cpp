@@ -101,6 +101,11 @@ TEST_F(UnitBeatAdjustTest, KeepsNineHundredSecondsOfALongerTrack) {
     EXPECT_EQ(adjust.level().size(), 899U * 12000U);
     for (int i = 0; i < 2; ++i) feed(adjust, second, 30000);
     EXPECT_EQ(adjust.level().size(), 900U * 12000U);
+    // What begins less than four frames may still bring one sample, once.
+    for (int i = 0; i < 2; ++i) {
+        adjust.putSample(second.data(), 3);
+        EXPECT_EQ(adjust.level().size(), 900U * 12000U + 1U);
+    }
 }
 
 TEST_F(UnitBeatAdjustTest, ADeclaredLengthOfTheLargestIntIsTakenAsItComes) {

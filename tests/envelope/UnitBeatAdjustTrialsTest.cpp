@@ -122,6 +122,15 @@ TEST_F(UnitBeatAdjustTrialsTest, ATrialGridRunsFromTheFirstBeatToTheEndOfTheTrac
     EXPECT_GE(grid.back() + step, trials.length / 4);
 }
 
+// Trial 8 of a given 120 is 120 BPM itself, 6000 level samples a beat: beat 240 would lie at 3000 +
+// 240 × 6000 = 1443000, where the track ends.
+TEST_F(UnitBeatAdjustTrialsTest, ATrialGridHasNoBeatAtTheEndOfTheTrack) {
+    const Trials trials(0.0, 120 * kRate + 12000);
+    const std::vector<int>& grid = trials.adjust.grids()[8];
+    EXPECT_EQ(grid.size(), 240U);
+    EXPECT_EQ(grid.back(), 3000 + 239 * 6000);
+}
+
 /** A minute of kicks at 120 BPM; `given` beats at `bpm`. */
 struct Adopted {
     Adopted(float givenBpm, int given) : bpm(givenBpm) {

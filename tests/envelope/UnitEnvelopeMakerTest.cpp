@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include "envelope/PulsePeaks.h"
 #include "envelope/StereoFed.h"
 #include "envelope/kickTrack.h"
 #include "envelope/plainFilters.h"
@@ -114,6 +115,29 @@ TEST_F(UnitEnvelopeMakerTest, BeatsBetweenTheKicksMoveByHalfABeat) {
         worst = std::max(worst, std::fabs(offset));
     }
     EXPECT_LE(worst, 128.0);
+}
+
+// At 44.1 kHz the pulses are looked for 110 ms, 344.53 × 0.11 = 37.9 and so 38 values, after the
+// beats. At kicks every 194 values, the soft ones of which are no pulses, a quarter of a beat is
+// 48: beats 48 values late are on the pulses, at 49 they are not and move.
+TEST_F(UnitEnvelopeMakerTest, PulsesBelongToTheBeats110MsBeforeThem) {
+    constexpr int kSlowRate = 44100;
+    constexpr int kStep = 194 * 128;
+    constexpr int kFrames = 40 * kStep;
+    Stereo audio = kickTrack(kFrames, kSlowRate, regularFrames(0.0, 2.0 * kStep, kFrames));
+    for (const std::int64_t soft : regularFrames(kStep, 2.0 * kStep, kFrames))
+        addKick(audio, soft, kSlowRate, 5000.0);
+    for (const int late : {48, 49}) {
+        StereoFedUnitEnvelope maker;
+        maker.create(kSlowRate, kFrames);
+        feed(maker, audio, 588);
+        std::vector<std::int16_t> levels(maker.envelope().size());
+        const std::vector<int> pulses = retainPulsePeaks(maker.envelope(), levels);
+        const int first = (pulses[10] - 38 + late) % 194 * 128;
+        peakss::BeatList beats = beatsAt(regularFrames(first, kStep, kFrames), 563.08F);
+        maker.analyze(60.0F * kSlowRate / kStep, beats, false);
+        EXPECT_EQ(beats[20].pos % kStep == first, late == 48) << late;
+    }
 }
 
 TEST_F(UnitEnvelopeMakerTest, KeepPhaseNeverMovesTheGridButStillNumbersAndFillsIt) {

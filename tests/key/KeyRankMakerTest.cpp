@@ -97,6 +97,19 @@ TEST_F(KeyRankMakerTest, TheCuttingIntoBlocksDoesNotShow) {
         EXPECT_EQ(analyse(track, block), whole) << block;
 }
 
+// The input buffer holds back the windows of the ducking, 10 and 40 ms, and hands on 16384 frames
+// at a time: of this length a single one is left before the end. The analysis frame that ends at
+// 16384 + 10 × 13229 = 148674, behind 9 × 16384 = 147456, hears it.
+TEST_F(KeyRankMakerTest, ASingleFrameThatWaitsIsFilteredToo) {
+    KeyTrack track = progression(7, 44100, 5);
+    constexpr int kFrames = 441 + 1764 + 9 * 16384 + 1;
+    track.samples.resize(2 * std::size_t{kFrames});
+    begin(track, kFrames, 10 * 44100);
+    feed(track, 588);
+    const PlainKeyRank plain(track, {kFrames, 10 * 44100});
+    EXPECT_EQ(resultsOf(maker), plain.results());
+}
+
 /** A track at one rate with drums loud enough to be ducked, wide in stereo, of an uneven length. */
 KeyTrack drummedTrack(int rate) {
     beatatlas::test::TrackPlan plan;

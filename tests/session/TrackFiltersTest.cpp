@@ -176,6 +176,30 @@ TrackFilters filtersFor(int rate, const TrackFilters::Wanted& wanted) {
     return filters;
 }
 
+// A session of beats without a zoom wave wants no more than one of them.
+TEST_F(TrackFiltersTest, PulsesAndBassLineAreTheSameAloneAndInCompany) {
+    constexpr int kRate = 44100;
+    constexpr int kBlock = kRate / 75;
+    const Forms track(kRate, 6 * kRate);
+    const Analysers analysers(kRate, 6 * kRate);
+    const SecondOrderSection& pulses = analysers.unit.audioFilter();
+    const SecondOrderSection& bassLine = analysers.simple.audioFilter();
+    const SecondOrderSection& bass = analysers.zoom.bassFilter();
+    TrackFilters all = filtersFor(kRate, {true, &pulses, &bassLine, &bass});
+    TrackFilters pulsesAlone = filtersFor(kRate, {true, &pulses, nullptr, nullptr});
+    TrackFilters bassLineAlone = filtersFor(kRate, {true, nullptr, &bassLine, nullptr});
+    for (int at = 0; at + kBlock <= 6 * kRate; at += kBlock) {
+        for (TrackFilters* filters : {&all, &pulsesAlone, &bassLineAlone})
+            filters->operate(track.mono.data() + at,
+                             track.stereo.data() + 2 * static_cast<std::size_t>(at), kBlock,
+                             nullptr);
+        for (int i = 0; i < kBlock; ++i) {
+            ASSERT_EQ(pulsesAlone.pulses()[i], all.pulses()[i]) << at + i;
+            ASSERT_EQ(bassLineAlone.bassLine()[i], all.bassLine()[i]) << at + i;
+        }
+    }
+}
+
 // Whatever else is filtered, or nothing else.
 TEST_F(TrackFiltersTest, BassIsTheSameAloneAndInCompany) {
     constexpr int kRate = 44100;

@@ -323,6 +323,24 @@ TEST_F(LoudViewMakerTest, TellsBassMelodyAndCymbalsApartByColor) {
     EXPECT_GT(count(285, 5), 90);  // no bass, highs as strong as the middle
 }
 
+// Bass pulses in the first 5 s of a declared 10 minutes: a point takes 1.5 s, so the first ones are
+// finished and hold loud peaks of the low band alone.
+TEST_F(LoudViewMakerTest, ColorsFromTheVeryFirstPoint) {
+    Samples track = seconds(5.0);
+    for (std::size_t i = 0; i < track.size(); ++i) {
+        const double t = static_cast<double>(i) / kRate;
+        const double pulse = 0.6 * std::exp(-std::fmod(t, 0.5) * 4.0);
+        track[i] = static_cast<float>(pulse * std::sin(2.0 * kPi * 150.0 * t));
+    }
+    MonoFedView maker;
+    ASSERT_EQ(maker.create(kRate, 600 * kRate), 1);
+    feed(maker, track, kBlock);
+    ASSERT_EQ(maker.loudNum(), 2);
+    maker.analyzeLoudColor(0, maker.loudNum());
+    EXPECT_EQ(maker.loudWave()[0].color, 0);
+    EXPECT_EQ(maker.loudWave()[1].color, 0);
+}
+
 // The first 16 of 40 s, before the break: 16 s are point 160. The strips of sums close a slot only
 // with a peak, so they follow by up to one beat.
 TEST_F(LoudViewMakerTest, GrowsItsPointsInStepWithTheDeclaredLength) {

@@ -184,6 +184,13 @@ TEST_F(BeatInfoAnalyzerTest, ListEmptiedByTheCleanupGivesNoTempo) {
     EXPECT_EQ(result.trace.substr(result.trace.size() - last.size()), last);
 }
 
+// All candidates lie at the end of the track or behind it, so there is no beat to lay.
+TEST_F(BeatInfoAnalyzerTest, EvenGridWithoutABeatHasNoTempo) {
+    const Analysis result = analyzed(evenBeats(0, 24000, 10), 0, false);
+    EXPECT_EQ(result.bpm, 0.0F);
+    EXPECT_TRUE(result.beats.empty());
+}
+
 TEST_F(BeatInfoAnalyzerTest, NoContextGivesNoTempo) {
     BeatInfoAnalyzer analyzer;
     BeatList out{beatAt(-77)};

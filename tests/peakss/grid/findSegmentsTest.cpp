@@ -91,9 +91,10 @@ TEST_F(FindSegmentsTest, SegmentOpensAtAnEarlierBeatOfTheHalvedInterval) {
 }
 
 // 60000 / (16 + 400 + 0.5) = 144.06 and 60000 / (400 − 16 + 0.5) = 156.05: slots 144 to 155 are
-// near 150 BPM. 143 BPM is not, 155 BPM is.
+// near 150 BPM, 144 and 155 BPM among them, 143 and 156 BPM not.
 TEST_F(FindSegmentsTest, NearTempiReachFromTheToleranceBelowToTheOneAbove) {
-    for (const auto& [bpm, isNear] : {std::pair{143.0F, false}, std::pair{155.0F, true}}) {
+    for (const auto& [bpm, isNear] : {std::pair{143.0F, false}, std::pair{144.0F, true},
+                                      std::pair{155.0F, true}, std::pair{156.0F, false}}) {
         raw_.clear();
         end_ = 0;
         play(500.0F, 40);
@@ -102,7 +103,8 @@ TEST_F(FindSegmentsTest, NearTempiReachFromTheToleranceBelowToTheOneAbove) {
         const int regular = end_;
         play(400.0F, 40);
         EXPECT_EQ(positionsOf(peakss::findSegments(raw_, kRate)),
-                  (Positions{0, isNear ? change : regular}));
+                  (Positions{0, isNear ? change : regular}))
+            << bpm;
     }
 }
 

@@ -162,6 +162,14 @@ TEST_F(LayGridTest, LateReturnBehindAGapIsMeasuredInItsBar) {
     EXPECT_EQ(grid.lastAnchor, 40);
 }
 
+// Phrases of a single beat measure each beat by itself: 24000 up to the candidate at 24000, then
+// ((49000 − 23856) × 4 − 576) / 4 = 25000 up to the one that comes 1000 samples late, then 24000.
+TEST_F(LayGridTest, PhraseOfOneBeatMeasuresEveryBeat) {
+    const BeatList raw = beatsAt({0, 24000, 49000, 73000, 97000});
+    const LaidGrid grid = laid({fitted(0, 500.0F, 4, 0)}, raw, {1, 0, 0}, 97000);
+    EXPECT_EQ(positionsOf(grid.beats), (Positions{-144, 23856, 48856, 72856, 96856}));
+}
+
 // The same list in phrases of 32. The first ends at beat 32, 770000: ((770000 + 144) × 4 − 576) /
 // 128 = 24062.5 for beats 0 to 20. The window slides to beat 4 (96106) and ends at 866000:
 // 24054.6875 for beats 21 to 24, and so on:

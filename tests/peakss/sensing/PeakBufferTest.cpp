@@ -164,6 +164,14 @@ TEST_F(PeakBufferTest, SyncopatedBarTellsItsBeat) {
     EXPECT_EQ(buffer_.interval(), 500.0F);
 }
 
+// The same bar heard from a dotted quarter: 750 ms are 1.5 beats of 500, and 750 (3) and 500 (4)
+// fill the bar. As two beats of 375, 750 and 750 fill it too, but 500 does not agree with that.
+TEST_F(PeakBufferTest, NewestIntervalMayBeADottedQuarter) {
+    train_.peakAt(24000);
+    EXPECT_TRUE(train_.peaksAfterMs({750, 750, 500, 750, 750}));
+    EXPECT_EQ(buffer_.interval(), 500.0F);
+}
+
 // 700 ms fill the bar as four single beats and as two double ones of 350. A steady pulse agrees
 // with both to its very beginning.
 TEST_F(PeakBufferTest, EarlierReadingStaysWhenALaterOneIsEquallyConfirmed) {

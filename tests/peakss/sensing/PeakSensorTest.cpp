@@ -161,6 +161,19 @@ TEST_F(PeakSensorTest, LaterFallsLeaveFromTheLine) {
     EXPECT_NEAR(sensor_.line(), 0.4F, 1e-3F);
 }
 
+// Nothing is held after a reset: the first level, at 1, plans the first fall, of 24000 samples. The
+// later one, planned at 24002, rises to twice the line, which shows with the next level.
+TEST_F(PeakSensorTest, ResetPlansTheFirstFallWithTheFirstLevel) {
+    sensor_.setStep(1);
+    sensor_.setLimitLine(0.5F, 0.8F, 0.5F, 0.4F, 0.5F, 2.0F);
+    put(1.0F);
+    sensor_.reset(0);
+    silenceUntil(24002);
+    EXPECT_EQ(sensor_.line(), 0.001F);
+    put(0.0F);
+    EXPECT_GT(sensor_.line(), 0.001F);
+}
+
 TEST_F(PeakSensorTest, LineNeverStaysBelowTheFloor) {
     put(0.0011F);  // line at 0.000825, already below
     EXPECT_LT(sensor_.line(), 0.001F);
