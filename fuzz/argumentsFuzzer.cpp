@@ -118,8 +118,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t cou
     // The user's own settings are no part of an input.
     static const int unset = setenv("XDG_CONFIG_HOME", "/nonexistent", 1);
     // Nor is what its standard input may be.
-    static const int input = dup2(open("/dev/null", O_RDONLY | O_CLOEXEC), STDIN_FILENO);
-    require(unset == 0 && input == STDIN_FILENO, "surroundings");
+    static const int silence = dup2(open("/dev/null", O_RDONLY | O_CLOEXEC), STDIN_FILENO);
+    require(unset == 0 && silence == STDIN_FILENO, "surroundings");
     static const std::vector<std::string> words = likelyWords();
     static const int nowhere = open("/dev/null", O_WRONLY | O_CLOEXEC);
     const FuzzersRoundingMode mode;
