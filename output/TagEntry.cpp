@@ -8,6 +8,7 @@
 
 #include "base/displayName.h"
 #include "output/jsonParts.h"
+#include "output/textFormat.h"
 #include "output/textParts.h"
 #include "output/textSummary.h"
 
@@ -55,7 +56,7 @@ std::string diff(const TagChange& change, std::size_t width) {
 }
 
 Json textOrNull(const std::string& text, bool isThere) {
-    return isThere ? Json(base::isUtf8(text) ? text : base::displayName(text)) : Json(nullptr);
+    return isThere ? Json(utf8Text(text)) : Json(nullptr);
 }
 
 Json changeJson(const TagChange& change) {

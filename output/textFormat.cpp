@@ -3,8 +3,11 @@
 
 #include <algorithm>
 #include <cmath>
+#include <string_view>
 
 #include <fmt/format.h>
+
+#include "base/displayName.h"
 
 namespace output {
 
@@ -43,6 +46,23 @@ std::string bpmText(double bpm) {
 
 std::string counted(std::int64_t number, const std::string& noun) {
     return grouped(number) + " " + noun + (number == 1 ? "" : "s");
+}
+
+std::string utf8Text(const std::string& text) {
+    return base::isUtf8(text) ? text : base::displayName(text);
+}
+
+std::string fileAddress(const std::string& path) {
+    constexpr std::string_view kPlain = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ"
+                                        "0123456789-._~/";
+    std::string address = "file://";
+    for (const char letter : path) {
+        if (kPlain.find(letter) != std::string_view::npos)
+            address += letter;
+        else
+            address += fmt::format("%{:02X}", static_cast<unsigned char>(letter));
+    }
+    return address;
 }
 
 }  // namespace output

@@ -22,4 +22,11 @@ std::string bpmText(double bpm);
 /** "1 beat", "2 beats". */
 std::string counted(std::int64_t number, const std::string& noun);
 
+/** Any bytes as UTF-8: as they are if they are UTF-8, else as base::displayName() shows them. */
+std::string utf8Text(const std::string& text);
+
+/** The address of a file, for lines that cannot hold its name: "file:///a%20b". @param path
+ *  absolute, any bytes */
+std::string fileAddress(const std::string& path);
+
 }  // namespace output

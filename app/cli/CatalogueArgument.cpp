@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "cli/CatalogueArgument.h"
 
-#include <cstdlib>
 #include <filesystem>
 #include <system_error>
 
@@ -10,6 +9,7 @@
 #include "base/displayName.h"
 #include "base/errors.h"
 #include "cli/bracketGuard.h"
+#include "io/userFolder.h"
 
 namespace app {
 
@@ -17,21 +17,11 @@ namespace {
 
 namespace fs = std::filesystem;
 
-fs::path environmentFolder(const char* name) {
-    const char* value = std::getenv(name);
-    // A relative path is to be ignored, says the base directory specification.
-    return value != nullptr && fs::path(value).is_absolute() ? fs::path(value) : fs::path();
-}
-
 fs::path usersOwn() {
-    fs::path data = environmentFolder("XDG_DATA_HOME");
-    if (data.empty()) {
-        const fs::path home = environmentFolder("HOME");
-        if (home.empty())
-            throw base::UsageError("there is no home folder for a catalogue: name one with "
-                                   "--catalogue");
-        data = home / ".local" / "share";
-    }
+    const fs::path data = userFolder("XDG_DATA_HOME", ".local/share");
+    if (data.empty())
+        throw base::UsageError("there is no home folder for a catalogue: name one with "
+                               "--catalogue");
     return data / "beatatlas" / "catalogue.sqlite";
 }
 

@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdint>
-#include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <optional>
 #include <set>
@@ -18,6 +18,7 @@
 #include "base/errors.h"
 #include "cli/bracketGuard.h"
 #include "cli/suggestion.h"
+#include "io/userFolder.h"
 
 namespace app {
 
@@ -104,11 +105,8 @@ std::string contentOf(const std::string& path) {
 
 /** Empty where the system names no folder for it. */
 std::string usersOwnPath() {
-    const char* folder = std::getenv("XDG_CONFIG_HOME");
-    // The rule for these folders: a relative one counts as none.
-    if (folder != nullptr && *folder == '/') return std::string(folder) + "/beatatlas/config.ini";
-    const char* home = std::getenv("HOME");
-    return home == nullptr ? "" : std::string(home) + "/.config/beatatlas/config.ini";
+    const std::filesystem::path folder = userFolder("XDG_CONFIG_HOME", ".config");
+    return folder.empty() ? "" : (folder / "beatatlas" / "config.ini").string();
 }
 
 }  // namespace

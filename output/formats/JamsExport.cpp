@@ -14,7 +14,7 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-// The version of the specification whose fields these are.
+// The version of the format whose fields these are.
 constexpr const char* kJamsVersion = "0.3.4";
 
 Json observation(double time, double duration, Json value, Json confidence) {

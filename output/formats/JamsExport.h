@@ -8,8 +8,8 @@
 
 namespace output {
 
-/** JAMS, the JSON Annotated Music Specification: beats, tempo, keys and sections of one track as
- *  annotations in the namespaces beat, tempo, key_mode and segment_open.
+/** A JAMS document: beats, tempo, keys and sections of one track as annotations in the namespaces
+ *  beat, tempo, key_mode and segment_open.
  *
  *  Humphrey, Salamon, Nieto, Forsyth, Bittner, Bello, "JAMS: A JSON Annotated Music Specification
  *  for Reproducible MIR Research", ISMIR 2014. */

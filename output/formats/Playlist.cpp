@@ -10,6 +10,7 @@
 
 #include "base/displayName.h"
 #include "output/formats/trackNames.h"
+#include "output/textFormat.h"
 
 namespace output {
 
@@ -24,25 +25,12 @@ int placeOf(const std::optional<beatatlas::track::Key>& key) {
     return 2 * std::stoi(name.camelot()) + (name.isMinor() ? 0 : 1);
 }
 
-bool isPlain(char letter) {
-    constexpr std::string_view kPlain = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ"
-                                        "0123456789-._~/";
-    return kPlain.find(letter) != std::string_view::npos;
-}
-
 /** A line of a playlist holds neither line breaks nor bytes that are no UTF-8: such a name is
  *  written as an address. */
 std::string placeInPlaylist(const std::string& path) {
     std::string whole = std::filesystem::absolute(path).lexically_normal().string();
     if (base::isUtf8(whole) && whole.find_first_of("\r\n") == std::string::npos) return whole;
-    std::string address = "file://";
-    for (const char letter : whole) {
-        if (isPlain(letter))
-            address += letter;
-        else
-            address += fmt::format("%{:02X}", static_cast<unsigned char>(letter));
-    }
-    return address;
+    return fileAddress(whole);
 }
 
 }  // namespace

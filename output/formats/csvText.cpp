@@ -5,8 +5,6 @@
 
 namespace output {
 
-namespace {
-
 std::string csvField(const std::string& text) {
     if (text.find_first_of(",\"\n\r") == std::string::npos) return text;
     std::string quoted = "\"";
@@ -16,8 +14,6 @@ std::string csvField(const std::string& text) {
     }
     return quoted + "\"";
 }
-
-}  // namespace
 
 std::string csvLine(const std::vector<std::string>& fields) {
     std::string line;

@@ -10,6 +10,7 @@
 #include <nlohmann/json.hpp>
 
 #include "base/displayName.h"
+#include "output/formats/csvText.h"
 #include "output/jsonParts.h"
 #include "output/textFormat.h"
 #include "output/textParts.h"
@@ -19,11 +20,6 @@ namespace output {
 namespace {
 
 using Json = nlohmann::ordered_json;
-
-/** Text of a file's tags, which need not be what it should. */
-std::string cleanText(const std::string& text) {
-    return text.empty() || base::isUtf8(text) ? text : base::displayName(text);
-}
 
 class TableList : public ListWriter {
 public:
@@ -69,8 +65,8 @@ public:
 
     void add(const base::ListedTrack& entry) override {
         Json json = nameJson(entry.path);
-        json["artist"] = cleanText(entry.artist);
-        json["title"] = cleanText(entry.title);
+        json["artist"] = utf8Text(entry.artist);
+        json["title"] = utf8Text(entry.title);
         json["seconds"] = entry.seconds;
         json["bpm"] = entry.bpm ? Json(*entry.bpm) : Json(nullptr);
         json["key"] = entry.key ? keyNameJson(*entry.key) : Json(nullptr);
@@ -82,7 +78,7 @@ public:
 
     void add(const base::ListedFailure& entry) override {
         Json json = nameJson(entry.path);
-        json["error"] = cleanText(entry.reason);
+        json["error"] = utf8Text(entry.reason);
         json["kind"] = entry.kind;
         json["attempts"] = entry.attempts;
         write_(json.dump() + "\n");
@@ -101,8 +97,8 @@ public:
     }
 
     void add(const base::ListedTrack& entry) override {
-        writeRow({field(cleanText(entry.path)), field(cleanText(entry.artist)),
-                  field(cleanText(entry.title)), fmt::format("{}", entry.seconds),
+        writeRow({csvField(utf8Text(entry.path)), csvField(utf8Text(entry.artist)),
+                  csvField(utf8Text(entry.title)), fmt::format("{}", entry.seconds),
                   entry.bpm ? bpmText(*entry.bpm) : "",
                   entry.key ? KeyName(*entry.key).musical() : "",
                   entry.key ? KeyName(*entry.key).camelot() : "",
@@ -113,22 +109,11 @@ public:
     void beginFailures() override { write_("file,kind,reason,attempts\r\n"); }
 
     void add(const base::ListedFailure& entry) override {
-        writeRow({field(cleanText(entry.path)), field(entry.kind), field(cleanText(entry.reason)),
-                  fmt::format("{}", entry.attempts)});
+        writeRow({csvField(utf8Text(entry.path)), csvField(entry.kind),
+                  csvField(utf8Text(entry.reason)), fmt::format("{}", entry.attempts)});
     }
 
 private:
-    /** In quotes where it holds a comma, a quote or the end of a line. */
-    static std::string field(const std::string& text) {
-        if (text.find_first_of(",\"\r\n") == std::string::npos) return text;
-        std::string quoted = "\"";
-        for (const char character : text) {
-            if (character == '"') quoted += '"';
-            quoted += character;
-        }
-        return quoted + '"';
-    }
-
     void writeRow(std::initializer_list<std::string> fields) {
         write_(fmt::format("{}\r\n", fmt::join(fields, ",")));
     }
@@ -136,9 +121,9 @@ private:
     TextSink write_;
 };
 
-class Playlist : public ListWriter {
+class PlaylistList : public ListWriter {
 public:
-    explicit Playlist(TextSink write) : write_(std::move(write)) {}
+    explicit PlaylistList(TextSink write) : write_(std::move(write)) {}
 
     void beginTracks() override { write_("#EXTM3U\n"); }
 
@@ -164,14 +149,7 @@ private:
     static std::string placeOf(const std::string& path) {
         const bool isPlain = base::displayName(path) == path && path.starts_with('/');
         if (isPlain) return path;
-        std::string address = "file://";
-        for (const char character : path) {
-            const auto byte = static_cast<unsigned char>(character);
-            const bool isSafe = (byte < 128 && std::isalnum(byte) != 0) ||
-                                std::string_view("/-._~").find(character) != std::string_view::npos;
-            address += isSafe ? std::string(1, character) : fmt::format("%{:02X}", byte);
-        }
-        return address;
+        return fileAddress(path);
     }
 
     TextSink write_;
@@ -187,7 +165,7 @@ std::unique_ptr<ListWriter> makeListWriter(ListFormat format, TextSink write,
     case ListFormat::csv:
         return std::make_unique<CsvList>(std::move(write));
     case ListFormat::playlist:
-        return std::make_unique<Playlist>(std::move(write));
+        return std::make_unique<PlaylistList>(std::move(write));
     case ListFormat::table:
         break;
     }
