@@ -16,7 +16,7 @@ namespace {
 // Share of the whole work, when decoding has to end before the analysis can begin.
 constexpr double kDecodingShare = 0.5;
 
-using beatatlas::track::TrackResult;
+using beatatlas::track::TrackHandle;
 
 /** One progress bar for all of the work, whatever has to be repeated. */
 class WholeProgress {
@@ -44,9 +44,9 @@ private:
     double done_ = 0.0;
 };
 
-/** @return nothing when the track turns out to have another length */
-std::optional<TrackResult> attempt(const beatatlas::track::Options& wanted, FilePasses& passes,
-                                   std::int64_t frames, WholeProgress& progress) {
+/** @return null when the track turns out to have another length */
+TrackHandle attempt(const beatatlas::track::Options& wanted, FilePasses& passes,
+                    std::int64_t frames, WholeProgress& progress) {
     passes.expect(frames);
     progress.setSeconds(static_cast<double>(frames) / passes.rate());
     beatatlas::track::Options options = wanted;
@@ -54,10 +54,10 @@ std::optional<TrackResult> attempt(const beatatlas::track::Options& wanted, File
     options.progress = [&](double fraction) { progress.show(fraction); };
     const beatatlas::track::Source source{[&] { return passes.open(); }, passes.areCostly()};
     try {
-        return analyze(options, passes.rate(), frames, source);
+        return analyzeToHandle(options, passes.rate(), frames, source);
     } catch (const beatatlas::track::Error& error) {
         if (error.status() != BA_TRACK_WRONG_LENGTH) throw;
-        return std::nullopt;
+        return nullptr;
     }
 }
 
@@ -76,6 +76,11 @@ std::string wrongLengthNote(std::int64_t declared, std::int64_t found) {
 FileAnalysis::FileAnalysis(Options options) : options_(std::move(options)) {}
 
 AnalysedFile FileAnalysis::analyze(const std::string& path) const {
+    AnalysedTrack analysed = analyzeToHandle(path);
+    return {std::move(analysed.file), beatatlas::track::resultOf(analysed.track.get())};
+}
+
+AnalysedTrack FileAnalysis::analyzeToHandle(const std::string& path) const {
     // The session's key takes a second pass.
     FilePasses passes(path, {options_.effort, options_.track.tempo, options_.acceptsCutOff,
                              !options_.track.wantsSessionKey, options_.alongside,
@@ -83,20 +88,19 @@ AnalysedFile FileAnalysis::analyze(const std::string& path) const {
     WholeProgress progress(options_.progress);
     const auto declared = passes.declaredFrames();
     if (declared) {
-        if (auto result = attempt(options_.track, passes, *declared, progress))
-            return {passes.file(), std::move(*result)};
+        if (auto track = attempt(options_.track, passes, *declared, progress))
+            return {passes.file(), std::move(track)};
         progress.beginAgain();
     }
     awaitEnd(passes, progress);
     const std::int64_t frames = passes.frames();
     if (declared && frames != *declared && options_.note)
         options_.note(wrongLengthNote(*declared, frames));
-    auto result =
-        frames == declared ? std::nullopt : attempt(options_.track, passes, frames, progress);
-    if (!result)
+    auto track = frames == declared ? nullptr : attempt(options_.track, passes, frames, progress);
+    if (!track)
         throw base::TrackError(
             "did not give the same music twice: its decoder cannot be relied on");
-    return {passes.file(), std::move(*result)};
+    return {passes.file(), std::move(track)};
 }
 
 }  // namespace media

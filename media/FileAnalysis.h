@@ -17,6 +17,12 @@ struct AnalysedFile {
     beatatlas::track::TrackResult result;
 };
 
+/** The same, with the result as the C interface has it. */
+struct AnalysedTrack {
+    base::TrackSource file;
+    beatatlas::track::TrackHandle track;
+};
+
 /** From a file to everything that is known about its track.
  *
  *  The file is decoded once. The length that it states lets the analysis begin with the first
@@ -52,6 +58,7 @@ public:
     /** @throws TrackError with the reason why the track cannot be analysed, Interrupted,
      *          std::bad_alloc; whatever a callback throws */
     AnalysedFile analyze(const std::string& path) const;
+    AnalysedTrack analyzeToHandle(const std::string& path) const;
 
 private:
     Options options_;

@@ -257,6 +257,15 @@ private:
     int status_;
 };
 
+/** Frees a result of the C interface. */
+struct TrackRelease {
+    void operator()(BA_Track* track) const { BA_TrackRelease(track); }
+};
+
+/** A result of the C interface, for hosts that pass it on to its functions. Never null when it comes
+ *  from an analysis. */
+using TrackHandle = std::unique_ptr<BA_Track, TrackRelease>;
+
 /** Translates between the C interface and values; nothing here is for a host to call. */
 namespace detail {
 
@@ -335,11 +344,6 @@ inline BA_TrackOptions toOptions(const Options& options, Host& host) {
     return plain;
 }
 
-struct Release {
-    void operator()(BA_Track* track) const { BA_TrackRelease(track); }
-};
-using Track = std::unique_ptr<BA_Track, Release>;
-
 inline std::vector<Beat> beatsOf(const BA_Track* track) {
     std::vector<BA_TrackBeat> records(BA_TrackBeats(track, nullptr, 0));
     BA_TrackBeats(track, records.data(), records.size());
@@ -413,29 +417,30 @@ inline std::optional<SessionKey> sessionKeyOf(const BA_Track* track) {
     return ranking;
 }
 
+inline TrackHandle finish(int status, TrackHandle track, const ThrownByHost& thrown) {
+    thrown.rethrow();
+    if (status == BA_TRACK_NO_MEMORY) throw std::bad_alloc();
+    if (status != BA_TRACK_OK) throw Error(status);
+    return track;
+}
+
+}  // namespace detail
+
+/** Everything that a result of the C interface holds, in values. @param track  not null */
 inline TrackResult resultOf(const BA_Track* track) {
     TrackResult result;
     result.rate = BA_TrackRate(track);
     result.frames = BA_TrackFrames(track);
     if (const double bpm = BA_TrackBpm(track); bpm > 0.0) result.bpm = bpm;
-    result.beats = beatsOf(track);
-    result.judgement = judgementOf(track);
-    result.loudWave = waveOf(track, BA_TRACK_WAVE_LOUD);
-    result.dotsWave = waveOf(track, BA_TRACK_WAVE_DOTS);
-    result.zoomWave = waveOf(track, BA_TRACK_WAVE_ZOOM);
-    result.key = keyOf(track);
-    result.sessionKey = sessionKeyOf(track);
+    result.beats = detail::beatsOf(track);
+    result.judgement = detail::judgementOf(track);
+    result.loudWave = detail::waveOf(track, BA_TRACK_WAVE_LOUD);
+    result.dotsWave = detail::waveOf(track, BA_TRACK_WAVE_DOTS);
+    result.zoomWave = detail::waveOf(track, BA_TRACK_WAVE_ZOOM);
+    result.key = detail::keyOf(track);
+    result.sessionKey = detail::sessionKeyOf(track);
     return result;
 }
-
-inline TrackResult finish(int status, const Track& track, const ThrownByHost& thrown) {
-    thrown.rethrow();
-    if (status == BA_TRACK_NO_MEMORY) throw std::bad_alloc();
-    if (status != BA_TRACK_OK) throw Error(status);
-    return resultOf(track.get());
-}
-
-}  // namespace detail
 
 /** Analyses a track that is delivered piece by piece.
  *
@@ -444,8 +449,8 @@ inline TrackResult finish(int status, const Track& track, const ThrownByHost& th
  *  @throws Error for an argument out of range, for a source without a function to open it or with
  *          an empty pass, and for a source of another length; std::bad_alloc; and whatever the
  *          source or the progress function throws */
-inline TrackResult analyze(const Options& options, int rate, std::int64_t frames,
-                           const Source& source) {
+inline TrackHandle analyzeToHandle(const Options& options, int rate, std::int64_t frames,
+                                   const Source& source) {
     if (!source.open) throw Error(BA_TRACK_BAD_ARGUMENT, "The source has no function to open it.");
     detail::Host host{options, &source, {}};
     const BA_TrackOptions plainOptions = detail::toOptions(options, host);
@@ -454,20 +459,32 @@ inline TrackResult analyze(const Options& options, int rate, std::int64_t frames
         source.fewestPasses ? 1 : 0, 0};
     BA_Track* track = nullptr;
     const int status = BA_TrackAnalyze(&plainOptions, rate, frames, &plainSource, &track);
-    return detail::finish(status, detail::Track(track), host.thrown);
+    return detail::finish(status, TrackHandle(track), host.thrown);
+}
+
+/** The same, in values. */
+inline TrackResult analyze(const Options& options, int rate, std::int64_t frames,
+                           const Source& source) {
+    return resultOf(analyzeToHandle(options, rate, frames, source).get());
 }
 
 /** Analyses a track that lies in memory.
  *  @param left   `frames` samples, full scale ±1.0
  *  @param right  the same for the other channel
  *  @throws as for the other analyze() */
-inline TrackResult analyze(const Options& options, int rate, const float* left, const float* right,
-                           std::int64_t frames) {
+inline TrackHandle analyzeToHandle(const Options& options, int rate, const float* left,
+                                   const float* right, std::int64_t frames) {
     detail::Host host{options, nullptr, {}};
     const BA_TrackOptions plainOptions = detail::toOptions(options, host);
     BA_Track* track = nullptr;
     const int status = BA_TrackAnalyzeArrays(&plainOptions, rate, left, right, frames, &track);
-    return detail::finish(status, detail::Track(track), host.thrown);
+    return detail::finish(status, TrackHandle(track), host.thrown);
+}
+
+/** The same, in values. */
+inline TrackResult analyze(const Options& options, int rate, const float* left, const float* right,
+                           std::int64_t frames) {
+    return resultOf(analyzeToHandle(options, rate, left, right, frames).get());
 }
 
 }  // namespace beatatlas::track

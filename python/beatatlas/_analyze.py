@@ -1,0 +1,258 @@
+# SPDX-License-Identifier: MIT
+"""The analysis itself."""
+
+from __future__ import annotations
+
+import ctypes
+import os
+import threading
+from typing import Any, Callable, Optional, Union
+
+import numpy as np
+from numpy.typing import NDArray
+
+from . import _library
+from ._read import Handle, read_analysis
+from .analysis import Analysis
+from .errors import (
+    AnalysisError,
+    DamagedTrackError,
+    MissingFileError,
+    NotAudioError,
+    UnreadableFileError,
+)
+
+Source = Union[str, bytes, "os.PathLike[str]", "os.PathLike[bytes]", NDArray[Any]]
+Progress = Callable[[float], object]
+
+_MOST_CHANNELS = 64
+_ERRORS: dict[int, type[AnalysisError]] = {
+    _library.MISSING: MissingFileError,
+    _library.UNREADABLE: UnreadableFileError,
+    _library.NOT_AUDIO: NotAudioError,
+    _library.DAMAGED: DamagedTrackError,
+}
+
+
+def analyze(
+    source: Source,
+    rate: Optional[int] = None,
+    *,
+    tempo: str = "auto",
+    bpm_range: Optional[tuple[float, float]] = None,
+    beats_per_bar: Optional[int] = None,
+    section: int = 32,
+    sensed_seconds: float = 0.0,
+    key: bool = True,
+    session_key: bool = False,
+    waves: bool = True,
+    partial: bool = False,
+    threads: int = 1,
+    memory: int = 1 << 30,
+    progress: Optional[Progress] = None,
+) -> Analysis:
+    """Finds tempo, beats, bars, key and waveform overviews of a track.
+
+    The interpreter's lock is released while it works, so several threads may analyse at once.
+    Ctrl-C in the main thread stops it.
+
+    Args:
+        source: the name of an audio file, or an array of shape (frames,), (frames, channels) or
+            (channels, frames), the longer axis being the frames: floats with full scale ±1.0, or
+            signed integers of 16 or 32 bits.
+        rate: frames per second of an array; other rates than 44100 and 48000 Hz are converted.
+        tempo: ``"auto"`` finds out whether the tempo is steady; ``"constant"``, ``"varied"``,
+            ``"simple"`` (sensed at the beginning) or ``"off"``.
+        bpm_range: two tempi in BPM, 20 to 1000, the upper one at least twice the lower one: the
+            tempo is doubled or halved into it. Auto tempo only.
+        beats_per_bar: 3 or 4 if known. Auto tempo only.
+        section: length in beats of the phrase over which a varied tempo is measured: 4, 8, 16, 32,
+            64 …
+        sensed_seconds: how much of the beginning the simple tempo is sensed in; 0: one minute.
+        key: find the key by evidence.
+        session_key: also find the key of a session; takes another pass.
+        waves: make the waveform overviews.
+        partial: analyse what is left of a file that was cut off, instead of refusing it.
+        threads: the most threads for this track, at least 1. Results never depend on it.
+        memory: bytes for the decoded track; a longer one is decoded again for a second pass.
+        progress: called now and then with the share of the work that is done, 0 to 1, not always
+            from the calling thread. What it raises ends the analysis and is raised here.
+
+    Returns:
+        What was found.
+
+    Raises:
+        ValueError, TypeError: for an argument out of range or of the wrong kind.
+        AnalysisError: for a track without a result, as one of MissingFileError (also a
+            FileNotFoundError), UnreadableFileError (also an OSError), NotAudioError,
+            DamagedTrackError.
+        MemoryError: when memory runs out.
+    """
+    if tempo not in _library.TEMPO_MODES:
+        raise ValueError(f"tempo must be one of {', '.join(_library.TEMPO_MODES)}, not {tempo!r}")
+    options = _track_options(tempo, bpm_range, beats_per_bar, section, sensed_seconds, key,
+                             session_key, waves, threads)
+    if isinstance(source, (str, bytes, os.PathLike)):
+        if rate is not None:
+            raise TypeError("rate is for arrays: a file says its own")
+        path: Optional[str] = os.fsdecode(source)
+        work = _file_work(os.fsencode(source), options, partial, memory)
+    else:
+        if rate is None:
+            raise TypeError("an array needs its rate in frames per second")
+        path = None
+        work = _array_work(_interleaved(source), rate, options)
+    wanted = frozenset(name for name, is_wanted in
+                       (("key", key), ("session_key", session_key), ("waves", waves)) if is_wanted)
+    with _Run(work, options, progress) as handle:
+        _raise_unless_good(handle.status, handle.pointer, path)
+        return read_analysis(handle.pointer, path, tempo, wanted)
+
+
+def _track_options(tempo: str, bpm_range: Optional[tuple[float, float]],
+                   beats_per_bar: Optional[int], section: int, sensed_seconds: float, key: bool,
+                   session_key: bool, waves: bool, threads: int) -> _library.TrackOptions:
+    options = _library.TrackOptions()
+    _library.track_library().BA_TrackOptionsInit(ctypes.byref(options), ctypes.sizeof(options))
+    options.tempo = _library.TEMPO_MODES[tempo]
+    if bpm_range is not None:
+        options.lowest_bpm, options.highest_bpm = _tempo_range(bpm_range)
+    if beats_per_bar not in (None, 3, 4):
+        raise ValueError(f"beats_per_bar must be 3 or 4, not {beats_per_bar!r}")
+    options.beats_per_bar = beats_per_bar or 0
+    options.section_beats = _within("section", section, 1, 2**31 - 1)
+    if not sensed_seconds >= 0.0:
+        raise ValueError(f"sensed_seconds must be 0 or more, not {sensed_seconds!r}")
+    options.range_seconds = sensed_seconds
+    options.wants_key = bool(key)
+    options.wants_session_key = bool(session_key)
+    options.wants_waves = bool(waves)
+    options.threads = _within("threads", threads, 1, 2**31 - 1)
+    return options
+
+
+def _within(name: str, number: int, lowest: int, highest: int) -> int:
+    if not lowest <= number <= highest:
+        raise ValueError(f"{name} must be {lowest} to {highest}, not {number!r}")
+    return int(number)
+
+
+def _tempo_range(bpm_range: tuple[float, float]) -> tuple[float, float]:
+    lowest, highest = bpm_range
+    if not (20 <= lowest and highest <= 1000 and highest >= 2 * lowest):
+        raise ValueError("bpm_range must lie within 20 and 1000 BPM, its upper end at least twice "
+                         f"the lower one, not {bpm_range!r}")
+    return float(lowest), float(highest)
+
+
+Work = Callable[["ctypes._Pointer[ctypes.c_void_p]"], int]
+
+
+def _file_work(name: bytes, track: _library.TrackOptions, partial: bool, memory: int) -> Any:
+    if b"\0" in name:
+        raise ValueError("a file's name holds no null character")
+    library = _library.media_library()
+    options = _library.FileOptions()
+    library.BA_FileOptionsInit(ctypes.byref(options), ctypes.sizeof(options))
+    options.memory_bytes = _within("memory", memory, 1, 2**63 - 1)
+    options.accepts_cut_off = bool(partial)
+    return lambda out: library.BA_FileAnalyze(name, ctypes.byref(track), ctypes.byref(options), out)
+
+
+def _array_work(samples: NDArray[np.float32], rate: int, track: _library.TrackOptions) -> Any:
+    frames, channels = samples.shape
+    pointer = samples.ctypes.data_as(ctypes.POINTER(ctypes.c_float))
+    hertz = _within("rate", rate, 1, 2**31 - 1)
+    if hertz != rate:
+        raise ValueError(f"rate must be a whole number, not {rate!r}")
+    call = _library.media_library().BA_FileAnalyzeSamples
+
+    def work(out: Any) -> int:
+        assert samples.flags.c_contiguous  # and keeps the array alive
+        return int(call(pointer, hertz, channels, frames, ctypes.byref(track), out))
+
+    return work
+
+
+def _interleaved(source: Any) -> NDArray[np.float32]:
+    """Shape (frames, channels), full scale ±1.0."""
+    array = np.asarray(source)
+    if array.ndim == 1:
+        array = array[:, np.newaxis]
+    if array.ndim != 2:
+        raise ValueError(f"an array of samples has one or two axes, not {array.ndim}")
+    if array.shape[0] < array.shape[1]:
+        array = array.T
+    frames, channels = array.shape
+    if frames == 0 or channels == 0:
+        raise ValueError("the array has no samples")
+    if channels > _MOST_CHANNELS:
+        raise ValueError(f"an array of shape {source.shape} has no axis of channels: at most 64")
+    return np.ascontiguousarray(_full_scale(array), dtype=np.float32)
+
+
+def _full_scale(array: NDArray[Any]) -> NDArray[Any]:
+    if np.issubdtype(array.dtype, np.floating):
+        return array
+    if array.dtype in (np.int16, np.int32):
+        return array / np.float64(-np.iinfo(array.dtype).min)
+    raise TypeError(f"samples are floats or signed integers of 16 or 32 bits, not {array.dtype}")
+
+
+class _Run:
+    """One analysis, in a thread of its own: so the calling thread hears Ctrl-C, and no exception
+    of a callback gets lost in C."""
+
+    def __init__(self, work: Any, options: _library.TrackOptions,
+                 progress: Optional[Progress]) -> None:
+        self.pointer: Handle = ctypes.c_void_p()
+        self.status = _library.STOPPED
+        self._work = work
+        self._shown = progress
+        self._is_stopped = False
+        self._raised: Optional[BaseException] = None
+        # Kept here, since the options hold a bare pointer.
+        self._call = _library.ProgressCall(self._progress)
+        options.progress = self._call
+
+    def _progress(self, _host: object, fraction: float) -> int:
+        if not self._is_stopped and self._shown is not None:
+            try:
+                self._shown(fraction)
+            except BaseException as raised:  # raised again in the caller's thread
+                self._raised = raised
+                self._is_stopped = True
+        return int(self._is_stopped)
+
+    def _analyze(self) -> None:
+        self.status = self._work(ctypes.byref(self.pointer))
+
+    def __enter__(self) -> _Run:
+        thread = threading.Thread(target=self._analyze, name="beatatlas", daemon=True)
+        thread.start()
+        try:
+            thread.join()
+        except BaseException:
+            self._is_stopped = True
+            thread.join()
+            self.__exit__()
+            raise
+        if self._raised is not None:
+            self.__exit__()
+            raise self._raised
+        return self
+
+    def __exit__(self, *_: object) -> None:
+        _library.media_library().BA_FileRelease(self.pointer)
+        self.pointer = ctypes.c_void_p()
+
+
+def _raise_unless_good(status: int, pointer: Handle, path: Optional[str]) -> None:
+    if status == _library.OK:
+        return
+    if status == _library.NO_MEMORY:
+        raise MemoryError(f"there is not enough memory to analyse the track")
+    if status == _library.BAD_ARGUMENT:
+        raise ValueError("an argument is out of range")
+    reason = _library.media_library().BA_FileReason(pointer).decode(errors="replace")
+    raise _ERRORS.get(status, AnalysisError)(path, reason)

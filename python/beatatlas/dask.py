@@ -1,0 +1,94 @@
+# SPDX-License-Identifier: MIT
+"""Many tracks on the workers of a Dask cluster.
+
+    >>> from distributed import Client
+    >>> import beatatlas.dask
+    >>> with Client("scheduler:8786") as client:
+    ...     for path, found in beatatlas.dask.scan(client, paths):
+    ...         print(path, found.bpm if found else "no result")
+
+Every worker needs this package and sees the files by the same names. To have the results in a
+catalogue, run ``beatatlas scan --shard`` on each machine instead.
+"""
+
+from __future__ import annotations
+
+import itertools
+import os
+from collections.abc import Iterable, Iterator
+from typing import Any, Union
+
+import distributed
+
+from . import Analysis, AnalysisError, analyze
+
+
+def scan(
+    client: distributed.Client,
+    paths: Iterable[Union[str, "os.PathLike[str]"]],
+    *,
+    retries: int = 3,
+    in_flight: int = 1000,
+    **options: Any,
+) -> Iterator[tuple[str, Union[Analysis, AnalysisError]]]:
+    """Analyses files on a cluster, each as a task of its own.
+
+    A task is repeated on another worker when its worker is lost; since an analysis always gives the
+    same result, nothing is lost or found twice. Results come as they are ready, in no order.
+
+    Args:
+        client: of the cluster.
+        paths: file names as the workers see them. Read as results arrive: it may be endless.
+        retries: how often a task is tried again after an error of the worker itself. Files that
+            cannot be analysed are not tried again.
+        in_flight: how many tasks the scheduler holds at a time, at least 1.
+        options: of ``beatatlas.analyze``. A ``progress`` function cannot be passed.
+
+    Yields:
+        A file's name with its Analysis, or with the AnalysisError that says why there is none: also
+        where it ends every worker that reads it.
+    """
+    if "progress" in options:
+        raise TypeError("progress cannot be passed to a cluster")
+    if in_flight < 1:
+        raise ValueError(f"in_flight must be 1 or more, not {in_flight!r}")
+    names = iter(paths)
+    waiting: dict[Any, str] = {}
+    tasks = distributed.as_completed()
+
+    def hand_in(most: int) -> None:
+        for name in itertools.islice(names, most):
+            task = client.submit(_analyze_one, os.fspath(name), options, retries=retries,
+                                 pure=False)
+            waiting[task] = os.fspath(name)
+            tasks.add(task)
+
+    try:
+        hand_in(in_flight)
+        while waiting:
+            task = next(tasks)
+            name = waiting.pop(task)
+            yield name, _outcome(name, task)
+            hand_in(1)
+    finally:
+        client.cancel(list(waiting))
+
+
+def _outcome(name: str, task: Any) -> Union[Analysis, AnalysisError]:
+    error = task.exception()
+    if error is None:
+        found: Union[Analysis, AnalysisError] = task.result()
+        return found
+    if isinstance(error, distributed.KilledWorker):
+        return AnalysisError(name, "has no result: the workers that read it were lost")
+    raise error
+
+
+def _analyze_one(path: str, options: dict[str, Any]) -> Union[Analysis, AnalysisError]:
+    try:
+        return analyze(path, **options)
+    except AnalysisError as error:
+        return error
+
+
+__all__ = ["scan"]

@@ -1,0 +1,37 @@
+# SPDX-License-Identifier: MIT
+"""Why a track could not be analysed."""
+
+from __future__ import annotations
+
+
+class AnalysisError(Exception):
+    """A track without a result.
+
+    Attributes:
+        path: the file's name as it was passed; None for an array.
+        reason: why, without the name: ``"is empty"``.
+    """
+
+    def __init__(self, path: str | None, reason: str) -> None:
+        super().__init__(f"{'the array' if path is None else path} {reason}")
+        self.path = path
+        self.reason = reason
+
+    def __reduce__(self) -> tuple[type[AnalysisError], tuple[str | None, str]]:
+        return type(self), (self.path, self.reason)
+
+
+class MissingFileError(AnalysisError, FileNotFoundError):
+    """There is no such file."""
+
+
+class UnreadableFileError(AnalysisError, OSError):
+    """The system does not let the file be read."""
+
+
+class NotAudioError(AnalysisError):
+    """The file holds no audio of a known kind, or nothing."""
+
+
+class DamagedTrackError(AnalysisError):
+    """There is audio, but no whole track: cut off, broken."""

@@ -1,0 +1,71 @@
+# SPDX-License-Identifier: MIT
+"""Many tracks on a cluster of this machine, one of whose workers is killed on the way.
+
+Needs in the environment: BEATATLAS_DEMO, which writes music.
+"""
+
+import os
+import signal
+import subprocess
+import tempfile
+import unittest
+from pathlib import Path
+
+import distributed
+
+import beatatlas
+import beatatlas.dask
+
+DEMO = os.environ["BEATATLAS_DEMO"]
+TRACKS = 12
+
+
+def worker_pids(client):
+    return list(client.run(os.getpid).values())
+
+
+class ClusterTest(unittest.TestCase):
+    def test_a_killed_worker_loses_nothing_and_repeats_nothing(self):
+        with tempfile.TemporaryDirectory() as folder:
+            track = Path(folder, "0.wav")
+            subprocess.run([DEMO, track], check=True)
+            names = [str(track)]
+            for number in range(1, TRACKS):
+                names.append(str(Path(folder, f"{number}.wav")))
+                os.link(track, names[-1])
+            text = Path(folder, "text.mp3")
+            text.write_text("These are words.")
+            expected = beatatlas.analyze(track)
+            found = self.scan_with_a_kill([*names, str(text)])
+        self.assertEqual(sorted(name for name, _ in found), sorted([*names, str(text)]))
+        for name, result in found:
+            if name == str(text):
+                self.assertIsInstance(result, beatatlas.NotAudioError)
+                self.assertEqual(result.path, name)
+            else:
+                self.assertEqual({**result.to_dict(True), "file": str(track)},
+                                 expected.to_dict(True))
+
+    def scan_with_a_kill(self, names):
+        with distributed.LocalCluster(n_workers=2, threads_per_worker=1, processes=True,
+                                      dashboard_address=None) as cluster:
+            with distributed.Client(cluster) as client:
+                before = worker_pids(client)
+                found = []
+                for outcome in beatatlas.dask.scan(client, names, in_flight=len(names)):
+                    if not found:
+                        os.kill(before[0], signal.SIGKILL)
+                    found.append(outcome)
+                client.wait_for_workers(2)
+                self.assertNotIn(before[0], worker_pids(client))
+        return found
+
+    def test_refuses_what_cannot_travel(self):
+        with self.assertRaises(TypeError):
+            next(beatatlas.dask.scan(None, ["a"], progress=print))
+        with self.assertRaises(ValueError):
+            next(beatatlas.dask.scan(None, ["a"], in_flight=0))
+
+
+if __name__ == "__main__":
+    unittest.main()
