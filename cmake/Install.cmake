@@ -66,6 +66,21 @@ beatatlas_install_pc(beatatlas_track
 add_custom_target(beatatlas_install_files)
 add_dependencies(beatatlas_install_files ${libraries})
 
+# It finds libbeatatlas_track beside itself.
+if(TARGET beatatlas_media_shared)
+    set_target_properties(beatatlas_media_shared PROPERTIES INSTALL_RPATH "\$ORIGIN")
+endif()
+
+# Where hosts of Vamp plugins look, one folder below the libraries.
+if(TARGET beatatlas_vamp)
+    set_target_properties(beatatlas_vamp PROPERTIES INSTALL_RPATH "\$ORIGIN/..")
+    install(TARGETS beatatlas_vamp LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/vamp
+        COMPONENT BeatAtlas_Vamp)
+    install(FILES ${PROJECT_SOURCE_DIR}/vamp/beatatlas.cat ${PROJECT_SOURCE_DIR}/vamp/beatatlas.n3
+        DESTINATION ${CMAKE_INSTALL_LIBDIR}/vamp COMPONENT BeatAtlas_Vamp)
+    add_dependencies(beatatlas_install_files beatatlas_vamp)
+endif()
+
 if(TARGET beatatlas_tool)
     beatatlas_way_between(libraries_from_program ${CMAKE_INSTALL_BINDIR} ${CMAKE_INSTALL_LIBDIR}
         "\$ORIGIN"
