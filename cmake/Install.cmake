@@ -69,6 +69,8 @@ add_dependencies(beatatlas_install_files ${libraries})
 # It finds libbeatatlas_track beside itself.
 if(TARGET beatatlas_media_shared)
     set_target_properties(beatatlas_media_shared PROPERTIES INSTALL_RPATH "\$ORIGIN")
+    set(pc_requires beatatlas_track)
+    beatatlas_install_pc(beatatlas_media "The analysis of beatatlas_track for audio files")
 endif()
 
 # Where hosts of Vamp plugins look, one folder below the libraries.

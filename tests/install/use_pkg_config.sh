@@ -33,5 +33,8 @@ for form in "$@"; do
     for ending in c cpp; do
         build_and_run beatatlas session.$ending "$form"
         build_and_run beatatlas_track track.$ending "$form"
+        # Files take FFmpeg's libraries along, which are linked dynamically.
+        [[ $form != shared || ! -e $libdir/libbeatatlas_media.so ]] ||
+            build_and_run beatatlas_media media.$ending shared
     done
 done
