@@ -266,7 +266,7 @@ TEST_F(CorrectedScan, CarriesNoneOverToARecordingOfAnotherLength) {
 }
 
 TEST_F(CorrectedScan, LeavesACopyItsOwnWhenItCarriesThemOver) {
-    put("/copy", 1);
+    test::store(catalogue_, {waved("/a", 1, 20, 1.0F, kState), analysedTrack("/copy", 1)});
     puts(waved("/a", 2, 20, 0.5F, {500, 6}));
     EXPECT_EQ(valueOf(catalogue_, "SELECT group_concat(bpm) FROM tracks"), "240.0,240.0");
 }
