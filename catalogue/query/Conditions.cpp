@@ -40,18 +40,20 @@ std::int64_t flag(bool value) {
     return value ? 1 : 0;
 }
 
-SqlPart beginningSelection(const std::string& text, bool isGone) {
+/** One or two letters begin some of the index's sequences of three, unless they stand at the end of
+ *  the title, the last that is searched. */
+SqlPart shortTextSelection(const std::string& text, bool isGone) {
     SqlPart part;
-    part.add("SELECT id FROM tracks INDEXED BY tracks_by_artist WHERE is_gone = ? AND "
-             "artist_order >= ? AND artist_order < ? UNION ALL ",
-             flag(isGone), text, text + kLastLetter);
+    part.add("SELECT DISTINCT doc AS id FROM temp.search_sequences WHERE term >= ? AND term < ? "
+             "UNION ALL ",
+             text, text + kLastLetter);
     return part.add("SELECT id FROM tracks INDEXED BY tracks_by_title WHERE is_gone = ? AND "
-                    "title_order >= ? AND title_order < ?",
-                    flag(isGone), text, text + kLastLetter);
+                    "instr(substr(title_order, -2), ?) > 0",
+                    flag(isGone), text);
 }
 
 SqlPart textSelection(const std::string& text, bool isGone) {
-    if (lettersOf(text) < kIndexedLetters) return beginningSelection(text, isGone);
+    if (lettersOf(text) < kIndexedLetters) return shortTextSelection(text, isGone);
     return SqlPart().add("SELECT rowid AS id FROM track_search WHERE search MATCH ?", quoted(text));
 }
 
@@ -81,16 +83,6 @@ SqlPart keySelection(const TrackQuery& query) {
         part.add(" AND bpm BETWEEN ? AND ?", range.lowest, range.highest);
     }
     return part;
-}
-
-void addTextCondition(SqlPart& part, const std::string& text) {
-    if (lettersOf(text) >= kIndexedLetters) {
-        part.add(" AND instr(t.search, ?) > 0", text);
-        return;
-    }
-    part.add(" AND (t.artist_order >= ? AND t.artist_order < ? OR t.title_order >= ? AND "
-             "t.title_order < ?)",
-             text, text + kLastLetter, text, text + kLastLetter);
 }
 
 void addTempoCondition(SqlPart& part, const std::vector<BpmRange>& ranges) {
@@ -140,7 +132,8 @@ void SqlPart::bindTo(SQLite::Statement& statement) const {
 
 SqlPart rowConditions(const TrackQuery& query) {
     SqlPart part;
-    if (const std::string text = folded(query.text); !text.empty()) addTextCondition(part, text);
+    if (const std::string text = folded(query.text); !text.empty())
+        part.add(" AND instr(t.search, ?) > 0", text);
     addTempoCondition(part, query.bpm);
     if (!query.keys.empty()) {
         part.add(" AND t.key IN (").addList(query.keys).add(")");

@@ -130,6 +130,7 @@ base::ListedTrack trackOf(const SQLite::Statement& row) {
 void listTracks(const Catalogue& catalogue, const TrackQuery& query,
                 const std::function<void(const base::ListedTrack&)>& show) {
     guarded(catalogue.path(), [&] {
+        if (!query.text.empty()) catalogue.database().exec(kSearchSequences);
         const SqlPart sql = statementOf(catalogue, query);
         SQLite::Statement statement(catalogue.database(), sql.text());
         sql.bindTo(statement);
