@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 // What a catalogue holds leaves it in every format as if the files had been analysed, and chosen as
 // lists choose it.
+#include <SQLiteCpp/Database.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
-#include <SQLiteCpp/Database.h>
 
 #include "cli/CataloguedTracks.h"
 #include "output/formats/ExportFormat.h"
@@ -22,6 +22,20 @@ using Json = nlohmann::json;
 
 bool isOfSound(const output::ExportFormat& format) {
     return format.tells == output::ExportFormat::Tells::peaksAlone;
+}
+
+/** A scan does not look for it. */
+std::string withoutSessionKey(const output::ExportFormat& format, const std::string& text) {
+    if (format.tells != output::ExportFormat::Tells::everything) return text;
+    std::string result;
+    std::istringstream lines(text);
+    for (std::string line; std::getline(lines, line);) {
+        // The last member of a track: an object that ends with the list of notes.
+        if (const std::size_t begin = line.find(",\"sessionKey\":"); begin != std::string::npos)
+            line.erase(begin, line.rfind("}]}}") + 3 - begin);
+        result += line + "\n";
+    }
+    return result;
 }
 
 class StoredExport : public test::CataloguedTracks {
@@ -64,15 +78,14 @@ TEST(StoredExports, AreThoseOfTheFilesThemselves) {
         const ToolRun fromFiles = test::runTool(both);
         const ToolRun fromCatalogue = test::runTool(stored);
         EXPECT_EQ(fromCatalogue.exitStatus, 0) << fromCatalogue.err;
-        EXPECT_EQ(fromCatalogue.out, fromFiles.out) << format.name;
+        EXPECT_EQ(fromCatalogue.out, withoutSessionKey(format, fromFiles.out)) << format.name;
         EXPECT_NE(fromCatalogue.out, "");
     }
 }
 
 TEST_F(StoredExport, ChoosesTracksAsListsDo) {
     EXPECT_THAT(names({"--text", "music/a"}), ElementsAre("a.mp3"));
-    EXPECT_THAT(names({"--bpm", "96:120", "--sort", "bpm"}),
-                ElementsAre("b, \"c\".mp3", "a.mp3"));
+    EXPECT_THAT(names({"--bpm", "96:120", "--sort", "bpm"}), ElementsAre("b, \"c\".mp3", "a.mp3"));
     EXPECT_THAT(names({"--compatible-with", "/music/a.mp3"}), ElementsAre("z\\xFF\\n.mp3"));
     EXPECT_THAT(names({"--gone"}), ElementsAre("gone.mp3"));
     EXPECT_THAT(names({"--corrected"}), ElementsAre("z\\xFF\\n.mp3"));
