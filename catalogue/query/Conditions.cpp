@@ -42,18 +42,22 @@ std::int64_t flag(bool value) {
 
 /** One or two letters begin some of the index's sequences of three, unless they stand at the end of
  *  the title, the last that is searched. */
-SqlPart shortTextSelection(const std::string& text, bool isGone) {
+SqlPart shortTextSelection(const std::string& text) {
     SqlPart part;
     part.add("SELECT DISTINCT doc AS id FROM temp.search_sequences WHERE term >= ? AND term < ? "
              "UNION ALL ",
              text, text + kLastLetter);
-    return part.add("SELECT id FROM tracks INDEXED BY tracks_by_title WHERE is_gone = ? AND "
-                    "instr(substr(title_order, -2), ?) > 0",
-                    flag(isGone), text);
+    // Those that end with it; and those whose last letter but one it is, if it is one.
+    part.add("SELECT id FROM tracks INDEXED BY tracks_by_last_letters WHERE "
+             "substr(title_order, -2) >= ? AND substr(title_order, -2) < ?",
+             text, text + kLastLetter);
+    return part.add(" UNION ALL SELECT id FROM tracks INDEXED BY tracks_by_last_letter WHERE "
+                    "substr(title_order, -1) = ?",
+                    text);
 }
 
-SqlPart textSelection(const std::string& text, bool isGone) {
-    if (lettersOf(text) < kIndexedLetters) return shortTextSelection(text, isGone);
+SqlPart textSelection(const std::string& text) {
+    if (lettersOf(text) < kIndexedLetters) return shortTextSelection(text);
     return SqlPart().add("SELECT rowid AS id FROM track_search WHERE search MATCH ?", quoted(text));
 }
 
@@ -159,7 +163,7 @@ std::vector<SqlPart> idSelections(const TrackQuery& query) {
                           "AND confidence < ?",
                           flag(query.isGone), *query.confidenceBelow));
     if (const std::string text = folded(query.text); !text.empty())
-        selections.push_back(textSelection(text, query.isGone));
+        selections.push_back(textSelection(text));
     return selections;
 }
 

@@ -51,7 +51,7 @@ constexpr const char* kSearchSequences =
     "track_search, instance)";
 
 /** The ways in which an index finds the tracks that meet one of the conditions, or two: each
- *  selects ids, some perhaps twice. */
+ *  selects ids, some perhaps more than once. */
 std::vector<SqlPart> idSelections(const TrackQuery& query);
 
 }  // namespace catalogue
