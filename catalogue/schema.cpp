@@ -178,6 +178,12 @@ UPDATE results SET asked_at = made_at;
 ALTER TABLE failures ADD COLUMN tried_limit REAL;
 )sql";
 
+/** Titles by their ends, where sequences of three letters find no shorter ones. */
+constexpr const char* kTitleEnds = R"sql(
+CREATE INDEX tracks_by_last_letters ON tracks (substr(title_order, -2));
+CREATE INDEX tracks_by_last_letter ON tracks (substr(title_order, -1));
+)sql";
+
 void makeTables(SQLite::Database& database) {
     database.exec(kTables);
     database.exec("PRAGMA application_id = " + std::to_string(kApplicationId));
@@ -202,11 +208,15 @@ void letCorrectionsFollowTheSound(SQLite::Database& database) {
     database.exec(kScanRecords);
 }
 
+void addTitleEnds(SQLite::Database& database) {
+    database.exec(kTitleEnds);
+}
+
 using Step = void (*)(SQLite::Database&);
 
 /** Step i makes version i + 1. */
 constexpr std::array<Step, kSchemaVersion> kSteps = {makeTables, addTextSearch,
-                                                     letCorrectionsFollowTheSound};
+                                                     letCorrectionsFollowTheSound, addTitleEnds};
 
 }  // namespace
 

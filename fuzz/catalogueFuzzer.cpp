@@ -8,10 +8,12 @@
 #include <vector>
 
 #include <SQLiteCpp/Database.h>
+#include <SQLiteCpp/Statement.h>
 
 #include "FuzzInput.h"
 #include "FuzzersRoundingMode.h"
 #include "catalogue/Catalogue.h"
+#include "catalogue/folded.h"
 #include "catalogue/query/TrackQuery.h"
 #include "output/KeyName.h"
 #include "output/list/ListWriter.h"
@@ -101,6 +103,18 @@ bool meets(const ListedTrack& track, const TrackQuery& query) {
            (!query.except || track.id != *query.except);
 }
 
+/** What a plain reading of the whole table finds. */
+std::set<std::int64_t> idsContaining(const catalogue::Catalogue& catalogue, const std::string& text,
+                                     bool isGone) {
+    SQLite::Statement select(catalogue.database(), "SELECT id FROM tracks WHERE is_gone = ? AND "
+                                                   "(?2 = '' OR instr(search, ?2) > 0)");
+    select.bind(1, isGone ? 1 : 0);
+    select.bind(2, catalogue::folded(text));
+    std::set<std::int64_t> ids;
+    while (select.executeStep()) ids.insert(select.getColumn(0).getInt64());
+    return ids;
+}
+
 /** Lists in every format as well, whose text must not depend on the order of tracks. */
 std::set<std::int64_t> listedIds(const catalogue::Catalogue& catalogue, const TrackQuery& query,
                                  output::ListFormat format) {
@@ -131,6 +145,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t cou
     require(std::ssize(listedIds(scratch.catalogue(), query, format)) ==
                 std::min<std::ptrdiff_t>(std::ssize(ids), static_cast<int>(*query.limit)),
             "a limit cuts nothing but the end");
+    TrackQuery textAlone;
+    textAlone.text = query.text;
+    textAlone.isGone = query.isGone;
+    require(listedIds(scratch.catalogue(), textAlone, format) ==
+                idsContaining(scratch.catalogue(), query.text, query.isGone),
+            "a text is found wherever it stands");
     if (const auto key = output::KeyName::parse(textOf(input)))
         require(key->number() >= 0 && key->number() < 24, "a key has a number");
     return 0;

@@ -98,6 +98,17 @@ void writeSamples(const std::filesystem::path& folder) {
         test::writeFile(folder / format.substr(0, format.find(':')), format + "\n" + ramp);
 }
 
+void writePlaylists(const std::filesystem::path& folder) {
+    makeEmpty(folder);
+    test::writeFile(folder / "lines", "#EXTM3U\r\n#EXTINF:1,a\r\na%20b.mp3\r\n..\\c\xE9.mp3\r\n"
+                                      "file:///m/d.mp3\r\nhttp://e.example/f\r\n");
+    test::writeFile(folder / "numbered",
+                    "[playlist]\nFile1=a.mp3\nTitle1=A\nfile12=file://localhost/b\n");
+    test::writeFile(folder / "wide", std::string("\xFF\xFE"
+                                                 "a\0.\0\xD8\n\0",
+                                                 9));
+}
+
 void writeSettings(const std::filesystem::path& folder) {
     makeEmpty(folder);
     test::writeFile(folder / "usual", "# mine\nkey-notation = camelot\nmemory = \"2G\" # much\n"
@@ -122,6 +133,7 @@ int main(int argc, char** argv) {
         writeTracks(folder / "decoder");
         writeSamples(folder / "raw");
         writeSettings(folder / "settings");
+        writePlaylists(folder / "playlist");
     } catch (const std::exception& error) {
         std::fprintf(stderr, "writeSeeds: %s\n", error.what());
         return 1;

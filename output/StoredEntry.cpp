@@ -26,19 +26,17 @@ std::string dateText(std::int64_t secondsSince1970) {
 
 }  // namespace
 
-std::string StoredEntry::correctionsText() const {
-    std::string text;
-    for (const CorrectionNote& correction : note_.corrections)
-        text += (text.empty() ? "" : ", ") + correction.text;
+/** What was done by hand, and what was found. */
+std::string StoredEntry::handText() const {
     const std::string tempo = note_.foundBpm ? bpmText(*note_.foundBpm) + " BPM" : "no tempo";
     const std::string key =
         note_.foundKey ? shortKeyName(*note_.foundKey, report_.keyNotation) : "no key";
-    return fmt::format("{}; found: {}, {}", text, tempo, key);
+    return fmt::format("{}; found: {}, {}", correctionsText(report_), tempo, key);
 }
 
 std::string StoredEntry::text() const {
     std::string text = textSummary(report_);
-    if (!note_.corrections.empty()) text += textLine("by hand", correctionsText());
+    if (!report_.corrections.empty()) text += textLine("by hand", handText());
     text += textLine("analysed", fmt::format("{} by {}, {}", dateText(note_.madeAt),
                                              note_.toolVersion, note_.parameters));
     if (note_.isGone) text += textLine("gone", "the file is no longer there");
@@ -46,12 +44,7 @@ std::string StoredEntry::text() const {
 }
 
 nlohmann::ordered_json StoredEntry::json() const {
-    nlohmann::ordered_json json = trackJson(report_, withWaves_);
-    if (note_.corrections.empty()) return json;
-    json["corrections"] = nlohmann::ordered_json::array();
-    for (const CorrectionNote& correction : note_.corrections)
-        json["corrections"].push_back({{"kind", correction.kind}, {"value", correction.value}});
-    return json;
+    return trackJson(report_, withWaves_);
 }
 
 }  // namespace output

@@ -5,25 +5,14 @@
 #include <optional>
 #include <string>
 #include <utility>
-#include <vector>
 
 #include "output/ReportEntry.h"
 #include "output/TrackReport.h"
 
 namespace output {
 
-/** A correction that somebody made. */
-struct CorrectionNote {
-    /** Its name in documents: "double". */
-    std::string kind;
-    double value = 0.0;
-    /** For people: "doubled". */
-    std::string text;
-};
-
 /** What is told of a stored track beside the track. */
 struct StoredNote {
-    std::vector<CorrectionNote> corrections;
     /** What was found, before any correction. */
     std::optional<double> foundBpm;
     std::optional<int> foundKey;
@@ -46,7 +35,7 @@ public:
     nlohmann::ordered_json json() const override;
 
 private:
-    std::string correctionsText() const;
+    std::string handText() const;
 
     TrackReport report_;
     StoredNote note_;

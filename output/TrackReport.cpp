@@ -5,6 +5,15 @@
 
 namespace output {
 
+std::string correctionsText(const TrackReport& report) {
+    std::string text;
+    for (const CorrectionNote& correction : report.corrections) {
+        if (!text.empty()) text += ", ";
+        text += correction.text;
+    }
+    return text;
+}
+
 void countFrom(TrackReport& report, const TimeOrigin& origin) {
     report.origin = origin;
     const double shift = report.startSeconds();

@@ -2,6 +2,8 @@
 #pragma once
 
 #include <optional>
+#include <string>
+#include <vector>
 
 #include "base/TrackSource.h"
 #include "beatatlas/track.hpp"
@@ -9,6 +11,17 @@
 #include "output/TimeOrigin.h"
 
 namespace output {
+
+/** A correction that somebody made. */
+struct CorrectionNote {
+    /** Its name in documents: "double". */
+    std::string kind;
+    double value = 0.0;
+    /** For people: "doubled". */
+    std::string text;
+
+    bool isOfKey() const { return kind == "key"; }
+};
 
 /** Everything that was found out about one track. */
 struct TrackReport : base::TrackSource {
@@ -21,12 +34,18 @@ struct TrackReport : base::TrackSource {
     /** From where the positions are counted. */
     TimeOrigin origin;
 
+    /** In the order in which they were made; the analysis has them already. */
+    std::vector<CorrectionNote> corrections{};
+
     /** The position of the first frame of music, in seconds. */
     double startSeconds() const {
         const double atFile = origin.at == TimeOrigin::At::file ? droppedSeconds() : 0.0;
         return atFile + origin.offsetMs / 1000.0;
     }
 };
+
+/** "doubled, key C major"; empty without corrections. */
+std::string correctionsText(const TrackReport& report);
 
 /** Moves every position in a report, which were counted from the first frame of music: beats,
  *  stretches, key segments and gaps. Lengths and waves stay. */

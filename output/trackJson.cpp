@@ -110,6 +110,13 @@ Json wavesJson(const beatatlas::track::TrackResult& analysis) {
             {"zoom", std::move(zoom)}};
 }
 
+Json correctionsJson(const std::vector<CorrectionNote>& corrections) {
+    Json list = Json::array();
+    for (const CorrectionNote& correction : corrections)
+        list.push_back({{"kind", correction.kind}, {"value", correction.value}});
+    return list;
+}
+
 }  // namespace
 
 Json trackJson(const TrackReport& report, bool withWaves) {
@@ -122,6 +129,7 @@ Json trackJson(const TrackReport& report, bool withWaves) {
     if (report.options.wantsKey) track["key"] = keyJson(analysis.key);
     if (report.options.wantsSessionKey) track["sessionKey"] = sessionKeyJson(analysis.sessionKey);
     if (withWaves) track["waves"] = wavesJson(analysis);
+    if (!report.corrections.empty()) track["corrections"] = correctionsJson(report.corrections);
     return track;
 }
 

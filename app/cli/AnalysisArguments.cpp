@@ -8,6 +8,7 @@
 #include <CLI/CLI.hpp>
 
 #include "base/errors.h"
+#include "cli/NumberRange.h"
 #include "cli/oneOf.h"
 #include "cli/timeArgument.h"
 
@@ -34,22 +35,10 @@ std::string requirePhrase(const std::string& text) {
     return "takes 4, 8, 16, 32, 64, 128 or 256, not " + text;
 }
 
-struct BpmRange {
-    double lowest;
-    double highest;
-};
-
-/** Nothing unless the text is LO:HI with both ends in order. */
-std::optional<BpmRange> bpmRangeOf(const std::string& text) {
-    const std::size_t colon = text.find(':');
-    if (colon == std::string::npos) return std::nullopt;
-    BpmRange range{};
-    if (!CLI::detail::lexical_cast(text.substr(0, colon), range.lowest) ||
-        !CLI::detail::lexical_cast(text.substr(colon + 1), range.highest))
-        return std::nullopt;
-    const bool isInOrder = range.lowest >= kLowestBpm && range.highest <= kHighestBpm &&
-                           range.highest >= 2.0 * range.lowest;
-    return isInOrder ? std::optional(range) : std::nullopt;
+/** Wide enough that every tempo can be doubled or halved into it. */
+std::optional<NumberRange> bpmRangeOf(const std::string& text) {
+    const auto range = NumberRange::parse(text, kLowestBpm, kHighestBpm);
+    return range && range->highest >= 2.0 * range->lowest ? range : std::nullopt;
 }
 
 std::string requireBpmRange(const std::string& text) {
@@ -113,7 +102,7 @@ void AnalysisArguments::settle() {
     refuseUnless(TempoMode::automatic, *beatsPerBarOption_,
                  "--beats-per-bar goes with --tempo auto");
     if (bpmRange_ && options_.tempo == TempoMode::automatic) {
-        const BpmRange range = bpmRangeOf(*bpmRange_).value();
+        const NumberRange range = bpmRangeOf(*bpmRange_).value();
         options_.lowestBpm = range.lowest;
         options_.highestBpm = range.highest;
     }

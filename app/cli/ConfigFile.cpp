@@ -129,7 +129,8 @@ void ConfigFile::parseLine(const std::string& line, int number, std::string& com
         const std::string heading = *valueOf(line);
         if (heading.back() != ']') refuse(number, "] is missing");
         command = trimmed(heading.substr(1, heading.size() - 2));
-        if (command.empty()) refuse(number, "[] names no command");
+        if (command.empty()) refuse(number, "[] names no command: [export], say");
+        headings_.push_back({number, command});
         return;
     }
     const std::size_t sign = line.find('=');
@@ -140,25 +141,29 @@ void ConfigFile::parseLine(const std::string& line, int number, std::string& com
     settings_.push_back({number, command, trimmed(line.substr(0, sign)), *value});
 }
 
-void ConfigFile::requireKnown(const CLI::App& program, const Setting& setting) const {
+void ConfigFile::requireKnown(const CLI::App& program, const Heading& heading) const {
     std::vector<std::string> commands;
+    for (const CLI::App* command : program.get_subcommands({}))
+        commands.push_back(command->get_name());
+    if (std::find(commands.begin(), commands.end(), heading.command) == commands.end())
+        refuse(heading.line, "there is no command " + base::displayName(heading.command) +
+                                 suggestion(heading.command, commands));
+}
+
+void ConfigFile::requireKnown(const CLI::App& program, const Setting& setting) const {
     std::vector<std::string> names;
     for (const CLI::App* command : program.get_subcommands({})) {
-        commands.push_back(command->get_name());
         if (!setting.command.empty() && command->get_name() != setting.command) continue;
         const std::vector<std::string> own = settingNames(*command);
         names.insert(names.end(), own.begin(), own.end());
     }
-    if (!setting.command.empty() &&
-        std::find(commands.begin(), commands.end(), setting.command) == commands.end())
-        refuse(setting.line, "there is no command " + base::displayName(setting.command) +
-                                 suggestion(setting.command, commands));
     if (std::find(names.begin(), names.end(), setting.name) == names.end())
         refuse(setting.line, "there is no option " + base::displayName(setting.name) +
                                  suggestion(setting.name, names));
 }
 
 void ConfigFile::applyTo(CLI::App& program, const std::vector<std::string>& words) const {
+    for (const Heading& heading : headings_) requireKnown(program, heading);
     for (const Setting& setting : settings_) requireKnown(program, setting);
     CLI::App& command = *program.get_subcommand(words.front());
     for (const Setting& setting : settings_) {

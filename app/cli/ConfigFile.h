@@ -40,13 +40,21 @@ private:
         std::string value;
     };
 
+    /** "[export]", with or without settings below it. */
+    struct Heading {
+        int line;
+        std::string command;
+    };
+
     void parse(const std::string& text);
     void parseLine(const std::string& line, int number, std::string& command);
+    void requireKnown(const CLI::App& program, const Heading& heading) const;
     void requireKnown(const CLI::App& program, const Setting& setting) const;
     void apply(CLI::Option& option, const Setting& setting) const;
     [[noreturn]] void refuse(int line, const std::string& reason) const;
 
     std::string path_;
+    std::vector<Heading> headings_;
     std::vector<Setting> settings_;
 };
 

@@ -2,6 +2,7 @@
 #include "cli/ExportCommand.h"
 
 #include <algorithm>
+#include <utility>
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
@@ -13,6 +14,7 @@
 #include "base/displayName.h"
 #include "base/errors.h"
 #include "cli/bracketGuard.h"
+#include "cli/declaredOptions.h"
 #include "cli/keyNotation.h"
 #include "cli/messages.h"
 #include "cli/numberBetween.h"
@@ -63,16 +65,18 @@ std::string requirePeakBits(const std::string& text) {
 ExportCommand::ExportCommand() : framesPerPixel_(kUsualFramesPerPixel) {}
 
 void ExportCommand::declare(CLI::App& arguments) {
-    arguments.add_option("FILE", paths_, "tracks of any common audio format")
-        ->required()
-        ->option_text("...");
+    arguments.add_option("FILE", paths_, "tracks of any common audio format")->option_text("...");
     declareFormat(arguments);
     places_.declare(arguments);
     origin_.declare(arguments);
     addKeyNotation(arguments, keyNotation_);
-    analysis_.declare(arguments);
-    effort_.declare(arguments);
-    tracks_.declare(arguments);
+    analysisOptions_ = declaredOptions(arguments, [&] {
+        analysis_.declare(arguments);
+        effort_.declare(arguments);
+        tracks_.declareReading(arguments);
+    });
+    tracks_.declareTelling(arguments);
+    stored_.declare(arguments);
 }
 
 void ExportCommand::declareFormat(CLI::App& arguments) {
@@ -94,22 +98,48 @@ void ExportCommand::declareFormat(CLI::App& arguments) {
 ExitCode ExportCommand::run(ResultStream& results) {
     settle();
     const bool allDone = places_.isForEach() ? exportEach(results) : exportTogether(results);
-    tracks_.tellOutcome();
+    if (!isStored_) tracks_.tellOutcome();
     return allDone ? kExitDone : kExitFailed;
 }
 
 void ExportCommand::settle() {
-    analysis_.settle();
+    settleFormat();
+    settlePeaks();
+    isStored_ = stored_.isAskedFor();
+    if (isStored_ && !paths_.empty())
+        throw base::UsageError("name either files, which are analysed, or tracks of a catalogue");
+    if (!isStored_ && paths_.empty())
+        throw base::UsageError("FILE is missing, or --catalogue for tracks that are in one");
+    isStored_ ? settleStored() : settleFiles();
+}
+
+void ExportCommand::settleFormat() {
     format_ = &formatOf(formatName_);
     options_.toolVersion = toolVersion();
     const bool hasWaves = format_->tells == ExportFormat::Tells::everything;
     options_.withWaves = options_.withWaves && hasWaves;
     if (wavesOption_->count() > 0 && !hasWaves)
         throw base::UsageError("--waves goes with --to json or jsonl");
-    settlePeaks();
+}
+
+void ExportCommand::settleFiles() {
+    analysis_.settle();
     for (std::string& path : paths_) path = unguarded(path);
     tracks_.settle(paths_);
-    places_.settle(*format_, paths_);
+    places_.choose(*format_);
+    places_.settle(paths_);
+}
+
+/** Names are gathered only where each track gets a document of its own. */
+void ExportCommand::settleStored() {
+    if (const CLI::Option* given = firstGiven(analysisOptions_))
+        throw base::UsageError("nothing is analysed of what is in a catalogue: --" +
+                               given->get_lnames().front() + " goes with files");
+    stored_.open(*format_, options_.withWaves);
+    places_.choose(*format_);
+    places_.settle(places_.isForEach() ? stored_.paths() : std::vector<std::string>());
+    if (!places_.isForEach() && !places_.isStandardOutput())
+        stored_.refuseToReplace(places_.places().path(0));
 }
 
 void ExportCommand::settlePeaks() {
@@ -144,46 +174,67 @@ bool ExportCommand::exportTogether(ResultStream& results) {
 
 bool ExportCommand::addAll(const output::DocumentSink& write) {
     const auto writer = format_->make(options_, write);
-    bool allDone = true;
+    const TrackReceiver receiver = {
+        [](std::size_t) {},
+        [&](std::size_t, ExportedTrack track) { writer->add(track, track.peaksOrNull()); },
+        [&](const std::string& path, const std::string& reason) {
+            writer->addFailure(path, reason);
+        }};
     writer->begin();
     try {
-        for (const std::string& path : paths_) {
-            const auto exported = tracks_.attempt(
-                path, [&](ProgressLine& progress) { return examine(path, progress); });
-            if (exported) {
-                writer->add(*exported, exported->peaksOrNull());
-            } else {
-                allDone = false;
-                writer->addFailure(path, tracks_.failure());
-            }
-        }
+        const bool allDone = handOver(receiver);
+        writer->end();
+        return allDone;
     } catch (const base::Interrupted&) {
         writer->end();
-        tracks_.tellOutcome();
+        if (!isStored_) tracks_.tellOutcome();
         throw;
     }
-    writer->end();
-    return allDone;
 }
 
 bool ExportCommand::exportEach(ResultStream& results) {
+    const TrackReceiver receiver = {
+        [&](std::size_t number) {
+            if (!places_.isStandardOutput()) places_.places().requireFree(number);
+        },
+        [&](std::size_t number, ExportedTrack track) {
+            const std::string warning = writeOne(track, number, results);
+            if (!warning.empty()) printFileWarning(places_.places().path(number), warning);
+        },
+        [](const std::string&, const std::string&) {}};
+    return handOver(receiver);
+}
+
+/** @return whether every track could be had */
+bool ExportCommand::handOver(const TrackReceiver& receiver) {
+    if (!isStored_) return analyseEach(receiver);
+    TrackReceiver presented = receiver;
+    presented.take = [&](std::size_t number, ExportedTrack track) {
+        present(track);
+        receiver.take(number, std::move(track));
+    };
+    return stored_.handOver(presented);
+}
+
+bool ExportCommand::analyseEach(const TrackReceiver& receiver) {
     bool allDone = true;
     for (std::size_t i = 0; i < paths_.size(); ++i) {
-        std::string warning;
-        const auto exported = tracks_.attempt(paths_[i], [&](ProgressLine& progress) {
-            if (!places_.isStandardOutput()) places_.places().requireFree(i);
-            Exported found = examine(paths_[i], progress);
-            warning = writeOne(found, i, results);
-            return found;
+        auto exported = tracks_.attempt(paths_[i], [&](ProgressLine& progress) {
+            receiver.prepare(i);
+            return examine(paths_[i], progress);
         });
-        if (!warning.empty()) printFileWarning(places_.places().path(i), warning);
         allDone = allDone && exported.has_value();
+        if (exported) {
+            receiver.take(i, std::move(*exported));
+        } else {
+            receiver.takeFailure(paths_[i], tracks_.failure());
+        }
     }
     return allDone;
 }
 
 /** @return as OutputFile::commit() */
-std::string ExportCommand::writeOne(const Exported& exported, std::size_t track,
+std::string ExportCommand::writeOne(const ExportedTrack& exported, std::size_t number,
                                     ResultStream& results) const {
     const auto writeTo = [&](const output::DocumentSink& write) {
         const auto writer = format_->make(options_, write);
@@ -195,7 +246,7 @@ std::string ExportCommand::writeOne(const Exported& exported, std::size_t track,
         writeTo([&](std::string_view text) { results.write(text); });
         return {};
     }
-    media::OutputFile file(places_.places().path(track));
+    media::OutputFile file(places_.places().path(number));
     writeTo([&](std::string_view text) { file.write(text.data(), text.size()); });
     return file.commit();
 }
@@ -212,19 +263,22 @@ media::FileAnalysis::Options ExportCommand::reading(const std::string& path) con
     return options;
 }
 
-ExportCommand::Exported ExportCommand::examine(const std::string& path,
-                                               ProgressLine& progress) const {
+ExportedTrack ExportCommand::examine(const std::string& path, ProgressLine& progress) const {
     media::FileAnalysis::Options options = reading(path);
     PeakGatherer peaks(framesPerPixel_);
     if (tellsPeaks()) {
         options.alongside = [&](const media::StereoBlock& block) { peaks.put(block); };
         options.alongsideBytesPerFrame = peaks.bytesPerFrame();
     }
-    Exported exported{analyzeFile(path, options, progress), std::nullopt};
-    exported.keyNotation = keyNotation_;
-    countFrom(exported, origin_.origin());
+    ExportedTrack exported{analyzeFile(path, options, progress), std::nullopt};
+    present(exported);
     if (tellsPeaks()) exported.peaks = peaks.finish(exported.analysis.rate);
     return exported;
+}
+
+void ExportCommand::present(ExportedTrack& track) const {
+    track.keyNotation = keyNotation_;
+    countFrom(track, origin_.origin());
 }
 
 }  // namespace app

@@ -9,7 +9,9 @@
 #include "cli/Command.h"
 #include "cli/EffortArguments.h"
 #include "cli/ExportPlaces.h"
+#include "cli/ExportedTrack.h"
 #include "cli/OriginArguments.h"
+#include "cli/StoredExport.h"
 #include "cli/TrackArguments.h"
 #include "output/KeyName.h"
 #include "output/formats/ExportFormat.h"
@@ -20,8 +22,9 @@ class Option;
 
 namespace app {
 
-/** `beatatlas export FILE... --to FORMAT -o OUT`: what is found in tracks, for other programs. A
- *  track that fails keeps none of the others from being exported. */
+/** `beatatlas export FILE... --to FORMAT -o OUT`: what is found in tracks, for other programs; with
+ *  --catalogue what was found in tracks of a catalogue. A track that fails keeps none of the others
+ *  from being exported. */
 class ExportCommand : public Command {
 public:
     ExportCommand();
@@ -34,24 +37,25 @@ public:
     ExitCode run(ResultStream& results) override;
 
 private:
-    /** What goes into a document. */
-    struct Exported : output::TrackReport {
-        std::optional<output::Peaks> peaks;
-
-        const output::Peaks* peaksOrNull() const { return peaks ? &*peaks : nullptr; }
-    };
-
     void declareFormat(CLI::App& arguments);
     void settle();
+    void settleFormat();
     void settlePeaks();
+    void settleFiles();
+    void settleStored();
+    bool handOver(const TrackReceiver& receiver);
+    bool analyseEach(const TrackReceiver& receiver);
+    void present(ExportedTrack& track) const;
     bool exportTogether(ResultStream& results);
     bool addAll(const output::DocumentSink& write);
     bool exportEach(ResultStream& results);
-    std::string writeOne(const Exported& exported, std::size_t track, ResultStream& results) const;
+    std::string writeOne(const ExportedTrack& exported, std::size_t number,
+                         ResultStream& results) const;
     media::FileAnalysis::Options reading(const std::string& path) const;
-    Exported examine(const std::string& path, ProgressLine& progress) const;
+    ExportedTrack examine(const std::string& path, ProgressLine& progress) const;
     bool tellsPeaks() const;
 
+    std::vector<const CLI::Option*> analysisOptions_;
     const CLI::Option* wavesOption_ = nullptr;
     const CLI::Option* framesOption_ = nullptr;
     const CLI::Option* bitsOption_ = nullptr;
@@ -64,6 +68,8 @@ private:
     AnalysisArguments analysis_;
     EffortArguments effort_;
     TrackArguments tracks_;
+    StoredExport stored_;
+    bool isStored_ = false;
     std::optional<output::KeyNotation> keyNotation_;
     std::vector<std::string> paths_;
 };

@@ -35,20 +35,23 @@ void ExportPlaces::declare(CLI::App& arguments) {
                        "with a folder or a pattern: replace files that are there");
 }
 
-void ExportPlaces::settle(const output::ExportFormat& format,
-                          const std::vector<std::string>& tracks) {
-    const std::string place = unguarded(folder_ ? *folder_ : file_.value_or(kStandardOutput));
-    isForEach_ = true;
-    if (folder_ || isFolder(place))
-        return places_.settleFolder(tracks, place, format.ending, overwrites_);
-    if (place.find(kNameInPattern) != std::string::npos)
-        return places_.settlePattern(tracks, place, overwrites_);
-    isForEach_ = !format.holdsManyTracks;
+void ExportPlaces::choose(const output::ExportFormat& format) {
+    format_ = &format;
+    place_ = unguarded(folder_ ? *folder_ : file_.value_or(kStandardOutput));
+    isInFolder_ = folder_ || isFolder(place_);
+    isByPattern_ = !isInFolder_ && place_.find(kNameInPattern) != std::string::npos;
+    isForEach_ = isInFolder_ || isByPattern_ || !format.holdsManyTracks;
+    isStandardOutput_ = !isInFolder_ && place_ == kStandardOutput;
+}
+
+void ExportPlaces::settle(const std::vector<std::string>& tracks) {
+    const std::string& ending = format_->ending;
+    if (isInFolder_) return places_.settleFolder(tracks, place_, ending, overwrites_);
+    if (isByPattern_) return places_.settlePattern(tracks, place_, overwrites_);
     if (isForEach_ && tracks.size() > 1)
-        throw base::UsageError(format.name + " holds one track: several go to a folder (-d DIR), " +
-                               "or by a pattern (-o '{name}" + format.ending + "')");
-    isStandardOutput_ = place == kStandardOutput;
-    if (!isStandardOutput_) places_.settleFile(tracks, place, "result");
+        throw base::UsageError(format_->name + " holds one track: several go to a folder (-d DIR)" +
+                               ", or by a pattern (-o '{name}" + ending + "')");
+    if (!isStandardOutput_) places_.settleFile(tracks, place_, "result");
 }
 
 }  // namespace app

@@ -9,6 +9,8 @@
 #include <string_view>
 #include <system_error>
 
+#include <sys/stat.h>
+
 #include "base/displayName.h"
 #include "base/errors.h"
 #include "media/OutputFile.h"
@@ -88,18 +90,18 @@ std::vector<std::string> resultNames(const std::vector<std::string>& tracks,
 
 void ResultPlaces::settleFile(const std::vector<std::string>& tracks, const std::string& path,
                               const std::string& result) {
-    tracks_ = tracks;
+    keepFromReplacing(tracks);
     media::OutputFile::requireWritable(path);
     if (isTrack(path))
         throw base::UsageError("the " + result + " would replace " +
                                (tracks.size() == 1 ? "the track itself" : "one of the tracks"));
     overwrites_ = true;
-    paths_.assign(tracks.size(), path);
+    paths_.assign(std::max<std::size_t>(tracks.size(), 1), path);
 }
 
 void ResultPlaces::settleFolder(const std::vector<std::string>& tracks, const std::string& folder,
                                 const std::string& ending, bool overwrites) {
-    tracks_ = tracks;
+    keepFromReplacing(tracks);
     overwrites_ = overwrites;
     makeFolder(folder);
     for (const std::string& name : resultNames(tracks, ending))
@@ -108,7 +110,7 @@ void ResultPlaces::settleFolder(const std::vector<std::string>& tracks, const st
 
 void ResultPlaces::settlePattern(const std::vector<std::string>& tracks, const std::string& pattern,
                                  bool overwrites) {
-    tracks_ = tracks;
+    keepFromReplacing(tracks);
     overwrites_ = overwrites;
     const std::size_t at = pattern.find(kNameInPattern);
     const std::size_t length = std::string_view(kNameInPattern).size();
@@ -118,10 +120,23 @@ void ResultPlaces::settlePattern(const std::vector<std::string>& tracks, const s
     }
 }
 
+std::optional<ResultPlaces::Identity> ResultPlaces::identityOf(const std::string& path) {
+    struct stat status = {};
+    if (stat(path.c_str(), &status) != 0) return std::nullopt;
+    return Identity(status.st_dev, status.st_ino);
+}
+
+/** By their identities, since each result is compared with all of them. */
+void ResultPlaces::keepFromReplacing(const std::vector<std::string>& tracks) {
+    tracks_.clear();
+    for (const std::string& track : tracks) {
+        if (const auto identity = identityOf(track)) tracks_.insert(*identity);
+    }
+}
+
 bool ResultPlaces::isTrack(const std::string& path) const {
-    return std::any_of(tracks_.begin(), tracks_.end(), [&](const std::string& track) {
-        return media::OutputFile::isSameFile(track, path);
-    });
+    const auto identity = identityOf(path);
+    return identity && tracks_.contains(*identity);
 }
 
 void ResultPlaces::requireFree(std::size_t track) const {

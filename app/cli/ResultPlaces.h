@@ -1,15 +1,20 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <optional>
+#include <set>
 #include <string>
+#include <utility>
 #include <vector>
+
+#include <sys/types.h>
 
 namespace app {
 
 /** Where what is made of each track goes. No result ever replaces a track. */
 class ResultPlaces {
 public:
-    /** One result, whatever the number of tracks; a file that is there is replaced.
+    /** One result, whatever the number of tracks, even none; a file that is there is replaced.
      *  @param result  what it is called in messages: "picture"
      *  @throws OutputError when it cannot be written, UsageError when it would replace a track */
     void settleFile(const std::vector<std::string>& tracks, const std::string& path,
@@ -35,9 +40,14 @@ public:
     void requireFree(std::size_t track) const;
 
 private:
+    /** By which the system knows a file, whatever its names. */
+    using Identity = std::pair<dev_t, ino_t>;
+
+    static std::optional<Identity> identityOf(const std::string& path);
+    void keepFromReplacing(const std::vector<std::string>& tracks);
     bool isTrack(const std::string& path) const;
 
-    std::vector<std::string> tracks_;
+    std::set<Identity> tracks_;
     std::vector<std::string> paths_;
     bool overwrites_ = false;
 };

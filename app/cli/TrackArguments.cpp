@@ -22,6 +22,11 @@ std::string requireRawFormat(const std::string& text) {
 }  // namespace
 
 void TrackArguments::declare(CLI::App& arguments) {
+    declareReading(arguments);
+    declareTelling(arguments);
+}
+
+void TrackArguments::declareReading(CLI::App& arguments) {
     arguments
         .add_option("--raw", rawFormat_,
                     "with the FILE -: what comes in by standard input has no header; samples u8,\n"
@@ -31,6 +36,9 @@ void TrackArguments::declare(CLI::App& arguments) {
         ->option_text("FORMAT");
     arguments.add_flag("--partial", acceptsCutOff_,
                        "take what is there of a track that was cut off");
+}
+
+void TrackArguments::declareTelling(CLI::App& arguments) {
     arguments.add_flag("-q,--quiet", isQuiet_,
                        "tell nothing of progress; warnings and errors stay");
     arguments.add_flag("-v,--verbose", isVerbose_,

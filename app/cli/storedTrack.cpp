@@ -67,7 +67,8 @@ StoredTrack readStored(const catalogue::Catalogue& catalogue, catalogue::TrackSt
     stored.report.options = whole.options;
     stored.report.analysis = corrected(whole.result, edits);
     for (const catalogue::Edit& edit : edits)
-        stored.note.corrections.push_back({editName(edit.kind), edit.value, correctionText(edit)});
+        stored.report.corrections.push_back(
+            {editName(edit.kind), edit.value, correctionText(edit)});
     stored.note.foundBpm = whole.result.bpm;
     if (whole.result.key) stored.note.foundKey = whole.result.key->best();
     stored.note.madeAt = newest->madeAt;

@@ -40,18 +40,24 @@ std::int64_t flag(bool value) {
     return value ? 1 : 0;
 }
 
-SqlPart beginningSelection(const std::string& text, bool isGone) {
+/** One or two letters begin some of the index's sequences of three, unless they stand at the end of
+ *  the title, the last that is searched. */
+SqlPart shortTextSelection(const std::string& text) {
     SqlPart part;
-    part.add("SELECT id FROM tracks INDEXED BY tracks_by_artist WHERE is_gone = ? AND "
-             "artist_order >= ? AND artist_order < ? UNION ALL ",
-             flag(isGone), text, text + kLastLetter);
-    return part.add("SELECT id FROM tracks INDEXED BY tracks_by_title WHERE is_gone = ? AND "
-                    "title_order >= ? AND title_order < ?",
-                    flag(isGone), text, text + kLastLetter);
+    part.add("SELECT DISTINCT doc AS id FROM temp.search_sequences WHERE term >= ? AND term < ? "
+             "UNION ALL ",
+             text, text + kLastLetter);
+    // Those that end with it; and those whose last letter but one it is, if it is one.
+    part.add("SELECT id FROM tracks INDEXED BY tracks_by_last_letters WHERE "
+             "substr(title_order, -2) >= ? AND substr(title_order, -2) < ?",
+             text, text + kLastLetter);
+    return part.add(" UNION ALL SELECT id FROM tracks INDEXED BY tracks_by_last_letter WHERE "
+                    "substr(title_order, -1) = ?",
+                    text);
 }
 
-SqlPart textSelection(const std::string& text, bool isGone) {
-    if (lettersOf(text) < kIndexedLetters) return beginningSelection(text, isGone);
+SqlPart textSelection(const std::string& text) {
+    if (lettersOf(text) < kIndexedLetters) return shortTextSelection(text);
     return SqlPart().add("SELECT rowid AS id FROM track_search WHERE search MATCH ?", quoted(text));
 }
 
@@ -81,16 +87,6 @@ SqlPart keySelection(const TrackQuery& query) {
         part.add(" AND bpm BETWEEN ? AND ?", range.lowest, range.highest);
     }
     return part;
-}
-
-void addTextCondition(SqlPart& part, const std::string& text) {
-    if (lettersOf(text) >= kIndexedLetters) {
-        part.add(" AND instr(t.search, ?) > 0", text);
-        return;
-    }
-    part.add(" AND (t.artist_order >= ? AND t.artist_order < ? OR t.title_order >= ? AND "
-             "t.title_order < ?)",
-             text, text + kLastLetter, text, text + kLastLetter);
 }
 
 void addTempoCondition(SqlPart& part, const std::vector<BpmRange>& ranges) {
@@ -140,7 +136,8 @@ void SqlPart::bindTo(SQLite::Statement& statement) const {
 
 SqlPart rowConditions(const TrackQuery& query) {
     SqlPart part;
-    if (const std::string text = folded(query.text); !text.empty()) addTextCondition(part, text);
+    if (const std::string text = folded(query.text); !text.empty())
+        part.add(" AND instr(t.search, ?) > 0", text);
     addTempoCondition(part, query.bpm);
     if (!query.keys.empty()) {
         part.add(" AND t.key IN (").addList(query.keys).add(")");
@@ -166,7 +163,7 @@ std::vector<SqlPart> idSelections(const TrackQuery& query) {
                           "AND confidence < ?",
                           flag(query.isGone), *query.confidenceBelow));
     if (const std::string text = folded(query.text); !text.empty())
-        selections.push_back(textSelection(text, query.isGone));
+        selections.push_back(textSelection(text));
     return selections;
 }
 

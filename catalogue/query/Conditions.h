@@ -45,8 +45,13 @@ private:
 /** The conditions of a query on a row t of tracks, each beginning with AND. */
 SqlPart rowConditions(const TrackQuery& query);
 
+/** Makes what the selections look through beside the tables of the catalogue. */
+constexpr const char* kSearchSequences =
+    "CREATE VIRTUAL TABLE IF NOT EXISTS temp.search_sequences USING fts5vocab (main, "
+    "track_search, instance)";
+
 /** The ways in which an index finds the tracks that meet one of the conditions, or two: each
- *  selects ids, some perhaps twice. */
+ *  selects ids, some perhaps more than once. */
 std::vector<SqlPart> idSelections(const TrackQuery& query);
 
 }  // namespace catalogue

@@ -66,12 +66,15 @@ using Ids = std::vector<std::int64_t>;
 
 /** What is selected, each id once; nothing when that is more than the most. */
 std::optional<Ids> idsOf(const Catalogue& catalogue, const SqlPart& selection, std::int64_t most) {
+    // Many ids come more than once, few of them more than twice.
+    const std::int64_t limit = 2 * most + 1;
     SqlPart limited;
-    limited.add("SELECT id FROM (").add(selection).add(") LIMIT ?", 2 * most + 1);
+    limited.add("SELECT id FROM (").add(selection).add(") LIMIT ?", limit);
     SQLite::Statement statement(catalogue.database(), limited.text());
     limited.bindTo(statement);
     Ids ids;
     while (statement.executeStep()) ids.push_back(statement.getColumn(0).getInt64());
+    if (std::ssize(ids) == limit) return std::nullopt;
     std::sort(ids.begin(), ids.end());
     ids.erase(std::unique(ids.begin(), ids.end()), ids.end());
     if (static_cast<std::int64_t>(ids.size()) > most) return std::nullopt;
@@ -130,6 +133,7 @@ base::ListedTrack trackOf(const SQLite::Statement& row) {
 void listTracks(const Catalogue& catalogue, const TrackQuery& query,
                 const std::function<void(const base::ListedTrack&)>& show) {
     guarded(catalogue.path(), [&] {
+        if (!query.text.empty()) catalogue.database().exec(kSearchSequences);
         const SqlPart sql = statementOf(catalogue, query);
         SQLite::Statement statement(catalogue.database(), sql.text());
         sql.bindTo(statement);

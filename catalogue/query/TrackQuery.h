@@ -20,8 +20,7 @@ struct BpmRange {
 
 /** What tracks are asked for; every condition that is given must hold. */
 struct TrackQuery {
-    /** Somewhere in path, artist or title, without regard to capitals and accents. Shorter than
-     *  three letters: at the beginning of artist or title. */
+    /** Somewhere in path, artist or title, without regard to capitals and accents. */
     std::string text;
     /** Any of them; none: any tempo. */
     std::vector<BpmRange> bpm;

@@ -53,6 +53,8 @@ std::string matroskaTime(double seconds) {
 void FfmpegMetadata::add(const TrackReport& report, const Peaks*) {
     std::string text = ";FFMETADATA1\n";
     text += metadataLine("title", titleOf(report)) + metadataLine("artist", artistOf(report));
+    if (!report.corrections.empty())
+        text += metadataLine("comment", "Corrected by hand: " + correctionsText(report));
     const int rate = report.analysis.rate;
     for (const Section& section : sectionsOf(report)) {
         text += fmt::format("[CHAPTER]\nTIMEBASE=1/{}\nSTART={}\nEND={}\n", rate,

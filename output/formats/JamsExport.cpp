@@ -2,6 +2,7 @@
 #include "output/formats/JamsExport.h"
 
 #include <algorithm>
+#include <initializer_list>
 
 #include <nlohmann/json.hpp>
 
@@ -93,7 +94,20 @@ Json fileMetadata(const TrackReport& report) {
             {"jams_version", kJamsVersion}};
 }
 
-Json annotation(const char* name, Json data, const TrackReport& report,
+/** What an annotation says, of which corrections may be a part. */
+enum class Subject { tempo, key };
+
+std::string sourceOf(const TrackReport& report, std::initializer_list<Subject> subjects) {
+    const auto isOfThem = [&](const CorrectionNote& correction) {
+        const Subject subject = correction.isOfKey() ? Subject::key : Subject::tempo;
+        return std::find(subjects.begin(), subjects.end(), subject) != subjects.end();
+    };
+    const bool isCorrected =
+        std::any_of(report.corrections.begin(), report.corrections.end(), isOfThem);
+    return isCorrected ? "program, corrected by hand" : "program";
+}
+
+Json annotation(const char* name, Json data, const TrackReport& report, const std::string& source,
                 const std::string& toolVersion) {
     const double end = report.startSeconds() + report.analysis.seconds();
     return {{"namespace", name},
@@ -101,7 +115,7 @@ Json annotation(const char* name, Json data, const TrackReport& report,
             {"duration", std::max(0.0, end)},
             {"annotation_metadata",
              {{"annotation_tools", "beatatlas " + toolVersion},
-              {"data_source", "program"},
+              {"data_source", source},
               {"version", toolVersion}}},
             {"data", std::move(data)},
             {"sandbox", Json::object()}};
@@ -111,15 +125,17 @@ Json annotation(const char* name, Json data, const TrackReport& report,
 
 void JamsExport::add(const TrackReport& report, const Peaks*) {
     Json annotations = Json::array();
-    const auto annotate = [&](const char* name, Json data) {
-        annotations.push_back(annotation(name, std::move(data), report, toolVersion_));
+    const auto annotate = [&](const char* name, Json data,
+                              std::initializer_list<Subject> subjects) {
+        annotations.push_back(
+            annotation(name, std::move(data), report, sourceOf(report, subjects), toolVersion_));
     };
     if (report.options.tempo != beatatlas::track::TempoMode::off) {
-        annotate("beat", beatData(report.analysis));
-        annotate("tempo", tempoData(report));
+        annotate("beat", beatData(report.analysis), {Subject::tempo});
+        annotate("tempo", tempoData(report), {Subject::tempo});
     }
-    if (report.options.wantsKey) annotate("key_mode", keyData(report.analysis));
-    annotate("segment_open", sectionData(report));
+    if (report.options.wantsKey) annotate("key_mode", keyData(report.analysis), {Subject::key});
+    annotate("segment_open", sectionData(report), {Subject::tempo, Subject::key});
     const Json document = {{"file_metadata", fileMetadata(report)},
                            {"annotations", std::move(annotations)},
                            {"sandbox", Json::object()}};

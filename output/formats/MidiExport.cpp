@@ -82,9 +82,11 @@ std::string metreData(const MetreEvent& metre) {
     return data;
 }
 
-MidiTrack tempoTrack(const TempoMap& map, const std::string& name) {
+MidiTrack tempoTrack(const TempoMap& map, const TrackReport& report) {
     MidiTrack track;
-    track.addMeta(0, kMetaName, name);
+    track.addMeta(0, kMetaName, trackName(report));
+    if (!report.corrections.empty())
+        track.addMeta(0, kMetaText, "Corrected by hand: " + correctionsText(report));
     auto tempo = map.tempos.begin();
     auto metre = map.metres.begin();
     while (tempo != map.tempos.end() || metre != map.metres.end()) {
@@ -128,7 +130,7 @@ void MidiExport::add(const TrackReport& report, const Peaks*) {
     const std::string header = "MThd" + bigEndian(kHeaderBytes, 4) +
                                bigEndian(kSimultaneousTracks, 2) + bigEndian(2, 2) +
                                bigEndian(kTicksPerQuarter, 2);
-    write_(header + tempoTrack(map, trackName(report)).chunk() + clickTrack(map).chunk());
+    write_(header + tempoTrack(map, report).chunk() + clickTrack(map).chunk());
 }
 
 }  // namespace output

@@ -21,7 +21,8 @@ Fields columns() {
     return {"file",    "artist",         "title",          "seconds",
             "bpm",     "steady",         "bpm_confidence", "beats",
             "bars",    "first_beat",     "first_downbeat", "key",
-            "camelot", "key_confidence", "tuning_hz",      "error"};
+            "camelot", "key_confidence", "tuning_hz",      "corrected",
+            "error"};
 }
 
 void append(Fields& fields, const Fields& more) {
@@ -65,7 +66,7 @@ void TracksCsv::add(const TrackReport& report, const Peaks*) {
     append(fields, tempoFields(report.analysis));
     append(fields, beatFields(report.analysis.beats));
     append(fields, keyFields(report));
-    fields.emplace_back();
+    append(fields, {report.corrections.empty() ? "no" : "yes", ""});
     write_(csvLine(fields));
 }
 

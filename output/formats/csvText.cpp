@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "output/formats/csvText.h"
 
+#include <cmath>
+
 #include <fmt/format.h>
 
 namespace output {
@@ -20,6 +22,11 @@ std::string csvLine(const std::vector<std::string>& fields) {
     for (const std::string& field : fields) line += csvField(field) + ",";
     if (!line.empty()) line.pop_back();
     return line + "\n";
+}
+
+std::string shortNumber(double number, int places) {
+    const double steps = std::pow(10.0, places);
+    return fmt::format("{}", std::round(number * steps) / steps);
 }
 
 std::string csvSeconds(double seconds) {

@@ -21,6 +21,10 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
+// As far as shares of tracks were counted, and less than the distance of two samples.
+constexpr int kConfidencePlaces = 4;
+constexpr int kSecondsPlaces = 6;
+
 class TableList : public ListWriter {
 public:
     TableList(TextSink write, const std::optional<KeyNotation>& notation)
@@ -98,19 +102,19 @@ public:
 
     void add(const base::ListedTrack& entry) override {
         writeRow({csvField(utf8Text(entry.path)), csvField(utf8Text(entry.artist)),
-                  csvField(utf8Text(entry.title)), fmt::format("{}", entry.seconds),
+                  csvField(utf8Text(entry.title)), shortNumber(entry.seconds, kSecondsPlaces),
                   entry.bpm ? bpmText(*entry.bpm) : "",
                   entry.key ? KeyName(*entry.key).musical() : "",
                   entry.key ? KeyName(*entry.key).camelot() : "",
-                  entry.confidence ? fmt::format("{}", *entry.confidence) : "",
+                  entry.confidence ? shortNumber(*entry.confidence, kConfidencePlaces) : "",
                   entry.isCorrected ? "1" : "0", entry.isGone ? "1" : "0"});
     }
 
-    void beginFailures() override { write_("file,kind,reason,attempts\r\n"); }
+    void beginFailures() override { write_("file,error,kind,attempts\r\n"); }
 
     void add(const base::ListedFailure& entry) override {
-        writeRow({csvField(utf8Text(entry.path)), csvField(entry.kind),
-                  csvField(utf8Text(entry.reason)), fmt::format("{}", entry.attempts)});
+        writeRow({csvField(utf8Text(entry.path)), csvField(utf8Text(entry.reason)),
+                  csvField(entry.kind), fmt::format("{}", entry.attempts)});
     }
 
 private:

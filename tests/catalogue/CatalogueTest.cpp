@@ -61,18 +61,18 @@ TEST_F(CatalogueFile, IsMadeOnlyWhenAskedFor) {
 TEST_F(CatalogueFile, SaysWhatItIs) {
     const Catalogue made(path_, Access::create);
     EXPECT_EQ(valueOf(made, "PRAGMA application_id"), std::to_string(0x42744174));
-    EXPECT_EQ(valueOf(made, "PRAGMA user_version"), "3");
+    EXPECT_EQ(valueOf(made, "PRAGMA user_version"), "4");
     EXPECT_EQ(valueOf(made, "PRAGMA journal_mode"), "wal");
     EXPECT_EQ(valueOf(made, "PRAGMA foreign_keys"), "1");
 }
 
 TEST_F(CatalogueFile, OfANewerVersionIsRefusedAndLeftAsItIs) {
     { const Catalogue made(path_, Access::create); }
-    execute("PRAGMA user_version = 4; PRAGMA journal_mode = DELETE");
+    execute("PRAGMA user_version = 5; PRAGMA journal_mode = DELETE");
     const std::string before = test::readFile(path_);
     for (const Access access : {Access::read, Access::write, Access::create})
-        EXPECT_EQ(refusalOf(access), path_ + ": is a catalogue of version 4; this program knows "
-                                             "versions up to 3");
+        EXPECT_EQ(refusalOf(access), path_ + ": is a catalogue of version 5; this program knows "
+                                             "versions up to 4");
     EXPECT_EQ(test::readFile(path_), before);
 }
 
@@ -131,7 +131,7 @@ TEST_F(CatalogueFile, OfAnOlderVersionIsBroughtUpToDateWithACopyBeside) {
     makeVersionOne(path_);
     EXPECT_THAT(refusalOf(Access::read), HasSubstr("is a catalogue of an older version"));
     const Catalogue catalogue(path_, Access::write);
-    EXPECT_EQ(valueOf(catalogue, "PRAGMA user_version"), "3");
+    EXPECT_EQ(valueOf(catalogue, "PRAGMA user_version"), "4");
     EXPECT_EQ(valueOf(catalogue, "SELECT search FROM tracks"), "/musik/a.mp3\nartist\nsong");
     EXPECT_EQ(valueOf(catalogue, "SELECT rowid FROM track_search WHERE search MATCH 'usi'"), "1");
     EXPECT_EQ(valueOf(catalogue, "PRAGMA integrity_check"), "ok");

@@ -6,7 +6,8 @@
 
 What they see is compared with the JSON document of the tool, and the table of it with the one in
 docs/formats.md, which --update writes anew. The demo track: 2 minutes at 126 BPM in A minor. A second
-track is its first minute twice, faster and higher by an eighth the second time.
+track is its first minute twice, faster and higher by an eighth the second time. read_tracks.py does
+the same for any tracks.
 """
 import csv
 import importlib.metadata
@@ -20,57 +21,15 @@ import subprocess
 import sys
 from pathlib import Path
 
-import jsonschema
 import mido
 
-SOURCES, FOLDER, MAKE_TRACK, TOOL = (Path(word).absolute() for word in sys.argv[1:5])
+from outside import (LABEL, MAKE_TRACK, SOURCES, TOOL, analysis_validator, begin, jams_validator,
+                     outside, probed, tool, version)
+
 TRACK = "track.wav"
 CHANGING = "changing.wav"
 TABLE_BEGIN = "<!-- written by tests/formats/read_back.py -->\n"
 TABLE_END = "<!-- end -->\n"
-
-
-def tool(*words, status=0, **options):
-    """What the tool writes to standard output."""
-    run = subprocess.run([TOOL, *words], capture_output=True, check=False, **options)
-    assert run.returncode == status, (words, run.returncode, run.stderr.decode())
-    return run.stdout
-
-
-def outside(*words, data=None):
-    """What another program writes to standard output; it has to succeed."""
-    return subprocess.run(words, input=data, capture_output=True, check=True).stdout.decode()
-
-
-def version(*words):
-    return re.search(r"[0-9]+\.[0-9]+(\.[0-9]+)?", outside(*words)).group()
-
-
-def closed(schema):
-    """The schema without room for members that it does not name."""
-    if isinstance(schema, list):
-        return [closed(part) for part in schema]
-    if not isinstance(schema, dict):
-        return schema
-    result = {name: closed(part) for name, part in schema.items()}
-    names_members = "properties" in schema and isinstance(schema["properties"], dict)
-    is_name_alone = names_members and "camelot" in schema["properties"]
-    if names_members and not is_name_alone and ("required" in schema or "allOf" in schema):
-        result["unevaluatedProperties"] = False
-    return result
-
-
-def validator(path):
-    schema = json.loads(path.read_text())
-    kind = jsonschema.validators.validator_for(schema)
-    kind.check_schema(schema)
-    return kind
-
-
-def analysis_validator():
-    path = SOURCES / "docs/analysis.schema.json"
-    kind = validator(path)
-    return kind(closed(json.loads(path.read_text())))
 
 
 def check_schema_has_teeth(check, document):
@@ -132,8 +91,7 @@ def read_csv_tracks(track):
 
 
 def read_jams(track):
-    path = SOURCES / "tests/formats/jams.schema.json"
-    check = validator(path)(json.loads(path.read_text()))
+    check = jams_validator()
     document = json.loads(tool("export", "--to", "jams", TRACK))
     check.validate(document)
     check.validate(json.loads(tool("export", "--to", "jams", "--offset=-60000", TRACK)))
@@ -145,10 +103,6 @@ def read_jams(track):
     return (f"python3-jsonschema {importlib.metadata.version('jsonschema')}",
             ", ".join(f"{len(values)} in {name}" for name, values in data.items()) +
             f"; {data['key_mode'][0]['value']}")
-
-
-# "Each label is on a line of its own: start and end time in seconds, tab, label."
-LABEL = re.compile(r"^(-?\d+\.\d{6})\t(-?\d+\.\d{6})\t([^\t\n]*)$")
 
 
 def read_audacity(track, kind, chosen):
@@ -197,11 +151,6 @@ def check_chapters(chapters, changing):
                            (chapters[1]["start_time"], change),
                            (chapters[1]["end_time"], changing["seconds"])):
         assert abs(float(time) - expected) < 1e-4
-
-
-def probed(*words):
-    return json.loads(outside("ffprobe", "-v", "error", "-show_chapters", "-of", "json",
-                              *words))["chapters"]
 
 
 def read_ffmetadata(changing):
@@ -296,10 +245,7 @@ def without_versions(text):
 
 
 def main():
-    os.environ["XDG_CONFIG_HOME"] = str(FOLDER / "settings")
-    shutil.rmtree(FOLDER, ignore_errors=True)
-    FOLDER.mkdir(parents=True)
-    os.chdir(FOLDER)
+    begin()
     subprocess.run([MAKE_TRACK, TRACK], check=True)
     outside("ffmpeg", "-v", "error", "-i", TRACK, "-filter_complex",
             "[0]atrim=0:60[a];[0]atrim=0:60,asetrate=49612,aresample=44100[b];"

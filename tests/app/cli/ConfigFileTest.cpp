@@ -96,7 +96,9 @@ TEST_F(ConfigFile, IsRefusedWithFileAndLine) {
                 HasSubstr("beatatlas/config.ini:2: there is no option key-notatoin; did you mean "
                           "key-notation?"));
     EXPECT_THAT(refusal("[exprot]\nto = csv\n"),
-                HasSubstr(":2: there is no command exprot; did you mean export?"));
+                HasSubstr(":1: there is no command exprot; did you mean export?"));
+    EXPECT_THAT(refusal("to = csv\n[lits]\n"),
+                HasSubstr(":2: there is no command lits; did you mean list?"));
     EXPECT_THAT(refusal("[pitch]\nbpm-range = 80:160\n"),
                 HasSubstr(":2: there is no option bpm-range"));
     EXPECT_THAT(refusal("memory = lots\n"), HasSubstr(":1: --memory: takes a size such as"));
@@ -105,7 +107,7 @@ TEST_F(ConfigFile, IsRefusedWithFileAndLine) {
     EXPECT_THAT(refusal("memory\n"), HasSubstr(":1: is neither OPTION = VALUE nor [COMMAND]"));
     EXPECT_THAT(refusal("= 2G\n"), HasSubstr(":1: is neither"));
     EXPECT_THAT(refusal("[draw\n"), HasSubstr(":1: ] is missing"));
-    EXPECT_THAT(refusal("[ ]\n"), HasSubstr(":1: [] names no command"));
+    EXPECT_THAT(refusal("[ ]\n"), HasSubstr(":1: [] names no command: [export], say"));
     EXPECT_THAT(refusal("memory = \"2G\n"), HasSubstr(":1: \" is missing"));
     for (const std::string end : {"help", "version", "config", "no-config", "FILE"})
         EXPECT_THAT(refusal(end + " = true\n"), HasSubstr(":1: there is no option " + end));

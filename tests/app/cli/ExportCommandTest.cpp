@@ -147,17 +147,28 @@ TEST_F(ExportCommand, CountsFromTheFilesBeginningWhereToldTo) {
     EXPECT_EQ(file["beats"][0]["frame"].get<int>(), music["beats"][0]["frame"].get<int>() + 583);
 }
 
+// A disk that is full in the middle: half of what the whole document takes.
 TEST_F(ExportCommand, LeavesNothingBehindWhenTheFileMayNotGrow) {
     struct rlimit own = {};
     getrlimit(RLIMIT_FSIZE, &own);
-    const struct rlimit small = {512, own.rlim_max};
-    for (const std::string format : {"json", "csv", "waveform", "jams"}) {
-        setrlimit(RLIMIT_FSIZE, &small);
-        const ToolRun run = exported({"--to", format, "-o", folder_.file("out"), track_});
-        setrlimit(RLIMIT_FSIZE, &own);
-        EXPECT_EQ(run.exitStatus, 1);
-        EXPECT_THAT(run.err, HasSubstr("out cannot be written: File too large")) << format;
-        EXPECT_THAT(folder_.names(), ElementsAre("a.wav", "b.wav"));
+    const std::string out = folder_.file("out");
+    for (const output::ExportFormat& format : output::exportFormats()) {
+        const std::vector<std::string> words = {"--to", format.name, "-o", out, track_};
+        ASSERT_EQ(exported(words).exitStatus, 0);
+        const std::string whole = test::readFile(out);
+        ASSERT_GT(whole.size(), 1U) << format.name;
+        const struct rlimit half = {whole.size() / 2, own.rlim_max};
+        for (const bool isThere : {true, false}) {
+            if (!isThere) std::filesystem::remove(out);
+            setrlimit(RLIMIT_FSIZE, &half);
+            const ToolRun run = exported(words);
+            setrlimit(RLIMIT_FSIZE, &own);
+            EXPECT_EQ(run.exitStatus, 1);
+            EXPECT_THAT(run.err, HasSubstr("out cannot be written: File too large")) << format.name;
+            // The document of before, or none.
+            EXPECT_EQ(test::readFile(out), isThere ? whole : "") << format.name;
+            EXPECT_EQ(folder_.names().size(), isThere ? 3U : 2U);
+        }
     }
 }
 

@@ -63,6 +63,13 @@ TEST_F(ListCommand, FindsWhatMixesWithATrackOrAKey) {
     // 96 BPM is 20 percent below 120.
     EXPECT_THAT(names({"--compatible-with", "/music/a.mp3", "--within", "20"}),
                 ElementsAre("b, \"c\".mp3", "z\\xFF\\n.mp3"));
+    // Further conditions narrow what mixes, also to nothing.
+    EXPECT_THAT(names({"--compatible-with", "8A", "--key", "9A"}), ElementsAre("b, \"c\".mp3"));
+    EXPECT_THAT(names({"--compatible-with", "8A", "--key", "3A"}), IsEmpty());
+    EXPECT_THAT(names({"--compatible-with", "8A", "--bpm", "100:130"}), ElementsAre("a.mp3"));
+    EXPECT_THAT(names({"--compatible-with", "/music/a.mp3", "--bpm", "239:241"}),
+                ElementsAre("z\\xFF\\n.mp3"));
+    EXPECT_THAT(names({"--compatible-with", "/music/a.mp3", "--bpm", "90:100"}), IsEmpty());
     EXPECT_EQ(catalogued("list", {"--compatible-with", "/music/none"}).exitStatus, 2);
     EXPECT_THAT(catalogued("list", {"--compatible-with", "/music/silence.wav"}).err,
                 HasSubstr("has neither a key nor a tempo"));
@@ -106,7 +113,7 @@ TEST_F(ListCommand, ListsFailuresInEveryFormat) {
     EXPECT_EQ(catalogued("list", {"--failed"}).out,
               "/music/bad.mp3: is cut off (damaged, 1 attempt)\n");
     EXPECT_EQ(catalogued("list", {"--failed", "--format", "csv"}).out,
-              "file,kind,reason,attempts\r\n/music/bad.mp3,damaged,is cut off,1\r\n");
+              "file,error,kind,attempts\r\n/music/bad.mp3,is cut off,damaged,1\r\n");
     EXPECT_EQ(Json::parse(catalogued("list", {"--failed", "--format", "jsonl"}).out)["error"],
               "is cut off");
     EXPECT_EQ(catalogued("list", {"--failed", "--format", "m3u8"}).out,
@@ -125,7 +132,6 @@ TEST_F(ListCommand, RefusesWhatItDoesNotKnow) {
         {{"--limit", "-1"}, "--limit: takes a whole number"},
         {{"--within", "5"}, "--within goes with --compatible-with"},
         {{"--within", "5", "--compatible-with", "8A"}, "--within goes with a track"},
-        {{"--key", "8A", "--compatible-with", "8A"}, "--compatible-with goes with neither"},
         {{"--failed", "--gone"}, "--failed goes with"}};
     for (const auto& [arguments, message] : lines) {
         const ToolRun run = catalogued("list", arguments);

@@ -127,6 +127,54 @@ TEST_F(TagCommand, TakesNamesOfAnyBytes) {
     EXPECT_EQ(runTool({"tag", "--write", "--backup", "--overwrite", track}).exitStatus, 1);
 }
 
+TEST_F(TagCommand, TakesANameThatLooksLikeAnOption) {
+    write("--write.flac", {"flac", "flac"});
+    ToolRun run;
+    run.arguments = {"tag", "--write", "--", "--write.flac"};
+    run.folder = folder_.path();
+    EXPECT_EQ(run.run().exitStatus, 0) << run.err;
+    EXPECT_THAT(run.out, testing::StartsWith("--write.flac\n"));
+    EXPECT_THAT(run.run().out, HasSubstr("nothing to change"));
+}
+
+/** A field of ID3 of version 2.2: a name of three letters, three bytes of length, Latin-1. */
+std::string oldField(const std::string& name, const std::string& text) {
+    return name + std::string("\0\0", 2) + static_cast<char>(text.size() + 1) + '\0' + text;
+}
+
+TEST_F(TagCommand, BringsTheOldestId3UpToVersion3) {
+    const std::string track = write("a.mp3", {"mp3", "libmp3lame", "id3v2_version=0"});
+    const std::string fields = oldField("TT2", "Title") + oldField("TBP", "97");
+    const std::string head = std::string("ID3\2\0\0\0\0\0", 9) + static_cast<char>(fields.size());
+    test::writeFile(track, head + fields + test::readFile(track));
+    const ToolRun kept = runTool({"tag", "--write", track});
+    EXPECT_THAT(kept.out, HasSubstr("  = TBPM       97"));
+    const ToolRun run = runTool({"tag", "--write", "--overwrite", track});
+    EXPECT_EQ(run.exitStatus, 0) << run.err;
+    EXPECT_THAT(run.out, HasSubstr("  - TBPM       97\n  + TBPM       120\n"));
+    const std::string tagged = test::readFile(track);
+    EXPECT_EQ(tagged.substr(0, 4), "ID3\3");
+    EXPECT_THAT(tagged, HasSubstr("TIT2"));
+    EXPECT_THAT(tagged, HasSubstr("Title"));
+}
+
+std::string chunk(const std::string& name, const std::string& content) {
+    return name + static_cast<char>(content.size()) + std::string(3, '\0') + content;
+}
+
+TEST_F(TagCommand, LeavesTheOtherTagsOfAWaveFileAsTheyAre) {
+    const std::string track = write("a.wav", {"wav", "pcm_s16le"});
+    const std::string info = chunk("LIST", "INFO" + chunk("INAM", "A title."));
+    std::string bytes = test::readFile(track) + info;
+    for (std::size_t i = 0; i < 4; ++i)
+        bytes[4 + i] = static_cast<char>((bytes.size() - 8) >> (8 * i));
+    test::writeFile(track, bytes);
+    const ToolRun run = runTool({"tag", "--write", track});
+    EXPECT_EQ(run.exitStatus, 0) << run.err;
+    EXPECT_THAT(test::readFile(track), HasSubstr(info));
+    EXPECT_THAT(test::readFile(track), HasSubstr("TKEY"));
+}
+
 TEST_F(TagCommand, RefusesStandardInputAndLeavesAFileOfThatNameAlone) {
     const std::string track = write("-", {"flac", "flac"}, 2.0);
     const std::string before = test::readFile(track);

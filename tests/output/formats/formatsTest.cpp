@@ -10,6 +10,7 @@
 
 #include "base/displayName.h"
 #include "output/formats/ExportFormat.h"
+#include "output/formats/csvText.h"
 #include "support/Reports.h"
 
 namespace output {
@@ -67,6 +68,15 @@ TEST_P(EveryFormat, IsUtf8WhateverTheTrackIsCalled) {
     const std::string text = written(GetParam().name, {report});
     const bool isBinary = GetParam().name == "midi" || GetParam().name == "waveform";
     EXPECT_TRUE(isBinary || base::isUtf8(text)) << text;
+}
+
+TEST(ShortNumber, LeavesOutTheNoiseOfTheArithmetic) {
+    EXPECT_EQ(shortNumber(0.99 * 0.42, 4), "0.4158");
+    EXPECT_EQ(shortNumber(0.41579999999995, 4), "0.4158");
+    EXPECT_EQ(shortNumber(8.0, 6), "8");
+    EXPECT_EQ(shortNumber(1.0 / 3.0, 6), "0.333333");
+    EXPECT_EQ(shortNumber(1e9 + 0.25, 6), "1000000000.25");
+    EXPECT_EQ(shortNumber(0.00001, 4), "0");
 }
 
 TEST_P(EveryFormat, HasNoPositionBeforeZeroWhereItsReadersKnowNone) {

@@ -1,0 +1,190 @@
+// SPDX-License-Identifier: MIT
+#include "cli/ListFilters.h"
+
+#include <algorithm>
+#include <limits>
+#include <map>
+#include <vector>
+
+#include <CLI/CLI.hpp>
+
+#include "base/displayName.h"
+#include "base/errors.h"
+#include "catalogue/CatalogueError.h"
+#include "cli/NumberRange.h"
+#include "cli/bracketGuard.h"
+#include "cli/numberBetween.h"
+#include "cli/oneOf.h"
+#include "cli/storedTrack.h"
+#include "output/KeyName.h"
+
+namespace app {
+
+namespace {
+
+using catalogue::BpmRange;
+using catalogue::TrackQuery;
+using Order = TrackQuery::Order;
+
+constexpr double kLowestBpm = 1.0;
+constexpr double kHighestBpm = 10000.0;
+// What most players can change a tempo by.
+constexpr double kUsualPercent = 6.0;
+constexpr double kMostPercent = 30.0;
+// Answers of which one in five is wrong.
+constexpr double kSure = 0.8;
+// No track has this key, and none a tempo in this range.
+constexpr int kNoKey = -1;
+constexpr BpmRange kNoTempo = {1.0, 0.0};
+
+std::map<std::string, Order> orders() {
+    return {{"path", Order::path},   {"artist", Order::artist},
+            {"title", Order::title}, {"bpm", Order::bpm},
+            {"key", Order::key},     {"length", Order::length},
+            {"added", Order::added}, {"confidence", Order::confidence}};
+}
+
+std::optional<NumberRange> tempoRange(const std::string& text) {
+    return NumberRange::parse(text, kLowestBpm, kHighestBpm);
+}
+
+std::string requireTempo(const std::string& text) {
+    if (tempoRange(text)) return {};
+    return "takes a tempo or two such as 120:128, from 1 to 10000 BPM, the lower one first, not " +
+           text;
+}
+
+std::string requireKey(const std::string& text) {
+    if (output::KeyName::parse(text)) return {};
+    return "takes a key such as 8A, 1m, \"A minor\", Am or F#, not " + text;
+}
+
+/** Of the conditions so far, which may be none, what also meets the further ones. */
+void narrow(std::vector<int>& keys, std::vector<int> further) {
+    if (!keys.empty())
+        std::erase_if(further, [&](int key) {
+            return std::find(keys.begin(), keys.end(), key) == keys.end();
+        });
+    keys = further.empty() ? std::vector{kNoKey} : further;
+}
+
+void narrow(std::vector<BpmRange>& tempos, const std::vector<BpmRange>& further) {
+    const std::vector<BpmRange> before = tempos.empty() ? further : tempos;
+    tempos.clear();
+    for (const BpmRange& one : before) {
+        for (const BpmRange& other : further) {
+            const BpmRange both = {std::max(one.lowest, other.lowest),
+                                   std::min(one.highest, other.highest)};
+            if (both.lowest <= both.highest) tempos.push_back(both);
+        }
+    }
+    if (tempos.empty()) tempos = {kNoTempo};
+}
+
+/** @param shown  its name in messages */
+beatatlas::track::TrackResult companionOf(const catalogue::Catalogue& catalogue,
+                                          catalogue::TrackStore::Id track,
+                                          const std::string& shown) {
+    try {
+        return readStored(catalogue, track).report.analysis;
+    } catch (const catalogue::DamagedRecord& damage) {
+        throw catalogue::CatalogueError(shown + ": " + damage.what());
+    }
+}
+
+}  // namespace
+
+void ListFilters::declare(CLI::App& arguments, const std::string& textName) {
+    declareConditions(arguments, textName);
+    declareCompany(arguments);
+    declareOrder(arguments);
+}
+
+void ListFilters::declareConditions(CLI::App& arguments, const std::string& textName) {
+    arguments
+        .add_option(textName, query_.text,
+                    "what path, artist or title contain, whatever the capitals and accents")
+        ->option_text(textName.starts_with('-') ? "TEXT" : " ");
+    arguments.add_option("--bpm", bpm_, "of this tempo, or from one to another: 120:128")
+        ->check(CLI::Validator(requireTempo, ""))
+        ->option_text("LO:HI");
+    arguments.add_option("--key", key_, "in this key: 8A, 1m, \"A minor\", Am")
+        ->check(CLI::Validator(requireKey, ""))
+        ->option_text("KEY");
+    arguments.add_flag("--low-confidence", isUnsure_,
+                       "whose tempo or key is less certain than 0.8");
+    arguments.add_flag("--corrected", query_.isCorrected, "that somebody has corrected");
+    arguments.add_flag("--gone", query_.isGone, "that are no longer where they were");
+}
+
+void ListFilters::declareCompany(CLI::App& arguments) {
+    arguments
+        .add_option("--compatible-with", companion_,
+                    "what mixes with a track of the catalogue or a key: the same key, a fifth up\n"
+                    "or down, or the relative; of a track also about its tempo, half or double")
+        ->option_text("FILE|KEY");
+    arguments
+        .add_option("--within", withinPercent_,
+                    "with --compatible-with FILE: how far the tempos are apart, in percent\n"
+                    "(default: 6)")
+        ->check(numberBetween(0.0, kMostPercent))
+        ->option_text("PERCENT");
+}
+
+void ListFilters::declareOrder(CLI::App& arguments) {
+    arguments
+        .add_option(
+            "--sort", query_.order,
+            "path (default), artist, title, bpm, key, length, confidence or added; what is\n"
+            "missing comes first")
+        ->transform(oneOf(orders()))
+        ->option_text("ORDER");
+    arguments.add_flag("--reverse", query_.isReversed, "the other way round");
+    arguments.add_option("--limit", query_.limit, "no more than so many")
+        ->check(wholeNumberBetween(0, std::numeric_limits<int>::max()))
+        ->option_text("NUMBER");
+}
+
+bool ListFilters::isNarrowing() const {
+    return !query_.text.empty() || bpm_ || key_ || companion_ || isUnsure_ || query_.isCorrected ||
+           query_.isGone || query_.order != Order::path;
+}
+
+void ListFilters::settle() {
+    if (withinPercent_ && !companion_)
+        throw base::UsageError("--within goes with --compatible-with");
+    query_.text = unguarded(query_.text);
+    if (const auto range = bpm_ ? tempoRange(*bpm_) : std::nullopt)
+        query_.bpm = {{range->lowest, range->highest}};
+    if (const auto key = key_ ? output::KeyName::parse(*key_) : std::nullopt)
+        query_.keys = {key->number()};
+    if (isUnsure_) query_.confidenceBelow = kSure;
+}
+
+TrackQuery ListFilters::queryIn(const catalogue::Catalogue& catalogue) const {
+    TrackQuery query = query_;
+    if (companion_) addCompany(query, catalogue);
+    return query;
+}
+
+void ListFilters::addCompany(TrackQuery& query, const catalogue::Catalogue& catalogue) const {
+    const std::string name = unguarded(*companion_);
+    if (const auto key = output::KeyName::parse(name)) {
+        if (withinPercent_) throw base::UsageError("--within goes with a track, not with a key");
+        narrow(query.keys, catalogue::compatibleKeys(key->number()));
+        return;
+    }
+    catalogue::TrackStore store(catalogue);
+    const auto track = findStored(store, name);
+    const std::string shown = base::displayName(name);
+    if (!track) throw base::UsageError(shown + " is neither a key nor in the catalogue");
+    const beatatlas::track::TrackResult found = companionOf(catalogue, *track, shown);
+    if (!found.key && !found.bpm) throw base::UsageError(shown + " has neither a key nor a tempo");
+    if (found.key) narrow(query.keys, catalogue::compatibleKeys(found.key->best()));
+    if (found.bpm)
+        narrow(query.bpm,
+               catalogue::compatibleTempos(*found.bpm, withinPercent_.value_or(kUsualPercent)));
+    query.except = track;
+}
+
+}  // namespace app
