@@ -10,6 +10,7 @@ const kScheduleAhead = 2.5;
  *  the clicks play alone. */
 export class BufferPlayer extends Player {
     #load;
+    #decoding = null;
     #buffer = null;
     #source = null;
     #gain = null;
@@ -57,9 +58,25 @@ export class BufferPlayer extends Player {
             this.#gain.connect(this.context.destination);
         }
         await this.context.resume();
-        if (this.#buffer || !this.#load) return;
+        this.#buffer = await this.#decoded();
+    }
+
+    /** Decodes beforehand, which may take a second or two. */
+    prepare() {
+        // Whoever plays will be told why it failed.
+        this.#decoded().catch(() => {});
+    }
+
+    #decoded() {
+        this.#decoding ??= this.#decode();
+        return this.#decoding;
+    }
+
+    async #decode() {
+        if (!this.#load) return null;
         const bytes = await this.#load();
-        this.#buffer = await this.context.decodeAudioData(bytes);
+        // Unlike a context that sounds, this one may be made before anybody has asked for sound.
+        return new OfflineAudioContext(2, 1, this.rate).decodeAudioData(bytes);
     }
 
     #start() {

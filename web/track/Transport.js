@@ -37,13 +37,13 @@ export class Transport {
             this.#play,
             make('div', { class: 'clock', role: 'timer', 'aria-label': 'Position' },
                 this.#time, this.#place),
+            make('div', { class: 'group zooms' }, this.#zoomOut, this.#zoomIn),
             make('div', { class: 'group' }, this.#click,
                 volume('Volume of the click', settings.clickVolume, actions.setClickVolume)),
             settings.hasSound
                 ? make('div', { class: 'group' }, icon(kSound),
                     volume('Volume of the music', settings.volume, actions.setVolume))
-                : null,
-            make('div', { class: 'group zooms' }, this.#zoomOut, this.#zoomIn));
+                : null);
     }
 
     set isPlaying(playing) {

@@ -55,5 +55,7 @@ export function makeAnswers(data, grid) {
 
 function centsText(cents) {
     const rounded = Math.round(cents);
-    return rounded === 0 ? 'A4 is where it should be' : `A4 ${rounded > 0 ? '+' : ''}${rounded} cents`;
+    if (rounded === 0) return 'concert pitch';
+    const distance = Math.abs(rounded) === 1 ? '1 cent' : `${Math.abs(rounded)} cents`;
+    return `${distance} ${rounded > 0 ? 'above' : 'below'} 440`;
 }

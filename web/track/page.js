@@ -16,6 +16,7 @@ function soundOf(address) {
     const bytes = () => bytesOf(textOf('sound')).buffer;
     return {
         load: async () => bytes(),
+        isHere: true,
         get address() {
             return URL.createObjectURL(new Blob([bytes()], { type: 'audio/ogg' }));
         },

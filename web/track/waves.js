@@ -33,12 +33,14 @@ export function unpackWave(packed, bytesOf) {
     return { levels, colors: bytesOf(packed.colors) };
 }
 
-/** The zoom wave: levels from 0 to 1, colours from 0 to 7. */
+/** The zoom wave: peaks from 0 to 1, colours from 0 to 7. The library squares the peaks, which hides
+ *  all that is quiet; here they are drawn as they were. */
 export function unpackZoom(packed, bytesOf) {
     const points = bytesOf(packed.points);
     return {
         perSecond: packed.pointsPerSecond,
-        levels: Float32Array.from(points, (point) => Math.floor(point / kZoomColors) / kZoomFullLevel),
+        levels: Float32Array.from(points, (point) =>
+            Math.sqrt(Math.floor(point / kZoomColors) / kZoomFullLevel)),
         colors: points.map((point) => point % kZoomColors),
     };
 }
