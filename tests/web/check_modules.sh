@@ -19,7 +19,8 @@ tests)
         echo "Node $(node --version) is too old: not tested"
         exit $skipped
     fi
-    node --test "$sources/tests/web/"
+    mapfile -t tests < <(find "$sources/tests/web" -name '*.test.js' | sort)
+    node --test "${tests[@]}"
     ;;
 types)
     require tsc

@@ -69,7 +69,7 @@ TEST_F(ReportCommand, WritesToStandardOutput) {
 TEST_F(ReportCommand, RefersToTheFileWhereTheSoundIsTooLarge) {
     ToolRun run = runTool({"report", "--embed", "1K", track_, "-o", page_});
     EXPECT_EQ(run.exitStatus, 0);
-    EXPECT_THAT(run.err, HasSubstr("a.flac: its sound is not in the page"));
+    EXPECT_THAT(run.err, HasSubstr("a.flac: warning: its sound is not in the page"));
     EXPECT_EQ(addressIn(test::readFile(page_)), "a.flac");
     EXPECT_EQ(soundIn(test::readFile(page_)), "");
 }
