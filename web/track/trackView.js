@@ -94,7 +94,9 @@ class TrackView {
             this.#palette = null;
             this.#wake();
         };
-        new ResizeObserver(redraw).observe(this.#container);
+        const sizes = new ResizeObserver(redraw);
+        sizes.observe(this.#container);
+        signal.addEventListener('abort', () => sizes.disconnect());
         matchMedia('(prefers-color-scheme: dark)').addEventListener('change', redraw, { signal });
         listenToKeys({
             toggle: () => this.#toggle(),
@@ -239,8 +241,9 @@ class TrackView {
     }
 
     async destroy() {
-        cancelAnimationFrame(this.#frame);
         this.#listening.abort();
+        this.#player.onChange = () => {};
+        cancelAnimationFrame(this.#frame);
         this.#container.replaceChildren();
         await this.#player.close();
     }
