@@ -25,11 +25,7 @@ using Order = catalogue::TrackQuery::Order;
 
 constexpr double kLowestBpm = 1.0;
 constexpr double kHighestBpm = 10000.0;
-// What most players can change a tempo by.
-constexpr double kUsualPercent = 6.0;
 constexpr double kMostPercent = 30.0;
-// Answers of which one in five is wrong.
-constexpr double kSure = 0.8;
 constexpr std::size_t kBufferBytes = 65536;
 
 std::map<std::string, Order> orders() {
@@ -179,7 +175,7 @@ void ListCommand::settle() {
     query_.text = unguarded(query_.text);
     if (bpm_) query_.bpm = {rangeOf(*bpm_).value()};
     if (key_) query_.keys = {output::KeyName::parse(*key_).value().number()};
-    if (isUnsure_) query_.confidenceBelow = kSure;
+    if (isUnsure_) query_.confidenceBelow = catalogue::kSureConfidence;
 }
 
 /** @throws UsageError when the catalogue does not know what is to be mixed with */
@@ -199,7 +195,7 @@ void ListCommand::settleCompanion(const catalogue::Catalogue& catalogue) {
     if (found.key) query_.keys = catalogue::compatibleKeys(found.key->best());
     if (found.bpm)
         query_.bpm =
-            catalogue::compatibleTempos(*found.bpm, withinPercent_.value_or(kUsualPercent));
+            catalogue::compatibleTempos(*found.bpm, withinPercent_.value_or(catalogue::kUsualPercent));
     query_.except = track;
 }
 
