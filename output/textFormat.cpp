@@ -52,10 +52,10 @@ std::string utf8Text(const std::string& text) {
     return base::isUtf8(text) ? text : base::displayName(text);
 }
 
-std::string fileAddress(const std::string& path) {
+std::string addressPath(const std::string& path) {
     constexpr std::string_view kPlain = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ"
                                         "0123456789-._~/";
-    std::string address = "file://";
+    std::string address;
     for (const char letter : path) {
         if (kPlain.find(letter) != std::string_view::npos)
             address += letter;
@@ -63,6 +63,10 @@ std::string fileAddress(const std::string& path) {
             address += fmt::format("%{:02X}", static_cast<unsigned char>(letter));
     }
     return address;
+}
+
+std::string fileAddress(const std::string& path) {
+    return "file://" + addressPath(path);
 }
 
 }  // namespace output

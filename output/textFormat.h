@@ -25,6 +25,9 @@ std::string counted(std::int64_t number, const std::string& noun);
 /** Any bytes as UTF-8: as they are if they are UTF-8, else as base::displayName() shows them. */
 std::string utf8Text(const std::string& text);
 
+/** A path as a part of an address: "a%20b/c". @param path  any bytes */
+std::string addressPath(const std::string& path);
+
 /** The address of a file, for lines that cannot hold its name: "file:///a%20b". @param path
  *  absolute, any bytes */
 std::string fileAddress(const std::string& path);

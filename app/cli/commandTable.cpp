@@ -13,6 +13,7 @@
 #include "cli/ListCommand.h"
 #include "cli/MergeCommand.h"
 #include "cli/PitchCommand.h"
+#include "cli/ReportCommand.h"
 #include "cli/ScanCommand.h"
 #include "cli/ScanWorkerCommand.h"
 #include "cli/ShowCommand.h"
@@ -24,6 +25,7 @@ std::vector<std::unique_ptr<Command>> makeCommands() {
     std::vector<std::unique_ptr<Command>> commands;
     commands.push_back(std::make_unique<AnalyzeCommand>());
     commands.push_back(std::make_unique<DrawCommand>());
+    commands.push_back(std::make_unique<ReportCommand>());
     commands.push_back(std::make_unique<ExportCommand>());
     commands.push_back(std::make_unique<PitchCommand>());
     commands.push_back(std::make_unique<KeyCommand>());
