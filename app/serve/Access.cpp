@@ -101,9 +101,10 @@ bool Access::hasCookie(const HttpRequest& request) const {
 HttpReply Access::admission() const {
     HttpReply reply;
     reply.status = 303;
-    reply.headers = {{"Location", "/"},
-                     {"Set-Cookie", fmt::format("beatatlas-{}={}; HttpOnly; SameSite=Strict; Path=/",
-                                                port_, pass_)}};
+    reply.headers = {
+        {"Location", "/"},
+        {"Set-Cookie",
+         fmt::format("beatatlas-{}={}; HttpOnly; SameSite=Strict; Path=/", port_, pass_)}};
     return reply;
 }
 

@@ -26,7 +26,8 @@ constexpr int kPollMilliseconds = 100;
 
 }  // namespace
 
-Connection::Connection(int socket, std::shared_ptr<std::atomic<int>> open) : socket_(socket), open_(std::move(open)) {
+Connection::Connection(int socket, std::shared_ptr<std::atomic<int>> open)
+    : socket_(socket), open_(std::move(open)) {
     ++*open_;
 }
 
@@ -87,8 +88,8 @@ bool Connection::send(std::string_view bytes, const std::atomic<bool>& isStopped
 }
 
 void Connection::dismiss(const char* status) {
-    const std::string answer = std::string("HTTP/1.1 ") + status +
-                               "\r\nContent-Length: 0\r\nConnection: close\r\n\r\n";
+    const std::string answer =
+        std::string("HTTP/1.1 ") + status + "\r\nContent-Length: 0\r\nConnection: close\r\n\r\n";
     // A few bytes that nothing came before always have room.
     const ssize_t ignored =
         ::send(socket_, answer.data(), answer.size(), MSG_DONTWAIT | MSG_NOSIGNAL);

@@ -28,6 +28,23 @@ namespace {
 // them at most, see Application.
 constexpr int kThreads = 16;
 
+/** Every answer says what a browser may do with it: pages load nothing from elsewhere, run no script
+ *  of their text, stand in no frame; other sites read nothing and learn no address. */
+httplib::Headers securityHeaders() {
+    return {{"Content-Security-Policy",
+             "default-src 'none'; script-src 'self'; style-src 'self'; img-src 'self' data:; "
+             "connect-src 'self'; media-src 'self' blob:; base-uri 'none'; form-action 'none'; "
+             "frame-ancestors 'none'"},
+            {"X-Content-Type-Options", "nosniff"},
+            {"X-Frame-Options", "DENY"},
+            {"Referrer-Policy", "no-referrer"},
+            {"Cross-Origin-Opener-Policy", "same-origin"},
+            {"Cross-Origin-Resource-Policy", "same-origin"},
+            {"Cross-Origin-Embedder-Policy", "require-corp"},
+            {"Permissions-Policy", "camera=(), geolocation=(), microphone=()"},
+            {"Cache-Control", "no-store"}};
+}
+
 /** A request that has arrived, and the socket that takes its answer. */
 class ArrivedStream : public httplib::Stream {
 public:
@@ -54,7 +71,7 @@ public:
     void get_remote_ip_and_port(std::string& /*ip*/, int& /*port*/) const override {}
     void get_local_ip_and_port(std::string& /*ip*/, int& /*port*/) const override {}
     // Asked for only to see whether select() could watch it.
-    httplib::socket_t socket() const override { return 0; }
+    socket_t socket() const override { return 0; }
 
 private:
     Connection& connection_;
@@ -97,12 +114,12 @@ void setWriter(httplib::Response& response, HttpReply& reply) {
             [write](std::size_t, std::size_t, httplib::DataSink& sink) { return write(sink); });
         return;
     }
-    response.set_chunked_content_provider(
-        reply.type, [write](std::size_t, httplib::DataSink& sink) {
-            if (!write(sink)) return false;
-            sink.done();
-            return true;
-        });
+    response.set_chunked_content_provider(reply.type,
+                                          [write](std::size_t, httplib::DataSink& sink) {
+                                              if (!write(sink)) return false;
+                                              sink.done();
+                                              return true;
+                                          });
 }
 
 void setReply(httplib::Response& response, HttpReply reply) {
@@ -121,10 +138,12 @@ public:
     explicit Protocol(HttpServer::Handler handler) : handler_(std::move(handler)) {
         // The library stops writing where it has no socket of its own.
         svr_sock_ = 0;
-        set_pre_routing_handler([this](const httplib::Request& request, httplib::Response& response) {
-            setReply(response, answer(requestOf(request)));
-            return HandlerResponse::Handled;
-        });
+        set_default_headers(securityHeaders());
+        set_pre_routing_handler(
+            [this](const httplib::Request& request, httplib::Response& response) {
+                setReply(response, answer(requestOf(request)));
+                return HandlerResponse::Handled;
+            });
     }
     ~Protocol() override { svr_sock_ = INVALID_SOCKET; }
     Protocol(const Protocol&) = delete;

@@ -15,7 +15,8 @@ public:
     using Handler = std::function<HttpReply(const HttpRequest&)>;
 
     /** @param listening  as Listener::socket() */
-    HttpServer(int listening, Handler handler) : listening_(listening), handler_(std::move(handler)) {}
+    HttpServer(int listening, Handler handler)
+        : listening_(listening), handler_(std::move(handler)) {}
 
     /** Returns once the program is asked to end, see base::Interrupt; answers that are under way
      *  then are cut off. */

@@ -20,10 +20,10 @@ constexpr double kHighestBpm = 10000.0;
 constexpr std::size_t kLongestText = 1000;
 
 constexpr std::array kOrders = {
-    std::pair("path", Order::path),     std::pair("artist", Order::artist),
-    std::pair("title", Order::title),   std::pair("bpm", Order::bpm),
-    std::pair("key", Order::key),       std::pair("length", Order::length),
-    std::pair("added", Order::added),   std::pair("confidence", Order::confidence),
+    std::pair("path", Order::path),   std::pair("artist", Order::artist),
+    std::pair("title", Order::title), std::pair("bpm", Order::bpm),
+    std::pair("key", Order::key),     std::pair("length", Order::length),
+    std::pair("added", Order::added), std::pair("confidence", Order::confidence),
 };
 
 template <class Number>
