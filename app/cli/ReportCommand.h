@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
@@ -29,15 +30,21 @@ public:
 
 private:
     bool reportTrack(std::size_t track, ResultStream& results);
+    output::PageSound soundFor(const output::TrackReport& report, std::size_t track,
+                               ProgressLine& progress) const;
+    std::string pagePath(std::size_t track) const;
     /** @return as OutputFile::commit() */
-    std::string write(const output::TrackReport& report, std::size_t track,
-                      ResultStream& results) const;
+    std::string write(const output::TrackReport& report, const output::PageSound& sound,
+                      std::size_t track, ResultStream& results) const;
 
     AnalysisArguments analysis_;
     EffortArguments effort_;
     TrackArguments tracks_;
     PagePlaces places_;
     std::optional<output::KeyNotation> keyNotation_;
+    std::string embedding_;
+    bool embedsNothing_ = false;
+    std::int64_t mostEmbeddedBytes_ = 0;
     std::vector<std::string> paths_;
 };
 

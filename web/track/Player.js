@@ -1,0 +1,91 @@
+// SPDX-License-Identifier: MIT
+import { Metronome } from './Metronome.js';
+
+// Timers of hidden pages may run once a second only.
+const kScheduleEveryMs = 200;
+
+/** Plays a track with clicks on its beats: what both ways to play have in common. They differ in
+ *  where the music comes from and in how exactly its clock is known. */
+export class Player {
+    #grid = [];
+    #metronome = null;
+    #timer = 0;
+    #scheduledTo = 0;
+    #clicks = true;
+    #clickVolume;
+
+    /** Called when it starts, stops or jumps. */
+    onChange = () => {};
+
+    constructor(seconds, clickVolume) {
+        this.seconds = seconds;
+        this.#clickVolume = clickVolume;
+    }
+
+    /** Made by the first play(): browsers let no page sound before somebody asks for it. */
+    context = null;
+
+    /** Where the music is, as it is heard now, in seconds of the track. */
+    get position() {
+        return Math.min(Math.max(0, this.positionNow()), this.seconds);
+    }
+
+    set grid(grid) {
+        this.#grid = grid;
+        this.reschedule();
+    }
+
+    set clicks(on) {
+        this.#clicks = on;
+        this.#setClickGain();
+    }
+
+    set clickVolume(volume) {
+        this.#clickVolume = volume;
+        this.#setClickGain();
+    }
+
+    #setClickGain() {
+        if (this.#metronome) this.#metronome.volume = this.#clicks ? this.#clickVolume : 0;
+    }
+
+    /** @param options  of the AudioContext */
+    openContext(options) {
+        this.context = new AudioContext(options);
+        this.#metronome = new Metronome(this.context, this.context.destination);
+        this.#setClickGain();
+    }
+
+    startClicks() {
+        this.reschedule();
+        this.#timer = setInterval(() => this.#schedule(), kScheduleEveryMs);
+    }
+
+    stopClicks() {
+        clearInterval(this.#timer);
+        this.#timer = 0;
+        this.#metronome?.cancel();
+    }
+
+    /** After a jump or another grid. */
+    reschedule() {
+        this.#metronome?.cancel();
+        this.#scheduledTo = this.scheduleFrom();
+        if (this.isPlaying) this.#schedule();
+    }
+
+    #schedule() {
+        if (!this.isPlaying) return;
+        const to = this.scheduleFrom() + this.scheduleAhead;
+        if (to <= this.#scheduledTo) return;
+        this.#metronome.schedule(this.#grid, this.#scheduledTo, to,
+            (seconds) => this.contextTimeOf(seconds));
+        this.#scheduledTo = to;
+    }
+
+    async close() {
+        this.stopClicks();
+        await this.context?.close();
+        this.context = null;
+    }
+}
