@@ -28,7 +28,8 @@ constexpr std::array kWords = {
 std::string wordsFor(std::uint64_t number, int count) {
     std::string text;
     for (int i = 0; i < count; ++i) {
-        text += (i > 0 ? " " : "") + std::string(kWords.at(number % kWords.size()));
+        if (i > 0) text += ' ';
+        text += kWords.at(number % kWords.size());
         number = number / kWords.size() * 2862933555777941757ULL + 3037000493ULL;
     }
     return text;
