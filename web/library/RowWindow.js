@@ -57,6 +57,7 @@ export class RowWindow {
         const lowest = top + this.#rowHeight - this.#viewHeight;
         const wanted = offset > top ? top : Math.max(offset, lowest);
         if (wanted === offset || this.#span === 0) return scrollTop;
+        if (this.#span === this.#scrollSpan) return Math.min(this.#span, Math.max(0, wanted));
         return Math.min(1, Math.max(0, wanted / this.#span)) * this.#scrollSpan;
     }
 }

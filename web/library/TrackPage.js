@@ -10,7 +10,7 @@ export class TrackPage {
     #view = null;
     #id = null;
     #bar;
-    #body = make('div', { class: 'track-body' });
+    #body = null;
     #problem = make('p', { class: 'problem', role: 'alert' });
     #back;
 
@@ -25,7 +25,7 @@ export class TrackPage {
             button('‹', () => actions.step(-1), 'The track before in the list'),
             button('›', () => actions.step(1), 'The next track in the list'),
             button('What mixes with it', () => actions.mixes(this.#id)));
-        container.append(this.#bar, this.#problem, this.#body);
+        container.append(this.#bar, this.#problem);
     }
 
     async show(id) {
@@ -37,6 +37,8 @@ export class TrackPage {
             const data = await loadTrack(id);
             if (this.#id !== id) return;
             document.title = `${data.title || data.file} – Beat Atlas`;
+            this.#body = make('div', { class: 'track-body' });
+            this.#container.append(this.#body);
             this.#view = showTrack(this.#body, data, {
                 audio: data.gone ? null : { load: () => loadSound(id), address: fileAddress(id) },
                 rate: data.sampleRate,
@@ -54,6 +56,7 @@ export class TrackPage {
         this.#container.hidden = true;
         const view = this.#view;
         this.#view = null;
+        this.#body?.remove();
         await view?.destroy();
     }
 }

@@ -103,6 +103,9 @@ export class TrackTable {
 
     #readStyle() {
         this.#palette = paletteOf(this.#area);
+        // Beside the rows stands a scroll bar, as wide as the system has it.
+        this.#headings[0].parentElement.style.marginRight =
+            `${this.#area.offsetWidth - this.#area.clientWidth}px`;
         this.#rowHeight = parseFloat(getComputedStyle(this.#area).getPropertyValue('--row-rem')) *
             parseFloat(getComputedStyle(document.documentElement).fontSize);
     }
