@@ -19,7 +19,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t cou
     const FuzzersRoundingMode mode;
     const MemoryFile file(bytes, count);
     const std::string config = "--config=" + file.path();
-    for (const char* command : {"analyze", "draw", "export"}) {
+    for (const char* command : {"analyze", "draw", "export", "report"}) {
         const std::array<const char*, 3> words = {"beatatlas", command, config.c_str()};
         app::ResultStream results(nowhere);
         const int status = app::Program(results).run(static_cast<int>(words.size()), words.data());

@@ -18,9 +18,9 @@ export class BufferPlayer extends Player {
     #startedAt = 0;
     #offset = 0;
 
+    #plays = false;
+
     isExact = true;
-    isPlaying = false;
-    scheduleAhead = kScheduleAhead;
 
     /** @param load  yields an ArrayBuffer of a whole audio file, whose position 0 is that of the
      *               track; null when there is none
@@ -29,6 +29,14 @@ export class BufferPlayer extends Player {
         super(seconds, clickVolume);
         this.#load = load;
         this.rate = rate;
+    }
+
+    get isPlaying() {
+        return this.#plays;
+    }
+
+    get scheduleAhead() {
+        return kScheduleAhead;
     }
 
     get hasSound() {
@@ -45,7 +53,7 @@ export class BufferPlayer extends Player {
         await this.#open();
         if (this.isPlaying) return;
         if (this.#offset >= this.seconds) this.#offset = 0;
-        this.isPlaying = true;
+        this.#plays = true;
         this.#start();
         this.startClicks();
         this.onChange();
@@ -96,7 +104,7 @@ export class BufferPlayer extends Player {
     pause() {
         if (!this.isPlaying) return;
         this.#offset = this.position;
-        this.isPlaying = false;
+        this.#plays = false;
         this.#stop();
         this.stopClicks();
         this.onChange();
@@ -137,7 +145,7 @@ export class BufferPlayer extends Player {
     }
 
     async close() {
-        this.isPlaying = false;
+        this.#plays = false;
         this.#stop();
         await super.close();
     }

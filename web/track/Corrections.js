@@ -29,7 +29,8 @@ export class Corrections {
         this.#keep = this.#button('Keep it', () => this.#keepTapped());
         this.#undo = this.#button('Undo', () => this.#run(() => this.#options.undo()));
         this.#controls = make('div', { class: 'controls' }, ...this.#rows());
-        this.element = panel('Correct it', 'corrections', this.#controls, this.#problem, this.#made);
+        this.element = panel('Correct it', 'corrections', this.#controls, this.#problem,
+            this.#made);
     }
 
     #rows() {
@@ -56,7 +57,8 @@ export class Corrections {
     }
 
     #button(text, act, name = null) {
-        return make('button', { type: 'button', 'aria-label': name, title: name, onclick: act }, text);
+        const properties = { type: 'button', 'aria-label': name, title: name, onclick: act };
+        return make('button', properties, text);
     }
 
     #showTapped(text) {

@@ -15,7 +15,6 @@ export class ElementPlayer extends Player {
 
     isExact = false;
     hasSound = true;
-    scheduleAhead = kScheduleAhead;
 
     /** @param address  of the file; a page from disk may refer to one beside it */
     constructor(seconds, address, clickVolume) {
@@ -24,6 +23,10 @@ export class ElementPlayer extends Player {
         this.#element.src = address;
         for (const event of ['play', 'pause', 'ended', 'seeked', 'playing'])
             this.#element.addEventListener(event, () => this.#changed());
+    }
+
+    get scheduleAhead() {
+        return kScheduleAhead;
     }
 
     get isPlaying() {

@@ -127,7 +127,8 @@ export class Overview {
             context.fillStyle = palette.lane;
             context.fillRect(left + (i > 0 ? 1 : 0), 0, right - left - 1, bottom - 2);
             const names = [keyText(segment, this.#track.keyNotation), segment.camelot];
-            const fitting = names.find((name) => context.measureText(name).width < right - left - 10);
+            const room = right - left - 10;
+            const fitting = names.find((name) => context.measureText(name).width < room);
             context.fillStyle = palette.text;
             if (fitting) context.fillText(fitting, left + 6, bottom / 2 - 1);
         });

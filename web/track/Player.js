@@ -17,13 +17,39 @@ export class Player {
     /** Called when it starts, stops or jumps. */
     onChange = () => {};
 
+    /** Made by the first play(): browsers let no page sound before somebody asks for it. */
+    context = null;
+
     constructor(seconds, clickVolume) {
         this.seconds = seconds;
         this.#clickVolume = clickVolume;
     }
 
-    /** Made by the first play(): browsers let no page sound before somebody asks for it. */
-    context = null;
+    // What each way to play defines.
+
+    get isPlaying() {
+        return false;
+    }
+
+    /** How far ahead clicks are started, in seconds. */
+    get scheduleAhead() {
+        return 0;
+    }
+
+    /** What is heard now, in seconds of the track. */
+    positionNow() {
+        return 0;
+    }
+
+    /** What is played now: a little ahead of what is heard. */
+    scheduleFrom() {
+        return 0;
+    }
+
+    /** When the context plays a time of the track. */
+    contextTimeOf(seconds) {
+        return seconds;
+    }
 
     /** Where the music is, as it is heard now, in seconds of the track. */
     get position() {

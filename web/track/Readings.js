@@ -19,7 +19,8 @@ export class Readings {
         const name = `reading-${Math.random().toString(36).slice(2)}`;
         this.#list.setAttribute('role', 'radiogroup');
         this.#list.setAttribute('aria-label', 'Readings of the beats');
-        this.#list.replaceChildren(...readings.map((reading, i) => this.#choice(reading, i, chosen, name)));
+        this.#list.replaceChildren(...readings.map((reading, i) =>
+            this.#choice(reading, i, chosen, name)));
         this.#note.textContent = readings.length > 1
             ? 'Choose one while the music plays: the click and the picture follow at once.'
             : 'No other reading is named.';
@@ -29,10 +30,11 @@ export class Readings {
         const input = make('input', { type: 'radio', name, value: i, checked: i === chosen,
             onchange: () => this.#choose(i) });
         const tempo = reading.bpm === null ? '' : bpmText(reading.bpm);
+        const share = reading.share === null ? '' : percentText(reading.share);
         return make('label', { class: 'choice' }, input,
             make('span', { class: 'what' }, readingText(reading)),
             make('span', { class: 'tempo' }, tempo),
-            make('span', { class: 'share' }, reading.share === null ? '' : percentText(reading.share)));
+            make('span', { class: 'share' }, share));
     }
 
     /** Shows what was chosen by a key. */

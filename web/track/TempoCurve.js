@@ -28,8 +28,8 @@ export class TempoCurve {
         this.element = panel('Tempo along the track', 'tempo-curve', frame);
     }
 
-    /** @param track  with `seconds` and `answer`, the beats as found  @param stretches  with `from`,
-     *                `to` and `bpm` */
+    /** @param track      with `seconds` and `answer`, the beats as found
+     *  @param stretches  with `from`, `to` and `bpm` */
     show(track, stretches) {
         this.#track = { seconds: track.seconds, grid: track.answer, stretches };
         const { low, high } = this.#found();

@@ -24,8 +24,8 @@ export class Transport {
      *                  `setVolume(0 to 1)`, `zoom(steps)`
      *  @param settings  `clickVolume`, `volume`, `hasSound` */
     constructor(actions, settings) {
-        this.#play = make('button', { class: 'play', 'aria-label': 'Play', 'aria-keyshortcuts': 'Space',
-            onclick: actions.toggle }, icon(kPlay));
+        this.#play = make('button', { class: 'play', 'aria-label': 'Play',
+            'aria-keyshortcuts': 'Space', onclick: actions.toggle }, icon(kPlay));
         this.#click = make('button', { 'aria-pressed': 'true', 'aria-keyshortcuts': 'M',
             onclick: () => actions.setClicks(this.#click.getAttribute('aria-pressed') !== 'true') },
         icon(kClick), make('span', {}, 'Click'));

@@ -14,7 +14,7 @@ const kLeastBeatDistance = 5;
 const kLeastDrag = 4;
 const kFlashSeconds = 0.12;
 
-/** The magnified stretch around the position, with beats and bars. It can be dragged and clicked. */
+/** The magnified stretch around the position, with beats and bars, to be dragged and clicked. */
 export class ZoomWave {
     #seek;
     #track = null;
@@ -23,6 +23,10 @@ export class ZoomWave {
     #drag = null;
     #calm = matchMedia('(prefers-reduced-motion: reduce)');
     #from = 0;
+
+    /** Called when somebody wants to see less, 1, or more, -1.
+     *  @type {function(number): void} */
+    onZoom = () => {};
 
     /** @param seek  is given the seconds that somebody chose */
     constructor(seek) {
@@ -63,7 +67,8 @@ export class ZoomWave {
         return this.#span < kSpans.length - 1;
     }
 
-    /** The stretch that is shown around a position. Who wants little motion sees page after page. */
+    /** The stretch that is shown around a position. Who wants little motion sees one page
+     *  after the other. */
     stretch(position) {
         const span = this.spanSeconds;
         if (!this.#calm.matches) {
@@ -197,7 +202,4 @@ export class ZoomWave {
             this.#seek(this.#position + event.deltaX * this.#secondsPerPixel());
         }
     }
-
-    /** Called when somebody wants to see more or less. */
-    onZoom = () => {};
 }

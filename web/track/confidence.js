@@ -28,6 +28,7 @@ export function makeConfidence(data) {
     const rows = known ? kMeanings.map(([key, name, remark]) => [name, remark, known[key]]) : [];
     if (data.key) rows.push(['Key', 'of the whole track', data.key.confidence]);
     if (rows.length === 0) return null;
-    return panel('How sure it is', 'confidence', make('ul', { class: 'meters' }, ...rows.map(meter)),
+    return panel('How sure it is', 'confidence',
+        make('ul', { class: 'meters' }, ...rows.map(meter)),
         make('p', { class: 'note' }, 'Of tracks like this one, so many were right.'));
 }

@@ -77,9 +77,15 @@ export function readingText({ kind, shiftBeats, turn }) {
     return [names[kind] ?? names.other, ...remarks].join(', ');
 }
 
+const kShares = [
+    { beats: 1 / 2, text: 'half a beat' },
+    { beats: 1 / 3, text: 'a third of a beat' },
+    { beats: 2 / 3, text: 'two thirds of a beat' },
+    { beats: 1 / 4, text: 'a quarter of a beat' },
+    { beats: 3 / 4, text: 'three quarters of a beat' },
+];
+
 function shiftText(beats) {
-    const known = [[1 / 2, 'half a beat'], [1 / 3, 'a third of a beat'], [2 / 3, 'two thirds of a beat'],
-        [1 / 4, 'a quarter of a beat'], [3 / 4, 'three quarters of a beat']];
-    const found = known.find(([value]) => Math.abs(value - beats) < 0.005);
-    return found ? found[1] : `${beats.toFixed(2)} beats`;
+    const known = kShares.find((each) => Math.abs(each.beats - beats) < 0.005);
+    return known ? known.text : `${beats.toFixed(2)} beats`;
 }

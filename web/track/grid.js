@@ -102,7 +102,7 @@ export function redivided(grid, step, offset) {
         if (position > grid.length - 1 + kTiny) return beats;
         const old = grid[Math.min(Math.floor(position + kTiny), grid.length - 1)];
         const number = (((i % bar) + bar) % bar) + 1;
-        beats.push({ seconds: secondsAt(grid, position + kTiny / 10), number, bpm: old.bpm / step });
+        beats.push({ seconds: secondsAt(grid, position), number, bpm: old.bpm / step });
     }
 }
 

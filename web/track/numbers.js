@@ -8,18 +8,21 @@ function trackTable(data) {
         ['Length', clockTime(data.seconds, true)], ['Frames', grouped(data.frames)],
         ['Rate of the analysis', `${grouped(data.sampleRate)} Hz`],
         ['Container', data.audio.container], ['Codec', data.audio.codec],
-        ['Channels', data.audio.channels], ['Rate of the file', `${grouped(data.audio.sampleRate)} Hz`],
+        ['Channels', data.audio.channels],
+        ['Rate of the file', `${grouped(data.audio.sampleRate)} Hz`],
         ['Damaged packets', data.damagedPackets],
         ['Missing, replaced by silence', data.gaps.map(({ start, length }) =>
             `${clockTime(start, true)} (${length.toFixed(2)} s)`).join(', ')]];
-    return makeTable('Track', ['What', 'Value'], rows.filter(([, value]) => value !== '' && value !== 0));
+    return makeTable('Track', ['What', 'Value'],
+        rows.filter(([, value]) => value !== '' && value !== 0));
 }
 
 function tempoTables(data, readings) {
     const { tempo } = data;
     if (!tempo || tempo.bpm === null) return [];
     const tables = [makeTable('Tempo', ['What', 'Value'], [['BPM', bpmText(tempo.bpm)],
-        ['Mode', tempo.mode], ...(tempo.rawBpm ? [['BPM before the range', bpmText(tempo.rawBpm)]] : []),
+        ['Mode', tempo.mode],
+        ...(tempo.rawBpm ? [['BPM before the range', bpmText(tempo.rawBpm)]] : []),
         ...Object.entries(tempo.confidence ?? {}).map(([name, share]) =>
             [`Confidence: ${name}`, percentText(share)])])];
     if (readings.length > 1)

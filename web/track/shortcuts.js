@@ -42,11 +42,12 @@ export function actionOf({ key, shiftKey }, actions) {
 export function listenToKeys(actions, isOn, signal) {
     document.addEventListener('keydown', (event) => {
         if (event.defaultPrevented || event.altKey || event.ctrlKey || event.metaKey) return;
-        if (!isOn() || event.target.closest('dialog')) return;
+        const target = /** @type {Element} */ (event.target);
+        if (!isOn() || target.closest('dialog')) return;
         const own = event.key === ' ' ? kOwnSpace : kOwnKeys;
         // Volumes are inputs too, but letters mean nothing to them.
-        const isRange = event.target.matches('input[type=range]') && event.key.length === 1;
-        if (event.target.closest(own) && !isRange) return;
+        const isRange = target.matches('input[type=range]') && event.key.length === 1;
+        if (target.closest(own) && !isRange) return;
         const act = actionOf(event, actions);
         if (!act) return;
         event.preventDefault();

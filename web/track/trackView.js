@@ -31,7 +31,6 @@ class TrackView {
     #palette = null;
     #track = null;
     #readings = [];
-    #chosen = 0;
     #clicks = true;
     #listening = new AbortController();
     #frame = 0;
@@ -147,7 +146,6 @@ class TrackView {
 
     #choose(i, tells = true) {
         if (i >= this.#readings.length) return;
-        this.#chosen = i;
         const reading = this.#readings[i];
         this.#track.grid = reading.grid;
         this.#player.grid = reading.grid;
@@ -188,7 +186,7 @@ class TrackView {
 
     /** To the beat or bar before or after the position. */
     #step(direction, byBars) {
-        const grid = byBars ? this.#track.grid.filter((beat) => beat.number === 1) : this.#track.grid;
+        const grid = this.#track.grid.filter((beat) => !byBars || beat.number === 1);
         const { position } = this.#player;
         const after = firstBeatFrom(grid, position + 0.01);
         const before = beatAt(grid, position - (this.#player.isPlaying ? kStepBackSeconds : 0.01));

@@ -33,8 +33,8 @@ export function unpackWave(packed, bytesOf) {
     return { levels, colors: bytesOf(packed.colors) };
 }
 
-/** The zoom wave: peaks from 0 to 1, colours from 0 to 7. The library squares the peaks, which hides
- *  all that is quiet; here they are drawn as they were. */
+/** The zoom wave: peaks from 0 to 1, colours from 0 to 7. The library squares the peaks, which
+ *  hides all that is quiet; here they are drawn as they were. */
 export function unpackZoom(packed, bytesOf) {
     const points = bytesOf(packed.points);
     return {
