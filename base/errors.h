@@ -12,6 +12,8 @@ public:
     enum class Kind {
         /** It is there, and is no whole track. */
         damaged,
+        /** Some of it looks like audio, and nothing in it can be decoded. */
+        undecodable,
         /** It holds no audio of a known kind: a picture, a text. */
         notAudio,
         /** The system does not let it be read. */

@@ -111,7 +111,7 @@ void fillCatalogue(catalogue::Catalogue& catalogue, std::int64_t tracks) {
         for (; done < end; ++done) {
             const catalogue::Analysed analysed = inventor.next();
             const auto track = store.putTrack(analysed.track);
-            store.putResult(track, analysed.result, done);
+            store.putResult(track, analysed.result, done, done);
             store.refresh(track);
         }
         transaction.commit();
@@ -119,12 +119,12 @@ void fillCatalogue(catalogue::Catalogue& catalogue, std::int64_t tracks) {
     // One track in a thousand is corrected, one in twenty is gone, and of the paths that are no
     // tracks one in ten is music.
     SQLite::Transaction transaction(database);
-    database.exec("INSERT INTO corrections (track_id, kind, value, made_at) "
-                  "SELECT id, 'double', 0, 0 FROM tracks WHERE id % 1000 = 7");
+    database.exec("INSERT INTO corrections (audio_hash, kind, value, made_at) "
+                  "SELECT audio_hash, 'double', 0, 0 FROM tracks WHERE id % 1000 = 7");
     database.exec("UPDATE tracks SET bpm = 2 * bpm, is_corrected = 1 WHERE id % 1000 = 7");
     database.exec("UPDATE tracks SET gone_at = 0 WHERE id % 20 = 3");
     database.exec("INSERT INTO failures SELECT CAST('/music/x' || id AS BLOB), 1, 1, "
-                  "iif(id % 10 = 0, 'damaged', 'not-audio'), 'is cut off', 1, 0 FROM tracks "
+                  "iif(id % 10 = 0, 'damaged', 'not-audio'), 'is cut off', 1, 0, NULL FROM tracks "
                   "WHERE id % 5 = 0");
     transaction.commit();
 }

@@ -116,6 +116,9 @@ struct Failure {
     FailureKind kind = FailureKind::damaged;
     /** As told to people, without the file's name. */
     std::string reason;
+    /** The limit that was exceeded, in seconds or bytes: with a higher one the file is tried
+     *  again. */
+    std::optional<double> limit = {};
 };
 
 }  // namespace catalogue

@@ -9,6 +9,7 @@
 #include <SQLiteCpp/Database.h>
 #include <SQLiteCpp/Statement.h>
 #include <SQLiteCpp/Transaction.h>
+#include <fcntl.h>
 #include <fmt/format.h>
 #include <sqlite3.h>
 #include <sys/stat.h>
@@ -16,6 +17,7 @@
 
 #include "base/displayName.h"
 #include "base/errors.h"
+#include "catalogue/TrackStore.h"
 #include "catalogue/schema.h"
 #include "catalogue/sqliteGuard.h"
 
@@ -79,14 +81,15 @@ Database openWith(const std::string& name, int flags) {
     return database;
 }
 
-/** Where nothing may be written, SQLite cannot make the files that readers share; nobody else can
- *  write there either, as long as no log waits to be taken over. */
+/** Where nothing may be written, or the disk is full, SQLite cannot make the files that readers
+ *  share; nobody else can write there either, as long as no log waits to be taken over. */
 Database openToRead(const std::string& path) {
     try {
         return openWith(plainName(path), SQLite::OPEN_READONLY);
     } catch (const SQLite::Exception& error) {
         const int code = error.getErrorCode();
-        const bool cannotShare = code == SQLITE_CANTOPEN || code == SQLITE_READONLY;
+        const bool cannotShare = code == SQLITE_CANTOPEN || code == SQLITE_READONLY ||
+                                 code == SQLITE_FULL || code == SQLITE_IOERR;
         if (!cannotShare || hasPendingLog(path)) throw;
         return openWith(immutableUri(path), SQLite::OPEN_READONLY | SQLite::OPEN_URI);
     }
@@ -102,6 +105,15 @@ void requireCatalogue(SQLite::Database& database, const std::string& path) {
                                  "{}",
                                  version, kSchemaVersion));
     if (version < 1) refuse(path, "is damaged");
+}
+
+/** Waits until a file, or the names in a folder, are on the disk. */
+void syncToDisk(const std::string& path) {
+    const int descriptor = open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    const bool isSynced = descriptor >= 0 && fsync(descriptor) == 0;
+    const int failure = errno;
+    if (descriptor >= 0) close(descriptor);
+    if (!isSynced) refuse(path, "cannot be written: " + base::systemReason(failure));
 }
 
 /** Keeps the file as it is beside itself, whole or not at all. */
@@ -121,7 +133,9 @@ void copyBeside(const std::string& path, int version) {
             throw;
         }
     }
+    syncToDisk(draft);
     std::filesystem::rename(draft, copy);
+    syncToDisk(std::filesystem::path(copy).parent_path());
 }
 
 /** Another program may do the same at the same time: what the version is counts once nobody else
@@ -132,6 +146,7 @@ void bringUpToDate(SQLite::Database& database, const std::string& path) {
     if (version == kSchemaVersion) return;
     copyBeside(path, version);
     takeSchemaSteps(database);
+    TrackStore(database, path).refreshChoices();
     transaction.commit();
 }
 
@@ -191,6 +206,12 @@ Catalogue::~Catalogue() = default;
 
 std::string Catalogue::filePath() const {
     return withoutLinks(path_);
+}
+
+void Catalogue::requireInPlace() const {
+    int hasMoved = 0;
+    sqlite3_file_control(database_->getHandle(), "main", SQLITE_FCNTL_HAS_MOVED, &hasMoved);
+    if (hasMoved != 0) refuse(path_, "was moved or deleted while it was being written");
 }
 
 }  // namespace catalogue

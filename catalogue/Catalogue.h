@@ -36,6 +36,10 @@ public:
      *  whichever of its names it is opened by. */
     std::string filePath() const;
 
+    /** Whoever renames or deletes an open file parts it from its log, and nobody would find what is
+     *  written into it from then on. @throws CatalogueError when that has happened */
+    void requireInPlace() const;
+
     /** For the classes of this room. */
     SQLite::Database& database() const { return *database_; }
 

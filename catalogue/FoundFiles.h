@@ -5,6 +5,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "catalogue/Scan.h"
 
@@ -22,8 +23,15 @@ public:
     void add(const std::string& path, const FileState& state, double weight);
     bool contains(const std::string& path);
 
+    /** Whether the file was not found and does not exist any more. */
+    bool isGone(const std::string& path);
+
     /** Compares the files with the catalogue and orders the work. */
     Scan::Counts settle(const Scan::Plan& plan);
+
+    /** Notes that the results of these parameters are asked for where tracks were found unchanged
+     *  that have others besides. @return those tracks */
+    std::vector<std::int64_t> askFor(const std::string& parameters);
 
     /** The heaviest file that was not taken yet. */
     std::optional<Scan::Work> take();
@@ -32,7 +40,8 @@ private:
     struct Statements;
 
     void orderWork(const Scan::Plan& plan);
-    Scan::Counts count() const;
+    Scan::Counts count(const Scan::Plan& plan) const;
+    bool mayBeKnown(const Scan::Work& work);
 
     const Catalogue& catalogue_;
     std::unique_ptr<Statements> statements_;

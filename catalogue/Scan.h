@@ -13,7 +13,7 @@
 namespace catalogue {
 
 /** One scan as the catalogue sees it: found() for each file, settle(), then next() and one of
- *  put(), putFailure() and adoptMoved() for each file that is to be done, and finish().
+ *  put(), putFailure() and adopt() for each file that is to be done, and finish().
  *
  *  Holds a lock on FILE.lock beside the catalogue: one scan at a time. Commits what it is given in
  *  transactions of bounded size, and what is left when it is destroyed. */
@@ -26,6 +26,9 @@ public:
         bool retriesFailures = false;
         /** Files are analysed even if a result is there. */
         bool rescansAll = false;
+        /** Bytes and seconds that any file may take: what failed by less is tried again. */
+        double memoryLimit = 0.0;
+        double timeLimit = 0.0;
     };
 
     /** @throws ScanRunning while another scan of this catalogue runs; CatalogueError */
@@ -42,35 +45,52 @@ public:
     struct Counts {
         std::int64_t found = 0;
         std::int64_t known = 0;
+        /** Of them files of music that failed before. */
+        std::int64_t knownFailures = 0;
         std::int64_t toDo = 0;
         double weightToDo = 0.0;
     };
 
     /** After the last file was found. Known is a file of the same path, size and time with a result
-     *  for these parameters, and one that failed in this state before. */
+     *  for these parameters, which lists show from now on, and one that failed in this state
+     *  before. From here on the catalogue says how far the scan is. */
     Counts settle();
 
     struct Work {
         std::string path;
         FileState state;
         double weight = 0.0;
-        /** A track of this size is no longer where it was: this file may be it. */
-        bool mayBeMoved = false;
+        /** Its sound may be known: a track of this size is no longer where it was, or the path had
+         *  one before the file changed. */
+        bool mayBeKnown = false;
     };
 
     /** The heaviest file that next() has not named yet; nothing when all have been. */
     std::optional<Work> next();
 
-    /** Whether a track of this sound is no longer where it was. It is then this path's, with its
-     *  results and corrections.
-     *  @return that there is a result for these parameters: nothing remains to be done */
-    bool adoptMoved(const std::string& path, const FileState& state, const AudioHash& hash);
+    struct Adoption {
+        /** There is a result for these parameters: nothing remains to be done. */
+        bool isDone = false;
+        /** The track was elsewhere before. */
+        bool isMoved = false;
+        /** The path held another sound, whose corrections are kept with that one. */
+        bool leavesCorrections = false;
+    };
+
+    /** Looks for a track of this sound that is here, or is no longer where it was. It is then this
+     *  path's, with its results. @param format  of the file as it is now, with its tags */
+    Adoption adopt(const std::string& path, const FileState& state, const AudioHash& hash,
+                   const base::TrackFormat& format);
 
     /** Adds a track or replaces its result for these parameters; a track that moved is recognised
-     *  by its sound as in adoptMoved(). @throws CatalogueError, the disk being full for instance */
-    void put(const Analysed& analysed);
+     *  by its sound as in adopt(). Corrections of what the file held before are carried over as
+     *  carryCorrections() says.
+     *  @return that they were left behind
+     *  @throws CatalogueError, the disk being full for instance */
+    bool put(const Analysed& analysed);
 
-    /** Notes that a file could not be analysed; earlier results of it stay. */
+    /** Notes that a file could not be analysed; earlier results of it stay. Of one that is no more
+     *  there is nothing to note. */
     void putFailure(const std::string& path, const FileState& state, const Failure& failure);
 
     /** Commits what was put until now: before a long wait, say. */
@@ -81,16 +101,24 @@ public:
         uncorrected,  ///< they are deleted, unless somebody has corrected them
         all,          ///< they are deleted, with their corrections
     };
+    struct Root {
+        /** Absolute, and walked to its end. */
+        std::string path;
+        /** Something was found there. Where nothing is, a disk may not be mounted. */
+        bool holdsFiles = true;
+    };
     struct Ending {
         std::int64_t gone = 0;           ///< tracks below the roots that do not exist any more
         std::int64_t pruned = 0;         ///< of them deleted
         std::int64_t keptCorrected = 0;  ///< of them kept for their corrections
+        std::int64_t keptAbsent = 0;     ///< of them kept because nothing is left around them
     };
 
     /** Marks as gone the tracks that lie at or below a root, were not found, and do not exist any
-     *  more. @param roots  absolute paths that were walked to their end
+     *  more. None is deleted below a root or in a folder in which nothing is: where a disk is not
+     *  mounted, that is all there is to be seen.
      *  @throws CatalogueError; Interrupted */
-    Ending finish(const std::vector<std::string>& roots, Pruning pruning);
+    Ending finish(const std::vector<Root>& roots, Pruning pruning);
 
 private:
     class Storage;

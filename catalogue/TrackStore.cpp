@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <utility>
 #include <vector>
 
 #include <SQLiteCpp/Database.h>
@@ -15,6 +16,7 @@
 #include "catalogue/folded.h"
 #include "catalogue/sqlBinding.h"
 #include "catalogue/sqliteGuard.h"
+#include "catalogue/storedRow.h"
 
 namespace catalogue {
 
@@ -44,62 +46,53 @@ constexpr const char* kParametersId = "SELECT id FROM parameters WHERE json = ?1
 constexpr const char* kPutResult = R"sql(
 INSERT OR REPLACE INTO results (track_id, parameters_id, made_at, tool_version, analysis_seconds,
     warnings, bpm, raw_bpm, is_steady, tempo_confidence, level_confidence, phase_confidence,
-    bars_confidence, key, key_confidence, tuning_cents, details)
-VALUES (?1, ?2, ?3, ?4, ?5, ?6, ?7, ?8, ?9, ?10, ?11, ?12, ?13, ?14, ?15, ?16, ?17)
+    bars_confidence, key, key_confidence, tuning_cents, details, asked_at)
+VALUES (?1, ?2, ?3, ?4, ?5, ?6, ?7, ?8, ?9, ?10, ?11, ?12, ?13, ?14, ?15, ?16, ?17, ?18)
 RETURNING id)sql";
 
 constexpr const char* kPutGrid = "INSERT INTO grids (result_id, beats) VALUES (?1, ?2)";
 constexpr const char* kPutWaves =
     "INSERT INTO waves (result_id, loud, dots, zoom) VALUES (?1, ?2, ?3, ?4)";
 
-constexpr const char* kNewest = R"sql(
-SELECT id, bpm, tempo_confidence * level_confidence * phase_confidence, key, key_confidence
-FROM results WHERE track_id = ?1 ORDER BY made_at DESC, id DESC LIMIT 1)sql";
-
 constexpr const char* kShow = R"sql(
 UPDATE tracks SET result_id = ?2, bpm = ?3, key = ?4, confidence = ?5,
-    is_corrected = EXISTS (SELECT 1 FROM corrections WHERE track_id = ?1)
+    is_corrected = EXISTS (
+        SELECT 1 FROM corrections c WHERE c.audio_hash = tracks.audio_hash)
 WHERE id = ?1)sql";
 
-constexpr const char* kRead = R"sql(
-SELECT t.path, t.size, t.modified_ns, t.audio_hash, t.container, t.codec, t.channels, t.file_rate,
-    t.rate, t.format_changes, t.artist, t.title, t.frames, t.seconds,
-    p.json, r.tool_version, r.analysis_seconds, r.warnings, r.bpm, r.raw_bpm, r.is_steady,
-    r.tempo_confidence, r.level_confidence, r.phase_confidence, r.bars_confidence,
-    r.key, r.key_confidence, r.tuning_cents, r.details, g.beats, w.loud, w.dots, w.zoom, r.made_at
-FROM results r
-JOIN tracks t ON t.id = r.track_id
-JOIN parameters p ON p.id = r.parameters_id
-LEFT JOIN grids g ON g.result_id = r.id
-LEFT JOIN waves w ON w.result_id = r.id
-WHERE r.track_id = ?1 ORDER BY r.made_at DESC, r.id DESC)sql";
+/** Rows of results r with the parameters p that lists show first in the order of this. Tempo and key
+ *  are wanted by most; what leaves one of them out hides nothing that is known. */
+constexpr const char* kShownFirst =
+    " ORDER BY iif(json_valid(p.json), (p.json ->> '$.tempo' <> 'off') + (p.json ->> '$.key'), 0) "
+    "DESC, r.asked_at DESC, r.made_at DESC, r.id DESC LIMIT 1";
+
+constexpr const char* kToShow = R"sql(
+SELECT r.id, r.bpm, r.tempo_confidence * r.level_confidence * r.phase_confidence, r.key,
+    r.key_confidence
+FROM results r JOIN parameters p ON p.id = r.parameters_id WHERE r.track_id = ?1)sql";
+
+constexpr const char* kReadShown = " WHERE t.id = ?1 AND r.id = t.result_id";
+constexpr const char* kReadAll = " WHERE t.id = ?1";
+
+constexpr const char* kCopies = R"sql(
+SELECT id FROM tracks WHERE audio_hash = (SELECT audio_hash FROM tracks WHERE id = ?1))sql";
+
+constexpr const char* kChoices = R"sql(
+SELECT id FROM tracks t WHERE is_corrected = 1
+    OR EXISTS (SELECT 1 FROM corrections c WHERE c.audio_hash = t.audio_hash)
+    OR (SELECT count(*) FROM results r WHERE r.track_id = t.id) > 1)sql";
+
+constexpr const char* kMove = R"sql(
+UPDATE tracks SET path = ?2, size = ?3, modified_ns = ?4, gone_at = NULL, container = ?5,
+    codec = ?6, channels = ?7, file_rate = ?8, artist = ?9, title = ?10, artist_order = ?11,
+    title_order = ?12, search = ?13
+WHERE id = ?1)sql";
 
 std::string bytesOf(const AudioHash& hash) {
     return {hash.begin(), hash.end()};
 }
 
-AudioHash hashOf(const std::string& bytes) {
-    AudioHash hash{};
-    if (bytes.size() != hash.size())
-        throw DamagedRecord("the hash of a track in the catalogue is damaged");
-    std::copy(bytes.begin(), bytes.end(), hash.begin());
-    return hash;
-}
-
-std::vector<std::string> warningsOf(const std::string& text) {
-    try {
-        return nlohmann::json::parse(text).get<std::vector<std::string>>();
-    } catch (const nlohmann::json::exception&) {
-        throw DamagedRecord("the warnings of a result in the catalogue are damaged");
-    }
-}
-
-/** What lists read of a track. */
-struct Shown {
-    std::optional<double> bpm;
-    std::optional<int> key;
-    std::optional<double> confidence;
-};
+using Shown = TrackStore::Shown;
 
 /** The less certain of tempo and key. */
 void weaken(std::optional<double>& confidence, const std::optional<double>& other) {
@@ -120,74 +113,14 @@ Shown shownOf(const beatatlas::track::TrackResult& result) {
     return shown;
 }
 
-/** The columns one after the other, as kRead names them. */
-class RowReader {
-public:
-    explicit RowReader(const SQLite::Statement& row) : row_(row) {}
-
-    std::string bytes() { return row_.getColumn(column_++).getString(); }
-    std::int64_t integer() { return row_.getColumn(column_++).getInt64(); }
-    int number() { return row_.getColumn(column_++).getInt(); }
-    double real() { return row_.getColumn(column_++).getDouble(); }
-    std::optional<double> optionalReal() { return realOf(row_, column_++); }
-    bool isNull() const { return row_.isColumnNull(column_); }
-    void skip() { ++column_; }
-
-private:
-    const SQLite::Statement& row_;
-    int column_ = 0;
-};
-
-TrackRow readTrack(RowReader& row) {
-    TrackRow track;
-    track.path = row.bytes();
-    track.state.size = row.integer();
-    track.state.modifiedNanoseconds = row.integer();
-    track.hash = hashOf(row.bytes());
-    track.format.container = row.bytes();
-    track.format.codec = row.bytes();
-    track.format.channels = row.number();
-    track.format.trackRate = row.number();
-    track.format.sessionRate = row.number();
-    track.format.changes = row.number() != 0;
-    track.format.tags.artist = row.bytes();
-    track.format.tags.title = row.bytes();
-    track.frames = row.integer();
-    track.seconds = row.real();
-    return track;
-}
-
-ResultRow readResult(RowReader& row) {
-    ResultRow result;
-    result.parameters = row.bytes();
-    result.toolVersion = row.bytes();
-    result.analysisSeconds = row.real();
-    result.warnings = warningsOf(row.bytes());
-    result.bpm = row.optionalReal();
-    result.rawBpm = row.optionalReal();
-    if (const auto isSteady = row.optionalReal()) result.isSteady = *isSteady != 0.0;
-    result.confidence = {row.real(), row.real(), row.real(), row.real()};
-    if (!row.isNull())
-        result.key = row.number();
-    else
-        row.skip();
-    result.keyConfidence = row.real();
-    result.tuningCents = row.real();
-    result.details = row.bytes();
-    result.beats = row.bytes();
-    result.loudWave = row.bytes();
-    result.dotsWave = row.bytes();
-    result.zoomWave = row.bytes();
-    return result;
-}
-
-TrackStore::Dated readRow(const SQLite::Statement& statement) {
-    RowReader row(statement);
-    TrackStore::Dated dated;
-    dated.analysed.track = readTrack(row);
-    dated.analysed.result = readResult(row);
-    dated.madeAt = row.integer();
-    return dated;
+/** Of a row of kToShow. */
+Shown foundIn(const SQLite::Statement& row) {
+    Shown shown;
+    shown.bpm = realOf(row, 1);
+    if (!row.isColumnNull(3)) shown.key = row.getColumn(3).getInt();
+    weaken(shown.confidence, realOf(row, 2));
+    weaken(shown.confidence, realOf(row, 4));
+    return shown;
 }
 
 void bindTempo(SQLite::Statement& statement, const ResultRow& result) {
@@ -217,8 +150,9 @@ struct TrackStore::Statements {
         : find(database, kFind), putTrack(database, kPutTrack), dropResults(database, kDropResults),
           addParameters(database, kAddParameters), parametersId(database, kParametersId),
           putResult(database, kPutResult), putGrid(database, kPutGrid),
-          putWaves(database, kPutWaves), newest(database, kNewest), show(database, kShow),
-          read(database, kRead) {}
+          putWaves(database, kPutWaves), toShow(database, std::string(kToShow) + kShownFirst),
+          show(database, kShow), readShown(database, std::string(kStoredRow) + kReadShown),
+          readAll(database, std::string(kStoredRow) + kReadAll) {}
 
     SQLite::Statement find;
     SQLite::Statement putTrack;
@@ -228,20 +162,24 @@ struct TrackStore::Statements {
     SQLite::Statement putResult;
     SQLite::Statement putGrid;
     SQLite::Statement putWaves;
-    SQLite::Statement newest;
+    SQLite::Statement toShow;
     SQLite::Statement show;
-    SQLite::Statement read;
+    SQLite::Statement readShown;
+    SQLite::Statement readAll;
 };
 
-TrackStore::TrackStore(const Catalogue& catalogue) : catalogue_(catalogue) {
-    statements_ = guarded(catalogue.path(),
-                          [&] { return std::make_unique<Statements>(catalogue.database()); });
+TrackStore::TrackStore(const Catalogue& catalogue)
+    : TrackStore(catalogue.database(), catalogue.path()) {}
+
+TrackStore::TrackStore(SQLite::Database& database, std::string path)
+    : database_(database), path_(std::move(path)) {
+    statements_ = guarded(path_, [&] { return std::make_unique<Statements>(database_); });
 }
 
 TrackStore::~TrackStore() = default;
 
 std::optional<TrackStore::Id> TrackStore::find(const std::string& path) {
-    return guarded(catalogue_.path(), [&]() -> std::optional<Id> {
+    return guarded(path_, [&]() -> std::optional<Id> {
         SQLite::Statement& find = statements_->find;
         const ResetAfter reset(find);
         bindBytes(find, 1, path);
@@ -285,6 +223,26 @@ TrackStore::Id TrackStore::putTrack(const TrackRow& track) {
     return put.getColumn(0).getInt64();
 }
 
+void TrackStore::move(Id track, const std::string& path, const FileState& state,
+                      const base::TrackFormat& format) {
+    const base::TrackTags& tags = format.tags;
+    SQLite::Statement move(database_, kMove);
+    move.bind(1, track);
+    bindBytes(move, 2, path);
+    move.bind(3, state.size);
+    move.bind(4, state.modifiedNanoseconds);
+    move.bind(5, format.container);
+    move.bind(6, format.codec);
+    move.bind(7, format.channels);
+    move.bind(8, format.trackRate);
+    move.bind(9, tags.artist);
+    move.bind(10, tags.title);
+    move.bind(11, folded(tags.artist));
+    move.bind(12, folded(tags.title));
+    move.bind(13, searchText(path, tags.artist, tags.title));
+    move.exec();
+}
+
 std::int64_t TrackStore::parametersId(const std::string& json) {
     statements_->addParameters.bind(1, json);
     execute(statements_->addParameters);
@@ -295,7 +253,8 @@ std::int64_t TrackStore::parametersId(const std::string& json) {
     return select.getColumn(0).getInt64();
 }
 
-void TrackStore::putResult(Id track, const ResultRow& result, std::int64_t madeAt) {
+void TrackStore::putResult(Id track, const ResultRow& result, std::int64_t madeAt,
+                           std::int64_t askedAt) {
     const std::int64_t parameters = parametersId(result.parameters);
     std::int64_t resultId = 0;
     {
@@ -310,6 +269,7 @@ void TrackStore::putResult(Id track, const ResultRow& result, std::int64_t madeA
         bindTempo(put, result);
         bindKey(put, result);
         put.bind(17, result.details);
+        put.bind(18, askedAt);
         put.executeStep();
         resultId = put.getColumn(0).getInt64();
     }
@@ -331,23 +291,28 @@ void TrackStore::putBlobs(std::int64_t resultId, const ResultRow& result) {
 }
 
 void TrackStore::refresh(Id track) {
-    const std::vector<Edit> edits = Corrections(catalogue_).of(track);
+    const std::vector<Edit> edits = editsOf(database_, track);
     std::optional<Id> resultId;
     Shown shown;
     {
-        SQLite::Statement& newest = statements_->newest;
-        const ResetAfter reset(newest);
-        newest.bind(1, track);
-        if (newest.executeStep()) {
-            resultId = newest.getColumn(0).getInt64();
-            shown.bpm = realOf(newest, 1);
-            if (!newest.isColumnNull(3)) shown.key = newest.getColumn(3).getInt();
-            weaken(shown.confidence, realOf(newest, 2));
-            weaken(shown.confidence, realOf(newest, 4));
+        SQLite::Statement& toShow = statements_->toShow;
+        const ResetAfter reset(toShow);
+        toShow.bind(1, track);
+        if (toShow.executeStep()) {
+            resultId = toShow.getColumn(0).getInt64();
+            shown = foundIn(toShow);
         }
     }
-    if (resultId && !edits.empty())
-        shown = shownOf(corrected(wholeTrack(read(track).value().analysed).result, edits));
+    show(track, resultId, shown);
+    if (!resultId || edits.empty()) return;
+    try {
+        show(track, resultId,
+             shownOf(corrected(wholeTrack(read(track).value().analysed).result, edits)));
+    } catch (const DamagedRecord&) {  // What was found is all there is to show.
+    }
+}
+
+void TrackStore::show(Id track, std::optional<Id> resultId, const Shown& shown) {
     SQLite::Statement& show = statements_->show;
     show.bind(1, track);
     bindInteger(show, 2, resultId);
@@ -357,28 +322,46 @@ void TrackStore::refresh(Id track) {
     execute(show);
 }
 
+void TrackStore::refreshCopies(Id track) {
+    SQLite::Statement copies(database_, kCopies);
+    copies.bind(1, track);
+    refreshEach(copies);
+}
+
+void TrackStore::refreshChoices() {
+    SQLite::Statement choices(database_, kChoices);
+    refreshEach(choices);
+}
+
+/** The tracks are gathered before: what is written may be what a query reads. */
+void TrackStore::refreshEach(SQLite::Statement& ids) {
+    std::vector<Id> tracks;
+    while (ids.executeStep()) tracks.push_back(ids.getColumn(0).getInt64());
+    for (const Id track : tracks) refresh(track);
+}
+
 std::optional<TrackStore::Dated> TrackStore::read(Id track) {
-    return guarded(catalogue_.path(), [&]() -> std::optional<Dated> {
-        SQLite::Statement& read = statements_->read;
+    return guarded(path_, [&]() -> std::optional<Dated> {
+        SQLite::Statement& read = statements_->readShown;
         const ResetAfter reset(read);
         read.bind(1, track);
         if (!read.executeStep()) return std::nullopt;
-        return readRow(read);
+        return readStoredRow(read);
     });
 }
 
 std::vector<TrackStore::Dated> TrackStore::readAll(Id track) {
-    SQLite::Statement& read = statements_->read;
+    SQLite::Statement& read = statements_->readAll;
     const ResetAfter reset(read);
     read.bind(1, track);
     std::vector<Dated> all;
-    while (read.executeStep()) all.push_back(readRow(read));
+    while (read.executeStep()) all.push_back(readStoredRow(read));
     return all;
 }
 
 bool TrackStore::isGone(Id track) const {
-    return guarded(catalogue_.path(), [&] {
-        SQLite::Statement select(catalogue_.database(), "SELECT is_gone FROM tracks WHERE id = ?1");
+    return guarded(path_, [&] {
+        SQLite::Statement select(database_, "SELECT is_gone FROM tracks WHERE id = ?1");
         select.bind(1, track);
         return select.executeStep() && select.getColumn(0).getInt() != 0;
     });

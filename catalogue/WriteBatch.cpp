@@ -35,7 +35,10 @@ void WriteBatch::recordWritten() {
 }
 
 void WriteBatch::commit() {
-    if (isInTransaction(catalogue_)) catalogue_.database().exec("COMMIT");
+    if (!isInTransaction(catalogue_)) return;
+    if (beforeCommit_) beforeCommit_();
+    catalogue_.database().exec("COMMIT");
+    catalogue_.requireInPlace();
 }
 
 }  // namespace catalogue

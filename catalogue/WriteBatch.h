@@ -2,6 +2,8 @@
 #pragma once
 
 #include <chrono>
+#include <functional>
+#include <utility>
 
 #include "catalogue/Catalogue.h"
 
@@ -12,7 +14,9 @@ namespace catalogue {
  *  committed when this object ends is undone, unless commit() is called before. */
 class WriteBatch {
 public:
-    explicit WriteBatch(const Catalogue& catalogue) : catalogue_(catalogue) {}
+    /** @param beforeCommit  writes what belongs to every transaction */
+    explicit WriteBatch(const Catalogue& catalogue, std::function<void()> beforeCommit = {})
+        : catalogue_(catalogue), beforeCommit_(std::move(beforeCommit)) {}
     ~WriteBatch();
     WriteBatch(const WriteBatch&) = delete;
     WriteBatch& operator=(const WriteBatch&) = delete;
@@ -23,10 +27,12 @@ public:
     /** After a record was written: commits when it is time. */
     void recordWritten();
 
+    /** @throws CatalogueError when the catalogue has been moved or deleted meanwhile */
     void commit();
 
 private:
     const Catalogue& catalogue_;
+    std::function<void()> beforeCommit_;
     int records_ = 0;
     std::chrono::steady_clock::time_point begin_;
 };

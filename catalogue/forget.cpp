@@ -10,24 +10,33 @@
 
 namespace catalogue {
 
-Forgetting forget(const Catalogue& catalogue, const std::string& path, bool alsoCorrected) {
+namespace {
+
+constexpr const char* kDropCorrections = R"sql(
+DELETE FROM corrections
+WHERE audio_hash = (SELECT audio_hash FROM tracks WHERE path = ?1) AND NOT EXISTS (
+    SELECT 1 FROM tracks other
+    WHERE other.audio_hash = corrections.audio_hash AND other.path <> ?1))sql";
+constexpr const char* kDropTrack = "DELETE FROM tracks WHERE path = ?1";
+constexpr const char* kDropFailure = "DELETE FROM failures WHERE path = ?1";
+
+int executeFor(SQLite::Database& database, const char* sql, const std::string& path) {
+    SQLite::Statement statement(database, sql);
+    bindBytes(statement, 1, path);
+    return statement.exec();
+}
+
+}  // namespace
+
+bool forget(const Catalogue& catalogue, const std::string& path, bool withCorrections) {
     return guarded(catalogue.path(), [&] {
         SQLite::Database& database = catalogue.database();
         SQLite::Transaction transaction(database, SQLite::TransactionBehavior::IMMEDIATE);
-        SQLite::Statement isCorrected(database, "SELECT is_corrected FROM tracks WHERE path = ?1");
-        bindBytes(isCorrected, 1, path);
-        if (isCorrected.executeStep() && isCorrected.getColumn(0).getInt() != 0 && !alsoCorrected)
-            return Forgetting::corrected;
-        isCorrected.reset();
-        int deleted = 0;
-        for (const char* sql :
-             {"DELETE FROM tracks WHERE path = ?1", "DELETE FROM failures WHERE path = ?1"}) {
-            SQLite::Statement statement(database, sql);
-            bindBytes(statement, 1, path);
-            deleted += statement.exec();
-        }
+        if (withCorrections) executeFor(database, kDropCorrections, path);
+        const int tracks = executeFor(database, kDropTrack, path);
+        const int failures = executeFor(database, kDropFailure, path);
         transaction.commit();
-        return deleted > 0 ? Forgetting::done : Forgetting::unknown;
+        return tracks + failures > 0;
     });
 }
 

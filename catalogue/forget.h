@@ -7,16 +7,12 @@
 
 namespace catalogue {
 
-enum class Forgetting {
-    done,
-    unknown,    ///< the catalogue has no such file
-    corrected,  ///< somebody has corrected it, and corrections were to be kept
-};
-
-/** Deletes a track with everything that belongs to it, or the note that a file failed.
- *  @param path           as in the catalogue
- *  @param alsoCorrected  corrections are deleted too
+/** Deletes a track with its results, or the note that a file failed.
+ *  @param path             as in the catalogue
+ *  @param withCorrections  those of its sound are deleted too, unless another track has that sound;
+ *                          otherwise they stay for the day on which it comes back
+ *  @return whether the catalogue had such a file
  *  @throws CatalogueError */
-Forgetting forget(const Catalogue& catalogue, const std::string& path, bool alsoCorrected);
+bool forget(const Catalogue& catalogue, const std::string& path, bool withCorrections);
 
 }  // namespace catalogue

@@ -140,6 +140,44 @@ WHEN old.search <> new.search BEGIN
 END;
 )sql";
 
+/** Corrections belong to a sound, so that they go where the music goes. Of copies that were
+ *  corrected apart, the list that somebody worked on last is kept. */
+constexpr const char* kSoundCorrections = R"sql(
+ALTER TABLE corrections RENAME TO track_corrections;
+CREATE TABLE corrections (
+    id INTEGER PRIMARY KEY,
+    audio_hash BLOB NOT NULL,
+    kind TEXT NOT NULL,
+    value REAL,
+    made_at INTEGER NOT NULL
+);
+INSERT INTO corrections (id, audio_hash, kind, value, made_at)
+SELECT c.id, t.audio_hash, c.kind, c.value, c.made_at
+FROM track_corrections c JOIN tracks t ON t.id = c.track_id
+WHERE c.track_id = (
+    SELECT last.track_id FROM track_corrections last JOIN tracks copy ON copy.id = last.track_id
+    WHERE copy.audio_hash = t.audio_hash ORDER BY last.id DESC LIMIT 1);
+DROP TABLE track_corrections;
+CREATE INDEX corrections_by_sound ON corrections (audio_hash, id);
+)sql";
+
+/** What a scan shows of itself and remembers of what it asked for. */
+constexpr const char* kScanRecords = R"sql(
+CREATE TABLE scan_progress (
+    id INTEGER PRIMARY KEY CHECK (id = 1),
+    planned INTEGER NOT NULL,
+    done INTEGER NOT NULL,
+    failed INTEGER NOT NULL,
+    audio_seconds REAL NOT NULL,
+    started_at INTEGER NOT NULL,
+    written_at INTEGER NOT NULL,
+    ended_at INTEGER
+);
+ALTER TABLE results ADD COLUMN asked_at INTEGER NOT NULL DEFAULT 0;
+UPDATE results SET asked_at = made_at;
+ALTER TABLE failures ADD COLUMN tried_limit REAL;
+)sql";
+
 void makeTables(SQLite::Database& database) {
     database.exec(kTables);
     database.exec("PRAGMA application_id = " + std::to_string(kApplicationId));
@@ -159,10 +197,16 @@ void addTextSearch(SQLite::Database& database) {
     database.exec(kSearchIndex);
 }
 
+void letCorrectionsFollowTheSound(SQLite::Database& database) {
+    database.exec(kSoundCorrections);
+    database.exec(kScanRecords);
+}
+
 using Step = void (*)(SQLite::Database&);
 
 /** Step i makes version i + 1. */
-constexpr std::array<Step, kSchemaVersion> kSteps = {makeTables, addTextSearch};
+constexpr std::array<Step, kSchemaVersion> kSteps = {makeTables, addTextSearch,
+                                                     letCorrectionsFollowTheSound};
 
 }  // namespace
 

@@ -107,7 +107,9 @@ void Container::open(const AVInputFormat* format) {
     context_.reset(context);
     if (opened < 0) refuse(opened, "is damaged or cut off: its header cannot be read");
     const int found = avformat_find_stream_info(context, nullptr);
-    if (found < 0) refuse(found, "is damaged or cut off: nothing in it can be decoded");
+    if (found < 0)
+        refuse(found, "is damaged or cut off: nothing in it can be decoded",
+               base::TrackError::Kind::undecodable);
 }
 
 void Container::chooseStream() {

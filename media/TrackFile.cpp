@@ -11,7 +11,8 @@ TrackFile usableTrack(const std::string& path, const TrackDecoder& decoder, std:
     const DecodeTally& tally = decoder.tally();
     const bool isCutOff = decoder.isCutOff();
     if (frames == 0 && tally.isLastPacketDamaged)
-        throw base::TrackError("is damaged: nothing in it can be decoded");
+        throw base::TrackError("is damaged: nothing in it can be decoded",
+                               base::TrackError::Kind::undecodable);
     if (frames == 0 && isCutOff) throw base::TrackError("is cut off: no sound is left in it");
     if (frames == 0) throw base::TrackError("holds no audio", base::TrackError::Kind::notAudio);
     if (isCutOff && !acceptsCutOff) {

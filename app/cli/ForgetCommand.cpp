@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "cli/ForgetCommand.h"
 
+#include <algorithm>
+
 #include <CLI/CLI.hpp>
 
 #include "base/errors.h"
@@ -10,23 +12,18 @@
 namespace app {
 
 void ForgetCommand::declareOwn(CLI::App& arguments) {
-    arguments.add_flag("--corrected", alsoCorrected_,
-                       "also tracks that somebody has corrected, with their corrections");
+    arguments.add_flag("--corrected", withCorrections_,
+                       "what somebody corrected of these tracks too, which otherwise is kept for\n"
+                       "the day on which their sound comes back");
 }
 
 void ForgetCommand::handle(const catalogue::Catalogue& catalogue, const std::string& file,
                            ResultStream& /*results*/) {
-    for (const std::string& name : catalogueNames(file)) {
-        switch (forget(catalogue, name, alsoCorrected_)) {
-        case catalogue::Forgetting::done:
-            return;
-        case catalogue::Forgetting::corrected:
-            throw base::TrackError("has corrections; --corrected forgets these too");
-        case catalogue::Forgetting::unknown:
-            break;
-        }
-    }
-    throw base::TrackError("is not in the catalogue");
+    const auto names = catalogueNames(file);
+    const bool isDone = std::any_of(names.begin(), names.end(), [&](const std::string& name) {
+        return forget(catalogue, name, withCorrections_);
+    });
+    if (!isDone) throw base::TrackError("is not in the catalogue");
 }
 
 }  // namespace app

@@ -21,7 +21,7 @@ private:
     void handle(const catalogue::Catalogue& catalogue, const std::string& file,
                 ResultStream& results) override;
 
-    bool alsoCorrected_ = false;
+    bool withCorrections_ = false;
 };
 
 }  // namespace app

@@ -82,10 +82,15 @@ void refuseMissingValues(const std::vector<std::string>& words) {
     }
 }
 
-/** In the order CLI11 wants them: from the last to the first. */
+/** In the order CLI11 wants them: from the last to the first. Behind "--" it takes the first name
+ *  alone for one where others stood before: each of these is marked as a name instead. */
 std::vector<std::string> toArguments(const std::vector<std::string>& words) {
+    const auto end = std::find(words.begin(), words.end(), "--");
     std::vector<std::string> arguments;
-    std::transform(words.rbegin(), words.rend(), std::back_inserter(arguments), guarded);
+    std::transform(words.begin(), end, std::back_inserter(arguments), guarded);
+    if (end != words.end())
+        std::transform(end + 1, words.end(), std::back_inserter(arguments), guardedName);
+    std::reverse(arguments.begin(), arguments.end());
     return arguments;
 }
 
@@ -104,9 +109,9 @@ std::string helpOn(const CLI::App& program, const std::string& topic) {
 /** Null unless the first word names a command. */
 const Command* commandOf(const Commands& commands, const std::vector<std::string>& words) {
     if (words.empty()) return nullptr;
-    const auto named =
-        std::find_if(commands.begin(), commands.end(),
-                     [&](const auto& command) { return command->name() == words.front(); });
+    const auto named = std::find_if(commands.begin(), commands.end(), [&](const auto& command) {
+        return command->name() == words.front();
+    });
     return named == commands.end() ? nullptr : named->get();
 }
 
@@ -164,7 +169,7 @@ ExitCode Program::parseAndRun(const std::vector<std::string>& words) {
     for (const auto& command : commands) {
         if (program.got_subcommand(command->name())) return command->run(results_);
     }
-    results_.write(helpOn(program, topic));
+    results_.write(helpOn(program, unguarded(topic)));
     return kExitDone;
 }
 

@@ -2,14 +2,19 @@
 #include "cli/ScanCommand.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <chrono>
 #include <map>
 #include <memory>
 #include <thread>
 
 #include <CLI/CLI.hpp>
+#include <fmt/format.h>
+#include <unistd.h>
 
 #include "base/Interrupt.h"
+#include "base/errors.h"
+#include "base/fileLimit.h"
 #include "catalogue/CatalogueError.h"
 #include "cli/bracketGuard.h"
 #include "cli/memorySize.h"
@@ -29,6 +34,15 @@ constexpr int kMostJobs = 4096;
 constexpr double kShortestLimitSeconds = 1.0;
 constexpr double kLongestLimitSeconds = 1.0e6;
 constexpr std::chrono::milliseconds kMoment{500};
+
+// The shortest track takes more.
+constexpr std::int64_t kLeastMemory = std::int64_t{16} << 20;
+
+std::string requireMemoryLimit(const std::string& text) {
+    const auto bytes = parseMemorySize(text);
+    if (!bytes) return requireMemorySize(text);
+    return *bytes >= kLeastMemory ? "" : "takes 16M or more, not " + text;
+}
 
 std::map<std::string, ScanProgress::Manner> progressManners() {
     return {{"line", ScanProgress::Manner::watched},
@@ -105,8 +119,8 @@ void ScanCommand::declareWork(CLI::App& arguments) {
         .add_option_function<std::string>(
             "--memory-limit",
             [this](const std::string& text) { memoryLimit_ = *parseMemorySize(text); },
-            "how much memory a track may take: 512M, 1.5G, 2GiB … (default: 2G)")
-        ->check(CLI::Validator(requireMemorySize, ""))
+            "how much memory a track may take: 512M, 1.5G, 2GiB … (at least 16M; default: 2G)")
+        ->check(CLI::Validator(requireMemoryLimit, ""))
         ->option_text("SIZE");
     arguments.add_flag("--wait", waits_,
                        "where another scan is filling the catalogue: wait for its end");
@@ -115,7 +129,8 @@ void ScanCommand::declareWork(CLI::App& arguments) {
 void ScanCommand::declareOutcome(CLI::App& arguments) {
     auto* prune = arguments.add_flag("--prune", prunes_,
                                      "delete tracks from the catalogue that are not in their place "
-                                     "any more,\nunless somebody has corrected them");
+                                     "any more,\nunless somebody has corrected them, or nothing at "
+                                     "all is left around them");
     arguments
         .add_flag("--prune-corrected", prunesCorrected_, "with --prune: those with corrections too")
         ->needs(prune);
@@ -130,6 +145,9 @@ void ScanCommand::declareOutcome(CLI::App& arguments) {
 
 ExitCode ScanCommand::run(ResultStream& results) {
     analysis_.settle();
+    std::transform(paths_.begin(), paths_.end(), paths_.begin(), unguarded);
+    requireFileLimit();
+    if (!mayFindAnything()) return kExitFailed;
     const std::string path = catalogue_.pathToCreate();
     catalogue::Catalogue catalogue(path, catalogue::Catalogue::Access::create);
     const auto scan = openScan(catalogue);
@@ -148,8 +166,33 @@ ExitCode ScanCommand::run(ResultStream& results) {
     return hasTrouble_ || progress.tally().failed > 0 ? kExitFailed : kExitDone;
 }
 
+/** @throws UsageError when the system allows fewer open files than so many workers take */
+void ScanCommand::requireFileLimit() const {
+    const std::int64_t allowed = base::raiseFileLimit();
+    if (ScanRun::openFiles(jobs_) <= allowed) return;
+    throw base::UsageError(fmt::format("--jobs {} takes {} open files, and {} are allowed here "
+                                       "(ulimit -n)",
+                                       jobs_, ScanRun::openFiles(jobs_), allowed));
+}
+
+/** A misspelt name makes no catalogue: where none is, one of the names has to be there. Otherwise
+ *  prints why they cannot be read. */
+bool ScanCommand::mayFindAnything() const {
+    const auto isThere = [](const std::string& path) {
+        return path == "-" || access(path.c_str(), F_OK) == 0;
+    };
+    if (isThere(catalogue_.path()) || std::any_of(paths_.begin(), paths_.end(), isThere))
+        return true;
+    for (const std::string& path : paths_) {
+        if (isThere(path)) return true;
+        printFileError(path, "cannot be opened: " + base::systemReason(errno));
+    }
+    return false;
+}
+
 catalogue::Scan::Plan ScanCommand::plan() const {
-    return {catalogue::parametersText(analysis_.options()), retriesFailures_, rescansAll_};
+    return {catalogue::parametersText(analysis_.options()), retriesFailures_, rescansAll_,
+            static_cast<double>(memoryLimit_), timeLimit_.value_or(ScanRun::kLeastSecondsAllowed)};
 }
 
 std::unique_ptr<catalogue::Scan> ScanCommand::openScan(catalogue::Catalogue& catalogue) const {
@@ -170,10 +213,9 @@ std::unique_ptr<catalogue::Scan> ScanCommand::openScan(catalogue::Catalogue& cat
 void ScanCommand::scan(catalogue::Scan& scan, const std::string& catalogue,
                        ScanProgress& progress) {
     FileGathering files = gathering(scan, catalogue, progress);
-    std::transform(paths_.begin(), paths_.end(), paths_.begin(), unguarded);
     for (const std::string& path : paths_) files.add(path);
-    const catalogue::Scan::Counts counts = scan.settle();
-    progress.begin(counts.found, counts.known, counts.toDo, counts.weightToDo);
+    progress.setNoFiles(files.noFiles());
+    progress.begin(scan.settle());
     ScanRun(scan, work(), progress).run();
     finish(scan, files, progress);
 }
@@ -193,7 +235,10 @@ FileGathering ScanCommand::gathering(catalogue::Scan& scan, const std::string& c
     const auto noted = [&](const std::string& path, const std::string& text) {
         progress.tellNote(path, text);
     };
-    return {{walk_, shard, absolutePath(catalogue), readsNulNames_}, found, refused, noted};
+    return {{walk_, shard, absolutePath(catalogue), readsNulNames_, tracks_.isVerbose()},
+            found,
+            refused,
+            noted};
 }
 
 ScanRun::Options ScanCommand::work() const {
@@ -208,26 +253,17 @@ void ScanCommand::finish(catalogue::Scan& scan, const FileGathering& files,
                          ScanProgress& progress) const {
     using Pruning = catalogue::Scan::Pruning;
     const Pruning whenPruned = prunesCorrected_ ? Pruning::all : Pruning::uncorrected;
-    const auto ending =
-        scan.finish(sweptRoots(files, progress), prunes_ ? whenPruned : Pruning::none);
+    const auto ending = scan.finish(files.roots(), prunes_ ? whenPruned : Pruning::none);
     progress.setGone(ending.gone, ending.pruned);
-    if (prunes_ && ending.keptCorrected > 0 && !tracks_.isQuiet()) {
+    if (tracks_.isQuiet()) return;
+    if (ending.keptCorrected > 0)
         printError("gone, but kept for the corrections: " +
                    output::counted(ending.keptCorrected, "track") +
                    " (--prune-corrected deletes such tracks)");
-    }
-}
-
-/** A disk that is not mounted leaves an empty folder in its place: nothing is deleted for that. */
-std::vector<std::string> ScanCommand::sweptRoots(const FileGathering& files,
-                                                 ScanProgress& progress) const {
-    std::vector<std::string> roots = files.roots();
-    if (!prunes_) return roots;
-    for (const std::string& empty : files.emptyRoots()) {
-        progress.tellWarning(empty, "holds no file at all; nothing below it is deleted");
-        roots.erase(std::remove(roots.begin(), roots.end(), empty), roots.end());
-    }
-    return roots;
+    if (ending.keptAbsent > 0)
+        printError("gone, but kept, since nothing at all is left where they were, as where a disk "
+                   "is not mounted: " +
+                   output::counted(ending.keptAbsent, "track"));
 }
 
 }  // namespace app

@@ -33,6 +33,8 @@ private:
     void declareFiles(CLI::App& arguments);
     void declareWork(CLI::App& arguments);
     void declareOutcome(CLI::App& arguments);
+    void requireFileLimit() const;
+    bool mayFindAnything() const;
     catalogue::Scan::Plan plan() const;
     std::unique_ptr<catalogue::Scan> openScan(catalogue::Catalogue& catalogue) const;
     ScanRun::Options work() const;
@@ -40,7 +42,6 @@ private:
                             ScanProgress& progress);
     void scan(catalogue::Scan& scan, const std::string& catalogue, ScanProgress& progress);
     void finish(catalogue::Scan& scan, const FileGathering& files, ScanProgress& progress) const;
-    std::vector<std::string> sweptRoots(const FileGathering& files, ScanProgress& progress) const;
 
     std::vector<std::string> paths_;
     CatalogueArgument catalogue_;

@@ -17,6 +17,10 @@ std::string guarded(const std::string& argument) {
     return needsMark ? kMark + argument : argument;
 }
 
+std::string guardedName(const std::string& argument) {
+    return kMark + argument;
+}
+
 std::string unguarded(const std::string& argument) {
     return !argument.empty() && argument.front() == kMark ? argument.substr(1) : argument;
 }

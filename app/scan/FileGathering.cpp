@@ -27,7 +27,10 @@ void FileGathering::add(const std::string& name) {
     // It would stand for the working folder, and comes from a variable that is not set.
     if (name.empty()) return refused_(name, "cannot be opened: " + base::systemReason(ENOENT));
     const std::string path = absolutePath(name);
-    if (isPlaylist(path)) return addList(path);
+    struct stat status = {};
+    const bool isList =
+        isPlaylist(path) && stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode);
+    if (isList) return addList(path);
     addPath(path);
 }
 
@@ -36,10 +39,18 @@ void FileGathering::addPath(const std::string& path) {
     if (path.find('\0') != std::string::npos)
         return refused_(path, "cannot be opened: no file has a NUL in its name");
     struct stat status = {};
-    if (stat(path.c_str(), &status) != 0)
-        return refused_(path, "cannot be opened: " + base::systemReason(errno));
+    if (stat(path.c_str(), &status) != 0) return refuseUnread(path);
     if (S_ISDIR(status.st_mode)) return addFolder(path);
+    if (!S_ISREG(status.st_mode))
+        return refused_(path, "is a pipe or a device, which cannot be read twice");
     take(path, status);
+}
+
+/** What the catalogue has of it, or below it, is gone. */
+void FileGathering::refuseUnread(const std::string& path) {
+    const int failure = errno;
+    if (failure == ENOENT || failure == ENOTDIR) roots_.push_back({path, false});
+    refused_(path, "cannot be opened: " + base::systemReason(failure));
 }
 
 void FileGathering::addFolder(const std::string& path) {
@@ -47,10 +58,15 @@ void FileGathering::addFolder(const std::string& path) {
     FolderWalk walk(
         options_.walk,
         [this](const std::string& file, const struct stat& status) { take(file, status); },
-        refused_);
+        refused_, [this](const std::string& other) { passOver(other); });
     walk.walk(path);
-    roots_.push_back(path);
-    if (!hasSeenFile_) emptyRoots_.push_back(path);
+    roots_.push_back({path, hasSeenFile_});
+}
+
+void FileGathering::passOver(const std::string& path) {
+    hasSeenFile_ = true;
+    ++noFiles_;
+    if (options_.notesAll) noted_(path, "is a pipe or a device, and left out");
 }
 
 /** A list in a list is a file without music: lists may name each other. */

@@ -1,11 +1,12 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <string>
 #include <vector>
 
-#include "catalogue/Analysed.h"
+#include "catalogue/Scan.h"
 #include "scan/FolderWalk.h"
 #include "scan/Shard.h"
 
@@ -22,6 +23,8 @@ public:
         std::string catalogue;
         /** Names on standard input end in NUL whatever they look like. */
         bool readsNulNames = false;
+        /** Pipes and devices in folders are noted one by one. */
+        bool notesAll = false;
     };
     using Found = std::function<void(const std::string& path, const catalogue::FileState& state,
                                      double weight)>;
@@ -29,23 +32,26 @@ public:
 
     /** @param found    takes each file; the same one may come several times
      *  @param refused  takes what could not be read, and why
-     *  @param noted    takes what was left out on purpose */
+     *  @param noted    takes what was left out on purpose, where somebody named it or wants to know
+     *                  everything */
     FileGathering(Options options, Found found, Told refused, Told noted);
 
     /** @param name  a folder, a file, a playlist, or "-" for the names on standard input
      *  @throws Interrupted; whatever the callbacks throw */
     void add(const std::string& name);
 
-    /** The folders that were walked, absolute. */
-    const std::vector<std::string>& roots() const { return roots_; }
+    /** The folders that were walked, and what was named and is not there; absolute. */
+    const std::vector<catalogue::Scan::Root>& roots() const { return roots_; }
 
-    /** The folders among them in which there was no file at all. */
-    const std::vector<std::string>& emptyRoots() const { return emptyRoots_; }
+    /** How many pipes, devices and the like there were in folders. */
+    std::int64_t noFiles() const { return noFiles_; }
 
 private:
     void addPath(const std::string& path);
     void addFolder(const std::string& path);
     void addList(const std::string& path);
+    void refuseUnread(const std::string& path);
+    void passOver(const std::string& path);
     void addNames();
     void take(const std::string& path, const struct stat& status);
     bool isOfCatalogue(const std::string& path) const;
@@ -54,9 +60,9 @@ private:
     Found found_;
     Told refused_;
     Told noted_;
-    std::vector<std::string> roots_;
-    std::vector<std::string> emptyRoots_;
+    std::vector<catalogue::Scan::Root> roots_;
     bool hasSeenFile_ = false;
+    std::int64_t noFiles_ = 0;
 };
 
 }  // namespace app

@@ -36,7 +36,7 @@ namespace {
 using Kind = base::TrackError::Kind;
 
 constexpr double kNanoseconds = 1.0e9;
-constexpr std::chrono::milliseconds kTellEvery{100};
+constexpr std::chrono::milliseconds kReportEvery{100};
 constexpr std::int64_t kMebibyte = std::int64_t{1} << 20;
 
 double processorSeconds() {
@@ -73,6 +73,8 @@ catalogue::FileState stateOf(const std::string& path) {
 
 catalogue::FailureKind kindOf(const base::TrackError& error, const std::string& path) {
     switch (error.kind()) {
+    // By chance a text or a program begins like one or the other format.
+    case Kind::undecodable:
     case Kind::notAudio:
         return hasMusicEnding(path) ? catalogue::FailureKind::damaged
                                     : catalogue::FailureKind::notAudio;
@@ -86,7 +88,7 @@ catalogue::FailureKind kindOf(const base::TrackError& error, const std::string& 
     return catalogue::FailureKind::damaged;
 }
 
-/** Tells the scan how far a file is, now and then. */
+/** Reports to the scan how far a file is, now and then. */
 class SparseProgress {
 public:
     explicit SparseProgress(ResultStream& answers) : answers_(answers) {}
@@ -94,7 +96,7 @@ public:
     void show(double fraction, double seconds) {
         const auto now = std::chrono::steady_clock::now();
         if (now < next_) return;
-        next_ = now + kTellEvery;
+        next_ = now + kReportEvery;
         answers_.write(frameOf(WorkerAnswer(WorkerProgress{fraction, seconds})));
     }
 
@@ -153,7 +155,7 @@ void FileWorker::work(const WorkerTask& task) {
 void FileWorker::analyse(const WorkerTask& task) {
     const double begun = processorSeconds();
     const catalogue::FileState state = stateOf(task.path);
-    if (task.mayBeMoved && !isToBeAnalysed(task, state)) return;
+    if (task.mayBeKnown && !isToBeAnalysed(task, state)) return;
     AudioHasher hasher;
     SparseProgress progress(answers_);
     media::FileAnalysis::Options options;
@@ -174,8 +176,9 @@ void FileWorker::analyse(const WorkerTask& task) {
 /** Decoding alone takes a small part of an analysis: worth it where the sound may be known. */
 bool FileWorker::isToBeAnalysed(const WorkerTask& task, const catalogue::FileState& state) {
     AudioHasher hasher;
-    media::TrackDecoder(task.path).run(hasher);
-    answer(WorkerHash{state, hasher.hash()});
+    media::TrackDecoder decoder(task.path);
+    decoder.run(hasher);
+    answer(WorkerHash{state, hasher.hash(), decoder.format()});
     const auto verdict = awaitFrame();
     return verdict && verdictOf(*verdict).goesOn;
 }

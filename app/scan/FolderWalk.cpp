@@ -22,8 +22,9 @@ std::string joined(const std::string& folder, const char* name) {
 
 }  // namespace
 
-FolderWalk::FolderWalk(Options options, Found found, Refused refused)
-    : options_(options), found_(std::move(found)), refused_(std::move(refused)) {}
+FolderWalk::FolderWalk(Options options, Found found, Refused refused, PassedOver passedOver)
+    : options_(options), found_(std::move(found)), refused_(std::move(refused)),
+      passedOver_(std::move(passedOver)) {}
 
 void FolderWalk::walk(const std::string& folder) {
     struct stat status = {};
@@ -67,8 +68,9 @@ void FolderWalk::look(const std::string& folder, const struct dirent& entry) {
     const bool isLink = S_ISLNK(status.st_mode);
     // A link that leads nowhere, or to itself, stands for no file.
     if (isLink && stat(path.c_str(), &status) != 0) return;
-    if (S_ISREG(status.st_mode)) found_(path, status);
-    if (S_ISDIR(status.st_mode) && (!isLink || options_.followsLinks)) enter(path, status);
+    if (S_ISREG(status.st_mode)) return found_(path, status);
+    if (!S_ISDIR(status.st_mode)) return passedOver_(path);
+    if (!isLink || options_.followsLinks) enter(path, status);
 }
 
 void FolderWalk::enter(const std::string& folder, const struct stat& status) {

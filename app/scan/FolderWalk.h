@@ -27,8 +27,10 @@ public:
     using Found = std::function<void(const std::string& path, const struct stat& status)>;
     /** Takes the reason why a folder could not be read. */
     using Refused = std::function<void(const std::string& folder, const std::string& reason)>;
+    /** Takes what is neither a file nor a folder: a pipe, a device. */
+    using PassedOver = std::function<void(const std::string& path)>;
 
-    FolderWalk(Options options, Found found, Refused refused);
+    FolderWalk(Options options, Found found, Refused refused, PassedOver passedOver);
 
     /** @throws Interrupted; whatever the callbacks throw */
     void walk(const std::string& folder);
@@ -41,6 +43,7 @@ private:
     Options options_;
     Found found_;
     Refused refused_;
+    PassedOver passedOver_;
     std::vector<std::string> waiting_;
     std::set<std::pair<dev_t, ino_t>> entered_;
 };

@@ -6,6 +6,7 @@ namespace app {
 namespace {
 
 constexpr std::size_t kDecidingBytes = 65536;
+constexpr std::size_t kMostBytes = 65536;
 
 }  // namespace
 
@@ -37,7 +38,13 @@ std::vector<std::string> NameList::takeComplete() {
         from = to + 1;
     }
     waiting_.erase(0, from);
+    shorten();
     return names;
+}
+
+/** What comes next is added behind, and lost the same way until the name ends. */
+void NameList::shorten() {
+    if (waiting_.size() > kMostBytes) waiting_.resize(kMostBytes);
 }
 
 }  // namespace app

@@ -11,7 +11,8 @@ namespace app {
 /** Takes apart a stream of file names that end in NUL or in a line's end.
  *
  *  Where nothing was said, the first 64 KiB decide: no name has room for a NUL, and none is so long
- *  that its NUL would come later. */
+ *  that its NUL would come later. Of a name without an end no more than 64 KiB are kept, more than
+ *  any file's name has: the system refuses it. */
 class NameList {
 public:
     /** @param endsInNul  not for the stream to decide */
@@ -25,6 +26,7 @@ public:
 
 private:
     std::vector<std::string> takeComplete();
+    void shorten();
 
     std::string waiting_;
     std::optional<char> end_;

@@ -19,7 +19,7 @@ namespace app {
 namespace {
 
 constexpr std::chrono::milliseconds kShowEvery{100};
-constexpr std::chrono::seconds kTellEvery{1};
+constexpr std::chrono::seconds kReportEvery{1};
 constexpr double kSecondsPerHour = 3600.0;
 constexpr double kShortestMeasuredSeconds = 0.5;
 
@@ -47,13 +47,18 @@ void ScanProgress::showFound(std::int64_t files) {
     showLine("looking for files: " + output::grouped(files));
 }
 
-void ScanProgress::begin(std::int64_t found, std::int64_t known, std::int64_t toDo, double weight) {
-    toDo_ = toDo;
-    weightToDo_ = weight;
-    tally_.known = known;
+void ScanProgress::begin(const catalogue::Scan::Counts& counts) {
+    toDo_ = counts.toDo;
+    weightToDo_ = counts.weightToDo;
+    tally_.known = counts.known;
+    tally_.knownFailures = counts.knownFailures;
     begin_ = Clock::now();
     if (manner_ != Manner::json) return;
-    const json event = {{"event", "begin"}, {"found", found}, {"known", known}, {"toDo", toDo}};
+    const json event = {{"event", "begin"},
+                        {"found", counts.found},
+                        {"known", counts.known},
+                        {"knownFailures", counts.knownFailures},
+                        {"toDo", counts.toDo}};
     tellProgram(results_, event);
 }
 
@@ -62,7 +67,7 @@ bool ScanProgress::isTime() {
     if (now < nextShow_) return false;
     nextShow_ = now;
     if (manner_ == Manner::json)
-        nextShow_ += kTellEvery;
+        nextShow_ += kReportEvery;
     else
         nextShow_ += kShowEvery;
     return true;
@@ -116,8 +121,8 @@ void ScanProgress::addAnalysed(double weight, double audioSeconds) {
     weightDone_ += weight;
 }
 
-void ScanProgress::addMoved(double weight) {
-    ++tally_.moved;
+void ScanProgress::addKnownSound(double weight, bool isMoved) {
+    ++(isMoved ? tally_.moved : tally_.retagged);
     weightDone_ += weight;
 }
 
@@ -169,11 +174,14 @@ void ScanProgress::tellEnd(bool isComplete) {
                         {"complete", isComplete},
                         {"analysed", tally_.analysed},
                         {"known", tally_.known},
+                        {"knownFailures", tally_.knownFailures},
+                        {"retagged", tally_.retagged},
                         {"moved", tally_.moved},
                         {"gone", tally_.gone},
                         {"pruned", tally_.pruned},
                         {"failed", tally_.failed},
                         {"notAudio", tally_.notAudio},
+                        {"noFiles", tally_.noFiles},
                         {"left", left},
                         {"audioHours", tally_.audioSeconds / kSecondsPerHour},
                         {"elapsedSeconds", elapsed()}};

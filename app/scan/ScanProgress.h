@@ -6,13 +6,13 @@
 #include <optional>
 #include <string>
 
-#include "catalogue/Analysed.h"
+#include "catalogue/Scan.h"
 #include "io/ResultStream.h"
 #include "scan/ScanTally.h"
 
 namespace app {
 
-/** Tells how far a scan is, to people as one line on a terminal that is written over again, or to
+/** Shows how far a scan is, to people as one line on a terminal that is written over again, or to
  *  programs as lines of JSON, and what became of it in the end. */
 class ScanProgress {
 public:
@@ -34,7 +34,7 @@ public:
     void showFound(std::int64_t files);
 
     /** Work begins. */
-    void begin(std::int64_t found, std::int64_t known, std::int64_t toDo, double weight);
+    void begin(const catalogue::Scan::Counts& counts);
 
     /** What is in work now. @param weight   done of the files that are not done yet
      *                        @param seconds  of music in that */
@@ -42,7 +42,7 @@ public:
 
     /** @name A file that is done @{ */
     void addAnalysed(double weight, double audioSeconds);
-    void addMoved(double weight);
+    void addKnownSound(double weight, bool isMoved);
     void addFailure(const std::string& path, double weight, const catalogue::Failure& failure);
     /** @} */
 
@@ -53,6 +53,7 @@ public:
     /** @} */
 
     void setGone(std::int64_t gone, std::int64_t pruned);
+    void setNoFiles(std::int64_t count) { tally_.noFiles = count; }
 
     const ScanTally& tally() const { return tally_; }
 

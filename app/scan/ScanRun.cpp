@@ -17,7 +17,6 @@ namespace app {
 namespace {
 
 // A track takes a hundredth of its length; a machine may be slow, busy, and far from its disk.
-constexpr double kShortestLimitSeconds = 120.0;
 constexpr double kLimitPerSecond = 1.0;
 
 // Fewer make no music: of a file of unknown length, so many seconds are taken to be in it.
@@ -34,6 +33,13 @@ constexpr int kFilesPerWorker = 1000;
 constexpr int kMostFailedStarts = 3;
 
 }  // namespace
+
+std::int64_t ScanRun::openFiles(int jobs) {
+    // A pipe each way; beside them the catalogue, folders, and what a worker takes that begins.
+    constexpr std::int64_t kPerWorker = 2;
+    constexpr std::int64_t kOthers = 32;
+    return kPerWorker * jobs + kOthers;
+}
 
 ScanRun::ScanRun(catalogue::Scan& scan, Options options, ScanProgress& progress)
     : scan_(scan), options_(std::move(options)), progress_(progress),
@@ -73,7 +79,7 @@ void ScanRun::give(Seat& seat) {
     seat.seconds = 0.0;
     seat.isGiven = true;
     seat.isReady = false;
-    const bool mayBeKnown = seat.work->mayBeMoved && options_.knowsBySound;
+    const bool mayBeKnown = seat.work->mayBeKnown && options_.knowsBySound;
     seat.worker->give(frameOf(WorkerTask{seat.work->path, mayBeKnown}));
 }
 
@@ -136,7 +142,7 @@ void ScanRun::take(Seat& seat, const WorkerAnswer& answer) {
     } else if (const auto* hashed = std::get_if<WorkerHash>(&answer)) {
         decide(seat, *hashed);
     } else if (const auto* analysed = std::get_if<catalogue::Analysed>(&answer)) {
-        scan_.put(*analysed);
+        warnOfLeft(seat, scan_.put(*analysed));
         progress_.addAnalysed(seat.work->weight, analysed->track.seconds);
         endFile(seat);
     } else if (const auto* failure = std::get_if<catalogue::Failure>(&answer)) {
@@ -153,17 +159,26 @@ void ScanRun::beReady(Seat& seat) {
 }
 
 void ScanRun::decide(Seat& seat, const WorkerHash& hashed) {
-    const bool isKnown = scan_.adoptMoved(seat.work->path, hashed.state, hashed.hash);
-    seat.worker->give(frameOf(WorkerVerdict{!isKnown}));
-    if (!isKnown) return;
-    progress_.addMoved(seat.work->weight);
+    const auto adoption = scan_.adopt(seat.work->path, hashed.state, hashed.hash, hashed.format);
+    warnOfLeft(seat, adoption.leavesCorrections);
+    seat.worker->give(frameOf(WorkerVerdict{!adoption.isDone}));
+    if (!adoption.isDone) return;
+    progress_.addKnownSound(seat.work->weight, adoption.isMoved);
     endFile(seat);
 }
 
+void ScanRun::warnOfLeft(const Seat& seat, bool leavesCorrections) {
+    if (leavesCorrections)
+        progress_.tellWarning(seat.work->path,
+                              "holds another sound than the one that was corrected; the "
+                              "corrections are kept for that one");
+}
+
 void ScanRun::fail(Seat& seat, const catalogue::Failure& failure) {
-    // Of a file that is no more there is nothing to remember.
-    if (failure.kind != catalogue::FailureKind::vanished)
-        scan_.putFailure(seat.work->path, seat.work->state, failure);
+    catalogue::Failure whole = failure;
+    if (failure.kind == catalogue::FailureKind::memoryLimit)
+        whole.limit = static_cast<double>(options_.orders.memoryLimit);
+    scan_.putFailure(seat.work->path, seat.work->state, whole);
     progress_.addFailure(seat.work->path, seat.work->weight, failure);
     endFile(seat);
 }
@@ -194,16 +209,17 @@ void ScanRun::stopLate() {
         const double allowed = allowedSeconds(seat);
         if (Clock::now() - seat.begun < std::chrono::duration<double>(allowed)) continue;
         replace(seat);
-        fail(seat, {catalogue::FailureKind::timeLimit, "takes longer than " +
-                                                           output::clockTimeInSeconds(allowed) +
-                                                           " to analyse (--time-limit)"});
+        fail(seat, {catalogue::FailureKind::timeLimit,
+                    "takes longer than " + output::clockTimeInSeconds(allowed) +
+                        " to analyse (--time-limit)",
+                    allowed});
     }
 }
 
 double ScanRun::allowedSeconds(const Seat& seat) const {
     if (options_.timeLimit) return *options_.timeLimit;
     const double guessed = static_cast<double>(seat.work->state.size) / kFewestBytesPerSecond;
-    return kShortestLimitSeconds + kLimitPerSecond * (seat.seconds > 0.0 ? seat.seconds : guessed);
+    return kLeastSecondsAllowed + kLimitPerSecond * (seat.seconds > 0.0 ? seat.seconds : guessed);
 }
 
 void ScanRun::showProgress() {

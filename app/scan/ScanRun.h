@@ -2,6 +2,7 @@
 #pragma once
 
 #include <chrono>
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
@@ -19,6 +20,12 @@ namespace app {
  *  itself or because its time is up, is replaced, and the file it had is a failure. */
 class ScanRun {
 public:
+    /** What every file may take where nothing was said. */
+    static constexpr double kLeastSecondsAllowed = 120.0;
+
+    /** How many open files so many workers take in this process. */
+    static std::int64_t openFiles(int jobs);
+
     struct Options {
         int jobs = 1;
         WorkerOrders orders;
@@ -59,6 +66,7 @@ private:
     void beReady(Seat& seat);
     void take(Seat& seat, const WorkerAnswer& answer);
     void decide(Seat& seat, const WorkerHash& hashed);
+    void warnOfLeft(const Seat& seat, bool leavesCorrections);
     void fail(Seat& seat, const catalogue::Failure& failure);
     void endFile(Seat& seat);
     void replace(Seat& seat);

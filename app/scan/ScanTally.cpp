@@ -21,11 +21,16 @@ std::string summaryOf(const ScanTally& tally) {
         if (number > 0) text += ", " + output::grouped(number) + " " + what;
     };
     add(tally.known, "known");
+    if (tally.knownFailures > 0)
+        text += " (" + output::grouped(tally.knownFailures) + " of them failed before)";
+    add(tally.retagged, "with other tags alone");
     add(tally.moved, "moved");
     add(tally.gone, "gone");
     add(tally.pruned, "deleted from the catalogue");
     add(tally.failed, "failed");
     add(tally.notAudio, "without audio");
+    add(tally.noFiles,
+        tally.noFiles == 1 ? "pipe or device left out" : "pipes or devices left out");
     return text;
 }
 

@@ -130,11 +130,6 @@ std::string fileNamed(const std::string& folder, const std::string& name) {
     return beside(folder, name);
 }
 
-std::string trimmed(std::string_view line) {
-    while (!line.empty() && (line.back() == '\r' || line.back() == '\n')) line.remove_suffix(1);
-    return std::string(line);
-}
-
 /** What a line of PLS names: "File12=song.mp3". */
 std::string valueOfPls(const std::string& line) {
     const std::size_t equals = line.find('=');
@@ -157,13 +152,15 @@ Playlist readPlaylist(const std::string& path) {
     struct stat status = {};
     if (stat(path.c_str(), &status) == 0 && static_cast<std::size_t>(status.st_size) > kMostBytes)
         throw base::TrackError("is too long for a playlist");
-    std::istringstream text(textOf(readWhole(path)));
+    std::string whole = textOf(readWhole(path));
+    // Lines end in LF, in CR and LF, or, of old, in CR; a line without a name is none.
+    std::replace(whole.begin(), whole.end(), '\r', '\n');
+    std::istringstream text(whole);
     const std::string folder = path.substr(0, path.rfind('/') + 1);
     const bool isPls = hasEnding(path, ".pls");
     Playlist list;
     for (std::string line; std::getline(text, line);) {
-        std::string name = trimmed(line);
-        if (isPls) name = valueOfPls(name);
+        const std::string name = isPls ? valueOfPls(line) : line;
         if (name.empty() || (!isPls && name.front() == '#')) continue;
         if (const auto file = pathOfAddress(name))
             list.files.push_back(*file);

@@ -132,7 +132,8 @@ json toJson(const WorkerProgress& progress) {
 }
 
 json toJson(const WorkerHash& hashed) {
-    return {{"hash", hashed.hash}, {"state", toJson(hashed.state)}};
+    return {
+        {"hash", hashed.hash}, {"state", toJson(hashed.state)}, {"format", toJson(hashed.format)}};
 }
 
 json toJson(const catalogue::Analysed& analysed) {
@@ -153,7 +154,7 @@ std::string frameOf(const WorkerOrders& orders) {
 }
 
 std::string frameOf(const WorkerTask& task) {
-    return framed({{"path", task.path}, {"mayBeMoved", task.mayBeMoved}});
+    return framed({{"path", task.path}, {"mayBeKnown", task.mayBeKnown}});
 }
 
 std::string frameOf(const WorkerVerdict& verdict) {
@@ -172,7 +173,7 @@ WorkerOrders ordersOf(std::string_view frame) {
 
 WorkerTask taskOf(std::string_view frame) {
     const json message = parsed(frame);
-    return {message.at("path"), message.at("mayBeMoved")};
+    return {message.at("path"), message.at("mayBeKnown")};
 }
 
 WorkerVerdict verdictOf(std::string_view frame) {
@@ -186,7 +187,8 @@ WorkerAnswer answerOf(std::string_view frame) {
     if (message.contains("track"))
         return catalogue::Analysed{trackOf(message.at("track")), resultOf(message.at("result"))};
     if (message.contains("hash"))
-        return WorkerHash{stateOf(message.at("state")), message.at("hash")};
+        return WorkerHash{stateOf(message.at("state")), message.at("hash"),
+                          formatOf(message.at("format"))};
     if (message.contains("failure"))
         return catalogue::Failure{
             static_cast<catalogue::FailureKind>(message.at("failure").get<int>()),

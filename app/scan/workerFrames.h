@@ -31,7 +31,7 @@ struct WorkerOrders {
 
 struct WorkerTask {
     std::string path;
-    bool mayBeMoved = false;
+    bool mayBeKnown = false;
 };
 
 /** Whether the file whose hash was told is still to be analysed. */
@@ -50,6 +50,7 @@ struct WorkerProgress {
 struct WorkerHash {
     catalogue::FileState state;
     catalogue::AudioHash hash{};
+    base::TrackFormat format;
 };
 
 using WorkerAnswer =

@@ -15,12 +15,15 @@ namespace catalogue {
 
 namespace {
 
-constexpr const char* kOfTrack =
-    "SELECT kind, value FROM corrections WHERE track_id = ?1 ORDER BY id";
-constexpr const char* kAdd =
-    "INSERT INTO corrections (track_id, kind, value, made_at) VALUES (?1, ?2, ?3, ?4)";
-constexpr const char* kFromLast =
-    "SELECT kind, value, id FROM corrections WHERE track_id = ?1 ORDER BY id DESC";
+constexpr const char* kOfTrack = R"sql(
+SELECT kind, value FROM corrections
+WHERE audio_hash = (SELECT audio_hash FROM tracks WHERE id = ?1) ORDER BY id)sql";
+constexpr const char* kAdd = R"sql(
+INSERT INTO corrections (audio_hash, kind, value, made_at)
+SELECT audio_hash, ?2, ?3, ?4 FROM tracks WHERE id = ?1)sql";
+constexpr const char* kFromLast = R"sql(
+SELECT kind, value, id FROM corrections
+WHERE audio_hash = (SELECT audio_hash FROM tracks WHERE id = ?1) ORDER BY id DESC)sql";
 constexpr const char* kDrop = "DELETE FROM corrections WHERE id = ?1";
 
 // More than any seconds, milliseconds, BPM and keys.
@@ -40,15 +43,7 @@ std::optional<Edit> editOf(const SQLite::Statement& row) {
 }  // namespace
 
 std::vector<Edit> Corrections::of(std::int64_t trackId) const {
-    return guarded(catalogue_.path(), [&] {
-        std::vector<Edit> edits;
-        SQLite::Statement select(catalogue_.database(), kOfTrack);
-        select.bind(1, trackId);
-        while (select.executeStep()) {
-            if (const auto edit = editOf(select)) edits.push_back(*edit);
-        }
-        return edits;
-    });
+    return guarded(catalogue_.path(), [&] { return editsOf(catalogue_.database(), trackId); });
 }
 
 void Corrections::add(std::int64_t trackId, const Edit& edit) {
@@ -61,7 +56,7 @@ void Corrections::add(std::int64_t trackId, const Edit& edit) {
         insert.bind(3, edit.value);
         insert.bind(4, secondsNow());
         insert.exec();
-        TrackStore(catalogue_).refresh(trackId);
+        TrackStore(catalogue_).refreshCopies(trackId);
         transaction.commit();
     });
 }
@@ -79,10 +74,20 @@ std::optional<Edit> Corrections::undo(std::int64_t trackId) {
         drop.bind(1, fromLast.getColumn(2).getInt64());
         drop.exec();
         fromLast.reset();
-        TrackStore(catalogue_).refresh(trackId);
+        TrackStore(catalogue_).refreshCopies(trackId);
         transaction.commit();
         return last;
     });
+}
+
+std::vector<Edit> editsOf(SQLite::Database& database, std::int64_t trackId) {
+    std::vector<Edit> edits;
+    SQLite::Statement select(database, kOfTrack);
+    select.bind(1, trackId);
+    while (select.executeStep()) {
+        if (const auto edit = editOf(select)) edits.push_back(*edit);
+    }
+    return edits;
 }
 
 }  // namespace catalogue

@@ -255,6 +255,15 @@ const char* tempoRefusal(const TrackResult& result, Ratio ratio) {
     return isPossible ? nullptr : "would get a tempo beyond 20 to 1000 BPM";
 }
 
+const char* shiftRefusal(const TrackResult& result, double seconds) {
+    if (!(std::abs(seconds) < result.seconds())) return "is shorter than the shift";
+    const auto stays = [&](const Beat& beat) {
+        return beat.seconds + seconds >= 0.0 && beat.seconds + seconds < result.seconds();
+    };
+    const bool leavesBeats = std::any_of(result.beats.begin(), result.beats.end(), stays);
+    return leavesBeats ? nullptr : "would have no beats left";
+}
+
 }  // namespace
 
 const char* refusalOf(const TrackResult& result, const Edit& edit) {
@@ -271,9 +280,10 @@ const char* refusalOf(const TrackResult& result, const Edit& edit) {
     case EditKind::threeToTwo:
         return tempoRefusal(result, kThreeToTwo);
     case EditKind::shiftMilliseconds:
-        return std::abs(edit.value) < result.seconds() * kMillisecondsPerSecond
-                   ? nullptr
-                   : "is shorter than the shift";
+        return shiftRefusal(result, edit.value / kMillisecondsPerSecond);
+    case EditKind::downbeat:
+        return edit.value >= 0.0 && edit.value < result.seconds() ? nullptr
+                                                                  : "does not last so long";
     case EditKind::key:
         return edit.value >= 0.0 && edit.value < beatatlas::track::kKeyCount
                    ? nullptr

@@ -16,7 +16,8 @@ beatatlas::track::TrackResult corrected(beatatlas::track::TrackResult result,
                                         const std::vector<Edit>& edits);
 
 /** Why an edit cannot be applied to a result, a sentence without its subject; null when it can:
- *  there are beats where beats are moved, the tempo stays between 20 and 1000 BPM. */
+ *  there are beats where beats are moved, and some are left; the tempo stays between 20 and 1000
+ *  BPM; a downbeat lies within the track. */
 const char* refusalOf(const beatatlas::track::TrackResult& result, const Edit& edit);
 
 }  // namespace catalogue

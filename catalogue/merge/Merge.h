@@ -16,8 +16,8 @@ struct MergeCounts {
 /** Puts what several catalogues know of tracks into a new one.
  *
  *  Of a track that several have, the file as it was last analysed counts, and of each set of
- *  parameters the newest result; corrections are kept. Where two catalogues hold corrections of a
- *  track that do not continue each other, the list with the newest edit wins, and the other is
+ *  parameters the newest result. Corrections are kept, those of sounds that no track has any more
+ *  too; joined() says how those of one sound come together, and where some are left behind that is
  *  reported. The order of the catalogues makes no difference, nor does merging one of them twice.
  *
  *  @param output    appears whole or not at all; must not exist

@@ -15,18 +15,25 @@ namespace catalogue {
 namespace {
 
 constexpr const char* kTracks = "SELECT id, path, added_at, gone_at FROM tracks ORDER BY path";
-constexpr const char* kFailures = "SELECT path, last_at, attempts, kind, reason, size, modified_ns "
-                                  "FROM failures ORDER BY path";
+constexpr const char* kFailures = "SELECT path, last_at, attempts, kind, reason, size, "
+                                  "modified_ns, tried_limit FROM failures ORDER BY path";
 constexpr const char* kEdits =
-    "SELECT kind, value, made_at FROM corrections WHERE track_id = ?1 ORDER BY id";
+    "SELECT audio_hash, kind, value, made_at FROM corrections ORDER BY audio_hash, id";
+
+// Many catalogues may be open at once; each is read from its beginning to its end.
+constexpr const char* kSmallCache = "PRAGMA cache_size = -256";
 
 }  // namespace
 
 MergeSource::MergeSource(const std::string& path)
     : catalogue_(path, Catalogue::Access::read), store_(catalogue_),
-      tracks_(catalogue_.database(), kTracks), failures_(catalogue_.database(), kFailures) {
+      tracks_(catalogue_.database(), kTracks), failures_(catalogue_.database(), kFailures),
+      edits_(catalogue_.database(), kEdits) {
+    catalogue_.database().exec(kSmallCache);
     stepTrack();
     dropFailure();
+    stepEdit();
+    dropSound();
 }
 
 void MergeSource::stepTrack() {
@@ -47,21 +54,26 @@ std::optional<MergeTrack> MergeSource::takeTrack() {
             throw CatalogueError(base::displayName(catalogue_.path()) + ": " +
                                  base::displayName(nextTrack_.value()) + ": " + damage.what());
         }
-        track.edits = editsOf(id);
     });
     stepTrack();
     if (track.results.empty()) return std::nullopt;
     return track;
 }
 
-std::vector<StoredEdit> MergeSource::editsOf(std::int64_t track) {
-    std::vector<StoredEdit> edits;
-    SQLite::Statement select(catalogue_.database(), kEdits);
-    select.bind(1, track);
-    while (select.executeStep())
-        edits.push_back(
-            {select.getColumn(0).getString(), realOf(select, 1), select.getColumn(2).getInt64()});
-    return edits;
+void MergeSource::stepEdit() {
+    hasEdit_ = guarded(catalogue_.path(), [&] { return edits_.executeStep(); });
+}
+
+void MergeSource::dropSound() {
+    nextSound_.reset();
+    while (hasEdit_) {
+        const std::string hash = edits_.getColumn(0).getString();
+        if (!nextSound_) nextSound_ = {hash, {}};
+        if (nextSound_->hash != hash) return;
+        nextSound_->edits.push_back(
+            {edits_.getColumn(1).getString(), realOf(edits_, 2), edits_.getColumn(3).getInt64()});
+        stepEdit();
+    }
 }
 
 void MergeSource::dropFailure() {
@@ -70,7 +82,7 @@ void MergeSource::dropFailure() {
     nextFailure_ = {failures_.getColumn(0).getString(), failures_.getColumn(1).getInt64(),
                     failures_.getColumn(2).getInt64(),  failures_.getColumn(3).getString(),
                     failures_.getColumn(4).getString(), failures_.getColumn(5).getInt64(),
-                    failures_.getColumn(6).getInt64()};
+                    failures_.getColumn(6).getInt64(),  realOf(failures_, 7)};
 }
 
 }  // namespace catalogue

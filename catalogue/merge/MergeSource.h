@@ -23,13 +23,19 @@ struct StoredEdit {
     auto operator<=>(const StoredEdit&) const = default;
 };
 
+/** The corrections of a sound. */
+struct CorrectedSound {
+    /** Its audio hash. */
+    std::string hash;
+    std::vector<StoredEdit> edits;
+};
+
 /** All that one catalogue knows of a track. */
 struct MergeTrack {
     std::int64_t addedAt = 0;
     std::optional<std::int64_t> goneAt;
-    /** The newest first, at least one. */
+    /** At least one. */
     std::vector<TrackStore::Dated> results;
-    std::vector<StoredEdit> edits;
 };
 
 struct StoredFailure {
@@ -40,12 +46,13 @@ struct StoredFailure {
     std::string reason;
     std::int64_t size = 0;
     std::int64_t modifiedNanoseconds = 0;
+    std::optional<double> triedLimit;
 
     auto operator<=>(const StoredFailure&) const = default;
 };
 
 /** One of the catalogues that are merged: its tracks, and its failures, in the order of their
- *  paths. */
+ *  paths, and its corrections in the order of the sounds. */
 class MergeSource {
 public:
     /** @throws CatalogueError */
@@ -61,16 +68,23 @@ public:
     const std::optional<StoredFailure>& nextFailure() const { return nextFailure_; }
     void dropFailure();
 
+    /** The same for corrections. */
+    const std::optional<CorrectedSound>& nextSound() const { return nextSound_; }
+    void dropSound();
+
 private:
     void stepTrack();
-    std::vector<StoredEdit> editsOf(std::int64_t track);
+    void stepEdit();
 
     Catalogue catalogue_;
     TrackStore store_;
     SQLite::Statement tracks_;
     SQLite::Statement failures_;
+    SQLite::Statement edits_;
+    bool hasEdit_ = false;
     std::optional<std::string> nextTrack_;
     std::optional<StoredFailure> nextFailure_;
+    std::optional<CorrectedSound> nextSound_;
 };
 
 }  // namespace catalogue

@@ -6,6 +6,8 @@
 #include <tuple>
 #include <utility>
 
+#include "catalogue/correction/edits.h"
+
 namespace catalogue {
 
 namespace {
@@ -31,7 +33,7 @@ bool isNewer(const Dated& one, const Dated& other) {
 }
 
 /** Results of another sound than the newest are of no use, and of each set of parameters the newest
- *  is enough. The file is as the newest has it. */
+ *  is enough. The file is as the newest has it. The newest comes first. */
 std::vector<Dated> newestOf(std::vector<Dated> results) {
     std::sort(results.begin(), results.end(), isNewer);
     std::vector<Dated> kept;
@@ -40,7 +42,11 @@ std::vector<Dated> newestOf(std::vector<Dated> results) {
         const auto isSame = [&](const Dated& each) {
             return each.analysed.result.parameters == result.analysed.result.parameters;
         };
-        if (std::any_of(kept.begin(), kept.end(), isSame)) continue;
+        const auto same = std::find_if(kept.begin(), kept.end(), isSame);
+        if (same != kept.end()) {
+            same->askedAt = std::max(same->askedAt, result.askedAt);
+            continue;
+        }
         if (!kept.empty()) result.analysed.track = kept[0].analysed.track;
         kept.push_back(std::move(result));
     }
@@ -52,34 +58,48 @@ bool continues(const std::vector<StoredEdit>& longer, const std::vector<StoredEd
            std::equal(shorter.begin(), shorter.end(), longer.begin());
 }
 
+using Edits = std::vector<StoredEdit>;
+
 /** The list with the newest edit, or the longest of those that continue it. */
-std::vector<StoredEdit> newestEdits(const std::vector<MergeTrack>& tracks) {
-    std::vector<StoredEdit> newest;
-    const auto isBetter = [&](const std::vector<StoredEdit>& edits) {
+Edits newestOf(const std::vector<Edits>& lists) {
+    Edits newest;
+    const auto isBetter = [&](const Edits& edits) {
         if (edits.empty() || newest.empty()) return newest.empty();
         return std::tie(edits.back().madeAt, edits) > std::tie(newest.back().madeAt, newest);
     };
-    for (const MergeTrack& track : tracks) {
-        if (isBetter(track.edits)) newest = track.edits;
+    for (const Edits& edits : lists) {
+        if (isBetter(edits)) newest = edits;
     }
-    std::vector<StoredEdit> longest = newest;
-    for (const MergeTrack& track : tracks) {
-        const bool isLonger = track.edits.size() > longest.size() ||
-                              (track.edits.size() == longest.size() && track.edits > longest);
-        if (isLonger && continues(track.edits, newest)) longest = track.edits;
+    Edits longest = newest;
+    for (const Edits& edits : lists) {
+        const bool isLonger =
+            edits.size() > longest.size() || (edits.size() == longest.size() && edits > longest);
+        if (isLonger && continues(edits, newest)) longest = edits;
     }
     return longest;
 }
 
+bool isOfKey(const StoredEdit& edit) {
+    return edit.kind == editName(EditKind::key);
+}
+
+/** The edits of one kind of each list, joined. */
+Edits joinedKind(const std::vector<Edits>& lists, bool ofKey, bool& isConflict) {
+    std::vector<Edits> kind(lists.size());
+    for (std::size_t i = 0; i < lists.size(); ++i)
+        std::copy_if(lists[i].begin(), lists[i].end(), std::back_inserter(kind[i]),
+                     [ofKey](const StoredEdit& edit) { return isOfKey(edit) == ofKey; });
+    Edits whole = newestOf(kind);
+    for (const Edits& edits : kind) isConflict |= !continues(whole, edits);
+    return whole;
+}
+
 }  // namespace
 
-MergeTrack joined(std::vector<MergeTrack> tracks, bool& isConflict) {
+MergeTrack joined(std::vector<MergeTrack> tracks) {
     MergeTrack whole;
-    whole.edits = newestEdits(tracks);
-    isConflict = false;
     whole.addedAt = tracks.front().addedAt;
     for (MergeTrack& track : tracks) {
-        if (!continues(whole.edits, track.edits)) isConflict = true;
         whole.addedAt = std::min(whole.addedAt, track.addedAt);
         whole.goneAt = std::max(whole.goneAt, track.goneAt);
         std::move(track.results.begin(), track.results.end(), std::back_inserter(whole.results));
@@ -89,6 +109,18 @@ MergeTrack joined(std::vector<MergeTrack> tracks, bool& isConflict) {
                                      [](const MergeTrack& track) { return !track.goneAt; });
     if (isThere) whole.goneAt.reset();
     whole.results = newestOf(std::move(whole.results));
+    return whole;
+}
+
+std::vector<StoredEdit> joined(const std::vector<std::vector<StoredEdit>>& lists,
+                               bool& isConflict) {
+    isConflict = false;
+    const Edits grid = joinedKind(lists, false, isConflict);
+    const Edits key = joinedKind(lists, true, isConflict);
+    Edits whole;
+    std::merge(
+        grid.begin(), grid.end(), key.begin(), key.end(), std::back_inserter(whole),
+        [](const StoredEdit& one, const StoredEdit& other) { return one.madeAt < other.madeAt; });
     return whole;
 }
 

@@ -3,11 +3,14 @@
 
 #include <csignal>
 #include <filesystem>
+#include <fstream>
+#include <utility>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <SQLiteCpp/Database.h>
+#include <sys/mount.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -58,18 +61,18 @@ TEST_F(CatalogueFile, IsMadeOnlyWhenAskedFor) {
 TEST_F(CatalogueFile, SaysWhatItIs) {
     const Catalogue made(path_, Access::create);
     EXPECT_EQ(valueOf(made, "PRAGMA application_id"), std::to_string(0x42744174));
-    EXPECT_EQ(valueOf(made, "PRAGMA user_version"), "2");
+    EXPECT_EQ(valueOf(made, "PRAGMA user_version"), "3");
     EXPECT_EQ(valueOf(made, "PRAGMA journal_mode"), "wal");
     EXPECT_EQ(valueOf(made, "PRAGMA foreign_keys"), "1");
 }
 
 TEST_F(CatalogueFile, OfANewerVersionIsRefusedAndLeftAsItIs) {
     { const Catalogue made(path_, Access::create); }
-    execute("PRAGMA user_version = 3; PRAGMA journal_mode = DELETE");
+    execute("PRAGMA user_version = 4; PRAGMA journal_mode = DELETE");
     const std::string before = test::readFile(path_);
     for (const Access access : {Access::read, Access::write, Access::create})
-        EXPECT_EQ(refusalOf(access), path_ + ": is a catalogue of version 3; this program knows "
-                                             "versions up to 2");
+        EXPECT_EQ(refusalOf(access), path_ + ": is a catalogue of version 4; this program knows "
+                                             "versions up to 3");
     EXPECT_EQ(test::readFile(path_), before);
 }
 
@@ -128,7 +131,7 @@ TEST_F(CatalogueFile, OfAnOlderVersionIsBroughtUpToDateWithACopyBeside) {
     makeVersionOne(path_);
     EXPECT_THAT(refusalOf(Access::read), HasSubstr("is a catalogue of an older version"));
     const Catalogue catalogue(path_, Access::write);
-    EXPECT_EQ(valueOf(catalogue, "PRAGMA user_version"), "2");
+    EXPECT_EQ(valueOf(catalogue, "PRAGMA user_version"), "3");
     EXPECT_EQ(valueOf(catalogue, "SELECT search FROM tracks"), "/musik/a.mp3\nartist\nsong");
     EXPECT_EQ(valueOf(catalogue, "SELECT rowid FROM track_search WHERE search MATCH 'usi'"), "1");
     EXPECT_EQ(valueOf(catalogue, "PRAGMA integrity_check"), "ok");
@@ -141,6 +144,53 @@ TEST_F(CatalogueFile, OfAnOlderVersionIsBroughtUpToDateWithACopyBeside) {
               "0");
     EXPECT_EQ(valueOf(catalogue, "SELECT count(*) FROM track_search WHERE search MATCH 'oth'"),
               "1");
+}
+
+/** Three tracks of two sounds, of which the second was corrected by itself, as version 2 has it. */
+void makeVersionTwo(const std::string& path) {
+    const test::TemporaryFolder folder;
+    {
+        Catalogue made(folder.file("c"), Catalogue::Access::create);
+        test::store(made, {test::analysedTrack("/a", 1), test::analysedTrack("/b", 2),
+                           test::analysedTrack("/copy of a", 1)});
+    }
+    SQLite::Database old(path, SQLite::OPEN_READWRITE | SQLite::OPEN_CREATE);
+    takeSchemaSteps(old, 2);
+    old.exec("ATTACH '" + folder.file("c") + "' AS new");
+    const auto copy = [&](const std::string& table, const std::string& columns) {
+        old.exec("INSERT INTO main." + table + " (" + columns + ") SELECT " + columns +
+                 " FROM new." + table);
+    };
+    copy("tracks", "id, path, size, modified_ns, audio_hash, container, codec, channels, "
+                   "file_rate, rate, format_changes, artist, title, frames, seconds, added_at, "
+                   "artist_order, title_order, result_id, bpm, key, confidence, search");
+    copy("parameters", "id, json");
+    copy("results", "id, track_id, parameters_id, made_at, tool_version, analysis_seconds, "
+                    "warnings, bpm, raw_bpm, is_steady, tempo_confidence, level_confidence, "
+                    "phase_confidence, bars_confidence, key, key_confidence, tuning_cents, "
+                    "details");
+    copy("grids", "result_id, beats");
+    copy("waves", "result_id, loud, dots, zoom");
+    old.exec("INSERT INTO main.corrections (track_id, kind, value, made_at) VALUES "
+             "(1, 'halve', 0, 10), (2, 'key', 3, 20), (3, 'double', 0, 30), (3, 'key', 7, 40); "
+             "UPDATE main.tracks SET is_corrected = 1");
+}
+
+// Both copies were corrected: the one on which somebody worked last decides.
+TEST_F(CatalogueFile, OfVersionTwoGivesCorrectionsToTheSoundsOfItsTracks) {
+    makeVersionTwo(path_);
+    const Catalogue catalogue(path_, Access::write);
+    EXPECT_EQ(valueOf(catalogue, "SELECT group_concat(hex(substr(audio_hash, 1, 1)) || kind || "
+                                 "made_at) FROM corrections"),
+              "02key20,01double30,01key40");
+    EXPECT_EQ(valueOf(catalogue, "SELECT group_concat(bpm || ' ' || key || ' ' || is_corrected) "
+                                 "FROM tracks"),
+              "240.0 7 1,120.0 3 1,240.0 7 1");
+    EXPECT_EQ(valueOf(catalogue, "SELECT count(*) FROM results WHERE asked_at = made_at"), "3");
+    EXPECT_EQ(valueOf(catalogue, "SELECT count(*) FROM scan_progress"), "0");
+    EXPECT_EQ(valueOf(catalogue, "PRAGMA integrity_check"), "ok");
+    SQLite::Database copy(path_ + ".version2", SQLite::OPEN_READONLY);
+    EXPECT_EQ(copy.execAndGet("SELECT count(*) FROM corrections").getInt(), 4);
 }
 
 // A folder in the way of the copy.
@@ -190,6 +240,44 @@ TEST_F(CatalogueFile, CanBeReadWhereNothingMayBeWritten) {
     EXPECT_EQ(WEXITSTATUS(status), 0);
 }
 
+/** A disk of 2 MB, which takes the superuser to mount. */
+class SmallDisk {
+public:
+    explicit SmallDisk(std::string place) : place_(std::move(place)) {
+        isMounted_ = mount("none", place_.c_str(), "tmpfs", 0, "size=2m") == 0;
+    }
+    ~SmallDisk() {
+        if (isMounted_) umount(place_.c_str());
+    }
+    SmallDisk(const SmallDisk&) = delete;
+    SmallDisk& operator=(const SmallDisk&) = delete;
+
+    bool isMounted() const { return isMounted_; }
+
+    /** Until not a byte is free. */
+    void fill() const {
+        std::ofstream ballast(place_ + "/ballast");
+        const std::string block(4096, 'x');
+        while (ballast.write(block.data(), 4096) && ballast.flush()) continue;
+    }
+
+private:
+    std::string place_;
+    bool isMounted_ = false;
+};
+
+TEST_F(CatalogueFile, CanBeReadWhereTheDiskIsFull) {
+    const SmallDisk disk(folder_.path());
+    if (!disk.isMounted()) GTEST_SKIP() << "no disk can be mounted here";
+    {
+        Catalogue made(path_, Access::create);
+        test::store(made, {test::analysedTrack("/a", 1)});
+    }
+    disk.fill();
+    ASSERT_EQ(std::filesystem::space(folder_.path()).available, 0U);
+    EXPECT_EQ(valueOf(Catalogue(path_, Access::read), "SELECT title FROM tracks"), "Track 1");
+}
+
 // As seen by readers: nothing, or all of what was committed.
 TEST_F(CatalogueFile, KeepsWhatWasCommittedWhenTheProcessIsKilled) {
     { const Catalogue made(path_, Access::create); }
@@ -233,6 +321,27 @@ TEST_F(CatalogueFile, OnAFullDiskSaysSoAndLosesNothing) {
     test::store(catalogue, {test::analysedTrack("/later", 3)});
     EXPECT_EQ(valueOf(catalogue, "SELECT count(*) FROM tracks WHERE path = CAST('/later' AS BLOB)"),
               "1");
+}
+
+// Whoever deletes it parts it from its log: what comes would be lost without a word.
+TEST_F(CatalogueFile, ThatIsMovedOrDeletedWhileItIsWrittenIsNoticed) {
+    for (const bool isDeleted : {false, true}) {
+        Catalogue catalogue(path_, Access::create);
+        Scan scan(catalogue, {parametersText(test::everything()), false, false});
+        scan.settle();
+        scan.put(test::analysedTrack("/a", 1));
+        scan.commit();
+        std::filesystem::rename(path_, path_ + ".moved");
+        if (isDeleted) std::filesystem::remove(path_ + ".moved");
+        scan.put(test::analysedTrack("/b", 2));
+        std::string reason;
+        try {
+            scan.commit();
+        } catch (const CatalogueError& error) {
+            reason = error.what();
+        }
+        EXPECT_EQ(reason, path_ + ": was moved or deleted while it was being written");
+    }
 }
 
 }  // namespace

@@ -11,6 +11,7 @@
 #include "catalogue/CatalogueError.h"
 #include "catalogue/StoredTracks.h"
 #include "catalogue/TrackStore.h"
+#include "catalogue/blobCodecs.h"
 #include "catalogue/correction/Corrections.h"
 #include "support/TemporaryFolder.h"
 
@@ -27,6 +28,8 @@ const std::string kParameters = parametersText(test::everything());
 class CatalogueScan : public testing::Test {
 protected:
     static constexpr FileState kState = {1000, 5};
+    const base::TrackFormat kFormat = {
+        "flac", "flac", 2, 44100, 44100, false, {"Somebody", "New Title"}};
 
     /** A file that exists. */
     std::string fileNamed(const std::string& name) {
@@ -140,10 +143,12 @@ TEST_F(CatalogueScan, TakesAMovedTrackWithItsResultsAndCorrectionsToItsNewPlace)
         Scan scan(catalogue_, {kParameters, false, false});
         scan.found(to, {1000, 9}, 1.0);
         scan.settle();
-        EXPECT_TRUE(scan.next().value().mayBeMoved);
-        EXPECT_FALSE(scan.adoptMoved(to, {1000, 9}, soundOf(2)));
-        EXPECT_TRUE(scan.adoptMoved(to, {1000, 9}, soundOf(1)));
+        EXPECT_TRUE(scan.next().value().mayBeKnown);
+        EXPECT_FALSE(scan.adopt(to, {1000, 9}, soundOf(2), kFormat).isDone);
+        const Scan::Adoption adoption = scan.adopt(to, {1000, 9}, soundOf(1), kFormat);
+        EXPECT_TRUE(adoption.isDone && adoption.isMoved);
     }
+    EXPECT_EQ(valueOf(catalogue_, "SELECT artist || title_order FROM tracks"), "Somebodynew title");
     EXPECT_EQ(idOf(to), id);
     EXPECT_EQ(idOf(from), -1);
     EXPECT_EQ(valueOf(catalogue_, "SELECT bpm FROM tracks"), "240.0");
@@ -169,10 +174,13 @@ TEST_F(CatalogueScan, KnowsTheSoundOfAFileWhoseTagsHaveChanged) {
     const std::string path = fileNamed("a");
     put(path, 1);
     Scan scan(catalogue_, {kParameters, false, false});
-    scan.found(path, {1000, 99}, 1.0);
+    scan.found(path, {1200, 99}, 1.0);
     EXPECT_EQ(scan.settle().toDo, 1);
-    EXPECT_TRUE(scan.next().value().mayBeMoved);
-    EXPECT_TRUE(scan.adoptMoved(path, {1000, 99}, soundOf(1)));
+    EXPECT_TRUE(scan.next().value().mayBeKnown);
+    const Scan::Adoption adoption = scan.adopt(path, {1200, 99}, soundOf(1), kFormat);
+    EXPECT_TRUE(adoption.isDone);
+    EXPECT_FALSE(adoption.isMoved);
+    EXPECT_EQ(valueOf(catalogue_, "SELECT artist || size FROM tracks"), "Somebody1200");
 }
 
 TEST_F(CatalogueScan, HearsAnUnchangedFileOnceForAResultOfOtherParameters) {
@@ -181,18 +189,173 @@ TEST_F(CatalogueScan, HearsAnUnchangedFileOnceForAResultOfOtherParameters) {
     Scan scan(catalogue_, {parametersText({}), false, false});
     scan.found(path, kState, 1.0);
     EXPECT_EQ(scan.settle().toDo, 1);
-    EXPECT_FALSE(scan.next().value().mayBeMoved);
+    EXPECT_FALSE(scan.next().value().mayBeKnown);
 }
 
-TEST_F(CatalogueScan, GivesNoPlaceOfACorrectedTrackAway) {
+TEST_F(CatalogueScan, KeepsCorrectionsOfASoundThatAnotherTookThePlaceOf) {
     const std::string place = fileNamed("place");
     put(place, 1);
     Corrections(catalogue_).add(idOf(place), {EditKind::half});
     put(music_.file("from"), 2);
     // The file of the first now holds the sound of the second.
-    put(place, 2);
-    EXPECT_EQ(valueOf(catalogue_, "SELECT count(*) FROM tracks"), "2");
-    EXPECT_EQ(Corrections(catalogue_).of(idOf(place)).size(), 1U);
+    {
+        Scan scan(catalogue_, {kParameters, false, false});
+        scan.settle();
+        EXPECT_TRUE(scan.adopt(place, {7, 7}, soundOf(2), kFormat).leavesCorrections);
+    }
+    EXPECT_THAT(Corrections(catalogue_).of(idOf(place)), testing::IsEmpty());
+    put(fileNamed("back"), 1);
+    EXPECT_THAT(Corrections(catalogue_).of(idOf(music_.file("back"))),
+                ElementsAre(Edit{EditKind::half}));
+}
+
+/** Another song, or the same encoded anew: a waveform that rises and falls. */
+Analysed waved(const std::string& path, int sound, int period, float loudness,
+               const FileState& state) {
+    std::vector<beatatlas::track::WavePoint> wave(1200);
+    for (std::size_t i = 0; i < wave.size(); ++i)
+        wave[i].level = loudness * static_cast<float>(i % static_cast<std::size_t>(period));
+    Analysed analysed = analysedTrack(path, sound, state);
+    analysed.result.zoomWave = encodeWave(wave);
+    return analysed;
+}
+
+class CorrectedScan : public CatalogueScan {
+protected:
+    CorrectedScan() {
+        test::store(catalogue_, {waved("/a", 1, 20, 1.0F, kState)});
+        Corrections(catalogue_).add(idOf("/a"), {EditKind::twice});
+    }
+
+    /** Whether that leaves corrections behind. */
+    bool puts(const Analysed& analysed) {
+        Scan scan(catalogue_, {kParameters, false, false});
+        scan.settle();
+        return scan.put(analysed);
+    }
+
+    std::string shown() {
+        return valueOf(catalogue_, "SELECT bpm || ' ' || is_corrected FROM tracks WHERE path = "
+                                   "CAST('/a' AS BLOB)");
+    }
+};
+
+TEST_F(CorrectedScan, GivesAnotherSongOfTheSameNameNoneOfThem) {
+    EXPECT_TRUE(puts(waved("/a", 2, 33, 1.0F, {2000, 6})));
+    EXPECT_EQ(shown(), "120.0 0");
+    EXPECT_FALSE(puts(waved("/a", 1, 20, 1.0F, {1000, 7})));
+    EXPECT_EQ(shown(), "240.0 1");
+}
+
+TEST_F(CorrectedScan, CarriesThemOverToWhatAnotherDecoderMakesOfTheSameFile) {
+    EXPECT_FALSE(puts(waved("/a", 2, 33, 1.0F, kState)));
+    EXPECT_EQ(shown(), "240.0 1");
+}
+
+TEST_F(CorrectedScan, CarriesThemOverToTheSameRecordingEncodedAnew) {
+    EXPECT_FALSE(puts(waved("/a", 2, 20, 0.5F, {500, 6})));
+    EXPECT_EQ(shown(), "240.0 1");
+    EXPECT_EQ(valueOf(catalogue_, "SELECT count(*) FROM corrections"), "1");
+}
+
+TEST_F(CorrectedScan, CarriesNoneOverToARecordingOfAnotherLength) {
+    Analysed longer = waved("/a", 2, 20, 1.0F, {2000, 6});
+    longer.track.seconds += 0.2;
+    EXPECT_TRUE(puts(longer));
+    EXPECT_EQ(shown(), "120.0 0");
+}
+
+TEST_F(CorrectedScan, LeavesACopyItsOwnWhenItCarriesThemOver) {
+    put("/copy", 1);
+    puts(waved("/a", 2, 20, 0.5F, {500, 6}));
+    EXPECT_EQ(valueOf(catalogue_, "SELECT group_concat(bpm) FROM tracks"), "240.0,240.0");
+}
+
+TEST_F(CorrectedScan, KeepsThemWhereTwoFilesSwapTheirNames) {
+    test::store(catalogue_, {waved("/b", 2, 33, 1.0F, kState)});
+    puts(waved("/a", 2, 33, 1.0F, {1000, 8}));
+    puts(waved("/b", 1, 20, 1.0F, {1000, 8}));
+    EXPECT_EQ(valueOf(catalogue_, "SELECT group_concat(CAST(path AS TEXT) || bpm) FROM tracks"),
+              "/a120.0,/b240.0");
+}
+
+TEST_F(CatalogueScan, ShowsTheResultThatWasAskedForLast) {
+    Analysed other = analysedTrack("/a", 1);
+    other.result.parameters = parametersText({});
+    other.result.bpm = 99.0;
+    put("/a", 1);
+    test::store(catalogue_, {other});
+    EXPECT_EQ(valueOf(catalogue_, "SELECT bpm FROM tracks"), "99.0");
+    EXPECT_EQ(countsOf({kParameters, false, false}, {"/a"}).known, 1);
+    EXPECT_EQ(valueOf(catalogue_, "SELECT bpm FROM tracks"), "120.0");
+    EXPECT_EQ(countsOf({parametersText({}), false, false}, {"/a"}).known, 1);
+    EXPECT_EQ(valueOf(catalogue_, "SELECT bpm FROM tracks"), "99.0");
+    EXPECT_EQ(TrackStore(catalogue_).read(idOf("/a")).value().analysed.result.bpm, 99.0);
+}
+
+TEST_F(CatalogueScan, HidesNoTempoBehindAResultWithoutOne) {
+    put("/a", 1);
+    beatatlas::track::Options withoutTempo = test::everything();
+    withoutTempo.tempo = beatatlas::track::TempoMode::off;
+    Analysed other = analysedTrack("/a", 1);
+    other.result.parameters = parametersText(withoutTempo);
+    other.result.bpm.reset();
+    test::store(catalogue_, {other});
+    EXPECT_EQ(valueOf(catalogue_, "SELECT bpm FROM tracks"), "120.0");
+    EXPECT_EQ(countsOf({parametersText(withoutTempo), false, false}, {"/a"}).known, 1);
+    EXPECT_EQ(valueOf(catalogue_, "SELECT bpm FROM tracks"), "120.0");
+}
+
+TEST_F(CatalogueScan, SaysHowFarItIsInTheSameTransactionAsItsResults) {
+    const Catalogue reader(folder_.file("c.sqlite"), Catalogue::Access::read);
+    const std::string row = "SELECT planned || ' ' || done || ' ' || failed || ' ' || "
+                            "audio_seconds || ' ' || ifnull(ended_at > 0, 'runs') FROM "
+                            "scan_progress";
+    {
+        Scan scan(catalogue_, {kParameters, false, false});
+        for (const char* path : {"/a", "/b", "/c", "/d"}) scan.found(path, kState, 1.0);
+        scan.settle();
+        EXPECT_EQ(valueOf(reader, row), "4 0 0 0.0 runs");
+        scan.put(analysedTrack("/a", 1));
+        scan.putFailure("/b", kState, {FailureKind::damaged, "is empty"});
+        scan.putFailure("/c", kState, {FailureKind::notAudio, "is none"});
+        EXPECT_EQ(valueOf(reader, row), "4 0 0 0.0 runs");
+        scan.commit();
+        EXPECT_EQ(valueOf(reader, row), "4 3 1 8.0 runs");
+    }
+    EXPECT_EQ(valueOf(reader, row), "4 3 1 8.0 1");
+    countsOf({kParameters, false, false}, {"/a"});
+    EXPECT_EQ(valueOf(reader, row), "0 0 0 0.0 1");
+}
+
+TEST_F(CatalogueScan, TriesWhatFailedByALimitAgainWithAHigherOne) {
+    {
+        Scan scan(catalogue_, {kParameters, false, false, 2.0e7, 10.0});
+        scan.settle();
+        scan.putFailure("/large", kState, {FailureKind::memoryLimit, "is large", 2.0e7});
+        scan.putFailure("/long", kState, {FailureKind::timeLimit, "is long", 10.0});
+    }
+    const auto toDo = [&](double bytes, double seconds) {
+        return countsOf({kParameters, false, false, bytes, seconds}, {"/large", "/long"}).toDo;
+    };
+    EXPECT_EQ(toDo(2.0e7, 10.0), 0);
+    EXPECT_EQ(toDo(2.1e7, 10.0), 1);
+    EXPECT_EQ(toDo(2.1e7, 11.0), 2);
+    EXPECT_EQ(toDo(1.0e7, 1.0), 0);
+}
+
+TEST_F(CatalogueScan, CountsKnownFailuresOfMusic) {
+    put("/a", 1);
+    {
+        Scan scan(catalogue_, {kParameters, false, false});
+        scan.settle();
+        scan.putFailure("/bad", kState, {FailureKind::damaged, "is empty"});
+        scan.putFailure("/text", kState, {FailureKind::notAudio, "is none"});
+    }
+    const Scan::Counts counts = countsOf({kParameters, false, false}, {"/a", "/bad", "/text"});
+    EXPECT_EQ(counts.known, 3);
+    EXPECT_EQ(counts.knownFailures, 1);
+    EXPECT_EQ(countsOf({kParameters, true, false}, {"/bad"}).knownFailures, 0);
 }
 
 TEST_F(CatalogueScan, MarksWhatIsNoMoreBelowTheRootsAndNothingElse) {
@@ -203,7 +366,7 @@ TEST_F(CatalogueScan, MarksWhatIsNoMoreBelowTheRootsAndNothingElse) {
     put("/nowhere/gone", 4);
     Scan scan(catalogue_, {kParameters, false, false});
     scan.settle();
-    const Scan::Ending ending = scan.finish({music_.path()}, Scan::Pruning::none);
+    const Scan::Ending ending = scan.finish({{music_.path()}}, Scan::Pruning::none);
     EXPECT_EQ(ending.gone, 1);
     EXPECT_EQ(ending.pruned, 0);
     EXPECT_EQ(valueOf(catalogue_,
@@ -216,20 +379,21 @@ TEST_F(CatalogueScan, TakesBackThatAFileIsGoneWhenItIsFoundAgain) {
     {
         Scan scan(catalogue_, {kParameters, false, false});
         scan.settle();
-        EXPECT_EQ(scan.finish({music_.path() + "/"}, Scan::Pruning::none).gone, 1);
+        EXPECT_EQ(scan.finish({{music_.path() + "/"}}, Scan::Pruning::none).gone, 1);
     }
     EXPECT_EQ(countsOf({kParameters, false, false}, {music_.file("a")}).known, 1);
     EXPECT_EQ(valueOf(catalogue_, "SELECT is_gone FROM tracks"), "0");
 }
 
 TEST_F(CatalogueScan, PrunesCorrectedTracksOnlyWhenToldTo) {
+    fileNamed("here");
     put(music_.file("plain"), 1);
     put(music_.file("corrected"), 2);
     Corrections(catalogue_).add(idOf(music_.file("corrected")), {EditKind::key, 3.0});
     {
         Scan scan(catalogue_, {kParameters, false, false});
         scan.settle();
-        const Scan::Ending ending = scan.finish({music_.path()}, Scan::Pruning::uncorrected);
+        const Scan::Ending ending = scan.finish({{music_.path()}}, Scan::Pruning::uncorrected);
         EXPECT_EQ(ending.gone, 2);
         EXPECT_EQ(ending.pruned, 1);
         EXPECT_EQ(ending.keptCorrected, 1);
@@ -237,11 +401,57 @@ TEST_F(CatalogueScan, PrunesCorrectedTracksOnlyWhenToldTo) {
     EXPECT_EQ(valueOf(catalogue_, "SELECT count(*) FROM results"), "1");
     Scan scan(catalogue_, {kParameters, false, false});
     scan.settle();
-    EXPECT_EQ(scan.finish({music_.path()}, Scan::Pruning::all).pruned, 1);
+    EXPECT_EQ(scan.finish({{music_.path()}}, Scan::Pruning::all).pruned, 1);
     EXPECT_EQ(valueOf(catalogue_, "SELECT count(*) FROM tracks"), "0");
     EXPECT_EQ(valueOf(catalogue_, "SELECT count(*) FROM corrections"), "0");
     EXPECT_EQ(valueOf(catalogue_, "SELECT count(*) FROM track_search WHERE search MATCH 'exa'"),
               "0");
+}
+
+TEST_F(CatalogueScan, DeletesNothingWhereNothingIsLeft) {
+    const std::string disk = music_.file("disk");
+    std::filesystem::create_directory(disk);
+    fileNamed("here");
+    put(disk + "/album/a", 1);
+    put(disk + "/album/b", 2);
+    put(music_.file("removed"), 3);
+    const auto sweep = [&](const std::vector<Scan::Root>& roots) {
+        Scan scan(catalogue_, {kParameters, false, false});
+        scan.settle();
+        return scan.finish(roots, Scan::Pruning::all);
+    };
+    const Scan::Ending absent = sweep({{disk, false}, {"/nowhere", false}});
+    EXPECT_EQ(absent.gone, 2);
+    EXPECT_EQ(absent.keptAbsent, 2);
+    // The root around it is whole; the folder in it is empty all the same.
+    const Scan::Ending around = sweep({{music_.path()}});
+    EXPECT_EQ(around.gone, 3);
+    EXPECT_EQ(around.pruned, 1);
+    EXPECT_EQ(around.keptAbsent, 2);
+    test::writeFile(disk + "/other", "sound");
+    EXPECT_EQ(sweep({{music_.path()}}).pruned, 2);
+}
+
+TEST_F(CatalogueScan, CountsWhatIsGoneOnceBelowRootsThatOverlap) {
+    put(music_.file("sub/gone"), 1);
+    Scan scan(catalogue_, {kParameters, false, false});
+    scan.settle();
+    const std::string sub = music_.file("sub");
+    EXPECT_EQ(
+        scan.finish({{sub}, {music_.path()}, {sub}, {sub + "/gone", false}}, Scan::Pruning::none)
+            .gone,
+        1);
+}
+
+TEST_F(CatalogueScan, PrunesCorrectionsOnlyWithTheLastTrackOfTheirSound) {
+    const std::string here = fileNamed("here");
+    put(here, 1);
+    put(music_.file("copy"), 1);
+    Corrections(catalogue_).add(idOf(here), {EditKind::twice});
+    Scan scan(catalogue_, {kParameters, false, false});
+    scan.settle();
+    EXPECT_EQ(scan.finish({{music_.path()}}, Scan::Pruning::all).pruned, 1);
+    EXPECT_EQ(valueOf(catalogue_, "SELECT count(*) FROM corrections"), "1");
 }
 
 TEST_F(CatalogueScan, ForgetsFailuresOfFilesThatAreNoMore) {
@@ -250,7 +460,7 @@ TEST_F(CatalogueScan, ForgetsFailuresOfFilesThatAreNoMore) {
     scan.settle();
     scan.putFailure(here, kState, {FailureKind::notAudio, "is no audio"});
     scan.putFailure(music_.file("gone"), kState, {FailureKind::notAudio, "is no audio"});
-    scan.finish({music_.path()}, Scan::Pruning::none);
+    scan.finish({{music_.path()}}, Scan::Pruning::none);
     EXPECT_EQ(valueOf(catalogue_, "SELECT CAST(path AS TEXT) FROM failures"), here);
 }
 
@@ -280,15 +490,16 @@ TEST_F(CatalogueScan, LeavesATrackAsItWasWhereItsNewResultCannotBeWritten) {
 }
 
 TEST_F(CatalogueScan, EndsManyTracksAFewHundredAtATime) {
+    fileNamed("here");
     std::vector<Analysed> tracks;
     for (int i = 0; i < 450; ++i)
-        tracks.push_back(analysedTrack(music_.file(std::to_string(i)), i % 256));
+        tracks.push_back(analysedTrack(music_.file(std::to_string(1000 + i)), i % 256));
     test::store(catalogue_, tracks);
     catalogue_.database().exec("CREATE TRIGGER fails BEFORE DELETE ON tracks WHEN "
                                "old.id = 450 BEGIN SELECT RAISE(ABORT, 'no more'); END");
     Scan scan(catalogue_, {kParameters, false, false});
     scan.settle();
-    EXPECT_THROW(scan.finish({music_.path()}, Scan::Pruning::all), CatalogueError);
+    EXPECT_THROW(scan.finish({{music_.path()}}, Scan::Pruning::all), CatalogueError);
     const Catalogue reader(folder_.file("c.sqlite"), Catalogue::Access::read);
     EXPECT_LT(std::stoi(valueOf(reader, "SELECT count(*) FROM tracks")), 450);
 }

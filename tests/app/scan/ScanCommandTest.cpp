@@ -1,10 +1,15 @@
 // SPDX-License-Identifier: MIT
+#include <chrono>
 #include <filesystem>
 #include <sstream>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include "scan/ScanFixture.h"
 #include "support/RunningTool.h"
@@ -90,7 +95,9 @@ TEST_F(ScanCommandTest, TellsOfMusicFilesThatCannotBeRead) {
     EXPECT_THAT(run.err,
                 HasSubstr(told(music_.file("c.mp3") + ": is not an audio file of a known kind")));
     EXPECT_THAT(run.err, EndsWith(told("1 track analysed (0.0 hours of music), 2 failed")));
-    EXPECT_EQ(scan().exitStatus, 0);
+    const ToolRun again = scan();
+    EXPECT_EQ(again.exitStatus, 0);
+    EXPECT_EQ(again.err, told("0 tracks analysed, 3 known (2 of them failed before)"));
     EXPECT_THAT(scan({"--retry-failed", "--partial"}).err,
                 EndsWith(told("1 track analysed (0.0 hours of music), 1 known, 1 failed")));
 }
@@ -135,8 +142,13 @@ TEST_F(ScanCommandTest, DeletesNothingForADiskThatIsNotMounted) {
     runTool(arguments({disk}));
     fs::remove(track);
     const ToolRun run = runTool(arguments({"--prune", disk}));
-    EXPECT_THAT(run.err,
-                HasSubstr(disk + ": warning: holds no file at all; nothing below it is deleted"));
+    EXPECT_EQ(run.err,
+              told("gone, but kept, since nothing at all is left where they were, as where "
+                   "a disk is not mounted: 1 track") +
+                  told("0 tracks analysed, 1 gone"));
+    EXPECT_EQ(stored_.count("SELECT count(*) FROM tracks"), 1);
+    fs::remove(disk);
+    EXPECT_THAT(runTool(arguments({"--prune", disk})).err, HasSubstr("0 tracks analysed, 1 gone"));
     EXPECT_EQ(stored_.count("SELECT count(*) FROM tracks"), 1);
 }
 
@@ -176,6 +188,100 @@ TEST_F(ScanCommandTest, KeepsNamesOfAnyBytes) {
     EXPECT_EQ(run.err, told("3 tracks analysed (0.0 hours of music)"));
 }
 
+TEST_F(ScanCommandTest, TakesNamesBehindDashesForNamesAlsoAfterOthers) {
+    const std::string a = addTrack("a.wav");
+    addTrack("-b.wav", 2.0);
+    addTrack("--jobs", 3.0);
+    ToolRun run;
+    run.arguments = arguments({a, "--", "-b.wav", "--jobs"});
+    run.folder = music_.path();
+    EXPECT_THAT(run.run().err, HasSubstr("3 tracks analysed"));
+}
+
+TEST_F(ScanCommandTest, TakesTextsAndProgramsOfAnyNameForNoMusic) {
+    // By chance these begin as FFmpeg expects it of some format.
+    const std::string script = "#!/bin/sh\n" + std::string(390, 'e');
+    for (const char* name : {"run.sh", "notes", "COPYING.txt"})
+        test::writeFile(music_.file(name), script + name);
+    std::string binary = "\x7F"
+                         "ELF";
+    for (int i = 0; i < 40000; ++i) binary += static_cast<char>((i * 7919 + i / 13) & 0xFF);
+    test::writeFile(music_.file("program"), binary);
+    const ToolRun run = scan();
+    EXPECT_EQ(run.exitStatus, 0);
+    EXPECT_EQ(run.err, told("0 tracks analysed, 4 without audio"));
+}
+
+TEST_F(ScanCommandTest, TakesATouchedFileForTheSameTrack) {
+    const std::string track = addTrack("a.wav");
+    scan();
+    fs::last_write_time(track, fs::file_time_type::clock::now() + std::chrono::hours(1));
+    EXPECT_EQ(scan().err, told("0 tracks analysed, 1 with other tags alone"));
+    EXPECT_EQ(scan().err, told("0 tracks analysed, 1 known"));
+}
+
+TEST_F(ScanCommandTest, WarnsOfCorrectionsThatStayWithAnotherSound) {
+    const std::string track = addTrack("a.wav", 8.0);
+    scan();
+    runTool({"correct", "--catalogue", catalogue_, "--key", "8A", track});
+    test::writeAudioFile(track, {"wav", "pcm_s16le"}, test::tone(44100, 2, 9.0, 440.0, 0.5));
+    EXPECT_THAT(scan().err,
+                HasSubstr(told(track + ": warning: holds another sound than the one that was "
+                                       "corrected; the corrections are kept for that one")));
+    EXPECT_EQ(stored_.count("SELECT is_corrected FROM tracks"), 0);
+    addTrack("b.wav", 8.0);
+    scan();
+    EXPECT_EQ(stored_.value("SELECT key FROM tracks WHERE CAST(path AS TEXT) LIKE '%b.wav'"), "12");
+}
+
+TEST_F(ScanCommandTest, MarksAFileThatWasNamedAndIsNoMore) {
+    const std::string track = addTrack("a.wav");
+    scan();
+    fs::remove(track);
+    EXPECT_THAT(runTool(arguments({track})).err, EndsWith(told("0 tracks analysed, 1 gone")));
+    EXPECT_EQ(stored_.count("SELECT is_gone FROM tracks"), 1);
+}
+
+TEST_F(ScanCommandTest, MakesNoCatalogueForNamesThatAreNotThere) {
+    const ToolRun run = runTool(arguments({music_.file("none")}));
+    EXPECT_EQ(run.exitStatus, 1);
+    EXPECT_EQ(run.err, told(music_.file("none") + ": cannot be opened: No such file or directory"));
+    EXPECT_THAT(place_.names(), IsEmpty());
+}
+
+TEST_F(ScanCommandTest, LeavesPipesOutAndSaysSo) {
+    addTrack("a.wav");
+    const std::string pipe = music_.file("pipe");
+    const std::string list = music_.file("list.m3u8");
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600) + mkfifo(list.c_str(), 0600), 0);
+    EXPECT_EQ(scan().err,
+              told("1 track analysed (0.0 hours of music), 2 pipes or devices left out"));
+    EXPECT_THAT(scan({"-v"}).err, HasSubstr(pipe + ": note: is a pipe or a device, and left out"));
+    const ToolRun named = runTool(arguments({list}));
+    EXPECT_EQ(named.exitStatus, 1);
+    EXPECT_THAT(named.err, HasSubstr(list + ": is a pipe or a device"));
+}
+
+TEST_F(ScanCommandTest, WalksAFolderThatIsNamedLikeAPlaylist) {
+    addTrack("old.m3u8/a.wav");
+    EXPECT_THAT(runTool(arguments({music_.file("old.m3u8")})).err, HasSubstr("1 track analysed"));
+}
+
+TEST_F(ScanCommandTest, RefusesMoreWorkersThanTheSystemHasFilesFor) {
+    addTrack("a.wav");
+    const struct rlimit few = {100, 100};
+    const pid_t child = fork();
+    if (child == 0) {
+        setrlimit(RLIMIT_NOFILE, &few);
+        const ToolRun run =
+            runTool({"scan", "--catalogue", catalogue_, "--jobs", "50", music_.path()});
+        _exit(run.exitStatus == 2 && run.err.find("ulimit -n") != std::string::npos ? 0 : 1);
+    }
+    int status = -1;
+    ASSERT_EQ(waitpid(child, &status, 0), child);
+    EXPECT_EQ(status, 0);
+}
+
 TEST_F(ScanCommandTest, LeavesTheCatalogueItselfAlone) {
     addTrack("a.wav");
     catalogue_ = music_.file("c.sqlite");
@@ -202,7 +308,9 @@ TEST_F(ScanCommandTest, TellsProgramsHowFarItIs) {
     std::istringstream lines(run.out);
     for (std::string line; std::getline(lines, line);) events.push_back(json::parse(line));
     ASSERT_GE(events.size(), 3U);
-    EXPECT_EQ(events.front(), (json{{"event", "begin"}, {"found", 2}, {"known", 0}, {"toDo", 2}}));
+    EXPECT_EQ(
+        events.front(),
+        (json{{"event", "begin"}, {"found", 2}, {"known", 0}, {"knownFailures", 0}, {"toDo", 2}}));
     const json& end = events.back();
     EXPECT_EQ(end["event"], "end");
     EXPECT_EQ(end["complete"], true);
@@ -230,6 +338,8 @@ TEST_F(ScanCommandTest, RefusesWhatItCannotDo) {
                                                {"--shard", "1"},
                                                {"--jobs", "0"},
                                                {"--memory-limit", "much"},
+                                               {"--memory-limit", "1"},
+                                               {"--memory-limit", "15M"},
                                                {"--time-limit", "0"},
                                                {"--prune-corrected"},
                                                {"--progress", "often"},
@@ -241,7 +351,7 @@ TEST_F(ScanCommandTest, RefusesWhatItCannotDo) {
 }
 
 TEST_F(ScanCommandTest, TakesAnEmptyNameForNoFolder) {
-    const ToolRun run = scan({""});
+    const ToolRun run = runTool({"scan", "--catalogue", catalogue_, ""});
     EXPECT_EQ(run.exitStatus, 1);
     EXPECT_THAT(run.err, HasSubstr("cannot be opened: No such file or directory"));
 }

@@ -85,7 +85,7 @@ TEST_F(ScanFaultTest, AWorkerThatIsKilledCostsItsFile) {
               told(long_ + ": cannot be analysed: its worker was killed by signal 9 (Killed)") +
                   told("2 tracks analysed (0.0 hours of music), 1 failed"));
     EXPECT_EQ(stored_.value("SELECT kind FROM failures"), "crashed");
-    EXPECT_EQ(runTool(oneJob()).err, told("0 tracks analysed, 3 known"));
+    EXPECT_EQ(runTool(oneJob()).err, told("0 tracks analysed, 3 known (1 of them failed before)"));
     EXPECT_EQ(runTool(oneJob({"--retry-failed"})).exitStatus, 0);
     EXPECT_EQ(stored_.content(), undisturbed());
 }
@@ -117,14 +117,17 @@ TEST_F(ScanFaultTest, AFileThatTakesTooMuchMemoryIsAFailure) {
     GTEST_SKIP() << "the sanitizer ends a process that gets no memory";
 #endif
 #endif
-    const ToolRun run = runTool(oneJob({"--memory-limit", "1M"}));
+    addTrack("a.wav", 900.0);
+    const ToolRun run = runTool(oneJob({"--memory-limit", "16M"}));
     EXPECT_EQ(run.exitStatus, 1);
     EXPECT_THAT(run.err,
-                HasSubstr(told(long_ + ": takes more than 1 MiB of memory (--memory-limit)")));
+                HasSubstr(told(long_ + ": takes more than 16 MiB of memory (--memory-limit)")));
     EXPECT_EQ(stored_.count("SELECT count(*) FROM failures WHERE kind <> 'memory-limit'"), 0);
     EXPECT_EQ(stored_.value("SELECT kind FROM failures WHERE CAST(path AS TEXT) LIKE '%a.wav'"),
               "memory-limit");
-    EXPECT_EQ(runTool(oneJob({"--retry-failed"})).exitStatus, 0);
+    EXPECT_THAT(runTool(oneJob({"--memory-limit", "16M"})).err, HasSubstr("of them failed before"));
+    // With more memory it need not be asked for.
+    EXPECT_EQ(runTool(oneJob()).exitStatus, 0);
     EXPECT_EQ(stored_.content(), undisturbed());
 }
 
@@ -217,6 +220,17 @@ TEST_F(ScanFaultTest, ADamagedCatalogueIsToldAndLeftAlone) {
         EXPECT_EQ(std::count(run.err.begin(), run.err.end(), '\n'), 1) << run.err;
         EXPECT_EQ(test::readFile(catalogue_), bytes);
     }
+}
+
+TEST_F(ScanFaultTest, ACatalogueThatIsMovedDuringTheScanEndsIt) {
+    RunningTool tool(oneJob());
+    const pid_t worker = workerOf(tool);
+    kill(worker, SIGSTOP);
+    fs::rename(catalogue_, catalogue_ + ".old");
+    kill(worker, SIGCONT);
+    EXPECT_EQ(tool.wait(), 1);
+    EXPECT_THAT(tool.err(), HasSubstr(told(catalogue_ + ": was moved or deleted while it was being "
+                                                        "written")));
 }
 
 TEST_F(ScanFaultTest, ASecondScanOfACatalogueIsToldOrWaits) {

@@ -6,6 +6,7 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include "base/errors.h"
 #include "io/absolutePath.h"
@@ -45,7 +46,8 @@ protected:
             },
             [&](const std::string& folder, const std::string& reason) {
                 refused_.push_back(folder + ": " + reason);
-            });
+            },
+            [&](const std::string& path) { passedOver_.push_back(path.substr(root.size() + 1)); });
         walk.walk(root);
         return files;
     }
@@ -56,6 +58,7 @@ protected:
 
     test::TemporaryFolder folder_;
     std::vector<std::string> refused_;
+    std::vector<std::string> passedOver_;
 };
 
 using FolderWalkTest = Gathering;
@@ -104,12 +107,20 @@ TEST_F(FolderWalkTest, EntersEachFolderOfACircleOnce) {
     EXPECT_THAT(walked({false, true}), testing::SizeIs(1));
 }
 
+TEST_F(FolderWalkTest, PassesOverWhatIsNeitherFileNorFolder) {
+    make("a.mp3");
+    ASSERT_EQ(mkfifo(folder_.file("pipe").c_str(), 0600), 0);
+    EXPECT_THAT(walked(), ElementsAre("a.mp3"));
+    EXPECT_THAT(passedOver_, ElementsAre("pipe"));
+}
+
 TEST_F(FolderWalkTest, SaysWhyAFolderCannotBeRead) {
     FolderWalk walk(
         {}, [](const std::string&, const struct stat&) {},
         [&](const std::string& folder, const std::string& reason) {
             refused_.push_back(folder + ": " + reason);
-        });
+        },
+        [](const std::string&) {});
     walk.walk(folder_.file("none"));
     EXPECT_THAT(refused_, ElementsAre(folder_.file("none") +
                                       ": cannot be opened: No such file or directory"));
@@ -124,6 +135,11 @@ TEST_F(PlaylistTest, ReadsBothKindsOfLineEndsAndTheMarkOfUtf8) {
     EXPECT_THAT(listed("l.m3u", "\xEF\xBB\xBF"
                                 "\xC3\xA9.mp3\r\nb.mp3\r\n"),
                 ElementsAre(folder_.file("\xC3\xA9.mp3"), folder_.file("b.mp3")));
+}
+
+TEST_F(PlaylistTest, ReadsLinesThatEndInCarriageReturns) {
+    EXPECT_THAT(listed("l.m3u", "#EXTM3U\ra.mp3\r\rb.mp3\r"),
+                ElementsAre(folder_.file("a.mp3"), folder_.file("b.mp3")));
 }
 
 TEST_F(PlaylistTest, ReadsUtf16ByItsMark) {
@@ -231,6 +247,15 @@ TEST(NameListTest, DoesNotKeepALongStreamOfLines) {
     // 64 KiB of lines are waited for; then each comes out as it goes in.
     EXPECT_EQ(count, 10000U);
     EXPECT_THAT(names.finish(), IsEmpty());
+}
+
+TEST(NameListTest, KeepsNoMoreOfAnEndlessNameThanAnyNameHas) {
+    NameList names(true);
+    for (int i = 0; i < 1000; ++i) EXPECT_THAT(names.put(std::string(65536, 'x')), IsEmpty());
+    const auto complete = names.put(std::string("x\0a.mp3\0", 8));
+    ASSERT_EQ(complete.size(), 2U);
+    EXPECT_LE(complete[0].size(), 65537U);
+    EXPECT_EQ(complete[1], "a.mp3");
 }
 
 TEST(ShardTest, GivesEachFileToExactlyOneShare) {

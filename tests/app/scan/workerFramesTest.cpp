@@ -86,8 +86,10 @@ TEST(WorkerFrames, CarryEveryOtherMessage) {
     };
     EXPECT_TRUE(std::holds_alternative<WorkerReady>(answered(WorkerReady{})));
     EXPECT_EQ(std::get<WorkerProgress>(answered(WorkerProgress{0.5, 60.0})).seconds, 60.0);
-    const WorkerHash hashed{{5, 6}, {9, 8, 7}};
+    const WorkerHash hashed{
+        {5, 6}, {9, 8, 7}, {"flac", "flac", 2, 44100, 44100, false, {"A", "T"}}};
     EXPECT_EQ(std::get<WorkerHash>(answered(hashed)).hash, hashed.hash);
+    EXPECT_EQ(std::get<WorkerHash>(answered(hashed)).format.tags.title, "T");
     const catalogue::Failure failure{catalogue::FailureKind::crashed, "was killed"};
     EXPECT_EQ(std::get<catalogue::Failure>(answered(failure)).kind, failure.kind);
 }

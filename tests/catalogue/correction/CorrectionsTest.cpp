@@ -7,6 +7,7 @@
 #include <SQLiteCpp/Database.h>
 
 #include "catalogue/StoredTracks.h"
+#include "catalogue/forget.h"
 #include "support/TemporaryFolder.h"
 
 namespace catalogue {
@@ -62,13 +63,35 @@ TEST_F(CatalogueCorrections, AreNotTouchedByAnAnalysis) {
 // Another version may know more kinds of edits.
 TEST_F(CatalogueCorrections, ThatAreNotKnownAreLeftOutAndLeftAlone) {
     corrections_.add(1, {EditKind::twice});
-    catalogue_.database().exec("INSERT INTO corrections (track_id, kind, value, made_at) VALUES "
-                               "(1, 'swing', 0.6, 0), (1, 'key', 24.0, 0), (1, 'bpm', 1e300, 0)");
+    catalogue_.database().exec("INSERT INTO corrections (audio_hash, kind, value, made_at) "
+                               "SELECT audio_hash, column1, column2, 0 FROM tracks, (VALUES "
+                               "('swing', 0.6), ('key', 24.0), ('bpm', 1e300))");
     EXPECT_THAT(corrections_.of(1), ElementsAre(Edit{EditKind::twice}));
     EXPECT_EQ(corrections_.undo(1), Edit{EditKind::twice});
     EXPECT_FALSE(corrections_.undo(1));
     EXPECT_EQ(valueOf(catalogue_, "SELECT count(*) FROM corrections"), "3");
     EXPECT_EQ(shown(), "120.0 12 0.5 1");
+}
+
+TEST_F(CatalogueCorrections, AreCommonToCopies) {
+    test::store(catalogue_, {test::analysedTrack("/copy", 1), test::analysedTrack("/other", 2)});
+    corrections_.add(1, {EditKind::twice});
+    EXPECT_THAT(corrections_.of(2), ElementsAre(Edit{EditKind::twice}));
+    EXPECT_EQ(valueOf(catalogue_, "SELECT group_concat(bpm) FROM tracks"), "240.0,240.0,120.0");
+    EXPECT_EQ(corrections_.undo(2), Edit{EditKind::twice});
+    EXPECT_EQ(valueOf(catalogue_, "SELECT group_concat(bpm) FROM tracks"), "120.0,120.0,120.0");
+}
+
+TEST_F(CatalogueCorrections, StayWhenATrackIsForgottenUnlessTheyAreMeantToo) {
+    corrections_.add(1, {EditKind::twice});
+    EXPECT_TRUE(forget(catalogue_, "/a", false));
+    EXPECT_FALSE(forget(catalogue_, "/a", false));
+    test::store(catalogue_, {test::analysedTrack("/b", 1), test::analysedTrack("/copy", 1)});
+    EXPECT_EQ(valueOf(catalogue_, "SELECT bpm FROM tracks"), "240.0");
+    EXPECT_TRUE(forget(catalogue_, "/b", true));
+    EXPECT_EQ(valueOf(catalogue_, "SELECT bpm FROM tracks"), "240.0");
+    EXPECT_TRUE(forget(catalogue_, "/copy", true));
+    EXPECT_EQ(valueOf(catalogue_, "SELECT count(*) FROM corrections"), "0");
 }
 
 }  // namespace

@@ -197,7 +197,8 @@ TEST(Corrected, IgnoresWhatDoesNotApply) {
     for (const Edit& edit :
          {Edit{EditKind::bpm, 19.99}, Edit{EditKind::bpm, 1000.01}, Edit{EditKind::bpm, nan},
           Edit{EditKind::key, 24.0}, Edit{EditKind::key, -1.0}, Edit{EditKind::key, nan},
-          Edit{EditKind::downbeat, nan}, Edit{EditKind::shiftMilliseconds, 10000.0}}) {
+          Edit{EditKind::downbeat, nan}, Edit{EditKind::downbeat, 10.0},
+          Edit{EditKind::shiftMilliseconds, 10000.0}, Edit{EditKind::shiftMilliseconds, 9990.0}}) {
         EXPECT_NE(refusalOf(steady(), edit), nullptr);
         expectSame(corrected(steady(), {edit}), steady());
     }

@@ -42,7 +42,7 @@ protected:
 
     void correct(const std::string& name, const Edit& edit, int madeAt) {
         const Catalogue catalogue(file(name), Catalogue::Access::write);
-        Corrections(catalogue).add(1, edit);
+        Corrections(catalogue).add(TrackStore(catalogue).find("/1").value_or(1), edit);
         catalogue.database().exec("UPDATE corrections SET made_at = " + std::to_string(madeAt) +
                                   " WHERE id = (SELECT max(id) FROM corrections)");
     }
@@ -154,6 +154,49 @@ TEST_F(MergedCatalogues, KeepTheNewerOfTwoCorrectionsAndSaySo) {
     EXPECT_EQ(value("c", "SELECT kind FROM corrections"), "double");
 }
 
+TEST_F(MergedCatalogues, KeepTheKeyOfOneAndTheTempoOfTheOther) {
+    make("a", {analysedTrack("/1", 1)}, 100);
+    make("b", {analysedTrack("/elsewhere", 1), analysedTrack("/1", 2)}, 100);
+    correct("a", {EditKind::twice}, 20);
+    {
+        const Catalogue other(file("b"), Catalogue::Access::write);
+        Corrections(other).add(1, {EditKind::key, 3.0});
+        other.database().exec("UPDATE corrections SET made_at = 10");
+    }
+    EXPECT_EQ(merge({"b", "a"}, "c").conflicts, 0);
+    EXPECT_EQ(value("c", "SELECT group_concat(kind) FROM corrections"), "key,double");
+    EXPECT_EQ(value("c", "SELECT bpm || ' ' || key FROM tracks WHERE path = CAST('/elsewhere' AS "
+                         "BLOB)"),
+              "240.0 3");
+}
+
+TEST_F(MergedCatalogues, KeepCorrectionsOfSoundsThatNoTrackHas) {
+    make("a", {analysedTrack("/1", 1)}, 100);
+    correct("a", {EditKind::twice}, 10);
+    Catalogue(file("a"), Catalogue::Access::write).database().exec("DELETE FROM tracks");
+    merge({"a"}, "b");
+    EXPECT_EQ(value("b", "SELECT kind || made_at FROM corrections"), "double10");
+}
+
+TEST_F(MergedCatalogues, ShowTheResultThatAnyOfThemWasAskedForLast) {
+    Analysed other = analysedTrack("/1", 1);
+    other.result.parameters = parametersText({});
+    other.result.bpm = 99.0;
+    make("a", {analysedTrack("/1", 1), other}, 100);
+    make("b", {analysedTrack("/1", 1)}, 100);
+    const auto ask = [&](const std::string& name, int id, int at) {
+        Catalogue(file(name), Catalogue::Access::write)
+            .database()
+            .exec("UPDATE results SET asked_at = " + std::to_string(at) +
+                  " WHERE id = " + std::to_string(id));
+    };
+    ask("a", 1, 100);
+    ask("a", 2, 200);
+    ask("b", 1, 300);
+    merge({"a", "b"}, "c");
+    EXPECT_EQ(value("c", "SELECT bpm FROM tracks"), "120.0");
+}
+
 TEST_F(MergedCatalogues, TakeCorrectionsThatContinueOthersForNoConflict) {
     make("a", {analysedTrack("/1", 1)}, 100);
     make("b", {analysedTrack("/1", 1)}, 100);
@@ -243,6 +286,28 @@ TEST_F(MergedCatalogues, AreRefusedWhereTheDiskHasRoomForTheLogAlone) {
     }
     EXPECT_FALSE(std::filesystem::exists(file("whole")));
     EXPECT_EQ(merge({"a"}, "whole").tracks, 400);
+}
+
+TEST_F(MergedCatalogues, LeaveNoDraftWhereItsFirstPageHasNoRoom) {
+    make("a", {analysedTrack("/1", 1)}, 100);
+    {
+        const FileSizeLimit limit(1000);
+        EXPECT_THROW(merge({"a"}, "whole"), CatalogueError);
+    }
+    EXPECT_THAT(folder_.names(), Not(Contains(testing::HasSubstr("whole"))));
+}
+
+// Each catalogue takes three of the files that a process may have open.
+TEST_F(MergedCatalogues, MayBeMoreThanAProcessUsuallyHasOpen) {
+    make("a", {analysedTrack("/1", 1)}, 100);
+    struct rlimit before = {};
+    getrlimit(RLIMIT_NOFILE, &before);
+    if (before.rlim_max < 512) GTEST_SKIP() << "the system allows too few open files";
+    const struct rlimit few = {64, before.rlim_max};
+    setrlimit(RLIMIT_NOFILE, &few);
+    const std::vector<std::string> many(100, "a");
+    EXPECT_EQ(merge(many, "whole").tracks, 1);
+    setrlimit(RLIMIT_NOFILE, &before);
 }
 
 TEST_F(MergedCatalogues, AreNotPutBesideTheLogOfAnotherThatWasThere) {
