@@ -28,11 +28,7 @@ using Order = TrackQuery::Order;
 
 constexpr double kLowestBpm = 1.0;
 constexpr double kHighestBpm = 10000.0;
-// What most players can change a tempo by.
-constexpr double kUsualPercent = 6.0;
 constexpr double kMostPercent = 30.0;
-// Answers of which one in five is wrong.
-constexpr double kSure = 0.8;
 // No track has this key, and none a tempo in this range.
 constexpr int kNoKey = -1;
 constexpr BpmRange kNoTempo = {1.0, 0.0};
@@ -158,7 +154,7 @@ void ListFilters::settle() {
         query_.bpm = {{range->lowest, range->highest}};
     if (const auto key = key_ ? output::KeyName::parse(*key_) : std::nullopt)
         query_.keys = {key->number()};
-    if (isUnsure_) query_.confidenceBelow = kSure;
+    if (isUnsure_) query_.confidenceBelow = catalogue::kSureConfidence;
 }
 
 TrackQuery ListFilters::queryIn(const catalogue::Catalogue& catalogue) const {
@@ -182,8 +178,8 @@ void ListFilters::addCompany(TrackQuery& query, const catalogue::Catalogue& cata
     if (!found.key && !found.bpm) throw base::UsageError(shown + " has neither a key nor a tempo");
     if (found.key) narrow(query.keys, catalogue::compatibleKeys(found.key->best()));
     if (found.bpm)
-        narrow(query.bpm,
-               catalogue::compatibleTempos(*found.bpm, withinPercent_.value_or(kUsualPercent)));
+        narrow(query.bpm, catalogue::compatibleTempos(
+                              *found.bpm, withinPercent_.value_or(catalogue::kUsualPercent)));
     query.except = track;
 }
 

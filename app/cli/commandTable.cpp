@@ -16,6 +16,7 @@
 #include "cli/ReportCommand.h"
 #include "cli/ScanCommand.h"
 #include "cli/ScanWorkerCommand.h"
+#include "cli/ServeCommand.h"
 #include "cli/ShowCommand.h"
 #include "cli/TagCommand.h"
 
@@ -34,6 +35,7 @@ std::vector<std::unique_ptr<Command>> makeCommands() {
     commands.push_back(std::make_unique<ListCommand>());
     commands.push_back(std::make_unique<ShowCommand>());
     commands.push_back(std::make_unique<CorrectCommand>());
+    commands.push_back(std::make_unique<ServeCommand>());
     commands.push_back(std::make_unique<ForgetCommand>());
     commands.push_back(std::make_unique<MergeCommand>());
     commands.push_back(std::make_unique<ScanWorkerCommand>());

@@ -96,11 +96,15 @@ std::string listText(const Ids& ids) {
     return fmt::format("[{}]", fmt::join(ids, ","));
 }
 
-SqlPart statementOf(const Catalogue& catalogue, const TrackQuery& query) {
+constexpr const char* kListed = "SELECT t.id, t.path, t.artist, t.title, t.seconds, t.bpm, t.key, "
+                                "t.confidence, t.is_corrected, t.is_gone FROM ";
+
+/** @param columns  "SELECT … FROM ", of a row t of tracks */
+SqlPart statementOf(const Catalogue& catalogue, const TrackQuery& query, const char* columns) {
+    if (!query.text.empty()) catalogue.database().exec(kSearchSequences);
     const OrderSql order = orderSql(query.order);
     SqlPart sql;
-    sql.add("SELECT t.id, t.path, t.artist, t.title, t.seconds, t.bpm, t.key, t.confidence, "
-            "t.is_corrected, t.is_gone FROM ");
+    sql.add(columns);
     if (const auto few = fewestOf(catalogue, query)) {
         sql.add("json_each(?) chosen CROSS JOIN tracks t ON t.id = chosen.value", listText(*few));
     } else {
@@ -133,11 +137,34 @@ base::ListedTrack trackOf(const SQLite::Statement& row) {
 void listTracks(const Catalogue& catalogue, const TrackQuery& query,
                 const std::function<void(const base::ListedTrack&)>& show) {
     guarded(catalogue.path(), [&] {
-        if (!query.text.empty()) catalogue.database().exec(kSearchSequences);
-        const SqlPart sql = statementOf(catalogue, query);
+        const SqlPart sql = statementOf(catalogue, query, kListed);
         SQLite::Statement statement(catalogue.database(), sql.text());
         sql.bindTo(statement);
         while (statement.executeStep()) show(trackOf(statement));
+    });
+}
+
+std::vector<std::int64_t> listIds(const Catalogue& catalogue, const TrackQuery& query) {
+    return guarded(catalogue.path(), [&] {
+        const SqlPart sql = statementOf(catalogue, query, "SELECT t.id FROM ");
+        SQLite::Statement statement(catalogue.database(), sql.text());
+        sql.bindTo(statement);
+        Ids ids;
+        while (statement.executeStep()) ids.push_back(statement.getColumn(0).getInt64());
+        return ids;
+    });
+}
+
+void listChosen(const Catalogue& catalogue, const std::vector<std::int64_t>& ids,
+                const std::function<void(const base::ListedTrack&)>& show) {
+    guarded(catalogue.path(), [&] {
+        SQLite::Statement statement(catalogue.database(),
+                                    std::string(kListed) + "tracks t WHERE t.id = ?");
+        for (const std::int64_t id : ids) {
+            const ResetAfter reset(statement);
+            statement.bind(1, id);
+            if (statement.executeStep()) show(trackOf(statement));
+        }
     });
 }
 

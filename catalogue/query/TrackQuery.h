@@ -12,6 +12,12 @@
 
 namespace catalogue {
 
+/** What is less certain is worth a look: of such answers one in five is wrong. */
+inline constexpr double kSureConfidence = 0.8;
+
+/** What most players can change a tempo by. */
+inline constexpr double kUsualPercent = 6.0;
+
 /** From lowest to highest, both included. */
 struct BpmRange {
     double lowest = 0.0;
@@ -46,7 +52,16 @@ struct TrackQuery {
 void listTracks(const Catalogue& catalogue, const TrackQuery& query,
                 const std::function<void(const base::ListedTrack&)>& show);
 
-/** The same for files of music that could not be analysed, in the order of their paths. */
+/** The numbers of the same tracks, in the same order: what a list that is shown a page at a time
+ *  keeps of it. @throws CatalogueError */
+std::vector<std::int64_t> listIds(const Catalogue& catalogue, const TrackQuery& query);
+
+/** Hands over the tracks of these numbers in their order, leaving out those that the catalogue does
+ *  not have. @throws CatalogueError, and what show throws */
+void listChosen(const Catalogue& catalogue, const std::vector<std::int64_t>& ids,
+                const std::function<void(const base::ListedTrack&)>& show);
+
+/** Like listTracks() for files of music that could not be analysed, in the order of their paths. */
 void listFailures(const Catalogue& catalogue, bool isReversed, std::optional<std::int64_t> limit,
                   const std::function<void(const base::ListedFailure&)>& show);
 

@@ -1,0 +1,59 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <atomic>
+#include <chrono>
+#include <cstddef>
+#include <memory>
+#include <string>
+#include <string_view>
+
+namespace app {
+
+/** A client's connection, and what came of its request. Closed with this object. */
+class Connection {
+public:
+    using Clock = std::chrono::steady_clock;
+
+    /** @param socket  is owned from now on, and does not block
+     *  @param open    counts the open connections */
+    Connection(int socket, std::shared_ptr<std::atomic<int>> open);
+    ~Connection();
+    Connection(const Connection&) = delete;
+    Connection& operator=(const Connection&) = delete;
+
+    int socket() const { return socket_; }
+    Clock::time_point since() const { return since_; }
+    const std::string& received() const { return received_; }
+
+    enum class Reading {
+        waiting,  ///< all that has come so far is read
+        ended,    ///< the client has closed it, or it failed
+        full,     ///< there is more than may come
+    };
+
+    /** Reads what has come, up to so many bytes in all. */
+    Reading read(std::size_t mostBytes);
+
+    /** Sends as a client is able to take it; one that takes less than 32 KB a second for long is
+     *  given up.
+     *  @param isStopped  set when the program ends
+     *  @return false when not all of it was sent; nothing more can be sent then */
+    bool send(std::string_view bytes, const std::atomic<bool>& isStopped);
+
+    /** Answers with a status and no content, if that can be done at once. */
+    void dismiss(const char* status);
+
+private:
+    bool awaitRoom(const std::atomic<bool>& isStopped) const;
+
+    int socket_;
+    std::shared_ptr<std::atomic<int>> open_;
+    Clock::time_point since_ = Clock::now();
+    Clock::time_point answeredSince_{};
+    std::string received_;
+    std::size_t sent_ = 0;
+    bool isBroken_ = false;
+};
+
+}  // namespace app

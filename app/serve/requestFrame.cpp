@@ -1,0 +1,96 @@
+// SPDX-License-Identifier: MIT
+#include "serve/requestFrame.h"
+
+#include <algorithm>
+#include <charconv>
+#include <string>
+
+namespace app {
+
+namespace {
+
+constexpr std::string_view kLineEnd = "\r\n";
+constexpr std::string_view kHeadEnd = "\r\n\r\n";
+
+// "bytes=0-1" with two numbers of 64 bits. The library reads this header by a regular expression,
+// whose depth grows with the text.
+constexpr std::size_t kLongestRange = 64;
+
+constexpr std::size_t kLongestLine = 8000;
+
+char lower(char character) {
+    return character >= 'A' && character <= 'Z' ? static_cast<char>(character - 'A' + 'a')
+                                                : character;
+}
+
+/** Whether the line has that name; then the value is what follows. */
+bool takesHeader(std::string_view line, std::string_view name, std::string_view& value) {
+    if (line.size() <= name.size() || line[name.size()] != ':') return false;
+    if (!std::equal(name.begin(), name.end(), line.begin(),
+                    [](char a, char b) { return a == lower(b); }))
+        return false;
+    value = line.substr(name.size() + 1);
+    while (!value.empty() && (value.front() == ' ' || value.front() == '\t'))
+        value.remove_prefix(1);
+    while (!value.empty() && (value.back() == ' ' || value.back() == '\t')) value.remove_suffix(1);
+    return true;
+}
+
+/** Nothing unless the value is a number of digits alone. */
+std::optional<std::size_t> lengthOf(std::string_view value) {
+    std::size_t length = 0;
+    const char* end = value.data() + value.size();
+    const auto [stop, failure] = std::from_chars(value.data(), end, length);
+    if (failure != std::errc() || stop != end || value.empty()) return std::nullopt;
+    return length;
+}
+
+bool isPlainLine(std::string_view line) {
+    const auto isControl = [](char character) {
+        const auto code = static_cast<unsigned char>(character);
+        return (code < ' ' && character != '\t') || code == 0x7F;
+    };
+    return std::none_of(line.begin(), line.end(), isControl);
+}
+
+/** Reads what a line says of the request's length. @return why it is refused, or null */
+const char* readLine(std::string_view line, RequestFrame& frame, bool& hasLength) {
+    std::string_view value;
+    if (!isPlainLine(line)) return "400 Bad Request";
+    if (line.size() > kLongestLine) return "431 Request Header Fields Too Large";
+    if (takesHeader(line, "transfer-encoding", value)) return "411 Length Required";
+    if (takesHeader(line, "expect", value)) return "417 Expectation Failed";
+    if (takesHeader(line, "range", value) && value.size() > kLongestRange)
+        return "416 Range Not Satisfiable";
+    if (!takesHeader(line, "content-length", value)) return nullptr;
+    const auto length = lengthOf(value);
+    // Two lengths are how a request is hidden in another one.
+    if (!length || hasLength) return "400 Bad Request";
+    if (*length > kMostBodyBytes) return "413 Payload Too Large";
+    frame.bodyBytes = *length;
+    hasLength = true;
+    return nullptr;
+}
+
+}  // namespace
+
+RequestFrame frameOf(std::string_view received) {
+    RequestFrame frame;
+    const std::size_t end = received.substr(0, kMostHeadBytes).find(kHeadEnd);
+    if (end == std::string_view::npos) {
+        if (received.size() >= kMostHeadBytes)
+            frame.refusal = "431 Request Header Fields Too Large";
+        return frame;
+    }
+    frame.headBytes = end + kHeadEnd.size();
+    bool hasLength = false;
+    std::string_view head = received.substr(0, end + kLineEnd.size());
+    while (!head.empty() && frame.refusal == nullptr) {
+        const std::size_t lineEnd = head.find(kLineEnd);
+        frame.refusal = readLine(head.substr(0, lineEnd), frame, hasLength);
+        head.remove_prefix(lineEnd + kLineEnd.size());
+    }
+    return frame;
+}
+
+}  // namespace app

@@ -1,0 +1,33 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string_view>
+
+namespace app {
+
+/** More than browsers send: a long list of cookies of other programs on the same computer fits. */
+inline constexpr std::size_t kMostHeadBytes = 16384;
+/** The numbers of a hundred thousand tracks. */
+inline constexpr std::size_t kMostBodyBytes = 1048576;
+
+/** How far a request has come, by its length alone. */
+struct RequestFrame {
+    /** With the empty line that ends it; 0: it is not whole yet. */
+    std::size_t headBytes = 0;
+    std::size_t bodyBytes = 0;
+    /** "400 Bad Request" and the like, when it will not be answered; else null. */
+    const char* refusal = nullptr;
+
+    bool isWhole(std::size_t received) const {
+        return refusal == nullptr && headBytes > 0 && received >= headBytes + bodyBytes;
+    }
+};
+
+/** Reads how long a request is from its beginning. A head that is too long, a body of unknown or
+ *  too great length and a head in which lines end otherwise than HTTP says are refused: nothing
+ *  behind this check has to be careful with them. */
+RequestFrame frameOf(std::string_view received);
+
+}  // namespace app

@@ -1,0 +1,133 @@
+// SPDX-License-Identifier: MIT
+#include "serve/trackFilter.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <string_view>
+#include <utility>
+
+#include "output/KeyName.h"
+
+namespace app {
+
+namespace {
+
+using Order = catalogue::TrackQuery::Order;
+
+constexpr double kLowestBpm = 1.0;
+constexpr double kHighestBpm = 10000.0;
+constexpr std::size_t kLongestText = 1000;
+
+constexpr std::array kOrders = {
+    std::pair("path", Order::path),   std::pair("artist", Order::artist),
+    std::pair("title", Order::title), std::pair("bpm", Order::bpm),
+    std::pair("key", Order::key),     std::pair("length", Order::length),
+    std::pair("added", Order::added), std::pair("confidence", Order::confidence),
+};
+
+template <class Number>
+std::optional<Number> numberOf(std::string_view text) {
+    Number number{};
+    const char* end = text.data() + text.size();
+    const auto [stop, failure] = std::from_chars(text.data(), end, number);
+    if (failure != std::errc() || stop != end) return std::nullopt;
+    return number;
+}
+
+bool isSet(const HttpRequest& request, const std::string& name) {
+    return request.parameter(name) == "1";
+}
+
+double bpmOf(const HttpRequest& request, const std::string& name, double usual) {
+    const auto text = request.parameter(name);
+    if (!text || text->empty()) return usual;
+    const auto bpm = numberOf<double>(*text);
+    if (!bpm || !(*bpm >= kLowestBpm && *bpm <= kHighestBpm))
+        throw BadRequest("a tempo is a number from 1 to 10000 BPM");
+    return *bpm;
+}
+
+void setTempo(catalogue::TrackQuery& query, const HttpRequest& request) {
+    const double lowest = bpmOf(request, "lowest", kLowestBpm);
+    const double highest = bpmOf(request, "highest", kHighestBpm);
+    if (lowest > highest) throw BadRequest("the lower tempo is above the higher one");
+    if (lowest > kLowestBpm || highest < kHighestBpm) query.bpm = {{lowest, highest}};
+}
+
+void setKey(catalogue::TrackQuery& query, const HttpRequest& request) {
+    const auto text = request.parameter("key");
+    if (!text || text->empty()) return;
+    const auto key = output::KeyName::parse(*text);
+    if (!key) throw BadRequest("a key is written like 8A, 1m, A minor, Am or F#");
+    query.keys = {key->number()};
+}
+
+/** What mixes with a track as lists show it, so with its corrections. */
+void setCompanion(catalogue::TrackQuery& query, const HttpRequest& request,
+                  const catalogue::Catalogue& catalogue) {
+    const auto text = request.parameter("compatible");
+    if (!text || text->empty()) return;
+    if (!query.keys.empty() || !query.bpm.empty())
+        throw BadRequest("what is compatible goes with neither a key nor tempos");
+    const auto number = trackNumber(*text);
+    std::optional<base::ListedTrack> companion;
+    if (number) {
+        listChosen(catalogue, {*number},
+                   [&](const base::ListedTrack& track) { companion = track; });
+    }
+    if (!companion) throw BadRequest("the track to mix with is not in the catalogue");
+    if (!companion->key && !companion->bpm)
+        throw BadRequest("the track to mix with has neither a key nor a tempo");
+    if (companion->key) query.keys = catalogue::compatibleKeys(*companion->key);
+    if (companion->bpm)
+        query.bpm = catalogue::compatibleTempos(*companion->bpm, catalogue::kUsualPercent);
+    query.except = number;
+}
+
+Order orderOf(const HttpRequest& request) {
+    const auto text = request.parameter("sort");
+    if (!text || text->empty()) return Order::path;
+    for (const auto& [name, order] : kOrders) {
+        if (*text == name) return order;
+    }
+    throw BadRequest("there is no such order");
+}
+
+}  // namespace
+
+TrackFilter filterOf(const HttpRequest& request, const catalogue::Catalogue& catalogue) {
+    TrackFilter filter;
+    filter.wantsFailures = isSet(request, "failed");
+    catalogue::TrackQuery& query = filter.query;
+    query.isReversed = isSet(request, "reverse");
+    if (filter.wantsFailures) return filter;
+    query.text = request.parameter("text").value_or("");
+    if (query.text.size() > kLongestText) throw BadRequest("the text is too long");
+    setTempo(query, request);
+    setKey(query, request);
+    setCompanion(query, request, catalogue);
+    if (isSet(request, "low")) query.confidenceBelow = catalogue::kSureConfidence;
+    query.isCorrected = isSet(request, "corrected");
+    query.isGone = isSet(request, "gone");
+    query.order = orderOf(request);
+    return filter;
+}
+
+std::optional<std::int64_t> trackNumber(const std::string& text) {
+    const auto number = numberOf<std::int64_t>(text);
+    if (!number || *number < 1) return std::nullopt;
+    return number;
+}
+
+std::int64_t countOf(const HttpRequest& request, const std::string& name, std::int64_t usual,
+                     std::int64_t highest) {
+    const auto text = request.parameter(name);
+    if (!text) return usual;
+    const auto count = numberOf<std::int64_t>(*text);
+    if (!count || *count < 0 || *count > highest)
+        throw BadRequest(name + " is a number from 0 to " + std::to_string(highest));
+    return *count;
+}
+
+}  // namespace app

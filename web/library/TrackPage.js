@@ -1,0 +1,62 @@
+// SPDX-License-Identifier: MIT
+import { make } from '../track/dom.js';
+import { showTrack } from '../track/trackView.js';
+import { correct, fileAddress, loadSound, loadTrack, undo } from './api.js';
+
+/** The page of one track, with what a person knows better about it. */
+export class TrackPage {
+    #container;
+    #actions;
+    #view = null;
+    #id = null;
+    #bar;
+    #body = null;
+    #problem = make('p', { class: 'problem', role: 'alert' });
+    #back;
+
+    /** @param actions  `back()`, `step(rows)`, `mixes(id, name)` and `failed(error)` */
+    constructor(container, actions) {
+        this.#container = container;
+        this.#actions = actions;
+        const button = (text, act, name) =>
+            make('button', { type: 'button', onclick: act, 'aria-label': name ?? null }, text);
+        this.#back = button('‹ Tracks', actions.back, 'Back to the tracks');
+        this.#bar = make('nav', { class: 'track-bar', 'aria-label': 'Tracks' }, this.#back,
+            button('‹', () => actions.step(-1), 'The track before in the list'),
+            button('›', () => actions.step(1), 'The next track in the list'),
+            button('What mixes with it', () => actions.mixes(this.#id)));
+        container.append(this.#bar, this.#problem);
+    }
+
+    async show(id) {
+        await this.hide();
+        this.#id = id;
+        this.#container.hidden = false;
+        this.#problem.textContent = '';
+        try {
+            const data = await loadTrack(id);
+            if (this.#id !== id) return;
+            document.title = `${data.title || data.file} – Beat Atlas`;
+            this.#body = make('div', { class: 'track-body' });
+            this.#container.append(this.#body);
+            this.#view = showTrack(this.#body, data, {
+                audio: data.gone ? null : { load: () => loadSound(id), address: fileAddress(id) },
+                rate: data.sampleRate,
+                corrections: { apply: (kind, value) => correct(id, kind, value), undo: () => undo(id) },
+            });
+            this.#back.focus();
+        } catch (error) {
+            if (this.#id === id) this.#problem.textContent = `This track cannot be shown: ${error.message}`;
+            this.#actions.failed(error);
+        }
+    }
+
+    async hide() {
+        this.#id = null;
+        this.#container.hidden = true;
+        const view = this.#view;
+        this.#view = null;
+        this.#body?.remove();
+        await view?.destroy();
+    }
+}
