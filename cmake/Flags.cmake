@@ -25,6 +25,11 @@ add_library(beatatlas_strict_conversions INTERFACE)
 target_compile_options(beatatlas_strict_conversions INTERFACE
     -Wconversion -Wdouble-promotion -Wfloat-conversion -Wsign-conversion)
 
+# Rooms of the program that hand samples on but never work through a track themselves: optimising
+# their templates fully takes the compiler longer than it saves in any run.
+add_library(beatatlas_light_optimisation INTERFACE)
+target_compile_options(beatatlas_light_optimisation INTERFACE $<$<CONFIG:Release>:-O1>)
+
 if(BEATATLAS_SANITIZE)
     add_compile_options(-fsanitize=${BEATATLAS_SANITIZE} -fno-sanitize-recover=all
         -fno-omit-frame-pointer)
