@@ -100,6 +100,7 @@ int statusOf(base::TrackError::Kind kind) {
         return BA_FILE_UNREADABLE;
     case base::TrackError::Kind::notAudio:
         return BA_FILE_NOT_AUDIO;
+    case base::TrackError::Kind::undecodable:
     case base::TrackError::Kind::damaged:
         break;
     }
