@@ -35,7 +35,8 @@ public:
     /** @return as OutputFile::commit() */
     std::string commit();
 
-    /** @throws what an answer of FFmpeg's stands for, if it is a failure */
+    /** @param result  that a function of FFmpeg's returned
+     *  @throws OutputError, or what a write threw meanwhile, where it says that the function failed */
     void require(int result) const;
 
 private:
