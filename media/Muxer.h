@@ -36,7 +36,7 @@ public:
     std::string commit();
 
     /** @param result  that a function of FFmpeg's returned
-     *  @throws OutputError, or what a write threw meanwhile, where it says that the function failed */
+     *  @throws OutputError where it says that the function failed, or what a write threw meanwhile */
     void require(int result) const;
 
 private:
