@@ -36,7 +36,8 @@ public:
     std::string commit();
 
     /** @param result  that a function of FFmpeg's returned
-     *  @throws OutputError where it says that the function failed, or what a write threw meanwhile */
+     *  @throws OutputError where it says that the function failed, or what a write threw
+     *          meanwhile */
     void require(int result) const;
 
 private:
