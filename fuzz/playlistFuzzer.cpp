@@ -16,8 +16,8 @@ using namespace beatatlas::fuzz;
 
 /** Each entry is of a line of its own, and no name holds the end of one. */
 void check(const app::Playlist& list, std::string_view bytes) {
-    const auto ends =
-        std::count_if(bytes.begin(), bytes.end(), [](char byte) { return byte == '\n'; });
+    const auto endsLine = [](char byte) { return byte == '\n' || byte == '\r'; };
+    const auto ends = std::count_if(bytes.begin(), bytes.end(), endsLine);
     require(std::ssize(list.files) + std::ssize(list.addresses) <= ends + 1, "an entry a line");
     for (const std::string& file : list.files) require(!file.empty(), "a name");
     for (const std::string& address : list.addresses)

@@ -35,7 +35,9 @@ public:
     /** @return as OutputFile::commit() */
     std::string commit();
 
-    /** @throws what an answer of FFmpeg's stands for, if it is a failure */
+    /** @param result  that a function of FFmpeg's returned
+     *  @throws OutputError where it says that the function failed, or what a write threw
+     *          meanwhile */
     void require(int result) const;
 
 private:

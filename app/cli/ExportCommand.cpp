@@ -143,7 +143,7 @@ void ExportCommand::settleStored() {
 }
 
 void ExportCommand::settlePeaks() {
-    if (tellsPeaks()) {
+    if (isOfPeaks()) {
         const output::TimeOrigin& origin = origin_.origin();
         if (origin.at != output::TimeOrigin::At::music || origin.offsetMs != 0.0)
             throw base::UsageError("peaks begin with the music: --origin and --offset do not go "
@@ -155,7 +155,7 @@ void ExportCommand::settlePeaks() {
     }
 }
 
-bool ExportCommand::tellsPeaks() const {
+bool ExportCommand::isOfPeaks() const {
     return format_->tells == ExportFormat::Tells::peaksAlone;
 }
 
@@ -257,8 +257,8 @@ media::FileAnalysis::Options ExportCommand::reading(const std::string& path) con
     beatatlas::track::Options& track = options.track;
     track = analysis_.options();
     track.wantsWaves = options_.withWaves;
-    if (tellsPeaks()) track.tempo = beatatlas::track::TempoMode::off;
-    if (tellsPeaks() || format_->tells == ExportFormat::Tells::beatsAlone) track.wantsKey = false;
+    if (isOfPeaks()) track.tempo = beatatlas::track::TempoMode::off;
+    if (isOfPeaks() || format_->tells == ExportFormat::Tells::beatsAlone) track.wantsKey = false;
     track.wantsSessionKey = format_->tells == ExportFormat::Tells::everything && track.wantsKey;
     return options;
 }
@@ -266,13 +266,13 @@ media::FileAnalysis::Options ExportCommand::reading(const std::string& path) con
 ExportedTrack ExportCommand::examine(const std::string& path, ProgressLine& progress) const {
     media::FileAnalysis::Options options = reading(path);
     PeakGatherer peaks(framesPerPixel_);
-    if (tellsPeaks()) {
+    if (isOfPeaks()) {
         options.alongside = [&](const media::StereoBlock& block) { peaks.put(block); };
         options.alongsideBytesPerFrame = peaks.bytesPerFrame();
     }
     ExportedTrack exported{analyzeFile(path, options, progress), std::nullopt};
     present(exported);
-    if (tellsPeaks()) exported.peaks = peaks.finish(exported.analysis.rate);
+    if (isOfPeaks()) exported.peaks = peaks.finish(exported.analysis.rate);
     return exported;
 }
 

@@ -53,7 +53,7 @@ private:
                          ResultStream& results) const;
     media::FileAnalysis::Options reading(const std::string& path) const;
     ExportedTrack examine(const std::string& path, ProgressLine& progress) const;
-    bool tellsPeaks() const;
+    bool isOfPeaks() const;
 
     std::vector<const CLI::Option*> analysisOptions_;
     const CLI::Option* wavesOption_ = nullptr;

@@ -33,7 +33,7 @@ public:
     bool isForEach() const { return isForEach_; }
     bool isStandardOutput() const { return isStandardOutput_; }
 
-    /** Of the tracks' documents; the first is that of all where there is but one. */
+    /** Where each track's document goes; one document for all of them goes to the first place. */
     const ResultPlaces& places() const { return places_; }
 
 private:

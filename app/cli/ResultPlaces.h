@@ -35,8 +35,8 @@ public:
     const std::string& path(std::size_t track) const { return paths_[track]; }
 
     /** Looks, before the work on a track, whether its result can be written.
-     *  @throws TrackError if not, so that the other tracks keep theirs: it would replace a track, or
-     *          a file that is there already */
+     *  @throws TrackError if not, so that the other tracks keep theirs: it would replace a track,
+     *          or a file that is there already */
     void requireFree(std::size_t track) const;
 
 private:

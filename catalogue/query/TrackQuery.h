@@ -48,7 +48,8 @@ struct TrackQuery {
 };
 
 /** Hands over the tracks one by one, in order; takes the same memory for any number of them. Never
- *  looks at every track where an index knows better. @throws CatalogueError, and what show throws */
+ *  looks at every track where an index knows better.
+ *  @throws CatalogueError, and what show throws */
 void listTracks(const Catalogue& catalogue, const TrackQuery& query,
                 const std::function<void(const base::ListedTrack&)>& show);
 

@@ -6,8 +6,8 @@
 
 namespace output {
 
-/** A field of CSV as RFC 4180 has it: with commas, quotes or line breaks in it, it stands in quotes,
- *  and quotes within are doubled. */
+/** A field of CSV as RFC 4180 has it: with commas, quotes or line breaks in it, it stands in
+ *  quotes, and quotes within are doubled. */
 std::string csvField(const std::string& text);
 
 /** A line of CSV as RFC 4180 has it, but for its end, which is a line feed alone. */

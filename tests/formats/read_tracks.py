@@ -3,9 +3,10 @@
 """Exports tracks in every format, from the files and from a catalogue, and has other programs read
 what comes out: as read_back.py, but of any tracks.
 
-    read_tracks.py SOURCES FOLDER PROGRAM-THAT-MAKES-A-TRACK TOOL [TRACK...]
+    read_tracks.py SOURCES FOLDER PROGRAM-THAT-MAKES-A-TRACK TOOL [--stored] [TRACK...]
 
-What they see is compared with the JSON document of the tool. Without tracks some are made: the demo
+What they see is compared with the JSON document of the tool. With --stored all but the waveforms come
+from the catalogue alone, so that each track is analysed only once. Without tracks some are made: the demo
 track in several kinds of file, one that changes, silence, and a name of odd bytes. Prints a table of
 what was seen in all tracks together.
 """
@@ -29,11 +30,21 @@ from outside import (LABEL, MAKE_TRACK, analysis_validator, begin, jams_validato
                      tool)
 
 OFTEN = 256  # frames of a pixel
+IS_STORED = "--stored" in sys.argv
 seen = Counter()
 
 
-def exported(kind, track, *words):
-    return tool("export", "--to", kind, *words, "--", track)
+def exported(kind, track):
+    return tool("export", "--to", kind, "--", track)
+
+
+def stored(kind, track):
+    """The whole path is a text that no other track has."""
+    return tool("export", "--catalogue", "c.sqlite", "--text", os.path.abspath(track), "--to", kind)
+
+
+def found(kind, track):
+    return stored(kind, track) if IS_STORED else exported(kind, track)
 
 
 def made_tracks():
@@ -49,22 +60,22 @@ def made_tracks():
 
 
 def read_json(path, track):
-    text = exported("json", path)
+    text = found("json", path)
     analysis_validator().validate(json.loads(text))
     assert json.loads(text)["tracks"] == [track]
     count = outside("jq", ".tracks[0].beats | length", data=text)
     assert int(count) == len(track["beats"])
-    assert json.loads(outside("jq", "-c", ".", data=exported("jsonl", path))) == track
+    assert json.loads(outside("jq", "-c", ".", data=found("jsonl", path))) == track
     seen["json"] += int(count)
     seen["jsonl"] += 1
 
 
 def read_tables(path, track):
-    rows = list(csv.DictReader(io.StringIO(exported("csv", path).decode(), newline="")))
+    rows = list(csv.DictReader(io.StringIO(found("csv", path).decode(), newline="")))
     assert [(int(row["frame"]), int(row["beat"])) for row in rows] == [
         (beat["frame"], beat["beat"]) for beat in track["beats"]]
     seen["csv"] += len(rows)
-    row, = csv.DictReader(io.StringIO(exported("csv-tracks", path).decode(), newline=""))
+    row, = csv.DictReader(io.StringIO(found("csv-tracks", path).decode(), newline=""))
     assert row["file"] == track["file"] and int(row["beats"]) == len(track["beats"])
     assert float(row["bpm"] or "nan") == track["tempo"]["bpm"] or not row["bpm"]
     assert row["key"] == (track["key"]["name"] if track["key"] else "")
@@ -72,7 +83,7 @@ def read_tables(path, track):
 
 
 def read_jams(path, track):
-    document = json.loads(exported("jams", path))
+    document = json.loads(found("jams", path))
     jams_validator().validate(document)
     data = {one["namespace"]: one["data"] for one in document["annotations"]}
     assert [one["time"] for one in data["beat"]] == [one["seconds"] for one in track["beats"]]
@@ -85,7 +96,7 @@ def read_labels(path, track):
     downbeats = [beat for beat in track["beats"] if beat["beat"] == 1]
     for kind, beats in (("beats", track["beats"]), ("numbers", track["beats"]),
                         ("bars", downbeats)):
-        lines = exported(f"audacity-{kind}", path).decode().splitlines()
+        lines = found(f"audacity-{kind}", path).decode().splitlines()
         labels = [LABEL.match(line).groups() for line in lines]
         assert len(labels) == len(beats)
         for (start, end, _), beat in zip(labels, beats):
@@ -94,7 +105,7 @@ def read_labels(path, track):
 
 
 def read_midi(path, track):
-    file = mido.MidiFile(file=io.BytesIO(exported("midi", path)))
+    file = mido.MidiFile(file=io.BytesIO(found("midi", path)))
     seconds, clicks = 0.0, []
     for message in file:
         seconds += message.time
@@ -107,13 +118,13 @@ def read_midi(path, track):
 
 
 def read_chapters(path, track):
-    Path("t.ffmetadata").write_bytes(exported("ffmetadata", path))
+    Path("t.ffmetadata").write_bytes(found("ffmetadata", path))
     chapters = probed("-f", "ffmetadata", "t.ffmetadata")
     assert float(chapters[0]["start_time"]) == 0.0
     assert abs(float(chapters[-1]["end_time"]) - track["seconds"]) < 1e-4
     for before, after in zip(chapters, chapters[1:]):
         assert before["end"] == after["start"]
-    Path("t.xml").write_bytes(exported("matroska-chapters", path))
+    Path("t.xml").write_bytes(found("matroska-chapters", path))
     # Into a file of any sound; mkvmerge does not know every kind.
     outside("mkvmerge", "-q", "-o", "t.mka", "--chapters", "t.xml", "carrier.wav")
     others = probed("t.mka")
@@ -138,7 +149,7 @@ def read_waveform(path, track):
 
 
 def read_playlist(path, track):
-    lines = exported("m3u8", path).decode().splitlines()
+    lines = found("m3u8", path).decode().splitlines()
     entry = lines[2]
     place = unquote_to_bytes(entry.removeprefix("file://")) if entry[0] != "/" else entry
     assert os.path.samefile(place, path)
@@ -153,28 +164,27 @@ def read_playlist(path, track):
 
 def read_catalogue(paths):
     """What a catalogue exports is what the files themselves do."""
-    tool("scan", "-q", "--catalogue", "c.sqlite", "--", *paths)
     for path in paths:
-        # The whole path is a text that no other track has.
         name = os.path.abspath(path)
         for kind in ("csv", "csv-tracks", "jams", "midi", "audacity-beats", "ffmetadata",
                      "matroska-chapters", "m3u8"):
-            stored = tool("export", "--catalogue", "c.sqlite", "--text", name, "--to", kind)
-            assert stored == exported(kind, name), (name, kind)
+            assert stored(kind, name) == exported(kind, name), (name, kind)
             seen["from the catalogue"] += 1
 
 
 def main():
-    tracks = [os.fsencode(os.path.abspath(word)) for word in sys.argv[5:]]
+    tracks = [os.fsencode(os.path.abspath(word)) for word in sys.argv[5:] if word != "--stored"]
     begin()
     tracks = tracks or made_tracks()
     outside("ffmpeg", "-v", "error", "-f", "lavfi", "-i", "anullsrc=r=8000:d=3600", "carrier.wav")
+    tool("scan", "-q", "--catalogue", "c.sqlite", "--", *tracks)
     for path in tracks:
-        track, = json.loads(tool("analyze", "--json", "--", path))["tracks"]
+        track, = json.loads(found("json", path))["tracks"]
         for read in (read_json, read_tables, read_jams, read_labels, read_midi, read_chapters,
                      read_waveform, read_playlist):
             read(path, track)
-    read_catalogue(tracks)
+    if not IS_STORED:
+        read_catalogue(tracks)
     print(f"{len(tracks)} tracks")
     for kind, count in seen.items():
         print(f"{kind}: {count}")
