@@ -84,7 +84,8 @@ class TrackView {
 
     #makeBody() {
         return make('div', { class: 'track-view' }, this.#head,
-            make('div', { class: 'waves' }, this.#overview.element, this.#zoom.element),
+            make('div', { class: 'waves' }, this.#overview.slider, this.#overview.legend,
+                this.#zoom.canvas),
             this.#transport.element, this.#problem, this.#status, this.#panels);
     }
 
@@ -178,7 +179,7 @@ class TrackView {
         try {
             await this.#player.play();
             if (!this.#player.isExact)
-                this.#say('Played from its file: the click may be off by some milliseconds');
+                this.#say('Played as a file: the click may be off by some milliseconds');
         } catch (error) {
             this.#problem.textContent = `This cannot be played here: ${error.message}`;
         } finally {
