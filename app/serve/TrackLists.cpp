@@ -2,14 +2,13 @@
 #include "serve/TrackLists.h"
 
 #include <algorithm>
-#include <charconv>
-#include <string_view>
 
 #include <nlohmann/json.hpp>
 #include <sys/stat.h>
 
 #include "base/displayName.h"
 #include "catalogue/CatalogueError.h"
+#include "catalogue/TrackStore.h"
 #include "catalogue/query/overview.h"
 #include "catalogue/query/totals.h"
 #include "output/KeyName.h"
@@ -26,6 +25,7 @@ constexpr std::size_t kMostKept = 4;
 constexpr std::int64_t kUsualPage = 200;
 constexpr std::int64_t kMostOnPage = 1000;
 constexpr std::size_t kMostStrips = 200;
+constexpr std::int64_t kQuietSeconds = 20;
 constexpr int kColors = 8;
 constexpr float kHighestLevel = 31.0F;
 
@@ -57,6 +57,15 @@ Json trackJson(const base::ListedTrack& track) {
             {"confidence", numberJson(track.confidence)},
             {"corrected", track.isCorrected},
             {"gone", track.isGone}};
+}
+
+Json scanJson(const std::optional<catalogue::ScanProgress>& scan) {
+    if (!scan) return nullptr;
+    return {{"planned", scan->planned},
+            {"done", scan->done},
+            {"failed", scan->failed},
+            {"audioSeconds", scan->audioSeconds},
+            {"startedAt", scan->startedAt}};
 }
 
 Json failureJson(const base::ListedFailure& failure) {
@@ -188,15 +197,24 @@ Json TrackLists::strips(const HttpRequest& request) {
     return strips;
 }
 
+/** A scan that has written nothing for a while may have been killed, or have a long track before
+ *  it: whether somebody holds its lock tells. */
+std::optional<catalogue::ScanProgress> TrackLists::runningScan() {
+    const auto scan = unfinishedScan(*catalogue_);
+    if (!scan || scan->startedAt == deadScan_) return std::nullopt;
+    if (catalogue::secondsNow() - scan->writtenAt < kQuietSeconds) return scan;
+    if (isBeingScanned(*catalogue_)) return scan;
+    deadScan_ = scan->startedAt;
+    return std::nullopt;
+}
+
 Json TrackLists::totals() {
     const std::lock_guard lock(mutex_);
     refresh();
     const catalogue::Totals totals = totalsOf(*catalogue_);
-    return {{"revision", revision_},
-            {"tracks", totals.tracks},
-            {"gone", totals.gone},
-            {"corrected", totals.corrected},
-            {"failures", totals.failures}};
+    return {{"revision", revision_},       {"tracks", totals.tracks},
+            {"gone", totals.gone},         {"corrected", totals.corrected},
+            {"failures", totals.failures}, {"scan", scanJson(runningScan())}};
 }
 
 }  // namespace app

@@ -5,6 +5,7 @@
 #include <list>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -13,6 +14,7 @@
 
 #include "base/ListedTrack.h"
 #include "catalogue/Catalogue.h"
+#include "catalogue/query/runningScan.h"
 #include "serve/HttpExchange.h"
 
 namespace app {
@@ -35,8 +37,9 @@ public:
      *  times 8 plus color, as base64. @throws BadRequest, CatalogueError */
     nlohmann::ordered_json strips(const HttpRequest& request);
 
-    /** How many there are, and the `revision`, which differs whenever lists may.
-     *  @throws CatalogueError */
+    /** How many there are, the `revision`, which differs whenever lists may, and how far the `scan`
+     *  is that fills the catalogue: `planned`, `done`, `failed`, `audioSeconds` and `startedAt`;
+     *  null while there is none. @throws CatalogueError */
     nlohmann::ordered_json totals();
 
 private:
@@ -47,6 +50,7 @@ private:
     };
 
     void refresh();
+    std::optional<catalogue::ScanProgress> runningScan();
     const Ordered& ordered(const HttpRequest& request);
 
     std::string path_;
@@ -55,6 +59,8 @@ private:
     std::pair<std::uint64_t, std::uint64_t> file_{};
     std::int64_t changeNumber_ = 0;
     std::int64_t revision_ = 0;
+    /** When the scan began that was found to be dead; 0: none. */
+    std::int64_t deadScan_ = 0;
     /** The one asked for last first. */
     std::list<Ordered> kept_;
 };

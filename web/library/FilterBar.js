@@ -110,8 +110,9 @@ export class FilterBar {
         }
         this.#reverse.setAttribute('aria-pressed', filter.reverse);
         this.#companion.hidden = !filter.compatible || filter.failed;
-        this.#companion.textContent = `Mixes with ${companion ?? 'the track'} ✕`;
-        this.#companion.setAttribute('aria-label', `Mixes with ${companion ?? 'the track'}: show all`);
+        const mixes = `Mixes with ${companion ?? 'the track'}`;
+        this.#companion.textContent = `${mixes} ✕`;
+        this.#companion.setAttribute('aria-label', `${mixes}: show all`);
         this.#reset.hidden = !isNarrowed(filter);
     }
 }

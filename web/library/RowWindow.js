@@ -42,7 +42,7 @@ export class RowWindow {
         return share * this.#span;
     }
 
-    /** The rows to be seen, `last` not included, and where the first one lies in the scroll area. */
+    /** The rows to be seen, `last` not included, and where the first one lies in the area. */
     visible(scrollTop) {
         const offset = this.#offset(scrollTop);
         const first = Math.min(Math.floor(offset / this.#rowHeight), Math.max(0, this.#rows - 1));

@@ -7,8 +7,7 @@ const kPollMs = 2000;
 /** What a scan that fills the catalogue meanwhile has done, in words; null while there is none. */
 export function scanText(scan) {
     if (!scan) return null;
-    const done = scan.planned === null ? grouped(scan.done)
-        : `${grouped(scan.done)} of ${grouped(scan.planned)}`;
+    const done = `${grouped(scan.done)} of ${grouped(scan.planned)}`;
     const failed = scan.failed > 0 ? `, ${grouped(scan.failed)} failed` : '';
     return `Scanning: ${done}${failed}`;
 }
@@ -49,11 +48,7 @@ export class ScanStatus {
         this.element.hidden = !scan;
         if (!scan) return;
         this.#text.textContent = scanText(scan);
-        if (scan.planned) {
-            this.#bar.max = scan.planned;
-            this.#bar.value = scan.done;
-        } else {
-            this.#bar.removeAttribute('value');
-        }
+        this.#bar.max = Math.max(1, scan.planned);
+        this.#bar.value = scan.done;
     }
 }

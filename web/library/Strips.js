@@ -59,7 +59,8 @@ export class Strips {
         try {
             const strips = await this.#load(ids);
             if (this.#known.size > kMostKept) this.#known.clear();
-            for (const [id, text] of Object.entries(strips)) this.#known.set(Number(id), bytesOf(text));
+            for (const [id, text] of Object.entries(strips))
+                this.#known.set(Number(id), bytesOf(text));
             this.#arrived();
         } catch {
             // The list says when the program does not answer; a row without a picture is one.
@@ -67,8 +68,9 @@ export class Strips {
     }
 }
 
-/** Draws a strip, or nothing where there is none yet.
- *  @param palette  of paletteOf(); @param size  of the canvas, `width` and `height` in CSS pixels */
+/** Draws a strip, or nothing where there is none yet, on a canvas of `width` and `height` in CSS
+ *  pixels.
+ *  @param palette  of paletteOf() */
 export function drawStrip(canvas, bytes, palette, { width, height }) {
     const ratio = window.devicePixelRatio || 1;
     const [columns, rows] = [Math.round(width * ratio), Math.round(height * ratio)];

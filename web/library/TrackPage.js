@@ -42,11 +42,15 @@ export class TrackPage {
             this.#view = showTrack(this.#body, data, {
                 audio: data.gone ? null : { load: () => loadSound(id), address: fileAddress(id) },
                 rate: data.sampleRate,
-                corrections: { apply: (kind, value) => correct(id, kind, value), undo: () => undo(id) },
+                corrections: {
+                    apply: (kind, value) => correct(id, kind, value),
+                    undo: () => undo(id),
+                },
             });
             this.#back.focus();
         } catch (error) {
-            if (this.#id === id) this.#problem.textContent = `This track cannot be shown: ${error.message}`;
+            if (this.#id === id)
+                this.#problem.textContent = `This track cannot be shown: ${error.message}`;
             this.#actions.failed(error);
         }
     }

@@ -147,7 +147,8 @@ export class TrackTable {
     #addRow() {
         const content = new RowContent();
         const cell = make('div', { class: 'cell', role: 'gridcell' }, ...content.elements);
-        const element = make('div', { class: 'row', role: 'row', id: `row-${this.#rows.length}` }, cell);
+        const id = `row-${this.#rows.length}`;
+        const element = make('div', { class: 'row', role: 'row', id }, cell);
         this.#rows.push({ element, cell, content, index: -1, data: null });
         this.#area.append(element);
     }

@@ -23,8 +23,9 @@ class Library {
     #empty = make('p', { class: 'empty', role: 'status', hidden: true });
     #selection = new Selection();
     #strips = new Strips(loadStrips, () => this.#table.draw());
-    #pages = new ListPages((offset, limit, signal) =>
-        listTracks(parametersOf(this.#filter), offset, limit, signal), (error) => this.#arrived(error));
+    #pages = new ListPages(
+        (offset, limit, signal) => listTracks(parametersOf(this.#filter), offset, limit, signal),
+        (error) => this.#arrived(error));
     #table = new TrackTable(this.#pages, this.#strips, this.#selection, {
         open: (row) => { if (row.id !== undefined) location.hash = `#track/${row.id}`; },
         sort: (order) => this.#sort(order),
@@ -54,7 +55,7 @@ class Library {
         make('div', { class: 'list' }, this.#table.element, this.#empty), this.#exports.element);
         addEventListener('hashchange', () => this.#follow());
         document.addEventListener('keydown', (event) => {
-            const isTyping = event.target.closest('input, select');
+            const isTyping = document.activeElement?.matches('input, select');
             if (event.key !== '/' || isTyping || this.#list.hidden) return;
             event.preventDefault();
             this.#filters.focus();
@@ -147,7 +148,8 @@ class Library {
             return;
         }
         this.#empty.hidden = this.#pages.total > 0;
-        this.#empty.textContent = this.#filter.failed ? 'No file has failed.' : 'No track is like that.';
+        this.#empty.textContent = this.#filter.failed
+            ? 'No file has failed.' : 'No track is like that.';
         this.#showCounts();
     }
 

@@ -23,7 +23,8 @@ export function spokenRow(row) {
     if (row.reason !== undefined) return `${row.file}: ${row.reason}`;
     const { first, second } = namesOf(row);
     const parts = [first, second, row.bpm === null ? 'no tempo' : `${bpmText(row.bpm)} BPM`,
-        row.key === null ? 'no key' : `${row.key.name}, ${row.key.camelot}`, clockTime(row.seconds)];
+        row.key === null ? 'no key' : `${row.key.name}, ${row.key.camelot}`,
+        clockTime(row.seconds)];
     if (row.confidence !== null) parts.push(`${percentText(row.confidence)} sure`);
     if (row.corrected) parts.push('corrected');
     if (row.gone) parts.push('gone');

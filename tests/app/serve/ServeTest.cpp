@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include <filesystem>
 
+#include <SQLiteCpp/Database.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -145,6 +146,30 @@ TEST_F(Serve, NoticesWhatOtherProgramsChange) {
     EXPECT_GT(after["revision"], before["revision"]);
     EXPECT_EQ(after["corrected"], 2);
     EXPECT_EQ(get("/api/scan").json()["revision"], after["revision"]);
+}
+
+TEST_F(Serve, SaysHowFarAScanIsThatRunsBesideIt) {
+    EXPECT_EQ(get("/api/scan").json()["scan"], nullptr);
+    {
+        catalogue::Catalogue catalogue(path_, catalogue::Catalogue::Access::write);
+        catalogue::Scan scan(catalogue, {"{}", false, false});
+        for (const char* path : {"/music/x", "/music/y"}) scan.found(path, {1, 1}, 1.0);
+        scan.settle();
+        scan.putFailure("/music/x", {1, 1}, {catalogue::FailureKind::damaged, "is cut off"});
+        scan.commit();
+        const Json seen = get("/api/scan").json()["scan"];
+        EXPECT_EQ(seen["planned"], 2);
+        EXPECT_EQ(seen["done"], 1);
+        EXPECT_EQ(seen["failed"], 1);
+        // A long track: nothing is written for a while, but the scan has its lock.
+        catalogue.database().exec("UPDATE scan_progress SET written_at = written_at - 60");
+        EXPECT_EQ(get("/api/scan").json()["scan"]["done"], 1);
+    }
+    EXPECT_EQ(get("/api/scan").json()["scan"], nullptr);
+    // One that was killed has left no end, and no lock.
+    catalogue::Catalogue catalogue(path_, catalogue::Catalogue::Access::write);
+    catalogue.database().exec("UPDATE scan_progress SET ended_at = NULL");
+    EXPECT_EQ(get("/api/scan").json()["scan"], nullptr);
 }
 
 TEST_F(Serve, ShowsAnotherCatalogueThatTookThePlaceOfTheFirst) {

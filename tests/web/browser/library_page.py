@@ -2,7 +2,7 @@
 # SPDX-License-Identifier: MIT
 """The application over a catalogue in a real browser.
 
-  library_page.py TOOL FOLDER LIBRARY_MAKER    writes catalogues and screenshots into the folder
+  library_page.py TOOL FOLDER    writes catalogues and screenshots into the folder
 """
 import json
 import os
@@ -454,6 +454,8 @@ class LargeLibrary(Browsing):
 
 
 if __name__ == "__main__":
-    TOOL, FOLDER, MAKER = (os.path.abspath(argument) for argument in sys.argv[1:4])
+    TOOL, FOLDER = (os.path.abspath(argument) for argument in sys.argv[1:3])
+    # Built beside the tool.
+    MAKER = os.path.join(os.path.dirname(TOOL), "..", "tests", "app", "beatatlas_make_library")
     os.makedirs(FOLDER, exist_ok=True)
-    unittest.main(argv=sys.argv[:1] + sys.argv[4:], verbosity=2)
+    unittest.main(argv=sys.argv[:1] + sys.argv[3:], verbosity=2)

@@ -63,5 +63,5 @@ test('a selection keeps the order in which tracks were chosen', () => {
 test('a scan says how far it is', () => {
     assert.equal(scanText(null), null);
     assert.equal(scanText({ planned: 4000, done: 1234, failed: 0 }), 'Scanning: 1,234 of 4,000');
-    assert.equal(scanText({ planned: null, done: 12, failed: 2 }), 'Scanning: 12, 2 failed');
+    assert.equal(scanText({ planned: 20, done: 12, failed: 2 }), 'Scanning: 12 of 20, 2 failed');
 });
