@@ -11,6 +11,7 @@
 
 #include "base/displayName.h"
 #include "output/formats/trackNames.h"
+#include "output/jsonParts.h"
 #include "output/page/packed.h"
 #include "output/textParts.h"
 #include "output/textSummary.h"
@@ -73,6 +74,13 @@ Json zoomJson(const std::vector<WavePoint>& wave) {
     return {{"pointsPerSecond", kZoomPointsPerSecond}, {"points", packed(wave, point)}};
 }
 
+Json keysJson() {
+    Json keys = Json::array();
+    for (int number = 0; number < beatatlas::track::kKeyCount; ++number)
+        keys.push_back(keyNameJson(number));
+    return keys;
+}
+
 Json correctionsJson(const std::vector<CorrectionNote>& corrections) {
     Json json = Json::array();
     for (const CorrectionNote& each : corrections)
@@ -118,6 +126,7 @@ Json viewJson(const TrackReport& report, const std::vector<CorrectionNote>& corr
     view["waves"] = {{"loud", waveJson(analysis.loudWave)},
                      {"dots", waveJson(analysis.dotsWave)},
                      {"zoom", zoomJson(analysis.zoomWave)}};
+    view["keys"] = keysJson();
     view["corrections"] = correctionsJson(corrections);
     return view;
 }

@@ -19,6 +19,7 @@ namespace output {
  *                    (int32): little-endian, as base64
  *    waves           `loud`, `dots`: `levels` (float32), `colors` (one byte); `zoom`: `points`,
  *                    one byte each of level times 8 plus color, and `pointsPerSecond`
+ *    keys            the names of all 24, by their numbers
  *    corrections     `kind`, `value` and `text` of each, in order
  *
  *  @param report  with waves, counted from the first frame of music */

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 import { make, panel } from './dom.js';
-import { bpmText, keyText } from './format.js';
+import { bpmText, keyText, sentence } from './format.js';
 import { TapTempo } from './TapTempo.js';
 
 const kNudgesMs = [-10, -1, 1, 10];
@@ -43,22 +43,21 @@ export class Corrections {
                 this.#button('÷ 2', apply('halve'), 'Halve the tempo'),
                 this.#button('3 : 2', apply('three-to-two'), 'Three beats for two')),
             row('Tap', tap, this.#tapped, this.#keep),
-            row('Beats', this.#button('Half a beat later', apply('shift-half')),
-                ...kNudgesMs.map((ms) => this.#button(`${ms > 0 ? '+' : '−'}${Math.abs(ms)} ms`,
-                    apply('shift-ms', ms),
-                    `${Math.abs(ms)} milliseconds ${ms > 0 ? 'later' : 'earlier'}`))),
+            row('Beats', this.#button('Half a beat later', apply('shift-half'))),
+            row('Nudge', ...kNudgesMs.map((ms) => this.#button(nudgeText(ms),
+                apply('shift-ms', ms), ms > 0 ? 'Beats later' : 'Beats earlier'))),
             row('Bars', this.#button('A bar begins here', () =>
                 this.apply('downbeat', this.#actions.position()),
-            'A bar begins at the beat nearest to the position')),
+            'At the beat nearest to the position')),
             row('Key', this.#key, this.#button('Set the key', () =>
                 this.apply('key', Number(this.#key.value)))),
             row('', this.#undo),
         ];
     }
 
-    #button(text, act, name = null) {
-        const properties = { type: 'button', 'aria-label': name, title: name, onclick: act };
-        return make('button', properties, text);
+    /** @param explanation  shown when somebody points at it, and read after its name */
+    #button(text, act, explanation = null) {
+        return make('button', { type: 'button', title: explanation, onclick: act }, text);
     }
 
     #showTapped(text) {
@@ -67,11 +66,9 @@ export class Corrections {
     }
 
     show(data) {
-        const keys = (data.key?.ranking ?? []).toSorted((a, b) => a.number - b.number);
-        this.#key.replaceChildren(...keys.map((entry) =>
-            make('option', { value: entry.number, selected: entry.number === data.key.number },
+        this.#key.replaceChildren(...data.keys.map((entry) =>
+            make('option', { value: entry.number, selected: entry.number === data.key?.number },
                 keyText(entry, data.keyNotation))));
-        this.#key.parentElement.hidden = keys.length === 0;
         this.#made.replaceChildren(...data.corrections.map(({ text }) => make('li', {}, text)));
         this.#undo.disabled = data.corrections.length === 0;
         this.#keep.disabled = true;
@@ -100,14 +97,18 @@ export class Corrections {
         try {
             this.#actions.changed(await work());
         } catch (error) {
-            this.#problem.textContent = error.message;
+            this.#problem.textContent = sentence(error.message);
         } finally {
             this.#controls.removeAttribute('aria-busy');
         }
     }
 }
 
+function nudgeText(ms) {
+    return `${ms > 0 ? '+' : '−'}${Math.abs(ms)} ms`;
+}
+
 function row(name, ...controls) {
     return make('div', { class: 'row', role: 'group', 'aria-label': name || null },
-        make('span', { class: 'what' }, name), ...controls);
+        make('span', { class: 'what' }, name), make('div', { class: 'ways' }, ...controls));
 }

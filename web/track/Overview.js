@@ -33,7 +33,7 @@ export class Overview {
             onpointermove: (event) => this.#drag(event),
             onkeydown: (event) => this.#type(event),
         }, this.#canvas, this.#frame, this.#head);
-        this.element = make('div', {}, this.slider, makeLegend());
+        this.legend = makeLegend();
     }
 
     /** @param track  with `seconds`, `loud`, `dots`, `grid`, `key` and `keyNotation` */

@@ -39,7 +39,6 @@ export class ZoomWave {
             onpointercancel: () => { this.#drag = null; },
             onwheel: (event) => this.#wheel(event),
         });
-        this.element = this.canvas;
     }
 
     /** @param track  with `seconds`, `zoom` and `grid` */

@@ -84,7 +84,8 @@ class TrackView {
 
     #makeBody() {
         return make('div', { class: 'track-view' }, this.#head,
-            make('div', { class: 'waves' }, this.#overview.element, this.#zoom.element),
+            make('div', { class: 'waves' }, this.#overview.slider, this.#overview.legend,
+                this.#zoom.canvas),
             this.#transport.element, this.#problem, this.#status, this.#panels);
     }
 
@@ -94,7 +95,9 @@ class TrackView {
             this.#palette = null;
             this.#wake();
         };
-        new ResizeObserver(redraw).observe(this.#container);
+        const sizes = new ResizeObserver(redraw);
+        sizes.observe(this.#container);
+        signal.addEventListener('abort', () => sizes.disconnect());
         matchMedia('(prefers-color-scheme: dark)').addEventListener('change', redraw, { signal });
         listenToKeys({
             toggle: () => this.#toggle(),
@@ -176,7 +179,7 @@ class TrackView {
         try {
             await this.#player.play();
             if (!this.#player.isExact)
-                this.#say('Played from its file: the click may be off by some milliseconds');
+                this.#say('Played as a file: the click may be off by some milliseconds');
         } catch (error) {
             this.#problem.textContent = `This cannot be played here: ${error.message}`;
         } finally {
@@ -239,8 +242,9 @@ class TrackView {
     }
 
     async destroy() {
-        cancelAnimationFrame(this.#frame);
         this.#listening.abort();
+        this.#player.onChange = () => {};
+        cancelAnimationFrame(this.#frame);
         this.#container.replaceChildren();
         await this.#player.close();
     }

@@ -63,6 +63,8 @@ TEST(viewJson, IsWholeWhereNothingWasFound) {
     EXPECT_EQ(view["key"], nullptr);
     EXPECT_EQ(view["keyNotation"], nullptr);
     EXPECT_EQ(view["beats"]["frames"], "");
+    ASSERT_EQ(view["keys"].size(), 24U);
+    EXPECT_EQ(view["keys"][12]["name"], "A minor");
     EXPECT_EQ(view["corrections"], Json::array());
 }
 

@@ -172,12 +172,18 @@ class TrackPage(unittest.TestCase):
             for place, onset in zip(expected, found["onsets"]):
                 self.assertLess(abs(onset - place), 0.001, f"at {rate} Hz")
 
-    def test_metronome_renders_on_the_beats(self):
-        """The audio graph itself, rendered: the onsets of its sound are those of the beats."""
+    def open_modules(self):
+        """The modules as they are, by a server that ends with the test."""
         serve = functools.partial(Quiet, directory=str(WEB))
         server = http.server.ThreadingHTTPServer(("127.0.0.1", 0), serve)
         threading.Thread(target=server.serve_forever, daemon=True).start()
-        self.driver.get(f"http://127.0.0.1:{server.server_port}/track/track.css")
+        self.addCleanup(server.server_close)
+        self.addCleanup(server.shutdown)
+        self.driver.get(f"http://127.0.0.1:{server.server_port}/empty.html")
+
+    def test_metronome_renders_on_the_beats(self):
+        """The audio graph itself, rendered: the onsets of its sound are those of the beats."""
+        self.open_modules()
         beats = [0.0, 0.31, 0.6237, 1.0001, 2.499]
         onsets = self.driver.execute_async_script("""
             const [beats, done] = arguments;
@@ -196,8 +202,6 @@ class TrackPage(unittest.TestCase):
                 }
                 done(onsets);
             });""", beats)
-        server.shutdown()
-        server.server_close()
         self.assertEqual(len(onsets), len(beats))
         for onset, beat in zip(onsets, beats):
             self.assertLess(abs(onset - beat), 0.001)
@@ -324,6 +328,67 @@ class TrackPage(unittest.TestCase):
         for shown, beat in zip(beats, self.script(BEATS), strict=True):
             self.assertAlmostEqual(shown, beat, delta=0.00051)
 
+    def test_hands_corrections_on_and_shows_what_comes_back(self):
+        data = self.script("return document.getElementById('data').textContent")
+        self.open_modules()
+        self.driver.execute_async_script("""
+            const [text, done] = arguments;
+            const { track } = JSON.parse(text);
+            window.asked = [];
+            const answer = (corrections, bpm) =>
+                ({ ...track, corrections, tempo: { ...track.tempo, bpm } });
+            const corrections = {
+                apply: async (kind, value) => {
+                    window.asked.push([kind, value]);
+                    if (kind === 'halve') throw new Error('would get a tempo beyond 20 to 1000 BPM');
+                    return answer([{ kind, value, text: `${kind} by hand` }], 99);
+                },
+                undo: async () => { window.asked.push(['undo']); return answer([], 98); },
+            };
+            import('/track/trackView.js').then(({ showTrack }) => {
+                window.view = showTrack(document.getElementById('view'), track, { corrections });
+                done();
+            });""", data)
+        panel = self.find(".corrections")
+        buttons = {each.accessible_name: each for each in panel.find_elements(By.TAG_NAME, "button")}
+        self.assertFalse(buttons["Undo"].is_enabled())
+        self.assertFalse(buttons["Keep it"].is_enabled())
+        buttons["× 2"].click()
+        support.settle()
+        self.assertEqual(self.find(".answer strong").text, "99.00")
+        self.assertEqual(self.find(".made").text, "double by hand")
+        buttons["+10 ms"].click()
+        buttons["−1 ms"].click()
+        self.type(Keys.HOME, Keys.ARROW_RIGHT)
+        position = self.position()
+        buttons["A bar begins here"].click()
+        for _ in range(5):
+            buttons["Tap the beat"].click()
+            support.settle(0.4)
+        self.assertIn("BPM", self.find(".tapped").text)
+        buttons["Keep it"].click()
+        buttons["Set the key"].click()
+        support.settle()
+        buttons["Undo"].click()
+        support.settle()
+        self.assertEqual(self.find(".answer strong").text, "98.00")
+        buttons["÷ 2"].click()
+        support.settle()
+        self.assertIn("Would get a tempo beyond 20 to 1000 BPM", panel.find_element(By.CSS_SELECTOR, ".problem").text)
+        asked = self.script("return window.asked")
+        kinds = ["double", "shift-ms", "shift-ms", "downbeat", "bpm", "key", "undo", "halve"]
+        self.assertEqual([each[0] for each in asked], kinds)
+        self.assertEqual([asked[1][1], asked[2][1]], [10, -1])
+        self.assertAlmostEqual(asked[3][1], position, delta=0.011)
+        self.assertTrue(80 < asked[4][1] < 160, asked[4])
+        for size in support.SIZES:
+            support.show_as(self.driver, size, "dark")
+            support.settle()
+            self.script("arguments[0].scrollIntoView({block: 'center'})", panel)
+            self.driver.save_screenshot(os.path.join(FOLDER, f"corrections-{size[0]}.png"))
+        self.driver.execute_async_script("window.view.destroy().then(arguments[0])")
+        self.assertEqual(self.all("#view > *"), [])
+
     def test_fits_every_screen_in_both_schemes(self):
         for size in support.SIZES:
             for scheme in support.SCHEMES:
@@ -375,10 +440,18 @@ class Quiet(http.server.SimpleHTTPRequestHandler):
     extensions_map = {".js": "text/javascript", ".css": "text/css"}
 
     def do_GET(self):
-        if self.path != "/favicon.ico":
-            return super().do_GET()
-        self.send_response(204)
-        self.end_headers()
+        if self.path == "/empty.html":
+            body = (b'<!DOCTYPE html><html lang="en"><meta charset="utf-8"><title>View</title>'
+                    b'<meta name="viewport" content="width=device-width">'
+                    b'<link rel="stylesheet" href="track/track.css"><link rel="icon" href="data:,">'
+                    b'<main id="view"></main></html>')
+            self.send_response(200)
+            self.send_header("Content-Type", "text/html")
+            self.send_header("Content-Length", str(len(body)))
+            self.end_headers()
+            self.wfile.write(body)
+        else:
+            super().do_GET()
 
     def log_message(self, *_):
         pass
