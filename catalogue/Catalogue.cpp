@@ -172,7 +172,12 @@ Database openToWrite(const std::string& path, bool creates) {
     requireWritable(path, isNew);
     Database database =
         openWith(plainName(path), SQLite::OPEN_READWRITE | (isNew ? SQLite::OPEN_CREATE : 0));
-    if (isNew) makeNew(*database);
+    // A program that was killed as it made the file leaves a journal, by which there is nothing in
+    // the file once it is open.
+    if (isMissingOrEmpty(path)) {
+        if (!creates) refuse(path, "there is no such catalogue");
+        makeNew(*database);
+    }
     requireCatalogue(*database, path);
     if (schemaVersionOf(*database) < kSchemaVersion) bringUpToDate(*database, path);
     database->execAndGet("PRAGMA journal_mode = WAL");

@@ -28,8 +28,8 @@ constexpr const char* kTake =
 constexpr const char* kOfSize =
     "SELECT path, modified_ns, size FROM tracks WHERE size = ?1 OR path = ?2";
 
-/** A failure x of a file f that is not tried again. ?2: all failures are; ?4, ?5: how many bytes and
- *  seconds a file may take now. */
+/** A failure x of a file f that is not tried again. ?2: all failures are; ?4, ?5: how many bytes
+ *  and seconds a file may take now. */
 constexpr const char* kStands = R"sql(
     NOT ?2 AND x.size = f.size AND x.modified_ns = f.modified_ns
     AND (x.kind <> 'memory-limit' OR ifnull(x.tried_limit, 0) >= ?4)

@@ -12,6 +12,7 @@
 
 #include "base/Interrupt.h"
 #include "catalogue/TrackStore.h"
+#include "catalogue/correction/Corrections.h"
 #include "catalogue/sqlBinding.h"
 
 namespace catalogue {
@@ -34,12 +35,6 @@ constexpr const char* kDropFailure = "DELETE FROM failures WHERE path = ?1";
 constexpr const char* kIsCorrected = R"sql(
 SELECT 1 FROM corrections WHERE audio_hash = (SELECT audio_hash FROM tracks WHERE id = ?1))sql";
 
-/** Of a sound that another track has too, the corrections stay for that. */
-constexpr const char* kDropCorrections = R"sql(
-DELETE FROM corrections
-WHERE audio_hash = (SELECT audio_hash FROM tracks WHERE id = ?1) AND NOT EXISTS (
-    SELECT 1 FROM tracks other
-    WHERE other.audio_hash = corrections.audio_hash AND other.id <> ?1))sql";
 constexpr const char* kDropTrack = "DELETE FROM tracks WHERE id = ?1";
 
 std::string folderOf(const std::string& root) {
@@ -54,12 +49,6 @@ void bindRoot(SQLite::Statement& statement, const std::string& root) {
     bindBytes(statement, 1, folderOf(root));
     bindBytes(statement, 2, folderOf(root) + '/');
     bindBytes(statement, 3, folderOf(root) + '0');
-}
-
-int executeFor(SQLite::Database& database, const char* sql, std::int64_t track) {
-    SQLite::Statement statement(database, sql);
-    statement.bind(1, track);
-    return statement.exec();
 }
 
 /** The roots that lie in no other. */
@@ -155,8 +144,10 @@ bool Sweep::isPruned(const GoneTrack& track) {
 }
 
 void Sweep::prune(std::int64_t track) {
-    executeFor(database_, kDropCorrections, track);
-    ending_.pruned += executeFor(database_, kDropTrack, track);
+    dropCorrections(database_, track);
+    SQLite::Statement drop(database_, kDropTrack);
+    drop.bind(1, track);
+    ending_.pruned += drop.exec();
 }
 
 /** A failure of a file that is no more is of no use to anybody. */

@@ -60,8 +60,8 @@ UPDATE tracks SET result_id = ?2, bpm = ?3, key = ?4, confidence = ?5,
         SELECT 1 FROM corrections c WHERE c.audio_hash = tracks.audio_hash)
 WHERE id = ?1)sql";
 
-/** Rows of results r with the parameters p that lists show first in the order of this. Tempo and key
- *  are wanted by most; what leaves one of them out hides nothing that is known. */
+/** The result r with the parameters p that lists show comes first in this order. Tempo and key are
+ *  wanted by most; what leaves one of them out hides nothing that is known. */
 constexpr const char* kShownFirst =
     " ORDER BY iif(json_valid(p.json), (p.json ->> '$.tempo' <> 'off') + (p.json ->> '$.key'), 0) "
     "DESC, r.asked_at DESC, r.made_at DESC, r.id DESC LIMIT 1";

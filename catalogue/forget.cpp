@@ -5,6 +5,7 @@
 #include <SQLiteCpp/Statement.h>
 #include <SQLiteCpp/Transaction.h>
 
+#include "catalogue/correction/Corrections.h"
 #include "catalogue/sqlBinding.h"
 #include "catalogue/sqliteGuard.h"
 
@@ -12,11 +13,7 @@ namespace catalogue {
 
 namespace {
 
-constexpr const char* kDropCorrections = R"sql(
-DELETE FROM corrections
-WHERE audio_hash = (SELECT audio_hash FROM tracks WHERE path = ?1) AND NOT EXISTS (
-    SELECT 1 FROM tracks other
-    WHERE other.audio_hash = corrections.audio_hash AND other.path <> ?1))sql";
+constexpr const char* kFind = "SELECT id FROM tracks WHERE path = ?1";
 constexpr const char* kDropTrack = "DELETE FROM tracks WHERE path = ?1";
 constexpr const char* kDropFailure = "DELETE FROM failures WHERE path = ?1";
 
@@ -32,7 +29,11 @@ bool forget(const Catalogue& catalogue, const std::string& path, bool withCorrec
     return guarded(catalogue.path(), [&] {
         SQLite::Database& database = catalogue.database();
         SQLite::Transaction transaction(database, SQLite::TransactionBehavior::IMMEDIATE);
-        if (withCorrections) executeFor(database, kDropCorrections, path);
+        SQLite::Statement find(database, kFind);
+        bindBytes(find, 1, path);
+        if (withCorrections && find.executeStep())
+            dropCorrections(database, find.getColumn(0).getInt64());
+        find.reset();
         const int tracks = executeFor(database, kDropTrack, path);
         const int failures = executeFor(database, kDropFailure, path);
         transaction.commit();

@@ -25,6 +25,11 @@ constexpr const char* kFromLast = R"sql(
 SELECT kind, value, id FROM corrections
 WHERE audio_hash = (SELECT audio_hash FROM tracks WHERE id = ?1) ORDER BY id DESC)sql";
 constexpr const char* kDrop = "DELETE FROM corrections WHERE id = ?1";
+constexpr const char* kDropOfTrack = R"sql(
+DELETE FROM corrections
+WHERE audio_hash = (SELECT audio_hash FROM tracks WHERE id = ?1) AND NOT EXISTS (
+    SELECT 1 FROM tracks other
+    WHERE other.audio_hash = corrections.audio_hash AND other.id <> ?1))sql";
 
 // More than any seconds, milliseconds, BPM and keys.
 constexpr double kMostValue = 1.0e6;
@@ -78,6 +83,12 @@ std::optional<Edit> Corrections::undo(std::int64_t trackId) {
         transaction.commit();
         return last;
     });
+}
+
+void dropCorrections(SQLite::Database& database, std::int64_t trackId) {
+    SQLite::Statement drop(database, kDropOfTrack);
+    drop.bind(1, trackId);
+    drop.exec();
 }
 
 std::vector<Edit> editsOf(SQLite::Database& database, std::int64_t trackId) {

@@ -32,6 +32,10 @@ private:
     const Catalogue& catalogue_;
 };
 
+/** Deletes the corrections of a track's sound, unless another track has that sound too.
+ *  @throws SQLite::Exception */
+void dropCorrections(SQLite::Database& database, std::int64_t trackId);
+
 /** The same as Corrections::of() inside a transaction. @throws SQLite::Exception */
 std::vector<Edit> editsOf(SQLite::Database& database, std::int64_t trackId);
 

@@ -299,6 +299,26 @@ TEST_F(CatalogueFile, KeepsWhatWasCommittedWhenTheProcessIsKilled) {
     EXPECT_EQ(valueOf(read, "PRAGMA integrity_check"), "ok");
 }
 
+// A small cache has the pages of the new tables written before they are committed.
+TEST_F(CatalogueFile, ThatWasHalfMadeWhenTheProcessWasKilledIsMadeAnew) {
+    for (const Access access : {Access::create, Access::write}) {
+        const pid_t child = fork();
+        if (child == 0) {
+            SQLite::Database half(path_, SQLite::OPEN_READWRITE | SQLite::OPEN_CREATE);
+            half.exec("PRAGMA cache_size = 1; BEGIN IMMEDIATE");
+            takeSchemaSteps(half);
+            kill(getpid(), SIGKILL);
+        }
+        int status = 0;
+        ASSERT_EQ(waitpid(child, &status, 0), child);
+        ASSERT_GT(std::filesystem::file_size(path_), 0U);
+        ASSERT_TRUE(std::filesystem::exists(path_ + "-journal"));
+        EXPECT_EQ(refusalOf(access),
+                  access == Access::create ? "opened" : path_ + ": there is no such catalogue");
+        std::filesystem::remove(path_);
+    }
+}
+
 // A limit of SQLite's own on the file's length fails as a full disk does.
 TEST_F(CatalogueFile, OnAFullDiskSaysSoAndLosesNothing) {
     Catalogue catalogue(path_, Access::create);

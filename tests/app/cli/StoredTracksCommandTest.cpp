@@ -174,7 +174,7 @@ TEST_F(StoredTracks, AreMergedWithAWordOnCorrectionsThatDiffer) {
     ASSERT_EQ(test::runTool({"merge", path_, "-o", other}).exitStatus, 0);
     ASSERT_EQ(catalogued("correct", {"--halve", "/music/a.mp3"}).exitStatus, 0);
     ASSERT_EQ(
-        test::runTool({"correct", "--catalogue", other, "--key", "8B", "/music/a.mp3"}).exitStatus,
+        test::runTool({"correct", "--catalogue", other, "--bpm", "96", "/music/a.mp3"}).exitStatus,
         0);
     const ToolRun run = test::runTool({"merge", path_, other, "-o", folder_.file("c")});
     EXPECT_EQ(run.out, "5 tracks, 1 conflict\n");

@@ -36,7 +36,8 @@ protected:
     void make(const std::string& name, const std::vector<Analysed>& tracks, std::int64_t madeAt) {
         Catalogue made(file(name), Catalogue::Access::create);
         test::store(made, tracks);
-        made.database().exec("UPDATE results SET made_at = " + std::to_string(madeAt));
+        made.database().exec("UPDATE results SET made_at = " + std::to_string(madeAt) +
+                             ", asked_at = " + std::to_string(madeAt));
         made.database().exec("UPDATE tracks SET added_at = " + std::to_string(madeAt));
     }
 
