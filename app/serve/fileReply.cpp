@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <charconv>
 #include <memory>
 #include <string_view>
 #include <utility>
@@ -16,6 +15,7 @@
 #include <unistd.h>
 
 #include "base/errors.h"
+#include "serve/plainNumber.h"
 
 namespace app {
 
@@ -81,13 +81,6 @@ private:
     std::uint64_t size_ = 0;
 };
 
-std::optional<std::uint64_t> numberOf(std::string_view text) {
-    std::uint64_t number = 0;
-    const auto [stop, failure] = std::from_chars(text.data(), text.data() + text.size(), number);
-    if (failure != std::errc() || stop != text.data() + text.size()) return std::nullopt;
-    return number;
-}
-
 HttpReply refusedRange(std::uint64_t length) {
     HttpReply reply = errorReply(416, "there is no such part of the file");
     reply.headers.emplace_back("Content-Range", fmt::format("bytes */{}", length));
@@ -102,8 +95,8 @@ std::optional<ByteRange> rangeOf(const std::string& header, std::uint64_t length
     const std::string_view range = std::string_view(header).substr(kUnit.size());
     const std::size_t dash = range.find('-');
     if (dash == std::string_view::npos) return std::nullopt;
-    const auto from = numberOf(range.substr(0, dash));
-    const auto to = numberOf(range.substr(dash + 1));
+    const auto from = plainNumber<std::uint64_t>(range.substr(0, dash));
+    const auto to = plainNumber<std::uint64_t>(range.substr(dash + 1));
     if (dash == 0) {
         if (!to || *to == 0 || length == 0) return std::nullopt;
         return ByteRange{length - std::min(*to, length), std::min(*to, length)};

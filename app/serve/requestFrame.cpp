@@ -2,8 +2,8 @@
 #include "serve/requestFrame.h"
 
 #include <algorithm>
-#include <charconv>
-#include <string>
+
+#include "serve/plainNumber.h"
 
 namespace app {
 
@@ -36,15 +36,6 @@ bool takesHeader(std::string_view line, std::string_view name, std::string_view&
     return true;
 }
 
-/** Nothing unless the value is a number of digits alone. */
-std::optional<std::size_t> lengthOf(std::string_view value) {
-    std::size_t length = 0;
-    const char* end = value.data() + value.size();
-    const auto [stop, failure] = std::from_chars(value.data(), end, length);
-    if (failure != std::errc() || stop != end || value.empty()) return std::nullopt;
-    return length;
-}
-
 bool isPlainLine(std::string_view line) {
     const auto isControl = [](char character) {
         const auto code = static_cast<unsigned char>(character);
@@ -63,7 +54,7 @@ const char* readLine(std::string_view line, RequestFrame& frame, bool& hasLength
     if (takesHeader(line, "range", value) && value.size() > kLongestRange)
         return "416 Range Not Satisfiable";
     if (!takesHeader(line, "content-length", value)) return nullptr;
-    const auto length = lengthOf(value);
+    const auto length = plainNumber<std::size_t>(value);
     // Two lengths are how a request is hidden in another one.
     if (!length || hasLength) return "400 Bad Request";
     if (*length > kMostBodyBytes) return "413 Payload Too Large";

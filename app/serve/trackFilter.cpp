@@ -1,13 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "serve/trackFilter.h"
 
-#include <algorithm>
 #include <array>
-#include <charconv>
-#include <string_view>
 #include <utility>
 
 #include "output/KeyName.h"
+#include "serve/plainNumber.h"
 
 namespace app {
 
@@ -26,15 +24,6 @@ constexpr std::array kOrders = {
     std::pair("added", Order::added), std::pair("confidence", Order::confidence),
 };
 
-template <class Number>
-std::optional<Number> numberOf(std::string_view text) {
-    Number number{};
-    const char* end = text.data() + text.size();
-    const auto [stop, failure] = std::from_chars(text.data(), end, number);
-    if (failure != std::errc() || stop != end) return std::nullopt;
-    return number;
-}
-
 bool isSet(const HttpRequest& request, const std::string& name) {
     return request.parameter(name) == "1";
 }
@@ -42,7 +31,7 @@ bool isSet(const HttpRequest& request, const std::string& name) {
 double bpmOf(const HttpRequest& request, const std::string& name, double usual) {
     const auto text = request.parameter(name);
     if (!text || text->empty()) return usual;
-    const auto bpm = numberOf<double>(*text);
+    const auto bpm = plainNumber<double>(*text);
     if (!bpm || !(*bpm >= kLowestBpm && *bpm <= kHighestBpm))
         throw BadRequest("a tempo is a number from 1 to 10000 BPM");
     return *bpm;
@@ -115,7 +104,7 @@ TrackFilter filterOf(const HttpRequest& request, const catalogue::Catalogue& cat
 }
 
 std::optional<std::int64_t> trackNumber(const std::string& text) {
-    const auto number = numberOf<std::int64_t>(text);
+    const auto number = plainNumber<std::int64_t>(text);
     if (!number || *number < 1) return std::nullopt;
     return number;
 }
@@ -124,7 +113,7 @@ std::int64_t countOf(const HttpRequest& request, const std::string& name, std::i
                      std::int64_t highest) {
     const auto text = request.parameter(name);
     if (!text) return usual;
-    const auto count = numberOf<std::int64_t>(*text);
+    const auto count = plainNumber<std::int64_t>(*text);
     if (!count || *count < 0 || *count > highest)
         throw BadRequest(name + " is a number from 0 to " + std::to_string(highest));
     return *count;

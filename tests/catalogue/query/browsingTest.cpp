@@ -7,6 +7,7 @@
 
 #include "catalogue/CatalogueError.h"
 #include "catalogue/StoredTracks.h"
+#include "catalogue/TrackStore.h"
 #include "catalogue/query/TrackQuery.h"
 #include "catalogue/query/overview.h"
 #include "catalogue/query/runningScan.h"

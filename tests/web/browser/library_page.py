@@ -229,7 +229,7 @@ class SmallLibrary(Browsing):
         # A page that is open would ask a program that has ended.
         self.driver.get("about:blank")
         self.assertEqual(self.server.stop(), 0)
-        self.serve(self.catalogue)
+        self.serve(self.catalogue, self.server.port)
 
     def test_correction_is_there_after_reload_restart_and_rescan(self):
         self.open_track("First song")
