@@ -8,6 +8,7 @@
 
 #include <SQLiteCpp/Database.h>
 #include <SQLiteCpp/Statement.h>
+#include <fmt/format.h>
 #include <nlohmann/json.hpp>
 
 #include "catalogue/CatalogueError.h"
@@ -150,9 +151,10 @@ struct TrackStore::Statements {
         : find(database, kFind), putTrack(database, kPutTrack), dropResults(database, kDropResults),
           addParameters(database, kAddParameters), parametersId(database, kParametersId),
           putResult(database, kPutResult), putGrid(database, kPutGrid),
-          putWaves(database, kPutWaves), toShow(database, std::string(kToShow) + kShownFirst),
-          show(database, kShow), readShown(database, std::string(kStoredRow) + kReadShown),
-          readAll(database, std::string(kStoredRow) + kReadAll) {}
+          putWaves(database, kPutWaves),
+          toShow(database, fmt::format("{}{}", kToShow, kShownFirst)), show(database, kShow),
+          readShown(database, fmt::format("{}{}", kStoredRow, kReadShown)),
+          readAll(database, fmt::format("{}{}", kStoredRow, kReadAll)) {}
 
     SQLite::Statement find;
     SQLite::Statement putTrack;

@@ -19,7 +19,7 @@ constexpr const char* kUsualEmbedding = "20M";
 constexpr const char* kStandardInput = "-";
 
 // How the work is shared out on the progress line.
-constexpr double kAnalysed = 0.8;
+constexpr double kAnalysisShare = 0.8;
 
 }  // namespace
 
@@ -58,7 +58,7 @@ bool ReportCommand::reportTrack(std::size_t track, ResultStream& results) {
     const std::string& path = paths_[track];
     media::FileAnalysis::Options reading = tracks_.reading(path, effort_.effort());
     reading.track = analysis_.options();
-    const double analysed = embedsNothing_ ? 1.0 : kAnalysed;
+    const double analysed = embedsNothing_ ? 1.0 : kAnalysisShare;
     std::string warning;
     output::PageSound sound;
     const auto report = tracks_.attempt(path, [&](ProgressLine& progress) {
@@ -83,7 +83,7 @@ output::PageSound ReportCommand::soundFor(const output::TrackReport& report, std
     const std::string& path = paths_[track];
     output::PageSound sound;
     sound.bytes = encodedSound(path, report.analysis, mostEmbeddedBytes_, [&](double done) {
-        progress.show(kAnalysed + done * (1.0 - kAnalysed), report.analysis.seconds());
+        progress.show(kAnalysisShare + done * (1.0 - kAnalysisShare), report.analysis.seconds());
     });
     if (!sound.bytes && path != kStandardInput) sound.address = addressFrom(pagePath(track), path);
     return sound;

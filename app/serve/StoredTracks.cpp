@@ -74,7 +74,7 @@ std::optional<Edit> editOf(const std::string& body) {
 
 HttpReply StoredTracks::viewIn(const Catalogue& catalogue, Id track) const {
     const StoredTrack stored = readStored(catalogue, track);
-    Json view = viewJson(stored.report, stored.note.corrections);
+    Json view = viewJson(stored.report, stored.report.corrections);
     view["id"] = track;
     view["path"] = base::displayName(stored.report.path);
     view["gone"] = stored.note.isGone;
