@@ -62,6 +62,7 @@ private:
 
     std::string translated(const std::string& line, const std::string& name,
                            std::vector<std::string>& exported) {
+        if (!line.starts_with("import") && !line.starts_with("export")) return line;
         std::smatch parts;
         if (std::regex_match(line, parts, importLine())) {
             const auto folder = std::filesystem::path(name).parent_path();
@@ -72,9 +73,7 @@ private:
             exported.push_back(parts.str(2));
             return line.substr(std::string_view("export ").size());
         }
-        if (line.starts_with("import") || line.starts_with("export"))
-            throw std::logic_error(name + ": cannot be joined: " + line);
-        return line;
+        throw std::logic_error(name + ": cannot be joined: " + line);
     }
 
     const ModuleText& textOf_;

@@ -24,14 +24,14 @@ function answer(name, value, unit, remarks) {
 
 function tempoAnswer(data) {
     const { tempo } = data;
-    if (!tempo) return answer('Tempo', 'not wanted', '', []);
+    if (!tempo) return answer('Tempo', 'not asked for', '', []);
     if (tempo.bpm === null) return answer('Tempo', 'none found', '', []);
     const steady = tempo.steady === undefined ? null : tempo.steady ? 'steady' : null;
     return answer('Tempo', bpmText(tempo.bpm), 'BPM', [sentence(data.remarks.tempo) || steady]);
 }
 
 function keyAnswer(data) {
-    if (data.key === undefined) return answer('Key', 'not wanted', '', []);
+    if (data.key === undefined) return answer('Key', 'not asked for', '', []);
     if (data.key === null) return answer('Key', 'none found', '', []);
     const shown = data.keyNotation ? keyText(data.key, data.keyNotation) : data.key.name;
     return answer('Key', shown, data.keyNotation ? '' : data.key.camelot,
@@ -49,7 +49,8 @@ function beatsAnswer(grid) {
 /** @param grid  the beats as found */
 export function makeAnswers(data, grid) {
     const tuning = data.key?.tuning;
-    return make('dl', { class: 'answers' }, tempoAnswer(data), keyAnswer(data), beatsAnswer(grid),
+    return make('dl', { class: 'answers' }, tempoAnswer(data), keyAnswer(data),
+        data.tempo ? beatsAnswer(grid) : null,
         tuning ? answer('Tuning', tuning.hz.toFixed(1), 'Hz', [centsText(tuning.cents)]) : null);
 }
 
