@@ -3,7 +3,9 @@ import { make } from '../track/dom.js';
 import { emptyFilter, isNarrowed, kOrders } from './filter.js';
 
 const kWaitMs = 150;
-const kNotes = ['A', 'Bb', 'B', 'C', 'C#', 'D', 'Eb', 'E', 'F', 'F#', 'G', 'G#'];
+// As lists name keys, from A upward.
+const kMinors = ['A', 'Bb', 'B', 'C', 'C#', 'D', 'Eb', 'E', 'F', 'F#', 'G', 'G#'];
+const kMajors = ['A', 'Bb', 'B', 'C', 'Db', 'D', 'Eb', 'E', 'F', 'F#', 'G', 'Ab'];
 const kFlags = [['low', 'Uncertain'], ['corrected', 'Corrected'], ['gone', 'Gone'],
     ['failed', 'Failed']];
 
@@ -13,8 +15,8 @@ export function keyChoices() {
     for (let number = 1; number <= 12; ++number) {
         // A minor is 8A; each step of the wheel is a fifth, seven semitones.
         const minor = ((number - 8) * 7 + 12 * 7) % 12;
-        choices.push([`${number}A`, `${number}A · ${kNotes[minor]} minor`]);
-        choices.push([`${number}B`, `${number}B · ${kNotes[(minor + 3) % 12]} major`]);
+        choices.push([`${number}A`, `${number}A · ${kMinors[minor]} minor`]);
+        choices.push([`${number}B`, `${number}B · ${kMajors[(minor + 3) % 12]} major`]);
     }
     return choices;
 }

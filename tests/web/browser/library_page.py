@@ -332,7 +332,7 @@ class SmallLibrary(Browsing):
         self.wait_for_tempo("60.00")
         support.wait_for(self.driver, lambda: self.focused() == "Back to the tracks")
         for _ in range(60):
-            if "Double the tempo" in self.focused():
+            if self.focused() == "× 2":
                 break
             self.type(Keys.TAB)
         self.type(Keys.ENTER)
@@ -377,10 +377,11 @@ class LargeLibrary(Browsing):
             self.driver.get(self.server.origin + "/")
             self.wait_for_rows()
             support.settle(1)
-            runs = [self.driver.execute_async_script(SCROLL) for _ in range(3)]
-            longest = [round(max(times), 1) for times in runs]
-            print(size, "longest time between two pictures", longest, "ms, of", len(runs[0]))
+            longest = []
             # Other programs on the machine can only make it longer.
+            while len(longest) < 8 and min(longest, default=99) > 50:
+                longest.append(max(self.driver.execute_async_script(SCROLL)))
+            print(size, "longest time between two pictures", longest, "ms")
             self.assertLessEqual(min(longest), 50.0)
         self.expect_quiet()
 

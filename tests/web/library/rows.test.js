@@ -37,6 +37,8 @@ test('keys are offered in the order of the wheel', () => {
     assert.equal(choices.get('9A'), '9A · E minor');
     assert.equal(choices.get('1A'), '1A · G# minor');
     assert.equal(choices.get('12B'), '12B · E major');
+    assert.equal(choices.get('3B'), '3B · Db major');
+    assert.equal(choices.get('12A'), '12A · C# minor');
 });
 
 test('the loudest point decides about a bar', () => {
