@@ -17,6 +17,8 @@ namespace app {
 
 namespace {
 
+constexpr int kUsualPort = 80;
+
 constexpr const char* kTokenName = "token";
 
 constexpr const char* kUninvited =
@@ -71,7 +73,8 @@ std::string Access::invitation() const {
 
 /** A name could be made to lead here by whoever owns it; an address in numbers could not. */
 bool Access::isOwnHost(const std::string& host) const {
-    const std::string suffix = fmt::format(":{}", port_);
+    // Browsers leave out the port that is the usual one.
+    const std::string suffix = port_ == kUsualPort ? "" : fmt::format(":{}", port_);
     if (!host.ends_with(suffix)) return false;
     const std::string name = host.substr(0, host.size() - suffix.size());
     if (name == home_ || name == "localhost") return true;

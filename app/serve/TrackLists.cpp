@@ -2,6 +2,7 @@
 #include "serve/TrackLists.h"
 
 #include <algorithm>
+#include <cmath>
 
 #include <nlohmann/json.hpp>
 #include <sys/stat.h>
@@ -100,17 +101,21 @@ std::vector<std::int64_t> numbersOf(const HttpRequest& request) {
     return numbers;
 }
 
-/** As the page of a track shows them, as high as the loudest. */
+/** 0 to 31; 0 for what is no number, which a damaged catalogue may hold. */
+int stripLevel(float level, float loudest) {
+    const float share = level / loudest;
+    return share > 0.0F ? static_cast<int>(std::lround(std::min(share, 1.0F) * kHighestLevel)) : 0;
+}
+
+/** As high as the loudest of them. */
 std::string stripOf(const std::vector<beatatlas::track::WavePoint>& wave) {
     float loudest = 0.0F;
     for (const auto& point : wave) loudest = std::max(loudest, point.level);
     if (!(loudest > 0.0F)) return {};
     std::string bytes;
-    for (const auto& point : wave) {
-        const float level = std::clamp(point.level / loudest * kHighestLevel, 0.0F, kHighestLevel);
-        bytes += static_cast<char>(static_cast<int>(level + 0.5F) * kColors +
+    for (const auto& point : wave)
+        bytes += static_cast<char>(stripLevel(point.level, loudest) * kColors +
                                    std::clamp(point.color, 0, kColors - 1));
-    }
     return output::base64(bytes);
 }
 
