@@ -13,14 +13,21 @@ sources=$1 folder=$2 make_track=$3 tool=$4
 rm -rf "$folder"
 mkdir -p "$folder"
 cd "$folder" || exit 1
-# The settings of whoever runs the tests are no part of them.
-export XDG_CONFIG_HOME=$PWD/settings
+# Settings and catalogue of whoever runs the tests are no part of them.
+export XDG_CONFIG_HOME=$PWD/settings XDG_DATA_HOME=$PWD/data
 "$make_track" track.wav || exit 1
 for name in track.flac song.mp3 other.flac -intro.mp3; do cp -- track.wav "$name"; done
 cp track.wav a.wav
 : >b.mp3
 awk 'BEGIN { for (i = 0; i < 252; ++i) printf "%.3f\n", 0.2 + i * 60 / 126 }' >taps.txt
-beatatlas() { "$tool" "$@"; }
+beatatlas() {
+    # It answers until it is interrupted.
+    if [[ $1 == serve ]]; then
+        timeout --preserve-status --signal=INT 3 "$tool" "$@"
+    else
+        "$tool" "$@"
+    fi
+}
 
 faults=0 compared=0 run=0
 fault() {

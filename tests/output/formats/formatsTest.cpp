@@ -230,7 +230,7 @@ TEST(TracksCsv, TellsFailuresToo) {
         formatNamed("csv-tracks").make({}, [&](std::string_view piece) { text += piece; });
     writer->begin();
     writer->addFailure("b.mp3", "is empty");
-    EXPECT_THAT(text, testing::EndsWith("\nb.mp3,,,,,,,,,,,,,,,is empty\n"));
+    EXPECT_THAT(text, testing::EndsWith("\nb.mp3,,,,,,,,,,,,,,,,is empty\n"));
 }
 
 TEST(countFrom, MovesEveryPositionAndNoLength) {
