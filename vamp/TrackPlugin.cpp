@@ -131,8 +131,10 @@ Vamp::Plugin::FeatureSet TrackPlugin::getRemainingFeatures() {
         return analyze();
     } catch (const std::exception& error) {
         complain(std::string("cannot be analysed: ") + error.what());
-        return {};
+    } catch (...) {
+        complain("cannot be analysed");
     }
+    return {};
 }
 
 Vamp::Plugin::FeatureSet TrackPlugin::analyze() const {
@@ -143,9 +145,8 @@ Vamp::Plugin::FeatureSet TrackPlugin::analyze() const {
     const int status = BA_FileAnalyzeSamples(samples_.data(), rate, static_cast<int>(channels_),
                                              frames, &wanted, &outcome);
     const std::unique_ptr<BA_File, FileRelease> file(outcome);
-    if (status == BA_FILE_NO_MEMORY) throw std::bad_alloc();
     if (status != BA_FILE_OK) {
-        complain(BA_FileReason(file.get()));
+        complain(file ? BA_FileReason(file.get()) : "cannot be analysed in the memory there is");
         return {};
     }
     return featuresOf(track::resultOf(BA_FileTrack(file.get())), start_);

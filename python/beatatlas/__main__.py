@@ -5,9 +5,11 @@ from __future__ import annotations
 
 import argparse
 import json
+import os
 import sys
 
 from . import AnalysisError, __version__, analyze
+from .analysis import name_dict
 
 
 def main() -> int:
@@ -19,15 +21,16 @@ def main() -> int:
     parser.add_argument("--waves", action="store_true", help="with the overviews, in JSON")
     parser.add_argument("--version", action="version", version=f"beatatlas {__version__}")
     arguments = parser.parse_args()
-    tracks = []
+    tracks: list[dict[str, object]] = []
     failures = 0
     for file in arguments.files:
         try:
-            found = analyze(file, tempo=arguments.tempo, waves=arguments.waves)
+            found = analyze(file, tempo=arguments.tempo, waves=arguments.waves,
+                            session_key=arguments.json)
         except AnalysisError as error:
             failures += 1
-            tracks.append({"file": file, "error": error.reason})
-            print(f"beatatlas: {error}", file=sys.stderr)
+            tracks.append(name_dict(file) | {"error": error.reason})
+            print(f"beatatlas: {name_dict(file)['file']} {error.reason}", file=sys.stderr)
             continue
         tracks.append(found.to_dict(arguments.waves))
         if not arguments.json:
@@ -41,6 +44,12 @@ def main() -> int:
 
 if __name__ == "__main__":
     try:
-        sys.exit(main())
+        status = main()
+        sys.stdout.flush()
+        sys.exit(status)
     except KeyboardInterrupt:
         sys.exit(130)
+    except BrokenPipeError:
+        # Whoever read the results has seen enough. What is still buffered goes nowhere.
+        os.dup2(os.open(os.devnull, os.O_WRONLY), sys.stdout.fileno())
+        sys.exit(1)

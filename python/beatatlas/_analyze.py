@@ -4,6 +4,7 @@
 from __future__ import annotations
 
 import ctypes
+import operator
 import os
 import threading
 from typing import Any, Callable, Optional, Union
@@ -72,11 +73,12 @@ def analyze(
         key: find the key by evidence.
         session_key: also find the key of a session; takes another pass.
         waves: make the waveform overviews.
-        partial: analyse what is left of a file that was cut off, instead of refusing it.
+        partial: analyse what is left of a file that was cut off, instead of refusing it. Files only.
         threads: the most threads for this track, at least 1. Results never depend on it.
-        memory: bytes for the decoded track; a longer one is decoded again for a second pass.
-        progress: called now and then with the share of the work that is done, 0 to 1, not always
-            from the calling thread. What it raises ends the analysis and is raised here.
+        memory: bytes for the decoded track of a file; a longer one is decoded again for a second
+            pass.
+        progress: called now and then with the share of the work that is done, 0 to 1, from another
+            thread than the calling one. What it raises ends the analysis and is raised here.
 
     Returns:
         What was found.
@@ -100,6 +102,8 @@ def analyze(
     else:
         if rate is None:
             raise TypeError("an array needs its rate in frames per second")
+        if partial:
+            raise TypeError("partial is for files: an array is whole")
         path = None
         work = _array_work(_interleaved(source), rate, options)
     wanted = frozenset(name for name, is_wanted in
@@ -132,9 +136,11 @@ def _track_options(tempo: str, bpm_range: Optional[tuple[float, float]],
 
 
 def _within(name: str, number: int, lowest: int, highest: int) -> int:
-    if not lowest <= number <= highest:
+    """A whole number of any kind. Raises TypeError for others."""
+    whole = operator.index(number)
+    if not lowest <= whole <= highest:
         raise ValueError(f"{name} must be {lowest} to {highest}, not {number!r}")
-    return int(number)
+    return whole
 
 
 def _tempo_range(bpm_range: tuple[float, float]) -> tuple[float, float]:
@@ -143,9 +149,6 @@ def _tempo_range(bpm_range: tuple[float, float]) -> tuple[float, float]:
         raise ValueError("bpm_range must lie within 20 and 1000 BPM, its upper end at least twice "
                          f"the lower one, not {bpm_range!r}")
     return float(lowest), float(highest)
-
-
-Work = Callable[["ctypes._Pointer[ctypes.c_void_p]"], int]
 
 
 def _file_work(name: bytes, track: _library.TrackOptions, partial: bool, memory: int) -> Any:
@@ -163,8 +166,6 @@ def _array_work(samples: NDArray[np.float32], rate: int, track: _library.TrackOp
     frames, channels = samples.shape
     pointer = samples.ctypes.data_as(ctypes.POINTER(ctypes.c_float))
     hertz = _within("rate", rate, 1, 2**31 - 1)
-    if hertz != rate:
-        raise ValueError(f"rate must be a whole number, not {rate!r}")
     call = _library.media_library().BA_FileAnalyzeSamples
 
     def work(out: Any) -> int:
@@ -187,7 +188,7 @@ def _interleaved(source: Any) -> NDArray[np.float32]:
     if frames == 0 or channels == 0:
         raise ValueError("the array has no samples")
     if channels > _MOST_CHANNELS:
-        raise ValueError(f"an array of shape {source.shape} has no axis of channels: at most 64")
+        raise ValueError(f"an array of shape {array.shape} has no axis of channels: at most 64")
     return np.ascontiguousarray(_full_scale(array), dtype=np.float32)
 
 
@@ -226,17 +227,22 @@ class _Run:
 
     def _analyze(self) -> None:
         self.status = self._work(ctypes.byref(self.pointer))
+        # The callback refers to this object in a circle, which would keep the samples.
+        self._work = None
 
     def __enter__(self) -> _Run:
         thread = threading.Thread(target=self._analyze, name="beatatlas", daemon=True)
         thread.start()
-        try:
-            thread.join()
-        except BaseException:
-            self._is_stopped = True
-            thread.join()
+        interrupt: Optional[BaseException] = None
+        while thread.is_alive():
+            try:
+                thread.join()
+            except BaseException as raised:  # Ctrl-C, perhaps more than once
+                self._is_stopped = True
+                interrupt = raised
+        if interrupt is not None:
             self.__exit__()
-            raise
+            raise interrupt
         if self._raised is not None:
             self.__exit__()
             raise self._raised
@@ -251,7 +257,7 @@ def _raise_unless_good(status: int, pointer: Handle, path: Optional[str]) -> Non
     if status == _library.OK:
         return
     if status == _library.NO_MEMORY:
-        raise MemoryError(f"there is not enough memory to analyse the track")
+        raise MemoryError("there is not enough memory to analyse the track")
     if status == _library.BAD_ARGUMENT:
         raise ValueError("an argument is out of range")
     reason = _library.media_library().BA_FileReason(pointer).decode(errors="replace")

@@ -104,7 +104,7 @@ class KeySegment:
         return {**bounds, **self.key.to_dict(), "confidence": self.confidence}
 
 
-@dataclass(frozen=True)
+@dataclass(frozen=True, eq=False)
 class KeyAnalysis:
     """The key by evidence.
 
@@ -139,7 +139,7 @@ class KeyAnalysis:
         }
 
 
-@dataclass(frozen=True)
+@dataclass(frozen=True, eq=False)
 class SessionKey:
     """The key of a session, which needs a pass of its own (``session_key=True``).
 
@@ -177,7 +177,7 @@ def _scored(key: Key, score: float) -> dict[str, object]:
     return {**key.to_dict(), "score": score}
 
 
-@dataclass(frozen=True)
+@dataclass(frozen=True, eq=False)
 class Waves:
     """The waveform overviews: structured arrays of ``level`` and ``color``.
 
@@ -244,7 +244,7 @@ class AudioFacts:
     dropped_frames: int = 0
 
 
-@dataclass(frozen=True, repr=False)
+@dataclass(frozen=True, eq=False, repr=False)
 class Analysis:
     """Everything that was found in one track. Values are None, and arrays empty, where nothing was
     found or wanted; nothing is ever NaN.
@@ -333,7 +333,7 @@ class Analysis:
     def _file_dict(self) -> dict[str, object]:
         audio = self.audio
         return {
-            **_name_dict(self.path),
+            **name_dict(self.path),
             "audio": {"container": audio.container, "codec": audio.codec,
                       "channels": audio.channels, "sampleRate": audio.rate},
             "partial": audio.partial,
@@ -350,7 +350,8 @@ class Analysis:
         }
 
     def to_dict(self, waves: bool = False) -> dict[str, object]:
-        """The entry of this track in the document of ``beatatlas analyze --json``.
+        """The entry of this track in the document of ``beatatlas analyze --json``, whose
+        ``sessionKey`` takes ``session_key=True``.
 
         Args:
             waves: with the waveform overviews, as with ``--waves``.
@@ -388,7 +389,8 @@ class Analysis:
         return f"<Analysis of {name}: {'; '.join(parts)}>"
 
 
-def _name_dict(path: str | None) -> dict[str, object]:
+def name_dict(path: str | None) -> dict[str, object]:
+    """A file's name as the program's JSON has it: as text, and as bytes if it is no UTF-8."""
     if path is None:
         return {"file": None}
     try:

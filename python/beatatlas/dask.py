@@ -54,7 +54,7 @@ def scan(
         raise ValueError(f"in_flight must be 1 or more, not {in_flight!r}")
     names = iter(paths)
     waiting: dict[Any, str] = {}
-    tasks = distributed.as_completed()
+    tasks = distributed.as_completed(loop=client.loop)
 
     def hand_in(most: int) -> None:
         for name in itertools.islice(names, most):

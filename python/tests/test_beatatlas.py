@@ -5,6 +5,7 @@ Needs in the environment: BEATATLAS_TOOL, the program, and BEATATLAS_DEMO, which
 """
 
 import ctypes
+import gc
 import json
 import math
 import os
@@ -167,8 +168,28 @@ class PackageTest(unittest.TestCase):
         for array in (np.zeros(0), np.zeros((0, 2)), np.zeros((100, 100)), np.zeros((2, 2, 2))):
             with self.subTest(array.shape), self.assertRaises(ValueError):
                 beatatlas.analyze(array, 44100)
+        for options in ({"rate": 44100.5}, {"rate": 44100, "threads": 1.9},
+                        {"rate": 44100, "section": 8.7}, {"rate": 44100, "partial": True}):
+            with self.subTest(options), self.assertRaises(TypeError):
+                beatatlas.analyze(np.zeros(1000), **options)
         with self.assertRaises(ValueError):
-            beatatlas.analyze(np.zeros(1000), 44100.5)
+            beatatlas.analyze([[0.0] * 70] * 70, 44100)
+
+    def test_samples_are_let_go(self):
+        samples = np.zeros(44100, np.float32)
+        gc.collect()
+        gc.disable()
+        try:
+            before = sys.getrefcount(samples)
+            beatatlas.analyze(samples, 44100)
+            self.assertEqual(sys.getrefcount(samples), before)
+        finally:
+            gc.enable()
+
+    def test_results_are_compared_as_objects(self):
+        one, other = beatatlas.analyze(self.track), beatatlas.analyze(self.track)
+        self.assertNotEqual(one, other)
+        self.assertEqual(len({one, other, one}), 2)
 
     def test_progress_grows_to_one(self):
         for threads in (1, 2):
@@ -214,14 +235,14 @@ class PackageTest(unittest.TestCase):
         for part in (f"{found.bpm:.2f} BPM", found.key.name, found.key.camelot, "track.wav"):
             self.assertIn(part, repr(found))
 
-    def test_runs_as_a_module(self):
-        run = subprocess.run([sys.executable, "-m", "beatatlas", "--json", self.track, "nothing"],
-                             capture_output=True, text=True)
-        self.assertEqual(run.returncode, 1)
-        tracks = json.loads(run.stdout)["tracks"]
-        self.assertEqual(tracks[0], beatatlas.analyze(self.track).to_dict())
-        self.assertEqual(tracks[1], {"file": "nothing", "error":
-                                     "cannot be opened: No such file or directory"})
+    def test_runs_as_a_module_with_the_document_of_the_program(self):
+        missing = os.fsencode(self.folder.name) + b"/\xff"
+        names = [self.track, "nothing", missing]
+        run = subprocess.run([sys.executable, "-m", "beatatlas", "--json", *names],
+                             capture_output=True, env={**os.environ, "PYTHONIOENCODING": "utf-8"})
+        tool = subprocess.run([TOOL, "analyze", "--json", *names], capture_output=True)
+        self.assertEqual(json.loads(run.stdout), json.loads(tool.stdout))
+        self.assertEqual((run.returncode, tool.returncode), (1, 1))
 
     def test_knows_all_keys_as_the_program_names_them(self):
         ranking = by_tool(self.track)["key"]["ranking"]
