@@ -64,7 +64,8 @@ std::optional<KeyName> KeyName::parse(std::string_view text) {
     for (int number = 0; number < 2 * kNotes; ++number) {
         const KeyName key(number);
         if (isName(key.musical()) || isName(key.withSharps()) || isName(key.withFlats()) ||
-            isName(key.camelot()) || isName(key.openKey()))
+            isName(key.camelot()) || isName(key.openKey()) || name == plainName(key.german()) ||
+            name == plainName(key.solfege()))
             return key;
     }
     return std::nullopt;

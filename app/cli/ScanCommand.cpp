@@ -83,7 +83,8 @@ void ScanCommand::declare(CLI::App& arguments) {
     declareWork(arguments);
     declareOutcome(arguments);
     analysis_.declare(arguments);
-    tracks_.declare(arguments);
+    tracks_.declareCutOff(arguments);
+    tracks_.declareTelling(arguments);
 }
 
 void ScanCommand::declareFiles(CLI::App& arguments) {

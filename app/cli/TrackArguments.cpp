@@ -34,6 +34,10 @@ void TrackArguments::declareReading(CLI::App& arguments) {
                     "s16le:44100:2")
         ->check(CLI::Validator(requireRawFormat, ""))
         ->option_text("FORMAT");
+    declareCutOff(arguments);
+}
+
+void TrackArguments::declareCutOff(CLI::App& arguments) {
     arguments.add_flag("--partial", acceptsCutOff_,
                        "take what is there of a track that was cut off");
 }

@@ -28,6 +28,8 @@ public:
     /** @name The two halves of declare(): how tracks are read, and what is told of that
      *  @{ */
     void declareReading(CLI::App& arguments);
+    /** Of reading only what a command takes that reads names by standard input. */
+    void declareCutOff(CLI::App& arguments);
     void declareTelling(CLI::App& arguments);
     /** @} */
 

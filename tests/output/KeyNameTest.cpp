@@ -90,6 +90,21 @@ TEST(KeyName, NamesTheSameNoteInEveryLanguage) {
     }
 }
 
+TEST(KeyName, ReadsEveryNameThatItWrites) {
+    for (int number = 0; number < 24; ++number) {
+        const KeyName key(number);
+        for (const std::string& name :
+             {key.musical(), key.withSharps(), key.withFlats(), key.camelot(), key.openKey(),
+              key.german(), key.solfege()}) {
+            const auto read = KeyName::parse(name);
+            ASSERT_TRUE(read) << name;
+            EXPECT_EQ(read->number(), number) << name;
+        }
+    }
+    EXPECT_FALSE(KeyName::parse("m"));
+    EXPECT_FALSE(KeyName::parse("Dur"));
+}
+
 TEST(KeyName, CoversAllKeysOnce) {
     std::set<int> numbers;
     std::set<std::string> hours;
