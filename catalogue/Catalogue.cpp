@@ -213,6 +213,13 @@ std::string Catalogue::filePath() const {
     return withoutLinks(path_);
 }
 
+bool isFileOf(const std::string& catalogue, const std::string& path) {
+    if (!path.starts_with(catalogue)) return false;
+    const std::string_view rest = std::string_view(path).substr(catalogue.size());
+    return rest.empty() || rest == "-wal" || rest == "-shm" || rest == "-journal" ||
+           rest == ".lock";
+}
+
 void Catalogue::requireInPlace() const {
     int hasMoved = 0;
     sqlite3_file_control(database_->getHandle(), "main", SQLITE_FCNTL_HAS_MOVED, &hasMoved);

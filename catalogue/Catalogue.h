@@ -48,4 +48,8 @@ private:
     std::unique_ptr<SQLite::Database> database_;
 };
 
+/** Whether a path is that of the catalogue's file, or of one that SQLite or a scan keeps beside it.
+ *  Both are compared as they stand. */
+bool isFileOf(const std::string& catalogue, const std::string& path);
+
 }  // namespace catalogue

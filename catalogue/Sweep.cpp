@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <iterator>
 #include <system_error>
 #include <utility>
 
@@ -41,36 +42,40 @@ std::string folderOf(const std::string& root) {
     return root.ends_with('/') ? root.substr(0, root.size() - 1) : root;
 }
 
-bool isBelow(const std::string& path, const std::string& root) {
-    return path == folderOf(root) || path.starts_with(folderOf(root) + '/');
-}
-
 void bindRoot(SQLite::Statement& statement, const std::string& root) {
     bindBytes(statement, 1, folderOf(root));
     bindBytes(statement, 2, folderOf(root) + '/');
     bindBytes(statement, 3, folderOf(root) + '0');
 }
 
-/** The roots that lie in no other. */
+/** The roots that lie in no other, sorted, each with '/' at its end: what lies in a root begins
+ *  with it, and follows it in this order before anything that does not. */
 std::vector<std::string> outermost(const std::vector<Scan::Root>& roots) {
+    std::vector<std::string> sorted;
+    for (const Scan::Root& root : roots) sorted.push_back(folderOf(root.path) + '/');
+    std::sort(sorted.begin(), sorted.end());
     std::vector<std::string> kept;
-    for (const Scan::Root& root : roots) {
-        const auto holds = [&](const std::string& other) { return isBelow(root.path, other); };
-        if (std::any_of(kept.begin(), kept.end(), holds)) continue;
-        const auto lies = [&](const std::string& other) { return isBelow(other, root.path); };
-        kept.erase(std::remove_if(kept.begin(), kept.end(), lies), kept.end());
-        kept.push_back(root.path);
+    for (std::string& root : sorted) {
+        if (kept.empty() || !root.starts_with(kept.back())) kept.push_back(std::move(root));
     }
     return kept;
+}
+
+/** @param roots  as outermost() returns them */
+bool isBelowAny(const std::string& path, const std::vector<std::string>& roots) {
+    const std::string place = path + '/';
+    const auto behind = std::upper_bound(roots.begin(), roots.end(), place);
+    return behind != roots.begin() && place.starts_with(*std::prev(behind));
 }
 
 }  // namespace
 
 Scan::Ending Sweep::run(const std::vector<Scan::Root>& roots, Scan::Pruning pruning) {
     pruning_ = pruning;
-    for (const Scan::Root& root : roots) {
-        if (!root.holdsFiles) emptyRoots_.push_back(root.path);
-    }
+    std::vector<Scan::Root> empty;
+    std::copy_if(roots.begin(), roots.end(), std::back_inserter(empty),
+                 [](const Scan::Root& root) { return !root.holdsFiles; });
+    emptyRoots_ = outermost(empty);
     for (const std::string& root : outermost(roots)) sweep(root);
     batch_.commit();
     return ending_;
@@ -100,8 +105,7 @@ std::vector<Sweep::GoneTrack> Sweep::goneTracks(const std::string& root) {
 /** Whether the folder of a file that is gone, or the nearest one above it that is there, is empty,
  *  or the file lies below a root in which nothing was found. */
 bool Sweep::isAlone(const std::string& path) {
-    const auto holds = [&](const std::string& root) { return isBelow(path, root); };
-    if (std::any_of(emptyRoots_.begin(), emptyRoots_.end(), holds)) return true;
+    if (isBelowAny(path, emptyRoots_)) return true;
     fs::path folder = fs::path(path).parent_path();
     // Paths come in order: most have the folder of the one before.
     if (folder.string() == lastFolder_) return isLastEmpty_;

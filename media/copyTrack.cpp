@@ -45,7 +45,7 @@ private:
 
 }  // namespace
 
-std::string copyTrack(const AnalysedTrack& track, const std::string& outputPath,
+std::string copyTrack(const CopiedTrack& track, const std::string& outputPath,
                       const AudioKind& kind, const std::function<void(StereoBlock&)>& change,
                       const std::function<void(double)>& shown) {
     const int rate = AudioWriter::rateFor(kind, track.rate);

@@ -10,8 +10,8 @@
 
 namespace media {
 
-/** A track that was analysed, to be decoded another time. */
-struct AnalysedTrack {
+/** A track that was analysed, to be decoded another time and copied. */
+struct CopiedTrack {
     std::string path;
     /** Of the analysis, Hz. */
     int rate = 0;
@@ -27,7 +27,7 @@ struct AnalysedTrack {
  *  @return as OutputFile::commit()
  *  @throws TrackError when the track is no longer the one that was analysed; OutputError,
  *          Interrupted */
-std::string copyTrack(const AnalysedTrack& track, const std::string& outputPath,
+std::string copyTrack(const CopiedTrack& track, const std::string& outputPath,
                       const AudioKind& kind, const std::function<void(StereoBlock&)>& change,
                       const std::function<void(double)>& shown);
 

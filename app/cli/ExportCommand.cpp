@@ -110,7 +110,11 @@ void ExportCommand::settle() {
         throw base::UsageError("name either files, which are analysed, or tracks of a catalogue");
     if (!isStored_ && paths_.empty())
         throw base::UsageError("FILE is missing, or --catalogue for tracks that are in one");
-    isStored_ ? settleStored() : settleFiles();
+    if (isStored_) {
+        settleStored();
+    } else {
+        settleFiles();
+    }
 }
 
 void ExportCommand::settleFormat() {
@@ -138,8 +142,7 @@ void ExportCommand::settleStored() {
     stored_.open(*format_, options_.withWaves);
     places_.choose(*format_);
     places_.settle(places_.isForEach() ? stored_.paths() : std::vector<std::string>());
-    if (!places_.isForEach() && !places_.isStandardOutput())
-        stored_.refuseToReplace(places_.places().path(0));
+    for (const std::string& place : places_.places().paths()) stored_.refuseToReplace(place);
 }
 
 void ExportCommand::settlePeaks() {

@@ -34,6 +34,9 @@ public:
     /** The result's path, by the number of its track, from 0. */
     const std::string& path(std::size_t track) const { return paths_[track]; }
 
+    /** Of all results; none where they go to no file. */
+    const std::vector<std::string>& paths() const { return paths_; }
+
     /** Looks, before the work on a track, whether its result can be written.
      *  @throws TrackError if not, so that the other tracks keep theirs: it would replace a track,
      *          or a file that is there already */

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "cli/StoredExport.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "base/Interrupt.h"
@@ -59,11 +60,23 @@ std::vector<std::string> StoredExport::paths() {
 }
 
 void StoredExport::refuseToReplace(const std::string& file) const {
-    if (media::OutputFile::isSameFile(catalogue_->path(), file))
-        throw base::UsageError("the result would replace the catalogue");
+    if (isOfCatalogue(file))
+        throw base::UsageError("the result would replace the catalogue, or a file beside it that "
+                               "belongs to it");
     catalogue::TrackStore store(*catalogue_);
     if (findStored(store, file))
         throw base::UsageError("the result would replace a track of the catalogue");
+}
+
+/** By names too: what lies beside the catalogue comes and goes. */
+bool StoredExport::isOfCatalogue(const std::string& file) const {
+    if (media::OutputFile::isSameFile(catalogue_->path(), file)) return true;
+    const std::vector<std::string> names = catalogueNames(file);
+    for (const std::string& own : catalogueNames(catalogue_->filePath())) {
+        const auto isOwn = [&](const std::string& name) { return catalogue::isFileOf(own, name); };
+        if (std::any_of(names.begin(), names.end(), isOwn)) return true;
+    }
+    return false;
 }
 
 bool StoredExport::handOver(const TrackReceiver& receiver) const {

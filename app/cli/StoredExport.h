@@ -36,7 +36,8 @@ public:
      *  again. @throws CatalogueError */
     std::vector<std::string> paths();
 
-    /** @throws UsageError when the file is a track of the catalogue or the catalogue itself */
+    /** @throws UsageError when the file is a track of the catalogue, the catalogue itself or what
+     *          SQLite and a scan keep beside it */
     void refuseToReplace(const std::string& file) const;
 
     /** Hands over each track as it is stored, with its corrections; one is in memory at a time.
@@ -50,6 +51,7 @@ private:
         std::string path;
     };
 
+    bool isOfCatalogue(const std::string& file) const;
     bool handOver(const Chosen& chosen, std::size_t number, const TrackReceiver& receiver) const;
     void refuseWhatIsMissing(const output::TrackReport& report) const;
 

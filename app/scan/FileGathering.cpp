@@ -101,17 +101,9 @@ void FileGathering::addNames() {
 
 void FileGathering::take(const std::string& path, const struct stat& status) {
     hasSeenFile_ = true;
-    if (isOfCatalogue(path) || !options_.shard.has(path)) return;
+    if (catalogue::isFileOf(options_.catalogue, path) || !options_.shard.has(path)) return;
     const catalogue::FileState state = fileStateOf(status);
     found_(path, state, usualSeconds(path, state.size));
-}
-
-/** The catalogue, and what the database keeps beside it. */
-bool FileGathering::isOfCatalogue(const std::string& path) const {
-    if (!path.starts_with(options_.catalogue)) return false;
-    const std::string_view rest = std::string_view(path).substr(options_.catalogue.size());
-    return rest.empty() || rest == "-wal" || rest == "-shm" || rest == "-journal" ||
-           rest == ".lock";
 }
 
 }  // namespace app

@@ -54,7 +54,6 @@ private:
     void passOver(const std::string& path);
     void addNames();
     void take(const std::string& path, const struct stat& status);
-    bool isOfCatalogue(const std::string& path) const;
 
     Options options_;
     Found found_;

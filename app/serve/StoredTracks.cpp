@@ -94,7 +94,7 @@ HttpReply StoredTracks::file(Id track, const std::string& range) const {
     const Catalogue catalogue(path_, Catalogue::Access::read);
     const auto stored = catalogue::TrackStore(catalogue).read(track);
     if (!stored) return unknownTrack();
-    return fileReply(stored->analysed.track.path, stored->analysed.track.format, range);
+    return fileReply(stored->analysed.track, range);
 }
 
 HttpReply StoredTracks::sound(Id track) const {

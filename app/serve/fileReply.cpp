@@ -15,6 +15,7 @@
 #include <unistd.h>
 
 #include "base/errors.h"
+#include "scan/fileState.h"
 #include "serve/plainNumber.h"
 
 namespace app {
@@ -51,7 +52,7 @@ public:
             if (descriptor_ >= 0) close(descriptor_);
             throw base::TrackError("cannot be opened: " + base::systemReason(reason));
         }
-        size_ = static_cast<std::uint64_t>(status.st_size);
+        state_ = fileStateOf(status);
         if (S_ISREG(status.st_mode)) return;
         close(descriptor_);
         throw base::TrackError("is not a file");
@@ -60,7 +61,8 @@ public:
     ReadFile(const ReadFile&) = delete;
     ReadFile& operator=(const ReadFile&) = delete;
 
-    std::uint64_t size() const { return size_; }
+    std::uint64_t size() const { return static_cast<std::uint64_t>(state_.size); }
+    const catalogue::FileState& state() const { return state_; }
 
     /** @return false when the file is shorter now, or the sink takes no more */
     bool send(ByteRange range, const ByteSink& sink) const {
@@ -78,7 +80,7 @@ public:
 
 private:
     int descriptor_;
-    std::uint64_t size_ = 0;
+    catalogue::FileState state_;
 };
 
 HttpReply refusedRange(std::uint64_t length) {
@@ -107,9 +109,13 @@ std::optional<ByteRange> rangeOf(const std::string& header, std::uint64_t length
     return ByteRange{*from, last - *from + 1};
 }
 
-HttpReply fileReply(const std::string& path, const base::TrackFormat& format,
-                    const std::string& range) {
-    const auto file = std::make_shared<ReadFile>(path);
+void requireUnchanged(const catalogue::FileState& now, const catalogue::FileState& analysed) {
+    if (now != analysed) throw base::TrackError("has changed since it was analysed");
+}
+
+HttpReply fileReply(const catalogue::TrackRow& track, const std::string& range) {
+    const auto file = std::make_shared<ReadFile>(track.path);
+    requireUnchanged(file->state(), track.state);
     HttpReply reply;
     ByteRange part{0, file->size()};
     if (!range.empty()) {
@@ -122,7 +128,7 @@ HttpReply fileReply(const std::string& path, const base::TrackFormat& format,
             fmt::format("bytes {}-{}/{}", part.first, part.first + part.length - 1, file->size()));
     }
     reply.headers.emplace_back("Accept-Ranges", "bytes");
-    reply.type = mediaTypeOf(format.container);
+    reply.type = mediaTypeOf(track.format.container);
     // An answer of a stated length of 0 would count as one of unknown length.
     if (part.length == 0) return reply;
     reply.length = part.length;

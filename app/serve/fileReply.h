@@ -5,7 +5,7 @@
 #include <optional>
 #include <string>
 
-#include "base/TrackSource.h"
+#include "catalogue/Analysed.h"
 #include "serve/HttpExchange.h"
 
 namespace app {
@@ -20,10 +20,12 @@ struct ByteRange {
  *  whatever is no single range or begins beyond the content. */
 std::optional<ByteRange> rangeOf(const std::string& header, std::uint64_t length);
 
+/** Whatever took the place of a track's file, a link to a file of another kind perhaps, is none of
+ *  the catalogue's. @throws TrackError when the file is in another state than the analysed one */
+void requireUnchanged(const catalogue::FileState& now, const catalogue::FileState& analysed);
+
 /** The bytes of a track's file as they are, or the range of them that is asked for.
- *  @param format  of that file; says what the client is told it is
- *  @throws TrackError when it is no file that can be read */
-HttpReply fileReply(const std::string& path, const base::TrackFormat& format,
-                    const std::string& range);
+ *  @throws TrackError when it is no file that can be read, or has changed since it was analysed */
+HttpReply fileReply(const catalogue::TrackRow& track, const std::string& range);
 
 }  // namespace app

@@ -5,11 +5,16 @@
 #include <cmath>
 #include <cstdint>
 #include <limits>
+#include <memory>
 #include <string>
+
+#include <sys/stat.h>
 
 #include "base/errors.h"
 #include "media/TrackDecoder.h"
 #include "media/TrackSink.h"
+#include "scan/fileState.h"
+#include "serve/fileReply.h"
 
 namespace app {
 
@@ -71,13 +76,22 @@ private:
     const ByteSink& sink_;
 };
 
-bool sendSound(const std::string& path, std::int64_t frames, const ByteSink& sink) {
+bool sendSound(media::TrackDecoder& decoder, std::int64_t frames, const ByteSink& sink) {
     PromisedFrames promised(frames, sink);
     try {
-        media::TrackDecoder(path).run(promised);
+        decoder.run(promised);
     } catch (const Enough&) {
     }
     return promised.left() == 0;
+}
+
+catalogue::FileState stateOf(const media::TrackDecoder& decoder) {
+    const media::FileState& state = decoder.fileState();
+    struct stat status {};
+    status.st_size = state.size;
+    status.st_mtim.tv_sec = state.changedSeconds;
+    status.st_mtim.tv_nsec = state.changedNanoseconds;
+    return fileStateOf(status);
 }
 
 }  // namespace
@@ -86,14 +100,16 @@ HttpReply soundReply(const catalogue::TrackRow& track) {
     const std::int64_t dataBytes = track.frames * kFrameBytes;
     if (dataBytes > std::numeric_limits<std::int32_t>::max())
         throw base::TrackError("is too long to be sent whole");
-    // What cannot be decoded is found out before the answer begins.
-    media::TrackDecoder opened(track.path);
+    // What cannot be decoded is found out before the answer begins, and what is sent is the file
+    // that was found unchanged.
+    const auto decoder = std::make_shared<media::TrackDecoder>(track.path);
+    requireUnchanged(stateOf(*decoder), track.state);
     HttpReply reply;
     reply.type = "audio/wav";
     reply.length = static_cast<std::uint64_t>(dataBytes + kHeaderBytes);
-    reply.write = [path = track.path, frames = track.frames,
+    reply.write = [decoder, frames = track.frames,
                    header = waveHeader(dataBytes, track.format.sessionRate)](const ByteSink& sink) {
-        return sink(header) && (frames == 0 || sendSound(path, frames, sink));
+        return sink(header) && (frames == 0 || sendSound(*decoder, frames, sink));
     };
     return reply;
 }

@@ -103,6 +103,29 @@ TEST_F(CatalogueScan, CountsWhatIsGoneOnceBelowRootsThatOverlap) {
         1);
 }
 
+// A blank and a hyphen come before '/', letters behind it.
+TEST_F(CatalogueScan, KnowsRootsApartWhoseNamesBeginAlike) {
+    fileNamed("here");
+    const std::vector<std::string> folders = {"a", "a b", "a-", "ab", "a/sub"};
+    for (std::size_t i = 0; i < folders.size(); ++i)
+        put(music_.file(folders[i] + "/gone"), static_cast<int>(i) + 1);
+    const auto sweep = [&](const std::vector<Scan::Root>& roots) {
+        Scan scan(catalogue_, {kParameters, false, false});
+        scan.settle();
+        return scan.finish(roots, Scan::Pruning::all);
+    };
+    const std::string a = music_.file("a");
+    const Scan::Ending ending = sweep({{music_.file("a b")}, {a + "/", false}, {a, false}, {a}});
+    EXPECT_EQ(ending.gone, 3);
+    EXPECT_EQ(ending.keptAbsent, 2);
+    EXPECT_EQ(ending.pruned, 1);
+    EXPECT_EQ(valueOf(catalogue_, "SELECT count(*) FROM tracks WHERE is_gone = 1"), "2");
+    const Scan::Ending whole = sweep({{a, false}, {"/"}, {music_.file("ab"), false}});
+    EXPECT_EQ(whole.gone, 4);
+    EXPECT_EQ(whole.keptAbsent, 3);
+    EXPECT_EQ(sweep({{"/", false}}).keptAbsent, 3);
+}
+
 TEST_F(CatalogueScan, PrunesCorrectionsOnlyWithTheLastTrackOfTheirSound) {
     const std::string here = fileNamed("here");
     put(here, 1);

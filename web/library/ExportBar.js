@@ -32,6 +32,11 @@ export class ExportBar {
         for (const button of this.#buttons) button.disabled = !total;
     }
 
+    /** Says why a choice is not what was asked for; nothing with ''. */
+    tell(text) {
+        this.#problem.textContent = text;
+    }
+
     async #save(save, format) {
         const address = URL.createObjectURL(await save(format));
         make('a', { href: address, download: `tracks.${format}` }).click();

@@ -2,6 +2,8 @@
 
 const kPageRows = 200;
 const kMostPages = 60;
+// What the program answers at most at once.
+const kStretchRows = 1000;
 
 /** The rows of a list, loaded a page at a time when they are to be seen. What is known of an older
  *  state stays until the new one arrives, so that nothing flickers while a scan fills the list. */
@@ -31,7 +33,7 @@ export class ListPages {
     /** The same list, perhaps with other rows. */
     renew() {
         ++this.#generation;
-        for (const { controller } of this.#loading.values()) controller.abort();
+        for (const controller of this.#loading.values()) controller.abort();
         this.#loading.clear();
     }
 
@@ -45,7 +47,7 @@ export class ListPages {
     want(first, last) {
         const from = Math.floor(first / kPageRows);
         const to = Math.floor(Math.max(first, last - 1) / kPageRows);
-        for (const [number, { controller }] of this.#loading) {
+        for (const [number, controller] of this.#loading) {
             if (number >= from && number <= to) continue;
             controller.abort();
             this.#loading.delete(number);
@@ -58,11 +60,10 @@ export class ListPages {
 
     #wantPage(number) {
         const known = this.#pages.get(number)?.generation === this.#generation;
-        if (known || this.#loading.has(number)) return null;
+        if (known || this.#loading.has(number)) return;
         const controller = new AbortController();
-        const work = this.#fetch(number, controller);
-        this.#loading.set(number, { controller, work });
-        return work;
+        this.#loading.set(number, controller);
+        this.#fetch(number, controller);
     }
 
     async #fetch(number, controller) {
@@ -82,14 +83,13 @@ export class ListPages {
         }
     }
 
-    /** All rows from one to another, loaded where they are not known. */
-    async between(first, last) {
-        for (let number = Math.floor(first / kPageRows); number * kPageRows <= last; ++number)
-            await (this.#wantPage(number) ?? this.#loading.get(number)?.work);
+    /** All rows from one to another, whatever of them is to be seen meanwhile. */
+    async between(first, last, signal) {
         const rows = [];
-        for (let index = first; index <= last; ++index) {
-            const row = this.row(index);
-            if (row) rows.push(row);
+        for (let at = first; at <= last; at += kStretchRows) {
+            const count = Math.min(kStretchRows, last + 1 - at);
+            const answer = await this.#load(at, count, signal);
+            rows.push(...(answer.failures ?? answer.tracks));
         }
         return rows;
     }

@@ -9,6 +9,8 @@ export class TrackPage {
     #actions;
     #view = null;
     #id = null;
+    /** Counts what was asked to be shown: only the last of it is. */
+    #turn = 0;
     #bar;
     #body = null;
     #problem = make('p', { class: 'problem', role: 'alert' });
@@ -29,18 +31,21 @@ export class TrackPage {
     }
 
     async show(id) {
-        await this.hide();
+        const turn = ++this.#turn;
+        await this.#close();
+        if (turn !== this.#turn) return;
         this.#id = id;
         this.#container.hidden = false;
         this.#problem.textContent = '';
         try {
             const data = await loadTrack(id);
-            if (this.#id !== id) return;
+            if (turn !== this.#turn) return;
             document.title = `${data.title || data.file} – Beat Atlas`;
             this.#body = make('div', { class: 'track-body' });
             this.#container.append(this.#body);
             this.#view = showTrack(this.#body, data, {
-                audio: data.gone ? null : { load: () => loadSound(id), address: fileAddress(id) },
+                audio: data.gone ? null : { load: (signal) => loadSound(id, signal),
+                    address: fileAddress(id) },
                 rate: data.sampleRate,
                 corrections: {
                     apply: (kind, value) => correct(id, kind, value),
@@ -49,13 +54,18 @@ export class TrackPage {
             });
             this.#back.focus();
         } catch (error) {
-            if (this.#id === id)
-                this.#problem.textContent = `This track cannot be shown: ${error.message}`;
+            if (turn !== this.#turn) return;
+            this.#problem.textContent = `This track cannot be shown: ${error.message}`;
             this.#actions.failed(error);
         }
     }
 
     async hide() {
+        ++this.#turn;
+        await this.#close();
+    }
+
+    async #close() {
         this.#id = null;
         this.#container.hidden = true;
         const view = this.#view;

@@ -53,8 +53,8 @@ export async function loadTrack(id) {
     return (await ask(`/api/tracks/${id}`)).json();
 }
 
-export async function loadSound(id) {
-    return (await ask(`/api/tracks/${id}/sound`)).arrayBuffer();
+export async function loadSound(id, signal) {
+    return (await ask(`/api/tracks/${id}/sound`, { signal })).arrayBuffer();
 }
 
 export function fileAddress(id) {

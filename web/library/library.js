@@ -2,6 +2,7 @@
 // The application over a catalogue: the list, and the page of a track. Which of them is seen, and
 // with which conditions, stands behind '#' in the address, so that it is the same after a reload.
 import { make } from '../track/dom.js';
+import { grouped } from '../track/format.js';
 import { exportList, listTracks, loadState, loadStrips, loadTrack, Unreachable } from './api.js';
 import { ExportBar } from './ExportBar.js';
 import { emptyFilter, hashOf, parametersOf, placeOf } from './filter.js';
@@ -22,6 +23,7 @@ class Library {
     #notice = document.getElementById('notice');
     #empty = make('p', { class: 'empty', role: 'status', hidden: true });
     #selection = new Selection();
+    #choosing = new AbortController();
     #strips = new Strips(loadStrips, () => this.#table.draw());
     #pages = new ListPages(
         (offset, limit, signal) => listTracks(parametersOf(this.#filter), offset, limit, signal),
@@ -30,12 +32,12 @@ class Library {
         open: (row) => { if (row.id !== undefined) location.hash = `#track/${row.id}`; },
         sort: (order) => this.#sort(order),
         select: (from, to) => this.#select(Math.min(from, to), Math.max(from, to)),
-        selected: () => this.#showCounts(),
+        selected: () => this.#chosen(),
     });
     #filters = new FilterBar((filter) => this.#go(filter));
     #exports = new ExportBar((format) => this.#export(format), () => {
         this.#selection.clear();
-        this.#showCounts();
+        this.#chosen();
     });
     #scan = new ScanStatus(loadState, {
         changed: () => this.#renew(),
@@ -92,6 +94,7 @@ class Library {
 
     #show(filter) {
         if (filter.compatible !== this.#filter.compatible) this.#nameCompanion(filter.compatible);
+        this.#choosing.abort();
         this.#filter = filter;
         this.#filters.show(filter, this.#companion);
         this.#table.markOrder(filter.sort, filter.reverse);
@@ -124,9 +127,28 @@ class Library {
     }
 
     async #select(from, to) {
-        if (to - from >= kMostChosen) to = from + kMostChosen - 1;
-        const rows = await this.#pages.between(from, to);
+        const last = Math.min(to, from + kMostChosen - 1);
+        this.#choosing.abort();
+        this.#choosing = new AbortController();
+        const { signal } = this.#choosing;
+        let rows;
+        try {
+            rows = await this.#pages.between(from, last, signal);
+        } catch (error) {
+            if (!signal.aborted) this.#exports.tell(`They cannot be chosen: ${error.message}`);
+            return;
+        }
+        if (signal.aborted) return;
         this.#selection.set(rows.filter((row) => row.id !== undefined).map((row) => row.id));
+        this.#chosen();
+        if (last < to)
+            this.#exports.tell(`No more than ${grouped(kMostChosen)} tracks can be chosen`);
+    }
+
+    /** After a choice: one that is still being loaded would undo it. */
+    #chosen() {
+        this.#choosing.abort();
+        this.#exports.tell('');
         this.#showCounts();
     }
 

@@ -10,6 +10,7 @@ const kScheduleAhead = 2.5;
  *  the clicks play alone. */
 export class BufferPlayer extends Player {
     #load;
+    #loading = new AbortController();
     #decoding = null;
     #buffer = null;
     #source = null;
@@ -22,8 +23,8 @@ export class BufferPlayer extends Player {
 
     isExact = true;
 
-    /** @param load  yields an ArrayBuffer of a whole audio file, whose position 0 is that of the
-     *               track; null when there is none
+    /** @param load  load(signal) yields an ArrayBuffer of a whole audio file, whose position 0 is
+     *               that of the track; null when there is none
      *  @param rate  at which it is decoded and played, Hz */
     constructor(seconds, load, rate, clickVolume) {
         super(seconds, clickVolume);
@@ -50,8 +51,13 @@ export class BufferPlayer extends Player {
 
     async play() {
         if (this.isPlaying) return;
-        await this.#open();
-        if (this.isPlaying) return;
+        try {
+            await this.#open();
+        } catch (error) {
+            if (this.isClosed) return;
+            throw error;
+        }
+        if (this.isPlaying || this.isClosed) return;
         if (this.#offset >= this.seconds) this.#offset = 0;
         this.#plays = true;
         this.#start();
@@ -60,12 +66,14 @@ export class BufferPlayer extends Player {
     }
 
     async #open() {
+        if (this.isClosed) return;
         if (!this.context) {
             this.openContext({ sampleRate: this.rate, latencyHint: 'interactive' });
             this.#gain = new GainNode(this.context, { gain: this.#volume });
             this.#gain.connect(this.context.destination);
         }
         await this.context.resume();
+        if (this.isClosed) return;
         this.#buffer = await this.#decoded();
     }
 
@@ -76,13 +84,17 @@ export class BufferPlayer extends Player {
     }
 
     #decoded() {
-        this.#decoding ??= this.#decode();
+        this.#decoding ??= this.#decode().catch((error) => {
+            // The next attempt may succeed: perhaps the file is there again.
+            this.#decoding = null;
+            throw error;
+        });
         return this.#decoding;
     }
 
     async #decode() {
         if (!this.#load) return null;
-        const bytes = await this.#load();
+        const bytes = await this.#load(this.#loading.signal);
         // Unlike a context that sounds, this one may be made before anybody has asked for sound.
         return new OfflineAudioContext(2, 1, this.rate).decodeAudioData(bytes);
     }
@@ -147,6 +159,7 @@ export class BufferPlayer extends Player {
     async close() {
         this.#plays = false;
         this.#stop();
+        this.#loading.abort();
         await super.close();
     }
 }

@@ -7,6 +7,9 @@ const kScheduleAhead = 1.5;
 // The clicks are started anew when the music is this far from where they expect it.
 const kLargestDrift = 0.012;
 
+// HTMLMediaElement.HAVE_FUTURE_DATA: with less it stands still.
+const kFutureData = 3;
+
 /** Plays a file that cannot be had as bytes, or that is too long to be held decoded, by an audio
  *  element. Where it is exactly is known to a few milliseconds only. */
 export class ElementPlayer extends Player {
@@ -21,7 +24,7 @@ export class ElementPlayer extends Player {
         super(seconds, clickVolume);
         this.#element.preload = 'metadata';
         this.#element.src = address;
-        for (const event of ['play', 'pause', 'ended', 'seeked', 'playing'])
+        for (const event of ['play', 'pause', 'ended', 'seeking', 'seeked', 'waiting', 'playing'])
             this.#element.addEventListener(event, () => this.#changed());
     }
 
@@ -33,16 +36,21 @@ export class ElementPlayer extends Player {
         return !this.#element.paused && !this.#element.ended;
     }
 
+    get isSounding() {
+        return this.isPlaying && !this.#element.seeking && this.#element.readyState >= kFutureData;
+    }
+
     set volume(volume) {
         this.#element.volume = Math.min(1, volume);
     }
 
     async play() {
+        if (this.isClosed) return;
         if (!this.context) this.openContext({ latencyHint: 'interactive' });
         await this.context.resume();
+        if (this.isClosed) return;
         await this.#element.play();
-        this.stopClicks();
-        this.startClicks();
+        this.#changed();
     }
 
     pause() {
@@ -55,9 +63,11 @@ export class ElementPlayer extends Player {
         this.onChange();
     }
 
+    /** The element is started and stopped by keys and buttons of the system, too. */
     #changed() {
+        if (this.isClosed) return;
         this.#anchor();
-        if (this.isPlaying) this.reschedule();
+        if (this.isPlaying) this.startClicks();
         else this.stopClicks();
         this.onChange();
     }
@@ -67,9 +77,9 @@ export class ElementPlayer extends Player {
         if (this.context) this.#offset = this.context.currentTime - this.#element.currentTime;
     }
 
-    /** Keeps clicks and music together. To be called now and then. */
+    /** Keeps clicks and music together. */
     watchEnd() {
-        if (!this.isPlaying || !this.context) return;
+        if (!this.isSounding || !this.context) return;
         const drift = this.context.currentTime - this.#element.currentTime - this.#offset;
         if (Math.abs(drift) < kLargestDrift) return;
         this.#anchor();

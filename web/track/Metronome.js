@@ -2,6 +2,8 @@
 import { firstBeatFrom } from './grid.js';
 
 const kClickSeconds = 0.05;
+// Two clicks this near are of the same beat.
+const kClosestClicks = 0.025;
 const kFallSeconds = 0.012;
 const kDownbeatHertz = 1500;
 const kBeatHertz = 1000;
@@ -27,7 +29,8 @@ export class Metronome {
     #gain;
     #downbeat;
     #beat;
-    #sources = new Set();
+    /** When each of the clicks starts that have not ended. */
+    #starts = new Map();
 
     /** @param context  a BaseAudioContext @param destination  an AudioNode */
     constructor(context, destination) {
@@ -53,17 +56,33 @@ export class Metronome {
 
     #start(buffer, when) {
         // One that is late would sound at once, beside its beat.
-        if (when < this.#context.currentTime) return;
+        const now = this.#context.currentTime;
+        if (when < now) return;
+        // After a small correction of the time, a beat that sounds already may lie ahead again.
+        for (const begun of this.#starts.values())
+            if (begun <= now && when - begun < kClosestClicks) return;
         const source = new AudioBufferSourceNode(this.#context, { buffer });
         source.connect(this.#gain);
-        source.onended = () => this.#sources.delete(source);
-        this.#sources.add(source);
+        source.onended = () => this.#starts.delete(source);
+        this.#starts.set(source, when);
         source.start(when);
     }
 
-    /** Takes back what has not sounded yet. */
+    /** Takes back what has not begun yet. A click that sounds is heard to its end. */
     cancel() {
-        for (const source of this.#sources) source.stop();
-        this.#sources.clear();
+        this.#stop((when) => when > this.#context.currentTime);
+    }
+
+    /** Ends all of them at once. */
+    silence() {
+        this.#stop(() => true);
+    }
+
+    #stop(isMeant) {
+        for (const [source, when] of this.#starts) {
+            if (!isMeant(when)) continue;
+            source.stop();
+            this.#starts.delete(source);
+        }
     }
 }

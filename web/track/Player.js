@@ -17,6 +17,9 @@ export class Player {
     /** Called when it starts, stops or jumps. */
     onChange = () => {};
 
+    /** Set by close(): what was begun before has no effect any more. */
+    isClosed = false;
+
     /** Made by the first play(): browsers let no page sound before somebody asks for it. */
     context = null;
 
@@ -30,6 +33,14 @@ export class Player {
     get isPlaying() {
         return false;
     }
+
+    /** Whether music sounds now, so that the place of a beat is known. */
+    get isSounding() {
+        return this.isPlaying;
+    }
+
+    /** Keeps up with the music. Called now and then while it plays. */
+    watchEnd() {}
 
     /** How far ahead clicks are started, in seconds. */
     get scheduleAhead() {
@@ -83,25 +94,32 @@ export class Player {
     }
 
     startClicks() {
+        clearInterval(this.#timer);
         this.reschedule();
-        this.#timer = setInterval(() => this.#schedule(), kScheduleEveryMs);
+        this.#timer = setInterval(() => this.#tick(), kScheduleEveryMs);
     }
 
     stopClicks() {
         clearInterval(this.#timer);
         this.#timer = 0;
-        this.#metronome?.cancel();
+        this.#metronome?.silence();
     }
 
     /** After a jump or another grid. */
     reschedule() {
         this.#metronome?.cancel();
         this.#scheduledTo = this.scheduleFrom();
-        if (this.isPlaying) this.#schedule();
+        this.#schedule();
+    }
+
+    /** Pages that are not seen draw nothing, and yet play. */
+    #tick() {
+        this.watchEnd();
+        this.#schedule();
     }
 
     #schedule() {
-        if (!this.isPlaying) return;
+        if (!this.isSounding || !this.#metronome) return;
         const to = this.scheduleFrom() + this.scheduleAhead;
         if (to <= this.#scheduledTo) return;
         this.#metronome.schedule(this.#grid, this.#scheduledTo, to,
@@ -110,6 +128,7 @@ export class Player {
     }
 
     async close() {
+        this.isClosed = true;
         this.stopClicks();
         await this.context?.close();
         this.context = null;

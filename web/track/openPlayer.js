@@ -6,8 +6,8 @@ import { ElementPlayer } from './ElementPlayer.js';
 const kLongestDecodedSeconds = 20 * 60;
 
 /** The player for what there is to hear.
- *  @param audio  null: the clicks alone; `load`, a function that yields the bytes of an audio file,
- *                whose position 0 is that of the track, and `isHere`, whether that takes no
+ *  @param audio  null: the clicks alone; `load`, where load(signal) yields the bytes of an audio
+ *                file whose position 0 is that of the track, and `isHere`, whether that takes no
  *                network; `address`, from where the browser may play it. Where both are there,
  *                short tracks are loaded.
  *  @param rate   at which to play what is decoded, Hz */

@@ -164,6 +164,46 @@ TEST_F(StoredExport, RefusesWhatTheCatalogueCannotGive) {
     EXPECT_THAT(absent.err, HasSubstr("/nowhere: there is no such catalogue"));
 }
 
+TEST_F(StoredExport, NeverReplacesTheCatalogueOrWhatLiesBesideIt) {
+    std::vector<std::vector<std::string>> lines;
+    for (const char* ending : {"", ".lock", "-wal", "-shm", "-journal"}) {
+        lines.push_back({"--to=midi", "--bpm=96", "-o", path_ + ending});
+        lines.push_back({"--to=json", "-o", path_ + ending});
+    }
+    std::filesystem::create_hard_link(path_, folder_.file("again.mid"));
+    std::filesystem::create_symlink(path_ + ".lock", folder_.file("silence.mid"));
+    std::filesystem::create_directory_symlink(folder_.path(), folder_.file("same"));
+    lines.push_back({"--to=midi", "--bpm=96", "-o", folder_.file("again.mid")});
+    lines.push_back({"--to=midi", "--bpm=96", "-o", folder_.file("same/c.sqlite-wal")});
+    lines.push_back({"--to=midi", "--overwrite", "-d", folder_.path()});
+    const std::string pattern = folder_.file("{name}");
+    catalogue::Catalogue(path_, catalogue::Catalogue::Access::write)
+        .database()
+        .exec("UPDATE tracks SET path = CAST('/music/c.sqlite.mp3' AS BLOB) WHERE bpm = 96");
+    lines.push_back({"--to=midi", "--overwrite", "-o", pattern});
+    test::writeFile(path_ + ".lock", "");
+    const std::string before = test::readFile(path_);
+    for (const std::vector<std::string>& arguments : lines) {
+        const ToolRun run = catalogued("export", arguments);
+        EXPECT_EQ(run.exitStatus, 2) << arguments.back();
+        EXPECT_THAT(run.err, HasSubstr("the result would replace the catalogue"));
+        EXPECT_EQ(test::readFile(path_), before) << arguments.back();
+        EXPECT_EQ(test::readFile(path_ + ".lock"), "") << arguments.back();
+        EXPECT_FALSE(std::filesystem::exists(folder_.file("a.mid")));
+    }
+}
+
+TEST_F(StoredExport, NeverReplacesATrackThatWasNotChosen) {
+    const std::string track = folder_.file("a");
+    test::writeAudioFile(track, {"wav", "pcm_s16le"}, test::kicks(44100, 5.0, 0.8));
+    ASSERT_EQ(catalogued("scan", {track}).exitStatus, 0);
+    const ToolRun run = catalogued(
+        "export", {"--to=midi", "--text=music/a", "--overwrite", "-o", folder_.file("{name}")});
+    EXPECT_EQ(run.exitStatus, 2);
+    EXPECT_THAT(run.err, HasSubstr("the result would replace a track of the catalogue"));
+    EXPECT_THAT(test::readFile(track), testing::StartsWith("RIFF"));
+}
+
 TEST_F(StoredExport, NeverReplacesATrackOfTheCatalogue) {
     const std::string track = folder_.file("t.wav");
     test::writeAudioFile(track, {"wav", "pcm_s16le"}, test::kicks(44100, 5.0, 0.8));

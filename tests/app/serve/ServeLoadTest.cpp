@@ -48,9 +48,10 @@ protected:
         test::writeFile(path, "");
         std::filesystem::resize_file(path, bytes);
         catalogue::Catalogue catalogue(path_, catalogue::Catalogue::Access::write);
-        catalogue.database().exec("UPDATE tracks SET path = CAST('" + path +
-                                  "' AS BLOB) WHERE path = CAST('/music/a.mp3' AS BLOB)");
-        return std::to_string(catalogue::TrackStore(catalogue).find(path).value());
+        catalogue::TrackStore tracks(catalogue);
+        const auto track = tracks.find("/music/a.mp3").value();
+        tracks.move(track, path, test::stateOf(path), tracks.read(track)->analysed.track.format);
+        return std::to_string(track);
     }
 
     /** It answers within a second, which a server that waits for one client does not. */

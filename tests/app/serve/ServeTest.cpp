@@ -49,8 +49,8 @@ protected:
         scan.settle();
         catalogue::AudioHash hash{};
         hash[0] = 99;
-        scan.put(catalogue::makeAnalysed(found.file, {}, hash, options.track, found.result, 0.0, {},
-                                         "1"));
+        scan.put(catalogue::makeAnalysed(found.file, test::stateOf(path), hash, options.track,
+                                         found.result, 0.0, {}, "1"));
         return std::to_string(catalogue::TrackStore(catalogue).find(path).value());
     }
 };
@@ -253,6 +253,28 @@ TEST_F(Serve, SaysOfAFileThatIsGoneThatItCannotBePlayed) {
     std::filesystem::remove(path);
     ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
     EXPECT_EQ(get(pipe).status, 409);
+}
+
+TEST_F(Serve, RefusesAFileThatTookThePlaceOfTheTrack) {
+    const std::string path = folder_.file("one.wav");
+    const std::string track = "/api/tracks/" + addTrack(path, {"wav", "pcm_s16le"});
+    const std::string text = folder_.file("text");
+    test::writeFile(text, "the secret of another program");
+    const std::string other = folder_.file("other.wav");
+    test::writeAudioFile(other, {"wav", "pcm_s16le"}, test::cadence(48000, 2, 8.0, 13, 440.0));
+    for (const std::string& target : {text, other}) {
+        std::filesystem::remove(path);
+        std::filesystem::create_symlink(target, path);
+        EXPECT_EQ(get(track + "/audio").status, 409) << target;
+        EXPECT_EQ(get(track + "/sound").status, 409) << target;
+    }
+    std::filesystem::remove(path);
+    std::filesystem::rename(other, path);
+    for (const char* what : {"/audio", "/sound"}) {
+        const Answer answer = get(track + what);
+        EXPECT_EQ(answer.status, 409) << what;
+        EXPECT_THAT(answer.body, HasSubstr("has changed since it was analysed")) << what;
+    }
 }
 
 TEST_F(Serve, ShowsACatalogueThatMayNotBeWritten) {

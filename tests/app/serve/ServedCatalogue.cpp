@@ -4,6 +4,10 @@
 #include <chrono>
 #include <thread>
 
+#include <sys/stat.h>
+
+#include "scan/fileState.h"
+
 namespace test {
 
 namespace {
@@ -64,6 +68,12 @@ std::string ServedCatalogue::numberOf(const std::string& end) const {
     }
     ADD_FAILURE() << "no track ends with " << end;
     return "0";
+}
+
+catalogue::FileState stateOf(const std::string& path) {
+    struct stat status {};
+    EXPECT_EQ(stat(path.c_str(), &status), 0) << path;
+    return app::fileStateOf(status);
 }
 
 }  // namespace test

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "catalogue/Analysed.h"
 #include "cli/CataloguedTracks.h"
 #include "serve/Exchange.h"
 #include "support/RunningTool.h"
@@ -50,5 +51,8 @@ protected:
     /** "name=value" */
     std::string cookie_;
 };
+
+/** As a scan notes it. */
+catalogue::FileState stateOf(const std::string& path);
 
 }  // namespace test

@@ -55,8 +55,9 @@ class FakeContext {
 }
 
 /** The places of the clicks that will sound, in seconds of the track. */
-function clicks(startedAt, offset = 0) {
+function clicks(startedAt, offset = 0, from = 0) {
     return sources.filter((each) => each.offset === undefined && !each.isStopped)
+        .filter((each) => each.when > from)
         .map((each) => Number((each.when - startedAt + offset).toFixed(6)));
 }
 
@@ -71,6 +72,9 @@ beforeEach(() => {
     globalThis.GainNode = FakeNode;
     globalThis.AudioBufferSourceNode = FakeSource;
     globalThis.AudioContext = FakeContext;
+    globalThis.OfflineAudioContext = class {
+        decodeAudioData = async () => ({});
+    };
     globalThis.setInterval = (call) => {
         tick = call;
         return 1;
@@ -109,7 +113,7 @@ test('after a jump only the clicks from there on sound', async () => {
     await player.play();
     context.currentTime = 101;
     player.seek(10);
-    assert.deepEqual(clicks(101 + kStartDelay, 10), [10, 10.5, 11, 11.5, 12]);
+    assert.deepEqual(clicks(101 + kStartDelay, 10, 101), [10, 10.5, 11, 11.5, 12]);
 });
 
 test('another grid takes the place of the one that was started', async () => {
@@ -117,7 +121,7 @@ test('another grid takes the place of the one that was started', async () => {
     await player.play();
     context.currentTime = 100 + kStartDelay + 1.2;
     player.grid = kGrid.filter((_, i) => i % 2 === 1);
-    assert.deepEqual(clicks(100 + kStartDelay), [1.5, 2.5, 3.5]);
+    assert.deepEqual(clicks(100 + kStartDelay, 0, context.currentTime), [1.5, 2.5, 3.5]);
 });
 
 test('nothing clicks after a pause, and playing goes on where it was', async () => {
@@ -151,6 +155,47 @@ test('it can be asked to play twice at once', async () => {
     const player = makePlayer();
     await Promise.all([player.play(), player.play()]);
     assert.deepEqual(clicks(100 + kStartDelay), [0, 0.5, 1, 1.5, 2]);
+});
+
+test('sound that could not be loaded is asked for again', async () => {
+    let attempts = 0;
+    const player = new BufferPlayer(20, async () => {
+        ++attempts;
+        if (attempts === 1) throw new Error('no answer');
+        return new ArrayBuffer(8);
+    }, 48000, 0.5);
+    await assert.rejects(player.play(), { message: 'no answer' });
+    assert.equal(player.isPlaying, false);
+    await player.play();
+    assert.equal(player.isPlaying, true);
+    assert.equal(attempts, 2);
+});
+
+test('a player that was closed while it loads stays silent, and gives the loading up', async () => {
+    let given = null;
+    let arrive = null;
+    const player = new BufferPlayer(20, (signal) => {
+        given = signal;
+        return new Promise((resolve) => { arrive = resolve; });
+    }, 48000, 0.5);
+    player.grid = kGrid;
+    const playing = player.play();
+    await new Promise((resolve) => { setTimeout(resolve, 0); });
+    await player.close();
+    assert.equal(given.aborted, true);
+    arrive(new ArrayBuffer(8));
+    await playing;
+    await player.play();
+    assert.equal(player.isPlaying, false);
+    assert.deepEqual(sources, []);
+});
+
+test('it ends in a page that is not seen', async () => {
+    const player = makePlayer();
+    await player.play();
+    context.currentTime = 100 + kStartDelay + 20;
+    tick();
+    assert.equal(player.isPlaying, false);
 });
 
 test('places beyond the track are brought into it', () => {

@@ -66,10 +66,24 @@ test('a beat that is past already does not click late', () => {
     assert.deepEqual(sources.map((source) => source.when), [10.5]);
 });
 
-test('what has not sounded can be taken back', () => {
+test('a click that has begun is heard to its end, and once, when the rest is taken back', () => {
+    const context = fakeContext(0);
+    const metronome = new Metronome(context, null);
+    metronome.schedule(kGrid, 0, 9, (seconds) => seconds);
+    context.currentTime = 0.51;
+    metronome.cancel();
+    assert.deepEqual(sources.map((source) => Boolean(source.isStopped)), [false, false, true, true]);
+    // The clock of the music was 12 ms off: the beat that sounds lies ahead by 2 ms.
+    metronome.schedule(kGrid, 0.498, 9, (seconds) => seconds + 0.012);
+    assert.deepEqual(sources.slice(4).map((source) => source.when), [1.012, 1.512]);
+    metronome.silence();
+    assert.ok(sources.slice(1).every((source) => source.isStopped));
+});
+
+test('all that has not ended can be ended', () => {
     const metronome = new Metronome(fakeContext(0), null);
     metronome.schedule(kGrid, 0, 9, (seconds) => seconds);
     sources[0].onended();
-    metronome.cancel();
+    metronome.silence();
     assert.deepEqual(sources.map((source) => Boolean(source.isStopped)), [false, true, true, true]);
 });
