@@ -4,9 +4,11 @@
 Needs in the environment: BEATATLAS_DEMO, which writes music.
 """
 
+import json
 import os
 import signal
 import subprocess
+import sys
 import tempfile
 import unittest
 from pathlib import Path
@@ -59,6 +61,20 @@ class ClusterTest(unittest.TestCase):
                 client.wait_for_workers(2)
                 self.assertNotIn(before[0], worker_pids(client))
         return found
+
+    def test_the_example_writes_a_line_for_each_file(self):
+        example = Path(__file__).parents[2] / "examples/cluster/dask_scan.py"
+        with tempfile.TemporaryDirectory() as folder:
+            track = Path(folder, "track.wav")
+            subprocess.run([DEMO, track], check=True)
+            names = f"{track}\n{folder}/nothing\n{track}\n"
+            run = subprocess.run([sys.executable, example, "--workers", "2"], input=names,
+                                 capture_output=True, text=True, check=True)
+            expected = beatatlas.analyze(track).to_dict()
+        entries = sorted(map(json.loads, run.stdout.splitlines()), key=lambda entry: entry["file"])
+        self.assertEqual(entries[0], {"file": f"{folder}/nothing", "error":
+                                      "cannot be opened: No such file or directory"})
+        self.assertEqual(entries[1:], [expected] * 2)
 
     def test_refuses_what_cannot_travel(self):
         with self.assertRaises(TypeError):
