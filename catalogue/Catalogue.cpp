@@ -81,16 +81,19 @@ Database openWith(const std::string& name, int flags) {
     return database;
 }
 
-/** Where nothing may be written, or the disk is full, SQLite cannot make the files that readers
- *  share; nobody else can write there either, as long as no log waits to be taken over. */
-Database openToRead(const std::string& path) {
+/** Whether SQLite could not make the files that readers share. */
+bool cannotShare(int code, bool isBrief) {
+    if (code == SQLITE_CANTOPEN || code == SQLITE_READONLY) return true;
+    return isBrief && (code == SQLITE_FULL || code == SQLITE_IOERR);
+}
+
+/** Where nothing may be written, what is in the file stays, as long as no log waits to be taken
+ *  over. On a full disk it stays until there is room again. */
+Database openToRead(const std::string& path, bool isBrief) {
     try {
         return openWith(plainName(path), SQLite::OPEN_READONLY);
     } catch (const SQLite::Exception& error) {
-        const int code = error.getErrorCode();
-        const bool cannotShare = code == SQLITE_CANTOPEN || code == SQLITE_READONLY ||
-                                 code == SQLITE_FULL || code == SQLITE_IOERR;
-        if (!cannotShare || hasPendingLog(path)) throw;
+        if (!cannotShare(error.getErrorCode(), isBrief) || hasPendingLog(path)) throw;
         return openWith(immutableUri(path), SQLite::OPEN_READONLY | SQLite::OPEN_URI);
     }
 }
@@ -107,13 +110,13 @@ void requireCatalogue(SQLite::Database& database, const std::string& path) {
     if (version < 1) refuse(path, "is damaged");
 }
 
-/** Waits until a file, or the names in a folder, are on the disk. */
-void syncToDisk(const std::string& path) {
+/** Waits until a file, or the names in a folder, are on the disk. @return 0, or why it failed */
+int syncToDisk(const std::string& path) {
     const int descriptor = open(path.c_str(), O_RDONLY | O_CLOEXEC);
     const bool isSynced = descriptor >= 0 && fsync(descriptor) == 0;
     const int failure = errno;
     if (descriptor >= 0) close(descriptor);
-    if (!isSynced) refuse(path, "cannot be written: " + base::systemReason(failure));
+    return isSynced ? 0 : failure;
 }
 
 /** Keeps the file as it is beside itself, whole or not at all. */
@@ -133,8 +136,11 @@ void copyBeside(const std::string& path, int version) {
             throw;
         }
     }
-    syncToDisk(draft);
+    if (const int failure = syncToDisk(draft); failure != 0)
+        refuse(draft, "cannot be written: " + base::systemReason(failure));
     std::filesystem::rename(draft, copy);
+    // Not every file system can do this, nor everybody who may write into the folder: the copy is
+    // no worse for it as long as the power lasts.
     syncToDisk(std::filesystem::path(copy).parent_path());
 }
 
@@ -187,9 +193,9 @@ Database openToWrite(const std::string& path, bool creates) {
     return database;
 }
 
-Database openExisting(const std::string& path) {
+Database openExisting(const std::string& path, bool isBrief) {
     if (isMissingOrEmpty(path)) refuse(path, "there is no such catalogue");
-    Database database = openToRead(path);
+    Database database = openToRead(path, isBrief);
     requireCatalogue(*database, path);
     if (schemaVersionOf(*database) < kSchemaVersion)
         refuse(path, "is a catalogue of an older version; any command that may write it brings it "
@@ -201,8 +207,9 @@ Database openExisting(const std::string& path) {
 
 Catalogue::Catalogue(const std::string& path, Access access) : path_(path) {
     const auto open = [&] {
-        return access == Access::read ? openExisting(path)
-                                      : openToWrite(path, access == Access::create);
+        return access == Access::read || access == Access::readBriefly
+                   ? openExisting(path, access == Access::readBriefly)
+                   : openToWrite(path, access == Access::create);
     };
     database_ = guarded(path, open);
 }

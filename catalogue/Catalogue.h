@@ -17,7 +17,10 @@ namespace catalogue {
 class Catalogue {
 public:
     enum class Access {
-        read,    ///< also from a place that may not be written to
+        read,  ///< also from a place that may not be written to
+        /** Also from a disk that is full. What is read may become wrong where the disk gets room
+         *  and another program writes: for commands that come to an end. */
+        readBriefly,
         write,   ///< an existing catalogue; one of an older version is brought up to date
         create,  ///< the same, made if there is none
     };

@@ -112,7 +112,11 @@ bool Scan::Storage::put(const Analysed& analysed) {
     occupy(track.path, track.state, track.hash, track.format);
     const TrackStore::Id id = store_.putTrack(track);
     store_.putResult(id, analysed.result, secondsNow(), askedNow(id));
-    store_.refreshCopies(id);
+    if (carrying == Carrying::carried) {
+        store_.refreshCopies(id);
+    } else {
+        store_.refresh(id);
+    }
     drop(kDropFailure, track.path);
     record.release();
     record_.addDone(track.seconds);

@@ -75,7 +75,7 @@ void ExportCommand::declare(CLI::App& arguments) {
         effort_.declare(arguments);
         tracks_.declareReading(arguments);
     });
-    tracks_.declareTelling(arguments);
+    tracks_.declareMessages(arguments);
     stored_.declare(arguments);
 }
 
@@ -254,7 +254,7 @@ std::string ExportCommand::writeOne(const ExportedTrack& exported, std::size_t n
     return file.commit();
 }
 
-/** Nothing is looked for that the format does not tell. */
+/** Nothing is looked for that the format does not hold. */
 media::FileAnalysis::Options ExportCommand::reading(const std::string& path) const {
     media::FileAnalysis::Options options = tracks_.reading(path, effort_.effort());
     beatatlas::track::Options& track = options.track;

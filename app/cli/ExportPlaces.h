@@ -19,7 +19,7 @@ class ExportPlaces {
 public:
     void declare(CLI::App& arguments);
 
-    /** First of all: tells what the arguments mean for documents of this format. */
+    /** First of all: settles what the arguments mean for documents of this format. */
     void choose(const output::ExportFormat& format);
 
     /** Before any track.

@@ -86,7 +86,8 @@ void ListCommand::listAll(const catalogue::Catalogue& catalogue, const catalogue
 
 ExitCode ListCommand::run(ResultStream& results) {
     settle();
-    const catalogue::Catalogue catalogue(catalogue_.path(), catalogue::Catalogue::Access::read);
+    const catalogue::Catalogue catalogue(catalogue_.path(),
+                                         catalogue::Catalogue::Access::readBriefly);
     const catalogue::TrackQuery query = filters_.queryIn(catalogue);
     BufferedLines lines(results);
     const auto writer = makeListWriter(

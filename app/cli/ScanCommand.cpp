@@ -84,7 +84,7 @@ void ScanCommand::declare(CLI::App& arguments) {
     declareOutcome(arguments);
     analysis_.declare(arguments);
     tracks_.declareCutOff(arguments);
-    tracks_.declareTelling(arguments);
+    tracks_.declareMessages(arguments);
 }
 
 void ScanCommand::declareFiles(CLI::App& arguments) {
@@ -182,12 +182,13 @@ bool ScanCommand::mayFindAnything() const {
     const auto isThere = [](const std::string& path) {
         return path == "-" || access(path.c_str(), F_OK) == 0;
     };
-    if (isThere(catalogue_.path()) || std::any_of(paths_.begin(), paths_.end(), isThere))
-        return true;
+    if (isThere(catalogue_.path())) return true;
+    std::vector<std::string> reasons;
     for (const std::string& path : paths_) {
         if (isThere(path)) return true;
-        printFileError(path, "cannot be opened: " + base::systemReason(errno));
+        reasons.push_back("cannot be opened: " + base::systemReason(errno));
     }
+    for (std::size_t i = 0; i < paths_.size(); ++i) printFileError(paths_[i], reasons[i]);
     return false;
 }
 

@@ -20,7 +20,7 @@ public:
 private:
     void declareOwn(CLI::App& arguments) override;
     catalogue::Catalogue::Access access() const override {
-        return catalogue::Catalogue::Access::read;
+        return catalogue::Catalogue::Access::readBriefly;
     }
     void begin(ResultStream& results) override;
     void handle(const catalogue::Catalogue& catalogue, const std::string& file,

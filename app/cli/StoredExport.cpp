@@ -44,7 +44,7 @@ void StoredExport::open(const ExportFormat& format, bool withWaves) {
                                " is made of: name the files");
     filters_.settle();
     catalogue_ = std::make_unique<catalogue::Catalogue>(argument_.path(),
-                                                        catalogue::Catalogue::Access::read);
+                                                        catalogue::Catalogue::Access::readBriefly);
     query_ = filters_.queryIn(*catalogue_);
 }
 

@@ -23,7 +23,7 @@ std::string requireRawFormat(const std::string& text) {
 
 void TrackArguments::declare(CLI::App& arguments) {
     declareReading(arguments);
-    declareTelling(arguments);
+    declareMessages(arguments);
 }
 
 void TrackArguments::declareReading(CLI::App& arguments) {
@@ -42,7 +42,7 @@ void TrackArguments::declareCutOff(CLI::App& arguments) {
                        "take what is there of a track that was cut off");
 }
 
-void TrackArguments::declareTelling(CLI::App& arguments) {
+void TrackArguments::declareMessages(CLI::App& arguments) {
     arguments.add_flag("-q,--quiet", isQuiet_,
                        "tell nothing of progress; warnings and errors stay");
     arguments.add_flag("-v,--verbose", isVerbose_,

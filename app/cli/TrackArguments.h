@@ -25,16 +25,16 @@ class TrackArguments {
 public:
     void declare(CLI::App& arguments);
 
-    /** @name The two halves of declare(): how tracks are read, and what is told of that
+    /** @name The two halves of declare(): how tracks are read, and what is printed of that
      *  @{ */
     void declareReading(CLI::App& arguments);
     /** Of reading only what a command takes that reads names by standard input. */
     void declareCutOff(CLI::App& arguments);
-    void declareTelling(CLI::App& arguments);
+    void declareMessages(CLI::App& arguments);
     /** @} */
 
     /** Before the first track. @param paths  of all the tracks, in their order
-     *  @throws UsageError when they ask for standard input twice, or tell its format and not
+     *  @throws UsageError when they ask for standard input twice, or name its format and not
      *          itself */
     void settle(const std::vector<std::string>& paths);
 

@@ -20,9 +20,9 @@ struct Playlist {
 /** Reads a playlist.
  *
  *  Lists are written by many programs in many ways. UTF-8 and UTF-16 are recognised by their mark,
- *  UTF-8 also without one, lines end in LF, CR LF or CR, and files may be named by "file:" addresses.
- *  Where no file has the name as it stands, it is read as Windows writes it: in its Western
- *  code page, with backslashes between folders; and with percent escapes.
+ *  UTF-8 also without one, lines end in LF, CR LF or CR, and files may be named by "file:"
+ *  addresses. Where no file has the name as it stands, it is read as Windows writes it: in its
+ *  Western code page, with backslashes between folders; and with percent escapes.
  *  @throws TrackError when the list cannot be read */
 Playlist readPlaylist(const std::string& path);
 

@@ -18,8 +18,8 @@ enum class Carrying {
 };
 
 /** Gives the corrections of the sound that a file held until now to the one that it holds, where
- *  they still mean the same: the file is the same to the byte's time and another decoder reads it,
- *  or it was encoded anew and isSameSound(). Corrections that the new sound has already stay alone.
+ *  they still mean the same: the file has the same size and time, and another decoder reads it, or
+ *  it was encoded anew and isSameSound(). Corrections that the new sound has already stay alone.
  *  Called in a transaction, before the new sound is stored. @throws SQLite::Exception */
 Carrying carryCorrections(SQLite::Database& database, TrackStore& store, const Analysed& next);
 

@@ -26,7 +26,7 @@ constexpr const char* kSmallCache = "PRAGMA cache_size = -256";
 }  // namespace
 
 MergeSource::MergeSource(const std::string& path)
-    : catalogue_(path, Catalogue::Access::read), store_(catalogue_),
+    : catalogue_(path, Catalogue::Access::readBriefly), store_(catalogue_),
       tracks_(catalogue_.database(), kTracks), failures_(catalogue_.database(), kFailures),
       edits_(catalogue_.database(), kEdits) {
     catalogue_.database().exec(kSmallCache);

@@ -94,6 +94,18 @@ Edits joinedKind(const std::vector<Edits>& lists, bool ofKey, bool& isConflict) 
     return whole;
 }
 
+/** Both by their times. Each keeps its own order, also where a clock was set back. */
+Edits inTurn(const Edits& grid, const Edits& key) {
+    Edits whole;
+    auto next = key.begin();
+    for (const StoredEdit& edit : grid) {
+        while (next != key.end() && next->madeAt < edit.madeAt) whole.push_back(*next++);
+        whole.push_back(edit);
+    }
+    whole.insert(whole.end(), next, key.end());
+    return whole;
+}
+
 }  // namespace
 
 MergeTrack joined(std::vector<MergeTrack> tracks) {
@@ -117,11 +129,7 @@ std::vector<StoredEdit> joined(const std::vector<std::vector<StoredEdit>>& lists
     isConflict = false;
     const Edits grid = joinedKind(lists, false, isConflict);
     const Edits key = joinedKind(lists, true, isConflict);
-    Edits whole;
-    std::merge(
-        grid.begin(), grid.end(), key.begin(), key.end(), std::back_inserter(whole),
-        [](const StoredEdit& one, const StoredEdit& other) { return one.madeAt < other.madeAt; });
-    return whole;
+    return inTurn(grid, key);
 }
 
 }  // namespace catalogue

@@ -25,8 +25,7 @@ struct ScanProgress {
 /** The scan that has not said that it ended: it runs, or it was killed. @throws CatalogueError */
 std::optional<ScanProgress> unfinishedScan(const Catalogue& catalogue);
 
-/** Whether a process fills the catalogue. A scan that begins in the very moment of this call takes
- *  it for another scan and refuses to run, so it is to be asked rarely. */
+/** Whether a process fills the catalogue. */
 bool isBeingScanned(const Catalogue& catalogue);
 
 }  // namespace catalogue

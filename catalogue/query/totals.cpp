@@ -12,7 +12,8 @@ namespace {
 
 // Each is counted along an index.
 constexpr const char* kTotals = R"sql(
-SELECT (SELECT count(*) FROM tracks WHERE is_gone = 0), (SELECT count(*) FROM tracks WHERE is_gone = 1),
+SELECT (SELECT count(*) FROM tracks WHERE is_gone = 0),
+    (SELECT count(*) FROM tracks WHERE is_gone = 1),
     (SELECT count(*) FROM tracks WHERE is_gone = 0 AND is_corrected = 1),
     (SELECT count(*) FROM failures WHERE kind <> 'not-audio'))sql";
 

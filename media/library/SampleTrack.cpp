@@ -51,7 +51,6 @@ SampleTrack::SampleTrack(const float* samples, int rate, int channels, std::int6
         chain.put(*describe(samples + at * channels, rate, channels, count));
     }
     chain.finish();
-    source_.format.container = "";
     source_.format.codec = "pcm_f32";
     source_.format.channels = channels;
     source_.format.trackRate = rate;

@@ -30,6 +30,16 @@ using testing::HasSubstr;
 
 using Access = Catalogue::Access;
 
+/** What a process returns that may do no more than anybody: the superuser may write everywhere. */
+template <class Work>
+int statusAsAnybody(Work work) {
+    const pid_t child = fork();
+    if (child == 0) _exit(geteuid() == 0 && setuid(65534) != 0 ? 1 : work());
+    int status = -1;
+    waitpid(child, &status, 0);
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
 class CatalogueFile : public testing::Test {
 protected:
     std::string refusalOf(Access access) const {
@@ -224,20 +234,29 @@ TEST_F(CatalogueFile, CanBeReadWhereNothingMayBeWritten) {
     namespace fs = std::filesystem;
     fs::permissions(path_, fs::perms(0444));
     fs::permissions(folder_.path(), fs::perms(0555));
-    const pid_t child = fork();
-    if (child == 0) {
-        // The superuser may write everywhere.
-        if (geteuid() == 0 && setuid(65534) != 0) _exit(1);
-        if (refusalOf(Access::write) != path_ + ": may not be written to") _exit(2);
-        if (refusalOf(Access::read) != "opened") _exit(3);
-        _exit(valueOf(Catalogue(path_, Access::read), "SELECT title FROM tracks") == "Track 1" ? 0
-                                                                                               : 4);
-    }
-    int status = -1;
-    ASSERT_EQ(waitpid(child, &status, 0), child);
+    const int status = statusAsAnybody([&] {
+        if (refusalOf(Access::write) != path_ + ": may not be written to") return 2;
+        if (refusalOf(Access::read) != "opened") return 3;
+        return valueOf(Catalogue(path_, Access::read), "SELECT title FROM tracks") == "Track 1" ? 0
+                                                                                                : 4;
+    });
     fs::permissions(folder_.path(), fs::perms::owner_all);
-    EXPECT_TRUE(WIFEXITED(status));
-    EXPECT_EQ(WEXITSTATUS(status), 0);
+    EXPECT_EQ(status, 0);
+}
+
+// The names in such a folder cannot be brought to the disk.
+TEST_F(CatalogueFile, OfAnOlderVersionIsBroughtUpToDateWhereItsFolderCannotBeListed) {
+    makeVersionOne(path_);
+    namespace fs = std::filesystem;
+    fs::permissions(path_, fs::perms(0666));
+    fs::permissions(folder_.path(), fs::perms(0333));
+    const int status =
+        statusAsAnybody([&] { return refusalOf(Access::write) == "opened" ? 0 : 2; });
+    fs::permissions(folder_.path(), fs::perms::owner_all);
+    EXPECT_EQ(status, 0);
+    EXPECT_EQ(valueOf(Catalogue(path_, Access::read), "PRAGMA user_version"),
+              std::to_string(kSchemaVersion));
+    EXPECT_TRUE(fs::exists(path_ + ".version1"));
 }
 
 /** A disk of 2 MB, which takes the superuser to mount. */
@@ -266,7 +285,7 @@ private:
     bool isMounted_ = false;
 };
 
-TEST_F(CatalogueFile, CanBeReadWhereTheDiskIsFull) {
+TEST_F(CatalogueFile, CanBeReadBrieflyWhereTheDiskIsFull) {
     const SmallDisk disk(folder_.path());
     if (!disk.isMounted()) GTEST_SKIP() << "no disk can be mounted here";
     {
@@ -275,7 +294,9 @@ TEST_F(CatalogueFile, CanBeReadWhereTheDiskIsFull) {
     }
     disk.fill();
     ASSERT_EQ(std::filesystem::space(folder_.path()).available, 0U);
-    EXPECT_EQ(valueOf(Catalogue(path_, Access::read), "SELECT title FROM tracks"), "Track 1");
+    EXPECT_EQ(valueOf(Catalogue(path_, Access::readBriefly), "SELECT title FROM tracks"),
+              "Track 1");
+    EXPECT_NE(refusalOf(Access::read), "opened");
 }
 
 // As seen by readers: nothing, or all of what was committed.
