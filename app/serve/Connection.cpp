@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <utility>
 
+#include <fmt/format.h>
 #include <poll.h>
 #include <sys/socket.h>
 #include <unistd.h>
@@ -87,9 +88,11 @@ bool Connection::send(std::string_view bytes, const std::atomic<bool>& isStopped
     return !isBroken_;
 }
 
-void Connection::dismiss(const char* status) {
+void Connection::dismiss(const char* status, std::string_view sentence) {
     const std::string answer =
-        std::string("HTTP/1.1 ") + status + "\r\nContent-Length: 0\r\nConnection: close\r\n\r\n";
+        fmt::format("HTTP/1.1 {}\r\nContent-Type: text/plain\r\nContent-Length: {}\r\n"
+                    "Connection: close\r\n\r\n{}",
+                    status, sentence.size(), sentence);
     // A few bytes that nothing came before always have room.
     const ssize_t ignored =
         ::send(socket_, answer.data(), answer.size(), MSG_DONTWAIT | MSG_NOSIGNAL);

@@ -41,8 +41,8 @@ public:
      *  @return false when not all of it was sent; nothing more can be sent then */
     bool send(std::string_view bytes, const std::atomic<bool>& isStopped);
 
-    /** Answers with a status and no content, if that can be done at once. */
-    void dismiss(const char* status);
+    /** Answers with a status and a sentence, or none, if that can be done at once. */
+    void dismiss(const char* status, std::string_view sentence);
 
 private:
     bool awaitRoom(const std::atomic<bool>& isStopped) const;

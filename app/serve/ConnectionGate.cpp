@@ -67,7 +67,7 @@ void ConnectionGate::receive(std::unique_ptr<Connection>& connection) {
     const Connection::Reading reading = connection->read(kMostHeadBytes + kMostBodyBytes);
     const RequestFrame frame = frameOf(connection->received());
     if (frame.refusal != nullptr) {
-        connection->dismiss(frame.refusal);
+        connection->dismiss(frame.refusal, frame.advice);
         connection.reset();
     } else if (frame.isWhole(connection->received().size())) {
         take_(std::move(connection), frame);
@@ -81,7 +81,7 @@ void ConnectionGate::dismissLate() {
         return Connection::Clock::now() - connection->since() > kMostSeconds;
     };
     while (!waiting_.empty() && isLate(waiting_.front())) {
-        waiting_.front()->dismiss("408 Request Timeout");
+        waiting_.front()->dismiss("408 Request Timeout", "");
         waiting_.erase(waiting_.begin());
     }
     while (gatheredBytes() > kMostGathered) waiting_.erase(waiting_.begin());
