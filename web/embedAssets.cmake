@@ -6,8 +6,6 @@ cmake_minimum_required(VERSION 3.25)
 set(type_of_html "text/html")
 set(type_of_js "text/javascript")
 set(type_of_css "text/css")
-set(type_of_svg "image/svg+xml")
-set(type_of_txt "text/plain")
 
 # What follows -- are the files.
 set(first 0)

@@ -48,10 +48,8 @@ void ServeCommand::declare(CLI::App& arguments) {
 ExitCode ServeCommand::run(ResultStream& results) {
     const std::string path = catalogue_.path();
     requireCatalogue(path);
-    const std::string address = unguarded(address_);
-    const Listener listener(address, port_);
-    const bool isForAll = address == "0.0.0.0" || address == "::";
-    const Access access(address, listener.port(), isForAll);
+    const Listener listener(unguarded(address_), port_);
+    const Access access(listener.address(), listener.port(), listener.isForAll());
     Application application(path, access);
     HttpServer server(listener.socket(), [&application](const HttpRequest& request) {
         return application.answer(request);

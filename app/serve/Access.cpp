@@ -19,6 +19,10 @@ namespace {
 
 constexpr int kUsualPort = 80;
 
+// A browser sends the cookies of all ports, and those of programs that have ended pile up until its
+// requests are too long.
+constexpr int kCookieSeconds = 86400;
+
 constexpr const char* kTokenName = "token";
 
 constexpr const char* kUninvited =
@@ -106,8 +110,8 @@ HttpReply Access::admission() const {
     reply.status = 303;
     reply.headers = {
         {"Location", "/"},
-        {"Set-Cookie",
-         fmt::format("beatatlas-{}={}; HttpOnly; SameSite=Strict; Path=/", port_, pass_)}};
+        {"Set-Cookie", fmt::format("beatatlas-{}={}; HttpOnly; SameSite=Strict; Path=/; Max-Age={}",
+                                   port_, pass_, kCookieSeconds)}};
     return reply;
 }
 

@@ -13,7 +13,10 @@ namespace app {
  *  Whoever knows the address that was printed gets a cookie for it, and is sent on to an address
  *  without the secret, which thus stays in no history. All else takes that cookie. Pages of other
  *  sites, of other programs on the same computer, and names that were made to lead here by a foreign
- *  name server are refused whether they have the cookie or not. */
+ *  name server are refused whether they have the cookie or not.
+ *
+ *  A browser sends the cookie to every port of this host. Another program on the same computer whose
+ *  page the person opens receives it and can act with it; no cookie can be bound to a port. */
 class Access {
 public:
     /** @param address   at which the server listens, in numbers

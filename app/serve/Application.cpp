@@ -42,6 +42,11 @@ HttpReply assetReply(std::string_view name) {
     return reply;
 }
 
+/** Scripts and styles. The pages beside them have addresses of their own, or are filled in first. */
+HttpReply partReply(std::string_view name) {
+    return name.ends_with(".html") ? notFound() : assetReply(name);
+}
+
 }  // namespace
 
 Application::Application(std::string path, const Access& access)
@@ -63,10 +68,10 @@ HttpReply Application::answer(const HttpRequest& request) {
 HttpReply Application::answerAdmitted(const HttpRequest& request) {
     const std::string& path = request.path;
     if (path.starts_with(kTrackPrefix)) return answerTrack(request);
-    if (path == "/api/export") return held(exportReply(path_, request));
+    if (path == "/api/export") return held([&] { return exportReply(path_, request); });
     if (!request.isReading()) return wrongMethod("GET, HEAD");
     if (path == "/") return assetReply("library.html");
-    if (path.starts_with(kWebPrefix)) return assetReply(path.substr(kWebPrefix.size()));
+    if (path.starts_with(kWebPrefix)) return partReply(path.substr(kWebPrefix.size()));
     if (path == "/api/tracks") return jsonReply(lists_.page(request).dump());
     if (path == "/api/strips") return jsonReply(lists_.strips(request).dump());
     if (path == "/api/scan") return jsonReply(lists_.totals().dump());
@@ -89,14 +94,14 @@ HttpReply Application::dispatchTrack(const HttpRequest& request, StoredTracks::I
     }
     if (!request.isReading()) return wrongMethod("GET, HEAD");
     if (what.empty()) return tracks_.view(track);
-    if (what == "audio") return held(tracks_.file(track, request.range));
-    if (what == "sound") return held(tracks_.sound(track));
+    if (what == "audio") return held([&] { return tracks_.file(track, request.range); });
+    if (what == "sound") return held([&] { return tracks_.sound(track); });
     return notFound();
 }
 
-/** The answer with a place for as long as it is being sent. */
-HttpReply Application::held(HttpReply reply) {
-    if (!reply.write) return reply;
+/** The answer with a place for as long as it is being sent. The place is taken first: what there is
+ *  none for is not even opened. */
+HttpReply Application::held(const std::function<HttpReply()>& make) {
     const auto leave = [](std::atomic<int>* count) { --*count; };
     ++slowReplies_;
     const std::shared_ptr<std::atomic<int>> place(&slowReplies_, leave);
@@ -105,6 +110,8 @@ HttpReply Application::held(HttpReply reply) {
         busy.headers.emplace_back("Retry-After", "1");
         return busy;
     }
+    HttpReply reply = make();
+    if (!reply.write) return reply;
     reply.write = [place, write = std::move(reply.write)](const ByteSink& sink) {
         return write(sink);
     };

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <atomic>
+#include <functional>
 #include <string>
 
 #include "serve/Access.h"
@@ -27,7 +28,7 @@ private:
     HttpReply answerTrack(const HttpRequest& request);
     HttpReply dispatchTrack(const HttpRequest& request, StoredTracks::Id track,
                             const std::string& what);
-    HttpReply held(HttpReply reply);
+    HttpReply held(const std::function<HttpReply()>& make);
 
     std::string path_;
     const Access& access_;

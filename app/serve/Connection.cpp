@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <utility>
 
+#include <fmt/format.h>
 #include <poll.h>
 #include <sys/socket.h>
 #include <unistd.h>
@@ -20,15 +21,16 @@ constexpr int kMostRestBlocks = 64;
 // A pause in an audio element stops its reading: the browser asks again for what is missing.
 constexpr std::chrono::seconds kPatience(20);
 constexpr std::size_t kLeastBytesPerSecond = 32768;
+constexpr std::chrono::seconds kLongestSilence(60);
 
 // How soon the end of the program is noticed.
 constexpr int kPollMilliseconds = 100;
 
 }  // namespace
 
-Connection::Connection(int socket, std::shared_ptr<std::atomic<int>> open)
-    : socket_(socket), open_(std::move(open)) {
-    ++*open_;
+Connection::Connection(int socket, std::shared_ptr<ConnectionLoad> load)
+    : socket_(socket), load_(std::move(load)) {
+    ++load_->connections;
 }
 
 Connection::~Connection() {
@@ -39,7 +41,8 @@ Connection::~Connection() {
         if (recv(socket_, rest.data(), rest.size(), MSG_DONTWAIT) <= 0) break;
     }
     close(socket_);
-    --*open_;
+    load_->receivedBytes -= received_.size();
+    --load_->connections;
 }
 
 Connection::Reading Connection::read(std::size_t mostBytes) {
@@ -49,6 +52,7 @@ Connection::Reading Connection::read(std::size_t mostBytes) {
         const ssize_t count = recv(socket_, block.data(), wanted, MSG_DONTWAIT);
         if (count > 0) {
             received_.append(block.data(), static_cast<std::size_t>(count));
+            load_->receivedBytes += static_cast<std::size_t>(count);
             continue;
         }
         if (count < 0 && errno == EINTR) continue;
@@ -58,10 +62,15 @@ Connection::Reading Connection::read(std::size_t mostBytes) {
     return Reading::full;
 }
 
+/** Whoever took much at first does not earn a long silence by it: what is at hand is bounded. */
+Connection::Clock::time_point Connection::deadline() const {
+    const auto earned = std::chrono::seconds(sent_ / kLeastBytesPerSecond);
+    return std::min(answeredSince_ + kPatience + earned, takenAt_ + kLongestSilence);
+}
+
 bool Connection::awaitRoom(const std::atomic<bool>& isStopped) const {
     while (!isStopped) {
-        const auto earned = std::chrono::seconds(sent_ / kLeastBytesPerSecond);
-        if (Clock::now() > answeredSince_ + kPatience + earned) return false;
+        if (Clock::now() > deadline()) return false;
         pollfd room{socket_, POLLOUT, 0};
         const int ready = poll(&room, 1, kPollMilliseconds);
         if (ready > 0) return (room.revents & (POLLERR | POLLHUP | POLLNVAL)) == 0;
@@ -71,13 +80,17 @@ bool Connection::awaitRoom(const std::atomic<bool>& isStopped) const {
 }
 
 bool Connection::send(std::string_view bytes, const std::atomic<bool>& isStopped) {
-    if (answeredSince_ == Clock::time_point()) answeredSince_ = Clock::now();
+    if (answeredSince_ == Clock::time_point()) answeredSince_ = takenAt_ = Clock::now();
     while (!isBroken_ && !bytes.empty()) {
+        // A client that takes everything at once never makes it wait for room.
+        if (isStopped) isBroken_ = true;
+        if (isBroken_) break;
         const ssize_t count =
             ::send(socket_, bytes.data(), bytes.size(), MSG_DONTWAIT | MSG_NOSIGNAL);
         if (count >= 0) {
             bytes.remove_prefix(static_cast<std::size_t>(count));
             sent_ += static_cast<std::size_t>(count);
+            takenAt_ = Clock::now();
         } else if (errno == EAGAIN || errno == EWOULDBLOCK) {
             isBroken_ = !awaitRoom(isStopped);
         } else {
@@ -87,9 +100,11 @@ bool Connection::send(std::string_view bytes, const std::atomic<bool>& isStopped
     return !isBroken_;
 }
 
-void Connection::dismiss(const char* status) {
+void Connection::dismiss(const char* status, std::string_view sentence) {
     const std::string answer =
-        std::string("HTTP/1.1 ") + status + "\r\nContent-Length: 0\r\nConnection: close\r\n\r\n";
+        fmt::format("HTTP/1.1 {}\r\nContent-Type: text/plain\r\nContent-Length: {}\r\n"
+                    "Connection: close\r\n\r\n{}",
+                    status, sentence.size(), sentence);
     // A few bytes that nothing came before always have room.
     const ssize_t ignored =
         ::send(socket_, answer.data(), answer.size(), MSG_DONTWAIT | MSG_NOSIGNAL);

@@ -18,8 +18,8 @@ constexpr int kMostConnections = 2048;
 // For the catalogue, files and the standard streams.
 constexpr rlim_t kOtherDescriptors = 128;
 
-// Bytes of unfinished requests, all together.
-constexpr std::size_t kMostGathered = std::size_t{64} * 1048576;
+// Bytes of requests, all together.
+constexpr std::size_t kMostReceived = std::size_t{64} * 1048576;
 
 constexpr std::chrono::seconds kMostSeconds(10);
 
@@ -47,14 +47,15 @@ ConnectionGate::ConnectionGate(int listening, Take take)
 
 void ConnectionGate::step() {
     // Nothing more is taken while every place is held by a request that is being answered.
-    const bool hasRoom = *open_ < mostOpen_ || !waiting_.empty();
+    const bool hasRoom = load_->connections < mostOpen_ || !waiting_.empty();
     std::vector<pollfd> watched;
     watched.reserve(waiting_.size() + 1);
     watched.push_back({listening_, static_cast<short>(hasRoom ? POLLIN : 0), 0});
     for (const auto& connection : waiting_) watched.push_back({connection->socket(), POLLIN, 0});
     if (poll(watched.data(), watched.size(), kPollMilliseconds) > 0) {
         for (std::size_t i = 0; i < waiting_.size(); ++i) {
-            if (watched[i + 1].revents != 0) receive(waiting_[i]);
+            if (watched[i + 1].revents != 0 && waiting_[i] != nullptr) receive(waiting_[i]);
+            dropOverload();
         }
         std::erase(waiting_, nullptr);
         if (watched.front().revents != 0) acceptSome();
@@ -67,7 +68,7 @@ void ConnectionGate::receive(std::unique_ptr<Connection>& connection) {
     const Connection::Reading reading = connection->read(kMostHeadBytes + kMostBodyBytes);
     const RequestFrame frame = frameOf(connection->received());
     if (frame.refusal != nullptr) {
-        connection->dismiss(frame.refusal);
+        connection->dismiss(frame.refusal, frame.advice);
         connection.reset();
     } else if (frame.isWhole(connection->received().size())) {
         take_(std::move(connection), frame);
@@ -81,20 +82,22 @@ void ConnectionGate::dismissLate() {
         return Connection::Clock::now() - connection->since() > kMostSeconds;
     };
     while (!waiting_.empty() && isLate(waiting_.front())) {
-        waiting_.front()->dismiss("408 Request Timeout");
+        waiting_.front()->dismiss("408 Request Timeout", "");
         waiting_.erase(waiting_.begin());
     }
-    while (gatheredBytes() > kMostGathered) waiting_.erase(waiting_.begin());
 }
 
-std::size_t ConnectionGate::gatheredBytes() const {
-    std::size_t bytes = 0;
-    for (const auto& connection : waiting_) bytes += connection->received().size();
-    return bytes;
+/** Those that wait longest go first. Where all that is left is being answered, whoever sends more
+ *  goes. */
+void ConnectionGate::dropOverload() {
+    for (auto& connection : waiting_) {
+        if (load_->receivedBytes <= kMostReceived) return;
+        connection.reset();
+    }
 }
 
 void ConnectionGate::makeRoom() {
-    if (*open_ >= mostOpen_ && !waiting_.empty()) waiting_.erase(waiting_.begin());
+    if (load_->connections >= mostOpen_ && !waiting_.empty()) waiting_.erase(waiting_.begin());
 }
 
 /** Without descriptors or memory the connection stays in line, and would be offered again and
@@ -113,10 +116,10 @@ void ConnectionGate::noteRefusal(int errorNumber) {
 void ConnectionGate::acceptSome() {
     for (int i = 0; i < kMostAtOnce; ++i) {
         makeRoom();
-        if (*open_ >= mostOpen_) return;
+        if (load_->connections >= mostOpen_) return;
         const int socket = accept4(listening_, nullptr, nullptr, SOCK_NONBLOCK | SOCK_CLOEXEC);
         if (socket < 0) return noteRefusal(errno);
-        waiting_.push_back(std::make_unique<Connection>(socket, open_));
+        waiting_.push_back(std::make_unique<Connection>(socket, load_));
     }
 }
 

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <atomic>
-#include <cstddef>
 #include <functional>
 #include <memory>
 #include <vector>
@@ -33,13 +31,13 @@ private:
     void makeRoom();
     void acceptSome();
     void noteRefusal(int errorNumber);
-    std::size_t gatheredBytes() const;
+    void dropOverload();
 
     int listening_;
     Take take_;
     int mostOpen_;
-    /** Connections that are open, those handed on included. */
-    std::shared_ptr<std::atomic<int>> open_ = std::make_shared<std::atomic<int>>(0);
+    /** Of those handed on, too. */
+    std::shared_ptr<ConnectionLoad> load_ = std::make_shared<ConnectionLoad>();
     /** In the order in which they came. */
     std::vector<std::unique_ptr<Connection>> waiting_;
 };

@@ -178,17 +178,37 @@ private:
     std::atomic<bool> isStopped_{false};
 };
 
+/** Answers that are under way end with the server, also when an exception ends it: the workers wait
+ *  for them. */
+class StopAtEnd {
+public:
+    explicit StopAtEnd(Protocol& protocol) : protocol_(protocol) {}
+    ~StopAtEnd() { protocol_.stopAll(); }
+    StopAtEnd(const StopAtEnd&) = delete;
+    StopAtEnd& operator=(const StopAtEnd&) = delete;
+
+private:
+    Protocol& protocol_;
+};
+
 }  // namespace
 
 void HttpServer::run() {
     Protocol protocol(handler_);
     Workers workers(kThreads);
-    ConnectionGate gate(listening_, [&](std::unique_ptr<Connection> arrived, RequestFrame frame) {
-        const std::shared_ptr<Connection> connection = std::move(arrived);
-        workers.add([&protocol, connection, frame] { protocol.serve(*connection, frame); });
-    });
+    ConnectionGate gate(
+        listening_, [&workers, &protocol](std::unique_ptr<Connection> arrived, RequestFrame frame) {
+            const std::shared_ptr<Connection> connection = std::move(arrived);
+            workers.add([&protocol, connection, frame] {
+                try {
+                    protocol.serve(*connection, frame);
+                } catch (...) {
+                    // Without memory for an answer there is none; the others go on.
+                }
+            });
+        });
+    const StopAtEnd stop(protocol);
     while (!base::Interrupt::isRequested()) gate.step();
-    protocol.stopAll();
 }
 
 }  // namespace app

@@ -1,12 +1,14 @@
 // SPDX-License-Identifier: MIT
 #include "serve/Listener.h"
 
+#include <array>
 #include <cerrno>
 #include <cstring>
 #include <memory>
 
 #include <arpa/inet.h>
 #include <netdb.h>
+#include <netinet/in.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -48,14 +50,28 @@ bool isLoopbackAddress(const sockaddr& address) {
     return IN6_IS_ADDR_LOOPBACK(&six.sin6_addr);
 }
 
-int portOf(int socket) {
+/** Where a socket listens, as the system writes it: an address has many other spellings.
+ *  @throws OutputError */
+Place placeOf(int socket) {
     sockaddr_storage bound{};
     socklen_t length = sizeof bound;
-    if (getsockname(socket, reinterpret_cast<sockaddr*>(&bound), &length) != 0) return 0;
-    // The port stands in the same place for both kinds of addresses.
-    sockaddr_in four{};
-    std::memcpy(&four, &bound, sizeof four);
-    return ntohs(four.sin_port);
+    auto* address = reinterpret_cast<sockaddr*>(&bound);
+    std::array<char, NI_MAXHOST> host{};
+    std::array<char, NI_MAXSERV> port{};
+    if (getsockname(socket, address, &length) != 0 ||
+        getnameinfo(address, length, host.data(), host.size(), port.data(), port.size(),
+                    NI_NUMERICHOST | NI_NUMERICSERV) != 0)
+        throw base::OutputError("the system does not say where it listens");
+    return {host.data(), std::stoi(port.data())};
+}
+
+/** Where the system has IPv6 alone for such a socket unless it is asked, IPv4 reaches it, too. */
+void prepare(int socket, int family) {
+    const int yes = 1;
+    const int no = 0;
+    // The port of a server that ended a moment ago is free.
+    setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes);
+    if (family == AF_INET6) setsockopt(socket, IPPROTO_IPV6, IPV6_V6ONLY, &no, sizeof no);
 }
 
 }  // namespace
@@ -64,16 +80,20 @@ Listener::Listener(const std::string& address, int port) {
     const Address found = addressOf(address, port);
     isLoopback_ = isLoopbackAddress(*found->ai_addr);
     socket_ = ::socket(found->ai_family, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0);
-    const int yes = 1;
-    // The port of a server that ended a moment ago is free.
-    setsockopt(socket_, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes);
-    if (bind(socket_, found->ai_addr, found->ai_addrlen) != 0 || listen(socket_, kBacklog) != 0) {
+    if (socket_ >= 0) prepare(socket_, found->ai_family);
+    if (socket_ < 0 || bind(socket_, found->ai_addr, found->ai_addrlen) != 0 ||
+        listen(socket_, kBacklog) != 0) {
         const std::string reason = base::systemReason(errno);
-        close(socket_);
+        if (socket_ >= 0) close(socket_);
         throw base::OutputError("cannot listen at " + hostName(address) + ":" +
                                 std::to_string(port) + ": " + reason);
     }
-    port_ = portOf(socket_);
+    try {
+        place_ = placeOf(socket_);
+    } catch (...) {
+        close(socket_);
+        throw;
+    }
 }
 
 Listener::~Listener() {

@@ -5,6 +5,13 @@
 
 namespace app {
 
+/** Where a socket listens. */
+struct Place {
+    /** In numbers. */
+    std::string address;
+    int port = 0;
+};
+
 /** A socket at which connections arrive. */
 class Listener {
 public:
@@ -17,14 +24,19 @@ public:
     Listener& operator=(const Listener&) = delete;
 
     int socket() const { return socket_; }
-    int port() const { return port_; }
+    /** As the system writes it, "::1" for "0:0:0:0:0:0:0:1": browsers write it so, too. */
+    const std::string& address() const { return place_.address; }
+    int port() const { return place_.port; }
+
+    /** Whether it listens at every address of the computer. */
+    bool isForAll() const { return address() == "0.0.0.0" || address() == "::"; }
 
     /** Whether only programs on the same computer can reach it. */
     bool isLoopback() const { return isLoopback_; }
 
 private:
     int socket_ = -1;
-    int port_ = 0;
+    Place place_;
     bool isLoopback_ = false;
 };
 

@@ -152,7 +152,7 @@ const TrackLists::Ordered& TrackLists::ordered(const HttpRequest& request) {
         return kept_.front();
     }
     const TrackFilter filter = filterOf(request, *catalogue_);
-    Ordered list{question, {}, {}};
+    Ordered list{question, filter.wantsFailures, {}, {}};
     if (filter.wantsFailures) {
         listFailures(*catalogue_, filter.query.isReversed, std::nullopt,
                      [&](const base::ListedFailure& entry) { list.failures.push_back(entry); });
@@ -173,7 +173,7 @@ Json TrackLists::page(const HttpRequest& request) {
     const std::int64_t to =
         std::min(from + countOf(request, "limit", kUsualPage, kMostOnPage), size);
     Json page = {{"total", size}, {"revision", revision_}, {"offset", from}};
-    if (!list.failures.empty()) {
+    if (list.isOfFailures) {
         page["failures"] = Json::array();
         for (std::int64_t i = from; i < to; ++i)
             page["failures"].push_back(failureJson(list.failures[static_cast<std::size_t>(i)]));

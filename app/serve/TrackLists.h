@@ -45,6 +45,7 @@ public:
 private:
     struct Ordered {
         std::string question;
+        bool isOfFailures = false;
         std::vector<std::int64_t> ids;
         std::vector<base::ListedFailure> failures;
     };

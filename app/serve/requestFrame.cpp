@@ -18,6 +18,10 @@ constexpr std::size_t kLongestRange = 64;
 
 constexpr std::size_t kLongestLine = 8000;
 
+constexpr const char* kTooLong = "431 Request Header Fields Too Large";
+constexpr std::string_view kTooLongAdvice =
+    "The request is too long. Delete the cookies that the browser keeps for this address.\n";
+
 char lower(char character) {
     return character >= 'A' && character <= 'Z' ? static_cast<char>(character - 'A' + 'a')
                                                 : character;
@@ -48,7 +52,7 @@ bool isPlainLine(std::string_view line) {
 const char* readLine(std::string_view line, RequestFrame& frame, bool& hasLength) {
     std::string_view value;
     if (!isPlainLine(line)) return "400 Bad Request";
-    if (line.size() > kLongestLine) return "431 Request Header Fields Too Large";
+    if (line.size() > kLongestLine) return kTooLong;
     if (takesHeader(line, "transfer-encoding", value)) return "411 Length Required";
     if (takesHeader(line, "expect", value)) return "417 Expectation Failed";
     if (takesHeader(line, "range", value) && value.size() > kLongestRange)
@@ -69,8 +73,10 @@ RequestFrame frameOf(std::string_view received) {
     RequestFrame frame;
     const std::size_t end = received.substr(0, kMostHeadBytes).find(kHeadEnd);
     if (end == std::string_view::npos) {
-        if (received.size() >= kMostHeadBytes)
-            frame.refusal = "431 Request Header Fields Too Large";
+        if (received.size() >= kMostHeadBytes) {
+            frame.refusal = kTooLong;
+            frame.advice = kTooLongAdvice;
+        }
         return frame;
     }
     frame.headBytes = end + kHeadEnd.size();
@@ -81,6 +87,7 @@ RequestFrame frameOf(std::string_view received) {
         frame.refusal = readLine(head.substr(0, lineEnd), frame, hasLength);
         head.remove_prefix(lineEnd + kLineEnd.size());
     }
+    if (frame.refusal == kTooLong) frame.advice = kTooLongAdvice;
     return frame;
 }
 

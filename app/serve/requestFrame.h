@@ -7,7 +7,8 @@
 
 namespace app {
 
-/** More than browsers send: a long list of cookies of other programs on the same computer fits. */
+/** Browsers send the cookies of all ports of this computer, in one line of up to 8,000 bytes: those
+ *  of some ninety programs like this one. */
 inline constexpr std::size_t kMostHeadBytes = 16384;
 /** The numbers of a hundred thousand tracks. */
 inline constexpr std::size_t kMostBodyBytes = 1048576;
@@ -19,6 +20,8 @@ struct RequestFrame {
     std::size_t bodyBytes = 0;
     /** "400 Bad Request" and the like, when it will not be answered; else null. */
     const char* refusal = nullptr;
+    /** What a person can do about the refusal; else empty. */
+    std::string_view advice;
 
     bool isWhole(std::size_t received) const {
         return refusal == nullptr && headBytes > 0 && received >= headBytes + bodyBytes;

@@ -7,7 +7,7 @@ import { test } from 'node:test';
 
 const kFolder = new URL('../../web/', import.meta.url);
 const kModules = readdirSync(kFolder, { recursive: true })
-    .filter((name) => name.endsWith('.js') && !name.startsWith('vendor'));
+    .filter((name) => name.endsWith('.js'));
 const kForbidden = /\b(innerHTML|outerHTML|insertAdjacentHTML|document\.write|eval\(|new Function|console\.|debugger)|setAttribute\('(style|on)/;
 const kImport = /^import \{ [\w$]+(, [\w$]+)* \} from '\.\.?\/[\w./-]+';$/;
 const kExport = /^export ((async )?function|class|const) [\w$]+\b/;

@@ -13,7 +13,7 @@ const kLoudnessExponent = 0.6;
 
 /** The loudest level and its colour for each of the bars that a strip is drawn with.
  *  @param bytes  of a strip: level times 8 plus colour */
-export function barsOf(bytes, count) {
+export function stripBars(bytes, count) {
     const bars = [];
     for (let bar = 0; bar < count; ++bar) {
         const from = Math.floor((bar * bytes.length) / count);
@@ -34,6 +34,7 @@ export class Strips {
     #known = new Map();
     #wanted = new Set();
     #timer = null;
+    #generation = 0;
 
     /** @param load     yields strips in base64 by number
      *  @param arrived  is called when some have come */
@@ -42,25 +43,34 @@ export class Strips {
         this.#arrived = arrived;
     }
 
+    /** Tracks may have been analysed anew: all are asked for again, and seen as they were until the
+     *  new ones come. */
+    renew() {
+        ++this.#generation;
+    }
+
     /** Nothing while it is not known; an empty one for a track without a picture. */
     of(id) {
-        return this.#known.get(id);
+        return this.#known.get(id)?.bytes;
     }
 
     /** @param ids  of the rows that are to be seen */
     want(ids) {
-        this.#wanted = new Set(ids.filter((id) => !this.#known.has(id)));
+        this.#wanted = new Set(ids.filter(
+            (id) => this.#known.get(id)?.generation !== this.#generation));
         clearTimeout(this.#timer);
         if (this.#wanted.size > 0) this.#timer = setTimeout(() => this.#fetch(), kWaitMs);
     }
 
     async #fetch() {
         const ids = [...this.#wanted].slice(0, kMostAtOnce);
+        const generation = this.#generation;
         try {
             const strips = await this.#load(ids);
+            if (generation !== this.#generation) return;
             if (this.#known.size > kMostKept) this.#known.clear();
             for (const [id, text] of Object.entries(strips))
-                this.#known.set(Number(id), bytesOf(text));
+                this.#known.set(Number(id), { generation, bytes: bytesOf(text) });
             this.#arrived();
         } catch {
             // The list says when the program does not answer; a row without a picture is one.
@@ -79,7 +89,7 @@ export function drawStrip(canvas, bytes, palette, { width, height }) {
     canvas.height = rows;
     if (!bytes || bytes.length === 0 || columns === 0) return;
     const context = canvas.getContext('2d');
-    const bars = barsOf(bytes, Math.max(1, Math.floor(width / kPitch)));
+    const bars = stripBars(bytes, Math.max(1, Math.floor(width / kPitch)));
     const pitch = columns / bars.length;
     for (const [i, { level, color }] of bars.entries()) {
         const bar = Math.max(1, level * rows);

@@ -7,7 +7,8 @@ export class Unreachable extends Error {}
 async function checked(response) {
     if (response.ok) return response;
     if (response.status === 403)
-        throw new Unreachable('The program was started anew. Open the address that it printed.');
+        throw new Unreachable(
+            'The program knows this page no longer. Open the address that it printed.');
     let reason = `the program answered ${response.status}`;
     try {
         reason = (await response.json()).error ?? reason;

@@ -159,6 +159,7 @@ class Library {
 
     #renew() {
         this.#pages.renew();
+        this.#strips.renew();
         this.#table.draw();
     }
 

@@ -45,14 +45,6 @@ export function beatAt(grid, seconds) {
     return after < grid.length && grid[after].seconds === seconds ? after : after - 1;
 }
 
-/** The beat closest to a time; -1 without beats. */
-export function nearestBeat(grid, seconds) {
-    const after = firstBeatFrom(grid, seconds);
-    if (after === 0) return grid.length > 0 ? 0 : -1;
-    if (after === grid.length) return after - 1;
-    return grid[after].seconds - seconds < seconds - grid[after - 1].seconds ? after : after - 1;
-}
-
 /** The downbeats with the numbers of their bars, from 1. */
 export function barsOf(grid) {
     return grid.filter((beat) => beat.number === 1)

@@ -28,6 +28,8 @@ TEST_F(ServeSecurity, SendsWhoKnowsTheAddressOnWithACookieAndWithoutTheSecret) {
     const std::string cookie = answer.header("Set-Cookie");
     EXPECT_THAT(cookie, HasSubstr("; HttpOnly"));
     EXPECT_THAT(cookie, HasSubstr("; SameSite=Strict"));
+    // Those of programs that have ended do not pile up: browsers send them to all ports.
+    EXPECT_THAT(cookie, HasSubstr("; Max-Age=86400"));
     // What was printed opens nothing once it is seen in a cookie, and the other way round.
     const std::string token = target.substr(target.find('=') + 1);
     EXPECT_EQ(token.size(), 64U);
@@ -131,6 +133,9 @@ TEST_F(ServeSecurity, RefusesRequestsWithoutMeasure) {
     EXPECT_EQ(sendAndReceive(port_, std::string(20000, 'x')).status, 431);
     EXPECT_EQ(sendAndReceive(port_, with("A: " + std::string(9000, 'x') + "\r\n")).status, 431);
     EXPECT_EQ(get("/" + std::string(9000, 'x')).status, 431);
+    const Answer full = get("/", {{"Cookie", std::string(9000, 'x')}});
+    EXPECT_EQ(full.status, 431);
+    EXPECT_THAT(full.body, HasSubstr("Delete the cookies"));
     EXPECT_EQ(sendAndReceive(port_, with("Content-Length: 1048577\r\n")).status, 413);
     EXPECT_EQ(sendAndReceive(port_, with("Content-Length: 0\r\ncontent-length: 5\r\n")).status,
               400);
@@ -153,6 +158,21 @@ TEST_F(ServeSecurity, ListensForProgramsOnThisComputerAloneUnlessItIsAsked) {
                 HasSubstr("other computers can reach this, and nothing is encrypted"));
     EXPECT_EQ(get("/api/tracks", {{"Host", "10.0.0.1:" + std::to_string(port_)}}).status, 200);
     EXPECT_EQ(get("/api/tracks", {{"Host", "evil.example:" + std::to_string(port_)}}).status, 421);
+}
+
+// An address has many spellings; browsers ask for the usual one, whichever was printed.
+TEST_F(ServeSecurity, KnowsItsAddressHoweverItWasSpelled) {
+    start({"--listen", "127.1"});
+    EXPECT_THAT(address_, StartsWith("http://127.0.0.1:"));
+    EXPECT_EQ(get("/api/tracks").status, 200);
+    for (const char* all : {"0", "::0", "::"}) {
+        start({"--listen", all});
+        EXPECT_THAT(address_, StartsWith("http://127.0.0.1:")) << all;
+        EXPECT_EQ(get("/api/tracks").status, 200) << all;
+        EXPECT_EQ(get("/api/tracks", {{"Host", "10.0.0.1:" + std::to_string(port_)}}).status, 200);
+    }
+    start({"--listen", "0:0:0:0:0:0:0:1"});
+    EXPECT_THAT(address_, StartsWith("http://[::1]:"));
 }
 
 TEST_F(ServeSecurity, TakesNoNameForAnAddressAndNoPortThatIsTaken) {

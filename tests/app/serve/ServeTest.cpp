@@ -79,6 +79,26 @@ TEST_F(Serve, ListsFailuresWithTheirReasons) {
     EXPECT_EQ(list["failures"][0]["reason"], "is cut off");
 }
 
+TEST_F(Serve, SendsThePartsOfItsPage) {
+    EXPECT_THAT(get("/").body, HasSubstr("/web/library/library.js"));
+    EXPECT_EQ(get("/web/library/library.js").header("Content-Type"),
+              "text/javascript; charset=utf-8");
+    EXPECT_EQ(get("/web/track/track.css").status, 200);
+    // A page that has gaps to be filled in is none.
+    EXPECT_EQ(get("/web/report.html").status, 404);
+    EXPECT_EQ(get("/web/library.html").status, 404);
+}
+
+TEST_F(Serve, ListsThatThereAreNoFailures) {
+    {
+        const catalogue::Catalogue catalogue(path_, catalogue::Catalogue::Access::write);
+        catalogue.database().exec("DELETE FROM failures");
+    }
+    const Json list = get("/api/tracks?failed=1").json();
+    EXPECT_EQ(list["failures"], Json::array());
+    EXPECT_FALSE(list.contains("tracks"));
+}
+
 TEST_F(Serve, RefusesConditionsThatMeanNothing) {
     for (const char* parameters :
          {"lowest=x", "lowest=nan", "lowest=1e99", "lowest=130&highest=120", "key=H9", "sort=size",

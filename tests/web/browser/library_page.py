@@ -299,7 +299,7 @@ class SmallLibrary(Browsing):
         support.wait_for(self.driver, lambda: "does not answer" in self.one(".notice").text)
         again = Server(self.catalogue, port)
         self.addCleanup(again.stop)
-        support.wait_for(self.driver, lambda: "started anew" in self.one(".notice").text)
+        support.wait_for(self.driver, lambda: "knows this page no longer" in self.one(".notice").text)
         self.driver.get(again.address)
         self.wait_for_rows()
         self.assertFalse(self.driver.find_element(By.ID, "notice").is_displayed())

@@ -6,7 +6,7 @@ import { keyChoices } from '../../../web/library/FilterBar.js';
 import { namesOf, partsOf, spokenRow } from '../../../web/library/rowContent.js';
 import { scanText } from '../../../web/library/ScanStatus.js';
 import { Selection } from '../../../web/library/Selection.js';
-import { barsOf } from '../../../web/library/Strips.js';
+import { stripBars, Strips } from '../../../web/library/Strips.js';
 
 const kTrack = { id: 1, file: '/music/a/b.mp3', artist: 'Somebody', title: 'Song', seconds: 187,
     bpm: 128, key: { number: 12, name: 'A minor', camelot: '8A' }, confidence: 0.91,
@@ -43,12 +43,45 @@ test('keys are offered in the order of the wheel', () => {
 
 test('the loudest point decides about a bar', () => {
     const bytes = new Uint8Array([8 * 3 + 1, 8 * 31 + 4, 8 * 2, 0]);
-    const bars = barsOf(bytes, 2);
+    const bars = stripBars(bytes, 2);
     assert.equal(bars.length, 2);
     assert.deepEqual(bars[0], { level: 1, color: 4 });
     assert.ok(bars[1].level > 0 && bars[1].level < 0.3);
     // More bars than points: each point several times.
-    assert.equal(barsOf(bytes, 8).length, 8);
+    assert.equal(stripBars(bytes, 8).length, 8);
+});
+
+test('strips are asked for again once tracks may have changed', async () => {
+    let level = 1;
+    let answer = null;
+    const strips = new Strips((ids) => new Promise((resolve) => {
+        const text = btoa(String.fromCharCode(8 * level));
+        answer = () => resolve(Object.fromEntries(ids.map((id) => [id, text])));
+    }), () => {});
+    const arrive = async () => {
+        strips.want([7]);
+        await new Promise((resolve) => { setTimeout(resolve, 80); });
+        answer?.();
+        await null;
+        await null;
+    };
+    await arrive();
+    assert.deepEqual([...strips.of(7)], [8]);
+    level = 2;
+    strips.renew();
+    assert.deepEqual([...strips.of(7)], [8]);
+    await arrive();
+    assert.deepEqual([...strips.of(7)], [16]);
+    // An answer to what was asked before may be of the old state.
+    level = 3;
+    strips.renew();
+    strips.want([7]);
+    await new Promise((resolve) => { setTimeout(resolve, 80); });
+    strips.renew();
+    answer();
+    await null;
+    await null;
+    assert.deepEqual([...strips.of(7)], [16]);
 });
 
 test('a selection keeps the order in which tracks were chosen', () => {

@@ -4,7 +4,7 @@ import { test } from 'node:test';
 
 import { bytesOf } from '../../../web/track/bytes.js';
 import {
-    barLength, barsOf, beatAt, firstBeatFrom, nearestBeat, readingsOf, redivided, simpleRatio,
+    barLength, barsOf, beatAt, firstBeatFrom, readingsOf, redivided, simpleRatio,
     unpackBeats,
 } from '../../../web/track/grid.js';
 
@@ -40,15 +40,6 @@ test('a beat is found by the time at which it begins', () => {
     assert.equal(firstBeatFrom(grid, 1.01), 1);
     assert.equal(firstBeatFrom(grid, 2.01), 3);
     assert.equal(beatAt([], 1), -1);
-});
-
-test('the nearest beat lies on either side', () => {
-    const grid = steady(3, 0.5, 1);
-    assert.equal(nearestBeat(grid, 0), 0);
-    assert.equal(nearestBeat(grid, 1.2), 0);
-    assert.equal(nearestBeat(grid, 1.3), 1);
-    assert.equal(nearestBeat(grid, 99), 2);
-    assert.equal(nearestBeat([], 1), -1);
 });
 
 test('bars are numbered by their downbeats', () => {
