@@ -41,7 +41,7 @@ export class TrackPage {
             const data = await loadTrack(id);
             if (turn !== this.#turn) return;
             document.title = `${data.title || data.file} – Beat Atlas`;
-            this.#body = make('div', { class: 'track-body' });
+            this.#body = make('div', { class: 'track-body', tabindex: -1 });
             this.#container.append(this.#body);
             this.#view = showTrack(this.#body, data, {
                 audio: data.gone ? null : { load: (signal) => loadSound(id, signal),
@@ -52,7 +52,8 @@ export class TrackPage {
                     undo: () => undo(id),
                 },
             });
-            this.#back.focus();
+            // Not a button: Space plays.
+            this.#body.focus({ preventScroll: true });
         } catch (error) {
             if (turn !== this.#turn) return;
             this.#problem.textContent = `This track cannot be shown: ${error.message}`;

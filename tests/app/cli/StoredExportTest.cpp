@@ -106,7 +106,8 @@ TEST_F(StoredExport, HasTheCorrectionsAndSaysSoWhereTheFormatCan) {
     EXPECT_THAT(corrected("midi"), HasSubstr("Corrected by hand: doubled"));
     EXPECT_THAT(corrected("ffmetadata"), HasSubstr("comment=Corrected by hand: doubled\n"));
     // The key is as it was found.
-    for (const Json& each : Json::parse(corrected("jams"))["annotations"]) {
+    const Json jams = Json::parse(corrected("jams"));
+    for (const Json& each : jams["annotations"]) {
         const bool isKey = each["namespace"] == "key_mode";
         EXPECT_EQ(each["annotation_metadata"]["data_source"],
                   isKey ? "program" : "program, corrected by hand");
