@@ -41,7 +41,9 @@ export class TrackPage {
             const data = await loadTrack(id);
             if (turn !== this.#turn) return;
             document.title = `${data.title || data.file} – Beat Atlas`;
-            this.#body = make('div', { class: 'track-body', tabindex: -1 });
+            this.#body = make('div', {
+                class: 'track-body', tabindex: -1, role: 'group', 'aria-label': data.title || data.file,
+            });
             this.#container.append(this.#body);
             this.#view = showTrack(this.#body, data, {
                 audio: data.gone ? null : { load: (signal) => loadSound(id, signal),

@@ -208,6 +208,9 @@ class Browsing(unittest.TestCase):
         return self.driver.execute_script(
             "const e = document.activeElement; return e.getAttribute('aria-label') || e.textContent")
 
+    def focused_class(self):
+        return self.driver.execute_script("return document.activeElement.className")
+
 
 class SmallLibrary(Browsing):
     """Three tracks of two bursts a second, which are found to beat 60 times a minute."""
@@ -330,7 +333,13 @@ class SmallLibrary(Browsing):
         self.assertEqual(self.focused(), "Tracks")
         self.type(Keys.ENTER)
         self.wait_for_tempo("60.00")
-        support.wait_for(self.driver, lambda: self.focused() == "Back to the tracks")
+        support.wait_for(self.driver, lambda: self.focused_class() == "track-body")
+        # Space plays, and does not press a button.
+        self.type(Keys.SPACE)
+        support.wait_for(self.driver, lambda: self.driver.execute_script(
+            "return document.querySelector('.track-view [aria-label=Pause]') !== null"))
+        self.type(Keys.SPACE)
+        self.assertIn("#track/", self.driver.current_url)
         for _ in range(60):
             if self.focused() == "× 2":
                 break
