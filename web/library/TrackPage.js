@@ -42,7 +42,8 @@ export class TrackPage {
             if (turn !== this.#turn) return;
             document.title = `${data.title || data.file} – Beat Atlas`;
             this.#body = make('div', {
-                class: 'track-body', tabindex: -1, role: 'group', 'aria-label': data.title || data.file,
+                class: 'track-body', tabindex: -1, role: 'group',
+                'aria-label': data.title || data.file,
             });
             this.#container.append(this.#body);
             this.#view = showTrack(this.#body, data, {
