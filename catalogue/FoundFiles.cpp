@@ -12,7 +12,7 @@ namespace catalogue {
 
 namespace {
 
-constexpr const char* kTables = R"sql(
+constexpr const char* kFoundTables = R"sql(
 DROP TABLE IF EXISTS temp.found;
 DROP TABLE IF EXISTS temp.work;
 CREATE TEMPORARY TABLE found (
@@ -90,7 +90,7 @@ struct FoundFiles::Statements {
 };
 
 FoundFiles::FoundFiles(const Catalogue& catalogue) : catalogue_(catalogue) {
-    catalogue_.database().exec(kTables);
+    catalogue_.database().exec(kFoundTables);
     statements_ = std::make_unique<Statements>(catalogue_.database());
     // One transaction for all; it writes to the temporary tables only and locks nobody out.
     catalogue_.database().exec("BEGIN");

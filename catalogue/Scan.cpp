@@ -14,6 +14,7 @@
 #include "catalogue/TrackStore.h"
 #include "catalogue/WriteBatch.h"
 #include "catalogue/correction/carryCorrections.h"
+#include "catalogue/dropStatements.h"
 #include "catalogue/sqlBinding.h"
 #include "catalogue/sqliteGuard.h"
 
@@ -29,14 +30,11 @@ ON CONFLICT (path) DO UPDATE SET
     reason = excluded.reason, attempts = attempts + 1, last_at = excluded.last_at,
     tried_limit = excluded.tried_limit)sql";
 
-constexpr const char* kDropFailure = "DELETE FROM failures WHERE path = ?1";
-
 constexpr const char* kOfHash = "SELECT id, path FROM tracks WHERE audio_hash = ?1 ORDER BY id";
 
 constexpr const char* kAtPath = R"sql(
 SELECT id, audio_hash, EXISTS (SELECT 1 FROM corrections c WHERE c.audio_hash = t.audio_hash)
 FROM tracks t WHERE path = ?1)sql";
-constexpr const char* kDropTrack = "DELETE FROM tracks WHERE id = ?1";
 
 constexpr const char* kHasResult = R"sql(
 SELECT 1 FROM results r JOIN parameters p ON p.id = r.parameters_id

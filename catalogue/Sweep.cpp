@@ -14,6 +14,7 @@
 #include "base/Interrupt.h"
 #include "catalogue/TrackStore.h"
 #include "catalogue/correction/Corrections.h"
+#include "catalogue/dropStatements.h"
 #include "catalogue/sqlBinding.h"
 
 namespace catalogue {
@@ -30,13 +31,10 @@ constexpr const char* kFailuresBelow =
     "SELECT path FROM failures WHERE path = ?1 OR (path > ?2 AND path < ?3)";
 
 constexpr const char* kMarkGone = "UPDATE tracks SET gone_at = ?2 WHERE id = ?1";
-constexpr const char* kDropFailure = "DELETE FROM failures WHERE path = ?1";
 
 /** Somebody may correct the track after it was read here. */
 constexpr const char* kIsCorrected = R"sql(
 SELECT 1 FROM corrections WHERE audio_hash = (SELECT audio_hash FROM tracks WHERE id = ?1))sql";
-
-constexpr const char* kDropTrack = "DELETE FROM tracks WHERE id = ?1";
 
 std::string folderOf(const std::string& root) {
     return root.ends_with('/') ? root.substr(0, root.size() - 1) : root;

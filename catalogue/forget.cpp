@@ -6,6 +6,7 @@
 #include <SQLiteCpp/Transaction.h>
 
 #include "catalogue/correction/Corrections.h"
+#include "catalogue/dropStatements.h"
 #include "catalogue/sqlBinding.h"
 #include "catalogue/sqliteGuard.h"
 
@@ -13,9 +14,8 @@ namespace catalogue {
 
 namespace {
 
-constexpr const char* kFind = "SELECT id FROM tracks WHERE path = ?1";
-constexpr const char* kDropTrack = "DELETE FROM tracks WHERE path = ?1";
-constexpr const char* kDropFailure = "DELETE FROM failures WHERE path = ?1";
+constexpr const char* kFindTrack = "SELECT id FROM tracks WHERE path = ?1";
+constexpr const char* kDropTrackOfPath = "DELETE FROM tracks WHERE path = ?1";
 
 int executeFor(SQLite::Database& database, const char* sql, const std::string& path) {
     SQLite::Statement statement(database, sql);
@@ -29,12 +29,12 @@ bool forget(const Catalogue& catalogue, const std::string& path, bool withCorrec
     return guarded(catalogue.path(), [&] {
         SQLite::Database& database = catalogue.database();
         SQLite::Transaction transaction(database, SQLite::TransactionBehavior::IMMEDIATE);
-        SQLite::Statement find(database, kFind);
+        SQLite::Statement find(database, kFindTrack);
         bindBytes(find, 1, path);
         if (withCorrections && find.executeStep())
             dropCorrections(database, find.getColumn(0).getInt64());
         find.reset();
-        const int tracks = executeFor(database, kDropTrack, path);
+        const int tracks = executeFor(database, kDropTrackOfPath, path);
         const int failures = executeFor(database, kDropFailure, path);
         transaction.commit();
         return tracks + failures > 0;

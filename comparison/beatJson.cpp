@@ -15,49 +15,49 @@ namespace comparison {
 
 namespace {
 
-using nlohmann::json;
+using Document = nlohmann::json;
 
 /** A member of an object; null where it is none, or has no such member. */
-const json& memberOf(const json& object, const char* name) {
-    static const json nothing;
+const Document& memberOf(const Document& object, const char* name) {
+    static const Document nothing;
     if (!object.is_object()) return nothing;
     const auto found = object.find(name);
     return found == object.end() ? nothing : *found;
 }
 
-std::optional<double> numberOf(const json& value) {
+std::optional<double> numberOf(const Document& value) {
     return value.is_number() ? std::optional(value.get<double>()) : std::nullopt;
 }
 
 /** Nothing unless it is a whole number of a size that counts anything in music. */
-std::optional<int> wholeNumberOf(const json& value) {
+std::optional<int> wholeNumberOf(const Document& value) {
     const auto number = numberOf(value);
     constexpr double kMost = 1e6;
     if (!number || std::abs(*number) > kMost || *number != std::floor(*number)) return std::nullopt;
     return static_cast<int>(*number);
 }
 
-std::optional<double> bpmOf(const json& value) {
+std::optional<double> bpmOf(const Document& value) {
     const auto bpm = numberOf(value);
     return bpm && *bpm > 0.0 ? bpm : std::nullopt;
 }
 
-std::string textOf(const json& value) {
+std::string textOf(const Document& value) {
     return value.is_string() ? value.get<std::string>() : std::string();
 }
 
-SheetBeat beatOf(const json& seconds, const json& number) {
+SheetBeat beatOf(const Document& seconds, const Document& number) {
     return {numberOf(seconds).value_or(std::numeric_limits<double>::quiet_NaN()),
             wholeNumberOf(number)};
 }
 
-BeatSheet readTrack(const json& track) {
+BeatSheet readTrack(const Document& track) {
     if (const std::string reason = textOf(memberOf(track, "error")); !reason.empty())
         throw base::TrackError("holds no result: the track " + reason);
     BeatSheet sheet;
-    const json& beats = memberOf(track, "beats");
+    const Document& beats = memberOf(track, "beats");
     if (beats.is_array()) {
-        for (const json& beat : beats)
+        for (const Document& beat : beats)
             sheet.beats.push_back(beatOf(memberOf(beat, "seconds"), memberOf(beat, "beat")));
     }
     sheet.bpm = bpmOf(memberOf(memberOf(track, "tempo"), "bpm"));
@@ -66,8 +66,8 @@ BeatSheet readTrack(const json& track) {
     return sheet;
 }
 
-BeatSheet readResult(const json& document) {
-    const json& tracks = memberOf(document, "tracks");
+BeatSheet readResult(const Document& document) {
+    const Document& tracks = memberOf(document, "tracks");
     if (!tracks.is_array() || tracks.empty()) throw base::TrackError("holds no track");
     if (tracks.size() > 1)
         throw base::TrackError("holds " + std::to_string(tracks.size()) +
@@ -79,30 +79,30 @@ BeatSheet readResult(const json& document) {
  *  observations, or a list for each of their members. */
 class Observations {
 public:
-    explicit Observations(const json& annotation) : data_(memberOf(annotation, "data")) {}
+    explicit Observations(const Document& annotation) : data_(memberOf(annotation, "data")) {}
 
     std::size_t count() const {
-        const json& list = data_.is_object() ? memberOf(data_, "time") : data_;
+        const Document& list = data_.is_object() ? memberOf(data_, "time") : data_;
         return list.is_array() ? list.size() : 0;
     }
 
-    const json& at(std::size_t index, const char* member) const {
-        static const json nothing;
+    const Document& at(std::size_t index, const char* member) const {
+        static const Document nothing;
         if (data_.is_array()) return memberOf(data_[index], member);
-        const json& list = memberOf(data_, member);
+        const Document& list = memberOf(data_, member);
         return list.is_array() && index < list.size() ? list[index] : nothing;
     }
 
 private:
-    const json& data_;
+    const Document& data_;
 };
 
 /** The first annotation of a namespace. */
-Observations annotationOf(const json& document, const std::string& space) {
-    static const json nothing;
-    const json& annotations = memberOf(document, "annotations");
+Observations annotationOf(const Document& document, const std::string& space) {
+    static const Document nothing;
+    const Document& annotations = memberOf(document, "annotations");
     if (annotations.is_array()) {
-        for (const json& annotation : annotations) {
+        for (const Document& annotation : annotations) {
             if (textOf(memberOf(annotation, "namespace")) == space) return Observations(annotation);
         }
     }
@@ -112,9 +112,9 @@ Observations annotationOf(const json& document, const std::string& space) {
 /** The value that holds longest; nothing when none can be read.
  *  @param read  makes a value of JSON, or nothing */
 template <class Read>
-auto longest(const Observations& observations, Read read) -> decltype(read(json())) {
+auto longest(const Observations& observations, Read read) -> decltype(read(Document())) {
     std::map<double, double> lengths;
-    decltype(read(json())) best;
+    decltype(read(Document())) best;
     for (std::size_t i = 0; i < observations.count(); ++i) {
         const auto value = read(observations.at(i, "value"));
         if (!value) continue;
@@ -125,7 +125,7 @@ auto longest(const Observations& observations, Read read) -> decltype(read(json(
     return best;
 }
 
-BeatSheet readJams(const json& document) {
+BeatSheet readJams(const Document& document) {
     BeatSheet sheet;
     const Observations beats = annotationOf(document, "beat");
     for (std::size_t i = 0; i < beats.count(); ++i)
@@ -138,14 +138,14 @@ BeatSheet readJams(const json& document) {
     }
     sheet.bpm = longest(annotationOf(document, "tempo"), bpmOf);
     sheet.key = longest(annotationOf(document, "key_mode"),
-                        [](const json& value) { return keyNamed(textOf(value)); });
+                        [](const Document& value) { return keyNamed(textOf(value)); });
     return sheet;
 }
 
 }  // namespace
 
 BeatSheet readBeatJson(std::string_view text) {
-    const json document = json::parse(text, nullptr, false);
+    const Document document = Document::parse(text, nullptr, false);
     if (document.is_discarded()) throw base::TrackError("is not whole JSON");
     if (memberOf(document, "annotations").is_array()) return readJams(document);
     if (textOf(memberOf(document, "format")).starts_with("beatatlas.")) return readResult(document);

@@ -11,7 +11,7 @@ namespace media {
 
 namespace {
 
-constexpr int kBufferBytes = 64 * 1024;
+constexpr int kWriteBufferBytes = 64 * 1024;
 
 #if LIBAVFORMAT_VERSION_MAJOR < 61
 using WrittenByte = std::uint8_t;
@@ -26,10 +26,10 @@ public:
     explicit Sink(const std::string& path) : file_(path) {}
 
     AVIOContext* makeContext() {
-        auto* buffer = static_cast<unsigned char*>(av_malloc(kBufferBytes));
+        auto* buffer = static_cast<unsigned char*>(av_malloc(kWriteBufferBytes));
         if (buffer == nullptr) throw std::bad_alloc();
         AVIOContext* io =
-            avio_alloc_context(buffer, kBufferBytes, 1, this, nullptr, writeBytes, seekTo);
+            avio_alloc_context(buffer, kWriteBufferBytes, 1, this, nullptr, writeBytes, seekTo);
         if (io != nullptr) return io;
         av_free(buffer);
         throw std::bad_alloc();

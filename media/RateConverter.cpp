@@ -17,11 +17,6 @@ constexpr int kCdRate = 44100;
 constexpr int kStudioRate = 48000;
 constexpr std::size_t kSpareFrames = 4096;
 
-// Beyond these limits a file's header is certainly wrong, and one block of input could grow to
-// gigabytes.
-constexpr int kLowestRate = 1000;
-constexpr int kHighestRate = 1536000;
-
 [[noreturn]] void refuseRate(int rate) {
     throw base::TrackError("has a sample rate of " + std::to_string(rate) +
                            " Hz, which cannot be converted");

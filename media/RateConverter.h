@@ -10,6 +10,11 @@ struct soxr;
 
 namespace media {
 
+/** Rates that can be converted. Beyond these limits a file's header is certainly wrong, and one
+ *  block of input could grow to gigabytes. */
+constexpr int kLowestRate = 1000;
+constexpr int kHighestRate = 1'536'000;
+
 /** The session's rate for a track: its own when that is 44,100 or 48,000; 44,100 for its quarter,
  *  half, double and quadruple; 48,000 for all others. */
 int sessionRateFor(int trackRate);

@@ -6,6 +6,8 @@
 #include <charconv>
 #include <string_view>
 
+#include "media/RateConverter.h"
+
 namespace media {
 
 namespace {
@@ -20,8 +22,6 @@ constexpr std::array kSampleKinds = {
     SampleKind{"f32le", 4}, SampleKind{"f32be", 4}, SampleKind{"f64le", 8}, SampleKind{"f64be", 8},
 };
 
-constexpr int kLowestRate = 1000;
-constexpr int kHighestRate = 1'536'000;
 constexpr int kMostChannels = 8;
 
 std::optional<int> wholeNumber(std::string_view text, int least, int most) {

@@ -21,7 +21,7 @@ namespace media {
 
 namespace {
 
-constexpr int kMomentMs = 50;
+constexpr int kPollMs = 50;
 constexpr std::size_t kPieceBytes = std::size_t{1} << 18;
 
 /** What has become of it. */
@@ -59,7 +59,7 @@ int openNameless(const std::string& folder) {
 /** Waits in moments, so that a request to stop is noticed. */
 void awaitBytes() {
     pollfd input{STDIN_FILENO, POLLIN, 0};
-    while (poll(&input, 1, kMomentMs) <= 0) base::Interrupt::check();
+    while (poll(&input, 1, kPollMs) <= 0) base::Interrupt::check();
 }
 
 class Copy {

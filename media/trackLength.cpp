@@ -11,7 +11,7 @@ namespace media {
 
 namespace {
 
-constexpr double kLowestSessionRate = 44100.0;
+constexpr double kFewestFramesPerSecond = 44100.0;
 
 }  // namespace
 
@@ -29,7 +29,7 @@ void refuseTooLong(const TrackDecoder& decoder) {
 }
 
 double expectedFrames(const TrackDecoder& decoder) {
-    return std::max(1.0, decoder.declaredSeconds().value_or(0.0) * kLowestSessionRate);
+    return std::max(1.0, decoder.declaredSeconds().value_or(0.0) * kFewestFramesPerSecond);
 }
 
 }  // namespace media

@@ -9,11 +9,11 @@ namespace app {
 
 namespace {
 
-constexpr float kFullScale = 32768.0F;
+constexpr float kPeakFullScale = 32768.0F;
 
 std::int16_t toInteger(float sample) {
     return static_cast<std::int16_t>(
-        std::lround(std::clamp(sample * kFullScale, -kFullScale, kFullScale - 1.0F)));
+        std::lround(std::clamp(sample * kPeakFullScale, -kPeakFullScale, kPeakFullScale - 1.0F)));
 }
 
 float numberOrSilence(float sample) {

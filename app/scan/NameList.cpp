@@ -6,7 +6,7 @@ namespace app {
 namespace {
 
 constexpr std::size_t kDecidingBytes = 65536;
-constexpr std::size_t kMostBytes = 65536;
+constexpr std::size_t kMostNameBytes = 65536;
 
 }  // namespace
 
@@ -44,7 +44,7 @@ std::vector<std::string> NameList::takeComplete() {
 
 /** What comes next is added behind, and lost the same way until the name ends. */
 void NameList::shorten() {
-    if (waiting_.size() > kMostBytes) waiting_.resize(kMostBytes);
+    if (waiting_.size() > kMostNameBytes) waiting_.resize(kMostNameBytes);
 }
 
 }  // namespace app

@@ -19,15 +19,14 @@ namespace app {
 namespace {
 
 constexpr std::chrono::milliseconds kShowEvery{100};
-constexpr std::chrono::seconds kReportEvery{1};
-constexpr double kSecondsPerHour = 3600.0;
+constexpr std::chrono::seconds kEventEvery{1};
 constexpr double kShortestMeasuredSeconds = 0.5;
 
-using json = nlohmann::ordered_json;
+using Event = nlohmann::ordered_json;
 
-void tellProgram(ResultStream& results, const json& event) {
+void tellProgram(ResultStream& results, const Event& event) {
     // Reasons may quote what a file says.
-    results.write(event.dump(-1, ' ', false, json::error_handler_t::replace) + "\n");
+    results.write(event.dump(-1, ' ', false, Event::error_handler_t::replace) + "\n");
 }
 
 }  // namespace
@@ -54,11 +53,11 @@ void ScanProgress::begin(const catalogue::Scan::Counts& counts) {
     tally_.knownFailures = counts.knownFailures;
     begin_ = Clock::now();
     if (manner_ != Manner::json) return;
-    const json event = {{"event", "begin"},
-                        {"found", counts.found},
-                        {"known", counts.known},
-                        {"knownFailures", counts.knownFailures},
-                        {"toDo", counts.toDo}};
+    const Event event = {{"event", "begin"},
+                         {"found", counts.found},
+                         {"known", counts.known},
+                         {"knownFailures", counts.knownFailures},
+                         {"toDo", counts.toDo}};
     tellProgram(results_, event);
 }
 
@@ -67,7 +66,7 @@ bool ScanProgress::isTime() {
     if (now < nextShow_) return false;
     nextShow_ = now;
     if (manner_ == Manner::json)
-        nextShow_ += kReportEvery;
+        nextShow_ += kEventEvery;
     else
         nextShow_ += kShowEvery;
     return true;
@@ -78,14 +77,14 @@ void ScanProgress::show(double weight, double seconds) {
     if (manner_ == Manner::watched) return showLine(lineOf(weight, seconds));
     const double done = fraction(weight);
     const double time = elapsed();
-    json event = {{"event", "progress"},
-                  {"done", tally_.done()},
-                  {"toDo", toDo_},
-                  {"failed", tally_.failed},
-                  {"fraction", done},
-                  {"audioHours", (tally_.audioSeconds + seconds) / kSecondsPerHour},
-                  {"elapsedSeconds", time},
-                  {"speed", time > 0.0 ? (tally_.audioSeconds + seconds) / time : 0.0}};
+    Event event = {{"event", "progress"},
+                   {"done", tally_.done()},
+                   {"toDo", toDo_},
+                   {"failed", tally_.failed},
+                   {"fraction", done},
+                   {"audioHours", (tally_.audioSeconds + seconds) / ScanTally::kSecondsPerHour},
+                   {"elapsedSeconds", time},
+                   {"speed", time > 0.0 ? (tally_.audioSeconds + seconds) / time : 0.0}};
     if (done > 0.0) event["secondsLeft"] = time * (1.0 - done) / done;
     tellProgram(results_, event);
 }
@@ -96,7 +95,7 @@ std::string ScanProgress::lineOf(double weight, double seconds) const {
     const double time = elapsed();
     std::string text = output::grouped(tally_.done()) + " of " + output::grouped(toDo_);
     text += fmt::format("  {:3d} %  {:.1f} h of music", static_cast<int>(done * 100.0),
-                        music / kSecondsPerHour);
+                        music / ScanTally::kSecondsPerHour);
     if (time >= kShortestMeasuredSeconds) text += fmt::format("  {:.0f}x", music / time);
     if (time >= kShortestMeasuredSeconds && done > 0.0)
         text += "  " + output::clockTimeInSeconds(time * (1.0 - done) / done) + " left";
@@ -136,10 +135,10 @@ void ScanProgress::addFailure(const std::string& path, double weight,
     ++tally_.failed;
     tellError(path, failure.reason);
     if (manner_ != Manner::json) return;
-    const json event = {{"event", "failure"},
-                        {"path", base::displayName(path)},
-                        {"kind", catalogue::failureName(failure.kind)},
-                        {"reason", failure.reason}};
+    const Event event = {{"event", "failure"},
+                         {"path", base::displayName(path)},
+                         {"kind", catalogue::failureName(failure.kind)},
+                         {"reason", failure.reason}};
     tellProgram(results_, event);
 }
 
@@ -170,21 +169,21 @@ void ScanProgress::tellEnd(bool isComplete) {
     if (left > 0) text += ", " + output::grouped(left) + " left for the next scan";
     if (!isQuiet_) printError(text);
     if (manner_ != Manner::json) return;
-    const json event = {{"event", "end"},
-                        {"complete", isComplete},
-                        {"analysed", tally_.analysed},
-                        {"known", tally_.known},
-                        {"knownFailures", tally_.knownFailures},
-                        {"retagged", tally_.retagged},
-                        {"moved", tally_.moved},
-                        {"gone", tally_.gone},
-                        {"pruned", tally_.pruned},
-                        {"failed", tally_.failed},
-                        {"notAudio", tally_.notAudio},
-                        {"noFiles", tally_.noFiles},
-                        {"left", left},
-                        {"audioHours", tally_.audioSeconds / kSecondsPerHour},
-                        {"elapsedSeconds", elapsed()}};
+    const Event event = {{"event", "end"},
+                         {"complete", isComplete},
+                         {"analysed", tally_.analysed},
+                         {"known", tally_.known},
+                         {"knownFailures", tally_.knownFailures},
+                         {"retagged", tally_.retagged},
+                         {"moved", tally_.moved},
+                         {"gone", tally_.gone},
+                         {"pruned", tally_.pruned},
+                         {"failed", tally_.failed},
+                         {"notAudio", tally_.notAudio},
+                         {"noFiles", tally_.noFiles},
+                         {"left", left},
+                         {"audioHours", tally_.audioSeconds / ScanTally::kSecondsPerHour},
+                         {"elapsedSeconds", elapsed()}};
     tellProgram(results_, event);
 }
 

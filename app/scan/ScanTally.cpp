@@ -7,16 +7,11 @@
 
 namespace app {
 
-namespace {
-
-constexpr double kSecondsPerHour = 3600.0;
-
-}  // namespace
-
 std::string summaryOf(const ScanTally& tally) {
     std::string text = output::counted(tally.analysed, "track") + " analysed";
     if (tally.analysed > 0)
-        text += fmt::format(" ({:.1f} hours of music)", tally.audioSeconds / kSecondsPerHour);
+        text += fmt::format(" ({:.1f} hours of music)",
+                            tally.audioSeconds / ScanTally::kSecondsPerHour);
     const auto add = [&](std::int64_t number, const char* what) {
         if (number > 0) text += ", " + output::grouped(number) + " " + what;
     };

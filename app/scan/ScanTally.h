@@ -8,6 +8,8 @@ namespace app {
 
 /** What became of the files of a scan. */
 struct ScanTally {
+    static constexpr double kSecondsPerHour = 3600.0;
+
     std::int64_t analysed = 0;
     std::int64_t known = 0;
     std::int64_t knownFailures = 0;  ///< of them those that failed before

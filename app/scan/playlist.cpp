@@ -29,7 +29,7 @@ constexpr std::string_view kBigMark = "\xFE\xFF";
 constexpr const char* kWestern = "WINDOWS-1252";
 
 // Longer than the lists of whole libraries; what is longer is none.
-constexpr std::size_t kMostBytes = std::size_t{256} << 20U;
+constexpr std::size_t kMostListBytes = std::size_t{256} << 20U;
 
 /** As UTF-8; what the encoding does not know becomes a question mark.
  *  @param unit  bytes of the encoding's smallest character, over which what is unknown is left */
@@ -150,7 +150,8 @@ bool isPlaylist(const std::string& path) {
 
 Playlist readPlaylist(const std::string& path) {
     struct stat status = {};
-    if (stat(path.c_str(), &status) == 0 && static_cast<std::size_t>(status.st_size) > kMostBytes)
+    if (stat(path.c_str(), &status) == 0 &&
+        static_cast<std::size_t>(status.st_size) > kMostListBytes)
         throw base::TrackError("is too long for a playlist");
     std::string whole = textOf(readWhole(path));
     // Lines end in LF, in CR and LF, or, of old, in CR; a line without a name is none.

@@ -13,14 +13,14 @@ namespace {
 using nlohmann::json;
 
 // The overviews of the longest track that can be analysed take less.
-constexpr std::size_t kMostBytes = std::size_t{512} << 20U;
+constexpr std::size_t kMostFrameBytes = std::size_t{512} << 20U;
 constexpr std::size_t kLengthBytes = 4;
 
 std::string framed(const json& message) {
     std::string frame(kLengthBytes, '\0');
     json::to_cbor(message, frame);
     const std::size_t length = frame.size() - kLengthBytes;
-    if (length > kMostBytes) throw std::length_error("a result is too long to hand over");
+    if (length > kMostFrameBytes) throw std::length_error("a result is too long to hand over");
     for (std::size_t i = 0; i < kLengthBytes; ++i)
         frame[i] = static_cast<char>((length >> (8 * i)) & 0xFFU);
     return frame;
@@ -201,7 +201,7 @@ std::optional<std::string> FrameGatherer::take() {
     std::size_t length = 0;
     for (std::size_t i = 0; i < kLengthBytes; ++i)
         length |= std::size_t{static_cast<unsigned char>(waiting_[i])} << (8 * i);
-    if (length > kMostBytes) throw std::runtime_error("a frame of impossible length");
+    if (length > kMostFrameBytes) throw std::runtime_error("a frame of impossible length");
     if (waiting_.size() - kLengthBytes < length) return std::nullopt;
     std::string frame = waiting_.substr(kLengthBytes, length);
     waiting_.erase(0, kLengthBytes + length);

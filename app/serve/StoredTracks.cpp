@@ -27,8 +27,8 @@ using catalogue::Catalogue;
 using catalogue::Edit;
 using catalogue::EditKind;
 
-constexpr double kLowestBpm = 20.0;
-constexpr double kHighestBpm = 1000.0;
+constexpr double kLowestCorrectedBpm = 20.0;
+constexpr double kHighestCorrectedBpm = 1000.0;
 constexpr double kLongestShift = 60000.0;  // ms
 constexpr double kLongestTrack = 48695.0;  // s, 2^31 - 1 frames at 44,100 Hz
 
@@ -45,7 +45,7 @@ bool isWithin(double value, double lowest, double highest) {
 bool isSensible(const Edit& edit) {
     switch (edit.kind) {
     case EditKind::bpm:
-        return isWithin(edit.value, kLowestBpm, kHighestBpm);
+        return isWithin(edit.value, kLowestCorrectedBpm, kHighestCorrectedBpm);
     case EditKind::shiftMilliseconds:
         return isWithin(edit.value, -kLongestShift, kLongestShift);
     case EditKind::downbeat:

@@ -22,7 +22,7 @@ namespace app {
 
 namespace {
 
-constexpr std::size_t kBlockBytes = 65536;
+constexpr std::size_t kFileBlockBytes = 65536;
 
 constexpr std::array kMediaTypes = {
     std::pair("mp3", "audio/mpeg"), std::pair("flac", "audio/flac"),
@@ -66,7 +66,7 @@ public:
 
     /** @return false when the file is shorter now, or the sink takes no more */
     bool send(ByteRange range, const ByteSink& sink) const {
-        std::vector<char> block(kBlockBytes);
+        std::vector<char> block(kFileBlockBytes);
         while (range.length > 0) {
             const std::size_t wanted = std::min<std::uint64_t>(block.size(), range.length);
             const ssize_t count =

@@ -19,7 +19,7 @@ constexpr double kLowestBpm = 20.0;
 constexpr double kHighestBpm = 1000.0;
 constexpr double kSecondsPerMinute = 60.0;
 constexpr double kMillisecondsPerSecond = 1000.0;
-constexpr double kPerHundredth = 100.0;
+constexpr double kHundredths = 100.0;
 constexpr int kUsualBar = 4;
 constexpr int kShortestBar = 3;
 
@@ -40,7 +40,7 @@ constexpr std::array<Ratio, 9> kMultiples = {
     {{1, 1}, {2, 1}, {1, 2}, {3, 2}, {2, 3}, {3, 1}, {1, 3}, {4, 1}, {1, 4}}};
 
 double inHundredths(double bpm) {
-    return std::round(bpm * kPerHundredth) / kPerHundredth;
+    return std::round(bpm * kHundredths) / kHundredths;
 }
 
 bool isTempo(double bpm) {
@@ -162,7 +162,7 @@ void setTempo(TrackResult& result, double value) {
         if (!result.bpm || result.beats.empty()) return false;
         // Half of 111.11 is 55.56 for whoever reads it.
         const double offHundredths =
-            std::round(bpm / ratio.value() * kPerHundredth) - *result.bpm * kPerHundredth;
+            std::round(bpm / ratio.value() * kHundredths) - *result.bpm * kHundredths;
         return std::abs(offHundredths) < 1.5;
     };
     const auto multiple = std::find_if(kMultiples.begin(), kMultiples.end(), isOf);

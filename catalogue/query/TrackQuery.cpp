@@ -158,8 +158,8 @@ std::vector<std::int64_t> listIds(const Catalogue& catalogue, const TrackQuery& 
 void listChosen(const Catalogue& catalogue, const std::vector<std::int64_t>& ids,
                 const std::function<void(const base::ListedTrack&)>& show) {
     guarded(catalogue.path(), [&] {
-        SQLite::Statement statement(catalogue.database(),
-                                    std::string(kListed) + "tracks t WHERE t.id = ?");
+        const std::string sql = fmt::format("{}tracks t WHERE t.id = ?", kListed);
+        SQLite::Statement statement(catalogue.database(), sql);
         for (const std::int64_t id : ids) {
             const ResetAfter reset(statement);
             statement.bind(1, id);

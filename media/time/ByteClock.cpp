@@ -19,7 +19,7 @@ namespace media {
 namespace {
 
 constexpr std::size_t kWindowBytes = std::size_t{1} << 16;
-constexpr std::size_t kPrintBytes = 32;
+constexpr std::size_t kFingerprintBytes = 32;
 
 // Packets of a second or two: the mean length is that around a gap, not that of the whole track.
 constexpr std::size_t kPacketsBehind = 64;
@@ -92,13 +92,13 @@ void ByteClock::locate(AVPacket& packet) {
     packet.pos = end_;
     if (standsAt(packet, end_)) return;
     const std::string_view print(reinterpret_cast<const char*>(packet.data),
-                                 std::min<std::size_t>(kPrintBytes, packet.size));
+                                 std::min<std::size_t>(kFingerprintBytes, packet.size));
     const std::int64_t found = findInFile(input_, print, end_, avio_tell(input_.context()));
     if (found >= 0) packet.pos = found;
 }
 
 bool ByteClock::standsAt(const AVPacket& packet, std::int64_t offset) {
-    const std::size_t count = std::min<std::size_t>(kPrintBytes, packet.size);
+    const std::size_t count = std::min<std::size_t>(kFingerprintBytes, packet.size);
     const auto size = static_cast<std::int64_t>(window_.size());
     if (offset < windowAt_ || offset + static_cast<std::int64_t>(count) > windowAt_ + size) {
         window_ = FileBytes(input_, offset, kWindowBytes).text(0, kWindowBytes);

@@ -9,13 +9,12 @@ namespace output {
 
 namespace {
 
-constexpr double kCornerRadius = 6.0;
 constexpr double kLargestRadius = 7.0;
 constexpr double kWidestShareOfPitch = 0.46;  // of the largest radius: dots do not touch
 constexpr double kLeastRadius = 1.0;          // so that the weakest dot is visible
 constexpr double kLeastShareOfRadius = 0.28;
 constexpr double kLeastAlpha = 0.35;
-constexpr double kLegendGap = 8.0;
+constexpr double kDotsLegendGap = 8.0;
 constexpr std::array<double, 4> kLegendShares = {0.0, 0.33, 0.67, 1.0};
 
 // The library's own classes of dots reach from the first level to the second, in steps of 2 dB.
@@ -38,7 +37,7 @@ DotsPanel::DotsPanel(const std::vector<beatatlas::track::WavePoint>& dots,
 
 void DotsPanel::draw(Canvas& canvas) const {
     drawLegend(canvas);
-    canvas.fillRoundedRect(area_, kCornerRadius, theme_.panel);
+    canvas.fillRoundedRect(area_, PictureLayout::kPanelRadius, theme_.panel);
     for (std::size_t i = 0; i < dots_.size(); ++i) {
         const double x = area_.x + (static_cast<double>(i) + 0.5) * pitch_;
         const auto level = static_cast<double>(dots_[i].level);
@@ -67,10 +66,10 @@ void DotsPanel::drawLegend(Canvas& canvas) const {
     const double dotPitch = 2.0 * largestRadius_ + 3.0;
     double x = area_.right() - canvas.textWidth("strong", words_);
     canvas.text(x, y, "strong", words_, area_.width);
-    x -= kLegendGap;
+    x -= kDotsLegendGap;
     for (std::size_t i = kLegendShares.size(); i > 0; --i, x -= dotPitch)
         drawDot(canvas, x - dotPitch / 2.0, dotY, kLegendShares[i - 1]);
-    x -= kLegendGap + canvas.textWidth("weak", words_);
+    x -= kDotsLegendGap + canvas.textWidth("weak", words_);
     canvas.text(x, y, "weak", words_, area_.width);
 }
 

@@ -13,7 +13,6 @@ namespace output {
 
 namespace {
 
-constexpr double kCornerRadius = 6.0;
 constexpr double kPadding = 14.0;
 constexpr double kLeastPitch = 2.6;  // closer together, bars would blur into each other
 constexpr double kBarShare = 0.74;   // of a bar's pitch; the rest is a gap
@@ -72,7 +71,7 @@ bool OverviewPanel::hasKeyChanges() const {
 }
 
 void OverviewPanel::draw(Canvas& canvas) const {
-    canvas.fillRoundedRect(area_, kCornerRadius, theme_.panel);
+    canvas.fillRoundedRect(area_, PictureLayout::kPanelRadius, theme_.panel);
     drawStretchMark(canvas);
     drawWave(canvas);
     drawBars(canvas);
@@ -117,7 +116,7 @@ void OverviewPanel::drawStretchMark(Canvas& canvas) const {
 
 void OverviewPanel::drawKeys(Canvas& canvas) const {
     if (!hasKeyChanges()) return;
-    canvas.fillRoundedRect(keys_, kCornerRadius, theme_.lane);
+    canvas.fillRoundedRect(keys_, PictureLayout::kPanelRadius, theme_.lane);
     for (const beatatlas::track::KeySegment& segment : report_.analysis.key->segments)
         drawKey(canvas, segment);
 }

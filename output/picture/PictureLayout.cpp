@@ -13,7 +13,7 @@ namespace {
 constexpr double kLeastForRemarksInOneRow = 1100.0;
 constexpr double kLeastForLegendInOneRow = 1000.0;
 constexpr double kLineHeight = 1.35;
-constexpr double kAnswersGap = 12.0;
+constexpr double kGapAboveAnswers = 12.0;
 constexpr double kAxisHeight = 30.0;     // times below a panel
 constexpr double kCaptionHeight = 38.0;  // the caption above a panel
 
@@ -55,7 +55,7 @@ void PictureLayout::placeHeading(double margin) {
     const double inner = width - 2.0 * margin;
     const double line = kLineHeight * bodySize;
     title = {margin, 0.8 * margin, inner, kLineHeight * titleSize + line};
-    answers = {margin, title.bottom() + kAnswersGap, inner, kLineHeight * answerSize};
+    answers = {margin, title.bottom() + kGapAboveAnswers, inner, kLineHeight * answerSize};
     remarks = {margin, answers.bottom(), inner, remarkLines * line};
 }
 

@@ -11,6 +11,7 @@ namespace output {
  *  that stay readable. Wider pictures are enlarged as a whole. */
 struct PictureLayout {
     static constexpr double kWidestUnits = 1600.0;
+    static constexpr double kPanelRadius = 6.0;
 
     explicit PictureLayout(int widthPixels);
 

@@ -13,7 +13,6 @@ namespace output {
 
 namespace {
 
-constexpr double kCornerRadius = 6.0;
 constexpr double kGridHead = 22.0;  // above the wave, for the bars' numbers
 constexpr double kHeadroom = 0.09;  // of the panel, above and below the loudest wave
 constexpr double kFullLevel = 31.0;
@@ -44,7 +43,7 @@ ZoomPanel::ZoomPanel(const beatatlas::track::TrackResult& analysis, const ZoomSt
       axis_(stretch.from, stretch.to, area_), words_{layout.smallSize, theme.mutedText} {}
 
 void ZoomPanel::draw(Canvas& canvas) const {
-    canvas.fillRoundedRect(area_, kCornerRadius, theme_.panel);
+    canvas.fillRoundedRect(area_, PictureLayout::kPanelRadius, theme_.panel);
     drawLegend(canvas);
     drawWave(canvas);
     drawBeats(canvas);
