@@ -25,7 +25,7 @@ class BuildLibraries(build_py):
         target = Path(self.build_lib) / "beatatlas" / "lib"
         target.mkdir(parents=True, exist_ok=True)
         for room in LIBRARIES.values():
-            name = f"libbeatatlas_{room}.so.0"
+            name = f"libbeatatlas_{room}.so.1"
             shutil.copy2(build / room / name, target / name)
 
 

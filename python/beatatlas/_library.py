@@ -127,7 +127,7 @@ def _open(name: str, calls: dict[str, tuple[Any, list[Any]]]) -> ctypes.CDLL:
     It is looked for in ``$BEATATLAS_LIBRARY_PATH`` if that is set, else beside this package (where
     wheels have it), else where the system finds libraries.
     """
-    file = f"lib{name}.so.0"
+    file = f"lib{name}.so.1"
     named = os.environ.get("BEATATLAS_LIBRARY_PATH")
     folders = [Path(folder) for folder in named.split(os.pathsep) if folder] if named else []
     places = [folder / file for folder in (*folders, Path(__file__).parent / "lib")]
