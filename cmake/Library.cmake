@@ -35,6 +35,14 @@ function(beatatlas_offer target name offered)
     endif()
 endfunction()
 
+# beatatlas_name_shared(<target>): the names of a shared library's file. The version in them follows
+# the number of the interface, so that a later version also sorts later.
+function(beatatlas_name_shared target)
+    set_target_properties(${target} PROPERTIES
+        VERSION ${BEATATLAS_INTERFACE}.${PROJECT_VERSION}
+        SOVERSION ${BEATATLAS_INTERFACE})
+endfunction()
+
 # beatatlas_add_library(<target> NAME <name> EXPORTS <version script> OBJECTS <object library> [USES
 # <target>]): the shared library <target>, which exports what the script lists, and <target>_static.
 # Hosts link them as BeatAtlas::<name> and BeatAtlas::<name>_static; if only the static one is
@@ -53,8 +61,7 @@ function(beatatlas_add_library target)
     endif()
 
     add_library(${target} SHARED ${objects})
-    set_target_properties(${target} PROPERTIES VERSION ${PROJECT_VERSION}
-        SOVERSION ${PROJECT_VERSION_MAJOR})
+    beatatlas_name_shared(${target})
     target_link_options(${target} PRIVATE -Wl,--version-script=${arg_EXPORTS})
     if(NOT BEATATLAS_SANITIZE)
         target_link_options(${target} PRIVATE -Wl,-z,defs)

@@ -1,13 +1,14 @@
 # SPDX-License-Identifier: MIT
-# The version is defined once, in the header that hosts read.
+# The version is defined once, in the header that hosts read, and with it the number of the binary
+# interface.
 set(header ${CMAKE_CURRENT_LIST_DIR}/../include/beatatlas/version.h)
-set(BEATATLAS_VERSION "")
-foreach(part MAJOR MINOR PATCH)
-    file(STRINGS ${header} line REGEX "^#define BEATATLAS_VERSION_${part} [0-9]+$")
+foreach(name VERSION_MAJOR VERSION_MINOR VERSION_PATCH INTERFACE)
+    file(STRINGS ${header} line REGEX "^#define BEATATLAS_${name} [0-9]+$")
     if(NOT line MATCHES " ([0-9]+)$")
-        message(FATAL_ERROR "${header} defines no BEATATLAS_VERSION_${part}")
+        message(FATAL_ERROR "${header} defines no BEATATLAS_${name}")
     endif()
-    list(APPEND BEATATLAS_VERSION ${CMAKE_MATCH_1})
+    set(BEATATLAS_${name} ${CMAKE_MATCH_1})
 endforeach()
-list(JOIN BEATATLAS_VERSION "." BEATATLAS_VERSION)
+set(BEATATLAS_VERSION
+    ${BEATATLAS_VERSION_MAJOR}.${BEATATLAS_VERSION_MINOR}.${BEATATLAS_VERSION_PATCH})
 set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${header})

@@ -9,6 +9,11 @@
 #define BEATATLAS_VERSION_MINOR 1
 #define BEATATLAS_VERSION_PATCH 0
 
+/** The number in the file names of the shared libraries. A program runs with every version that has
+ *  the number it was linked with: a new version may add names, and a change that takes one away or
+ *  alters its meaning gets the next number. */
+#define BEATATLAS_INTERFACE 1
+
 /** For comparisons: 1.2.3 is 10203. */
 #define BEATATLAS_VERSION_NUMBER                                                                   \
     (BEATATLAS_VERSION_MAJOR * 10000 + BEATATLAS_VERSION_MINOR * 100 + BEATATLAS_VERSION_PATCH)

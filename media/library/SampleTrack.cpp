@@ -42,12 +42,14 @@ FramePointer describe(const float* samples, int rate, int channels, int frames) 
 
 }  // namespace
 
-SampleTrack::SampleTrack(const float* samples, int rate, int channels, std::int64_t frames) {
+SampleTrack::SampleTrack(const float* samples, int rate, int channels, std::int64_t frames,
+                         const std::function<void(double)>& progress) {
     requireConvertible(rate);
     WholeTrack whole(stereo_);
     StereoChain chain(whole);
     for (std::int64_t at = 0; at < frames; at += kFramesAtATime) {
         const auto count = static_cast<int>(std::min(kFramesAtATime, frames - at));
+        if (progress) progress(0.0);
         chain.put(*describe(samples + at * channels, rate, channels, count));
     }
     chain.finish();

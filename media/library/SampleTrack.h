@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 
 #include "base/TrackSource.h"
 #include "beatatlas/track.hpp"
@@ -17,8 +18,10 @@ class SampleTrack {
 public:
     /** @param samples   `frames` times `channels` floats, full scale ±1.0, frame by frame
      *  @param channels  1 to kMostChannels
+     *  @param progress  unless empty called with 0 now and then: what it throws ends the work
      *  @throws TrackError when the rate cannot be converted, std::bad_alloc */
-    SampleTrack(const float* samples, int rate, int channels, std::int64_t frames);
+    SampleTrack(const float* samples, int rate, int channels, std::int64_t frames,
+                const std::function<void(double)>& progress);
 
     const base::TrackSource& source() const { return source_; }
 

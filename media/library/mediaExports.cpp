@@ -205,7 +205,7 @@ int BA_FileAnalyzeSamples(const float* samples, int32_t rate, int32_t channels, 
         const BA_TrackOptions plain = wholeOptions(track);
         Options wanted = toOptions(plain);
         wanted.progress = progressOf(plain);
-        media::SampleTrack memory(samples, rate, channels, frames);
+        media::SampleTrack memory(samples, rate, channels, frames, wanted.progress);
         out.source = memory.source();
         out.track = memory.analyze(wanted);
     });

@@ -1,6 +1,7 @@
 # SPDX-License-Identifier: MIT
 """What the scripts of this folder share: the tool, other programs, schemas. Both take the arguments
 SOURCES FOLDER PROGRAM-THAT-MAKES-A-TRACK TOOL, and work in FOLDER."""
+import io
 import json
 import os
 import re
@@ -10,6 +11,7 @@ import sys
 from pathlib import Path
 
 import jsonschema
+import mido
 
 SOURCES, FOLDER, MAKE_TRACK, TOOL = (Path(word).absolute() for word in sys.argv[1:5])
 
@@ -72,6 +74,30 @@ def jams_validator():
 
 # "Each label is on a line of its own: start and end time in seconds, tab, label."
 LABEL = re.compile(r"^(-?\d+\.\d{6})\t(-?\d+\.\d{6})\t([^\t\n]*)$")
+
+
+def check_labels(text, beats):
+    """One label at each of the beats. Returns their texts."""
+    labels = [LABEL.match(line).groups() for line in text.decode().splitlines()]
+    assert len(labels) == len(beats)
+    for (start, end, _), beat in zip(labels, beats):
+        assert start == end and abs(float(start) - beat["seconds"]) < 1e-6
+    return [label for _, _, label in labels]
+
+
+def check_midi(data, beats):
+    """One note at each of the beats, those of downbeats higher. Returns the file and how many are."""
+    file = mido.MidiFile(file=io.BytesIO(data))
+    assert file.type == 1 and len(file.tracks) == 2
+    seconds, clicks = 0.0, []
+    for message in file:
+        seconds += message.time
+        if message.type == "note_on":
+            clicks.append((seconds, message.note == 76))
+    assert len(clicks) == len(beats)
+    for (seconds, is_downbeat), beat in zip(clicks, beats):
+        assert abs(seconds - beat["seconds"]) < 0.001 and is_downbeat == (beat["beat"] == 1)
+    return file, sum(is_downbeat for _, is_downbeat in clicks)
 
 
 def probed(*words):

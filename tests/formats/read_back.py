@@ -23,8 +23,8 @@ from pathlib import Path
 
 import mido
 
-from outside import (LABEL, MAKE_TRACK, SOURCES, TOOL, analysis_validator, begin, jams_validator,
-                     outside, probed, tool, version)
+from outside import (MAKE_TRACK, SOURCES, TOOL, analysis_validator, begin, check_labels,
+                     check_midi, jams_validator, outside, probed, tool, version)
 
 TRACK = "track.wav"
 CHANGING = "changing.wav"
@@ -106,36 +106,17 @@ def read_jams(track):
 
 
 def read_audacity(track, kind, chosen):
-    lines = tool("export", "--to", kind, TRACK).decode().splitlines()
-    labels = [LABEL.match(line).groups() for line in lines]
-    seconds = [beat["seconds"] for beat in track["beats"] if chosen(beat)]
-    assert len(labels) == len(seconds)
-    for (start, end, _), expected in zip(labels, seconds):
-        assert start == end and abs(float(start) - expected) < 1e-6
-    return "Audacity's label grammar", f"{len(labels)} labels, {labels[0][2]} to {labels[-1][2]}"
-
-
-def midi_of(name, track):
-    """The MIDI file and the times of its notes, which have to be those of the beats."""
-    file = mido.MidiFile(file=io.BytesIO(tool("export", "--to", "midi", name)))
-    assert file.type == 1 and len(file.tracks) == 2
-    seconds, clicks = 0.0, []
-    for message in file:
-        seconds += message.time
-        if message.type == "note_on":
-            clicks.append((seconds, message.note == 76))
-    assert len(clicks) == len(track["beats"])
-    for (seconds, is_downbeat), beat in zip(clicks, track["beats"]):
-        assert abs(seconds - beat["seconds"]) < 0.001 and is_downbeat == (beat["beat"] == 1)
-    return file, clicks
+    labels = check_labels(tool("export", "--to", kind, TRACK),
+                          [beat for beat in track["beats"] if chosen(beat)])
+    return "Audacity's label grammar", f"{len(labels)} labels, {labels[0]} to {labels[-1]}"
 
 
 def read_midi(track, changing):
-    midi_of(CHANGING, changing)
-    file, clicks = midi_of(TRACK, track)
+    check_midi(tool("export", "--to", "midi", CHANGING), changing["beats"])
+    file, downbeats = check_midi(tool("export", "--to", "midi", TRACK), track["beats"])
     tempos = [one for one in file.tracks[0] if one.type == "set_tempo"]
     return (f"python3-mido {importlib.metadata.version('mido')}",
-            f"{len(clicks)} notes, {sum(one for _, one in clicks)} of them downbeats, "
+            f"{len(track['beats'])} notes, {downbeats} of them downbeats, "
             f"{len(tempos)} tempos, the last {mido.tempo2bpm(tempos[-1].tempo):.2f} BPM; less than "
             "1 ms from the beats")
 

@@ -24,10 +24,8 @@ from collections import Counter
 from pathlib import Path
 from urllib.parse import unquote_to_bytes
 
-import mido
-
-from outside import (LABEL, MAKE_TRACK, analysis_validator, begin, jams_validator, outside, probed,
-                     tool)
+from outside import (MAKE_TRACK, analysis_validator, begin, check_labels, check_midi,
+                     jams_validator, outside, probed, tool)
 
 OFTEN = 256  # frames of a pixel
 IS_STORED = "--stored" in sys.argv
@@ -96,25 +94,12 @@ def read_labels(path, track):
     downbeats = [beat for beat in track["beats"] if beat["beat"] == 1]
     for kind, beats in (("beats", track["beats"]), ("numbers", track["beats"]),
                         ("bars", downbeats)):
-        lines = found(f"audacity-{kind}", path).decode().splitlines()
-        labels = [LABEL.match(line).groups() for line in lines]
-        assert len(labels) == len(beats)
-        for (start, end, _), beat in zip(labels, beats):
-            assert start == end and abs(float(start) - beat["seconds"]) < 1e-6
-        seen[f"audacity-{kind}"] += len(labels)
+        seen[f"audacity-{kind}"] += len(check_labels(found(f"audacity-{kind}", path), beats))
 
 
 def read_midi(path, track):
-    file = mido.MidiFile(file=io.BytesIO(found("midi", path)))
-    seconds, clicks = 0.0, []
-    for message in file:
-        seconds += message.time
-        if message.type == "note_on":
-            clicks.append((seconds, message.note == 76))
-    assert len(clicks) == len(track["beats"])
-    for (seconds, is_downbeat), beat in zip(clicks, track["beats"]):
-        assert abs(seconds - beat["seconds"]) < 0.001 and is_downbeat == (beat["beat"] == 1)
-    seen["midi"] += len(clicks)
+    check_midi(found("midi", path), track["beats"])
+    seen["midi"] += len(track["beats"])
 
 
 def read_chapters(path, track):

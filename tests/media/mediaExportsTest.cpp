@@ -216,6 +216,25 @@ TEST_F(MediaLibraryTest, TheProgressCallCanStopTheWork) {
     EXPECT_EQ(calls, 2);
 }
 
+// Ten blocks of 65,536 frames are taken before the analysis begins, which then counts from 0 to 1.
+TEST_F(MediaLibraryTest, TheProgressCallCanStopTheTakingOfSamples) {
+    struct Calls {
+        int count = 0;
+        double fraction = 1.0;
+    } calls;
+    BA_TrackOptions options = usualOptions();
+    options.progress_host = &calls;
+    options.progress = [](void* host, double fraction) {
+        auto* seen = static_cast<Calls*>(host);
+        seen->fraction = fraction;
+        return ++seen->count == 9 ? 1 : 0;
+    };
+    Outcome memory;
+    EXPECT_EQ(memory.ofSamples(std::vector<float>(655360), 44100, 1, &options), BA_FILE_STOPPED);
+    EXPECT_EQ(calls.count, 9);
+    EXPECT_EQ(calls.fraction, 0.0);
+}
+
 TEST_F(MediaLibraryTest, AFileThatWasCutOffIsAnalysedOnRequest) {
     test::writeAudioFile(path_, {"flac", "flac"}, music());
     test::writeFile(folder_.file("cut.flac"), test::readFile(path_).substr(0, 100000));

@@ -4,59 +4,15 @@ import assert from 'node:assert/strict';
 import { beforeEach, test } from 'node:test';
 
 import { BufferPlayer } from '../../../web/track/BufferPlayer.js';
+import { audio, fakeAudio } from './fakeAudio.js';
 
 const kStartDelay = 0.05;
 const kGrid = Array.from({ length: 40 }, (_, i) =>
     ({ seconds: i * 0.5, number: (i % 4) + 1, bpm: 120 }));
 
-let context;
-let sources;
-let tick;
-
-class FakeNode {
-    gain = { setTargetAtTime() {} };
-
-    constructor(_, options = {}) {
-        Object.assign(this, options);
-    }
-
-    connect() {}
-
-    disconnect() {}
-}
-
-class FakeSource extends FakeNode {
-    start(when, offset) {
-        sources.push(Object.assign(this, { when, offset }));
-    }
-
-    stop() {
-        this.isStopped = true;
-    }
-}
-
-class FakeContext {
-    currentTime = 100;
-    outputLatency = 0.02;
-    sampleRate = 48000;
-    destination = new FakeNode();
-
-    constructor() {
-        context = this;
-    }
-
-    createBuffer(_, length) {
-        return { length, getChannelData: () => new Float32Array(length) };
-    }
-
-    async resume() {}
-
-    async close() {}
-}
-
 /** The places of the clicks that will sound, in seconds of the track. */
 function clicks(startedAt, offset = 0, from = 0) {
-    return sources.filter((each) => each.offset === undefined && !each.isStopped)
+    return audio.sources.filter((each) => each.offset === undefined && !each.isStopped)
         .filter((each) => each.when > from)
         .map((each) => Number((each.when - startedAt + offset).toFixed(6)));
 }
@@ -68,19 +24,9 @@ function makePlayer() {
 }
 
 beforeEach(() => {
-    sources = [];
-    globalThis.GainNode = FakeNode;
-    globalThis.AudioBufferSourceNode = FakeSource;
-    globalThis.AudioContext = FakeContext;
+    fakeAudio();
     globalThis.OfflineAudioContext = class {
         decodeAudioData = async () => ({});
-    };
-    globalThis.setInterval = (call) => {
-        tick = call;
-        return 1;
-    };
-    globalThis.clearInterval = () => {
-        tick = () => {};
     };
 });
 
@@ -90,8 +36,8 @@ test('clicks are started ahead of the music, each once', async () => {
     const startedAt = 100 + kStartDelay;
     assert.deepEqual(clicks(startedAt), [0, 0.5, 1, 1.5, 2]);
     for (let step = 0; step < 20; ++step) {
-        context.currentTime += 0.2;
-        tick();
+        audio.context.currentTime += 0.2;
+        audio.tick();
     }
     // Four seconds have passed, less the delay of the start; 2.5 seconds are started ahead.
     assert.deepEqual(clicks(startedAt), kGrid.map((beat) => beat.seconds).filter((at) => at < 6.45));
@@ -101,17 +47,17 @@ test('the position is what is heard: behind the clock by the output, and never b
     const player = makePlayer();
     await player.play();
     assert.equal(player.position, 0);
-    context.currentTime = 100 + kStartDelay + 3;
+    audio.context.currentTime = 100 + kStartDelay + 3;
     assert.ok(Math.abs(player.position - 2.98) < 1e-9);
     player.pause();
-    context.currentTime += 5;
+    audio.context.currentTime += 5;
     assert.ok(Math.abs(player.position - 2.98) < 1e-9);
 });
 
 test('after a jump only the clicks from there on sound', async () => {
     const player = makePlayer();
     await player.play();
-    context.currentTime = 101;
+    audio.context.currentTime = 101;
     player.seek(10);
     assert.deepEqual(clicks(101 + kStartDelay, 10, 101), [10, 10.5, 11, 11.5, 12]);
 });
@@ -119,21 +65,21 @@ test('after a jump only the clicks from there on sound', async () => {
 test('another grid takes the place of the one that was started', async () => {
     const player = makePlayer();
     await player.play();
-    context.currentTime = 100 + kStartDelay + 1.2;
+    audio.context.currentTime = 100 + kStartDelay + 1.2;
     player.grid = kGrid.filter((_, i) => i % 2 === 1);
-    assert.deepEqual(clicks(100 + kStartDelay, 0, context.currentTime), [1.5, 2.5, 3.5]);
+    assert.deepEqual(clicks(100 + kStartDelay, 0, audio.context.currentTime), [1.5, 2.5, 3.5]);
 });
 
 test('nothing clicks after a pause, and playing goes on where it was', async () => {
     const player = makePlayer();
     await player.play();
-    context.currentTime = 100 + kStartDelay + 1.02;
+    audio.context.currentTime = 100 + kStartDelay + 1.02;
     player.pause();
     assert.deepEqual(clicks(100), []);
-    tick();
+    audio.tick();
     assert.deepEqual(clicks(100), []);
     await player.play();
-    const startedAt = context.currentTime + kStartDelay;
+    const startedAt = audio.context.currentTime + kStartDelay;
     assert.deepEqual(clicks(startedAt, 1), [1, 1.5, 2, 2.5, 3]);
 });
 
@@ -142,7 +88,7 @@ test('it ends at the end and begins anew', async () => {
     let changes = 0;
     player.onChange = () => { ++changes; };
     await player.play();
-    context.currentTime = 100 + kStartDelay + 20;
+    audio.context.currentTime = 100 + kStartDelay + 20;
     player.watchEnd();
     assert.equal(player.isPlaying, false);
     assert.equal(player.position, 20);
@@ -187,14 +133,14 @@ test('a player that was closed while it loads stays silent, and gives the loadin
     await playing;
     await player.play();
     assert.equal(player.isPlaying, false);
-    assert.deepEqual(sources, []);
+    assert.deepEqual(audio.sources, []);
 });
 
 test('it ends in a page that is not seen', async () => {
     const player = makePlayer();
     await player.play();
-    context.currentTime = 100 + kStartDelay + 20;
-    tick();
+    audio.context.currentTime = 100 + kStartDelay + 20;
+    audio.tick();
     assert.equal(player.isPlaying, false);
 });
 

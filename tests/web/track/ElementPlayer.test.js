@@ -4,49 +4,12 @@ import assert from 'node:assert/strict';
 import { beforeEach, test } from 'node:test';
 
 import { ElementPlayer } from '../../../web/track/ElementPlayer.js';
+import { audio, fakeAudio } from './fakeAudio.js';
 
 const kGrid = Array.from({ length: 80 }, (_, i) =>
     ({ seconds: i * 0.5, number: (i % 4) + 1, bpm: 120 }));
 
-let context;
 let element;
-let sources;
-let tick;
-
-class FakeNode {
-    gain = { setTargetAtTime() {} };
-
-    connect() {}
-}
-
-class FakeSource extends FakeNode {
-    start(when) {
-        this.when = when;
-        sources.push(this);
-    }
-
-    stop() {
-        this.isStopped = true;
-    }
-}
-
-class FakeContext {
-    currentTime = 100;
-    sampleRate = 48000;
-    destination = new FakeNode();
-
-    constructor() {
-        context = this;
-    }
-
-    createBuffer(_, length) {
-        return { length, getChannelData: () => new Float32Array(length) };
-    }
-
-    async resume() {}
-
-    async close() {}
-}
 
 class FakeElement extends EventTarget {
     currentTime = 0;
@@ -81,19 +44,8 @@ class FakeElement extends EventTarget {
 }
 
 beforeEach(() => {
-    sources = [];
-    tick = () => {};
+    fakeAudio();
     globalThis.Audio = FakeElement;
-    globalThis.GainNode = FakeNode;
-    globalThis.AudioBufferSourceNode = FakeSource;
-    globalThis.AudioContext = FakeContext;
-    globalThis.setInterval = (call) => {
-        tick = call;
-        return 1;
-    };
-    globalThis.clearInterval = () => {
-        tick = () => {};
-    };
 });
 
 async function startPlayer() {
@@ -106,17 +58,17 @@ async function startPlayer() {
 /** Both clocks go on; the timer runs as often as it does. */
 function pass(seconds) {
     for (let step = 0; step < seconds * 5; ++step) {
-        context.currentTime += 0.2;
+        audio.context.currentTime += 0.2;
         if (!element.paused && element.readyState >= 3 && !element.seeking)
             element.currentTime += 0.2;
-        tick();
+        audio.tick();
     }
 }
 
 /** Where the coming clicks are, in seconds of the context from now. */
 function coming() {
-    return sources.filter((each) => !each.isStopped && each.when > context.currentTime)
-        .map((each) => Number((each.when - context.currentTime).toFixed(3)));
+    return audio.sources.filter((each) => !each.isStopped && each.when > audio.context.currentTime)
+        .map((each) => Number((each.when - audio.context.currentTime).toFixed(3)));
 }
 
 test('clicks go on for as long as it plays', async () => {
@@ -167,8 +119,8 @@ test('nothing clicks while it seeks, and then where it arrived', async () => {
 test('clocks that drift apart are brought together in a page that is not seen', async () => {
     await startPlayer();
     pass(2.2);
-    context.currentTime += 0.1;
-    tick();
+    audio.context.currentTime += 0.1;
+    audio.tick();
     assert.deepEqual(coming(), [0.3, 0.8, 1.3]);
 });
 
@@ -179,7 +131,7 @@ test('one that was closed does not begin to play', async () => {
     await player.close();
     await playing;
     assert.equal(player.isPlaying, false);
-    assert.deepEqual(sources, []);
+    assert.deepEqual(audio.sources, []);
     await player.play();
     assert.equal(player.isPlaying, false);
 });
