@@ -5,8 +5,11 @@
 #ifndef BEATATLAS_VERSION_H
 #define BEATATLAS_VERSION_H
 
+/** 1 of 1.2.3. */
 #define BEATATLAS_VERSION_MAJOR 0
+/** 2 of 1.2.3. */
 #define BEATATLAS_VERSION_MINOR 1
+/** 3 of 1.2.3. */
 #define BEATATLAS_VERSION_PATCH 0
 
 /** For comparisons: 1.2.3 is 10203. */
