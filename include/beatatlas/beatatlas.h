@@ -20,7 +20,7 @@
  *      BA_Release(s);
  *
  *  Life of a session
- *  -----------------
+ *  =================
  *  1. One BA_Create… call: rate, length and what is wanted are fixed.
  *  2. With useKey only: the whole track through BA_SetSamplePre. It gathers the levels that key
  *     detection needs; until the declared length has arrived, BA_SetSample does nothing.
@@ -35,7 +35,7 @@
  *  written).
  *
  *  Samples
- *  -------
+ *  =======
  *  Two arrays of 32-bit floats, left and right, in the scale of 16-bit integers: from -32768 to
  *  32767. Most analysers cut values to integers toward zero and keep the low 16 bits: louder values
  *  wrap. +32768.0, which decoders give for a sample of +1.0, is already one of them: it becomes
@@ -45,12 +45,12 @@
  *  here counts frames. The arrays are only read, and only during the call.
  *
  *  Handles
- *  -------
+ *  =======
  *  A null handle is allowed everywhere: the call does nothing and returns its neutral result. Any
  *  other value must come from a BA_Create… call and not have been released.
  *
  *  Memory
- *  ------
+ *  ======
  *  Every output array belongs to the caller, who sizes it by the count functions. The library keeps
  *  no pointer to it. When memory runs out in a create or feeding call of this interface, the call
  *  returns normally and the session stays as far as it got (after a create: inert); it can still be
@@ -58,11 +58,11 @@
  *  itself lets std::bad_alloc through.
  *
  *  Threads
- *  -------
+ *  =======
  *  None are started. A session is used by one thread at a time, any thread; sessions share nothing.
  *
  *  Rounding mode
- *  -------------
+ *  =============
  *  The arithmetic is defined under round-toward-zero. A successful create, BA_SetSamplePre and
  *  BA_SetSample set that mode for the calling thread AND LEAVE IT SET: it changes what the host's
  *  own arithmetic, printf and decoder yield afterwards, and threads started later inherit it. A
@@ -81,7 +81,7 @@
  *  the calling thread's mode as they find it and leave it alone.
  *
  *  Standard output
- *  ---------------
+ *  ===============
  *  The closing analysis prints progress lines to the C standard output, in Japanese, encoded in
  *  UTF-8: its start, the clean-up of stray tempos, the list of tempo segments, its end. A host
  *  whose standard output carries data points file descriptor 1 elsewhere around the feeding

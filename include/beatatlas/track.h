@@ -24,7 +24,7 @@
  *      }
  *
  *  Order of calls
- *  --------------
+ *  ==============
  *  1. To change the defaults: BA_TrackOptionsInit, then set fields.
  *  2. BA_TrackAnalyze, which asks the host for the audio piece by piece, or BA_TrackAnalyzeArrays
  *     for audio in memory. Either does all the work before it returns. Besides the audio it needs
@@ -33,7 +33,7 @@
  *  4. BA_TrackRelease.
  *
  *  Audio
- *  -----
+ *  =====
  *  Two channels of 32-bit floats, full scale ±1.0, at 44,100 or 48,000 frames per second. A frame
  *  is one sample per channel. Louder samples and infinities are clipped to full scale, NaN counts
  *  as 0. Pass a mono track as both channels. No result depends on the number of threads, on how
@@ -42,7 +42,7 @@
  *  libbeatatlas that is fed the same samples multiplied by 32,768 and clipped to -32,768 … 32,767.
  *
  *  Threads
- *  -------
+ *  =======
  *  An analysis runs in the calling thread and starts at most threads - 1 more, which have ended
  *  when it returns. If none can be started, the calling thread does their work. Signals are blocked
  *  in these threads, so that the host's handlers run in the host's own threads. Any number of
@@ -54,7 +54,7 @@
  *  ends the process.
  *
  *  Arithmetic and output
- *  ---------------------
+ *  =====================
  *  Every call leaves the caller's rounding mode as it was, and the callbacks run in that mode, in
  *  every thread. Nothing is written to standard output. When memory is short, one line may appear
  *  on standard error. */
