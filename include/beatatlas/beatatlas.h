@@ -20,7 +20,7 @@
  *      BA_Release(s);
  *
  *  Life of a session
- *  -----------------
+ *  =================
  *  1. One BA_Create… call: rate, length and what is wanted are fixed.
  *  2. With useKey only: the whole track through BA_SetSamplePre. It gathers the levels that key
  *     detection needs; until the declared length has arrived, BA_SetSample does nothing.
@@ -35,7 +35,7 @@
  *  written).
  *
  *  Samples
- *  -------
+ *  =======
  *  Two arrays of 32-bit floats, left and right, in the scale of 16-bit integers: from -32768 to
  *  32767. Most analysers cut values to integers toward zero and keep the low 16 bits: louder values
  *  wrap. +32768.0, which decoders give for a sample of +1.0, is already one of them: it becomes
@@ -45,12 +45,12 @@
  *  here counts frames. The arrays are only read, and only during the call.
  *
  *  Handles
- *  -------
+ *  =======
  *  A null handle is allowed everywhere: the call does nothing and returns its neutral result. Any
  *  other value must come from a BA_Create… call and not have been released.
  *
  *  Memory
- *  ------
+ *  ======
  *  Every output array belongs to the caller, who sizes it by the count functions. The library keeps
  *  no pointer to it. When memory runs out in a create or feeding call of this interface, the call
  *  returns normally and the session stays as far as it got (after a create: inert); it can still be
@@ -58,11 +58,11 @@
  *  itself lets std::bad_alloc through.
  *
  *  Threads
- *  -------
+ *  =======
  *  None are started. A session is used by one thread at a time, any thread; sessions share nothing.
  *
  *  Rounding mode
- *  -------------
+ *  =============
  *  The arithmetic is defined under round-toward-zero. A successful create, BA_SetSamplePre and
  *  BA_SetSample set that mode for the calling thread AND LEAVE IT SET: it changes what the host's
  *  own arithmetic, printf and decoder yield afterwards, and threads started later inherit it. A
@@ -81,7 +81,7 @@
  *  the calling thread's mode as they find it and leave it alone.
  *
  *  Standard output
- *  ---------------
+ *  ===============
  *  The closing analysis prints progress lines to the C standard output, in Japanese, encoded in
  *  UTF-8: its start, the clean-up of stray tempos, the list of tempo segments, its end. A host
  *  whose standard output carries data points file descriptor 1 elsewhere around the feeding
@@ -161,8 +161,10 @@ BA_API bool BA_Analyzed(void* session);
  *  and for a null array. Frames of the completing call beyond the declared length enter the levels
  *  too.
  *
- *  @param left   count samples, -32768 to 32767; only read
- *  @param right  the same of the other side */
+ *  @param session  a handle
+ *  @param left     count samples, -32768 to 32767; only read
+ *  @param right    the same of the other side
+ *  @param count    frames */
 BA_API void BA_SetSamplePre(void* session, float* left, float* right, int count);
 
 /** Feeds the analysis pass. The call that brings the declared length runs the closing analysis
@@ -174,8 +176,10 @@ BA_API void BA_SetSamplePre(void* session, float* left, float* right, int count)
  *  beyond are analysed up to the end of the block that they began in, of 1/75 s counted from the
  *  start of the track; those behind are ignored.
  *
- *  @param left   count samples, -32768 to 32767; only read
- *  @param right  the same of the other side */
+ *  @param session  a handle
+ *  @param left     count samples, -32768 to 32767; only read
+ *  @param right    the same of the other side
+ *  @param count    frames */
 BA_API void BA_SetSample(void* session, float* left, float* right, int count);
 
 /** The tempo in hundredths of a BPM, rounded half up: 12800 is 128.00 BPM. 0 before the analysis
@@ -187,7 +191,8 @@ BA_API int BA_GetBeatNum(void* session);
 
 /** Copies the final beat grid, in order of time. An empty grid writes nothing.
  *
- *  @param out  room for BA_GetBeatNum(session) records; not checked */
+ *  @param session  a handle
+ *  @param out      room for BA_GetBeatNum(session) records; not checked */
 BA_API void BA_GetBeatList(void* session, BA_BeatInfo* out);
 
 /** Copies the new points of the loudness wave: at most 400, each one 400th of the declared length.
@@ -200,10 +205,11 @@ BA_API void BA_GetBeatList(void* session, BA_BeatInfo* out);
  *
  *  May be called while feeding; points are final when they appear.
  *
- *  @param out   the caller's whole array, room for 400 points; points have … count − 1 are written
- *               at their own indices, nothing when have ≥ count. Not checked for null unless
- *               nothing is to be written.
- *  @param have  points the caller holds already; below 0 counts as 0
+ *  @param session  a handle
+ *  @param out      the caller's whole array, room for 400 points; points have … count − 1 are
+ *                  written at their own indices, nothing when have ≥ count. Not checked for null
+ *                  unless nothing is to be written.
+ *  @param have     points the caller holds already; below 0 counts as 0
  *  @return the number of points that exist; 0 when the loudness wave is off */
 BA_API int BA_GetLoudWave(void* session, BA_WaveInfo* out, int have);
 
@@ -221,8 +227,9 @@ BA_API int BA_GetDotsWave(void* session, BA_WaveInfo* out, int have);
  *  track at 31; while feeding, the raw peak, 0 to 32767. color: 0 to 7, how much of the peak lies
  *  below 150 Hz: 0 for 87.5 % and more, 7 for less than 12.5 % and for silence.
  *
- *  @param out  room for as many points as this call returns with a null out; null: nothing is
- *              copied
+ *  @param session  a handle
+ *  @param out      room for as many points as this call returns with a null out; null: nothing is
+ *                  copied
  *  @return the number of points that exist; 0 when the zoom wave is off */
 BA_API int BA_GetZoomWave(void* session, BA_WaveInfo* out);
 
@@ -237,23 +244,32 @@ BA_API int BA_GetMainKey(void* session);
  *  @{ */
 
 /** Low-passes the input at 0.05 of its rate and takes every step-th sample (made for step 10).
+ *  @param session   a handle
  *  @param out       outCount samples; what lies past the end of the input stays untouched
+ *  @param outCount  how many there is room for
  *  @param in        inCount samples
+ *  @param inCount   how many are there
  *  @param ratio     ignored
+ *  @param step      the distance of the samples taken
  *  @param reserved  ignored */
 BA_API void BA_Resample(void* session, float* out, long outCount, float* in, long inCount,
                         float ratio, int step, long reserved);
 
 /** Removes percussive beats from a mono buffer.
- *  @param out   n samples; those past the last whole frame stay untouched
- *  @param in    n samples
- *  @param rate  sampling rate in Hz
- *  @param div   divides frame and hop (1: frames of 4096 samples); ≤ 0: nothing is written
- *  @param mode  1 to 4 choose the hop, any other value the default hop of 512 / div */
+ *  @param session  a handle
+ *  @param out      n samples; those past the last whole frame stay untouched
+ *  @param in       n samples
+ *  @param n        length of the buffer
+ *  @param rate     sampling rate in Hz
+ *  @param div      divides frame and hop (1: frames of 4096 samples); ≤ 0: nothing is written
+ *  @param mode     1 to 4 choose the hop, any other value the default hop of 512 / div */
 BA_API void BA_CutBeats(void* session, float* out, float* in, int n, float rate, int div, int mode);
 
 /** Finds the concert pitch of a recording: what A4 is tuned to, in whole Hz from 434 to 446.
+ *  @param session     a handle
  *  @param samples     n mono samples at rate
+ *  @param n           length of the buffer
+ *  @param rate        sampling rate in Hz
  *  @param hopDivisor  divides the hop between frames
  *  @param mode        0 to 4: search plan
  *  @return 434.0 for silence and for buffers too short to judge; 0.0 for a null handle */
@@ -261,7 +277,10 @@ BA_API float BA_PitchDetect(void* session, float* samples, int n, float rate, in
                             int mode);
 
 /** Finds the key of a mono buffer, numbered as by BA_GetMainKey.
+ *  @param session     a handle
  *  @param samples     n mono samples at rate
+ *  @param n           length of the buffer
+ *  @param rate        sampling rate in Hz
  *  @param ref         what A4 is tuned to, in Hz (440.0)
  *  @param hopDivisor  divides the hop between frames
  *  @param mode        0 to 4: hop rule and scoring weights */

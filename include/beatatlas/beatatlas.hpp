@@ -24,6 +24,8 @@
 /** @name Creating a session
  *  As in beatatlas.h: totalSamples frames, sectionBeats (0: no beat analysis), then what is wanted.
  *  @{ */
+
+/** As in beatatlas.h. */
 BA_API void* BA_Create48k(int totalSamples, int sectionBeats, bool useLoud, bool useZoom,
                           bool useKey);
 BA_API void* BA_Create44k(int totalSamples, int sectionBeats, bool useLoud, bool useZoom,
@@ -38,18 +40,26 @@ BA_API void* BA_CreateConst44k(int totalSamples, int sectionBeats, bool useLoud,
                                bool useKey);
 
 /** A simple session: beats are sensed in the first rangeSamples frames only, and the grid is
- *  strictly regular over the whole track. Beat analysis is always on.
+ *  strictly regular over the whole track. Beat analysis is always on. 48,000 frames per second.
  *
+ *  @param totalSamples  length of the track in frames, as in beatatlas.h
  *  @param rangeSamples  frames in which beats are sensed; below 1 or above totalSamples: one
- *                       minute, or the whole track when that is shorter */
+ *                       minute, or the whole track when that is shorter
+ *  @param useLoud       make the loudness and dots waves
+ *  @param useZoom       make the zoom wave
+ *  @param useKey        find the key; the track is then fed twice */
 BA_API void* BA_CreateSimple48k(int totalSamples, int rangeSamples, bool useLoud, bool useZoom,
                                 bool useKey);
+
+/** The same at 44,100 frames per second. */
 BA_API void* BA_CreateSimple44k(int totalSamples, int rangeSamples, bool useLoud, bool useZoom,
                                 bool useKey);
 /** @} */
 
 /** @name As in beatatlas.h
  *  @{ */
+
+/** As in beatatlas.h. */
 BA_API void BA_Release(void* session);
 BA_API bool BA_Analyzed(void* session);
 BA_API void BA_SetSamplePre(void* session, float* left, float* right, int count);
@@ -70,26 +80,36 @@ BA_API int BA_GetMainKey(void* session);
  *  nothing and returns the count.
  *  @{ */
 
-/** Copies the scores of all 24 keys, best first. @param out 24 doubles @return 24; 0 for a null
- *  handle */
+/** Copies the scores of all 24 keys, best first.
+ *  @param session  a handle
+ *  @param out      24 doubles
+ *  @return 24; 0 for a null handle */
 BA_API int BA_GetKeyPoint(void* session, double* out);
 
-/** Copies the 24 key numbers, best first. @param out 24 ints @return 24; 0 for a null handle */
+/** Copies the 24 key numbers, best first.
+ *  @param session  a handle
+ *  @param out      24 ints
+ *  @return 24; 0 for a null handle */
 BA_API int BA_GetKeyRank(void* session, int* out);
 
 /** Copies how many of the 12 strongest semitone bands fall on each pitch class.
- *  @param out 12 ints @return 12; 0 for a null handle */
+ *  @param session  a handle
+ *  @param out      12 ints
+ *  @return 12; 0 for a null handle */
 BA_API int BA_GetNoteEncount(void* session, int* out);
 
 /** Copies the share of those bands' energy that each pitch class holds; the shares add up to 1, or
  *  are all 0.
- *  @param out 12 doubles @return 12; 0 for a null handle */
+ *  @param session  a handle
+ *  @param out      12 doubles
+ *  @return 12; 0 for a null handle */
 BA_API int BA_GetNoteEncountVal(void* session, double* out);
 /** @} */
 
 /** @name Utilities on a caller's buffer
- *  As in beatatlas.h.
  *  @{ */
+
+/** As in beatatlas.h. */
 BA_API void BA_Resample(void* session, float* out, long outCount, float* in, long inCount,
                         float ratio, int step, long reserved);
 BA_API void BA_CutBeats(void* session, float* out, float* in, int n, float rate, int div, int mode);

@@ -32,6 +32,7 @@
  *  1 … n.
  *
  *  n = 1 gives 1.0; n = 3 gives 0.5, 1.0, 0.5. n ≤ 0 writes nothing.
+ *  @param n  length of the window
  *  @param w  room for n values */
 BA_API void hanning(int n, float* w);
 /** @} */
@@ -43,14 +44,18 @@ BA_API void hanning(int n, float* w);
  *
  *  A NaN is never larger, and nothing is larger than a NaN in v[0].
  *  @param v   at least one value, whatever n
+ *  @param n   how many
  *  @param at  receives the index of the answer (0 for n < 2); may be null */
 BA_API float max_v(float* v, int n, int* at);
+
+/** The same in double precision. */
 BA_API double max_v(double* v, int n, int* at);
 
 /** The last of v[1] … v[n - 1] that is below v[0]; v[0] when none is, and for n < 2.
  *
  *  NOT the minimum: 5, 3, 7, 4 gives 4.
- *  @param v  at least one value, whatever n */
+ *  @param v  at least one value, whatever n
+ *  @param n  how many */
 BA_API float min_v(float* v, int n);
 
 /** The mean of n values, summed in single precision from v[0] upward. n = 0 gives NaN. */
@@ -83,6 +88,8 @@ BA_API void QSort3(float* v, int* idx, int lo, int hi);
 /** Sorts n values in descending order, idx along with them; equal values keep their order. n²
  *  time. */
 BA_API void BubSort(int* v, int* idx, int n);
+
+/** The same for floats. */
 BA_API void BubSort(float* v, int* idx, int n);
 /** @} */
 
@@ -94,17 +101,23 @@ BA_API void BubSort(float* v, int* idx, int n);
  *  @{ */
 
 /** One-pole low-pass for filter1: *a = exp(-2πf), *b = 1 - *a.
+ *  @param b  receives the weight of the input
+ *  @param a  receives the feedback
  *  @param f  cut-off divided by the sampling rate */
 BA_API void make_lpf0(float* b, float* a, float f);
 
 /** First-order low-pass for filter1_hat_mono, the bilinear transform of the RC low-pass.
- *  @param a  two coefficients: 1 and the feedback
- *  @param b  two coefficients, equal */
+ *  @param fc  cut-off in Hz
+ *  @param fs  sampling rate in Hz
+ *  @param a   two coefficients: 1 and the feedback
+ *  @param b   two coefficients, equal */
 BA_API void make_lpf1(float fc, float fs, float* a, float* b);
 
 /** Second-order low-pass for filter2_mono, of the audio equaliser cookbook (R. Bristow-Johnson).
- *  @param q  quality factor, not 0
- *  @param c  five coefficients: b0, b1, b2, a1, a2 */
+ *  @param fc  cut-off in Hz
+ *  @param q   quality factor, not 0
+ *  @param fs  sampling rate in Hz
+ *  @param c   five coefficients: b0, b1, b2, a1, a2 */
 BA_API void make_lpf2(float fc, float q, float fs, float* c);
 
 /** The high-pass of the same family as make_lpf2, with the same arguments. */
@@ -145,6 +158,7 @@ BA_API void find_v(float*, float*, float*, float*);
 BA_API void make_sintbl(int n, float* table);
 
 /** Bit reversal table: table[i] is i with its log2(n) bits in reverse order. n ≤ 0 writes nothing.
+ *  @param n      length of the transform
  *  @param table  room for n entries
  *  @return 0, which means nothing */
 BA_API int make_bitrev(int n, int* table);
@@ -152,8 +166,8 @@ BA_API int make_bitrev(int n, int* table);
 /** Transforms re + i·im in place; neither direction divides by the length.
  *
  *  Forward then inverse gives the input times |n|.
- *  @param n  n > 0: forward, X[f] = Σ x[t] e^(-2πi f t / n), of n points.
- *            n < 0: inverse, with e^(+2πi f t / |n|), of |n| points. 0: nothing.
+ *  @param n   n > 0: forward, X[f] = Σ x[t] e^(-2πi f t / n), of n points.
+ *             n < 0: inverse, with e^(+2πi f t / |n|), of |n| points. 0: nothing.
  *  @param re  |n| values
  *  @param im  |n| values
  *  @return 0; or 1 with "malloc error" on standard error when there is no memory for the tables:

@@ -3,8 +3,8 @@
  *  Beat Atlas for files: pass in the name of an audio file and read everything the analysis found.
  *
  *  libbeatatlas_media adds FFmpeg's decoders and a rate converter to the analysis of
- *  libbeatatlas_track, whose getters read the results: a host links both. C linkage; compiles as C99
- *  and as C++.
+ *  libbeatatlas_track, whose getters read the results: a host links both. C linkage; compiles as
+ *  C99 and as C++.
  *
  *      BA_File* file;
  *      if (BA_FileAnalyze("track.mp3", NULL, NULL, &file) == BA_FILE_OK)
@@ -78,8 +78,8 @@ typedef struct BA_FileFacts {
 
 /** A section that the file no longer holds; it was replaced by silence. */
 typedef struct BA_FileGap {
-    double start_seconds; /**< from the first frame of music */
-    double length_seconds;
+    double start_seconds;  /**< from the first frame of music */
+    double length_seconds; /**< of the silence */
 } BA_FileGap;
 
 /** The outcome of the analysis of one file. */
@@ -110,6 +110,8 @@ BA_API int BA_FileAnalyze(const char* path, const BA_TrackOptions* track,
  *                   refused with BA_FILE_DAMAGED and a reason
  *  @param channels  1 to 64; from 3 on in the usual order of so many loudspeakers, as in WAVE files
  *  @param frames    at least 1
+ *  @param track     as in BA_FileAnalyze
+ *  @param file      the same
  *  @return as BA_FileAnalyze */
 BA_API int BA_FileAnalyzeSamples(const float* samples, int32_t rate, int32_t channels,
                                  int64_t frames, const BA_TrackOptions* track, BA_File** file);
@@ -126,7 +128,9 @@ BA_API const BA_Track* BA_FileTrack(const BA_File* file);
 BA_API const char* BA_FileReason(const BA_File* file);
 
 /** What the file is.
- *  @param facts  filled in unless null: `size` bytes of it, as the host was compiled
+ *  @param file   an outcome
+ *  @param facts  filled in unless null: `size` bytes of it
+ *  @param size   sizeof(BA_FileFacts) as the host was compiled
  *  @return 1; 0 if there is no result, and for null: nothing is filled in then */
 BA_API int32_t BA_FileFactsOf(const BA_File* file, BA_FileFacts* facts, size_t size);
 

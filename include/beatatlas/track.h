@@ -24,7 +24,7 @@
  *      }
  *
  *  Order of calls
- *  --------------
+ *  ==============
  *  1. To change the defaults: BA_TrackOptionsInit, then set fields.
  *  2. BA_TrackAnalyze, which asks the host for the audio piece by piece, or BA_TrackAnalyzeArrays
  *     for audio in memory. Either does all the work before it returns. Besides the audio it needs
@@ -33,7 +33,7 @@
  *  4. BA_TrackRelease.
  *
  *  Audio
- *  -----
+ *  =====
  *  Two channels of 32-bit floats, full scale ±1.0, at 44,100 or 48,000 frames per second. A frame
  *  is one sample per channel. Louder samples and infinities are clipped to full scale, NaN counts
  *  as 0. Pass a mono track as both channels. No result depends on the number of threads, on how
@@ -42,7 +42,7 @@
  *  libbeatatlas that is fed the same samples multiplied by 32,768 and clipped to -32,768 … 32,767.
  *
  *  Threads
- *  -------
+ *  =======
  *  An analysis runs in the calling thread and starts at most threads - 1 more, which have ended
  *  when it returns. If none can be started, the calling thread does their work. Signals are blocked
  *  in these threads, so that the host's handlers run in the host's own threads. Any number of
@@ -54,7 +54,7 @@
  *  ends the process.
  *
  *  Arithmetic and output
- *  ---------------------
+ *  =====================
  *  Every call leaves the caller's rounding mode as it was, and the callbacks run in that mode, in
  *  every thread. Nothing is written to standard output. When memory is short, one line may appear
  *  on standard error. */
@@ -146,7 +146,7 @@ typedef struct BA_TrackOptions {
      *  Both in BPM, 20 to 1000, the upper end at least twice the lower one. Default: 0 and 0, no
      *  range. */
     double lowest_bpm;
-    double highest_bpm;
+    double highest_bpm;    /**< auto tempo: the upper end of that range. Default: 0 */
     int32_t beats_per_bar; /**< auto tempo: 3 or 4 if known. Default: 0, to be found */
     int32_t reserved_bar;  /**< 0 */
 
@@ -216,7 +216,7 @@ typedef struct BA_TrackConfidence {
 
 /** Another reading of the beats, compared with the answer before it was brought into a range. */
 typedef struct BA_TrackReading {
-    double bpm;
+    double bpm; /**< its tempo */
     /** Its probability, 0 to 1; those of the chosen reading and of all others add up to 1. */
     double share;
     /** How far its first beat lies after the beat of the answer before it, in beats of the answer,
@@ -302,11 +302,13 @@ BA_API int BA_TrackAnalyze(const BA_TrackOptions* options, int32_t rate, int64_t
 
 /** Analyses a track that lies in memory.
  *
- *  @param left   `frames` samples, full scale ±1.0; only read
- *  @param right  the same of the other side
- *
- *  The other arguments and the result as for BA_TrackAnalyze; left or right null:
- *  BA_TRACK_BAD_ARGUMENT. */
+ *  @param options  as for BA_TrackAnalyze, like rate, frames and track
+ *  @param rate     frames per second: 44100 or 48000
+ *  @param left     `frames` samples, full scale ±1.0; only read
+ *  @param right    the same of the other side
+ *  @param frames   length of the track in frames, 1 to 2,147,483,647
+ *  @param track    receives the result
+ *  @return as for BA_TrackAnalyze; left or right null: BA_TRACK_BAD_ARGUMENT */
 BA_API int BA_TrackAnalyzeArrays(const BA_TrackOptions* options, int32_t rate, const float* left,
                                  const float* right, int64_t frames, BA_Track** track);
 
@@ -342,7 +344,8 @@ BA_API size_t BA_TrackBeats(const BA_Track* track, BA_TrackBeat* out, size_t roo
 BA_API int32_t BA_TrackIsSteady(const BA_Track* track);
 
 /** How sure tempo and beats are.
- *  @param out  filled in unless null; all 0 if nothing is known
+ *  @param track  a result
+ *  @param out    filled in unless null; all 0 if nothing is known
  *  @return 1; 0 where BA_TrackIsSteady is -1 */
 BA_API int32_t BA_TrackTempoConfidence(const BA_Track* track, BA_TrackConfidence* out);
 
@@ -360,7 +363,10 @@ BA_API size_t BA_TrackTempoStretches(const BA_Track* track, BA_TrackTempoStretch
 
 /** The points of a waveform overview. None if the waves were not wanted, for a kind that does not
  *  exist, and for null.
- *  @param wave  BA_TRACK_WAVE_… */
+ *  @param track  a result
+ *  @param wave   BA_TRACK_WAVE_…
+ *  @param out    receives the points
+ *  @param room   how many points there is room for */
 BA_API size_t BA_TrackWave(const BA_Track* track, int wave, BA_WaveInfo* out, size_t room);
 
 /** The likeliest key by evidence, numbered as in BA_TrackKeyScore. The spectrum, folded into pitch
@@ -387,9 +393,11 @@ BA_API size_t BA_TrackKeySegments(const BA_Track* track, BA_TrackKeySegment* out
 /** How strongly each of the 12 notes sounds, from A upward; the values add up to 1. */
 BA_API size_t BA_TrackChroma(const BA_Track* track, double* out, size_t room);
 
-/** How far the tuning of the track lies above A4 = 440 Hz, in hundredths of a semitone, -50 to 50;
- *  and the frequency of its A4 in Hz. Both 0 for a track without a key. */
+/** How far the tuning of the track lies above A4 = 440 Hz, in hundredths of a semitone, -50 to 50.
+ *  0 for a track without a key. */
 BA_API double BA_TrackTuningCents(const BA_Track* track);
+
+/** The frequency of the track's A4 in Hz. 0 for a track without a key. */
 BA_API double BA_TrackTuningHz(const BA_Track* track);
 
 /** The key of a session of libbeatatlas, numbered as in BA_TrackKeyScore. -1 if there is none: in

@@ -31,7 +31,9 @@
 
 namespace beatatlas::track {
 
+/** Keys that there are: a major and a minor one on each of the twelve notes. */
 inline constexpr int kKeyCount = 24;
+/** Notes of an octave, from A upward. */
 inline constexpr int kPitchClassCount = 12;
 
 /** How tempo and beats are found. */
@@ -50,6 +52,7 @@ enum class TempoMode {
 
 /** What to find out about a track, and how. */
 struct Options {
+    /** How tempo and beats are found. */
     TempoMode tempo = TempoMode::automatic;
 
     /** Varied tempo: the length in beats of the phrase over which the tempo is measured: 4, 8, 16,
@@ -71,6 +74,7 @@ struct Options {
      *  halving. Both in BPM, 20 to 1000, the upper end at least twice the lower one; 0 and 0: no
      *  range. */
     double lowestBpm = 0;
+    /** The upper end of that range. */
     double highestBpm = 0;
     /** Automatic tempo: 3 or 4 if known; 0: to be found. */
     int beatsPerBar = 0;
@@ -91,6 +95,7 @@ using Pass = std::function<std::int64_t(float* left, float* right, std::int64_t 
 /** Where the audio of a track comes from. Each pass begins at the first frame and is destroyed when
  *  it is over; what BA_TrackSource states about order and threads holds. */
 struct Source {
+    /** Begins a pass. */
     std::function<Pass()> open;
     /** Passes are costly or have to wait for a decoder. */
     bool fewestPasses = false;
@@ -107,6 +112,7 @@ struct Beat {
     /** 1, the downbeat, to the number of beats in a bar. */
     int numberInBar = 0;
 
+    /** Whether a bar begins here. */
     bool isDownbeat() const { return numberInBar == 1; }
 };
 
@@ -128,7 +134,9 @@ enum class ReadingKind {
 
 /** Another reading of the beats, compared with the answer before it was brought into a range. */
 struct Reading {
+    /** How its beats lie to those of the answer. */
     ReadingKind kind = ReadingKind::other;
+    /** Its tempo. */
     double bpm = 0.0;
 
     /** Its probability, 0 to 1; those of the chosen reading and of all others add up to 1. */
@@ -155,6 +163,7 @@ struct TempoJudgement {
     bool isSteady = true;
     /** Before it was brought into the range of the options. */
     double rawBpm = 0.0;
+    /** How sure tempo, level, phase and bars are. */
     BA_TrackConfidence confidence{};
     /** One where the tempo is steady. */
     std::vector<TempoStretch> stretches;
@@ -164,12 +173,15 @@ struct TempoJudgement {
 
 /** One point of a waveform overview. */
 struct WavePoint {
+    /** Height; its scale is that of the wave. */
     float level = 0.0F;
+    /** Colour class; which ones there are is stated at the wave. */
     int color = 0;
 };
 
 /** A key and the evidence for it in a track. Keys are numbered as in SessionKey. */
 struct KeyCandidate {
+    /** 0 to 23. */
     int key = 0;
     /** Only the scores of one track can be compared. */
     double score = 0.0;
@@ -179,8 +191,11 @@ struct KeyCandidate {
 
 /** A section of the track in one key. */
 struct KeySegment {
+    /** 0, or the end of the section before. */
     double fromSeconds = 0.0;
+    /** For the last section, the length of the track. */
     double toSeconds = 0.0;
+    /** 0 to 23. */
     int key = 0;
     /** As in Key. */
     double confidence = 0.0;
@@ -201,17 +216,22 @@ struct Key {
     /** Frequency of the track's A4. */
     double tuningHz = 440.0;
 
+    /** The likeliest key, 0 to 23. */
     int best() const { return ranking[0].key; }
+    /** The next likeliest. */
     int second() const { return ranking[1].key; }
 };
 
 /** The key of a session: all keys, best first, and the statistics of the notes. Keys 0 to 11 are
  *  the major keys from A upward, 12 to 23 the minor keys; pitch classes count from A too. */
 struct SessionKey {
+    /** Best first. */
     std::array<int, kKeyCount> keys{};
     /** Of keys[0], keys[1] … */
     std::array<double, kKeyCount> scores{};
+    /** How many of the 12 strongest semitone bands have each note. */
     std::array<int, kPitchClassCount> noteCounts{};
+    /** The share of those bands' energy that each note has; they add up to 1. */
     std::array<double, kPitchClassCount> noteShares{};
 
     /** How far the runner-up lies behind the best, as a share of the best score: 0 (equal) to 1. */
@@ -225,6 +245,7 @@ struct TrackResult {
     int rate = 0;
     /** Length of the track at that rate. */
     std::int64_t frames = 0;
+    /** A multiple of 0.01. */
     std::optional<double> bpm;
     /** In order of time. */
     std::vector<Beat> beats;
@@ -238,16 +259,23 @@ struct TrackResult {
     std::vector<WavePoint> zoomWave;
     /** By evidence. */
     std::optional<Key> key;
+    /** Of a session, if the options asked for it. */
     std::optional<SessionKey> sessionKey;
 
+    /** Length of the track. */
     double seconds() const { return secondsAt(frames); }
+    /** Where a frame lies, from the first frame of the track. */
     double secondsAt(std::int64_t frame) const { return static_cast<double>(frame) / rate; }
 };
 
 /** Why an analysis gave no result: a bad argument, a source of the wrong length. */
 class Error : public std::runtime_error {
 public:
+    /** With the text of BA_TrackStatusText. @param status  BA_TRACK_… */
     explicit Error(int status) : Error(status, BA_TrackStatusText(status)) {}
+    /** With a text of its own.
+     *  @param status  BA_TRACK_…
+     *  @param text    what is wrong, copied */
     Error(int status, const char* text) : std::runtime_error(text), status_(status) {}
 
     /** BA_TRACK_… */
@@ -259,11 +287,12 @@ private:
 
 /** Frees a result of the C interface. */
 struct TrackRelease {
+    /** Calls BA_TrackRelease. */
     void operator()(BA_Track* track) const { BA_TrackRelease(track); }
 };
 
-/** A result of the C interface, for hosts that pass it on to its functions. Never null when it comes
- *  from an analysis. */
+/** A result of the C interface, for hosts that pass it on to its functions. Never null when it
+ *  comes from an analysis. */
 using TrackHandle = std::unique_ptr<BA_Track, TrackRelease>;
 
 /** Translates between the C interface and values; nothing here is for a host to call. */
@@ -444,8 +473,10 @@ inline TrackResult resultOf(const BA_Track* track) {
 
 /** Analyses a track that is delivered piece by piece.
  *
- *  @param rate    frames per second: 44100 or 48000
- *  @param frames  length of the track in frames, 1 to 2,147,483,647
+ *  @param options  what to find out, and how
+ *  @param rate     frames per second: 44100 or 48000
+ *  @param frames   length of the track in frames, 1 to 2,147,483,647
+ *  @param source   where its audio comes from
  *  @throws Error for an argument out of range, for a source without a function to open it or with
  *          an empty pass, and for a source of another length; std::bad_alloc; and whatever the
  *          source or the progress function throws */
@@ -469,8 +500,11 @@ inline TrackResult analyze(const Options& options, int rate, std::int64_t frames
 }
 
 /** Analyses a track that lies in memory.
- *  @param left   `frames` samples, full scale ±1.0
- *  @param right  the same for the other channel
+ *  @param options  what to find out, and how
+ *  @param rate     frames per second: 44100 or 48000
+ *  @param left     `frames` samples, full scale ±1.0
+ *  @param right    the same for the other channel
+ *  @param frames   length of the track in frames, 1 to 2,147,483,647
  *  @throws as for the other analyze() */
 inline TrackHandle analyzeToHandle(const Options& options, int rate, const float* left,
                                    const float* right, std::int64_t frames) {

@@ -19,6 +19,7 @@
 
 /** A record the key finder accepts and leaves untouched; it carries nothing. */
 struct S_KEY_SCALE_RESULT {
+    /** Not looked at. */
     int reserved;
 };
 
@@ -67,7 +68,9 @@ BA_API int KeyCodeScale(S_KEY_SCALE_RESULT* result, float* samples, long n, floa
  *
  *  @param out       receives at most outCount samples: as many as there are filtered samples to
  *                   take; the rest of it stays untouched. May be in itself. Null: nothing is done
+ *  @param outCount  how many there is room for
  *  @param in        inCount samples. Null: nothing is done
+ *  @param inCount   how many are there
  *  @param ratio     not looked at
  *  @param step      1 and more; 0 takes sample 7 again and again, less than 0 goes backward as far
  *                   as sample 0
@@ -84,7 +87,9 @@ BA_API float* make_8(float* a, float* b);
 /** An eighth-order section in direct form II over n samples, in single precision, from silence.
  *
  *  Nothing is done for n ≤ 0. No array is checked for null.
- *  @param out  may be in itself
+ *  @param in   n samples
+ *  @param out  room for n samples; may be in itself
+ *  @param n    length of the buffer
  *  @param a    nine denominator coefficients; a[0] counts as 1 and is not looked at
  *  @param b    nine numerator coefficients */
 BA_API void filter8_mono(float* in, float* out, long n, float* a, float* b);
@@ -101,6 +106,7 @@ BA_API void filter8_mono(float* in, float* out, long n, float* a, float* b);
  *
  *  @param out   n samples; may be in itself
  *  @param in    n samples, any scale
+ *  @param n     length of the buffer
  *  @param rate  sampling rate in Hz
  *  @param div   divides the lengths of frame and hop; 1, 2, 4 … make sense
  *  @param mode  H × div. 0 and any value not listed: 512. For buffers of 30 s and more 1: 1024, 2:
@@ -117,6 +123,7 @@ BA_API void CutBeats(float* out, float* in, int n, float rate, int div, int mode
  *  null array and a rate without meaning give 434. The lower of two equally good references wins.
  *
  *  @param samples     n mono samples, any scale
+ *  @param n           length of the buffer
  *  @param rate        sampling rate in Hz; a recording thinned out by resample2 is looked through
  *                     in a tenth of the time
  *  @param hopDivisor  divides the hop between frames: 1 is fastest

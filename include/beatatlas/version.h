@@ -5,8 +5,11 @@
 #ifndef BEATATLAS_VERSION_H
 #define BEATATLAS_VERSION_H
 
+/** 1 of 1.2.3. */
 #define BEATATLAS_VERSION_MAJOR 0
+/** 2 of 1.2.3. */
 #define BEATATLAS_VERSION_MINOR 1
+/** 3 of 1.2.3. */
 #define BEATATLAS_VERSION_PATCH 0
 
 /** The number in the file names of the shared libraries. A program runs with every version that has

@@ -2,6 +2,7 @@
 # SPDX-License-Identifier: MIT
 # examples/cluster/submit.sh on a Slurm of one node, which is started for this test alone: a task
 # that is killed runs again, and the merged catalogue is that of one scan.
+# Then the guide to clusters is followed there.
 #   check_slurm.sh SOURCES FOLDER PROGRAM-THAT-MAKES-A-TRACK TOOL
 set -euo pipefail
 export LC_ALL=C.UTF-8
@@ -42,3 +43,8 @@ scontrol --oneliner show job "$last" | grep -q JobState=COMPLETED
 scontrol --oneliner show job | grep -q 'Restarts=1 '
 same_content "$folder/one.sqlite" "$folder/merged.sqlite"
 echo "the task that was killed ran again, and the merged catalogue is that of one scan"
+
+build=${TOOL%/app/beatatlas}
+cmake --install "$build" --prefix "$folder/installed" >/dev/null
+"$sources/tests/docs/check_guide.sh" "$sources" "$build" "$folder/guide" "$folder/installed" \
+    "$MAKE_TRACK" "$(command -v cc)" "$(command -v c++)" guides/cluster.md

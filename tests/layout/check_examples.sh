@@ -7,66 +7,18 @@
 #   check_examples.sh SOURCES FOLDER PROGRAM-THAT-MAKES-A-TRACK TOOL
 set -uo pipefail
 export LC_ALL=C.UTF-8
-sources=$1 folder=$2 make_track=$3 tool=$4
+sources=$1 folder=$2 make_track=$3 TOOL=$4
 
 # The names of files in the documents; what a file is, is told by its content.
 rm -rf "$folder"
 mkdir -p "$folder"
 cd "$folder" || exit 1
-# Settings and catalogue of whoever runs the tests are no part of them.
-export XDG_CONFIG_HOME=$PWD/settings XDG_DATA_HOME=$PWD/data
+. "$sources/tests/layout/shown_outputs.sh"
 "$make_track" track.wav || exit 1
 for name in track.flac song.mp3 other.flac -intro.mp3; do cp -- track.wav "$name"; done
 cp track.wav a.wav
 : >b.mp3
 awk 'BEGIN { for (i = 0; i < 252; ++i) printf "%.3f\n", 0.2 + i * 60 / 126 }' >taps.txt
-beatatlas() {
-    # It answers until it is interrupted.
-    if [[ $1 == serve ]]; then
-        timeout --preserve-status --signal=INT 3 "$tool" "$@"
-    else
-        "$tool" "$@"
-    fi
-}
-
-faults=0 compared=0 run=0
-fault() {
-    printf '%s\n' "$1" >&2
-    faults=$((faults + 1))
-}
-
-# fits TEXT PATTERN
-fits() {
-    local text=$1 rest=$2
-    while [[ $rest == *...* ]]; do
-        [[ $text == "${rest%%...*}"* ]] || return 1
-        text=${text#"${rest%%...*}"}
-        rest=${rest#*...}
-        # Up to where the pattern goes on.
-        local next=${rest%%...*}
-        [[ $text == *"$next"* ]] || return 1
-        text=$next${text#*"$next"}
-    done
-    [[ $text == "$rest" ]]
-}
-
-# compare DOCUMENT COMMAND EXPECTED
-compare() {
-    local printed
-    printed=$(eval "$2" 2>/dev/null)
-    compared=$((compared + 1))
-    fits "$printed" "$3" || fault "$1: $2 prints"$'\n'"$printed"$'\n'"and not"$'\n'"$3"
-}
-
-# succeed DOCUMENT COMMAND
-succeed() {
-    run=$((run + 1))
-    eval "$2" >/dev/null 2>&1 || fault "$1: $2 fails"
-}
-
-# Words such as FILE and OUT are to be put in, and options in brackets may be.
-is_pattern() { [[ $1 =~ (^|[ =])([A-Z]{2,}|[A-Z]+[.])|\[ ]]; }
-
 check() {
     local document=$1 line command="" expected="" text
     while IFS= read -r line || [[ $line ]]; do
@@ -74,7 +26,7 @@ check() {
             expected+=${expected:+$'\n'}${line#    }
             continue
         fi
-        [[ $command ]] && compare "$document" "$command" "$expected"
+        [[ $command ]] && compare "$document" "$command" "$(eval "$command" 2>/dev/null)" "$expected"
         command="" expected=""
         if [[ $line == '    $ beatatlas '* ]]; then
             command=${line#*\$ }
