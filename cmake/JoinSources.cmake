@@ -2,9 +2,8 @@
 # beatatlas_join_sources(<target>): compiles the sources of a folder together, because reading what
 # they include takes several times as long as compiling them. Names in the unnamed namespaces of a
 # folder must therefore differ. A source that has a UNITY_GROUP keeps it. The builds that read every
-# header anew compile each source alone. The core and the track library are never joined: a
-# calculation must not move across a call that changes the rounding mode, and only a call into
-# another source forbids that.
+# header anew compile each source alone. The core and the track library are not joined: many of their
+# sources have constants of their own under one short name.
 function(beatatlas_join_sources target)
     if(CMAKE_DISABLE_PRECOMPILE_HEADERS)
         return()

@@ -6,7 +6,7 @@
 #   stands for whatever is there, or just succeeds.
 # - A block "pycon" is a conversation with Python.
 # - A line "<!-- needs WHAT -->" above a block: only where that is installed. For Slurm: in
-#   ./x cluster.
+#   ./x cluster. For a fresh machine: nowhere here; CI begins with it.
 # A block of any other kind is a fault, unless it speaks to Sphinx alone: "{toctree}".
 #   check_guide.sh SOURCES BUILD FOLDER PREFIX MAKE_TRACK CC CXX DOCUMENT
 # PREFIX has an installed copy. Ends with 77 if something was left out, and says what.
@@ -32,6 +32,10 @@ set_scene() {
     BEATATLAS_LIBRARY_PATH=$(dirname "$(find "$prefix" -name libbeatatlas.so)")
     export BEATATLAS_LIBRARY_PATH
     unset PKG_CONFIG_PATH LD_LIBRARY_PATH BEATATLAS
+    # The README's reader has installed a copy where compilers and loader look.
+    if [[ $guide == *README.md ]]; then
+        export PKG_CONFIG_PATH=$BEATATLAS_LIBRARY_PATH/pkgconfig LD_LIBRARY_PATH=$BEATATLAS_LIBRARY_PATH
+    fi
     make_music || exit 1
 }
 
@@ -56,6 +60,7 @@ MUSIC
 # is_there WHAT: a program, Slurm or a module of Python
 is_there() {
     case $1 in
+        machine) false ;;
         slurm) [[ ${SLURM_CONF:-} ]] ;;
         parallel) command -v parallel >/dev/null ;;
         *) python3 -c "import $1" 2>/dev/null ;;
@@ -120,8 +125,7 @@ follow() {
     while IFS= read -r line; do
         if [[ $kind && $line == '```' ]]; then
             if [[ $needed ]] && ! is_there "$needed"; then
-                # ./x cluster is there for Slurm.
-                [[ $needed == slurm ]] || left_out+=("$needed")
+                [[ $needed =~ ^(slurm|machine)$ ]] || left_out+=("$needed")
             else
                 try_block "$kind" "$text"
             fi
