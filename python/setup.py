@@ -31,6 +31,8 @@ NEEDED = ("CMakeLists.txt", "LICENSE", "cmake", "include", "src", "track", "base
 
 class BuildLibraries(build_py):
     def run(self):
+        # pip builds in this folder: what an earlier build left would get into the wheel.
+        shutil.rmtree(self.build_lib, ignore_errors=True)
         super().run()
         if BUNDLE == "no":
             return

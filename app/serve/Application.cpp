@@ -59,7 +59,7 @@ HttpReply Application::answer(const HttpRequest& request) {
     } catch (const BadRequest& error) {
         return errorReply(400, error.what());
     } catch (const base::TrackError& error) {
-        return errorReply(409, error.what());
+        return errorReply(409, std::string("the track ") + error.what());
     } catch (const catalogue::CatalogueError& error) {
         return errorReply(503, error.what());
     }

@@ -100,11 +100,11 @@ bool Connection::send(std::string_view bytes, const std::atomic<bool>& isStopped
     return !isBroken_;
 }
 
-void Connection::dismiss(const char* status, std::string_view sentence) {
+void Connection::dismiss(const Refusal& refusal) {
     const std::string answer =
         fmt::format("HTTP/1.1 {}\r\nContent-Type: text/plain\r\nContent-Length: {}\r\n"
                     "Connection: close\r\n\r\n{}",
-                    status, sentence.size(), sentence);
+                    refusal.status, refusal.sentence.size(), refusal.sentence);
     // A few bytes that nothing came before always have room.
     const ssize_t ignored =
         ::send(socket_, answer.data(), answer.size(), MSG_DONTWAIT | MSG_NOSIGNAL);

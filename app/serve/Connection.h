@@ -8,6 +8,8 @@
 #include <string>
 #include <string_view>
 
+#include "serve/requestFrame.h"
+
 namespace app {
 
 /** What the open connections take, all together. Any thread may change it. */
@@ -48,8 +50,8 @@ public:
      *  @return false when not all of it was sent; nothing more can be sent then */
     bool send(std::string_view bytes, const std::atomic<bool>& isStopped);
 
-    /** Answers with a status and a sentence, or none, if that can be done at once. */
-    void dismiss(const char* status, std::string_view sentence);
+    /** Answers with the refusal if that can be done at once. */
+    void dismiss(const Refusal& refusal);
 
 private:
     Clock::time_point deadline() const;

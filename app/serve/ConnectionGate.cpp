@@ -22,6 +22,8 @@ constexpr rlim_t kOtherDescriptors = 128;
 constexpr std::size_t kMostReceived = std::size_t{64} * 1048576;
 
 constexpr std::chrono::seconds kMostSeconds(10);
+constexpr Refusal kLate = {"408 Request Timeout",
+                           "The request took longer than ten seconds to arrive.\n"};
 
 // Those that have come are looked at before they might have to make room for more.
 constexpr int kMostAtOnce = 256;
@@ -68,7 +70,7 @@ void ConnectionGate::receive(std::unique_ptr<Connection>& connection) {
     const Connection::Reading reading = connection->read(kMostHeadBytes + kMostBodyBytes);
     const RequestFrame frame = frameOf(connection->received());
     if (frame.refusal != nullptr) {
-        connection->dismiss(frame.refusal, frame.advice);
+        connection->dismiss(*frame.refusal);
         connection.reset();
     } else if (frame.isWhole(connection->received().size())) {
         take_(std::move(connection), frame);
@@ -82,7 +84,7 @@ void ConnectionGate::dismissLate() {
         return Connection::Clock::now() - connection->since() > kMostSeconds;
     };
     while (!waiting_.empty() && isLate(waiting_.front())) {
-        waiting_.front()->dismiss("408 Request Timeout", "");
+        waiting_.front()->dismiss(kLate);
         waiting_.erase(waiting_.begin());
     }
 }

@@ -111,7 +111,8 @@ HttpReply StoredTracks::correct(Id track, const std::string& body) {
     const Catalogue catalogue(path_, Catalogue::Access::write);
     if (!catalogue::TrackStore(catalogue).read(track)) return unknownTrack();
     const output::TrackReport report = readStored(catalogue, track).report;
-    if (const char* reason = refusalOf(report.analysis, *edit)) return errorReply(409, reason);
+    if (const char* reason = refusalOf(report.analysis, *edit))
+        return errorReply(409, std::string("the track ") + reason);
     catalogue::Corrections(catalogue).add(track, *edit);
     return viewIn(catalogue, track);
 }
@@ -121,7 +122,7 @@ HttpReply StoredTracks::undo(Id track) {
     const Catalogue catalogue(path_, Catalogue::Access::write);
     if (!catalogue::TrackStore(catalogue).read(track)) return unknownTrack();
     if (!catalogue::Corrections(catalogue).undo(track))
-        return errorReply(409, "has no correction to take back");
+        return errorReply(409, "the track has no correction to take back");
     return viewIn(catalogue, track);
 }
 

@@ -18,9 +18,18 @@ constexpr std::size_t kLongestRange = 64;
 
 constexpr std::size_t kLongestLine = 8000;
 
-constexpr const char* kTooLong = "431 Request Header Fields Too Large";
-constexpr std::string_view kTooLongAdvice =
-    "The request is too long. Delete the cookies that the browser keeps for this address.\n";
+constexpr Refusal kBad = {"400 Bad Request", "The request is not as HTTP has it.\n"};
+constexpr Refusal kNoLength = {"411 Length Required",
+                               "A request is taken with the length of its body alone.\n"};
+constexpr Refusal kTooLarge = {"413 Payload Too Large",
+                               "The request's body is longer than 1 MB.\n"};
+constexpr Refusal kLongRange = {"416 Range Not Satisfiable",
+                                "A range of a file is one pair of numbers.\n"};
+constexpr Refusal kExpecting = {"417 Expectation Failed",
+                                "A request is answered when all of it has come.\n"};
+constexpr Refusal kTooLong = {
+    "431 Request Header Fields Too Large",
+    "The request is too long. Delete the cookies that the browser keeps for this address.\n"};
 
 char lower(char character) {
     return character >= 'A' && character <= 'Z' ? static_cast<char>(character - 'A' + 'a')
@@ -49,19 +58,18 @@ bool isPlainLine(std::string_view line) {
 }
 
 /** Reads what a line says of the request's length. @return why it is refused, or null */
-const char* readLine(std::string_view line, RequestFrame& frame, bool& hasLength) {
+const Refusal* readLine(std::string_view line, RequestFrame& frame, bool& hasLength) {
     std::string_view value;
-    if (!isPlainLine(line)) return "400 Bad Request";
-    if (line.size() > kLongestLine) return kTooLong;
-    if (takesHeader(line, "transfer-encoding", value)) return "411 Length Required";
-    if (takesHeader(line, "expect", value)) return "417 Expectation Failed";
-    if (takesHeader(line, "range", value) && value.size() > kLongestRange)
-        return "416 Range Not Satisfiable";
+    if (!isPlainLine(line)) return &kBad;
+    if (line.size() > kLongestLine) return &kTooLong;
+    if (takesHeader(line, "transfer-encoding", value)) return &kNoLength;
+    if (takesHeader(line, "expect", value)) return &kExpecting;
+    if (takesHeader(line, "range", value) && value.size() > kLongestRange) return &kLongRange;
     if (!takesHeader(line, "content-length", value)) return nullptr;
     const auto length = plainNumber<std::size_t>(value);
     // Two lengths are how a request is hidden in another one.
-    if (!length || hasLength) return "400 Bad Request";
-    if (*length > kMostBodyBytes) return "413 Payload Too Large";
+    if (!length || hasLength) return &kBad;
+    if (*length > kMostBodyBytes) return &kTooLarge;
     frame.bodyBytes = *length;
     hasLength = true;
     return nullptr;
@@ -73,10 +81,7 @@ RequestFrame frameOf(std::string_view received) {
     RequestFrame frame;
     const std::size_t end = received.substr(0, kMostHeadBytes).find(kHeadEnd);
     if (end == std::string_view::npos) {
-        if (received.size() >= kMostHeadBytes) {
-            frame.refusal = kTooLong;
-            frame.advice = kTooLongAdvice;
-        }
+        if (received.size() >= kMostHeadBytes) frame.refusal = &kTooLong;
         return frame;
     }
     frame.headBytes = end + kHeadEnd.size();
@@ -87,7 +92,6 @@ RequestFrame frameOf(std::string_view received) {
         frame.refusal = readLine(head.substr(0, lineEnd), frame, hasLength);
         head.remove_prefix(lineEnd + kLineEnd.size());
     }
-    if (frame.refusal == kTooLong) frame.advice = kTooLongAdvice;
     return frame;
 }
 

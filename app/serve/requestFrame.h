@@ -13,15 +13,19 @@ inline constexpr std::size_t kMostHeadBytes = 16384;
 /** The numbers of a hundred thousand tracks. */
 inline constexpr std::size_t kMostBodyBytes = 1048576;
 
+/** Why a request will not be answered: "400 Bad Request" and the like, and a sentence for people. */
+struct Refusal {
+    const char* status;
+    std::string_view sentence;
+};
+
 /** How far a request has come, by its length alone. */
 struct RequestFrame {
     /** With the empty line that ends it; 0: it is not whole yet. */
     std::size_t headBytes = 0;
     std::size_t bodyBytes = 0;
-    /** "400 Bad Request" and the like, when it will not be answered; else null. */
-    const char* refusal = nullptr;
-    /** What a person can do about the refusal; else empty. */
-    std::string_view advice;
+    /** Null while it may be answered. */
+    const Refusal* refusal = nullptr;
 
     bool isWhole(std::size_t received) const {
         return refusal == nullptr && headBytes > 0 && received >= headBytes + bodyBytes;

@@ -132,7 +132,9 @@ TEST_F(Serve, KeepsACorrectionOverARestartAndTakesItBack) {
     EXPECT_EQ(again["foundBpm"], 120.0);
     EXPECT_THAT(names("corrected=1"), ElementsAre("a.mp3", "z\\xFF\\n.mp3"));
     EXPECT_EQ(post(track + "/undo", "").json()["tempo"]["bpm"], 120.0);
-    EXPECT_EQ(post(track + "/undo", "").status, 409);
+    const Answer nothingToUndo = post(track + "/undo", "");
+    EXPECT_EQ(nothingToUndo.status, 409);
+    EXPECT_EQ(nothingToUndo.json()["error"], "the track has no correction to take back");
     EXPECT_THAT(names("corrected=1"), ElementsAre("z\\xFF\\n.mp3"));
 }
 
@@ -158,7 +160,9 @@ TEST_F(Serve, RefusesWhatIsNoCorrectionOrCannotBeMade) {
           R"({"kind":"double","value":1})", R"({"kind":"downbeat","value":-1})", "\xFF"})
         EXPECT_EQ(post(track, edit).status, 400) << edit;
     const std::string silent = "/api/tracks/" + numberOf("/silence.wav") + "/corrections";
-    EXPECT_EQ(post(silent, R"({"kind":"double"})").status, 409);
+    const Answer noBeats = post(silent, R"({"kind":"double"})");
+    EXPECT_EQ(noBeats.status, 409);
+    EXPECT_EQ(noBeats.json()["error"], "the track has no beats");
     EXPECT_EQ(post("/api/tracks/99/corrections", R"({"kind":"double"})").status, 404);
 }
 
@@ -298,7 +302,7 @@ TEST_F(Serve, RefusesAFileThatTookThePlaceOfTheTrack) {
     for (const char* what : {"/audio", "/sound"}) {
         const Answer answer = get(track + what);
         EXPECT_EQ(answer.status, 409) << what;
-        EXPECT_THAT(answer.body, HasSubstr("has changed since it was analysed")) << what;
+        EXPECT_THAT(answer.body, HasSubstr("the track has changed since it was analysed")) << what;
     }
 }
 
