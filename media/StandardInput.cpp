@@ -15,6 +15,7 @@
 #include "base/Interrupt.h"
 #include "base/displayName.h"
 #include "base/errors.h"
+#include "media/temporaryFile.h"
 #include "media/writeFully.h"
 
 namespace media {
@@ -38,22 +39,6 @@ State& state() {
 
 [[noreturn]] void refuse(const std::string& what, int errorNumber) {
     throw base::TrackError(what + ": " + base::systemReason(errorNumber));
-}
-
-std::vector<std::string> temporaryFolders() {
-    const char* chosen = std::getenv("TMPDIR");
-    if (chosen != nullptr && *chosen != '\0') return {chosen};
-    return {"/var/tmp", "/tmp"};
-}
-
-/** A file without a name. @return -1 where the folder takes none */
-int openNameless(const std::string& folder) {
-    const int descriptor = ::open(folder.c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC, 0600);
-    if (descriptor != -1) return descriptor;
-    std::string path = folder + "/beatatlas-XXXXXX";
-    const int named = mkostemp(path.data(), O_CLOEXEC);
-    if (named != -1) unlink(path.c_str());
-    return named;
 }
 
 /** Waits in moments, so that a request to stop is noticed. */
@@ -100,10 +85,7 @@ private:
 };
 
 int copyOfPipe() {
-    const std::vector<std::string> folders = temporaryFolders();
-    std::size_t chosen = 0;
-    while (chosen + 1 < folders.size() && access(folders[chosen].c_str(), W_OK) != 0) ++chosen;
-    Copy copy(folders[chosen]);
+    Copy copy(temporaryFolder());
     copy.fill();
     return copy.release();
 }

@@ -7,7 +7,6 @@
 
 #include "cli/ConfigFile.h"
 #include "cli/commandTable.h"
-#include "cli/toolVersion.h"
 
 namespace app {
 
@@ -29,7 +28,8 @@ constexpr const char* kCommands = "Commands";
 
 void declareEnds(CLI::App& arguments) {
     arguments.set_help_flag("-h,--help", "print this help and exit");
-    arguments.set_version_flag("--version", versionText(), "print the version and exit");
+    // The program prints the version itself: making the text takes longer than all of this.
+    arguments.set_version_flag("--version", "", "print the version and exit");
 }
 
 }  // namespace

@@ -103,12 +103,6 @@ std::string contentOf(const std::string& path) {
     return text;
 }
 
-/** Empty where the system names no folder for it. */
-std::string usersOwnPath() {
-    const std::filesystem::path folder = userFolder("XDG_CONFIG_HOME", ".config");
-    return folder.empty() ? "" : (folder / "beatatlas" / "config.ini").string();
-}
-
 }  // namespace
 
 ConfigFile::ConfigFile(std::string path) : path_(std::move(path)) {
@@ -205,6 +199,12 @@ void declareConfig(CLI::App& arguments) {
         kNoConfig, [](std::int64_t) {}, "read no file of settings");
 }
 
+std::string usersOwnSettings() {
+    const std::filesystem::path folder = userFolder("XDG_CONFIG_HOME", ".config");
+    const std::string path = (folder / "beatatlas" / "config.ini").string();
+    return !folder.empty() && access(path.c_str(), F_OK) == 0 ? path : "";
+}
+
 void applyConfig(CLI::App& program, const std::vector<std::string>& words) {
     const auto end = std::find(words.begin(), words.end(), "--");
     const auto isGiven = [&](const char* word) {
@@ -218,8 +218,8 @@ void applyConfig(CLI::App& program, const std::vector<std::string>& words) {
         if (*word == kConfig && word + 1 != words.end())
             return ConfigFile(*(word + 1)).applyTo(program, words);
     }
-    const std::string path = usersOwnPath();
-    if (!path.empty() && access(path.c_str(), F_OK) == 0) ConfigFile(path).applyTo(program, words);
+    if (const std::string path = usersOwnSettings(); !path.empty())
+        ConfigFile(path).applyTo(program, words);
 }
 
 }  // namespace app

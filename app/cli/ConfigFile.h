@@ -64,6 +64,9 @@ private:
 /** Declares --config and --no-config for a command. */
 void declareConfig(CLI::App& arguments);
 
+/** The user's own file of settings; empty where there is none. */
+std::string usersOwnSettings();
+
 /** Applies the file that the command line names, else the user's own:
  *  $XDG_CONFIG_HOME/beatatlas/config.ini or ~/.config/beatatlas/config.ini, if it is there.
  *  @throws UsageError as ConfigFile */

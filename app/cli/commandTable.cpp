@@ -6,6 +6,7 @@
 #include "cli/CompareCommand.h"
 #include "cli/CorrectCommand.h"
 #include "cli/CutCommand.h"
+#include "cli/DoctorCommand.h"
 #include "cli/DrawCommand.h"
 #include "cli/ExportCommand.h"
 #include "cli/ForgetCommand.h"
@@ -42,6 +43,7 @@ std::vector<std::unique_ptr<Command>> makeCommands() {
     commands.push_back(std::make_unique<ClickCommand>());
     commands.push_back(std::make_unique<TagCommand>());
     commands.push_back(std::make_unique<CompareCommand>());
+    commands.push_back(std::make_unique<DoctorCommand>());
     return commands;
 }
 

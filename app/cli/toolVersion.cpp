@@ -1,11 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "cli/toolVersion.h"
 
-#include <cairo.h>
 #include <fmt/format.h>
-#include <soxr.h>
 
 #include "beatatlas/version.h"
+#include "doctor/buildFacts.h"
+#include "doctor/libraries.h"
+#include "doctor/machine.h"
 #include "media/ffmpeg.h"
 
 namespace app {
@@ -15,8 +16,10 @@ std::string toolVersion() {
 }
 
 std::string versionText() {
-    return fmt::format("beatatlas {}\nFFmpeg {}, {}, cairo {}\n", toolVersion(), av_version_info(),
-                       soxr_version(), cairo_version_string());
+    std::string text = fmt::format("beatatlas {}\n{}, {}\nFFmpeg {}\n", toolVersion(),
+                                   compilerText(), vectorFormText(), av_version_info());
+    for (const Library& library : libraries()) text += library.name + " " + library.known() + "\n";
+    return text;
 }
 
 }  // namespace app

@@ -197,6 +197,10 @@ std::string ManualPage::environment() const {
         list +=
             entry("XDG_DATA_HOME", "Where the folder with the catalogue is; otherwise it is in\n"
                                    ".IR \\(ti/.local/share .");
+    if (command_.has("--raw") || command_.name == "doctor" || isOfProgram())
+        list +=
+            entry("TMPDIR", "Where files are kept that go with the process; otherwise that is in\n"
+                            ".I /var/tmp\nor\n.IR /tmp .");
     return list.empty() ? list : ".SH ENVIRONMENT\n" + list;
 }
 

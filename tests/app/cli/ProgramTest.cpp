@@ -10,6 +10,7 @@
 #include <unistd.h>
 
 #include "base/Interrupt.h"
+#include "beatatlas/version.h"
 #include "cli/Program.h"
 #include "support/AudioFileWriter.h"
 #include "support/TemporaryFolder.h"
@@ -58,8 +59,10 @@ TEST(Program, PrintsHelpForEachCommand) {
 TEST(Program, PrintsItsVersion) {
     const ToolRun run = runTool({"--version"});
     EXPECT_EQ(run.exitStatus, 0);
-    EXPECT_THAT(run.out, StartsWith("beatatlas "));
-    EXPECT_THAT(run.out, HasSubstr("FFmpeg"));
+    EXPECT_EQ(run.out.substr(0, run.out.find('\n')), "beatatlas " BEATATLAS_VERSION);
+    for (const char* library : {"\nFFmpeg ", "\nlibavcodec ", "\nlibsoxr ", "\nTagLib ",
+                                "\nSQLite ", "\ncairo ", "\nPango "})
+        EXPECT_THAT(run.out, HasSubstr(library));
 }
 
 // The next word would be taken for the value, and the track would be gone.

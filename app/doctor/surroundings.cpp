@@ -1,0 +1,102 @@
+// SPDX-License-Identifier: MIT
+#include "doctor/surroundings.h"
+
+#include <cerrno>
+#include <cstring>
+
+#include <fmt/format.h>
+#include <pango/pangocairo.h>
+#include <unistd.h>
+
+#include "base/displayName.h"
+#include "base/errors.h"
+#include "cli/CommandLine.h"
+#include "cli/ConfigFile.h"
+#include "media/temporaryFile.h"
+#include "media/writeFully.h"
+
+namespace app {
+
+namespace {
+
+/** Why a file there does not keep what is written to it; empty when it does. */
+std::string faultOfFile(const std::string& folder) {
+    constexpr std::string_view kText = "beatatlas";
+    const int descriptor = media::openNameless(folder);
+    if (descriptor == -1) return base::systemReason(errno);
+    const int failure = media::writeFully(descriptor, kText.data(), kText.size());
+    std::string back(kText.size(), '\0');
+    const ssize_t count = pread(descriptor, back.data(), back.size(), 0);
+    close(descriptor);
+    if (failure != 0) return base::systemReason(failure);
+    const bool isSame = count == static_cast<ssize_t>(kText.size()) && back == kText;
+    return isSame ? "" : "what was written there does not come back";
+}
+
+}  // namespace
+
+std::vector<AudioFormat> usualFormats() {
+    return {{"MP3", "mp3", AV_CODEC_ID_MP3},        {"AAC", "mov", AV_CODEC_ID_AAC},
+            {"ALAC", "mov", AV_CODEC_ID_ALAC},      {"FLAC", "flac", AV_CODEC_ID_FLAC},
+            {"WAV", "wav", AV_CODEC_ID_PCM_S16LE},  {"AIFF", "aiff", AV_CODEC_ID_PCM_S16BE},
+            {"Vorbis", "ogg", AV_CODEC_ID_VORBIS},  {"Opus", "ogg", AV_CODEC_ID_OPUS},
+            {"WavPack", "wv", AV_CODEC_ID_WAVPACK}, {"WMA", "asf", AV_CODEC_ID_WMAV2}};
+}
+
+Check checkLibraries(const std::vector<Library>& libraries) {
+    std::vector<std::string> unfit;
+    for (const Library& library : libraries)
+        if (!library.fits())
+            unfit.push_back(
+                fmt::format("{} {}, built with {}", library.name, library.running, library.built));
+    if (unfit.empty()) return {"libraries", Outcome::ok, "as new as those of the build"};
+    return {"libraries", Outcome::failed, fmt::format("{}", fmt::join(unfit, "; "))};
+}
+
+Check checkDecoders(const std::vector<AudioFormat>& formats) {
+    std::vector<std::string> there;
+    std::vector<std::string> missing;
+    for (const AudioFormat& format : formats) {
+        const bool isThere = avcodec_find_decoder(format.codec) != nullptr &&
+                             av_find_input_format(format.container) != nullptr;
+        (isThere ? there : missing).emplace_back(format.name);
+    }
+    if (missing.empty())
+        return {"decoders", Outcome::ok, fmt::format("{}", fmt::join(there, ", "))};
+    return {"decoders", Outcome::failed,
+            fmt::format("this FFmpeg cannot read {}", fmt::join(missing, ", "))};
+}
+
+Check checkFonts() {
+    PangoFontFamily** families = nullptr;
+    int count = 0;
+    pango_font_map_list_families(pango_cairo_font_map_get_default(), &families, &count);
+    g_free(families);
+    if (count > 0)
+        return {"fonts", Outcome::ok,
+                fmt::format("{} {} for the words of pictures", count,
+                            count == 1 ? "family" : "families")};
+    return {"fonts", Outcome::note, "none: words in pictures are drawn in plain Latin letters"};
+}
+
+Check checkTemporaryFolder(const std::string& folder) {
+    const std::string shown = base::displayName(folder);
+    const std::string fault = faultOfFile(folder);
+    if (fault.empty()) return {"temp folder", Outcome::ok, shown};
+    return {"temp folder", Outcome::failed, shown + ": " + fault};
+}
+
+Check checkSettings(const std::string& path) {
+    if (path.empty()) return {"settings", Outcome::ok, "no file of settings"};
+    try {
+        const ConfigFile file(path);
+        CommandLine commandLine;
+        for (const auto& command : commandLine.commands())
+            if (command->takesSettings()) file.applyTo(commandLine.parser(), {command->name()});
+    } catch (const base::UsageError& error) {
+        return {"settings", Outcome::failed, error.what()};
+    }
+    return {"settings", Outcome::ok, base::displayName(path)};
+}
+
+}  // namespace app
