@@ -25,7 +25,9 @@ breathe_domain_by_extension = {"h": "c", "hpp": "cpp"}
 # These headers have names of C++ linkage, two of which overload.
 breathe_domain_by_file_pattern = {"*/dsp.h": "cpp", "*/utilities.h": "cpp"}
 autodoc_member_order = "bysource"
+# Results are made by the package, not by its users.
 autodoc_class_signature = "separated"
+autodoc_default_options = {"exclude-members": "__init__, __new__"}
 napoleon_use_ivar = True
 autodoc_typehints = "description"
 autodoc_typehints_description_target = "documented"
