@@ -7,6 +7,8 @@
 # - A block "pycon" is a conversation with Python.
 # - A line "<!-- needs WHAT -->" above a block: only where that is installed. For Slurm: in
 #   ./x cluster.
+# - Within a line of text, `beatatlas WORD` names a command that there is, and with more words it is
+#   one that succeeds.
 # A block of any other kind is a fault, unless it speaks to Sphinx alone: "{toctree}".
 #   check_guide.sh SOURCES BUILD FOLDER PREFIX MAKE_TRACK CC CXX DOCUMENT
 # PREFIX has an installed copy. Ends with 77 if something was left out, and says what.
@@ -115,6 +117,21 @@ try_block() {
     esac
 }
 
+# run_named LINE: commands within a line of text
+run_named() {
+    local text words
+    while IFS= read -r text; do
+        read -r -a words <<<"$text"
+        if is_pattern "$text"; then
+            continue
+        elif ((${#words[@]} == 2)) && [[ ${words[1]} != -* ]]; then
+            succeed "$guide" "beatatlas help ${words[1]}"
+        else
+            succeed "$guide" "$text"
+        fi
+    done < <(grep -oE '`beatatlas [^`]*`' <<<"$1" | tr -d '`')
+}
+
 follow() {
     local line kind="" text="" needed=""
     while IFS= read -r line; do
@@ -136,6 +153,8 @@ follow() {
             needed=${BASH_REMATCH[1]}
         elif [[ $line == '    '* ]]; then
             fault "$guide: nothing tries: $line"
+        else
+            run_named "$line"
         fi
     done <"$sources/docs/$guide"
     ((compared > 0)) || fault "$guide: shows nothing"
