@@ -2,13 +2,17 @@
 """Settings of the documentation site: docs/ as pages, the headers by way of Doxygen's XML, the
 Python package by its docstrings. Built by build_site.sh, which names the folder of the XML."""
 
+import ctypes
 import os
 import re
 import sys
 from pathlib import Path
+from unittest.mock import MagicMock
 
 sources = Path(__file__).resolve().parents[2]
 sys.path.insert(0, str(sources / "python"))
+# The package is read, never run: the pages need none of the libraries.
+ctypes.CDLL = MagicMock()
 
 project = "Beat Atlas"
 copyright = "Beat Atlas, MIT licence"
@@ -25,7 +29,9 @@ breathe_domain_by_extension = {"h": "c", "hpp": "cpp"}
 # These headers have names of C++ linkage, two of which overload.
 breathe_domain_by_file_pattern = {"*/dsp.h": "cpp", "*/utilities.h": "cpp"}
 autodoc_member_order = "bysource"
+# Results are made by the package, not by its users.
 autodoc_class_signature = "separated"
+autodoc_default_options = {"exclude-members": "__init__, __new__"}
 napoleon_use_ivar = True
 autodoc_typehints = "description"
 autodoc_typehints_description_target = "documented"

@@ -30,6 +30,7 @@
  *  4. The getters. The waves can be read during step 3 and grow; tempo, beats and key exist after
  *     it.
  *  5. BA_Release.
+ *
  *  A call out of this order does nothing. Nothing is ever reported by an error code: a getter of a
  *  session that has no answer returns the neutral result described there (0, false, nothing
  *  written).

@@ -493,7 +493,7 @@ inline TrackHandle analyzeToHandle(const Options& options, int rate, std::int64_
     return detail::finish(status, TrackHandle(track), host.thrown);
 }
 
-/** The same, in values. */
+/** Analyses a track that is delivered piece by piece: analyzeToHandle(), in values. */
 inline TrackResult analyze(const Options& options, int rate, std::int64_t frames,
                            const Source& source) {
     return resultOf(analyzeToHandle(options, rate, frames, source).get());
@@ -505,7 +505,8 @@ inline TrackResult analyze(const Options& options, int rate, std::int64_t frames
  *  @param left     `frames` samples, full scale ±1.0
  *  @param right    the same for the other channel
  *  @param frames   length of the track in frames, 1 to 2,147,483,647
- *  @throws as for the other analyze() */
+ *  @throws Error for an argument out of range; std::bad_alloc; and whatever the progress function
+ *          throws */
 inline TrackHandle analyzeToHandle(const Options& options, int rate, const float* left,
                                    const float* right, std::int64_t frames) {
     detail::Host host{options, nullptr, {}};
@@ -515,7 +516,7 @@ inline TrackHandle analyzeToHandle(const Options& options, int rate, const float
     return detail::finish(status, TrackHandle(track), host.thrown);
 }
 
-/** The same, in values. */
+/** Analyses a track that lies in memory: analyzeToHandle(), in values. */
 inline TrackResult analyze(const Options& options, int rate, const float* left, const float* right,
                            std::int64_t frames) {
     return resultOf(analyzeToHandle(options, rate, left, right, frames).get());
