@@ -26,9 +26,8 @@ namespace {
 constexpr const char* kFind = "SELECT id, audio_hash FROM tracks WHERE path = ?1";
 
 constexpr const char* kPutTrack = R"sql(
-INSERT INTO tracks (path, size, modified_ns, audio_hash, container, codec, channels, file_rate,
-    rate, format_changes, artist, title, frames, seconds, added_at, artist_order, title_order,
-    search)
+INSERT INTO tracks (path, size, modified_ns, container, codec, channels, file_rate, artist, title,
+    artist_order, title_order, search, audio_hash, rate, format_changes, frames, seconds, added_at)
 VALUES (?1, ?2, ?3, ?4, ?5, ?6, ?7, ?8, ?9, ?10, ?11, ?12, ?13, ?14, ?15, ?16, ?17, ?18)
 ON CONFLICT (path) DO UPDATE SET
     size = excluded.size, modified_ns = excluded.modified_ns, audio_hash = excluded.audio_hash,
@@ -84,10 +83,10 @@ SELECT id FROM tracks t WHERE is_corrected = 1
     OR (SELECT count(*) FROM results r WHERE r.track_id = t.id) > 1)sql";
 
 constexpr const char* kMove = R"sql(
-UPDATE tracks SET path = ?2, size = ?3, modified_ns = ?4, gone_at = NULL, container = ?5,
-    codec = ?6, channels = ?7, file_rate = ?8, artist = ?9, title = ?10, artist_order = ?11,
-    title_order = ?12, search = ?13
-WHERE id = ?1)sql";
+UPDATE tracks SET path = ?1, size = ?2, modified_ns = ?3, container = ?4, codec = ?5, channels = ?6,
+    file_rate = ?7, artist = ?8, title = ?9, artist_order = ?10, title_order = ?11, search = ?12,
+    gone_at = NULL
+WHERE id = ?13)sql";
 
 std::string bytesOf(const AudioHash& hash) {
     return {hash.begin(), hash.end()};
@@ -122,6 +121,24 @@ Shown foundIn(const SQLite::Statement& row) {
     weaken(shown.confidence, realOf(row, 2));
     weaken(shown.confidence, realOf(row, 4));
     return shown;
+}
+
+/** What a track's file says of itself, for the parameters 1 to 12. */
+void bindFile(SQLite::Statement& statement, const std::string& path, const FileState& state,
+              const base::TrackFormat& format) {
+    const base::TrackTags& tags = format.tags;
+    bindBytes(statement, 1, path);
+    statement.bind(2, state.size);
+    statement.bind(3, state.modifiedNanoseconds);
+    statement.bind(4, format.container);
+    statement.bind(5, format.codec);
+    statement.bind(6, format.channels);
+    statement.bind(7, format.trackRate);
+    statement.bind(8, tags.artist);
+    statement.bind(9, tags.title);
+    statement.bind(10, folded(tags.artist));
+    statement.bind(11, folded(tags.title));
+    statement.bind(12, searchText(path, tags.artist, tags.title));
 }
 
 void bindTempo(SQLite::Statement& statement, const ResultRow& result) {
@@ -202,46 +219,22 @@ TrackStore::Id TrackStore::putTrack(const TrackRow& track) {
     }
     SQLite::Statement& put = statements_->putTrack;
     const ResetAfter reset(put);
-    const base::TrackFormat& format = track.format;
-    bindBytes(put, 1, track.path);
-    put.bind(2, track.state.size);
-    put.bind(3, track.state.modifiedNanoseconds);
-    bindBytes(put, 4, bytesOf(track.hash));
-    put.bind(5, format.container);
-    put.bind(6, format.codec);
-    put.bind(7, format.channels);
-    put.bind(8, format.trackRate);
-    put.bind(9, format.sessionRate);
-    put.bind(10, format.changes ? 1 : 0);
-    put.bind(11, format.tags.artist);
-    put.bind(12, format.tags.title);
-    put.bind(13, track.frames);
-    put.bind(14, track.seconds);
-    put.bind(15, secondsNow());
-    put.bind(16, folded(format.tags.artist));
-    put.bind(17, folded(format.tags.title));
-    put.bind(18, searchText(track.path, format.tags.artist, format.tags.title));
+    bindFile(put, track.path, track.state, track.format);
+    bindBytes(put, 13, bytesOf(track.hash));
+    put.bind(14, track.format.sessionRate);
+    put.bind(15, track.format.changes ? 1 : 0);
+    put.bind(16, track.frames);
+    put.bind(17, track.seconds);
+    put.bind(18, secondsNow());
     put.executeStep();
     return put.getColumn(0).getInt64();
 }
 
 void TrackStore::move(Id track, const std::string& path, const FileState& state,
                       const base::TrackFormat& format) {
-    const base::TrackTags& tags = format.tags;
     SQLite::Statement move(database_, kMove);
-    move.bind(1, track);
-    bindBytes(move, 2, path);
-    move.bind(3, state.size);
-    move.bind(4, state.modifiedNanoseconds);
-    move.bind(5, format.container);
-    move.bind(6, format.codec);
-    move.bind(7, format.channels);
-    move.bind(8, format.trackRate);
-    move.bind(9, tags.artist);
-    move.bind(10, tags.title);
-    move.bind(11, folded(tags.artist));
-    move.bind(12, folded(tags.title));
-    move.bind(13, searchText(path, tags.artist, tags.title));
+    bindFile(move, path, state, format);
+    move.bind(13, track);
     move.exec();
 }
 

@@ -1,10 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "cli/ListFilters.h"
 
-#include <algorithm>
 #include <limits>
 #include <map>
-#include <vector>
 
 #include <CLI/CLI.hpp>
 
@@ -22,16 +20,12 @@ namespace app {
 
 namespace {
 
-using catalogue::BpmRange;
 using catalogue::TrackQuery;
 using Order = TrackQuery::Order;
 
 constexpr double kLowestBpm = 1.0;
 constexpr double kHighestBpm = 10000.0;
 constexpr double kMostPercent = 30.0;
-// No track has this key, and none a tempo in this range.
-constexpr int kNoKey = -1;
-constexpr BpmRange kNoTempo = {1.0, 0.0};
 
 std::map<std::string, Order> orders() {
     return {{"path", Order::path},   {"artist", Order::artist},
@@ -53,28 +47,6 @@ std::string requireTempo(const std::string& text) {
 std::string requireKey(const std::string& text) {
     if (output::KeyName::parse(text)) return {};
     return "takes a key such as 8A, 1m, \"A minor\", Am or F#, not " + text;
-}
-
-/** Of the conditions so far, which may be none, what also meets the further ones. */
-void narrow(std::vector<int>& keys, std::vector<int> further) {
-    if (!keys.empty())
-        std::erase_if(further, [&](int key) {
-            return std::find(keys.begin(), keys.end(), key) == keys.end();
-        });
-    keys = further.empty() ? std::vector{kNoKey} : further;
-}
-
-void narrow(std::vector<BpmRange>& tempos, const std::vector<BpmRange>& further) {
-    const std::vector<BpmRange> before = tempos.empty() ? further : tempos;
-    tempos.clear();
-    for (const BpmRange& one : before) {
-        for (const BpmRange& other : further) {
-            const BpmRange both = {std::max(one.lowest, other.lowest),
-                                   std::min(one.highest, other.highest)};
-            if (both.lowest <= both.highest) tempos.push_back(both);
-        }
-    }
-    if (tempos.empty()) tempos = {kNoTempo};
 }
 
 /** @param shown  its name in messages */
@@ -167,7 +139,7 @@ void ListFilters::addCompany(TrackQuery& query, const catalogue::Catalogue& cata
     const std::string name = unguarded(*companion_);
     if (const auto key = output::KeyName::parse(name)) {
         if (withinPercent_) throw base::UsageError("--within goes with a track, not with a key");
-        narrow(query.keys, catalogue::compatibleKeys(key->number()));
+        catalogue::narrowToCompatible(query, key->number(), std::nullopt, 0.0);
         return;
     }
     catalogue::TrackStore store(catalogue);
@@ -176,10 +148,9 @@ void ListFilters::addCompany(TrackQuery& query, const catalogue::Catalogue& cata
     if (!track) throw base::UsageError(shown + " is neither a key nor in the catalogue");
     const beatatlas::track::TrackResult found = companionOf(catalogue, *track, shown);
     if (!found.key && !found.bpm) throw base::UsageError(shown + " has neither a key nor a tempo");
-    if (found.key) narrow(query.keys, catalogue::compatibleKeys(found.key->best()));
-    if (found.bpm)
-        narrow(query.bpm, catalogue::compatibleTempos(
-                              *found.bpm, withinPercent_.value_or(catalogue::kUsualPercent)));
+    const std::optional<int> key = found.key ? std::optional(found.key->best()) : std::nullopt;
+    catalogue::narrowToCompatible(query, key, found.bpm,
+                                  withinPercent_.value_or(catalogue::kUsualPercent));
     query.except = track;
 }
 

@@ -57,8 +57,6 @@ void setCompanion(catalogue::TrackQuery& query, const HttpRequest& request,
                   const catalogue::Catalogue& catalogue) {
     const auto text = request.parameter("compatible");
     if (!text || text->empty()) return;
-    if (!query.keys.empty() || !query.bpm.empty())
-        throw BadRequest("what is compatible goes with neither a key nor tempos");
     const auto number = trackNumber(*text);
     std::optional<base::ListedTrack> companion;
     if (number) {
@@ -68,9 +66,7 @@ void setCompanion(catalogue::TrackQuery& query, const HttpRequest& request,
     if (!companion) throw BadRequest("the track to mix with is not in the catalogue");
     if (!companion->key && !companion->bpm)
         throw BadRequest("the track to mix with has neither a key nor a tempo");
-    if (companion->key) query.keys = catalogue::compatibleKeys(*companion->key);
-    if (companion->bpm)
-        query.bpm = catalogue::compatibleTempos(*companion->bpm, catalogue::kUsualPercent);
+    catalogue::narrowToCompatible(query, companion->key, companion->bpm, catalogue::kUsualPercent);
     query.except = number;
 }
 

@@ -29,11 +29,37 @@ constexpr int kFifth = 7;
 constexpr int kMinorThird = 3;
 constexpr double kPercent = 100.0;
 
+// No track has this key, and none a tempo in this range.
+constexpr int kNoKey = -1;
+constexpr BpmRange kNoTempo = {1.0, 0.0};
+
 struct OrderSql {
     const char* index;
     const char* ascending;
     const char* descending;
 };
+
+/** Of the conditions so far, which may be none, what also meets the further ones. */
+void narrow(std::vector<int>& keys, std::vector<int> further) {
+    if (!keys.empty())
+        std::erase_if(further, [&](int key) {
+            return std::find(keys.begin(), keys.end(), key) == keys.end();
+        });
+    keys = further.empty() ? std::vector{kNoKey} : further;
+}
+
+void narrow(std::vector<BpmRange>& tempos, const std::vector<BpmRange>& further) {
+    const std::vector<BpmRange> before = tempos.empty() ? further : tempos;
+    tempos.clear();
+    for (const BpmRange& one : before) {
+        for (const BpmRange& other : further) {
+            const BpmRange both = {std::max(one.lowest, other.lowest),
+                                   std::min(one.highest, other.highest)};
+            if (both.lowest <= both.highest) tempos.push_back(both);
+        }
+    }
+    if (tempos.empty()) tempos = {kNoTempo};
+}
 
 OrderSql orderSql(TrackQuery::Order order) {
     switch (order) {
@@ -182,6 +208,12 @@ void listFailures(const Catalogue& catalogue, bool isReversed, std::optional<std
             show({statement.getColumn(0).getString(), statement.getColumn(1).getString(),
                   statement.getColumn(2).getString(), statement.getColumn(3).getInt64()});
     });
+}
+
+void narrowToCompatible(TrackQuery& query, std::optional<int> key, std::optional<double> bpm,
+                        double percent) {
+    if (key) narrow(query.keys, compatibleKeys(*key));
+    if (bpm) narrow(query.bpm, compatibleTempos(*bpm, percent));
 }
 
 std::vector<int> compatibleKeys(int key) {

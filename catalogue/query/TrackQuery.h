@@ -66,6 +66,12 @@ void listChosen(const Catalogue& catalogue, const std::vector<std::int64_t>& ids
 void listFailures(const Catalogue& catalogue, bool isReversed, std::optional<std::int64_t> limit,
                   const std::function<void(const base::ListedFailure&)>& show);
 
+/** Narrows a query to what mixes with a key, a tempo or both; the conditions that it has keep
+ *  holding, also where nothing meets all of them.
+ *  @param percent  of compatibleTempos() */
+void narrowToCompatible(TrackQuery& query, std::optional<int> key, std::optional<double> bpm,
+                        double percent);
+
 /** The keys that mix with a key: itself, a fifth up, a fifth down, and its relative. */
 std::vector<int> compatibleKeys(int key);
 

@@ -6,16 +6,14 @@
     >>> track.bpm, track.key.name
 """
 
+from . import _library
 from ._analyze import analyze
+from ._version import __version__
 from .analysis import (
     Alternative,
     Analysis,
     AudioFacts,
     Gap,
-    KeyAnalysis,
-    KeyCandidate,
-    KeySegment,
-    SessionKey,
     Stretch,
     TempoConfidence,
     Waves,
@@ -27,7 +25,7 @@ from .errors import (
     NotAudioError,
     UnreadableFileError,
 )
-from ._version import __version__
+from .key_analysis import KeyAnalysis, KeyCandidate, KeySegment, SessionKey
 from .keys import Key
 
 __all__ = [
@@ -51,3 +49,6 @@ __all__ = [
     "__version__",
     "analyze",
 ]
+
+# What is missing is told by the import, not by the first analysis.
+_library.media_library()

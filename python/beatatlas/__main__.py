@@ -4,23 +4,29 @@
 from __future__ import annotations
 
 import argparse
+import io
 import json
 import os
 import sys
 
 from . import AnalysisError, __version__, analyze
+from ._library import TEMPO_MODES
 from .analysis import name_dict
 
 
 def main() -> int:
-    parser = argparse.ArgumentParser(prog="python3 -m beatatlas", description="Analyses music.")
-    parser.add_argument("files", nargs="+", metavar="FILE")
-    parser.add_argument("--tempo", default="auto",
-                        choices=("auto", "constant", "varied", "simple", "off"))
+    parser = argparse.ArgumentParser(
+        prog="python3 -m beatatlas",
+        description="Finds tempo, beats, key and waveform overviews of music files.",
+        epilog="Ends with 0; with 1 if a file has no result; with 2 if the arguments mean nothing.")
+    parser.add_argument("files", nargs="+", metavar="FILE", help="of any kind that FFmpeg reads")
+    parser.add_argument("--tempo", default="auto", choices=TEMPO_MODES,
+                        help="how it is found; auto, unless told: whether it is steady, too")
     parser.add_argument("--json", action="store_true", help="a document instead of lines")
     parser.add_argument("--waves", action="store_true", help="with the overviews, in JSON")
     parser.add_argument("--version", action="version", version=f"beatatlas {__version__}")
     arguments = parser.parse_args()
+    _write_any_name(as_utf8=arguments.json)
     tracks: list[dict[str, object]] = []
     failures = 0
     for file in arguments.files:
@@ -40,6 +46,15 @@ def main() -> int:
                    "tracks": tracks}, sys.stdout, ensure_ascii=False)
         print()
     return 1 if failures else 0
+
+
+def _write_any_name(as_utf8: bool) -> None:
+    """Names of files may have characters that the terminal lacks. JSON is UTF-8 everywhere."""
+    if isinstance(sys.stdout, io.TextIOWrapper):
+        if as_utf8:
+            sys.stdout.reconfigure(encoding="utf-8")
+        else:
+            sys.stdout.reconfigure(errors="backslashreplace")
 
 
 if __name__ == "__main__":

@@ -4,16 +4,21 @@
 from __future__ import annotations
 
 import ctypes
+import difflib
+import functools
+import inspect
 import operator
 import os
 import threading
-from typing import Any, Callable, Optional, Union
+from collections.abc import Iterable
+from typing import Any, Callable, Optional, TypeVar, Union, cast
 
 import numpy as np
 from numpy.typing import NDArray
 
 from . import _library
 from ._read import Handle, read_analysis
+from ._samples import interleaved
 from .analysis import Analysis
 from .errors import (
     AnalysisError,
@@ -25,8 +30,8 @@ from .errors import (
 
 Source = Union[str, bytes, "os.PathLike[str]", "os.PathLike[bytes]", NDArray[Any]]
 Progress = Callable[[float], object]
+Function = TypeVar("Function", bound=Callable[..., Any])
 
-_MOST_CHANNELS = 64
 _ERRORS: dict[int, type[AnalysisError]] = {
     _library.MISSING: MissingFileError,
     _library.UNREADABLE: UnreadableFileError,
@@ -35,9 +40,29 @@ _ERRORS: dict[int, type[AnalysisError]] = {
 }
 
 
+def refuse_unknown(function: Callable[..., Any], options: Iterable[str]) -> None:
+    """Raises TypeError for an option that the function does not have, naming the nearest one."""
+    known = list(inspect.signature(function).parameters)
+    for name in options:
+        if name not in known:
+            near = difflib.get_close_matches(name, known, 1)
+            meant = f": did you mean {near[0]!r}?" if near else ""
+            raise TypeError(f"{function.__name__}() has no option {name!r}{meant}")
+
+
+def _suggesting(function: Function) -> Function:
+    @functools.wraps(function)
+    def checked(*arguments: Any, **options: Any) -> Any:
+        refuse_unknown(function, options)
+        return function(*arguments, **options)
+
+    return cast(Function, checked)
+
+
+@_suggesting
 def analyze(
     source: Source,
-    rate: Optional[int] = None,
+    rate: Optional[float] = None,
     *,
     tempo: str = "auto",
     bpm_range: Optional[tuple[float, float]] = None,
@@ -59,9 +84,11 @@ def analyze(
 
     Args:
         source: the name of an audio file, or an array of shape (frames,), (frames, channels) or
-            (channels, frames), the longer axis being the frames: floats with full scale ±1.0, or
-            signed integers of 16 or 32 bits.
-        rate: frames per second of an array; other rates than 44100 and 48000 Hz are converted.
+            (channels, frames), the longer axis being the frames, with 1 to 64 channels: floats with
+            full scale ±1.0, or signed integers of 16 or 32 bits; of any byte order and layout in
+            memory. It is only read. Every value must be finite.
+        rate: frames per second of an array, a whole number; other rates than 44100 and 48000 Hz are
+            converted.
         tempo: ``"auto"`` finds out whether the tempo is steady; ``"constant"``, ``"varied"``,
             ``"simple"`` (sensed at the beginning) or ``"off"``.
         bpm_range: two tempi in BPM, 20 to 1000, the upper one at least twice the lower one: the
@@ -84,7 +111,9 @@ def analyze(
         What was found.
 
     Raises:
-        ValueError, TypeError: for an argument out of range or of the wrong kind.
+        ValueError: for an argument out of range, and for an array with NaN or infinite values,
+            whose first frame it names.
+        TypeError: for an argument of the wrong kind.
         AnalysisError: for a track without a result, as one of MissingFileError (also a
             FileNotFoundError), UnreadableFileError (also an OSError), NotAudioError,
             DamagedTrackError.
@@ -105,7 +134,7 @@ def analyze(
         if partial:
             raise TypeError("partial is for files: an array is whole")
         path = None
-        work = _array_work(_interleaved(source), rate, options)
+        work = _array_work(interleaved(source), rate, options)
     wanted = frozenset(name for name, is_wanted in
                        (("key", key), ("session_key", session_key), ("waves", waves)) if is_wanted)
     with _Run(work, options, progress) as handle:
@@ -135,9 +164,12 @@ def _track_options(tempo: str, bpm_range: Optional[tuple[float, float]],
     return options
 
 
-def _within(name: str, number: int, lowest: int, highest: int) -> int:
-    """A whole number of any kind. Raises TypeError for others."""
-    whole = operator.index(number)
+def _within(name: str, number: Any, lowest: int, highest: int) -> int:
+    """A whole number of any type. Raises TypeError for others."""
+    try:
+        whole = operator.index(number)
+    except TypeError:
+        raise TypeError(f"{name} must be a whole number, not {number!r}") from None
     if not lowest <= whole <= highest:
         raise ValueError(f"{name} must be {lowest} to {highest}, not {number!r}")
     return whole
@@ -162,9 +194,11 @@ def _file_work(name: bytes, track: _library.TrackOptions, partial: bool, memory:
     return lambda out: library.BA_FileAnalyze(name, ctypes.byref(track), ctypes.byref(options), out)
 
 
-def _array_work(samples: NDArray[np.float32], rate: int, track: _library.TrackOptions) -> Any:
+def _array_work(samples: NDArray[np.float32], rate: float, track: _library.TrackOptions) -> Any:
     frames, channels = samples.shape
     pointer = samples.ctypes.data_as(ctypes.POINTER(ctypes.c_float))
+    if isinstance(rate, float) and rate.is_integer():
+        rate = int(rate)  # Readers of sound files give both.
     hertz = _within("rate", rate, 1, 2**31 - 1)
     call = _library.media_library().BA_FileAnalyzeSamples
 
@@ -173,31 +207,6 @@ def _array_work(samples: NDArray[np.float32], rate: int, track: _library.TrackOp
         return int(call(pointer, hertz, channels, frames, ctypes.byref(track), out))
 
     return work
-
-
-def _interleaved(source: Any) -> NDArray[np.float32]:
-    """Shape (frames, channels), full scale ±1.0."""
-    array = np.asarray(source)
-    if array.ndim == 1:
-        array = array[:, np.newaxis]
-    if array.ndim != 2:
-        raise ValueError(f"an array of samples has one or two axes, not {array.ndim}")
-    if array.shape[0] < array.shape[1]:
-        array = array.T
-    frames, channels = array.shape
-    if frames == 0 or channels == 0:
-        raise ValueError("the array has no samples")
-    if channels > _MOST_CHANNELS:
-        raise ValueError(f"an array of shape {array.shape} has no axis of channels: at most 64")
-    return np.ascontiguousarray(_full_scale(array), dtype=np.float32)
-
-
-def _full_scale(array: NDArray[Any]) -> NDArray[Any]:
-    if np.issubdtype(array.dtype, np.floating):
-        return array
-    if array.dtype in (np.int16, np.int32):
-        return array / np.float64(-np.iinfo(array.dtype).min)
-    raise TypeError(f"samples are floats or signed integers of 16 or 32 bits, not {array.dtype}")
 
 
 class _Run:
@@ -211,6 +220,7 @@ class _Run:
         self._work = work
         self._shown = progress
         self._is_stopped = False
+        self._has_ended = threading.Event()
         self._raised: Optional[BaseException] = None
         # Kept here, since the options hold a bare pointer.
         self._call = _library.ProgressCall(self._progress)
@@ -226,20 +236,30 @@ class _Run:
         return int(self._is_stopped)
 
     def _analyze(self) -> None:
-        self.status = self._work(ctypes.byref(self.pointer))
-        # The callback refers to this object in a circle, which would keep the samples.
-        self._work = None
+        try:
+            if not self._is_stopped:
+                self.status = self._work(ctypes.byref(self.pointer))
+        finally:
+            # The callback refers to this object in a circle, which would keep the samples.
+            self._work = None
+            self._has_ended.set()
 
     def __enter__(self) -> _Run:
         thread = threading.Thread(target=self._analyze, name="beatatlas", daemon=True)
-        thread.start()
+        try:
+            thread.start()
+        except BaseException:
+            self._is_stopped = True  # Ctrl-C at once: if it was started, it ends by itself.
+            raise
         interrupt: Optional[BaseException] = None
-        while thread.is_alive():
+        # An interrupted join() would hold the thread to have ended.
+        while not self._has_ended.is_set():
             try:
-                thread.join()
+                self._has_ended.wait()
             except BaseException as raised:  # Ctrl-C, perhaps more than once
                 self._is_stopped = True
                 interrupt = raised
+        thread.join()
         if interrupt is not None:
             self.__exit__()
             raise interrupt

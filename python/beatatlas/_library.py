@@ -22,6 +22,8 @@ from ctypes import (
 from pathlib import Path
 from typing import Any
 
+from ._version import INTERFACE
+
 TEMPO_MODES = {"constant": 0, "varied": 1, "simple": 2, "off": 3, "auto": 4}
 READING_KINDS = ("double", "half", "shifted", "3:2", "2:3", "other")
 WAVES = {"loud": 0, "dots": 1, "zoom": 2}
@@ -121,13 +123,25 @@ _FILE_CALLS: dict[str, tuple[Any, list[Any]]] = {
 }
 
 
+_DEBIAN_12 = "libavformat59 libavcodec59 libavutil57 libswresample4 libsoxr0 libtag1v5"
+
+
+def _whats_missing(place: str, error: OSError) -> str:
+    """The system's loader names the file that it lacks."""
+    if os.sep not in place:
+        return (f"beatatlas needs {place}, which is neither in the package nor among the system's "
+                f"libraries: {error}. Install a wheel that holds it, or the system's package of it")
+    return (f"beatatlas cannot load {place}: {error}. It needs FFmpeg's libraries, soxr and TagLib "
+            f"of the system it was built for; on Debian 12: apt-get install {_DEBIAN_12}")
+
+
 def _open(name: str, calls: dict[str, tuple[Any, list[Any]]]) -> ctypes.CDLL:
     """Opens a library and states the types of its functions.
 
     It is looked for in ``$BEATATLAS_LIBRARY_PATH`` if that is set, else beside this package (where
     wheels have it), else where the system finds libraries.
     """
-    file = f"lib{name}.so.1"
+    file = f"lib{name}.so.{INTERFACE}"
     named = os.environ.get("BEATATLAS_LIBRARY_PATH")
     folders = [Path(folder) for folder in named.split(os.pathsep) if folder] if named else []
     places = [folder / file for folder in (*folders, Path(__file__).parent / "lib")]
@@ -135,7 +149,7 @@ def _open(name: str, calls: dict[str, tuple[Any, list[Any]]]) -> ctypes.CDLL:
     try:
         library = ctypes.CDLL(place)
     except OSError as error:
-        raise ImportError(f"beatatlas needs {file}, which cannot be loaded: {error}") from error
+        raise ImportError(_whats_missing(place, error)) from error
     for call, (result, arguments) in calls.items():
         function = getattr(library, call)
         function.restype = result

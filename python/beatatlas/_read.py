@@ -17,14 +17,11 @@ from .analysis import (
     Analysis,
     AudioFacts,
     Gap,
-    KeyAnalysis,
-    KeyCandidate,
-    KeySegment,
-    SessionKey,
     Stretch,
     TempoConfidence,
     Waves,
 )
+from .key_analysis import KeyAnalysis, KeyCandidate, KeySegment, SessionKey
 from .keys import Key
 
 Handle = ctypes.c_void_p

@@ -21,6 +21,7 @@ from typing import Any, Union
 import distributed
 
 from . import Analysis, AnalysisError, analyze
+from ._analyze import refuse_unknown
 
 
 def scan(
@@ -50,6 +51,7 @@ def scan(
     """
     if "progress" in options:
         raise TypeError("progress cannot be passed to a cluster")
+    refuse_unknown(analyze, options)
     if in_flight < 1:
         raise ValueError(f"in_flight must be 1 or more, not {in_flight!r}")
     names = iter(paths)

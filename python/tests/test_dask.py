@@ -12,6 +12,7 @@ import sys
 import tempfile
 import unittest
 from pathlib import Path
+from typing import Any, Union
 
 import distributed
 
@@ -20,14 +21,15 @@ import beatatlas.dask
 
 DEMO = os.environ["BEATATLAS_DEMO"]
 TRACKS = 12
+Outcomes = list[tuple[str, Union[beatatlas.Analysis, beatatlas.AnalysisError]]]
 
 
-def worker_pids(client):
+def worker_pids(client: Any) -> list[int]:
     return list(client.run(os.getpid).values())
 
 
 class ClusterTest(unittest.TestCase):
-    def test_a_killed_worker_loses_nothing_and_repeats_nothing(self):
+    def test_a_killed_worker_loses_nothing_and_repeats_nothing(self) -> None:
         with tempfile.TemporaryDirectory() as folder:
             track = Path(folder, "0.wav")
             subprocess.run([DEMO, track], check=True)
@@ -45,15 +47,16 @@ class ClusterTest(unittest.TestCase):
                 self.assertIsInstance(result, beatatlas.NotAudioError)
                 self.assertEqual(result.path, name)
             else:
+                assert isinstance(result, beatatlas.Analysis)
                 self.assertEqual({**result.to_dict(True), "file": str(track)},
                                  expected.to_dict(True))
 
-    def scan_with_a_kill(self, names):
+    def scan_with_a_kill(self, names: list[str]) -> Outcomes:
         with distributed.LocalCluster(n_workers=2, threads_per_worker=1, processes=True,
                                       dashboard_address=None) as cluster:
             with distributed.Client(cluster) as client:
                 before = worker_pids(client)
-                found = []
+                found: Outcomes = []
                 for outcome in beatatlas.dask.scan(client, names, in_flight=len(names)):
                     if not found:
                         os.kill(before[0], signal.SIGKILL)
@@ -62,7 +65,7 @@ class ClusterTest(unittest.TestCase):
                 self.assertNotIn(before[0], worker_pids(client))
         return found
 
-    def test_the_example_writes_a_line_for_each_file(self):
+    def test_the_example_writes_a_line_for_each_file(self) -> None:
         example = Path(__file__).parents[2] / "examples/cluster/dask_scan.py"
         with tempfile.TemporaryDirectory() as folder:
             track = Path(folder, "track.wav")
@@ -71,14 +74,17 @@ class ClusterTest(unittest.TestCase):
             run = subprocess.run([sys.executable, example, "--workers", "2"], input=names,
                                  capture_output=True, text=True, check=True)
             expected = beatatlas.analyze(track).to_dict()
-        entries = sorted(map(json.loads, run.stdout.splitlines()), key=lambda entry: entry["file"])
+        entries = [json.loads(line) for line in run.stdout.splitlines()]
+        entries.sort(key=lambda entry: str(entry["file"]))
         self.assertEqual(entries[0], {"file": f"{folder}/nothing", "error":
                                       "cannot be opened: No such file or directory"})
         self.assertEqual(entries[1:], [expected] * 2)
 
-    def test_refuses_what_cannot_travel(self):
+    def test_refuses_what_cannot_travel(self) -> None:
         with self.assertRaises(TypeError):
             next(beatatlas.dask.scan(None, ["a"], progress=print))
+        with self.assertRaisesRegex(TypeError, "did you mean 'tempo'"):
+            next(beatatlas.dask.scan(None, ["a"], tmpo="off"))
         with self.assertRaises(ValueError):
             next(beatatlas.dask.scan(None, ["a"], in_flight=0))
 

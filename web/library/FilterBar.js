@@ -103,8 +103,7 @@ export class FilterBar {
         this.#filter = filter;
         for (const [name, field] of Object.entries(this.#fields)) {
             if (field.value !== filter[name]) field.value = filter[name];
-            const isIdle = filter.compatible && ['lowest', 'highest', 'key'].includes(name);
-            field.disabled = filter.failed || Boolean(isIdle);
+            field.disabled = filter.failed;
         }
         for (const [name, button] of Object.entries(this.#flags)) {
             button.setAttribute('aria-pressed', filter[name]);

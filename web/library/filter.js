@@ -35,9 +35,7 @@ export function parametersOf(filter) {
     const usual = emptyFilter();
     for (const name of kTexts) {
         const value = filter[name].trim();
-        // What is compatible says which keys and tempos are wanted.
-        const isIdle = filter.compatible && ['lowest', 'highest', 'key'].includes(name);
-        if (value !== '' && value !== usual[name] && !isIdle) parameters.set(name, value);
+        if (value !== '' && value !== usual[name]) parameters.set(name, value);
     }
     for (const name of kFlags) if (filter[name]) parameters.set(name, '1');
     return parameters;

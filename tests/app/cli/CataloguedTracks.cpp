@@ -2,6 +2,7 @@
 #include "cli/CataloguedTracks.h"
 
 #include <SQLiteCpp/Database.h>
+#include <nlohmann/json.hpp>
 
 #include "catalogue/Scan.h"
 #include "support/Reports.h"
@@ -55,6 +56,19 @@ ToolRun CataloguedTracks::catalogued(const std::string& command,
                                      std::vector<std::string> arguments) {
     arguments.insert(arguments.begin(), {command, "--catalogue", path_});
     return runTool(arguments);
+}
+
+std::vector<std::string> CataloguedTracks::namesIn(const std::string& command,
+                                                   const std::vector<std::string>& arguments) {
+    const ToolRun run = catalogued(command, arguments);
+    EXPECT_EQ(run.exitStatus, 0) << run.err;
+    std::vector<std::string> found;
+    std::istringstream lines(run.out);
+    for (std::string line; std::getline(lines, line);) {
+        const auto path = nlohmann::json::parse(line)["file"].get<std::string>();
+        found.push_back(path.substr(path.rfind('/') + 1));
+    }
+    return found;
 }
 
 }  // namespace test

@@ -22,6 +22,10 @@ protected:
     /** The program's command with these arguments, on this catalogue. */
     ToolRun catalogued(const std::string& command, std::vector<std::string> arguments);
 
+    /** The last parts of the paths in the lines of JSON that a command prints. */
+    std::vector<std::string> namesIn(const std::string& command,
+                                     const std::vector<std::string>& arguments);
+
     TemporaryFolder folder_;
     std::string path_ = folder_.file("c.sqlite");
 };

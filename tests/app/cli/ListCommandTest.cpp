@@ -18,18 +18,9 @@ using Json = nlohmann::json;
 
 class ListCommand : public test::CataloguedTracks {
 protected:
-    /** The last parts of the listed paths. */
     std::vector<std::string> names(std::vector<std::string> arguments) {
         arguments.insert(arguments.end(), {"--format", "jsonl"});
-        const ToolRun run = catalogued("list", arguments);
-        EXPECT_EQ(run.exitStatus, 0) << run.err;
-        std::vector<std::string> found;
-        std::istringstream lines(run.out);
-        for (std::string line; std::getline(lines, line);) {
-            const auto path = Json::parse(line)["file"].get<std::string>();
-            found.push_back(path.substr(path.rfind('/') + 1));
-        }
-        return found;
+        return namesIn("list", arguments);
     }
 };
 

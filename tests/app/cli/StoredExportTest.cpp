@@ -40,18 +40,9 @@ std::string withoutSessionKey(const output::ExportFormat& format, const std::str
 
 class StoredExport : public test::CataloguedTracks {
 protected:
-    /** The last parts of the paths of the exported tracks. */
     std::vector<std::string> names(std::vector<std::string> arguments) {
         arguments.insert(arguments.end(), {"--to", "jsonl"});
-        const ToolRun run = catalogued("export", arguments);
-        EXPECT_EQ(run.exitStatus, 0) << run.err;
-        std::vector<std::string> found;
-        std::istringstream lines(run.out);
-        for (std::string line; std::getline(lines, line);) {
-            const auto path = Json::parse(line)["file"].get<std::string>();
-            found.push_back(path.substr(path.rfind('/') + 1));
-        }
-        return found;
+        return namesIn("export", arguments);
     }
 };
 

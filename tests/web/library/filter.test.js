@@ -19,11 +19,11 @@ test('what says nothing is left out of addresses', () => {
     assert.equal(hashOf({ ...emptyFilter(), key: '8A' }), '#tracks?key=8A');
 });
 
-test('what is compatible says which keys and tempos are wanted', () => {
+test('keys and tempos narrow what is compatible', () => {
     const filter = { ...kOdd, compatible: '7' };
-    const parameters = parametersOf(filter);
-    for (const name of ['lowest', 'highest', 'key']) assert.equal(parameters.has(name), false);
-    assert.equal(parameters.get('compatible'), '7');
+    assert.deepEqual(filterOf(String(parametersOf(filter))), filter);
+    for (const name of ['lowest', 'highest', 'key', 'compatible'])
+        assert.equal(parametersOf(filter).get(name), filter[name]);
 });
 
 test('failures have no other condition', () => {
