@@ -96,3 +96,24 @@ if(TARGET beatatlas_tool)
     install(FILES ${PROJECT_SOURCE_DIR}/docs/analysis.schema.json
         DESTINATION ${CMAKE_INSTALL_DATADIR}/beatatlas COMPONENT BeatAtlas_Runtime)
 endif()
+
+# Manual pages, and what the shells complete with. Zsh looks in one folder for what a distribution's
+# packages install, and in another for everything else.
+if(TARGET beatatlas_manual)
+    set(zsh_folder site-functions)
+    if(CMAKE_INSTALL_PREFIX STREQUAL "/usr")
+        set(zsh_folder vendor-completions)
+    endif()
+    get_target_property(made beatatlas_manual MADE)
+    install(DIRECTORY ${made}/ DESTINATION ${CMAKE_INSTALL_MANDIR}/man1
+        COMPONENT BeatAtlas_Runtime FILES_MATCHING PATTERN "*.1")
+    install(FILES ${made}/beatatlas.bash RENAME beatatlas
+        DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions
+        COMPONENT BeatAtlas_Runtime)
+    install(FILES ${made}/_beatatlas DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/${zsh_folder}
+        COMPONENT BeatAtlas_Runtime)
+    install(FILES ${made}/beatatlas.fish
+        DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d
+        COMPONENT BeatAtlas_Runtime)
+    add_dependencies(beatatlas_install_files beatatlas_manual)
+endif()

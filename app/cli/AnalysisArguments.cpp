@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "cli/AnalysisArguments.h"
 
+#include <algorithm>
+#include <array>
 #include <map>
 #include <optional>
 #include <string>
@@ -9,6 +11,7 @@
 
 #include "base/errors.h"
 #include "cli/NumberRange.h"
+#include "cli/offeredWords.h"
 #include "cli/oneOf.h"
 #include "cli/timeArgument.h"
 
@@ -28,10 +31,10 @@ std::map<std::string, beatatlas::track::TempoMode> tempoModes() {
             {"off", beatatlas::track::TempoMode::off}};
 }
 
+constexpr std::array kPhrases = {"4", "8", "16", "32", "64", "128", "256"};
+
 std::string requirePhrase(const std::string& text) {
-    for (const char* phrase : {"4", "8", "16", "32", "64", "128", "256"}) {
-        if (text == phrase) return {};
-    }
+    if (std::find(kPhrases.begin(), kPhrases.end(), text) != kPhrases.end()) return {};
     return "takes 4, 8, 16, 32, 64, 128 or 256, not " + text;
 }
 
@@ -78,11 +81,12 @@ void AnalysisArguments::declareForOneMode(CLI::App& arguments) {
     bpmRangeOption_->check(CLI::Validator(requireBpmRange, ""))->option_text("LO:HI");
     beatsPerBarOption_ = arguments.add_option("--beats-per-bar", beatsPerBar_,
                                               "auto tempo: 3 or 4, where you know it");
-    beatsPerBarOption_->check(CLI::Validator(requireBar, ""))->option_text("BEATS");
+    beatsPerBarOption_->check(offering({requireBar, ""}, {"3", "4"}))->option_text("BEATS");
     sectionOption_ = arguments.add_option(
         "--section", sectionBeats_,
         "varied tempo: measure it over phrases of so many beats (4, 8, 16, 32 …; default 32)");
-    sectionOption_->check(CLI::Validator(requirePhrase, ""))->option_text("BEATS");
+    sectionOption_->check(offering({requirePhrase, ""}, {kPhrases.begin(), kPhrases.end()}))
+        ->option_text("BEATS");
     rangeOption_ = arguments.add_option(
         "--range", rangeSeconds_,
         "simple tempo: sense this much of the beginning (default: one minute)");

@@ -23,6 +23,10 @@ public:
     /** Whether it is for the tool itself: no help names it. */
     virtual bool isHidden() const { return false; }
 
+    /** Whether a file of settings gives values to its options. The tool's own calls of itself state
+     *  all that matters. */
+    virtual bool takesSettings() const { return !isHidden(); }
+
     /** Declares the command's arguments; parsing the command line sets them. */
     virtual void declare(CLI::App& arguments) = 0;
 

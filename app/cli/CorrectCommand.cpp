@@ -10,7 +10,9 @@
 #include "base/errors.h"
 #include "catalogue/correction/Corrections.h"
 #include "catalogue/correction/corrected.h"
+#include "cli/keyNotation.h"
 #include "cli/numberBetween.h"
+#include "cli/offeredWords.h"
 #include "cli/storedTrack.h"
 #include "cli/timeArgument.h"
 #include "output/KeyName.h"
@@ -62,7 +64,7 @@ void CorrectCommand::declareOwn(CLI::App& arguments) {
         ->transform(timeBetween(0.0, kLongestSeconds))
         ->option_text("TIME");
     arguments.add_option("--key", key_, "the key: 8A, 1m, \"A minor\", Am")
-        ->check(CLI::Validator(requireKey, ""))
+        ->check(offering({requireKey, ""}, wheelKeys()))
         ->option_text("KEY");
     arguments.add_flag("--undo", isUndone_, "take the last correction back");
 }

@@ -2,12 +2,14 @@
 #include "cli/CutCommand.h"
 
 #include <algorithm>
+#include <array>
 
 #include <CLI/CLI.hpp>
 
 #include "cli/bracketGuard.h"
 #include "cli/messages.h"
 #include "cli/numberBetween.h"
+#include "cli/offeredWords.h"
 #include "io/fileEnding.h"
 #include "media/OutputFile.h"
 #include "media/OverloadMeter.h"
@@ -24,10 +26,10 @@ constexpr int kMostCutMode = 4;
 constexpr double kDecoded = 0.15;
 constexpr double kCut = 0.95;
 
+constexpr std::array kDivs = {"1", "2", "4", "8", "16"};
+
 std::string requireDiv(const std::string& text) {
-    for (const char* div : {"1", "2", "4", "8", "16"}) {
-        if (text == div) return {};
-    }
+    if (std::find(kDivs.begin(), kDivs.end(), text) != kDivs.end()) return {};
     return "takes 1, 2, 4, 8 or 16, not " + text;
 }
 
@@ -58,7 +60,7 @@ void CutCommand::declare(CLI::App& arguments) {
             "--div", options_.div,
             "how short the frames are: 4096 samples divided by 1 (default), 2, 4, 8 or 16;\n"
             "the shorter, the higher reaches what is held down with the bass drum")
-        ->check(CLI::Validator(requireDiv, ""))
+        ->check(offering({requireDiv, ""}, {kDivs.begin(), kDivs.end()}))
         ->option_text("DIV");
     arguments.add_flag("--float", asFloat_, "write 32-bit floats instead of 16-bit integers");
     tracks_.declare(arguments);

@@ -18,6 +18,7 @@
 #include "cli/keyNotation.h"
 #include "cli/messages.h"
 #include "cli/numberBetween.h"
+#include "cli/offeredWords.h"
 #include "cli/suggestion.h"
 #include "cli/toolVersion.h"
 #include "media/OutputFile.h"
@@ -33,14 +34,18 @@ constexpr int kUsualFramesPerPixel = 256;
 constexpr int kFewestFramesPerPixel = 2;
 constexpr int kMostFramesPerPixel = 1 << 24;
 
+std::vector<std::string> formatNames() {
+    std::vector<std::string> names;
+    for (const ExportFormat& format : output::exportFormats()) names.push_back(format.name);
+    return names;
+}
+
 /** @throws UsageError when there is no such format */
 const ExportFormat& formatOf(const std::string& name) {
-    std::vector<std::string> names;
-    for (const ExportFormat& format : output::exportFormats()) {
+    for (const ExportFormat& format : output::exportFormats())
         if (format.name == name) return format;
-        names.push_back(format.name);
-    }
     if (name.empty()) throw base::UsageError("say in which format: --to FORMAT");
+    const std::vector<std::string> names = formatNames();
     throw base::UsageError(fmt::format("--to: takes one of {}, not {}{}", fmt::join(names, ", "),
                                        base::displayName(name), suggestion(name, names)));
 }
@@ -80,7 +85,10 @@ void ExportCommand::declare(CLI::App& arguments) {
 }
 
 void ExportCommand::declareFormat(CLI::App& arguments) {
-    arguments.add_option("-t,--to", formatName_, formatHelp())->option_text("FORMAT");
+    // Whether there is such a format is asked later: a missing one is refused alike.
+    arguments.add_option("-t,--to", formatName_, formatHelp())
+        ->check(offering({[](const std::string&) { return std::string(); }, ""}, formatNames()))
+        ->option_text("FORMAT");
     wavesOption_ = arguments.add_flag("--waves", options_.withWaves,
                                       "json, jsonl: the waveform overviews too");
     framesOption_ = arguments
@@ -91,7 +99,7 @@ void ExportCommand::declareFormat(CLI::App& arguments) {
     bitsOption_ = arguments
                       .add_option("--peak-bits", options_.peakBits,
                                   "waveform: 8 or 16 (default) bits for a peak")
-                      ->check(CLI::Validator(requirePeakBits, ""))
+                      ->check(offering({requirePeakBits, ""}, {"8", "16"}))
                       ->option_text("BITS");
 }
 

@@ -11,7 +11,9 @@
 #include "catalogue/CatalogueError.h"
 #include "cli/NumberRange.h"
 #include "cli/bracketGuard.h"
+#include "cli/keyNotation.h"
 #include "cli/numberBetween.h"
+#include "cli/offeredWords.h"
 #include "cli/oneOf.h"
 #include "cli/storedTrack.h"
 #include "output/KeyName.h"
@@ -77,7 +79,7 @@ void ListFilters::declareConditions(CLI::App& arguments, const std::string& text
         ->check(CLI::Validator(requireTempo, ""))
         ->option_text("LO:HI");
     arguments.add_option("--key", key_, "in this key: 8A, 1m, \"A minor\", Am")
-        ->check(CLI::Validator(requireKey, ""))
+        ->check(offering({requireKey, ""}, wheelKeys()))
         ->option_text("KEY");
     arguments.add_flag("--low-confidence", isUnsure_,
                        "whose tempo or key is less certain than 0.8");

@@ -16,7 +16,7 @@ void MergeCommand::declare(CLI::App& arguments) {
     arguments.add_option("CATALOGUE", inputs_, "the catalogues")->required()->option_text("...");
     arguments.add_option("-o,--output", output_, "the new catalogue, which must not exist yet")
         ->required()
-        ->option_text("FILE");
+        ->option_text("CATALOGUE");
 }
 
 ExitCode MergeCommand::run(ResultStream& results) {

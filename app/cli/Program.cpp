@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <exception>
 #include <iterator>
-#include <memory>
 #include <new>
 #include <string>
 #include <vector>
@@ -14,9 +13,9 @@
 #include "base/Interrupt.h"
 #include "base/displayName.h"
 #include "base/errors.h"
+#include "cli/CommandLine.h"
 #include "cli/ConfigFile.h"
 #include "cli/bracketGuard.h"
-#include "cli/commandTable.h"
 #include "cli/messages.h"
 #include "cli/refusal.h"
 #include "cli/suggestion.h"
@@ -25,52 +24,6 @@
 namespace app {
 
 namespace {
-
-constexpr const char* kDescription = "Beat Atlas finds the tempo, the beat grid and the key of "
-                                     "music tracks and draws their waveforms.";
-
-constexpr const char* kFooter =
-    "beatatlas COMMAND --help tells the options of a command.\n"
-    "A name that begins with '-' goes behind '--': beatatlas analyze -- -intro.mp3\n"
-    "\n"
-    "Results go to standard output, everything else to standard error.\n"
-    "Exit status: 0 all is well; 1 a track could not be analysed or a result could not be\n"
-    "written (the other tracks of the command are analysed all the same); 2 the command line\n"
-    "could not be understood; 130 stopped by Ctrl-C.";
-
-constexpr const char* kHelp = "help";
-constexpr const char* kCommands = "Commands";
-
-using Commands = std::vector<std::unique_ptr<Command>>;
-
-void declareEnds(CLI::App& arguments) {
-    arguments.set_help_flag("-h,--help", "print this help and exit");
-    arguments.set_version_flag("--version", versionText(), "print the version and exit");
-}
-
-void declareProgram(CLI::App& program) {
-    program.name("beatatlas");
-    program.description(kDescription);
-    program.footer(kFooter);
-    program.require_subcommand(1);
-    program.get_formatter()->label("SUBCOMMAND", "COMMAND");
-    declareEnds(program);
-}
-
-void declareCommand(CLI::App& program, Command& command) {
-    CLI::App* arguments = program.add_subcommand(command.name(), command.description());
-    arguments->group(command.isHidden() ? "" : kCommands);
-    declareEnds(*arguments);
-    command.declare(*arguments);
-    if (!command.isHidden()) declareConfig(*arguments);
-}
-
-void declareHelp(CLI::App& program, std::string& topic) {
-    CLI::App* help = program.add_subcommand(kHelp, "Print this help, or that of a command");
-    help->group(kCommands);
-    declareEnds(*help);
-    help->add_option("COMMAND", topic, "one of the commands")->required()->option_text(" ");
-}
 
 /** CLI11 would take the next word for the value.
  *  @throws UsageError when nothing follows an option's '=' */
@@ -106,19 +59,9 @@ std::string helpOn(const CLI::App& program, const std::string& topic) {
                            suggestion(topic, names));
 }
 
-/** Null unless the first word names a command. */
-const Command* commandOf(const Commands& commands, const std::vector<std::string>& words) {
-    if (words.empty()) return nullptr;
-    const auto named = std::find_if(commands.begin(), commands.end(), [&](const auto& command) {
-        return command->name() == words.front();
-    });
-    return named == commands.end() ? nullptr : named->get();
-}
-
 /** Where the options are told that fit the command line. */
 std::string helpPointer(const std::vector<std::string>& words) {
-    const Commands commands = makeCommands();
-    const bool hasOwnHelp = commandOf(commands, words) != nullptr;
+    const bool hasOwnHelp = !words.empty() && CommandLine().find(words.front()) != nullptr;
     return " (see beatatlas " + (hasOwnHelp ? words.front() + " " : "") + "--help)";
 }
 
@@ -145,31 +88,26 @@ int Program::run(int argc, const char* const* argv) {
 
 ExitCode Program::parseAndRun(const std::vector<std::string>& words) {
     refuseMissingValues(words);
-    if (words == std::vector<std::string>{kHelp}) return parseAndRun({"--help"});
-    const Commands commands = makeCommands();
-    CLI::App program;
-    std::string topic;
-    declareProgram(program);
-    for (const auto& command : commands) declareCommand(program, *command);
-    declareHelp(program, topic);
-    // The tool's own calls of itself state all that matters.
-    const Command* named = commandOf(commands, words);
-    if (named != nullptr && !named->isHidden()) applyConfig(program, words);
+    if (words == std::vector<std::string>{CommandLine::kHelp}) return parseAndRun({"--help"});
+    CommandLine commandLine;
+    CLI::App& parser = commandLine.parser();
+    const Command* named = words.empty() ? nullptr : commandLine.find(words.front());
+    if (named != nullptr && named->takesSettings()) applyConfig(parser, words);
     try {
-        program.parse(toArguments(words));
+        parser.parse(toArguments(words));
     } catch (const CLI::CallForHelp&) {
-        results_.write(program.help());
+        results_.write(parser.help());
         return kExitDone;
     } catch (const CLI::CallForVersion&) {
         results_.write(versionText());
         return kExitDone;
     } catch (const CLI::ParseError& error) {
-        throw base::UsageError(refusalOf(program, error, words));
+        throw base::UsageError(refusalOf(parser, error, words));
     }
-    for (const auto& command : commands) {
-        if (program.got_subcommand(command->name())) return command->run(results_);
+    for (const auto& command : commandLine.commands()) {
+        if (parser.got_subcommand(command->name())) return command->run(results_);
     }
-    results_.write(helpOn(program, unguarded(topic)));
+    results_.write(helpOn(parser, unguarded(commandLine.helpTopic())));
     return kExitDone;
 }
 

@@ -36,4 +36,12 @@ CLI::Option* addKeyNotation(CLI::App& arguments, std::optional<output::KeyNotati
         ->option_text("NAMES");
 }
 
+std::vector<std::string> wheelKeys() {
+    constexpr int kHours = 12;
+    std::vector<std::string> keys;
+    for (int hour = 1; hour <= kHours; ++hour)
+        for (const char* side : {"A", "B"}) keys.push_back(std::to_string(hour) + side);
+    return keys;
+}
+
 }  // namespace app

@@ -52,6 +52,12 @@ bool hasMusicEnding(std::string_view path) {
     return endingOf(path) != nullptr;
 }
 
+std::vector<std::string> musicEndings() {
+    std::vector<std::string> endings;
+    for (const MusicEnding& known : kEndings) endings.emplace_back(known.ending);
+    return endings;
+}
+
 double usualSeconds(std::string_view path, std::int64_t bytes) {
     const MusicEnding* ending = endingOf(path);
     // What the file is cannot be known: most are pictures and texts, looked at and put aside.
