@@ -73,13 +73,15 @@ if(TARGET beatatlas_media_shared)
     beatatlas_install_pc(beatatlas_media "The analysis of beatatlas_track for audio files")
 endif()
 
-# Where hosts of Vamp plugins look, one folder below the libraries.
+# Hosts of Vamp plugins look in lib/vamp below /usr and /usr/local, also where libraries have a
+# folder for each architecture.
 if(TARGET beatatlas_vamp)
-    set_target_properties(beatatlas_vamp PROPERTIES INSTALL_RPATH "\$ORIGIN/..")
-    install(TARGETS beatatlas_vamp LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/vamp
-        COMPONENT BeatAtlas_Vamp)
+    beatatlas_way_between(libraries_from_plugin lib/vamp ${CMAKE_INSTALL_LIBDIR} "\$ORIGIN"
+        ${CMAKE_INSTALL_PREFIX})
+    set_target_properties(beatatlas_vamp PROPERTIES INSTALL_RPATH "${libraries_from_plugin}")
+    install(TARGETS beatatlas_vamp LIBRARY DESTINATION lib/vamp COMPONENT BeatAtlas_Vamp)
     install(FILES ${PROJECT_SOURCE_DIR}/vamp/beatatlas.cat ${PROJECT_SOURCE_DIR}/vamp/beatatlas.n3
-        DESTINATION ${CMAKE_INSTALL_LIBDIR}/vamp COMPONENT BeatAtlas_Vamp)
+        DESTINATION lib/vamp COMPONENT BeatAtlas_Vamp)
     add_dependencies(beatatlas_install_files beatatlas_vamp)
 endif()
 
