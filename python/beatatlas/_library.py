@@ -123,7 +123,7 @@ _FILE_CALLS: dict[str, tuple[Any, list[Any]]] = {
 }
 
 
-_DEBIAN_12 = "libavformat59 libavcodec59 libavutil57 libswresample4 libsoxr0 libtag1v5"
+_DEBIAN_12 = "libavformat59 libavcodec59 libavutil57 libswresample4 libsoxr0 libfmt9"
 
 
 def _whats_missing(place: str, error: OSError) -> str:
@@ -131,7 +131,7 @@ def _whats_missing(place: str, error: OSError) -> str:
     if os.sep not in place:
         return (f"beatatlas needs {place}, which is neither in the package nor among the system's "
                 f"libraries: {error}. Install a wheel that holds it, or the system's package of it")
-    return (f"beatatlas cannot load {place}: {error}. It needs FFmpeg's libraries, soxr and TagLib "
+    return (f"beatatlas cannot load {place}: {error}. It needs FFmpeg's libraries, soxr and fmt "
             f"of the system it was built for; on Debian 12: apt-get install {_DEBIAN_12}")
 
 

@@ -87,6 +87,16 @@ def wheel_in(folder):
     return wheel
 
 
+def check_advice(archive, libraries):
+    """Whoever lacks a library that is not in the wheel is told to install it."""
+    advice = archive.read("beatatlas/_library.py").decode()
+    for library in libraries:
+        place = archive.extract(library, Path(archive.filename).parent.parent / "seen")
+        needs = re.findall(r"NEEDED.*\[(lib\w+)\.so", run("readelf", "-d", place))
+        expect("needed but not advised", [name for name in needs if name not in advice and name not
+                                          in ("libm", "libc", "libgcc_s", "libstdc")], [])
+
+
 def check_contents(wheel, sources):
     tag = f"py3-none-{sysconfig.get_platform().replace('-', '_').replace('.', '_')}.whl"
     expect("tag", wheel.name.split("-", 2)[2], tag)
@@ -100,6 +110,7 @@ def check_contents(wheel, sources):
                modules)
         expect("libraries", {Path(name).name.rsplit(".", 1)[0] for name in libraries}, LIBRARIES)
         expect("licence", archive.read(f"{info}/LICENSE"), (sources / "LICENSE").read_bytes())
+        check_advice(archive, libraries)
         metadata = archive.read(f"{info}/METADATA").decode()
     for line in ("Requires-Python: >=3.9", "License: MIT", "Requires-Dist: numpy (>=1.21)"):
         if line not in metadata and line.replace("(", "").replace(")", "") not in metadata:
