@@ -2,6 +2,7 @@
 #include "doctor/libraries.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <sstream>
 
 #include <cairo.h>
