@@ -66,7 +66,8 @@ def examine(track, folder, environment):
     truth = track.write(path)
     seconds = seconds_of(path)
     record = {'kind': track.kind, 'name': track.name, 'feel': track.feel,
-              'seconds': round(seconds, 2), 'bpm': truth.get('bpm'), 'programs': {}}
+              'seconds': round(seconds, 2), 'bpm': truth.get('bpm') and round(truth['bpm'], 3),
+              'programs': {}}
     for program in PROGRAMS:
         answer, spent = program.run(path, seconds, environment)
         values = figures.score(truth, answer, program.answers)

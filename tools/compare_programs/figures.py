@@ -39,8 +39,8 @@ def prepare(found, truth):
 
 
 def score_beats(found, truth):
-    """{figure: 0 … 1}: the F-measure within 70 ms, and the share that is tracked when half and double
-    tempo and the off-beat are allowed, too (AMLt)."""
+    """{figure: 0 … 1}: the F-measure within 70 ms, and the share that is tracked when half and
+    double tempo and the off-beat are allowed, too (AMLt)."""
     truth, found = prepare(found, truth)
     with warnings.catch_warnings():
         warnings.simplefilter('ignore')

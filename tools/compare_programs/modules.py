@@ -93,8 +93,8 @@ class Module:
 
 
 def rows_per_beat(ticks):
-    """By the trackers' own convention a beat is 24 ticks, four rows of six. A beat has a power of two
-    of rows; where none lasts 24 ticks to a fifth, the level of the beat is open."""
+    """By the trackers' own convention a beat is 24 ticks, four rows of six. A beat has a power of
+    two of rows; where none lasts 24 ticks to a fifth, the level of the beat is open."""
     for rows in (1, 2, 4, 8, 16):
         if abs(rows * ticks - 24) <= 24 / 5:
             return rows

@@ -108,12 +108,14 @@ def write_module(played, path):
             'bars': audible(bars, path)}
 
 
-def play_module(file):
-    """(title, (samples, (tempo, beats, bars)))"""
+def read_module(file):
     with open(file, 'rb') as packed:
         data = packed.read()
-    if file.endswith('.gz'):
-        data = gzip.decompress(data)
+    return gzip.decompress(data) if file.endswith('.gz') else data
+
+
+def play_module(data):
+    """(title, (samples, (tempo, beats, bars)))"""
     with modules.Module(data) as module:
         samples, rows = module.play(LONGEST)
         if len(samples) < 2 * SHORTEST * modules.RATE:
@@ -121,22 +123,26 @@ def play_module(file):
         return module.title(), (samples, modules.beats_of(rows))
 
 
-def modules_of(package, folder, refused):
+def modules_of(package, folder, refused, seen):
     """Those whose beats are certain; `refused` gets the name and the reason of each other one. Of
-    several with one title only the first is taken."""
-    titles = set()
+    several of one content, or of one title in a package, only the first is taken: `seen` has what
+    was there before."""
     files = sorted(f for f in glob.glob(f'{folder}/usr/**/*', recursive=True) if MODULE.search(f))
     for file in files:
         name = f'{package}/{os.path.basename(file)}'
+        data = read_module(file)
+        if data in seen:
+            refused[name] = 'it was there before'
+            continue
         try:
-            title, played = play_module(file)
+            title, played = play_module(data)
         except modules.Refusal as reason:
             refused[name] = str(reason)
             continue
-        if title and title in titles:
+        if title and (package, title) in seen:
             refused[name] = 'its title was there before'
             continue
-        titles.add(title)
+        seen |= {data, (package, title)}
         yield Track('modules', name, lambda path, played=played: write_module(played, path))
 
 
@@ -161,10 +167,11 @@ def songs_of(folder, refused):
 
 
 def all_tracks(styles, packages, refused):
+    seen = set()
     if styles:
         yield from styles_of(styles)
     for entry, folder in packages:
         if entry['holds'] == 'modules':
-            yield from modules_of(entry['package'], folder, refused)
+            yield from modules_of(entry['package'], folder, refused, seen)
         elif entry['holds'] == 'songs':
             yield from songs_of(folder, refused)

@@ -66,7 +66,8 @@ def read_longest_tempo(text, seconds):
 def read_counted_beats(text, _):
     """The number of the beat in its bar stands beside it."""
     beats = read_features(text)
-    return {'beats': [at for at, _ in beats], 'bars': [at for at, words in beats if words[0] == '1']}
+    return {'beats': [at for at, _ in beats],
+            'bars': [at for at, words in beats if words[0] == '1']}
 
 
 def read_feature_times(text, _):
