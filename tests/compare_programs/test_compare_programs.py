@@ -185,16 +185,17 @@ class ChartsTest(unittest.TestCase):
 
 
 class TablesTest(unittest.TestCase):
-    def test_the_document_shows_the_stored_results(self):
+    def test_the_documents_show_the_stored_results(self):
         top = os.path.dirname(os.path.abspath(__file__)) + '/../..'
         with open(f'{top}/tools/compare_programs/results.json', encoding='utf-8') as file:
             results = json.load(file)
-        with open(f'{top}/docs/comparison.md', encoding='utf-8') as file:
-            text = file.read()
-        self.assertEqual(set(write_tables.TABLES),
-                         {line.split()[2] for line in text.splitlines()
-                          if line.startswith('<!-- table ')})
-        self.assertEqual(write_tables.fill(text, results), text)
+        for document, tables in (('docs/comparison.md', set(write_tables.TABLES)),
+                                 ('README.md', {'short'})):
+            with open(f'{top}/{document}', encoding='utf-8') as file:
+                text = file.read()
+            self.assertEqual(tables, {line.split()[2] for line in text.splitlines()
+                                      if line.startswith('<!-- table ')})
+            self.assertEqual(write_tables.fill(text, results), text)
 
     def test_a_changed_figure_changes_the_table(self):
         track = {'kind': 'songs', 'name': 'a', 'feel': 'steady', 'seconds': 1800.0, 'bpm': 100.0,

@@ -209,21 +209,22 @@ def main():
     parser = argparse.ArgumentParser(description=__doc__,
                                      formatter_class=argparse.RawDescriptionHelpFormatter)
     parser.add_argument('results')
-    parser.add_argument('document')
+    parser.add_argument('document', nargs='+')
     parser.add_argument('--check', action='store_true')
     options = parser.parse_args()
     with open(options.results, encoding='utf-8') as file:
         results = json.load(file)
-    with open(options.document, encoding='utf-8') as file:
-        text = file.read()
-    filled = fill(text, results)
-    if options.check:
-        if filled != text:
-            sys.exit(f'{options.document}: its tables are not those of {options.results}')
-        return
-    with open(options.document + '.part', 'w', encoding='utf-8') as file:
-        file.write(filled)
-    os.replace(options.document + '.part', options.document)
+    for document in options.document:
+        with open(document, encoding='utf-8') as file:
+            text = file.read()
+        filled = fill(text, results)
+        if filled == text:
+            continue
+        if options.check:
+            sys.exit(f'{document}: its tables are not those of {options.results}')
+        with open(document + '.part', 'w', encoding='utf-8') as file:
+            file.write(filled)
+        os.replace(document + '.part', document)
 
 
 if __name__ == '__main__':
