@@ -18,15 +18,15 @@ constexpr std::size_t kLongestRange = 64;
 
 constexpr std::size_t kLongestLine = 8000;
 
-constexpr Refusal kBad = {"400 Bad Request", "The request is not as HTTP has it.\n"};
+constexpr Refusal kBad = {"400 Bad Request", "This is not a request as HTTP defines it.\n"};
 constexpr Refusal kNoLength = {"411 Length Required",
-                               "A request is taken with the length of its body alone.\n"};
+                               "A request with a body has to state its length.\n"};
 constexpr Refusal kTooLarge = {"413 Payload Too Large",
                                "The request's body is longer than 1 MB.\n"};
 constexpr Refusal kLongRange = {"416 Range Not Satisfiable",
-                                "A range of a file is one pair of numbers.\n"};
+                                "Only one range of a file can be asked for.\n"};
 constexpr Refusal kExpecting = {"417 Expectation Failed",
-                                "A request is answered when all of it has come.\n"};
+                                "A request is answered once all of it has arrived.\n"};
 constexpr Refusal kTooLong = {
     "431 Request Header Fields Too Large",
     "The request is too long. Delete the cookies that the browser keeps for this address.\n"};

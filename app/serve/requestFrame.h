@@ -13,7 +13,7 @@ inline constexpr std::size_t kMostHeadBytes = 16384;
 /** The numbers of a hundred thousand tracks. */
 inline constexpr std::size_t kMostBodyBytes = 1048576;
 
-/** Why a request will not be answered: "400 Bad Request" and the like, and a sentence for people. */
+/** Why a request will not be answered: "400 Bad Request" or the like, and a sentence for people. */
 struct Refusal {
     const char* status;
     std::string_view sentence;
