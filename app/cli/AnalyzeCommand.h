@@ -18,7 +18,7 @@ class AnalyzeCommand : public TracksCommand {
 public:
     std::string name() const override { return "analyze"; }
     std::string description() const override {
-        return "Tell tempo, beats, key and length of tracks";
+        return "Print tempo, beats, key and length of tracks";
     }
 
 private:

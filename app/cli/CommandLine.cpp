@@ -16,7 +16,7 @@ constexpr const char* kDescription = "Beat Atlas finds the tempo, the beat grid 
                                      "music tracks and draws their waveforms.";
 
 constexpr const char* kFooter =
-    "beatatlas COMMAND --help tells the options of a command.\n"
+    "beatatlas COMMAND --help shows the options of a command.\n"
     "A name that begins with '-' goes behind '--': beatatlas analyze -- -intro.mp3\n"
     "\n"
     "Results go to standard output, everything else to standard error.\n"

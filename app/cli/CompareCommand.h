@@ -18,7 +18,7 @@ class CompareCommand : public Command {
 public:
     std::string name() const override { return "compare"; }
     std::string description() const override {
-        return "Tell how far two results, tracks or lists of beats agree";
+        return "Show how far two results, tracks or lists of beats agree";
     }
     void declare(CLI::App& arguments) override;
     ExitCode run(ResultStream& results) override;

@@ -12,7 +12,7 @@ class DoctorCommand : public Command {
 public:
     std::string name() const override { return "doctor"; }
     std::string description() const override {
-        return "Tell what the program runs with, and check it on a track that is known";
+        return "Show what the program runs with, and check it on a track that is known";
     }
     /** A file of settings that makes no sense is something to report, not to stop at. */
     bool takesSettings() const override { return false; }

@@ -17,7 +17,7 @@ class KeyCommand : public TracksCommand {
 public:
     std::string name() const override { return "key"; }
     std::string description() const override {
-        return "Tell the key of tracks at their own concert pitch, by all key finders";
+        return "Print the key of tracks at their own concert pitch, by all key finders";
     }
 
 private:

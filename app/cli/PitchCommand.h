@@ -13,7 +13,7 @@ namespace app {
 class PitchCommand : public TracksCommand {
 public:
     std::string name() const override { return "pitch"; }
-    std::string description() const override { return "Tell the concert pitch of tracks"; }
+    std::string description() const override { return "Print the concert pitch of tracks"; }
 
 private:
     void declareOwn(CLI::App& arguments, CLI::Option* json) override;

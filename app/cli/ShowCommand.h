@@ -15,7 +15,7 @@ namespace app {
 class ShowCommand : public StoredTracksCommand {
 public:
     std::string name() const override { return "show"; }
-    std::string description() const override { return "Tell what a catalogue knows of tracks"; }
+    std::string description() const override { return "Print what a catalogue knows of tracks"; }
 
 private:
     void declareOwn(CLI::App& arguments) override;

@@ -26,7 +26,7 @@ std::string inCapitals(std::string text) {
     return text;
 }
 
-/** As the line after a name is written: "tell the key of tracks". */
+/** As the line after a name is written: "print the key of tracks". */
 std::string inSmallBeginning(std::string text) {
     text.front() = static_cast<char>(std::tolower(static_cast<unsigned char>(text.front())));
     return text;
@@ -121,7 +121,7 @@ std::string ManualPage::page() const {
 }
 
 std::string ManualPage::heading() const {
-    const std::string told =
+    const std::string summary =
         isOfProgram() ? "tempo, beats and keys of music tracks, and pictures of their waveforms"
                       : inSmallBeginning(command_.description);
     const std::string title = pageName(isOfProgram() ? "" : command_.name);
@@ -129,7 +129,7 @@ std::string ManualPage::heading() const {
                        ".\\\" Made from the program's own options.\n"
                        ".TH {} 1 {} \"Beat Atlas {}\" \"Beat Atlas\"\n"
                        ".SH NAME\n{} \\- {}\n",
-                       inCapitals(title), date_, app::toolVersion(), title, roffText(told));
+                       inCapitals(title), date_, app::toolVersion(), title, roffText(summary));
 }
 
 std::string ManualPage::synopsis() const {
