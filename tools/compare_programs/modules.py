@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-"""Plays tracker modules, and tells when each of their rows begins.
+"""Plays tracker modules, and says when each of their rows begins.
 
 A module holds its notes in patterns of rows, and a clock that says how long a row lasts. The player
 (libopenmpt) gives the sound and the row that is heard, so the beats of the sound are known exactly.
