@@ -104,8 +104,7 @@ void append(std::string& bytes, std::uint32_t number, int count) {
     for (int i = 0; i < count; ++i) bytes += static_cast<char>(number >> (8 * i) & 0xFFU);
 }
 
-/** RIFF, as Microsoft's and IBM's "Multimedia Programming Interface and Data Specifications 1.0"
- *  defines it. */
+/** The head of a WAV file: RIFF, whose numbers begin with the lowest byte. */
 std::string header(std::uint32_t soundBytes) {
     constexpr std::uint32_t kHeaderBytes = 36;
     std::string bytes = "RIFF";

@@ -102,9 +102,11 @@ Check judged(const char* subject, bool isRight, std::string text) {
 Check checkBits(std::uint64_t digest, std::uint64_t otherDigest) {
     constexpr const char* kSubject = "same bits";
     if (digest != otherDigest)
-        return judged(kSubject, false, "another rounding mode and two threads change the results");
+        return judged(kSubject, false,
+                      "another rounding mode or number of threads changes the results");
     if (digest == kRecordedDigest)
-        return judged(kSubject, true, "in every rounding mode, and as recorded");
+        return judged(kSubject, true,
+                      "in another rounding mode and with two threads, and as recorded");
     const std::string text = fmt::format("{:016x}, recorded {:016x}", digest, kRecordedDigest);
 #if defined(__GLIBC__)
     return judged(kSubject, false, text);

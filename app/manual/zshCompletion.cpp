@@ -10,7 +10,7 @@ namespace manual {
 
 namespace {
 
-/** Within the brackets of a specification. */
+/** Within the brackets of what _arguments reads. */
 std::string escaped(const std::string& text) {
     std::string safe;
     for (const char letter : text) {
@@ -48,7 +48,7 @@ std::string wordsOf(const Argument& argument) {
     return (areExplained ? "((" : "(") + words + (areExplained ? "))" : ")");
 }
 
-/** The part of a specification that says what is offered. */
+/** Of what _arguments reads, the part that says what is offered. */
 std::string actionOf(const Argument& argument) {
     switch (argument.value) {
     case Value::none:
@@ -76,7 +76,7 @@ std::string exclusionOf(const Argument& option) {
     return isEnd ? "(- : *)" : "(" + joined(names, " ") + ")";
 }
 
-std::string specification(const Argument& option, const std::string& name) {
+std::string argumentLine(const Argument& option, const std::string& name) {
     const bool isLong = name.starts_with("--");
     std::string text = exclusionOf(option) + name;
     if (!option.isFlag()) text += isLong ? "=" : "+";
@@ -86,19 +86,17 @@ std::string specification(const Argument& option, const std::string& name) {
 }
 
 std::string caseOf(const CommandOutline& command) {
-    std::string specifications;
+    std::string lines;
     for (const Argument& option : command.options)
-        for (const std::string& name : option.names())
-            specifications += specification(option, name);
+        for (const std::string& name : option.names()) lines += argumentLine(option, name);
     for (const Argument& argument : command.positionals) {
         const std::string prefix = argument.isRepeated ? "*:" : ":";
-        specifications += "                " +
-                          quoted(prefix + argument.placeholder + ":" + actionOf(argument)) +
-                          " \\\n";
+        lines += "                " +
+                 quoted(prefix + argument.placeholder + ":" + actionOf(argument)) + " \\\n";
     }
-    specifications.resize(specifications.size() - 3);  // the last line goes on nowhere
+    lines.resize(lines.size() - 3);  // the last line goes on nowhere
     return fmt::format("        {})\n            _arguments -s -S : \\\n{}\n            ;;\n",
-                       command.name, specifications);
+                       command.name, lines);
 }
 
 std::string commandList(const ProgramOutline& outline) {
