@@ -18,9 +18,9 @@ python3-mir-eval, python3-numpy, sox, soundstretch and vamp-examples.
 import argparse
 import json
 import os
-import platform
 import subprocess
 import sys
+import sysconfig
 import tempfile
 import wave
 
@@ -38,9 +38,7 @@ def environment_of(tool, packages):
     """What the programs need: where the tool is and where the plugins are."""
     places = [f'{folder}/usr/lib/ardour7/vamp' for entry, folder in packages
               if entry['package'] == 'ardour']
-    multiarch = subprocess.run(['dpkg-architecture', '-qDEB_HOST_MULTIARCH'], check=False,
-                               capture_output=True, text=True).stdout.strip()
-    places.append(f"/usr/lib/{multiarch or platform.machine() + '-linux-gnu'}/vamp")
+    places.append(f"/usr/lib/{sysconfig.get_config_var('MULTIARCH')}/vamp")
     return {**os.environ, 'BEATATLAS': os.path.abspath(tool), 'VAMP_PATH': ':'.join(places),
             'LC_ALL': 'C.UTF-8'}
 

@@ -1,10 +1,10 @@
 #!/usr/bin/python3
 # SPDX-License-Identifier: MIT
-"""Writes the tables of a document from the figures of compare_programs.py.
+"""Writes the tables of documents from the figures of compare_programs.py.
 
-usage: write_tables.py RESULTS DOCUMENT [--check]
+usage: write_tables.py RESULTS DOCUMENT… [--check]
 
-A table stands in the document between the lines <!-- table NAME --> and <!-- end -->. With --check
+A table stands in a document between the lines <!-- table NAME --> and <!-- end -->. With --check
 nothing is written, and the exit status is 1 if a table is not what the results say.
 """
 import argparse
