@@ -55,6 +55,7 @@ mount_root() {
         "volatile,lowerdir=$lower,upperdir=$layer/changes,workdir=$layer/work" "$root"
     mount --bind "$folder/archives" "$root/var/cache/apt/archives"
     mount -t proc proc "$root/proc"
+    mount -t tmpfs -o mode=1777 tmpfs "$root/dev/shm"
 }
 
 # make_root NAME [LOWER]: the same, emptied before.
