@@ -63,10 +63,10 @@ options)
     ;;
 groff)
     require groff
+    require man
     for page in "$pages"/*.1; do
         said=$(groff -ww -man -Tutf8 -rLL=80n "$page" 2>&1 >/dev/null)
         [[ -z $said ]] || { echo "$page: $said"; exit 1; }
-        ! command -v man >/dev/null && continue
         said=$(MANROFFSEQ='' MANWIDTH=80 man --warnings -E UTF-8 -l -Tutf8 -Z "$page" 2>&1 >/dev/null)
         [[ -z $said ]] || { echo "$page: $said"; exit 1; }
     done
