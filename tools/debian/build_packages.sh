@@ -132,7 +132,7 @@ build_first() {
     find "$first/build" -maxdepth 1 -type f -exec cp -t "$folder/packages" {} +
 }
 
-# In another folder, more than a year later, without tests, in another zone, language and umask.
+# In another folder, more than a year later, without tests, in another zone and language.
 build_again() {
     make_root second "$tools"
     install_in "$root" faketime
