@@ -302,7 +302,7 @@ BA_API int BA_TrackAnalyze(const BA_TrackOptions* options, int32_t rate, int64_t
 
 /** Analyses a track that lies in memory.
  *
- *  @param options  as for BA_TrackAnalyze, like rate, frames and track
+ *  @param options  as for BA_TrackAnalyze
  *  @param rate     frames per second: 44100 or 48000
  *  @param left     `frames` samples, full scale ±1.0; only read
  *  @param right    the same of the other side
