@@ -19,7 +19,7 @@ import beatatlas
 
 
 def timed(threads, files):
-    """Seconds of the clock and of the processors."""
+    """Seconds of the clock, of the processors, and of the music."""
     clock, processor = time.perf_counter(), time.process_time()
     with ThreadPoolExecutor(threads) as pool:
         music = sum(track.seconds for track in pool.map(beatatlas.analyze, files))
