@@ -7,7 +7,7 @@
 
 namespace app {
 
-/** `beatatlas doctor`: whether the program works on this machine as it must. */
+/** `beatatlas doctor`: whether the program works on this machine as it should. */
 class DoctorCommand : public Command {
 public:
     std::string name() const override { return "doctor"; }
