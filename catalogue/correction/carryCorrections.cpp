@@ -23,7 +23,8 @@ constexpr const char* kHasCopy = "SELECT 1 FROM tracks WHERE audio_hash = ?1 AND
 constexpr const char* kCopy = R"sql(
 INSERT INTO corrections (audio_hash, kind, value, made_at)
 SELECT ?2, kind, value, made_at FROM corrections WHERE audio_hash = ?1 ORDER BY id)sql";
-constexpr const char* kMoveCorrections = "UPDATE corrections SET audio_hash = ?2 WHERE audio_hash = ?1";
+constexpr const char* kMoveCorrections =
+    "UPDATE corrections SET audio_hash = ?2 WHERE audio_hash = ?1";
 
 /** What the file was when it was last analysed. */
 struct Earlier {

@@ -166,7 +166,8 @@ void Canvas::paragraph(double x, double y, const std::string& text, const TextSt
     setText(text, style);
     setWidth(width, lines);
     const int count = std::min(lines, pango_layout_get_line_count(layout_.get()));
-    for (int i = 0; i < count; ++i) showLine(i, x, y + i * kParagraphLineHeight * style.size, style.align);
+    for (int i = 0; i < count; ++i)
+        showLine(i, x, y + i * kParagraphLineHeight * style.size, style.align);
 }
 
 double Canvas::showPlainly(double x, double y, const std::string& text, const TextStyle& style,
