@@ -47,7 +47,9 @@ std::string localeText() {
 
 std::string terminalText() {
     if (isatty(STDERR_FILENO) == 0) return "standard error leads to none";
-    return fmt::format("{}, {} columns", valueOf("TERM"), terminalColumns());
+    const std::string kind = valueOf("TERM");
+    return fmt::format("{}, {} columns", kind.empty() ? "TERM is not set" : kind,
+                       terminalColumns());
 }
 
 std::string memoryText() {
