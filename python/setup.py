@@ -32,7 +32,7 @@ NEEDED = ("CMakeLists.txt", "LICENSE", "cmake", "include", "src", "track", "base
 class BuildLibraries(build_py):
     def run(self):
         # pip builds in this folder: what an earlier build left would get into the wheel.
-        shutil.rmtree(self.build_lib, ignore_errors=True)
+        shutil.rmtree(Path(self.build_lib) / "beatatlas", ignore_errors=True)
         super().run()
         if BUNDLE == "no":
             return
