@@ -32,6 +32,9 @@ Source = Union[str, bytes, "os.PathLike[str]", "os.PathLike[bytes]", NDArray[Any
 Progress = Callable[[float], object]
 Function = TypeVar("Function", bound=Callable[..., Any])
 
+_PHRASES = (4, 8, 16, 32, 64, 128, 256)
+_LONGEST_SENSED = 48695  # seconds: 2^31 - 1 frames at 44,100 Hz
+
 _ERRORS: dict[int, type[AnalysisError]] = {
     _library.MISSING: MissingFileError,
     _library.UNREADABLE: UnreadableFileError,
@@ -67,8 +70,8 @@ def analyze(
     tempo: str = "auto",
     bpm_range: Optional[tuple[float, float]] = None,
     beats_per_bar: Optional[int] = None,
-    section: int = 32,
-    sensed_seconds: float = 0.0,
+    section: Optional[int] = None,
+    sensed_seconds: Optional[float] = None,
     key: bool = True,
     session_key: bool = False,
     waves: bool = True,
@@ -94,9 +97,10 @@ def analyze(
         bpm_range: two tempi in BPM, 20 to 1000, the upper one at least twice the lower one: the
             tempo is doubled or halved into it. Auto tempo only.
         beats_per_bar: 3 or 4 if known. Auto tempo only.
-        section: length in beats of the phrase over which a varied tempo is measured: 4, 8, 16, 32,
-            64 …
-        sensed_seconds: how much of the beginning the simple tempo is sensed in; 0: one minute.
+        section: length in beats of the phrase over which the tempo is measured: 4, 8, 16, 32, 64,
+            128 or 256; unless given, 32. Varied tempo only.
+        sensed_seconds: how much of the beginning the tempo is sensed in, at least 1; unless given,
+            one minute. Simple tempo only.
         key: find the key by evidence.
         session_key: also find the key of a session; takes another pass.
         waves: make the waveform overviews.
@@ -110,9 +114,13 @@ def analyze(
     Returns:
         What was found.
 
+    Warns:
+        UserWarning: where an array is far beyond full scale: 2.0 and more, or more than one in a
+            hundred values beyond 1.0. What is beyond is clipped.
+
     Raises:
-        ValueError: for an argument out of range, and for an array with NaN or infinite values,
-            whose first frame it names.
+        ValueError: for an argument out of range or of no meaning with that tempo, and for an array
+            with NaN or infinite values, whose first frame it names.
         TypeError: for an argument of the wrong kind.
         AnalysisError: for a track without a result, as one of MissingFileError (also a
             FileNotFoundError), UnreadableFileError (also an OSError), NotAudioError,
@@ -143,20 +151,32 @@ def analyze(
 
 
 def _track_options(tempo: str, bpm_range: Optional[tuple[float, float]],
-                   beats_per_bar: Optional[int], section: int, sensed_seconds: float, key: bool,
-                   session_key: bool, waves: bool, threads: int) -> _library.TrackOptions:
+                   beats_per_bar: Optional[int], section: Optional[int],
+                   sensed_seconds: Optional[float], key: bool, session_key: bool, waves: bool, threads: int) -> _library.TrackOptions:
     options = _library.TrackOptions()
     _library.track_library().BA_TrackOptionsInit(ctypes.byref(options), ctypes.sizeof(options))
     options.tempo = _library.TEMPO_MODES[tempo]
+    for name, value, mode in (("bpm_range", bpm_range, "auto"),
+                              ("beats_per_bar", beats_per_bar, "auto"),
+                              ("section", section, "varied"),
+                              ("sensed_seconds", sensed_seconds, "simple")):
+        if value is not None and tempo != mode:
+            raise ValueError(f"{name} goes with tempo={mode!r}, not {tempo!r}")
     if bpm_range is not None:
         options.lowest_bpm, options.highest_bpm = _tempo_range(bpm_range)
     if beats_per_bar not in (None, 3, 4):
         raise ValueError(f"beats_per_bar must be 3 or 4, not {beats_per_bar!r}")
     options.beats_per_bar = beats_per_bar or 0
-    options.section_beats = _within("section", section, 1, 2**31 - 1)
-    if not sensed_seconds >= 0.0:
-        raise ValueError(f"sensed_seconds must be 0 or more, not {sensed_seconds!r}")
-    options.range_seconds = sensed_seconds
+    if section is not None:
+        if section not in _PHRASES:
+            raise ValueError("section must be one of " + ", ".join(map(str, _PHRASES))
+                             + f", not {section!r}")
+        options.section_beats = int(section)
+    if sensed_seconds is not None:
+        if not 1 <= sensed_seconds <= _LONGEST_SENSED:
+            raise ValueError(f"sensed_seconds must be 1 to {_LONGEST_SENSED}, not "
+                             f"{sensed_seconds!r}")
+        options.range_seconds = float(sensed_seconds)
     options.wants_key = bool(key)
     options.wants_session_key = bool(session_key)
     options.wants_waves = bool(waves)

@@ -3,6 +3,7 @@
 
 from __future__ import annotations
 
+import warnings
 from typing import Any
 
 import numpy as np
@@ -10,6 +11,10 @@ from numpy.typing import NDArray
 
 _MOST_CHANNELS = 64
 _FRAMES_AT_A_TIME = 65536
+
+# As in the program: decoders and converters exceed full scale by a little now and then.
+_LOUD_PEAK = 2.0
+_MANY_CLIPPED = 0.01
 
 
 def interleaved(source: Any) -> NDArray[np.float32]:
@@ -29,6 +34,7 @@ def interleaved(source: Any) -> NDArray[np.float32]:
         raise ValueError(f"an array of shape {array.shape} has no axis of channels: at most 64")
     samples = _full_scale(array)
     _require_finite(samples)
+    _warn_if_too_loud(samples)
     return samples
 
 
@@ -51,3 +57,15 @@ def _require_finite(samples: NDArray[np.float32]) -> None:
             frame = start + int(is_finite.all(axis=1).argmin())
             value = samples[frame][~np.isfinite(samples[frame])][0]
             raise ValueError(f"a sample must be a finite number: frame {frame} has {value}")
+
+
+def _warn_if_too_loud(samples: NDArray[np.float32]) -> None:
+    """Integers that were made floats without being divided come this way."""
+    peak, clipped = 0.0, 0
+    for start in range(0, len(samples), _FRAMES_AT_A_TIME):
+        size = np.abs(samples[start:start + _FRAMES_AT_A_TIME])
+        peak = max(peak, float(size.max()))
+        clipped += int(np.count_nonzero(size > 1))
+    if peak >= _LOUD_PEAK or clipped > _MANY_CLIPPED * samples.size:
+        warnings.warn(f"the samples are too loud: full scale is 1, they reach {peak:g}, and "
+                      f"{clipped} of them are clipped", stacklevel=5)

@@ -19,6 +19,7 @@ import tempfile
 import threading
 import time
 import unittest
+import warnings
 import wave
 from pathlib import Path
 from typing import Any, Optional, Union
@@ -201,11 +202,29 @@ class PackageTest(unittest.TestCase):
         self.assertEqual(found.to_dict(), by_tool(name))
         self.assertEqual(beatatlas.analyze(Path(os.fsdecode(name))).bpm, found.bpm)
 
+    def test_says_where_samples_are_far_beyond_full_scale(self) -> None:
+        once, often = np.zeros(1000), np.zeros(1000)
+        once[3], often[:11] = 2.0, 1.5  # 2.0 is the limit for one, 1 % for many
+        for loud, words in ((once, "they reach 2, and 1 of them"), (often, "reach 1.5, and 11")):
+            with self.assertWarnsRegex(UserWarning, words) as warned:
+                beatatlas.analyze(loud, 44100, tempo="off", key=False)
+            self.assertEqual(warned.filename, __file__)
+        once[3], often[10] = 1.9, 0.0
+        with warnings.catch_warnings():
+            warnings.simplefilter("error")
+            beatatlas.analyze(once, 44100, tempo="off", key=False)
+            beatatlas.analyze(often, 44100, tempo="off", key=False)
+
     def test_arguments_out_of_range(self) -> None:
         beyond: tuple[dict[str, Any], ...] = (
             {"tempo": "quick"}, {"beats_per_bar": 5}, {"bpm_range": (100, 150)},
-            {"bpm_range": (1, 500)}, {"threads": 0}, {"memory": 0}, {"section": 0},
-            {"sensed_seconds": -1}, {"sensed_seconds": math.nan})
+            {"bpm_range": (1, 500)}, {"threads": 0}, {"memory": 0},
+            {"tempo": "varied", "section": 0}, {"tempo": "varied", "section": 8.7},
+            {"tempo": "simple", "sensed_seconds": -1},
+            {"tempo": "simple", "sensed_seconds": math.nan},
+            {"tempo": "simple", "sensed_seconds": math.inf},
+            {"tempo": "off", "bpm_range": (80, 160)}, {"tempo": "varied", "beats_per_bar": 3},
+            {"section": 8}, {"tempo": "constant", "sensed_seconds": 30})
         for options in beyond:
             with self.subTest(options), self.assertRaises(ValueError):
                 beatatlas.analyze(self.track, **options)
@@ -220,8 +239,7 @@ class PackageTest(unittest.TestCase):
             with self.subTest(array.shape), self.assertRaises(ValueError):
                 beatatlas.analyze(array, 44100)
         wrong: tuple[dict[str, Any], ...] = (
-            {"rate": 44100.5}, {"rate": 44100, "threads": 1.9}, {"rate": 44100, "section": 8.7},
-            {"rate": 44100, "partial": True})
+            {"rate": 44100.5}, {"rate": 44100, "threads": 1.9}, {"rate": 44100, "partial": True})
         for options in wrong:
             with self.subTest(options), self.assertRaises(TypeError):
                 beatatlas.analyze(np.zeros(1000), **options)
