@@ -13,14 +13,17 @@ fi
 rm -rf "$folder"
 mkdir -p "$folder/files/music" "$folder/files/music:live" "$folder/home"
 cd "$folder/files"
+# Shells write into the home of whom they complete for.
+export HOME=$folder/home
+unset XDG_CONFIG_HOME XDG_DATA_HOME XDG_CACHE_HOME
 touch one.mp3 two.FLAC "with space.wav" note.txt list.m3u8 songs.sqlite own.ini b:side.ogg music/deep.mp3
 
 # What a shell offers for each line of `lines`, as lines "LINE<tab>WORD" in `offered`.
 ask() {
     case $shell in
     bash) bash --norc "$here/offer.bash" "$made/beatatlas.bash" ;;
-    zsh) HOME=$folder/home zsh -f "$here/offer.zsh" "$made" ;;
-    fish) HOME=$folder/home fish --no-config "$here/offer.fish" "$made/beatatlas.fish" ;;
+    zsh) zsh -f "$here/offer.zsh" "$made" ;;
+    fish) fish --no-config "$here/offer.fish" "$made/beatatlas.fish" ;;
     esac <"$folder/lines" >"$folder/offered"
 }
 
