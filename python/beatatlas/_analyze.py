@@ -152,7 +152,8 @@ def analyze(
 
 def _track_options(tempo: str, bpm_range: Optional[tuple[float, float]],
                    beats_per_bar: Optional[int], section: Optional[int],
-                   sensed_seconds: Optional[float], key: bool, session_key: bool, waves: bool, threads: int) -> _library.TrackOptions:
+                   sensed_seconds: Optional[float], key: bool, session_key: bool, waves: bool,
+                   threads: int) -> _library.TrackOptions:
     options = _library.TrackOptions()
     _library.track_library().BA_TrackOptionsInit(ctypes.byref(options), ctypes.sizeof(options))
     options.tempo = _library.TEMPO_MODES[tempo]

@@ -3,6 +3,7 @@
 
 from __future__ import annotations
 
+import math
 import warnings
 from typing import Any
 
@@ -33,8 +34,7 @@ def interleaved(source: Any) -> NDArray[np.float32]:
     if channels > _MOST_CHANNELS:
         raise ValueError(f"an array of shape {array.shape} has no axis of channels: at most 64")
     samples = _full_scale(array)
-    _require_finite(samples)
-    _warn_if_too_loud(samples)
+    _check_levels(samples)
     return samples
 
 
@@ -50,21 +50,18 @@ def _full_scale(array: NDArray[Any]) -> NDArray[np.float32]:
     return samples
 
 
-def _require_finite(samples: NDArray[np.float32]) -> None:
-    for start in range(0, len(samples), _FRAMES_AT_A_TIME):
-        is_finite = np.isfinite(samples[start:start + _FRAMES_AT_A_TIME])
-        if not is_finite.all():
-            frame = start + int(is_finite.all(axis=1).argmin())
-            value = samples[frame][~np.isfinite(samples[frame])][0]
-            raise ValueError(f"a sample must be a finite number: frame {frame} has {value}")
-
-
-def _warn_if_too_loud(samples: NDArray[np.float32]) -> None:
-    """Integers that were made floats without being divided come this way."""
+def _check_levels(samples: NDArray[np.float32]) -> None:
+    """Raises ValueError for what is no finite number. Warns of what is far too loud, as are integers
+    that were made floats without being divided."""
     peak, clipped = 0.0, 0
     for start in range(0, len(samples), _FRAMES_AT_A_TIME):
         size = np.abs(samples[start:start + _FRAMES_AT_A_TIME])
-        peak = max(peak, float(size.max()))
+        loudest = float(size.max())  # NaN where there is one
+        if not math.isfinite(loudest):
+            frame = start + int(np.isfinite(size).all(axis=1).argmin())
+            value = samples[frame][~np.isfinite(samples[frame])][0]
+            raise ValueError(f"a sample must be a finite number: frame {frame} has {value}")
+        peak = max(peak, loudest)
         clipped += int(np.count_nonzero(size > 1))
     if peak >= _LOUD_PEAK or clipped > _MANY_CLIPPED * samples.size:
         warnings.warn(f"the samples are too loud: full scale is 1, they reach {peak:g}, and "
