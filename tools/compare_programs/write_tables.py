@@ -2,17 +2,15 @@
 # SPDX-License-Identifier: MIT
 """Writes the tables of documents from the figures of compare_programs.py.
 
-usage: write_tables.py RESULTS DOCUMENT… [--check]
+usage: write_tables.py RESULTS DOCUMENT…
 
-A table stands in a document between the lines <!-- table NAME --> and <!-- end -->. With --check
-nothing is written, and the exit status is 1 if a table is not what the results say.
+A table stands in a document between the lines <!-- table NAME --> and <!-- end -->.
 """
 import argparse
 import json
 import os
 import re
 import statistics
-import sys
 
 KINDS = ('styles', 'modules', 'songs')
 PROGRAM = 'Beat Atlas'
@@ -210,7 +208,6 @@ def main():
                                      formatter_class=argparse.RawDescriptionHelpFormatter)
     parser.add_argument('results')
     parser.add_argument('document', nargs='+')
-    parser.add_argument('--check', action='store_true')
     options = parser.parse_args()
     with open(options.results, encoding='utf-8') as file:
         results = json.load(file)
@@ -220,8 +217,6 @@ def main():
         filled = fill(text, results)
         if filled == text:
             continue
-        if options.check:
-            sys.exit(f'{document}: its tables are not those of {options.results}')
         with open(document + '.part', 'w', encoding='utf-8') as file:
             file.write(filled)
         os.replace(document + '.part', document)
