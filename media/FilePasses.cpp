@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "media/RateConverter.h"
+
 namespace media {
 
 namespace {
@@ -15,7 +17,6 @@ constexpr double kProgramBytes = 48.0 * 1024 * 1024;
 constexpr double kAnalysisBytes = 30.0 * 1024 * 1024;
 constexpr double kAutoBytesPerSecond = 30.0 * 1024;
 constexpr double kSessionBytesPerSecond = 12.0 * 1024;
-constexpr double kLowestSessionRate = 44100.0;
 
 double analysisBytesPerFrame(beatatlas::track::TempoMode tempo) {
     const bool isAuto = tempo == beatatlas::track::TempoMode::automatic;

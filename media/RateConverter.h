@@ -19,6 +19,8 @@ constexpr int kHighestRate = 1'536'000;
  *  half, double and quadruple; 48,000 for all others. */
 int sessionRateFor(int trackRate);
 
+constexpr double kLowestSessionRate = 44100.0;
+
 /** @throws TrackError when no track of that rate can be converted */
 void requireConvertible(int rate);
 

@@ -9,12 +9,6 @@
 
 namespace media {
 
-namespace {
-
-constexpr double kFewestFramesPerSecond = 44100.0;
-
-}  // namespace
-
 void refuseAbove(double frames) {
     if (frames <= static_cast<double>(kMostFrames)) return;
     throw base::TrackError(
@@ -29,7 +23,7 @@ void refuseTooLong(const TrackDecoder& decoder) {
 }
 
 double expectedFrames(const TrackDecoder& decoder) {
-    return std::max(1.0, decoder.declaredSeconds().value_or(0.0) * kFewestFramesPerSecond);
+    return std::max(1.0, decoder.declaredSeconds().value_or(0.0) * kLowestSessionRate);
 }
 
 }  // namespace media

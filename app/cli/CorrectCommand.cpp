@@ -25,11 +25,6 @@ namespace {
 using catalogue::Edit;
 using catalogue::EditKind;
 
-constexpr double kLowestBpm = 20.0;
-constexpr double kHighestBpm = 1000.0;
-constexpr double kLongestSeconds = 48695.0;  // 2^31 - 1 frames at 44,100 Hz
-constexpr double kLongestShift = 60000.0;
-
 std::string requireKey(const std::string& text) {
     if (output::KeyName::parse(text)) return {};
     return "takes a key such as 8A, 1m, \"A minor\", Am or F#, not " + text;
@@ -49,7 +44,7 @@ void CorrectCommand::declareOwn(CLI::App& arguments) {
         .add_option("--bpm", bpm_,
                     "the tempo: a steady grid through the first downbeat, or where it is a\n"
                     "multiple of what was found, the found beats divided or thinned out")
-        ->check(numberBetween(kLowestBpm, kHighestBpm))
+        ->check(numberBetween(catalogue::kLowestCorrectedBpm, catalogue::kHighestCorrectedBpm))
         ->option_text("BPM");
     arguments.add_flag("--double", isDoubled_, "twice the tempo: a beat between each two");
     arguments.add_flag("--halve", isHalved_, "half the tempo: every second beat");
@@ -57,11 +52,12 @@ void CorrectCommand::declareOwn(CLI::App& arguments) {
     arguments
         .add_option("--shift-ms", shiftMilliseconds_,
                     "the beats are so much later, or with a minus earlier")
-        ->check(numberBetween(-kLongestShift, kLongestShift))
+        ->check(numberBetween(-catalogue::kLongestShiftMilliseconds,
+                              catalogue::kLongestShiftMilliseconds))
         ->option_text("MS");
     arguments
         .add_option("--downbeat", downbeatSeconds_, "a bar begins at the beat nearest to this")
-        ->transform(timeBetween(0.0, kLongestSeconds))
+        ->transform(timeBetween(0.0, catalogue::kLastDownbeatSeconds))
         ->option_text("TIME");
     arguments.add_option("--key", key_, "the key: 8A, 1m, \"A minor\", Am")
         ->check(offering({requireKey, ""}, wheelKeys()))

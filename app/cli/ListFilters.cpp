@@ -2,7 +2,6 @@
 #include "cli/ListFilters.h"
 
 #include <limits>
-#include <map>
 
 #include <CLI/CLI.hpp>
 
@@ -25,19 +24,10 @@ namespace {
 using catalogue::TrackQuery;
 using Order = TrackQuery::Order;
 
-constexpr double kLowestBpm = 1.0;
-constexpr double kHighestBpm = 10000.0;
 constexpr double kMostPercent = 30.0;
 
-std::map<std::string, Order> orders() {
-    return {{"path", Order::path},   {"artist", Order::artist},
-            {"title", Order::title}, {"bpm", Order::bpm},
-            {"key", Order::key},     {"length", Order::length},
-            {"added", Order::added}, {"confidence", Order::confidence}};
-}
-
 std::optional<NumberRange> tempoRange(const std::string& text) {
-    return NumberRange::parse(text, kLowestBpm, kHighestBpm);
+    return NumberRange::parse(text, catalogue::kLowestBpm, catalogue::kHighestBpm);
 }
 
 std::string requireTempo(const std::string& text) {
@@ -107,7 +97,7 @@ void ListFilters::declareOrder(CLI::App& arguments) {
             "--sort", query_.order,
             "path (default), artist, title, bpm, key, length, confidence or added; what is\n"
             "missing comes first")
-        ->transform(oneOf(orders()))
+        ->transform(oneOf(catalogue::orders()))
         ->option_text("ORDER");
     arguments.add_flag("--reverse", query_.isReversed, "the other way round");
     arguments.add_option("--limit", query_.limit, "no more than so many")

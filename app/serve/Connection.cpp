@@ -23,9 +23,6 @@ constexpr std::chrono::seconds kPatience(20);
 constexpr std::size_t kLeastBytesPerSecond = 32768;
 constexpr std::chrono::seconds kLongestSilence(60);
 
-// How soon the end of the program is noticed.
-constexpr int kPollMilliseconds = 100;
-
 }  // namespace
 
 Connection::Connection(int socket, std::shared_ptr<ConnectionLoad> load)

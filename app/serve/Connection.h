@@ -23,6 +23,8 @@ struct ConnectionLoad {
 class Connection {
 public:
     using Clock = std::chrono::steady_clock;
+    /** How soon the end of the program is noticed. */
+    static constexpr int kPollMilliseconds = 100;
 
     /** @param socket  is owned from now on, and does not block
      *  @param load    counts this one in */

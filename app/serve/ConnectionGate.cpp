@@ -13,7 +13,6 @@ namespace app {
 
 namespace {
 
-constexpr int kGatePollMilliseconds = 100;
 constexpr int kMostConnections = 2048;
 // For the catalogue, files and the standard streams.
 constexpr rlim_t kOtherDescriptors = 128;
@@ -54,7 +53,7 @@ void ConnectionGate::step() {
     watched.reserve(waiting_.size() + 1);
     watched.push_back({listening_, static_cast<short>(hasRoom ? POLLIN : 0), 0});
     for (const auto& connection : waiting_) watched.push_back({connection->socket(), POLLIN, 0});
-    if (poll(watched.data(), watched.size(), kGatePollMilliseconds) > 0) {
+    if (poll(watched.data(), watched.size(), Connection::kPollMilliseconds) > 0) {
         for (std::size_t i = 0; i < waiting_.size(); ++i) {
             if (watched[i + 1].revents != 0 && waiting_[i] != nullptr) receive(waiting_[i]);
             dropOverload();
@@ -111,7 +110,7 @@ void ConnectionGate::noteRefusal(int errorNumber) {
     if (!waiting_.empty()) {
         waiting_.erase(waiting_.begin());
     } else {
-        poll(nullptr, 0, kGatePollMilliseconds);
+        poll(nullptr, 0, Connection::kPollMilliseconds);
     }
 }
 

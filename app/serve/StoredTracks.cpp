@@ -27,11 +27,6 @@ using catalogue::Catalogue;
 using catalogue::Edit;
 using catalogue::EditKind;
 
-constexpr double kLowestCorrectedBpm = 20.0;
-constexpr double kHighestCorrectedBpm = 1000.0;
-constexpr double kLongestShift = 60000.0;  // ms
-constexpr double kLongestTrack = 48695.0;  // s, 2^31 - 1 frames at 44,100 Hz
-
 HttpReply unknownTrack() {
     return errorReply(404, "there is no such track in the catalogue");
 }
@@ -45,11 +40,13 @@ bool isWithin(double value, double lowest, double highest) {
 bool isSensible(const Edit& edit) {
     switch (edit.kind) {
     case EditKind::bpm:
-        return isWithin(edit.value, kLowestCorrectedBpm, kHighestCorrectedBpm);
+        return isWithin(edit.value, catalogue::kLowestCorrectedBpm,
+                        catalogue::kHighestCorrectedBpm);
     case EditKind::shiftMilliseconds:
-        return isWithin(edit.value, -kLongestShift, kLongestShift);
+        return isWithin(edit.value, -catalogue::kLongestShiftMilliseconds,
+                        catalogue::kLongestShiftMilliseconds);
     case EditKind::downbeat:
-        return isWithin(edit.value, 0.0, kLongestTrack);
+        return isWithin(edit.value, 0.0, catalogue::kLastDownbeatSeconds);
     case EditKind::key:
         return isWithin(edit.value, 0.0, beatatlas::track::kKeyCount - 1) &&
                edit.value == std::floor(edit.value);

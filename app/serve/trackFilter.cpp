@@ -1,9 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "serve/trackFilter.h"
 
-#include <array>
-#include <utility>
-
 #include "output/KeyName.h"
 #include "serve/plainNumber.h"
 
@@ -12,17 +9,10 @@ namespace app {
 namespace {
 
 using Order = catalogue::TrackQuery::Order;
+using catalogue::kHighestBpm;
+using catalogue::kLowestBpm;
 
-constexpr double kLowestBpm = 1.0;
-constexpr double kHighestBpm = 10000.0;
 constexpr std::size_t kLongestText = 1000;
-
-constexpr std::array kOrders = {
-    std::pair("path", Order::path),   std::pair("artist", Order::artist),
-    std::pair("title", Order::title), std::pair("bpm", Order::bpm),
-    std::pair("key", Order::key),     std::pair("length", Order::length),
-    std::pair("added", Order::added), std::pair("confidence", Order::confidence),
-};
 
 bool isSet(const HttpRequest& request, const std::string& name) {
     return request.parameter(name) == "1";
@@ -73,10 +63,10 @@ void setCompanion(catalogue::TrackQuery& query, const HttpRequest& request,
 Order orderOf(const HttpRequest& request) {
     const auto text = request.parameter("sort");
     if (!text || text->empty()) return Order::path;
-    for (const auto& [name, order] : kOrders) {
-        if (*text == name) return order;
-    }
-    throw BadRequest("there is no such order");
+    const auto orders = catalogue::orders();
+    const auto found = orders.find(*text);
+    if (found == orders.end()) throw BadRequest("there is no such order");
+    return found->second;
 }
 
 }  // namespace

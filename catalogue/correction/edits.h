@@ -8,8 +8,17 @@
 
 namespace catalogue {
 
+/** @name What people can correct a track to
+ *  @{ */
+inline constexpr double kLowestCorrectedBpm = 20.0;
+inline constexpr double kHighestCorrectedBpm = 1000.0;
+inline constexpr double kLongestShiftMilliseconds = 60000.0;
+/** 2^31 - 1 frames at 44,100 Hz. */
+inline constexpr double kLastDownbeatSeconds = 48695.0;
+/** @} */
+
 enum class EditKind {
-    bpm,                ///< value: the tempo, 20 to 1000 BPM
+    bpm,                ///< value: the tempo, BPM
     twice,              ///< twice as many beats
     half,               ///< half as many
     threeToTwo,         ///< three beats for two

@@ -160,6 +160,14 @@ base::ListedTrack trackOf(const SQLite::Statement& row) {
 
 }  // namespace
 
+std::map<std::string, TrackQuery::Order> orders() {
+    using Order = TrackQuery::Order;
+    return {{"path", Order::path},   {"artist", Order::artist},
+            {"title", Order::title}, {"bpm", Order::bpm},
+            {"key", Order::key},     {"length", Order::length},
+            {"added", Order::added}, {"confidence", Order::confidence}};
+}
+
 void listTracks(const Catalogue& catalogue, const TrackQuery& query,
                 const std::function<void(const base::ListedTrack&)>& show) {
     guarded(catalogue.path(), [&] {

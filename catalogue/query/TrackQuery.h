@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <map>
 #include <optional>
 #include <string>
 #include <vector>
@@ -17,6 +18,10 @@ inline constexpr double kSureConfidence = 0.8;
 
 /** What most players can change a tempo by. */
 inline constexpr double kUsualPercent = 6.0;
+
+/** The tempi that tracks can be asked for by. */
+inline constexpr double kLowestBpm = 1.0;
+inline constexpr double kHighestBpm = 10000.0;
 
 /** From lowest to highest, both included. */
 struct BpmRange {
@@ -46,6 +51,9 @@ struct TrackQuery {
     bool isReversed = false;
     std::optional<std::int64_t> limit;
 };
+
+/** By the names that people give them. */
+std::map<std::string, TrackQuery::Order> orders();
 
 /** Hands over the tracks one by one, in order; takes the same memory for any number of them. Never
  *  looks at every track where an index knows better.

@@ -13,7 +13,6 @@ namespace output {
 
 namespace {
 
-constexpr double kParagraphLineHeight = 1.35;  // of a paragraph, in text sizes
 constexpr double kUsualSize = 12.0;
 
 int toPango(double units) {
@@ -167,7 +166,7 @@ void Canvas::paragraph(double x, double y, const std::string& text, const TextSt
     setWidth(width, lines);
     const int count = std::min(lines, pango_layout_get_line_count(layout_.get()));
     for (int i = 0; i < count; ++i)
-        showLine(i, x, y + i * kParagraphLineHeight * style.size, style.align);
+        showLine(i, x, y + i * TextStyle::kLineHeight * style.size, style.align);
 }
 
 double Canvas::showPlainly(double x, double y, const std::string& text, const TextStyle& style,

@@ -19,6 +19,9 @@ namespace output {
 enum class Align { left, center, right };
 
 struct TextStyle {
+    /** From line to line, in text sizes. */
+    static constexpr double kLineHeight = 1.35;
+
     double size;
     Color color;
     bool isBold = false;

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "output/picture/Canvas.h"
 #include "output/picture/PictureOptions.h"
 
 namespace output {
@@ -12,7 +13,6 @@ namespace {
 
 constexpr double kLeastForRemarksInOneRow = 1100.0;
 constexpr double kLeastForLegendInOneRow = 1000.0;
-constexpr double kLineHeight = 1.35;
 constexpr double kGapAboveAnswers = 12.0;
 constexpr double kAxisHeight = 30.0;     // times below a panel
 constexpr double kCaptionHeight = 38.0;  // the caption above a panel
@@ -53,9 +53,10 @@ PictureLayout::PictureLayout(int widthPixels)
 
 void PictureLayout::placeHeading(double margin) {
     const double inner = width - 2.0 * margin;
-    const double line = kLineHeight * bodySize;
-    title = {margin, 0.8 * margin, inner, kLineHeight * titleSize + line};
-    answers = {margin, title.bottom() + kGapAboveAnswers, inner, kLineHeight * answerSize};
+    const double line = TextStyle::kLineHeight * bodySize;
+    title = {margin, 0.8 * margin, inner, TextStyle::kLineHeight * titleSize + line};
+    answers = {margin, title.bottom() + kGapAboveAnswers, inner,
+               TextStyle::kLineHeight * answerSize};
     remarks = {margin, answers.bottom(), inner, remarkLines * line};
 }
 
