@@ -251,7 +251,7 @@ TEST_F(ScanFaultTest, CtrlCEndsAllWorkersAndKeepsWhatIsDone) {
     const auto workers = tool.awaitReaders(1, long_);
     // The short ones are done by the second worker while the first is held at the long one.
     for (const pid_t worker : workers) kill(worker, SIGSTOP);
-    while (tool.children().size() > 1) std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    while (tool.workers().size() > 1) std::this_thread::sleep_for(std::chrono::milliseconds(1));
     tool.signal(SIGINT);
     EXPECT_EQ(tool.wait(), 130);
     for (const pid_t worker : workers) EXPECT_TRUE(endsSoon(worker));
@@ -289,7 +289,7 @@ protected:
     void disturb(double seconds, bool endsWorker) {
         RunningTool tool(arguments({"--retry-failed", music_.path()}));
         std::this_thread::sleep_for(std::chrono::duration<double>(seconds));
-        const auto workers = tool.children();
+        const auto workers = tool.workers();
         if (!endsWorker)
             tool.signal(SIGKILL);
         else if (!workers.empty())

@@ -32,17 +32,17 @@ public:
 
     pid_t process() const { return process_; }
 
-    /** Its own child processes that still run. */
-    std::vector<pid_t> children() const;
+    /** Its worker processes that still run. */
+    std::vector<pid_t> workers() const;
 
-    /** Waits, some seconds at most, until it has so many children that have begun to read a file
+    /** Waits, some seconds at most, until it has so many workers that have begun to read a file
      *  below the folder. @return those; fewer when it took too long */
     std::vector<pid_t> awaitReaders(std::size_t count, const std::string& folder) const;
 
     void signal(int number) const;
 
     /** Waits for its end. @return its exit status; 1000 and the signal's number when a signal
-     *  killed it */
+     *  killed it. @throws std::runtime_error when it hangs */
     int wait();
 
     std::string out() const { return readFile(folder_.file("out")); }
@@ -52,8 +52,5 @@ private:
     TemporaryFolder folder_;
     pid_t process_ = -1;
 };
-
-/** The processes whose parent that is. */
-std::vector<pid_t> childrenOf(pid_t process);
 
 }  // namespace test
