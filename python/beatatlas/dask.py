@@ -15,13 +15,14 @@ from __future__ import annotations
 
 import itertools
 import os
+import sys
 from collections.abc import Iterable, Iterator
 from typing import Any, Union
 
 import distributed
 
 from . import Analysis, AnalysisError, analyze
-from ._analyze import refuse_unknown
+from ._arguments import refuse_unknown, shown, whole
 
 
 def scan(
@@ -52,8 +53,9 @@ def scan(
     if "progress" in options:
         raise TypeError("progress cannot be passed to a cluster")
     refuse_unknown(analyze, options)
-    if in_flight < 1:
-        raise ValueError(f"in_flight must be 1 or more, not {in_flight!r}")
+    in_flight = whole("in_flight", in_flight, 1, sys.maxsize)
+    if isinstance(paths, (str, bytes, os.PathLike)):
+        raise TypeError(f"paths must be a list of names or the like, not one, {shown(paths)}")
     names = iter(paths)
     waiting: dict[Any, str] = {}
     tasks = distributed.as_completed(loop=client.loop)

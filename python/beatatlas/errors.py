@@ -13,7 +13,8 @@ class AnalysisError(Exception):
     """
 
     def __init__(self, path: str | None, reason: str) -> None:
-        super().__init__(f"{'the array' if path is None else path} {reason}")
+        name = "the array" if path is None else path or "''"
+        super().__init__(f"{name} {reason}")
         self.path = path
         self.reason = reason
 

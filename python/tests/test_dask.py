@@ -85,8 +85,11 @@ class ClusterTest(unittest.TestCase):
             next(beatatlas.dask.scan(None, ["a"], progress=print))
         with self.assertRaisesRegex(TypeError, "did you mean 'tempo'"):
             next(beatatlas.dask.scan(None, ["a"], tmpo="off"))
-        with self.assertRaises(ValueError):
+        with self.assertRaisesRegex(ValueError, "^in_flight must be a whole number"):
             next(beatatlas.dask.scan(None, ["a"], in_flight=0))
+        for one_name in ("track.wav", b"track.wav", Path("track.wav")):
+            with self.assertRaisesRegex(TypeError, "^paths must be a list of names"):
+                next(beatatlas.dask.scan(None, one_name))  # type: ignore[arg-type]
 
 
 if __name__ == "__main__":
