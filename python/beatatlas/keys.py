@@ -18,9 +18,9 @@ _GERMAN = {"A": "A", "A#": "Ais", "Bb": "B", "B": "H", "C": "C", "C#": "Cis", "D
 _SOLFEGE = {"A": "La", "B": "Si", "C": "Do", "D": "Re", "E": "Mi", "F": "Fa", "G": "Sol"}
 
 
-@dataclass(frozen=True, repr=False)
+@dataclass(frozen=True, order=True, repr=False)
 class Key:
-    """One of the 24 major and minor keys.
+    """One of the 24 major and minor keys, in the order of their numbers.
 
     Attributes:
         number: 0 to 11: A, Bb, B … Ab major; 12 to 23: A, Bb, B … G# minor.
@@ -96,6 +96,9 @@ class Key:
 
     def __str__(self) -> str:
         return self.name
+
+    def __format__(self, width: str) -> str:
+        return format(self.name, width)
 
     def __repr__(self) -> str:
         return f"<Key {self.number}: {self.name}, {self.camelot}>"

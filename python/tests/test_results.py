@@ -76,6 +76,11 @@ class ResultsTest(PackageTest):
             with self.assertRaisesRegex(kind, "^number must be a whole number from 0 to 23, not"):
                 beatatlas.Key(number)  # type: ignore[arg-type]
 
+    def test_keys_can_be_sorted_and_printed_in_columns(self) -> None:
+        keys = [beatatlas.Key(number) for number in (12, 0, 23)]
+        self.assertEqual([str(key) for key in sorted(keys)], ["A major", "A minor", "G# minor"])
+        self.assertEqual(f"{keys[0]:>10}|{keys[0]}", "   A minor|A minor")
+
     def test_a_missing_file_is_one_to_who_knows_only_the_systems_errors(self) -> None:
         for error in (beatatlas.MissingFileError("a.wav", "is gone"),
                       pickle.loads(pickle.dumps(beatatlas.MissingFileError("a.wav", "is gone")))):
