@@ -27,7 +27,8 @@ class PandasTest(PackageTest):
     def test_keys_group_and_sort_tracks(self) -> None:
         keys = [beatatlas.Key(number) for number in (21, 0, 21)]
         table = pandas.DataFrame({"key": keys, "bpm": [120.0, 126.0, 130.0]})
-        self.assertEqual(table.groupby("key").bpm.mean().to_dict(), {keys[0]: 125.0, keys[1]: 126.0})
+        means = table.groupby("key").bpm.mean()
+        self.assertEqual(means.to_dict(), {keys[0]: 125.0, keys[1]: 126.0})
         self.assertEqual(table.sort_values("key").bpm.tolist(), [126.0, 120.0, 130.0])
 
     def test_numbers_and_samples_from_a_table_are_taken(self) -> None:
