@@ -20,13 +20,13 @@ def shown(value: object) -> str:
 
 
 def refuse_unknown(function: Callable[..., Any], options: Iterable[str]) -> None:
-    """Raises TypeError for an option that the function does not have, naming the nearest one."""
+    """Raises TypeError for an option that the function does not have, naming one that it has."""
     known = list(inspect.signature(function).parameters)
     for name in options:
         if name not in known:
             near = difflib.get_close_matches(name, known, 1)
-            meant = f": did you mean {near[0]!r}?" if near else ""
-            raise TypeError(f"{function.__name__}() has no option {name!r}{meant}")
+            advice = f"did you mean {near[0]!r}?" if near else f"it has {', '.join(known)}"
+            raise TypeError(f"{function.__name__}() has no option {name!r}: {advice}")
 
 
 def number(name: str, value: Any, wanted: str = "a number") -> Any:
