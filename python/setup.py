@@ -9,13 +9,13 @@ libraries taken."""
 import os
 import runpy
 import shutil
-import subprocess
 from pathlib import Path
 
+# The first of all: it says so if there is no setuptools.
+from build_backend import bdist_wheel, compile_libraries, give_up
 from setuptools import Distribution, setup
 from setuptools.command.build_py import build_py
 from setuptools.command.sdist import sdist
-from wheel.bdist_wheel import bdist_wheel
 
 HERE = Path(__file__).resolve().parent
 INTERFACE = runpy.run_path(str(HERE / "beatatlas/_version.py"))["INTERFACE"]
@@ -38,23 +38,18 @@ class BuildLibraries(build_py):
             return
         build = Path(BUNDLE or self.get_finalized_command("build").build_temp + "/libraries")
         if not BUNDLE:
-            compile_in(build.resolve())
-        target = Path(self.build_lib) / "beatatlas" / "lib"
-        target.mkdir(parents=True, exist_ok=True)
-        for room in LIBRARIES.values():
-            name = f"libbeatatlas_{room}.so.{INTERFACE}"
-            shutil.copy2(build / room / name, target / name)
+            compile_libraries(SOURCE, build.resolve(), LIBRARIES)
+        take_from(build, Path(self.build_lib) / "beatatlas" / "lib")
 
 
-def compile_in(build):
-    """They find each other beside themselves, wherever the package is installed."""
-    subprocess.run(
-        ["cmake", "-S", SOURCE, "-B", build, "-DCMAKE_BUILD_TYPE=Release",
-         "-DBEATATLAS_BUILD_TESTS=OFF", "-DBEATATLAS_INSTALL=OFF",
-         "-DCMAKE_SHARED_LINKER_FLAGS=-Wl,--strip-all",
-         "-DCMAKE_BUILD_WITH_INSTALL_RPATH=ON", "-DCMAKE_INSTALL_RPATH=$ORIGIN"], check=True)
-    subprocess.run(["cmake", "--build", build, "--target", *LIBRARIES, "--parallel",
-                    str(os.cpu_count() or 1)], check=True)
+def take_from(build, target):
+    target.mkdir(parents=True, exist_ok=True)
+    for room in LIBRARIES.values():
+        name = f"libbeatatlas_{room}.so.{INTERFACE}"
+        if not (build / room / name).exists():
+            give_up("BEATATLAS_BUNDLE must be \"no\" or the folder of a CMake build, and "
+                    f"{build} has no {room}/{name}")
+        shutil.copy2(build / room / name, target / name)
 
 
 class Platform(Distribution):
@@ -71,6 +66,7 @@ class PlatformWheel(bdist_wheel):
 class WholeSource(sdist):
     def make_release_tree(self, base_dir, files):
         super().make_release_tree(base_dir, files)
+        shutil.copy2(HERE / "build_backend.py", base_dir)
         target = Path(base_dir, "libraries")
         target.mkdir()
         for name in NEEDED:

@@ -36,7 +36,8 @@ def main() -> int:
         except AnalysisError as error:
             failures += 1
             tracks.append(name_dict(file) | {"error": error.reason})
-            print(f"beatatlas: {name_dict(file)['file']} {error.reason}", file=sys.stderr)
+            name = name_dict(file)["file"] or "''"
+            print(f"beatatlas: {name} {error.reason}", file=sys.stderr)
             continue
         tracks.append(found.to_dict(arguments.waves))
         if not arguments.json:

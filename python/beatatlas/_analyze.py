@@ -4,21 +4,28 @@
 from __future__ import annotations
 
 import ctypes
-import difflib
 import functools
-import inspect
-import operator
 import os
 import threading
-from collections.abc import Iterable
 from typing import Any, Callable, Optional, TypeVar, Union, cast
 
 import numpy as np
 from numpy.typing import NDArray
 
 from . import _library
+from ._arguments import (
+    file_name,
+    flag,
+    number,
+    one_of,
+    one_word,
+    refuse_unknown,
+    shown,
+    tempo_range,
+    whole,
+)
 from ._read import Handle, read_analysis
-from ._samples import interleaved
+from ._samples import as_frames, interleaved
 from .analysis import Analysis
 from .errors import (
     AnalysisError,
@@ -34,6 +41,7 @@ Function = TypeVar("Function", bound=Callable[..., Any])
 
 _PHRASES = (4, 8, 16, 32, 64, 128, 256)
 _LONGEST_SENSED = 48695  # seconds: 2^31 - 1 frames at 44,100 Hz
+_LOWEST_RATE, _HIGHEST_RATE = 1000, 1536000  # that can be converted
 
 _ERRORS: dict[int, type[AnalysisError]] = {
     _library.MISSING: MissingFileError,
@@ -41,16 +49,6 @@ _ERRORS: dict[int, type[AnalysisError]] = {
     _library.NOT_AUDIO: NotAudioError,
     _library.DAMAGED: DamagedTrackError,
 }
-
-
-def refuse_unknown(function: Callable[..., Any], options: Iterable[str]) -> None:
-    """Raises TypeError for an option that the function does not have, naming the nearest one."""
-    known = list(inspect.signature(function).parameters)
-    for name in options:
-        if name not in known:
-            near = difflib.get_close_matches(name, known, 1)
-            meant = f": did you mean {near[0]!r}?" if near else ""
-            raise TypeError(f"{function.__name__}() has no option {name!r}{meant}")
 
 
 def _suggesting(function: Function) -> Function:
@@ -90,8 +88,8 @@ def analyze(
             (channels, frames), the longer axis being the frames, with 1 to 64 channels: floats with
             full scale ±1.0, or signed integers of 16 or 32 bits; of any byte order and layout in
             memory. It is only read. Every value must be finite.
-        rate: frames per second of an array, a whole number; other rates than 44100 and 48000 Hz are
-            converted.
+        rate: frames per second of an array, a whole number from 1000 to 1536000; other rates than
+            44100 and 48000 Hz are converted.
         tempo: ``"auto"`` finds out whether the tempo is steady; ``"constant"``, ``"varied"``,
             ``"simple"`` (sensed at the beginning) or ``"off"``.
         bpm_range: two tempi in BPM, 20 to 1000, the upper one at least twice the lower one: the
@@ -104,7 +102,7 @@ def analyze(
         key: find the key by evidence.
         session_key: also find the key of a session; takes another pass.
         waves: make the waveform overviews.
-        partial: analyse what is left of a file that was cut off, instead of refusing it. Files only.
+        partial: analyse what is left of a file that was cut off instead of refusing it. Files only.
         threads: the most threads for this track, at least 1. Results never depend on it.
         memory: bytes for the decoded track of a file; a longer one is decoded again for a second
             pass.
@@ -127,27 +125,30 @@ def analyze(
             DamagedTrackError.
         MemoryError: when memory runs out.
     """
-    if tempo not in _library.TEMPO_MODES:
-        raise ValueError(f"tempo must be one of {', '.join(_library.TEMPO_MODES)}, not {tempo!r}")
     options = _track_options(tempo, bpm_range, beats_per_bar, section, sensed_seconds, key,
                              session_key, waves, threads)
+    if progress is not None and not callable(progress):
+        raise TypeError("progress must be a function that takes the share that is done, not "
+                        f"{shown(progress)}")
     if isinstance(source, (str, bytes, os.PathLike)):
         if rate is not None:
-            raise TypeError("rate is for arrays: a file says its own")
-        path: Optional[str] = os.fsdecode(source)
-        work = _file_work(os.fsencode(source), options, partial, memory)
+            raise TypeError("rate must be given with an array only: a file has its own")
+        path: Optional[str] = str(os.fsdecode(source))  # also where NumPy has a type of its own
+        work = _file_work(file_name(source), options, partial, memory)
     else:
+        array = as_frames(source)
         if rate is None:
-            raise TypeError("an array needs its rate in frames per second")
-        if partial:
-            raise TypeError("partial is for files: an array is whole")
+            raise TypeError("rate must be given with an array: how many frames it has per second")
+        if flag("partial", partial):
+            raise TypeError("partial must be given with a file only: an array is whole")
+        hertz = whole("rate", rate, _LOWEST_RATE, _HIGHEST_RATE)
         path = None
-        work = _array_work(interleaved(source), rate, options)
+        work = _array_work(interleaved(array), hertz, options)
     wanted = frozenset(name for name, is_wanted in
                        (("key", key), ("session_key", session_key), ("waves", waves)) if is_wanted)
     with _Run(work, options, progress) as handle:
         _raise_unless_good(handle.status, handle.pointer, path)
-        return read_analysis(handle.pointer, path, tempo, wanted)
+        return read_analysis(handle.pointer, path, str(tempo), wanted)
 
 
 def _track_options(tempo: str, bpm_range: Optional[tuple[float, float]],
@@ -156,7 +157,7 @@ def _track_options(tempo: str, bpm_range: Optional[tuple[float, float]],
                    threads: int) -> _library.TrackOptions:
     options = _library.TrackOptions()
     _library.track_library().BA_TrackOptionsInit(ctypes.byref(options), ctypes.sizeof(options))
-    options.tempo = _library.TEMPO_MODES[tempo]
+    options.tempo = _library.TEMPO_MODES[one_word("tempo", tempo, _library.TEMPO_MODES)]
     for name, value, mode in (("bpm_range", bpm_range, "auto"),
                               ("beats_per_bar", beats_per_bar, "auto"),
                               ("section", section, "varied"),
@@ -164,68 +165,44 @@ def _track_options(tempo: str, bpm_range: Optional[tuple[float, float]],
         if value is not None and tempo != mode:
             raise ValueError(f"{name} goes with tempo={mode!r}, not {tempo!r}")
     if bpm_range is not None:
-        options.lowest_bpm, options.highest_bpm = _tempo_range(bpm_range)
-    if beats_per_bar not in (None, 3, 4):
-        raise ValueError(f"beats_per_bar must be 3 or 4, not {beats_per_bar!r}")
-    options.beats_per_bar = beats_per_bar or 0
+        options.lowest_bpm, options.highest_bpm = tempo_range(bpm_range)
+    if beats_per_bar is not None:
+        options.beats_per_bar = one_of("beats_per_bar", beats_per_bar, (3, 4))
     if section is not None:
-        if section not in _PHRASES:
-            raise ValueError("section must be one of " + ", ".join(map(str, _PHRASES))
-                             + f", not {section!r}")
-        options.section_beats = int(section)
+        options.section_beats = one_of("section", section, _PHRASES)
     if sensed_seconds is not None:
-        if not 1 <= sensed_seconds <= _LONGEST_SENSED:
-            raise ValueError(f"sensed_seconds must be 1 to {_LONGEST_SENSED}, not "
-                             f"{sensed_seconds!r}")
-        options.range_seconds = float(sensed_seconds)
-    options.wants_key = bool(key)
-    options.wants_session_key = bool(session_key)
-    options.wants_waves = bool(waves)
-    options.threads = _within("threads", threads, 1, 2**31 - 1)
+        options.range_seconds = _sensed(sensed_seconds)
+    options.wants_key = flag("key", key)
+    options.wants_session_key = flag("session_key", session_key)
+    options.wants_waves = flag("waves", waves)
+    options.threads = whole("threads", threads, 1, 2**31 - 1)
     return options
 
 
-def _within(name: str, number: Any, lowest: int, highest: int) -> int:
-    """A whole number of any type. Raises TypeError for others."""
-    try:
-        whole = operator.index(number)
-    except TypeError:
-        raise TypeError(f"{name} must be a whole number, not {number!r}") from None
-    if not lowest <= whole <= highest:
-        raise ValueError(f"{name} must be {lowest} to {highest}, not {number!r}")
-    return whole
-
-
-def _tempo_range(bpm_range: tuple[float, float]) -> tuple[float, float]:
-    lowest, highest = bpm_range
-    if not (20 <= lowest and highest <= 1000 and highest >= 2 * lowest):
-        raise ValueError("bpm_range must lie within 20 and 1000 BPM, its upper end at least twice "
-                         f"the lower one, not {bpm_range!r}")
-    return float(lowest), float(highest)
+def _sensed(seconds: float) -> float:
+    wanted = f"a number of seconds from 1 to {_LONGEST_SENSED}"
+    if not 1 <= number("sensed_seconds", seconds, wanted) <= _LONGEST_SENSED:
+        raise ValueError(f"sensed_seconds must be {wanted}, not {shown(seconds)}")
+    return float(seconds)
 
 
 def _file_work(name: bytes, track: _library.TrackOptions, partial: bool, memory: int) -> Any:
-    if b"\0" in name:
-        raise ValueError("a file's name holds no null character")
     library = _library.media_library()
     options = _library.FileOptions()
     library.BA_FileOptionsInit(ctypes.byref(options), ctypes.sizeof(options))
-    options.memory_bytes = _within("memory", memory, 1, 2**63 - 1)
-    options.accepts_cut_off = bool(partial)
+    options.memory_bytes = whole("memory", memory, 1, 2**63 - 1)
+    options.accepts_cut_off = flag("partial", partial)
     return lambda out: library.BA_FileAnalyze(name, ctypes.byref(track), ctypes.byref(options), out)
 
 
-def _array_work(samples: NDArray[np.float32], rate: float, track: _library.TrackOptions) -> Any:
+def _array_work(samples: NDArray[np.float32], rate: int, track: _library.TrackOptions) -> Any:
     frames, channels = samples.shape
     pointer = samples.ctypes.data_as(ctypes.POINTER(ctypes.c_float))
-    if isinstance(rate, float) and rate.is_integer():
-        rate = int(rate)  # Readers of sound files give both.
-    hertz = _within("rate", rate, 1, 2**31 - 1)
     call = _library.media_library().BA_FileAnalyzeSamples
 
     def work(out: Any) -> int:
         assert samples.flags.c_contiguous  # and keeps the array alive
-        return int(call(pointer, hertz, channels, frames, ctypes.byref(track), out))
+        return int(call(pointer, rate, channels, frames, ctypes.byref(track), out))
 
     return work
 

@@ -10,12 +10,14 @@ from typing import Any
 import numpy as np
 from numpy.typing import NDArray
 
-from ._records import ReadOnlyArrays
+from ._records import RecordWithArrays
 from .key_analysis import KeyAnalysis, KeyCandidate, SessionKey
 from .keys import Key
 
 #: One point of a waveform overview: its height, and its class of colour.
 WAVE_POINT = np.dtype([("level", np.float32), ("color", np.int32)])
+
+_ZOOM_RATE = 150  # points a second
 
 
 @dataclass(frozen=True)
@@ -73,8 +75,8 @@ class Stretch:
         return {"from": self.start, "to": self.end, "bpm": self.bpm}
 
 
-@dataclass(frozen=True, eq=False)
-class Waves(ReadOnlyArrays):
+@dataclass(frozen=True, eq=False, repr=False)
+class Waves(RecordWithArrays):
     """The waveform overviews: structured arrays of ``level`` and ``color``.
 
     Attributes:
@@ -88,9 +90,20 @@ class Waves(ReadOnlyArrays):
     zoom: NDArray[Any]
 
     def to_dict(self) -> dict[str, object]:
-        zoom = {"pointsPerSecond": 150, "levels": self.zoom["level"].astype(int).tolist(),
+        zoom = {"pointsPerSecond": _ZOOM_RATE, "levels": self.zoom["level"].astype(int).tolist(),
                 "colors": self.zoom["color"].tolist()}
         return {"loud": _wave_dict(self.loud), "dots": _wave_dict(self.dots), "zoom": zoom}
+
+    def __repr__(self) -> str:
+        return (f"<Waves: loud {_extent(self.loud)}; dots {_extent(self.dots)}; zoom "
+                f"{_extent(self.zoom)}, {_ZOOM_RATE} points a second>")
+
+
+def _extent(wave: NDArray[Any]) -> str:
+    if not len(wave):
+        return "empty"
+    levels = wave["level"]
+    return f"{len(wave)} points, level {levels.min():.0f} to {levels.max():.0f}"
 
 
 def _wave_dict(wave: NDArray[Any]) -> dict[str, object]:
@@ -141,10 +154,10 @@ class AudioFacts:
 
 
 @dataclass(frozen=True, eq=False, repr=False)
-class Analysis(ReadOnlyArrays):
+class Analysis(RecordWithArrays):
     """Everything that was found in one track. Values are None, and arrays empty, where nothing was
     found or wanted; nothing is ever NaN. Arrays are read-only, in copies too. It can be pickled and
-    copied. Two analyses are equal only if they are the same object: compare ``to_dict()``.
+    copied. Two analyses are equal if all members are, the file's name too.
 
     Attributes:
         path: the file's name as it was passed; None for an array.

@@ -15,13 +15,14 @@ from __future__ import annotations
 
 import itertools
 import os
+import sys
 from collections.abc import Iterable, Iterator
 from typing import Any, Union
 
 import distributed
 
 from . import Analysis, AnalysisError, analyze
-from ._analyze import refuse_unknown
+from ._arguments import refuse_unknown, shown, whole
 
 
 def scan(
@@ -48,12 +49,19 @@ def scan(
     Yields:
         A file's name with its Analysis, or with the AnalysisError that says why there is none: also
         where it ends every worker that reads it.
+
+    Raises:
+        TypeError: for an argument or option of the wrong kind.
+        ValueError: for one out of range.
     """
     if "progress" in options:
         raise TypeError("progress cannot be passed to a cluster")
     refuse_unknown(analyze, options)
-    if in_flight < 1:
-        raise ValueError(f"in_flight must be 1 or more, not {in_flight!r}")
+    in_flight = whole("in_flight", in_flight, 1, sys.maxsize)
+    if isinstance(paths, (str, bytes, os.PathLike)) or not isinstance(paths, Iterable):
+        raise TypeError(f"paths must be a list of names or the like, not {shown(paths)}")
+    if not isinstance(client, distributed.Client):
+        raise TypeError(f"client must be a distributed.Client, not {shown(client)}")
     names = iter(paths)
     waiting: dict[Any, str] = {}
     tasks = distributed.as_completed(loop=client.loop)
@@ -79,17 +87,20 @@ def scan(
 def _outcome(name: str, task: Any) -> Union[Analysis, AnalysisError]:
     error = task.exception()
     if error is None:
-        found: Union[Analysis, AnalysisError] = task.result()
-        return found
+        found: Union[Analysis, Exception] = task.result()
+        if isinstance(found, (Analysis, AnalysisError)):
+            return found
+        raise found
     if isinstance(error, distributed.KilledWorker):
         return AnalysisError(name, "has no result: the workers that read it were lost")
     raise error
 
 
-def _analyze_one(path: str, options: dict[str, Any]) -> Union[Analysis, AnalysisError]:
+def _analyze_one(path: str, options: dict[str, Any]) -> Union[Analysis, Exception]:
+    """Returns what is no fault of the worker: raised here, it would be tried again elsewhere."""
     try:
         return analyze(path, **options)
-    except AnalysisError as error:
+    except (AnalysisError, TypeError, ValueError) as error:
         return error
 
 

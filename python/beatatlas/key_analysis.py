@@ -8,7 +8,7 @@ from dataclasses import dataclass
 import numpy as np
 from numpy.typing import NDArray
 
-from ._records import ReadOnlyArrays
+from ._records import RecordWithArrays
 from .keys import Key
 
 NOTES = ("A", "Bb", "B", "C", "C#", "D", "Eb", "E", "F", "F#", "G", "G#")
@@ -33,7 +33,12 @@ class KeyCandidate:
 
 @dataclass(frozen=True)
 class KeySegment:
-    """A section in one key, in seconds."""
+    """A section in one key.
+
+    Attributes:
+        start: in seconds from the first frame of music, like ``end``.
+        confidence: as that of the whole track, 0 to 1.
+    """
 
     start: float
     end: float
@@ -45,8 +50,8 @@ class KeySegment:
         return {**bounds, **self.key.to_dict(), "confidence": self.confidence}
 
 
-@dataclass(frozen=True, eq=False)
-class KeyAnalysis(ReadOnlyArrays):
+@dataclass(frozen=True, eq=False, repr=False)
+class KeyAnalysis(RecordWithArrays):
     """The key by evidence.
 
     Attributes:
@@ -79,9 +84,14 @@ class KeyAnalysis(ReadOnlyArrays):
             "tuning": {"cents": self.tuning_cents, "hz": self.tuning_hz},
         }
 
+    def __repr__(self) -> str:
+        changes = f"{len(self.segments)} segments; " if len(self.segments) > 1 else ""
+        return (f"<KeyAnalysis: {self.key} ({self.key.camelot}, {self.confidence:.0%}), before "
+                f"{self.ranking[1].key}; {changes}A4 at {self.tuning_hz:.1f} Hz>")
 
-@dataclass(frozen=True, eq=False)
-class SessionKey(ReadOnlyArrays):
+
+@dataclass(frozen=True, eq=False, repr=False)
+class SessionKey(RecordWithArrays):
     """The key of a session, which needs a pass of its own (``session_key=True``).
 
     Attributes:
@@ -112,6 +122,10 @@ class SessionKey(ReadOnlyArrays):
             "notes": [{"note": note, "count": count, "share": share} for note, count, share in
                       zip(NOTES, self.note_counts.tolist(), self.note_shares.tolist())],
         }
+
+    def __repr__(self) -> str:
+        return (f"<SessionKey: {self.key} ({self.key.camelot}), {self.runner_up_distance:.1%} "
+                f"before {self.ranking[1][0]}>")
 
 
 def _scored(key: Key, score: float) -> dict[str, object]:

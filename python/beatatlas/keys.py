@@ -5,6 +5,8 @@ from __future__ import annotations
 
 from dataclasses import dataclass
 
+from ._arguments import whole
+
 _SHARPS = ("A", "A#", "B", "C", "C#", "D", "D#", "E", "F", "F#", "G", "G#")
 _FLATS = ("A", "Bb", "B", "C", "Db", "D", "Eb", "E", "F", "Gb", "G", "Ab")
 # The usual one of two names of a black key: fewer signs in the signature.
@@ -16,9 +18,9 @@ _GERMAN = {"A": "A", "A#": "Ais", "Bb": "B", "B": "H", "C": "C", "C#": "Cis", "D
 _SOLFEGE = {"A": "La", "B": "Si", "C": "Do", "D": "Re", "E": "Mi", "F": "Fa", "G": "Sol"}
 
 
-@dataclass(frozen=True)
+@dataclass(frozen=True, order=True, repr=False)
 class Key:
-    """One of the 24 major and minor keys.
+    """One of the 24 major and minor keys, in the order of their numbers.
 
     Attributes:
         number: 0 to 11: A, Bb, B … Ab major; 12 to 23: A, Bb, B … G# minor.
@@ -27,8 +29,8 @@ class Key:
     number: int
 
     def __post_init__(self) -> None:
-        if not 0 <= self.number < 24:
-            raise ValueError(f"there is no key {self.number}: 0 to 23")
+        # Of Python's own type: JSON takes no other.
+        object.__setattr__(self, "number", whole("number", self.number, 0, 23))
 
     @property
     def is_minor(self) -> bool:
@@ -94,3 +96,9 @@ class Key:
 
     def __str__(self) -> str:
         return self.name
+
+    def __format__(self, width: str) -> str:
+        return format(self.name, width)
+
+    def __repr__(self) -> str:
+        return f"<Key {self.number}: {self.name}, {self.camelot}>"

@@ -85,8 +85,31 @@ class ClusterTest(unittest.TestCase):
             next(beatatlas.dask.scan(None, ["a"], progress=print))
         with self.assertRaisesRegex(TypeError, "did you mean 'tempo'"):
             next(beatatlas.dask.scan(None, ["a"], tmpo="off"))
-        with self.assertRaises(ValueError):
+        with self.assertRaisesRegex(ValueError, "^in_flight must be a whole number"):
             next(beatatlas.dask.scan(None, ["a"], in_flight=0))
+        for no_list in ("track.wav", b"track.wav", Path("track.wav"), 3, None):
+            with self.assertRaisesRegex(TypeError, "^paths must be a list of names"):
+                next(beatatlas.dask.scan(None, no_list))  # type: ignore[arg-type]
+        with self.assertRaisesRegex(TypeError, "^client must be a distributed.Client, not 'tcp:"):
+            next(beatatlas.dask.scan("tcp://host:8786", ["a"]))
+
+    def test_options_that_mean_nothing_end_the_scan_without_being_tried_again(self) -> None:
+        with self.one_worker() as cluster, distributed.Client(cluster) as client:
+            # What a worker raises is logged there each time.
+            with self.assertRaisesRegex(AssertionError, "^no logs"):
+                with self.assertLogs("distributed.worker", "WARNING"):
+                    with self.assertRaisesRegex(ValueError, "^tempo must be one of"):
+                        list(beatatlas.dask.scan(client, ["a", "b"], tempo="quick"))
+
+    def test_a_name_of_nothing_is_a_missing_file(self) -> None:
+        with self.one_worker() as cluster, distributed.Client(cluster) as client:
+            (name, found), = beatatlas.dask.scan(client, [""])
+        self.assertEqual(name, "")
+        self.assertIsInstance(found, beatatlas.MissingFileError)
+
+    def one_worker(self) -> Any:
+        return distributed.LocalCluster(n_workers=1, threads_per_worker=1, processes=False,
+                                        dashboard_address=None)
 
 
 if __name__ == "__main__":

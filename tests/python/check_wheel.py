@@ -4,12 +4,15 @@
 
     check_wheel.py build FOLDER SOURCES [BUILD]
     check_wheel.py install FOLDER SOURCES PYTHON
+    check_wheel.py lack FOLDER SOURCES
 
 The first makes FOLDER/dist with pip, setuptools and wheel of this system alone, from a copy of the
-package, with the libraries of a CMake build or, without one, compiling them. The second installs that
-wheel for one Python and runs the package's tests there, which need BEATATLAS_TOOL and BEATATLAS_DEMO;
-it ends with 77 where there is no NumPy for that Python, after it has tried what goes without. NumPy is
-that of the system, for a Python of the same binary interface, or the one of BEATATLAS_WHEELS, a folder.
+package, with the libraries of a CMake build or, without one, compiling them. The second installs
+that wheel for one Python and runs the package's tests there, which need BEATATLAS_TOOL and
+BEATATLAS_DEMO; it ends with 77 where there is no NumPy for that Python, after it has tried what
+goes without. NumPy is that of the system, for a Python of the same binary interface, or the one of
+BEATATLAS_WHEELS, a folder. The third tries to make one without setuptools, CMake and so on: each
+time one sentence has to say what to install.
 """
 
 import json
@@ -63,17 +66,21 @@ def expect(what, found, expected):
 
 
 def build(folder, sources, libraries=None):
-    shutil.rmtree(folder, ignore_errors=True)
-    names = ["python"] if libraries else ["python", *needed(sources)]
-    for name in names:
-        place = sources / name
-        copy = shutil.copytree if place.is_dir() else shutil.copy2
-        (folder / "tree").mkdir(parents=True, exist_ok=True)
-        copy(place, folder / "tree" / name)
+    copy_tree(folder, sources, [] if libraries else needed(sources))
     environment = {"BEATATLAS_BUNDLE": libraries} if libraries else {}
     run(sys.executable, "-m", "pip", "wheel", "--no-build-isolation", "--no-deps", "-w",
         folder / "dist", folder / "tree/python", environment=environment)
     check_contents(wheel_in(folder), sources)
+
+
+def copy_tree(folder, sources, others):
+    """The package, which pip builds where it lies, and what else it takes."""
+    shutil.rmtree(folder, ignore_errors=True)
+    for name in ["python", *others]:
+        place = sources / name
+        copy = shutil.copytree if place.is_dir() else shutil.copy2
+        (folder / "tree").mkdir(parents=True, exist_ok=True)
+        copy(place, folder / "tree" / name)
 
 
 def needed(sources):
@@ -167,8 +174,10 @@ def check_package(own, place, sources, site):
     run(own, "-m", "pip", "check")
     where = run(own, "-c", "import beatatlas; print(beatatlas.__file__)").strip()
     expect("the module", where, str(site / "beatatlas/__init__.py"))
-    shutil.copy2(sources / "python/tests/test_beatatlas.py", place)
-    said = run(own, "-m", "unittest", "-q", "test_beatatlas.py", cwd=place)
+    # All but those with other packages that the wheel does not ask for.
+    others = shutil.ignore_patterns("test_dask.py", "test_pandas.py", "__pycache__")
+    shutil.copytree(sources / "python/tests", place / "tests", ignore=others)
+    said = run(own, "-m", "unittest", "discover", "-q", "-s", "tests", cwd=place)
     print(re.search(r"Ran \d+ tests.*", said).group(), "on NumPy",
           run(own, "-c", "import numpy; print(numpy.__version__)").strip())
 
@@ -185,11 +194,55 @@ def check_without_numpy(own, place, site):
            ["0", str(document["tracks"][0]["tempo"]["bpm"])])
 
 
+def lack(folder, sources):
+    copy_tree(folder, sources, needed(sources))
+    package = folder / "tree/python"
+
+    def refused(sentence, python, *words, **environment):
+        words = words or ("-m", "pip", "wheel", "--no-build-isolation", "--no-deps", "-w", folder,
+                          package)
+        said = run(python, *words, expects=1, cwd=package, environment=environment)
+        if not re.search(f"^ *beatatlas cannot be built: {sentence}", said, re.M):
+            sys.exit(f"{words} does not say: {sentence}\n{said}")
+        if "Traceback" in said:
+            sys.exit(f"{words} ends in a traceback\n{said}")
+
+    own = folder / "venv/bin/python"
+    run(sys.executable, "-m", "venv", folder / "venv")
+    python_packages = r".*apt-get install python3-pip python3-setuptools python3-wheel, .*$"
+    for module in ("wheel", "setuptools"):
+        run(own, "-m", "pip", "uninstall", "-y", module)
+        for words in ((), ("setup.py", "bdist_wheel"), ("setup.py", "sdist")):
+            refused(rf"{own} \(Python 3.*\) lacks {module}; {python_packages}", own, *words)
+    old = folder / "old/setuptools.py"
+    old.parent.mkdir()
+    old.write_text('__version__ = "58.1.0"')
+    refused(r".* has setuptools 58\.1\.0, which is older than 64; .*", sys.executable, "setup.py",
+            "sdist", PYTHONPATH=old.parent)
+    libraries = "on Debian 12: apt-get install g\\+\\+ cmake .*libavformat-dev .*$"
+    refused(f"there is no cmake; {libraries}", sys.executable, PATH=folder)
+    refused(f"CMake says above what it did not find; {libraries}", sys.executable,
+            PKG_CONFIG_LIBDIR=folder)
+    refused('BEATATLAS_BUNDLE must be "no" or the folder of a CMake build, and /nowhere has no',
+            sys.executable, BEATATLAS_BUNDLE="/nowhere")
+    check_advised(sources)
+
+
+def check_advised(sources):
+    """What is advised is what ./x installs, which has been tried."""
+    advised = re.findall(r"[\w.+-]+", " ".join(re.findall(
+        r'DEBIAN_\w+ = \(?([^=]*")\)?$', (sources / "python/build_backend.py").read_text(), re.M)))
+    installed = re.findall(r"[\w.+-]+", (sources / "x").read_text())
+    if len(advised) < 20:
+        sys.exit(f"only these packages are advised: {advised}")
+    expect("advised, but not installed by ./x", set(advised) - set(installed), set())
+
+
 def main():
     command, folder, sources, *words = sys.argv[1:]
     print(f"{command} on {platform.platform()}")
-    {"build": build, "install": install}[command](Path(folder).resolve(), Path(sources).resolve(),
-                                                  *words)
+    {"build": build, "install": install, "lack": lack}[command](
+        Path(folder).resolve(), Path(sources).resolve(), *words)
 
 
 main()
