@@ -130,7 +130,7 @@ private:
         for (const MetreReading& reading : answer_.metres)
             if (reading.period == best.period) level += reading.share;
         answer_.confidence.pulse = confidenceOfPulse(answer_.clarity);
-        answer_.confidence.level = confidenceOfLevel(level);
+        answer_.confidence.level = confidenceOfLevel(best.isLevelHeard ? level : 0.0);
         answer_.confidence.phase = confidenceOfPhase(best.share / level);
     }
 
