@@ -292,7 +292,7 @@ std::vector<MetreReading> judgeMetre(const MetreEvidence& evidence) {
     const bool isBare = bare != readings.end();
     if (isBare) keepPulses(readings, MetreReading(*bare));
     for (MetreReading& reading : readings) {
-        reading.isLevelHeard = !isBare;
+        reading.isHeard = !isBare;
         reading.features = isBare ? judge.featuresOfPulses(reading) : judge.featuresOf(reading);
     }
     rankByScore(readings, kMetreWeights);

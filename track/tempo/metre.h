@@ -22,8 +22,8 @@ struct MetreReading {
     double score = 0.0;
     /** Probability among all readings. */
     double share = 0.0;
-    /** False for a bare pulse: no sound says how many pulses a beat has. */
-    bool isLevelHeard = true;
+    /** False for a bare pulse: no sound says how many pulses a beat has, or a bar. */
+    bool isHeard = true;
 };
 
 /** The evidence by which the readings are judged. */

@@ -15,6 +15,7 @@
 namespace {
 
 using namespace beatatlas::test;
+using beatatlas::track::inner::confidenceOfBars;
 using beatatlas::track::inner::confidenceOfLevel;
 using beatatlas::track::inner::TempoAnswer;
 
@@ -124,6 +125,7 @@ void expectPulse(const TempoAnswer& answer, double bpm) {
     EXPECT_NEAR(answer.bpm, bpm, 0.05);
     EXPECT_GT(answer.confidence.pulse, 0.9);
     EXPECT_EQ(answer.confidence.level, confidenceOfLevel(0.0)) << "no sound tells the level";
+    EXPECT_EQ(answer.confidence.bars, confidenceOfBars(0.0)) << "nor where bars begin";
 }
 
 // A tick of 5 ms and a beep, which each have been read as 3/2, half and three times their tempo.
@@ -164,7 +166,7 @@ TEST(AutoTempo, HearsTheLevelOfKickAndHat) {
     plan.kickPattern = KickPattern::everyBeat;
     const TempoAnswer answer = tempoOf(44100, TrackSynth(plan).renderAll());
     EXPECT_NEAR(answer.bpm, 120.0, 0.05);
-    EXPECT_TRUE(answer.metres.front().isLevelHeard);
+    EXPECT_TRUE(answer.metres.front().isHeard);
 }
 
 TEST(AutoTempo, HearsTheSameAtBothRates) {
