@@ -115,7 +115,7 @@ public:
     }
 
     bool isBare(const MetreReading& reading) const {
-        return isBarePulse(onsets_, evidence_.line, reading.period, reading.phase,
+        return isBarePulse(evidence_.heard, evidence_.line, reading.period, reading.phase,
                            beatsOf(reading.period, reading.phase));
     }
 

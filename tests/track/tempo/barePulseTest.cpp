@@ -34,9 +34,12 @@ void accent(OnsetEnvelopes& onsets, Group group, std::size_t every, float level)
         onsets.level[onsets.frameAt(kTimes[k])][group] += level;
 }
 
-/** The first of every beat of the line. */
-bool isBare(const OnsetEnvelopes& onsets, int period = 12, int phase = 0) {
-    return isBarePulse(onsets, BeatLine(kTimes), period, phase, kBeats * 12 / period - 1);
+/** @param change  of the chords, from two seconds to the next two */
+bool isBare(const OnsetEnvelopes& onsets, int period = 12, int phase = 0, double change = 0.0) {
+    Evidence evidence;
+    evidence.onsets = onsets;
+    evidence.changes.means[ChordChanges::kTwo] = change;
+    return isBarePulse(evidence, BeatLine(kTimes), period, phase, kBeats * 12 / period - 1);
 }
 
 TEST(BarePulse, IsOneSoundOnEachBeat) {
@@ -53,6 +56,12 @@ TEST(BarePulse, HasNoOtherTempo) {
 
 TEST(BarePulse, IsNotSilence) {
     EXPECT_FALSE(isBare(onsetsOf({})));
+}
+
+// An arpeggio of even notes has no sound between them either.
+TEST(BarePulse, HasNoChordsThatChange) {
+    EXPECT_TRUE(isBare(onsetsOf(kTimes), 12, 0, 0.1));
+    EXPECT_FALSE(isBare(onsetsOf(kTimes), 12, 0, 0.2));
 }
 
 // One of sixty gaps is enough: music has a note there.
