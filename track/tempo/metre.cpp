@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Method: a list of possible readings, features of each, and a logistic model that weighs them.
-// A bare pulse is judged by its tempo alone: what chords, bands and lengths of notes say of a single
-// sound is chance, and could choose a reading with beats on which nothing sounds.
+// A bare pulse is judged by its tempo alone: what chords, bands and lengths of notes say of a
+// single sound is chance, and could choose a reading with beats on which nothing sounds.
 #include "track/tempo/metre.h"
 
 #include <algorithm>
