@@ -130,9 +130,12 @@ private:
         for (const MetreReading& reading : answer_.metres)
             if (reading.period == best.period) level += reading.share;
         answer_.confidence.pulse = confidenceOfPulse(answer_.clarity);
-        answer_.confidence.level = confidenceOfLevel(level);
+        answer_.confidence.level = confidenceOfLevel(isMetreHeard() ? level : 0.0);
         answer_.confidence.phase = confidenceOfPhase(best.share / level);
     }
+
+    /** Of a bare pulse, shares say nothing: they hold for music. */
+    bool isMetreHeard() const { return answer_.metres.front().isHeard; }
 
     void readBars() {
         answer_.stretches = findStretches(answer_.beats);
@@ -141,7 +144,7 @@ private:
                                      {secondsOf(sessions_.simple, Pick::downbeats),
                                       secondsOf(sessions_.varied, Pick::downbeats)},
                                      wishes_.beatsPerBar);
-            answer_.confidence.bars = confidenceOfBars(answer_.bars.share);
+            answer_.confidence.bars = confidenceOfBars(isMetreHeard() ? answer_.bars.share : 0.0);
         } else {
             answer_.bars = countFromFirst();
             answer_.confidence.bars = 0.0;  // resets the value from before the beats were halved

@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Method: a list of possible readings, features of each, and a logistic model that weighs them.
+// A bare pulse is judged by its tempo alone: what chords, bands and lengths of notes say of a
+// single sound is chance, and could choose a reading with beats on which nothing sounds.
 #include "track/tempo/metre.h"
 
 #include <algorithm>
@@ -8,6 +10,7 @@
 #include <cstdint>
 #include <span>
 
+#include "track/tempo/barePulse.h"
 #include "track/tempo/softmax.h"
 
 namespace beatatlas::track::inner {
@@ -19,6 +22,7 @@ constexpr double kSlowestBpm = 40.0;
 constexpr double kFastestBpm = 250.0;
 constexpr int kLeastBeats = 8;
 constexpr double kUsualBpm = 110.0;
+constexpr double kUsualBar = 4.0;              // beats
 constexpr double kHalfBarOfTwoSeconds = 30.0;  // tempo of a one-beat bar of two seconds, in BPM
 constexpr double kRatioFloor = 0.05;
 constexpr double kChangeFloor = 0.01;
@@ -98,11 +102,21 @@ public:
         rateTempo(reading.bpm, beatsPerBar);
         at(MetreFeature::variedVotes) = shareOn(variedPlaces_, reading);
         at(MetreFeature::simpleVotes) = shareOn(simplePlaces_, reading);
-        if (evidence_.firstOnset) {
-            const double place = evidence_.line.placeOf(*evidence_.firstOnset);
-            at(MetreFeature::firstOnset) = isOn(place, reading) ? 1.0 : 0.0;
-        }
+        rateFirstOnset(reading);
         return features_;
+    }
+
+    /** The features of beats that are pulses of a bare pulse. */
+    MetreFeatures featuresOfPulses(const MetreReading& reading) {
+        features_ = {};
+        rateTempo(reading.bpm, kUsualBar);
+        rateFirstOnset(reading);
+        return features_;
+    }
+
+    bool isBare(const MetreReading& reading) const {
+        return isBarePulse(evidence_.heard, evidence_.line, reading.period, reading.phase,
+                           beatsOf(reading.period, reading.phase));
     }
 
 private:
@@ -203,7 +217,7 @@ private:
         const double byThree = recurrence(local, 3);
         const double byFour = recurrence(local, 4);
         at(MetreFeature::barOfChords) = std::max(byThree, byFour);
-        return byThree > byFour + kTripleLead ? 3.0 : 4.0;
+        return byThree > byFour + kTripleLead ? 3.0 : kUsualBar;
     }
 
     double chordRatio(double onBeats, ChordChanges::Span span) const {
@@ -218,6 +232,12 @@ private:
         at(MetreFeature::barTempo) = barOctaves;
         at(MetreFeature::barTempoSquared) = barOctaves * barOctaves;
         at(MetreFeature::backbeatByTempo) = octaves * at(MetreFeature::backbeat);
+    }
+
+    void rateFirstOnset(const MetreReading& reading) {
+        if (!evidence_.firstOnset) return;
+        const double place = evidence_.line.placeOf(*evidence_.firstOnset);
+        at(MetreFeature::firstOnset) = isOn(place, reading) ? 1.0 : 0.0;
     }
 
     static bool isOn(double place, const MetreReading& reading) {
@@ -242,20 +262,38 @@ private:
     MetreFeatures features_{};
 };
 
+std::vector<MetreReading> possibleReadings(const MetreJudge& judge, double lineBpm) {
+    std::vector<MetreReading> readings;
+    for (const Period& period : kPeriods) {
+        const double bpm = lineBpm * kTwelfths / period.period;
+        if (bpm < kSlowestBpm || bpm > kFastestBpm) continue;
+        for (const int phase : std::span(period.phases.data(), period.count))
+            if (judge.beatsOf(period.period, phase) >= kLeastBeats)
+                readings.push_back({period.period, phase, bpm, {}, 0.0, 0.0});
+    }
+    return readings;
+}
+
+/** Leaves the pulse itself and the readings that count every second or third pulse. */
+void keepPulses(std::vector<MetreReading>& readings, const MetreReading& pulse) {
+    std::erase_if(readings, [&](const MetreReading& reading) {
+        return reading.period % pulse.period != 0 ||
+               (reading.phase - pulse.phase) % pulse.period != 0;
+    });
+}
+
 }  // namespace
 
 std::vector<MetreReading> judgeMetre(const MetreEvidence& evidence) {
     MetreJudge judge(evidence);
-    std::vector<MetreReading> readings;
-    for (const Period& period : kPeriods) {
-        const double bpm = evidence.bpm * kTwelfths / period.period;
-        if (bpm < kSlowestBpm || bpm > kFastestBpm) continue;
-        for (const int phase : std::span(period.phases.data(), period.count)) {
-            if (judge.beatsOf(period.period, phase) < kLeastBeats) continue;
-            MetreReading reading{period.period, phase, bpm, {}, 0.0, 0.0};
-            reading.features = judge.featuresOf(reading);
-            readings.push_back(reading);
-        }
+    std::vector<MetreReading> readings = possibleReadings(judge, evidence.bpm);
+    const auto bare = std::find_if(readings.begin(), readings.end(),
+                                   [&](const MetreReading& r) { return judge.isBare(r); });
+    const bool isBare = bare != readings.end();
+    if (isBare) keepPulses(readings, MetreReading(*bare));
+    for (MetreReading& reading : readings) {
+        reading.isHeard = !isBare;
+        reading.features = isBare ? judge.featuresOfPulses(reading) : judge.featuresOf(reading);
     }
     rankByScore(readings, kMetreWeights);
     return readings;

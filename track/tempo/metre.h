@@ -22,6 +22,8 @@ struct MetreReading {
     double score = 0.0;
     /** Probability among all readings. */
     double share = 0.0;
+    /** False for a bare pulse: no sound says how many pulses a beat has, or a bar. */
+    bool isHeard = true;
 };
 
 /** The evidence by which the readings are judged. */
@@ -34,7 +36,7 @@ struct MetreEvidence {
     std::optional<double> firstOnset;  // seconds
 };
 
-/** Judges every reading between 40 and 250 BPM.
+/** Judges every reading between 40 and 250 BPM; of a bare pulse, those whose beats are pulses.
  *  @return all readings, the best first; none if the line is too short for eight beats */
 std::vector<MetreReading> judgeMetre(const MetreEvidence& evidence);
 

@@ -15,6 +15,8 @@
 namespace {
 
 using namespace beatatlas::test;
+using beatatlas::track::inner::confidenceOfBars;
+using beatatlas::track::inner::confidenceOfLevel;
 using beatatlas::track::inner::TempoAnswer;
 
 TrackPlan planOf(int rate, double bpm, int seconds) {
@@ -95,6 +97,76 @@ TEST(AutoTempo, FindsTheFirstBeatsOfBars) {
         const double beats = (downbeat - 1.0 / 3.0) * 112.0 / 60.0;
         EXPECT_NEAR(beats / 4.0, std::round(beats / 4.0), 0.02) << downbeat;
     }
+}
+
+constexpr int kClickRate = 44100;
+
+/** A tone of `hz` that dies away within `seconds`. */
+std::vector<float> clickOf(double hz, double seconds, double peak) {
+    std::vector<float> tone =
+        sine(static_cast<std::size_t>(seconds * kClickRate), hz, kClickRate, peak);
+    for (std::size_t i = 0; i < tone.size(); ++i)
+        tone[i] *= 1.0F - static_cast<float>(i) / static_cast<float>(tone.size());
+    return tone;
+}
+
+/** A metronome: a sound on each beat, another on the first of each bar. */
+StereoTrack metronome(double bpm, const std::vector<float>& sound, const std::vector<float>& first,
+                      std::size_t perBar) {
+    std::vector<float> track = silence(std::size_t{kClickRate} * 30);
+    const std::vector<double> beats = evenTimes(0.0, 60.0 / bpm, 29.8);
+    for (std::size_t k = 0; k < beats.size(); ++k)
+        mixInto(track, k % perBar == 0 ? first : sound,
+                static_cast<std::size_t>(beats[k] * kClickRate + 0.5));
+    return inBothChannels(track);
+}
+
+void expectPulse(const TempoAnswer& answer, double bpm) {
+    EXPECT_NEAR(answer.bpm, bpm, 0.05);
+    EXPECT_GT(answer.confidence.pulse, 0.9);
+    EXPECT_EQ(answer.confidence.level, confidenceOfLevel(0.0)) << "no sound tells the level";
+    EXPECT_EQ(answer.confidence.bars, confidenceOfBars(0.0)) << "nor where bars begin";
+}
+
+// A tick of 5 ms and a beep, which each have been read as 3/2, half and three times their tempo.
+TEST(AutoTempo, TakesThePulseOfAMetronomeForItsBeat) {
+    const std::vector<float> tick = sine(220, 1000.0, kClickRate, 20000.0);
+    const std::vector<float> beep = clickOf(880.0, 0.06, 15000.0);
+    for (const double bpm : {45.0, 60.0, 75.0, 97.0, 120.0, 133.0, 160.0, 195.0}) {
+        SCOPED_TRACE(bpm);
+        expectPulse(tempoOf(kClickRate, metronome(bpm, tick, tick, 4)), bpm);
+        expectPulse(tempoOf(kClickRate, metronome(bpm, beep, beep, 4)), bpm);
+    }
+}
+
+TEST(AutoTempo, TakesThePulseOfAMetronomeWithAccentsForItsBeat) {
+    const std::vector<float> low = clickOf(1000.0, 0.03, 14000.0);
+    const std::vector<float> high = clickOf(1500.0, 0.03, 18000.0);
+    for (const double bpm : {50.0, 70.0, 105.0, 140.0, 190.0})
+        for (const std::size_t perBar : {3U, 4U}) {
+            SCOPED_TRACE(bpm);
+            expectPulse(tempoOf(kClickRate, metronome(bpm, low, high, perBar)), bpm);
+        }
+}
+
+// Faster than people count: every second pulse is a beat, on the first of them.
+TEST(AutoTempo, CountsEverySecondPulseOfAVeryFastMetronome) {
+    const std::vector<float> tick = sine(220, 1000.0, kClickRate, 20000.0);
+    const TempoAnswer answer = tempoOf(kClickRate, metronome(236.0, tick, tick, 4));
+    expectPulse(answer, 118.0);
+    EXPECT_NEAR(answer.beats.front(), 0.0, 0.01);
+    EXPECT_NEAR(answer.alternatives.front().tempoRatio, 2.0, 1e-9);
+}
+
+// Drums tell the level, though nothing sounds between the eighths.
+TEST(AutoTempo, HearsTheLevelOfKickAndHat) {
+    TrackPlan plan = planOf(44100, 120.0, 40);
+    plan.introFrames = 0;
+    plan.levels = {0.7, 0.0, 0.3, 0.0, 0.0};
+    plan.kickPattern = KickPattern::everyBeat;
+    const TempoAnswer answer = tempoOf(44100, TrackSynth(plan).renderAll());
+    EXPECT_NEAR(answer.bpm, 120.0, 0.05);
+    EXPECT_TRUE(answer.metres.front().isHeard);
 }
 
 TEST(AutoTempo, HearsTheSameAtBothRates) {

@@ -20,6 +20,7 @@ Evidence emptyEvidence() {
     evidence.seconds = kSeconds;
     const auto frames = static_cast<std::size_t>(kSeconds * 150.0) + 1;
     evidence.onsets.sharp.assign(frames, 0.0F);
+    evidence.onsets.full.assign(frames, 0.0F);
     evidence.onsets.strength.assign(frames, {});
     evidence.onsets.level.assign(frames, {});
     evidence.chroma.assign(400, Chroma{});
