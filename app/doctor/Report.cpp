@@ -2,6 +2,7 @@
 #include "doctor/Report.h"
 
 #include <algorithm>
+#include <clocale>
 #include <cstdlib>
 #include <utility>
 
@@ -37,11 +38,22 @@ std::string valueOf(const char* variable) {
     return value == nullptr ? "" : base::displayName(value);
 }
 
+/** Whether the system has this locale's rules for characters. */
+bool isInstalled(const char* name) {
+    const locale_t locale = newlocale(LC_CTYPE_MASK, name, locale_t{});
+    if (locale == locale_t{}) return false;
+    freelocale(locale);
+    return true;
+}
+
 /** The variable that decides over characters, by POSIX. */
 std::string localeText() {
-    for (const char* variable : {"LC_ALL", "LC_CTYPE", "LANG"})
-        if (const std::string value = valueOf(variable); !value.empty())
-            return fmt::format("{} ({})", value, variable);
+    for (const char* variable : {"LC_ALL", "LC_CTYPE", "LANG"}) {
+        const char* value = std::getenv(variable);
+        if (value == nullptr || *value == '\0') continue;
+        const char* rest = isInstalled(value) ? "" : "; not installed, so that C is in force";
+        return fmt::format("{} ({}){}", base::displayName(value), variable, rest);
+    }
     return "none";
 }
 

@@ -94,6 +94,20 @@ TEST(DoctorCommand, FindsAFaultInTheSettingsOfAnyCommand) {
     EXPECT_THAT(wrong.out, HasSubstr("config.ini:3"));
 }
 
+/** What a report in JSON says of a subject. */
+std::string factOf(const ToolRun& run, const std::string& subject) {
+    const auto document = nlohmann::json::parse(run.out);
+    for (const auto& fact : document.at("facts"))
+        if (fact.at("subject") == subject) return fact.at("text");
+    return "not told";
+}
+
+TEST(DoctorCommand, TellsALocaleThatIsSetFromOneThatIsInForce) {
+    EXPECT_EQ(factOf(doctorWith({{"LC_ALL", "C.UTF-8"}}), "locale"), "C.UTF-8 (LC_ALL)");
+    EXPECT_EQ(factOf(doctorWith({{"LC_ALL", ""}, {"LC_CTYPE", "xx_YY.UTF-8"}}), "locale"),
+              "xx_YY.UTF-8 (LC_CTYPE); not installed, so that C is in force");
+}
+
 TEST(DoctorCommand, MeasuresTheMachineInWhichItRuns) {
     const auto document = nlohmann::json::parse(runTool({"doctor", "--json"}).out);
     for (const auto& fact : document.at("facts")) {
