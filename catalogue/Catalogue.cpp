@@ -227,6 +227,13 @@ bool isFileOf(const std::string& catalogue, const std::string& path) {
            rest == ".lock";
 }
 
+std::string Catalogue::structuralFault() const {
+    return guarded(path_, [&] {
+        const std::string verdict = database_->execAndGet("PRAGMA quick_check(1)").getString();
+        return verdict == "ok" ? std::string() : verdict;
+    });
+}
+
 void Catalogue::requireInPlace() const {
     int hasMoved = 0;
     sqlite3_file_control(database_->getHandle(), "main", SQLITE_FCNTL_HAS_MOVED, &hasMoved);

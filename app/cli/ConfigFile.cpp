@@ -173,6 +173,13 @@ void ConfigFile::applyTo(CLI::App& program, const std::vector<std::string>& word
     }
 }
 
+std::vector<std::string> ConfigFile::valuesOf(const std::string& option) const {
+    std::vector<std::string> values;
+    for (const Setting& setting : settings_)
+        if (setting.name == option) values.push_back(setting.value);
+    return values;
+}
+
 void ConfigFile::apply(CLI::Option& option, const Setting& setting) const {
     std::string value = guarded(setting.value);
     if (option.get_expected_max() == 0) {

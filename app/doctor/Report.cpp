@@ -15,6 +15,7 @@
 #include "cli/processors.h"
 #include "cli/toolVersion.h"
 #include "doctor/buildFacts.h"
+#include "doctor/catalogueCheck.h"
 #include "doctor/libraries.h"
 #include "doctor/machine.h"
 #include "doctor/selfCheck.h"
@@ -97,6 +98,8 @@ std::vector<Check> checksHere(const std::vector<Library>& libraries) {
     std::vector<Check> checks = {checkLibraries(libraries), checkDecoders(usualFormats()),
                                  checkFonts(), checkSettings(usersOwnSettings()),
                                  checkTemporaryFolder(media::temporaryFolder())};
+    for (const std::string& path : cataloguesInUse(usersOwnSettings()))
+        checks.push_back(checkCatalogue(path));
     for (Check& check : checkOnKnownTrack()) checks.push_back(std::move(check));
     return checks;
 }

@@ -6,6 +6,8 @@
 set -uo pipefail
 program=$1
 ulimit -c 0
+# The tester's own are none of the test's business.
+export XDG_CONFIG_HOME=/nonexistent XDG_DATA_HOME=/nonexistent
 log=$(mktemp)
 trap 'rm -f "$log"' EXIT
 reports=0 failures=0
