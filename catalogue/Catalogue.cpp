@@ -230,7 +230,8 @@ bool isFileOf(const std::string& catalogue, const std::string& path) {
 std::string Catalogue::structuralFault() const {
     return guarded(path_, [&] {
         const std::string verdict = database_->execAndGet("PRAGMA quick_check(1)").getString();
-        return verdict == "ok" ? std::string() : verdict;
+        // A heading above it names the one database that there is.
+        return verdict == "ok" ? std::string() : verdict.substr(verdict.rfind('\n') + 1);
     });
 }
 
