@@ -20,6 +20,9 @@ struct ListedTrack {
     std::optional<int> key;
     /** Of tempo or key, whichever is less certain, 0 to 1. */
     std::optional<double> confidence;
+    /** What that confidence is of: nothing where there is none. */
+    enum class Part { tempo, key };
+    std::optional<Part> leastSure;
     bool isCorrected = false;
     /** The file is no longer where it was. */
     bool isGone = false;

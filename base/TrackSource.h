@@ -49,6 +49,8 @@ struct Overload {
     /** NaN and infinite samples, analysed as silence. */
     std::int64_t notNumbers = 0;
 
+    bool isAny() const { return clipped > 0 || notNumbers > 0; }
+
     /** Lossy decoders and rate converters exceed full scale now and then, by so little that
      *  clipping it is inaudible. */
     bool isTooLoud() const {

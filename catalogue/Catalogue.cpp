@@ -227,6 +227,14 @@ bool isFileOf(const std::string& catalogue, const std::string& path) {
            rest == ".lock";
 }
 
+std::string Catalogue::structuralFault() const {
+    return guarded(path_, [&] {
+        const std::string verdict = database_->execAndGet("PRAGMA quick_check(1)").getString();
+        // A heading above it names the one database that there is.
+        return verdict == "ok" ? std::string() : verdict.substr(verdict.rfind('\n') + 1);
+    });
+}
+
 void Catalogue::requireInPlace() const {
     int hasMoved = 0;
     sqlite3_file_control(database_->getHandle(), "main", SQLITE_FCNTL_HAS_MOVED, &hasMoved);

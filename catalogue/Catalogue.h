@@ -43,6 +43,11 @@ public:
      *  written into it from then on. @throws CatalogueError when that has happened */
     void requireInPlace() const;
 
+    /** Looks through the whole file: a second and a half for a gigabyte that is in memory.
+     *  @return what is wrong with its structure, in SQLite's words; empty where nothing is
+     *  @throws CatalogueError where the file cannot even be read */
+    std::string structuralFault() const;
+
     /** For the classes of this room. */
     SQLite::Database& database() const { return *database_; }
 

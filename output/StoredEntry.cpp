@@ -6,6 +6,7 @@
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
 
+#include "output/fileWarnings.h"
 #include "output/textFormat.h"
 #include "output/textParts.h"
 #include "output/textSummary.h"
@@ -39,6 +40,7 @@ std::string StoredEntry::text() const {
     if (!report_.corrections.empty()) text += textLine("by hand", handText());
     text += textLine("analysed", fmt::format("{} by {}, {}", dateText(note_.madeAt),
                                              note_.toolVersion, note_.parameters));
+    for (const std::string& warning : fileWarnings(report_)) text += textLine("warning", warning);
     if (note_.isGone) text += textLine("gone", "the file is no longer there");
     return text;
 }

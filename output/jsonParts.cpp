@@ -2,6 +2,7 @@
 #include "output/jsonParts.h"
 
 #include <array>
+#include <cmath>
 
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
@@ -36,6 +37,15 @@ Json gapsJson(const std::vector<base::Gap>& gaps) {
     for (const base::Gap& gap : gaps)
         json.push_back({{"start", gap.start}, {"length", gap.length}});
     return json;
+}
+
+/** JSON has no infinity: the peak is then null. */
+Json overloadJson(const base::Overload& overload) {
+    return {{"samples", overload.heard},
+            {"clipped", overload.clipped},
+            {"peak", std::isfinite(overload.peak) ? Json(overload.peak) : Json(nullptr)},
+            {"notNumbers", overload.notNumbers},
+            {"tooLoud", overload.isTooLoud()}};
 }
 
 Json originJson(const base::TrackSource& file, const TimeOrigin& origin) {
@@ -136,6 +146,7 @@ Json trackFileJson(const base::TrackSource& file, std::int64_t frames, const Tim
     track["gaps"] = gapsJson(file.gaps);
     track["lacksEnd"] = file.lacksEnd;
     track["formatChanges"] = file.format.changes;
+    if (file.overload.isAny()) track["overload"] = overloadJson(file.overload);
     track["origin"] = originJson(file, origin);
     track["sampleRate"] = file.format.sessionRate;
     track["frames"] = frames;

@@ -13,8 +13,13 @@ namespace output {
 
 namespace {
 
-// Less than the duration of a sample: 0.29 s times 100 must not become 28 hundredths.
-constexpr double kRoundingSlack = 1e-6;
+// Thirty thousand years; what a damaged catalogue may hold beyond is shown as this.
+constexpr double kLongestSeconds = 1e12;
+
+/** To the nearest, so that 59.996 s are a minute. @param perSecond  units in a second */
+std::int64_t roundedUnits(double seconds, int perSecond) {
+    return std::llround(std::min(std::max(0.0, seconds), kLongestSeconds) * perSecond);
+}
 
 std::string hoursMinutesSeconds(std::int64_t seconds) {
     const std::int64_t minutes = seconds / 60;
@@ -25,14 +30,12 @@ std::string hoursMinutesSeconds(std::int64_t seconds) {
 }  // namespace
 
 std::string clockTime(double seconds) {
-    const auto hundredths =
-        static_cast<std::int64_t>(std::floor(std::max(0.0, seconds) * 100.0 + kRoundingSlack));
+    const std::int64_t hundredths = roundedUnits(seconds, 100);
     return fmt::format("{}.{:02}", hoursMinutesSeconds(hundredths / 100), hundredths % 100);
 }
 
 std::string clockTimeInSeconds(double seconds) {
-    return hoursMinutesSeconds(
-        static_cast<std::int64_t>(std::floor(std::max(0.0, seconds) + kRoundingSlack)));
+    return hoursMinutesSeconds(roundedUnits(seconds, 1));
 }
 
 std::string grouped(std::int64_t number) {

@@ -6,11 +6,11 @@
 
 namespace output {
 
-/** A length or a time in a track: "3:07.25", "1:03:07.25". Truncated to hundredths, not rounded: a
- *  beat is never shown later than it is. Negative values count as 0. */
+/** A length or a time in a track: "3:07.25", "1:03:07.25". Rounded to hundredths: 59.996 s are
+ *  "1:00.00". Negative values count as 0. */
 std::string clockTime(double seconds);
 
-/** As clockTime without the hundredths: "3:07". */
+/** As clockTime, rounded to seconds: "3:07". */
 std::string clockTimeInSeconds(double seconds);
 
 /** A count with thousands separators: "8,487,045". */

@@ -90,6 +90,12 @@ std::optional<bool> switchOf(const std::string& value) {
 }
 
 std::string contentOf(const std::string& path) {
+    // A pipe to which nobody writes would be waited for without end.
+    std::error_code ignored;
+    const std::filesystem::file_status status = std::filesystem::status(path, ignored);
+    if (std::filesystem::exists(status) && !std::filesystem::is_regular_file(status))
+        throw base::UsageError(base::displayName(path) +
+                               " is not a regular file: settings are read from no other");
     std::ifstream file(path, std::ios::binary);
     if (!file)
         throw base::UsageError(base::displayName(path) +
@@ -165,6 +171,13 @@ void ConfigFile::applyTo(CLI::App& program, const std::vector<std::string>& word
         CLI::Option* option = optionOf(command, setting.name);
         if (option != nullptr && !isExcluded(*option, words)) apply(*option, setting);
     }
+}
+
+std::vector<std::string> ConfigFile::valuesOf(const std::string& option) const {
+    std::vector<std::string> values;
+    for (const Setting& setting : settings_)
+        if (setting.name == option) values.push_back(setting.value);
+    return values;
 }
 
 void ConfigFile::apply(CLI::Option& option, const Setting& setting) const {

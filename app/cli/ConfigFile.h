@@ -32,6 +32,9 @@ public:
      *          takes no such value */
     void applyTo(CLI::App& program, const std::vector<std::string>& words) const;
 
+    /** What an option is given, for any command, in the order of the file. */
+    std::vector<std::string> valuesOf(const std::string& option) const;
+
 private:
     struct Setting {
         int line;

@@ -56,8 +56,10 @@ void ListCommand::declareForm(CLI::App& arguments) {
     arguments.add_flag("--failed", isFailed_,
                        "instead: the files of music that could not be analysed, and why");
     arguments
-        .add_option("--format", format_,
-                    "table (default), jsonl: one JSON object a line, csv, or m3u8: a playlist")
+        .add_option(
+            "--format", format_,
+            "table (default), jsonl: one JSON object a line, csv, or m3u8: a playlist; all but\n"
+            "m3u8 name what is least sure, tempo or key, and how sure it is: 0 to 1")
         ->transform(oneOf(formats()))
         ->option_text("FORMAT");
     addKeyNotation(arguments, keyNotation_);

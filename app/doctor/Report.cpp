@@ -2,6 +2,7 @@
 #include "doctor/Report.h"
 
 #include <algorithm>
+#include <clocale>
 #include <cstdlib>
 #include <utility>
 
@@ -14,6 +15,7 @@
 #include "cli/processors.h"
 #include "cli/toolVersion.h"
 #include "doctor/buildFacts.h"
+#include "doctor/catalogueCheck.h"
 #include "doctor/libraries.h"
 #include "doctor/machine.h"
 #include "doctor/selfCheck.h"
@@ -37,11 +39,22 @@ std::string valueOf(const char* variable) {
     return value == nullptr ? "" : base::displayName(value);
 }
 
+/** Whether the system has this locale's rules for characters. */
+bool isInstalled(const char* name) {
+    const locale_t locale = newlocale(LC_CTYPE_MASK, name, locale_t{});
+    if (locale == locale_t{}) return false;
+    freelocale(locale);
+    return true;
+}
+
 /** The variable that decides over characters, by POSIX. */
 std::string localeText() {
-    for (const char* variable : {"LC_ALL", "LC_CTYPE", "LANG"})
-        if (const std::string value = valueOf(variable); !value.empty())
-            return fmt::format("{} ({})", value, variable);
+    for (const char* variable : {"LC_ALL", "LC_CTYPE", "LANG"}) {
+        const char* value = std::getenv(variable);
+        if (value == nullptr || *value == '\0') continue;
+        const char* rest = isInstalled(value) ? "" : "; not installed, so that C is in force";
+        return fmt::format("{} ({}){}", base::displayName(value), variable, rest);
+    }
     return "none";
 }
 
@@ -85,6 +98,8 @@ std::vector<Check> checksHere(const std::vector<Library>& libraries) {
     std::vector<Check> checks = {checkLibraries(libraries), checkDecoders(usualFormats()),
                                  checkFonts(), checkSettings(usersOwnSettings()),
                                  checkTemporaryFolder(media::temporaryFolder())};
+    for (const std::string& path : cataloguesInUse(usersOwnSettings()))
+        checks.push_back(checkCatalogue(path));
     for (Check& check : checkOnKnownTrack()) checks.push_back(std::move(check));
     return checks;
 }

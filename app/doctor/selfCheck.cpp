@@ -132,6 +132,8 @@ std::vector<Check> checkOnKnownTrack() {
         return compared(MemoryFile(KnownTrack::waveFile()));
     } catch (const std::runtime_error& error) {
         return {{"analysis", Outcome::failed, error.what()}};
+    } catch (const std::bad_alloc&) {
+        return {{"analysis", Outcome::failed, "there is not enough memory"}};
     }
 }
 

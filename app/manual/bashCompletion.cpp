@@ -38,42 +38,85 @@ _beatatlas_offer() {
     done
 }
 
-# Readline is to quote what was found, and to put a slash behind folders.
-_beatatlas_quote() {
+# Sets `plain` to what a word means, without its quotes.
+_beatatlas_unquote() {
+    local rest=$1 quote= char
+    plain=
+    while [[ -n $rest ]]; do
+        char=${rest:0:1} rest=${rest:1}
+        if [[ $char == \\ && $quote != "'" ]]; then
+            [[ $quote == '"' && $rest != [\"\\\$\`]* ]] && plain+=$char
+            plain+=${rest:0:1} rest=${rest:1}
+        elif [[ $char == "$quote" ]]; then
+            quote=
+        elif [[ -z $quote && $char == [\"\'] ]]; then
+            quote=$char
+        else
+            plain+=$char
+        fi
+    done
+}
+
+# Prints the files and folders whose names begin so, with a zero byte behind each: compgen puts a
+# line feed there, which a name may hold.
+_beatatlas_begun() (
+    unset GLOBIGNORE
+    set +f
+    shopt -s nullglob dotglob
+    shopt -u failglob nocaseglob
+    [[ $(bind -v 2>/dev/null) == *"completion-ignore-case on"* ]] && shopt -s nocaseglob
+    local -a names=("$1"*)
+    ((${#names[@]} == 0)) || printf '%s\0' "${names[@]}"
+)
+
+# Sets `names` to the files and folders that the current word begins, as it writes them, and
+# `prefix` and `home` to the tilde that stands there and what it means.
+_beatatlas_names() {
+    local plain
+    prefix= home=
+    _beatatlas_unquote "$current"
+    if [[ $current =~ ^(~[[:alnum:]._-]*)/ ]]; then
+        prefix=${BASH_REMATCH[1]}
+        eval "home=$prefix"
+        plain=$home${plain#"$prefix"}
+    fi
+    mapfile -t -d '' names < <(_beatatlas_begun "$plain")
+    # Readline is to quote what was found, and to put a slash behind folders.
     compopt -o filenames 2>/dev/null || :
 }
 
 # Offers folders and the files with one of the endings; any files where there are none.
 _beatatlas_files() {
-    local endings=" $* " name ending typed=$current
-    local -a others=()
-    typed=${typed#[\"\']}
-    typed=${typed//\\/}
-    while IFS= read -r name; do
+    local endings=" $* " prefix home name ending
+    local -a names=() others=()
+    _beatatlas_names
+    for name in "${names[@]}"; do
         ending=${name##*.}
-        if [[ -d ${name/#\~\//$HOME/} || $endings == *" ${ending,,} "* ]]; then
-            COMPREPLY+=("$name")
+        if [[ -d $name || $endings == *" ${ending,,} "* ]]; then
+            COMPREPLY+=("$prefix${name#"$home"}")
         else
-            others+=("$name")
+            others+=("$prefix${name#"$home"}")
         fi
-    done < <(compgen -f -- "$typed")
+    done
     ((${#COMPREPLY[@]})) || COMPREPLY=("${others[@]}")
-    _beatatlas_quote
 }
 
 _beatatlas_folders() {
-    local name
-    while IFS= read -r name; do
-        COMPREPLY+=("$name")
-    done < <(compgen -d -- "$current")
-    _beatatlas_quote
+    local prefix home name
+    local -a names=()
+    _beatatlas_names
+    for name in "${names[@]}"; do
+        if [[ -d $name ]]; then
+            COMPREPLY+=("$prefix${name#"$home"}")
+        fi
+    done
 }
 )";
 
 constexpr const char* kMain = R"(
 _beatatlas() {
     local -a words=() options=()
-    local kept= current= index isName=
+    local kept= current= plain= index isName=
     COMPREPLY=()
     _beatatlas_words
     current=${words[-1]}
@@ -97,9 +140,11 @@ _beatatlas() {
             _beatatlas_name "${words[1]}" || _beatatlas_offer "${options[@]}"
         fi
     fi
-    # A name keeps what stands before the last colon.
-    if [[ $kept == *:* ]]; then
-        COMPREPLY=("${COMPREPLY[@]#"${kept#*=}"}")
+    # Of a name, what stands before the last '=' or ':' stays.
+    [[ -z $isName && $kept == --*=* ]] && kept=${kept#*=}
+    if [[ -n $kept ]]; then
+        _beatatlas_unquote "$kept"
+        COMPREPLY=("${COMPREPLY[@]#"$plain"}")
     fi
 }
 

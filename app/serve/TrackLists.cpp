@@ -47,6 +47,11 @@ Json numberJson(const std::optional<double>& number) {
     return number ? Json(*number) : Json(nullptr);
 }
 
+Json leastSureJson(const std::optional<base::ListedTrack::Part>& part) {
+    if (!part) return nullptr;
+    return *part == base::ListedTrack::Part::tempo ? "tempo" : "key";
+}
+
 Json trackJson(const base::ListedTrack& track) {
     return {{"id", track.id},
             {"file", base::displayName(track.path)},
@@ -56,6 +61,7 @@ Json trackJson(const base::ListedTrack& track) {
             {"bpm", numberJson(track.bpm)},
             {"key", keyJson(track.key)},
             {"confidence", numberJson(track.confidence)},
+            {"leastSure", leastSureJson(track.leastSure)},
             {"corrected", track.isCorrected},
             {"gone", track.isGone}};
 }

@@ -123,7 +123,7 @@ std::string listText(const Ids& ids) {
 }
 
 constexpr const char* kListed = "SELECT t.id, t.path, t.artist, t.title, t.seconds, t.bpm, t.key, "
-                                "t.confidence, t.is_corrected, t.is_gone FROM ";
+                                "t.confidence, t.is_corrected, t.is_gone, t.result_id FROM ";
 
 /** @param columns  "SELECT … FROM ", of a row t of tracks */
 SqlPart statementOf(const Catalogue& catalogue, const TrackQuery& query, const char* columns) {
@@ -143,7 +143,7 @@ SqlPart statementOf(const Catalogue& catalogue, const TrackQuery& query, const c
     return sql;
 }
 
-base::ListedTrack trackOf(const SQLite::Statement& row) {
+base::ListedTrack columnsOf(const SQLite::Statement& row) {
     base::ListedTrack track;
     track.id = row.getColumn(0).getInt64();
     track.path = row.getColumn(1).getString();
@@ -155,6 +155,37 @@ base::ListedTrack trackOf(const SQLite::Statement& row) {
     track.confidence = realOf(row, 7);
     track.isCorrected = row.getColumn(8).getInt() != 0;
     track.isGone = row.getColumn(9).getInt() != 0;
+    return track;
+}
+
+/** Finds what the confidence of a listed track is of. It is the smaller one of two, to the bit, and
+ *  what somebody corrected is certain: so it is the key's where it equals the one that was found of
+ *  the key, and else the tempo's. Asked of the rows that are shown alone: the rows that are sorted
+ *  may be thousands. */
+class LeastSure {
+public:
+    explicit LeastSure(const Catalogue& catalogue)
+        : statement_(catalogue.database(), "SELECT tempo_confidence IS NULL OR key_confidence = ?2 "
+                                           "FROM results WHERE id = ?1") {}
+
+    /** @param row  of kListed */
+    std::optional<base::ListedTrack::Part> of(const SQLite::Statement& row) {
+        if (row.isColumnNull(7) || row.isColumnNull(10)) return std::nullopt;
+        const ResetAfter reset(statement_);
+        statement_.bind(1, row.getColumn(10).getInt64());
+        statement_.bind(2, row.getColumn(7).getDouble());
+        if (!statement_.executeStep()) return std::nullopt;
+        using Part = base::ListedTrack::Part;
+        return statement_.getColumn(0).getInt() != 0 ? Part::key : Part::tempo;
+    }
+
+private:
+    SQLite::Statement statement_;
+};
+
+base::ListedTrack trackOf(const SQLite::Statement& row, LeastSure& leastSure) {
+    base::ListedTrack track = columnsOf(row);
+    track.leastSure = leastSure.of(row);
     return track;
 }
 
@@ -174,7 +205,8 @@ void listTracks(const Catalogue& catalogue, const TrackQuery& query,
         const SqlPart sql = statementOf(catalogue, query, kListed);
         SQLite::Statement statement(catalogue.database(), sql.text());
         sql.bindTo(statement);
-        while (statement.executeStep()) show(trackOf(statement));
+        LeastSure leastSure(catalogue);
+        while (statement.executeStep()) show(trackOf(statement, leastSure));
     });
 }
 
@@ -194,10 +226,11 @@ void listChosen(const Catalogue& catalogue, const std::vector<std::int64_t>& ids
     guarded(catalogue.path(), [&] {
         const std::string sql = fmt::format("{}tracks t WHERE t.id = ?", kListed);
         SQLite::Statement statement(catalogue.database(), sql);
+        LeastSure leastSure(catalogue);
         for (const std::int64_t id : ids) {
             const ResetAfter reset(statement);
             statement.bind(1, id);
-            if (statement.executeStep()) show(trackOf(statement));
+            if (statement.executeStep()) show(trackOf(statement, leastSure));
         }
     });
 }

@@ -25,19 +25,24 @@ using Json = nlohmann::ordered_json;
 constexpr int kConfidencePlaces = 4;
 constexpr int kSecondsPlaces = 6;
 
+/** What the confidence is of; "" where there is none. */
+std::string leastSureName(const base::ListedTrack& entry) {
+    if (!entry.leastSure) return {};
+    return *entry.leastSure == base::ListedTrack::Part::tempo ? "tempo" : "key";
+}
+
 class TableList : public ListWriter {
 public:
     TableList(TextSink write, const std::optional<KeyNotation>& notation)
         : write_(std::move(write)), notation_(notation) {}
 
-    void beginTracks() override { write_(line("BPM", "Key", "Length", "Sure", "", "File")); }
+    void beginTracks() override { write_(line("BPM", "Key", "Length", "Least sure", "", "File")); }
 
     void add(const base::ListedTrack& entry) override {
         write_(line(entry.bpm ? bpmText(*entry.bpm) : "-",
                     entry.key ? shortKeyName(*entry.key, notation_) : "-",
-                    clockTimeInSeconds(entry.seconds),
-                    entry.confidence ? fmt::format("{:.2f}", *entry.confidence) : "-",
-                    remarkOn(entry), base::displayName(entry.path)));
+                    clockTimeInSeconds(entry.seconds), sureText(entry), remarkOn(entry),
+                    base::displayName(entry.path)));
     }
 
     void add(const base::ListedFailure& entry) override {
@@ -50,8 +55,14 @@ private:
     static std::string line(const std::string& bpm, const std::string& key,
                             const std::string& length, const std::string& sure,
                             const std::string& remark, const std::string& file) {
-        return fmt::format("{:>7}  {:<14}  {:>8}  {:>4}  {:<9}  {}\n", bpm, key, length, sure,
+        return fmt::format("{:>7}  {:<14}  {:>8}  {:>10}  {:<9}  {}\n", bpm, key, length, sure,
                            remark, file);
+    }
+
+    /** "key 0.88" */
+    static std::string sureText(const base::ListedTrack& entry) {
+        if (!entry.confidence) return "-";
+        return fmt::format("{} {:.2f}", leastSureName(entry), *entry.confidence);
     }
 
     static std::string remarkOn(const base::ListedTrack& entry) {
@@ -77,6 +88,7 @@ public:
         json["confidence"] = entry.confidence ? Json(*entry.confidence) : Json(nullptr);
         json["corrected"] = entry.isCorrected;
         json["gone"] = entry.isGone;
+        json["leastSure"] = entry.leastSure ? Json(leastSureName(entry)) : Json(nullptr);
         write_(json.dump() + "\n");
     }
 
@@ -97,7 +109,8 @@ public:
     explicit CsvList(TextSink write) : write_(std::move(write)) {}
 
     void beginTracks() override {
-        write_("file,artist,title,seconds,bpm,key,camelot,confidence,corrected,gone\r\n");
+        write_(
+            "file,artist,title,seconds,bpm,key,camelot,confidence,corrected,gone,least_sure\r\n");
     }
 
     void add(const base::ListedTrack& entry) override {
@@ -107,7 +120,7 @@ public:
                   entry.key ? KeyName(*entry.key).musical() : "",
                   entry.key ? KeyName(*entry.key).camelot() : "",
                   entry.confidence ? shortNumber(*entry.confidence, kConfidencePlaces) : "",
-                  entry.isCorrected ? "1" : "0", entry.isGone ? "1" : "0"});
+                  entry.isCorrected ? "1" : "0", entry.isGone ? "1" : "0", leastSureName(entry)});
     }
 
     void beginFailures() override { write_("file,error,kind,attempts\r\n"); }

@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "output/textFormat.h"
 
+#include <cmath>
+#include <limits>
+
 #include <gtest/gtest.h>
 
 namespace output {
@@ -14,10 +17,30 @@ TEST(textFormat, TellsTimesAsAClockDoes) {
     EXPECT_EQ(clockTime(36061.5), "10:01:01.50");
 }
 
-TEST(textFormat, CutsTimesToHundredths) {
-    EXPECT_EQ(clockTime(59.999), "0:59.99");
-    EXPECT_EQ(clockTime(0.29), "0:00.29");
-    EXPECT_EQ(clockTimeInSeconds(59.999), "0:59");
+TEST(textFormat, RoundsTimesToTheNearest) {
+    EXPECT_EQ(clockTime(0.187), "0:00.19");
+    EXPECT_EQ(clockTime(0.184), "0:00.18");
+    EXPECT_EQ(clockTime(0.125), "0:00.13") << "just between: up, as in decimal notation";
+    EXPECT_EQ(clockTime(0.29), "0:00.29") << "0.28999... in binary";
+    EXPECT_EQ(clockTimeInSeconds(7.49), "0:07");
+    EXPECT_EQ(clockTimeInSeconds(7.5), "0:08");
+}
+
+TEST(textFormat, CarriesIntoMinutesAndHours) {
+    EXPECT_EQ(clockTime(59.994), "0:59.99");
+    EXPECT_EQ(clockTime(59.996), "1:00.00");
+    EXPECT_EQ(clockTime(3599.996), "1:00:00.00");
+    EXPECT_EQ(clockTimeInSeconds(59.5), "1:00");
+    EXPECT_EQ(clockTimeInSeconds(3599.5), "1:00:00");
+}
+
+// A damaged catalogue may hold any number.
+TEST(textFormat, HasAnAnswerForEveryNumber) {
+    const double infinite = std::numeric_limits<double>::infinity();
+    EXPECT_EQ(clockTime(std::nan("")), "0:00.00");
+    EXPECT_EQ(clockTime(-infinite), "0:00.00");
+    EXPECT_EQ(clockTime(infinite), clockTime(1e12));
+    EXPECT_EQ(clockTimeInSeconds(1e300), clockTimeInSeconds(1e12));
 }
 
 TEST(textFormat, TakesTimesBeforeTheTrackAsItsBeginning) {

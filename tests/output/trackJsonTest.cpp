@@ -42,6 +42,26 @@ TEST(trackJson, TellsWhatIsWrongWithTheFile) {
     EXPECT_EQ(track["formatChanges"], true);
 }
 
+TEST(trackJson, TellsOfSamplesThatCouldNotBeAnalysedUnchanged) {
+    TrackReport report = test::exampleReport();
+    EXPECT_FALSE(trackJson(report, false).contains("overload"));
+    report.overload = {1000, 11, 1.25F, 0};
+    EXPECT_EQ(trackJson(report, false)["overload"], (Json{{"samples", 1000},
+                                                          {"clipped", 11},
+                                                          {"peak", 1.25},
+                                                          {"notNumbers", 0},
+                                                          {"tooLoud", true}}))
+        << "more than one sample in a hundred";
+    report.overload = {1000, 1, std::numeric_limits<float>::infinity(), 2};
+    EXPECT_EQ(trackJson(report, false)["overload"]["peak"], nullptr) << "JSON has no infinity";
+    report.overload = {1000, 0, 0.0F, 2};
+    EXPECT_EQ(trackJson(report, false)["overload"], (Json{{"samples", 1000},
+                                                          {"clipped", 0},
+                                                          {"peak", 0.0},
+                                                          {"notNumbers", 2},
+                                                          {"tooLoud", false}}));
+}
+
 TEST(trackJson, TellsEveryBeatWithItsPlaceAndTempo) {
     TrackReport report = test::exampleReport();
     report.options.tempo = beatatlas::track::TempoMode::constant;

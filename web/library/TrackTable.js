@@ -8,7 +8,7 @@ import { drawStrip } from './Strips.js';
 const kMore = 4;  // rows beyond both ends of what is seen
 
 const kColumns = [['', null], ['Track', 'title'], ['', null], ['BPM', 'bpm'], ['Key', 'key'],
-    ['Length', 'length'], ['Sure', 'confidence'], ['', null]];
+    ['Length', 'length'], ['Least sure', 'confidence'], ['', null]];
 
 /** The list: of any length, with no more rows in the page than can be seen. It takes the keyboard
  *  as one element; its active row moves with the arrows. */
@@ -50,7 +50,7 @@ export class TrackTable {
         this.#headings = kColumns.map(([text, order]) => {
             if (!order) return make('span', {});
             return make('button', { type: 'button', 'data-order': order,
-                'aria-label': `Sort by ${text === 'Sure' ? 'confidence' : text.toLowerCase()}`,
+                'aria-label': `Sort by ${text.toLowerCase()}`,
                 onclick: () => this.#actions.sort(order) }, text);
         });
         return make('div', { class: 'headings', role: 'group', 'aria-label': 'Order' },

@@ -17,6 +17,12 @@ export function namesOf({ file, artist, title }) {
     return { first: title || name, second: artist || folder };
 }
 
+/** How sure the less certain of tempo and key is: "key 88 %". */
+function sureText({ leastSure, confidence }) {
+    const percent = percentText(confidence);
+    return leastSure === null ? percent : `${leastSure} ${percent}`;
+}
+
 /** What a screen reader says of a row. */
 export function spokenRow(row) {
     if (row === undefined) return 'loading';
@@ -25,7 +31,7 @@ export function spokenRow(row) {
     const parts = [first, second, row.bpm === null ? 'no tempo' : `${bpmText(row.bpm)} BPM`,
         row.key === null ? 'no key' : `${row.key.name}, ${row.key.camelot}`,
         clockTime(row.seconds)];
-    if (row.confidence !== null) parts.push(`${percentText(row.confidence)} sure`);
+    if (row.confidence !== null) parts.push(`${sureText(row)} sure`);
     if (row.corrected) parts.push('corrected');
     if (row.gone) parts.push('gone');
     return parts.join(', ');
@@ -59,7 +65,7 @@ export class RowContent {
         this.#sure.classList.toggle('doubtful', isDoubtful);
         return this.#set(first, second, row.bpm === null ? '–' : bpmText(row.bpm),
             row.key === null ? '–' : `${row.key.camelot} · ${row.key.name}`, clockTime(row.seconds),
-            row.confidence === null ? '–' : percentText(row.confidence),
+            row.confidence === null ? '–' : sureText(row),
             row.gone ? 'gone' : row.corrected ? 'corrected' : '');
     }
 

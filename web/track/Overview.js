@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 import { openCanvas } from './canvas.js';
 import { make } from './dom.js';
-import { clockTime, keyText, spokenTime } from './format.js';
+import { clockTime, keyText, roundedSeconds, spokenTime } from './format.js';
 import { barsOf } from './grid.js';
 import { dotStrength, kLoudClasses, overviewBars } from './waves.js';
 
@@ -39,7 +39,7 @@ export class Overview {
     /** @param track  with `seconds`, `loud`, `dots`, `grid`, `key` and `keyNotation` */
     show(track) {
         this.#track = track;
-        this.slider.setAttribute('aria-valuemax', Math.floor(track.seconds));
+        this.slider.setAttribute('aria-valuemax', roundedSeconds(track.seconds));
     }
 
     /** @param palette  of paletteOf() */
@@ -63,7 +63,7 @@ export class Overview {
         this.#head.style.left = `${100 * share(position)}%`;
         this.#frame.style.left = `${100 * share(from)}%`;
         this.#frame.style.right = `${100 * (1 - share(to))}%`;
-        const whole = Math.floor(position);
+        const whole = roundedSeconds(position);
         if (this.slider.getAttribute('aria-valuenow') === String(whole)) return;
         this.slider.setAttribute('aria-valuenow', whole);
         this.slider.setAttribute('aria-valuetext',

@@ -8,11 +8,16 @@ function twoDigits(number) {
     return String(number).padStart(2, '0');
 }
 
-/** "3:07", "1:03:07"; with hundredths "3:07.25". Cut, not rounded: a beat is never shown later than
- *  it is. Negative values count as 0. */
+/** The nearest whole second; negative values count as 0. */
+export function roundedSeconds(seconds) {
+    return Math.round(Math.max(0, seconds));
+}
+
+/** "3:07", "1:03:07"; with hundredths "3:07.25". Rounded: 59.996 s are "1:00.00". Negative values
+ *  count as 0. */
 export function clockTime(seconds, withHundredths = false) {
-    const hundredths = Math.floor(Math.max(0, seconds) * 100 + 1e-6);
-    const whole = Math.floor(hundredths / 100);
+    const hundredths = Math.round(Math.max(0, seconds) * 100);
+    const whole = withHundredths ? Math.floor(hundredths / 100) : roundedSeconds(seconds);
     const hours = Math.floor(whole / kSecondsPerHour);
     const minutes = Math.floor((whole % kSecondsPerHour) / kSecondsPerMinute);
     const rest = twoDigits(whole % kSecondsPerMinute);
@@ -20,9 +25,9 @@ export function clockTime(seconds, withHundredths = false) {
     return withHundredths ? `${begin}.${twoDigits(hundredths % 100)}` : begin;
 }
 
-/** A time as a screen reader says it: "1 minute 5 seconds". */
+/** A time as a screen reader says it, rounded: "1 minute 5 seconds". */
 export function spokenTime(seconds) {
-    const whole = Math.floor(Math.max(0, seconds));
+    const whole = roundedSeconds(seconds);
     const parts = [
         [Math.floor(whole / kSecondsPerHour), 'hour'],
         [Math.floor((whole % kSecondsPerHour) / kSecondsPerMinute), 'minute'],

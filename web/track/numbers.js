@@ -11,10 +11,12 @@ function trackTable(data) {
         ['Channels', data.audio.channels],
         ['Rate of the file', `${grouped(data.audio.sampleRate)} Hz`],
         ['Damaged packets', data.damagedPackets],
+        ['Samples beyond full scale, clipped', grouped(data.overload?.clipped ?? 0)],
+        ['Samples that are no number', grouped(data.overload?.notNumbers ?? 0)],
         ['Missing, replaced by silence', data.gaps.map(({ start, length }) =>
             `${clockTime(start, true)} (${length.toFixed(2)} s)`).join(', ')]];
     return makeTable('Track', ['What', 'Value'],
-        rows.filter(([, value]) => value !== '' && value !== 0));
+        rows.filter(([, value]) => !['', 0, '0'].includes(value)));
 }
 
 function tempoTables(data, readings) {

@@ -3,6 +3,7 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include "support/AudioFileWriter.h"
 #include "support/TemporaryFolder.h"
@@ -89,6 +90,21 @@ TEST_F(ConfigFile, IsAnotherOneOrNoneWhereToldSo) {
     const ToolRun missing = run({"analyze", "--config", folder_.file("none"), track_});
     EXPECT_EQ(missing.exitStatus, 2);
     EXPECT_THAT(missing.err, HasSubstr("none cannot be opened: No such file or directory"));
+}
+
+// Whoever opened a pipe would wait until somebody writes to it.
+TEST_F(ConfigFile, IsReadFromRegularFilesAlone) {
+    const std::string pipe = folder_.file("beatatlas/config.ini");
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    const std::string sentence =
+        " is not a regular file: settings are read from no other (see beatatlas analyze --help)\n";
+    const ToolRun own = run({"analyze", track_});
+    EXPECT_EQ(own.exitStatus, 2);
+    EXPECT_EQ(own.err, "beatatlas: " + pipe + sentence);
+    EXPECT_EQ(run({"analyze", "--no-config", track_}).exitStatus, 0);
+    for (const std::string& path : {pipe, folder_.path()})
+        EXPECT_EQ(run({"analyze", "--config", path, track_}).err, "beatatlas: " + path + sentence);
+    EXPECT_THAT(run({"doctor"}).out, HasSubstr("failed  settings      " + pipe + " is not"));
 }
 
 TEST_F(ConfigFile, IsRefusedWithFileAndLine) {

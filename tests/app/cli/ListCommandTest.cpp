@@ -26,11 +26,11 @@ protected:
 
 TEST_F(ListCommand, PrintsAlignedLinesForPeople) {
     EXPECT_EQ(catalogued("list", {}).out,
-              "    BPM  Key               Length  Sure             File\n"
-              " 120.00  A minor (8A)        0:08  0.50             /music/a.mp3\n"
-              "  96.00  E minor (9A)        0:08  0.50             /music/b, \"c\".mp3\n"
-              "      -  -                   0:08     -             /music/silence.wav\n"
-              " 240.00  C major (8B)        0:08  0.88  corrected  /music/z\\xFF\\n.mp3\n");
+              "    BPM  Key               Length  Least sure             File\n"
+              " 120.00  A minor (8A)        0:08  tempo 0.50             /music/a.mp3\n"
+              "  96.00  E minor (9A)        0:08  tempo 0.50             /music/b, \"c\".mp3\n"
+              "      -  -                   0:08           -             /music/silence.wav\n"
+              " 240.00  C major (8B)        0:08    key 0.88  corrected  /music/z\\xFF\\n.mp3\n");
     EXPECT_THAT(catalogued("list", {"--key-notation", "camelot"}).out, HasSubstr(" 120.00  8A "));
 }
 
@@ -66,6 +66,21 @@ TEST_F(ListCommand, FindsWhatMixesWithATrackOrAKey) {
                 HasSubstr("has neither a key nor a tempo"));
 }
 
+// The tempo is sure to 0.5, the key to 0.875; what somebody says is certain.
+TEST_F(ListCommand, NamesWhatItIsLeastSureOf) {
+    const auto leastSure = [&](const std::vector<std::string>& correction) {
+        EXPECT_EQ(catalogued("correct", correction).exitStatus, 0);
+        const Json line = Json::parse(catalogued("list", {"/music/a", "--format", "jsonl"}).out);
+        return line["leastSure"].get<std::string>() + line["confidence"].dump();
+    };
+    EXPECT_EQ(leastSure({"/music/a.mp3", "--key", "Am"}), "tempo0.5");
+    EXPECT_EQ(leastSure({"/music/a.mp3", "--undo"}), "tempo0.5");
+    EXPECT_EQ(leastSure({"/music/a.mp3", "--halve"}), "key0.875");
+    const Json none = Json::parse(catalogued("list", {"silence", "--format", "jsonl"}).out);
+    EXPECT_EQ(none["leastSure"], nullptr);
+    EXPECT_EQ(none["confidence"], nullptr);
+}
+
 TEST_F(ListCommand, SortsAndStops) {
     EXPECT_THAT(names({"--sort", "bpm"}),
                 ElementsAre("silence.wav", "b, \"c\".mp3", "a.mp3", "z\\xFF\\n.mp3"));
@@ -75,9 +90,10 @@ TEST_F(ListCommand, SortsAndStops) {
 }
 
 TEST_F(ListCommand, QuotesFieldsOfCsv) {
-    EXPECT_EQ(catalogued("list", {"--format", "csv", "--bpm", "96"}).out,
-              "file,artist,title,seconds,bpm,key,camelot,confidence,corrected,gone\r\n"
-              "\"/music/b, \"\"c\"\".mp3\",The Example,Track 2,8,96.00,E minor,9A,0.5,0,0\r\n");
+    EXPECT_EQ(
+        catalogued("list", {"--format", "csv", "--bpm", "96"}).out,
+        "file,artist,title,seconds,bpm,key,camelot,confidence,corrected,gone,least_sure\r\n"
+        "\"/music/b, \"\"c\"\".mp3\",The Example,Track 2,8,96.00,E minor,9A,0.5,0,0,tempo\r\n");
 }
 
 TEST_F(ListCommand, TellsBytesThatAreNoTextInJson) {
@@ -89,6 +105,7 @@ TEST_F(ListCommand, TellsBytesThatAreNoTextInJson) {
     EXPECT_EQ(line["key"]["name"], "C major");
     EXPECT_EQ(line["corrected"], true);
     EXPECT_EQ(line["gone"], false);
+    EXPECT_EQ(line["leastSure"], "key") << "the tempo was doubled by somebody";
 }
 
 TEST_F(ListCommand, WritesAPlaylistWithAddressesForNamesThatAreNoLines) {

@@ -20,7 +20,20 @@ using testing::StartsWith;
 
 using Json = nlohmann::json;
 
-using StoredTracks = test::CataloguedTracks;
+class StoredTracks : public test::CataloguedTracks {
+protected:
+    /** Analyses a file with everything and puts it into the catalogue. */
+    void catalogueFile(const std::string& path) {
+        media::FileAnalysis::Options options;
+        options.track.wantsSessionKey = true;
+        const media::AnalysedFile found = media::FileAnalysis(options).analyze(path);
+        catalogue::Catalogue catalogue(path_, catalogue::Catalogue::Access::write);
+        catalogue::Scan scan(catalogue, {"{}", false, false});
+        scan.settle();
+        scan.put(
+            catalogue::makeAnalysed(found.file, {}, {}, options.track, found.result, 0.0, {}, "1"));
+    }
+};
 
 TEST_F(StoredTracks, AreShownWithWhatWasCorrectedAndHowTheyWereAnalysed) {
     const ToolRun run = catalogued("show", {"/music/z\xFF\n.mp3"});
@@ -38,17 +51,26 @@ TEST_F(StoredTracks, AreShownInTheDocumentOfAnalyze) {
     const std::string track = folder_.file("cadence.wav");
     test::writeAudioFile(track, {"wav", "pcm_s16le"}, test::cadence(44100, 2, 8.0, 13, 440.0));
     const std::string analysed = test::runTool({"analyze", "--json", "--waves", track}).out;
-    media::FileAnalysis::Options options;
-    options.track.wantsSessionKey = true;
-    const media::AnalysedFile found = media::FileAnalysis(options).analyze(track);
-    {
-        catalogue::Catalogue catalogue(path_, catalogue::Catalogue::Access::write);
-        catalogue::Scan scan(catalogue, {"{}", false, false});
-        scan.settle();
-        scan.put(
-            catalogue::makeAnalysed(found.file, {}, {}, options.track, found.result, 0.0, {}, "1"));
-    }
+    catalogueFile(track);
     EXPECT_EQ(catalogued("show", {"--json", "--waves", track}).out, analysed);
+}
+
+// A sample of 4.0 is 12 dB over full scale.
+TEST_F(StoredTracks, AreShownWithTheWarningsThatTheirFilesDeserve) {
+    const std::string track = folder_.file("loud.wav");
+    test::Sound sound = test::cadence(44100, 2, 8.0, 13, 440.0);
+    sound.channels[0][1000] = 4.0F;
+    test::writeAudioFile(track, {"wav", "pcm_f32le"}, sound);
+    catalogueFile(track);
+    EXPECT_THAT(catalogued("show", {track}).out,
+                HasSubstr("  warning  is too loud: clipped 1 sample, up to 12.0 dB over full "
+                          "scale\n"));
+    const std::string document = catalogued("show", {"--json", track}).out;
+    EXPECT_EQ(document, test::runTool({"analyze", "--json", track}).out);
+    const Json overload = Json::parse(document)["tracks"][0]["overload"];
+    EXPECT_EQ(overload["clipped"], 1);
+    EXPECT_EQ(overload["peak"], 4.0);
+    EXPECT_EQ(overload["tooLoud"], true);
 }
 
 TEST_F(StoredTracks, AreShownInADocumentThatNamesCorrectionsAndFailures) {

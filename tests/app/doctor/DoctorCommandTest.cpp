@@ -32,8 +32,17 @@ ToolRun doctorWith(const std::map<std::string, std::string>& environment) {
     return run.run();
 }
 
+/** With no catalogue of the tester's. */
+ToolRun doctorHere(const std::vector<std::string>& options = {}) {
+    ToolRun run;
+    run.arguments = {"doctor"};
+    run.arguments.insert(run.arguments.end(), options.begin(), options.end());
+    run.environment = {{"XDG_DATA_HOME", "/nonexistent"}};
+    return run.run();
+}
+
 TEST(DoctorCommand, FindsNothingWrongHere) {
-    const ToolRun run = runTool({"doctor"});
+    const ToolRun run = doctorHere();
     EXPECT_EQ(run.exitStatus, 0) << run.out << run.err;
     EXPECT_EQ(run.err, "");
     EXPECT_THAT(run.out, StartsWith("program       beatatlas "));
@@ -44,12 +53,12 @@ TEST(DoctorCommand, FindsNothingWrongHere) {
 }
 
 TEST(DoctorCommand, SaysTheSameInADocument) {
-    const ToolRun run = runTool({"doctor", "--json"});
+    const ToolRun run = doctorHere({"--json"});
     EXPECT_EQ(run.exitStatus, 0);
     const auto document = nlohmann::json::parse(run.out);
     EXPECT_EQ(document.at("format"), "beatatlas.doctor");
     EXPECT_EQ(document.at("well"), true);
-    const ToolRun text = runTool({"doctor"});
+    const ToolRun text = doctorHere();
     for (const auto& check : document.at("checks"))
         EXPECT_THAT(text.out, HasSubstr(check.at("text").get<std::string>()));
     for (const auto& fact : document.at("facts")) {
@@ -92,6 +101,20 @@ TEST(DoctorCommand, FindsAFaultInTheSettingsOfAnyCommand) {
     EXPECT_EQ(wrong.exitStatus, 1);
     EXPECT_EQ(outcomeOf(wrong, "settings"), "failed");
     EXPECT_THAT(wrong.out, HasSubstr("config.ini:3"));
+}
+
+/** What a report in JSON says of a subject. */
+std::string factOf(const ToolRun& run, const std::string& subject) {
+    const auto document = nlohmann::json::parse(run.out);
+    for (const auto& fact : document.at("facts"))
+        if (fact.at("subject") == subject) return fact.at("text");
+    return "not told";
+}
+
+TEST(DoctorCommand, TellsALocaleThatIsSetFromOneThatIsInForce) {
+    EXPECT_EQ(factOf(doctorWith({{"LC_ALL", "C.UTF-8"}}), "locale"), "C.UTF-8 (LC_ALL)");
+    EXPECT_EQ(factOf(doctorWith({{"LC_ALL", ""}, {"LC_CTYPE", "xx_YY.UTF-8"}}), "locale"),
+              "xx_YY.UTF-8 (LC_CTYPE); not installed, so that C is in force");
 }
 
 TEST(DoctorCommand, MeasuresTheMachineInWhichItRuns) {

@@ -150,7 +150,7 @@ std::string textOf(const std::string& name, std::size_t columns, std::size_t tra
 // 1.99 s. Of 79 columns the bar has 26, of which 11 are filled.
 TEST(ProgressText, TellsSpeedAndTimeLeft) {
     EXPECT_EQ(textOf("track.mp3", 79),
-              "track.mp3  [###########...............]   43 %    86x     0:01 left");
+              "track.mp3  [###########...............]   43 %    86x     0:02 left");
 }
 
 TEST(ProgressText, IsTheOneThatTheManualShows) {
@@ -174,10 +174,10 @@ TEST(ProgressText, GivesTheNameWhatTheBarLeavesOfAWideTerminal) {
 // Percentage and time take 21 of 39 usable columns: 18 are left, for the name alone; 9 characters
 // of two columns are 18.
 TEST(ProgressText, KeepsTheNameRatherThanTheBarOnANarrowTerminal) {
-    EXPECT_EQ(textOf(std::string(200, 'n'), 39), std::string(18, 'n') + "   43 %     0:01 left");
+    EXPECT_EQ(textOf(std::string(200, 'n'), 39), std::string(18, 'n') + "   43 %     0:02 left");
     std::string wide;
     for (int i = 0; i < 20; ++i) wide += "音";
-    EXPECT_EQ(textOf(wide, 39), "音音音音音音音音音   43 %     0:01 left");
+    EXPECT_EQ(textOf(wide, 39), "音音音音音音音音音   43 %     0:02 left");
 }
 
 // 43 % of the first of ten is 4 % of all, and 1.5 s were for that: 33 s are left.

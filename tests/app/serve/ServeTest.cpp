@@ -64,6 +64,8 @@ TEST_F(Serve, ListsWhatTheListCommandLists) {
     EXPECT_THAT(names("corrected=1"), ElementsAre("z\\xFF\\n.mp3"));
     EXPECT_THAT(names("low=1"), ElementsAre("a.mp3", "b, \"c\".mp3"));
     EXPECT_THAT(names("gone=1"), ElementsAre("gone.mp3"));
+    EXPECT_EQ(get("/api/tracks?text=a.mp3").json()["tracks"][0]["leastSure"], "tempo");
+    EXPECT_EQ(get("/api/tracks?corrected=1").json()["tracks"][0]["leastSure"], "key");
     EXPECT_THAT(names("text=nothing+of+it"), IsEmpty());
     EXPECT_THAT(names("sort=bpm&reverse=1"),
                 ElementsAre("z\\xFF\\n.mp3", "a.mp3", "b, \"c\".mp3", "silence.wav"));

@@ -10,7 +10,7 @@ import { stripBars, Strips } from '../../../web/library/Strips.js';
 
 const kTrack = { id: 1, file: '/music/a/b.mp3', artist: 'Somebody', title: 'Song', seconds: 187,
     bpm: 128, key: { number: 12, name: 'A minor', camelot: '8A' }, confidence: 0.91,
-    corrected: true, gone: false };
+    leastSure: 'key', corrected: true, gone: false };
 
 test('a track is known by its tags, else by its file', () => {
     assert.deepEqual(namesOf(kTrack), { first: 'Song', second: 'Somebody' });
@@ -21,9 +21,10 @@ test('a track is known by its tags, else by its file', () => {
 
 test('a row is said in words', () => {
     assert.equal(spokenRow(kTrack),
-        'Song, Somebody, 128.00 BPM, A minor, 8A, 3:07, 91 % sure, corrected');
+        'Song, Somebody, 128.00 BPM, A minor, 8A, 3:07, key 91 % sure, corrected');
     assert.equal(spokenRow({ ...kTrack, bpm: null, key: null, confidence: null, corrected: false }),
         'Song, Somebody, no tempo, no key, 3:07');
+    assert.match(spokenRow({ ...kTrack, leastSure: null }), /, 91 % sure/);
     assert.equal(spokenRow({ file: '/x.mp3', reason: 'is cut off' }), '/x.mp3: is cut off');
     assert.equal(spokenRow(undefined), 'loading');
 });

@@ -6,18 +6,22 @@ import {
     clockTime, grouped, keyText, percentText, readingText, sentence, spokenTime,
 } from '../../../web/track/format.js';
 
-test('times are cut, not rounded', () => {
+test('times are rounded to the nearest, with carry', () => {
     assert.equal(clockTime(0), '0:00');
-    assert.equal(clockTime(59.999), '0:59');
-    assert.equal(clockTime(187.259, true), '3:07.25');
-    assert.equal(clockTime(3787.2, true), '1:03:07.20');
+    assert.equal(clockTime(7.49), '0:07');
+    assert.equal(clockTime(59.5), '1:00');
+    assert.equal(clockTime(187.257, true), '3:07.26');
+    assert.equal(clockTime(187.254, true), '3:07.25');
+    assert.equal(clockTime(59.996, true), '1:00.00');
+    assert.equal(clockTime(3599.996, true), '1:00:00.00');
     assert.equal(clockTime(-1, true), '0:00.00');
     // 0.29 is 0.28999… in binary.
     assert.equal(clockTime(0.29, true), '0:00.29');
 });
 
 test('times are said in words', () => {
-    assert.equal(spokenTime(0.9), '0 seconds');
+    assert.equal(spokenTime(0.4), '0 seconds');
+    assert.equal(spokenTime(59.5), '1 minute');
     assert.equal(spokenTime(61), '1 minute 1 second');
     assert.equal(spokenTime(7322), '2 hours 2 minutes 2 seconds');
 });

@@ -1,0 +1,19 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "doctor/Check.h"
+
+namespace app {
+
+/** The catalogues that commands take where none is named: those that a file of settings names, else
+ *  the user's own; none where there is no home folder for it. @param settings  empty: no file */
+std::vector<std::string> cataloguesInUse(const std::string& settings);
+
+/** Whether a catalogue can be opened, is of a version that this program knows, is sound and may be
+ *  written to, which is a note. One that is not there yet is no fault. */
+Check checkCatalogue(const std::string& path);
+
+}  // namespace app
