@@ -43,6 +43,9 @@ public:
     using std::runtime_error::runtime_error;
 };
 
+/** Why nothing is done with the name "", which the system would call a missing file. */
+inline constexpr const char* kEmptyName = "is an empty name, which no file has";
+
 /** The system's message for an errno value. */
 std::string systemReason(int errorNumber);
 

@@ -57,6 +57,7 @@ std::string immutableUri(const std::string& path) {
 }
 
 bool isMissingOrEmpty(const std::string& path) {
+    if (path.empty()) refuse(path, base::kEmptyName);
     struct stat status {};
     if (stat(plainName(path).c_str(), &status) == 0) {
         if (S_ISDIR(status.st_mode)) refuse(path, "is a folder, not a catalogue");

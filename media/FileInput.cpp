@@ -55,6 +55,7 @@ void FileInput::openNamed(const std::string& path) {
         rawFormat_ = StandardInput::rawFormat();
         return;
     }
+    if (path.empty()) throw base::TrackError(base::kEmptyName, Kind::missing);
     // Opening a pipe would otherwise wait for its writer.
     descriptor_ = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
     if (descriptor_ != -1) return;

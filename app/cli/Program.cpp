@@ -5,6 +5,7 @@
 #include <exception>
 #include <iterator>
 #include <new>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -32,6 +33,19 @@ void refuseMissingValues(const std::vector<std::string>& words) {
         if (word == "--") return;
         if (word.starts_with("--") && word.ends_with('='))
             throw base::UsageError(base::displayName(word) + " needs a value");
+    }
+}
+
+/** An option that takes the name of a file or folder is as good as without a value where that is
+ *  empty; of tracks each is judged by itself. @throws UsageError naming the option */
+void refuseEmptyNames(const CLI::App& command) {
+    static const std::set<std::string> names = {"FILE", "FILE|KEY", "OUT", "DIR"};
+    for (const CLI::Option* option : command.get_options()) {
+        if (option->get_positional() || !names.contains(option->get_option_text())) continue;
+        for (const std::string& name : option->results())
+            if (unguarded(name).empty())
+                throw base::UsageError("--" + option->get_lnames().front() +
+                                       " needs a value, not an empty word");
     }
 }
 
@@ -105,7 +119,9 @@ ExitCode Program::parseAndRun(const std::vector<std::string>& words) {
         throw base::UsageError(refusalOf(parser, error, words));
     }
     for (const auto& command : commandLine.commands()) {
-        if (parser.got_subcommand(command->name())) return command->run(results_);
+        if (!parser.got_subcommand(command->name())) continue;
+        refuseEmptyNames(*parser.get_subcommand(command->name()));
+        return command->run(results_);
     }
     results_.write(helpOn(parser, unguarded(commandLine.helpTopic())));
     return kExitDone;

@@ -186,7 +186,8 @@ bool ScanCommand::mayFindAnything() const {
     std::vector<std::string> reasons;
     for (const std::string& path : paths_) {
         if (isThere(path)) return true;
-        reasons.push_back("cannot be opened: " + base::systemReason(errno));
+        reasons.push_back(path.empty() ? base::kEmptyName
+                                       : "cannot be opened: " + base::systemReason(errno));
     }
     for (std::size_t i = 0; i < paths_.size(); ++i) printFileError(paths_[i], reasons[i]);
     return false;

@@ -37,6 +37,7 @@ bool StoredTracksCommand::attempt(const catalogue::Catalogue& catalogue, const s
         addFailure(file, reason);
         return false;
     };
+    if (file.empty()) return fail(base::kEmptyName);
     try {
         handle(catalogue, file, results);
         return true;

@@ -24,8 +24,8 @@ FileGathering::FileGathering(Options options, Found found, Told refused, Told no
 
 void FileGathering::add(const std::string& name) {
     if (name == "-") return addNames();
-    // It would stand for the working folder, and comes from a variable that is not set.
-    if (name.empty()) return refused_(name, "cannot be opened: " + base::systemReason(ENOENT));
+    // It would stand for the working folder.
+    if (name.empty()) return refused_(name, base::kEmptyName);
     const std::string path = absolutePath(name);
     struct stat status = {};
     const bool isList =

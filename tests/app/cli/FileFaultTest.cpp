@@ -130,6 +130,7 @@ TEST_P(FileFault, RefusesWhatIsNoReadableFile) {
         {pipe, "is not a regular file"},
         {circle, "cannot be opened: Too many levels of symbolic links"},
         {"/dev/null", "is not a regular file"},
+        {"", "'': is an empty name, which no file has"},
         {track_ + "/inside", "cannot be opened: Not a directory"},
         {std::string(5000, 'a'), "cannot be opened: File name too long"}};
     for (const auto& [file, reason] : reasons) {

@@ -147,6 +147,8 @@ TEST(Program, SaysWhatIsWrongAndWhereToReadMore) {
          "there is no option --wavs; did you mean --waves? (see beatatlas analyze --help)"},
         {{"key", "--pich=440", "x"},
          "there is no option --pich=440; did you mean --pitch? (see beatatlas key --help)"},
+        {{"list", "--catalogue", ""},
+         "--catalogue needs a value, not an empty word (see beatatlas list --help)"},
         {{"analyze", "x", "--tempo"}, "--tempo needs a value (see beatatlas analyze --help)"},
         {{"cut", "x", "--div=2", "--div=4"},
          "--div may be given only once (see beatatlas cut --help)"},

@@ -85,6 +85,15 @@ TEST_F(StoredTracks, AreShownInADocumentThatNamesCorrectionsAndFailures) {
     EXPECT_THAT(run.err, HasSubstr("/music/none: is not in the catalogue\n"));
 }
 
+TEST_F(StoredTracks, AreNotLookedForByAnEmptyName) {
+    for (const std::vector<std::string>& words : std::vector<std::vector<std::string>>{
+             {"show", ""}, {"correct", "", "--double"}, {"forget", ""}}) {
+        const ToolRun run = catalogued(words.front(), {words.begin() + 1, words.end()});
+        EXPECT_EQ(run.exitStatus, 1);
+        EXPECT_EQ(run.err, "beatatlas: '': is an empty name, which no file has\n");
+    }
+}
+
 TEST_F(StoredTracks, AreFoundByRelativeNamesToo) {
     ToolRun run;
     run.arguments = {"show", "--catalogue", path_, "music/../../music/./a.mp3"};

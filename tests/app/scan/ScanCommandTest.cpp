@@ -351,9 +351,14 @@ TEST_F(ScanCommandTest, RefusesWhatItCannotDo) {
 }
 
 TEST_F(ScanCommandTest, TakesAnEmptyNameForNoFolder) {
-    const ToolRun run = runTool({"scan", "--catalogue", catalogue_, ""});
-    EXPECT_EQ(run.exitStatus, 1);
-    EXPECT_THAT(run.err, HasSubstr("cannot be opened: No such file or directory"));
+    addTrack("a.wav");
+    for (const bool hasCatalogue : {false, true}) {
+        EXPECT_EQ(fs::exists(catalogue_), hasCatalogue);
+        const ToolRun run = runTool({"scan", "--catalogue", catalogue_, ""});
+        EXPECT_EQ(run.exitStatus, 1);
+        EXPECT_THAT(run.err, HasSubstr("beatatlas: '': is an empty name, which no file has\n"));
+        runTool({"scan", "--catalogue", catalogue_, music_.path()});
+    }
 }
 
 TEST_F(ScanCommandTest, KeepsTheUsersCatalogueInTheFolderForData) {
