@@ -69,8 +69,8 @@ _beatatlas_begun() (
     ((${#names[@]} == 0)) || printf '%s\0' "${names[@]}"
 )
 
-# Sets `names` to the files and folders that the current word begins, as it writes them, and
-# `prefix` and `home` to the tilde that stands there and what it means.
+# Sets `names` to the files and folders whose names begin like the current word, `prefix` to the
+# tilde that the word begins with, and `home` to the folder which that stands for in the names.
 _beatatlas_names() {
     local plain
     prefix= home=
