@@ -70,12 +70,12 @@ _beatatlas_begun() (
 )
 
 # Sets `names` to the files and folders whose names begin like the current word, `prefix` to the
-# tilde that the word begins with, and `home` to the folder which that stands for in the names.
+# tilde or variable that the word begins with, and `home` to what that stands for in the names.
 _beatatlas_names() {
-    local plain
+    local plain name='[[:alpha:]_][[:alnum:]_]*'
     prefix= home=
     _beatatlas_unquote "$current"
-    if [[ $current =~ ^(~[[:alnum:]._-]*)/ ]]; then
+    if [[ $current =~ ^(~[[:alnum:]._-]*|\$$name|\$\{$name\})/ ]]; then
         prefix=${BASH_REMATCH[1]}
         eval "home=$prefix"
         plain=$home${plain#"$prefix"}
