@@ -36,12 +36,12 @@ void refuseMissingValues(const std::vector<std::string>& words) {
     }
 }
 
-/** An option that takes the name of a file or folder is as good as without a value where that is
- *  empty; of tracks each is judged by itself. @throws UsageError naming the option */
+/** An option that takes the name of a file or folder has no value where that is empty. Tracks are
+ *  no options: each is judged by itself. @throws UsageError naming the option */
 void refuseEmptyNames(const CLI::App& command) {
-    static const std::set<std::string> names = {"FILE", "FILE|KEY", "OUT", "DIR"};
+    static const std::set<std::string> named = {"CATALOGUE", "DIR", "FILE", "FILE|KEY", "OUT"};
     for (const CLI::Option* option : command.get_options()) {
-        if (option->get_positional() || !names.contains(option->get_option_text())) continue;
+        if (option->get_positional() || !named.contains(option->get_option_text())) continue;
         for (const std::string& name : option->results())
             if (unguarded(name).empty())
                 throw base::UsageError("--" + option->get_lnames().front() +

@@ -52,7 +52,7 @@ std::string localeText() {
     for (const char* variable : {"LC_ALL", "LC_CTYPE", "LANG"}) {
         const char* value = std::getenv(variable);
         if (value == nullptr || *value == '\0') continue;
-        const char* rest = isInstalled(value) ? "" : "; not installed, so that C is in force";
+        const char* rest = isInstalled(value) ? "" : "; not installed";
         return fmt::format("{} ({}){}", base::displayName(value), variable, rest);
     }
     return "none";

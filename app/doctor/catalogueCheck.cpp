@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "doctor/catalogueCheck.h"
 
-#include <cstdint>
 #include <filesystem>
 #include <set>
 #include <system_error>
@@ -29,7 +28,7 @@ namespace fs = std::filesystem;
 constexpr const char* kCatalogue = "catalogue";
 constexpr double kBytesOfGigabyte = 1e9;
 
-bool isMissing(const std::string& path) {
+bool isMissingOrEmpty(const std::string& path) {
     std::error_code failure;
     const fs::file_status status = fs::status(path, failure);
     return status.type() == fs::file_type::not_found ||
@@ -50,13 +49,13 @@ Check checkOpen(const catalogue::Catalogue& opened, const std::string& shown) {
     std::error_code failure;
     const auto bytes = static_cast<double>(fs::file_size(opened.filePath(), failure));
     // A large one would take minutes.
-    if (bytes > kBytesOfGigabyte)
+    if (!failure && bytes > kBytesOfGigabyte)
         text +=
             fmt::format("; not looked through, for it takes {:.1f} GB", bytes / kBytesOfGigabyte);
     else if (const std::string fault = opened.structuralFault(); !fault.empty())
         return {kCatalogue, Outcome::failed, shown + ": is damaged: " + base::displayName(fault)};
     if (!mayBeWritten(opened.filePath()))
-        return {kCatalogue, Outcome::note, text + "; it may be read and not written to"};
+        return {kCatalogue, Outcome::note, text + "; it may be read but not written to"};
     return {kCatalogue, Outcome::ok, text};
 }
 
@@ -69,7 +68,8 @@ std::vector<std::string> cataloguesInUse(const std::string& settings) {
             const std::set<std::string> each(named.begin(), named.end());
             if (!each.empty()) return {each.begin(), each.end()};
         }
-    } catch (const base::UsageError&) {  // What is wrong with the settings is a check of its own.
+    } catch (const base::UsageError&) {
+        // What is wrong with the settings is a check of its own.
     }
     try {
         return {CatalogueArgument().path()};
@@ -80,7 +80,8 @@ std::vector<std::string> cataloguesInUse(const std::string& settings) {
 
 Check checkCatalogue(const std::string& path) {
     const std::string shown = base::displayName(path);
-    if (isMissing(path)) return {kCatalogue, Outcome::ok, shown + ": none yet, a scan makes it"};
+    if (isMissingOrEmpty(path))
+        return {kCatalogue, Outcome::ok, shown + ": none yet, a scan makes it"};
     try {
         return checkOpen(catalogue::Catalogue(path, catalogue::Catalogue::Access::read), shown);
     } catch (const catalogue::CatalogueError& error) {

@@ -12,8 +12,8 @@ namespace app {
  *  the user's own; none where there is no home folder for it. @param settings  empty: no file */
 std::vector<std::string> cataloguesInUse(const std::string& settings);
 
-/** Whether a catalogue can be opened, is of a version that this program knows, is sound and may be
- *  written to, which is a note. One that is not there yet is no fault. */
+/** Whether a catalogue can be opened, is of a version that this program knows, and is sound. That it
+ *  may not be written to is a note; that it is not there yet is no fault. */
 Check checkCatalogue(const std::string& path);
 
 }  // namespace app

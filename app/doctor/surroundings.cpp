@@ -45,8 +45,8 @@ int countFontFamilies() {
     return count;
 }
 
-/** In a process just forked: says nothing and leaves nothing behind, however it ends. */
-void breakDownQuietly() {
+/** So that a process just forked says nothing and leaves no core dump, however it ends. */
+void leaveNoTrace() {
     const int nowhere = open("/dev/null", O_WRONLY | O_CLOEXEC);
     dup2(nowhere, STDERR_FILENO);
     const rlimit none = {0, 0};
@@ -60,7 +60,7 @@ std::optional<int> fontFamilies() {
     if (pipe2(ends, O_CLOEXEC) != 0) return std::nullopt;
     const pid_t looker = fork();
     if (looker == 0) {
-        breakDownQuietly();
+        leaveNoTrace();
         const int count = countFontFamilies();
         _exit(write(ends[1], &count, sizeof count) == sizeof count ? 0 : 1);
     }
@@ -110,7 +110,7 @@ Check checkFonts() {
     const std::optional<int> count = fontFamilies();
     if (!count)
         return {"fonts", Outcome::failed,
-                "whatever looks for them breaks down: too little memory, or too few processes"};
+                "cannot be looked for: too little memory, or no further process is allowed"};
     if (*count > 0)
         return {"fonts", Outcome::ok,
                 fmt::format("{} {} for the words of pictures", *count,

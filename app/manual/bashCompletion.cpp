@@ -69,13 +69,13 @@ _beatatlas_begun() (
     ((${#names[@]} == 0)) || printf '%s\0' "${names[@]}"
 )
 
-# Sets `names` to the files and folders that the current word begins, as it writes them, and
-# `prefix` and `home` to the tilde that stands there and what it means.
+# Sets `names` to the files and folders whose names begin like the current word, `prefix` to the
+# tilde or variable that the word begins with, and `home` to what that stands for in the names.
 _beatatlas_names() {
-    local plain
+    local plain name='[[:alpha:]_][[:alnum:]_]*'
     prefix= home=
     _beatatlas_unquote "$current"
-    if [[ $current =~ ^(~[[:alnum:]._-]*)/ ]]; then
+    if [[ $current =~ ^(~[[:alnum:]._-]*|\$$name|\$\{$name\})/ ]]; then
         prefix=${BASH_REMATCH[1]}
         eval "home=$prefix"
         plain=$home${plain#"$prefix"}

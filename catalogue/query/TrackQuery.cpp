@@ -159,8 +159,8 @@ base::ListedTrack columnsOf(const SQLite::Statement& row) {
 }
 
 /** Finds what the confidence of a listed track is of. It is the smaller one of two, to the bit, and
- *  what somebody corrected is certain: so it is the key's where it equals the one that was found of
- *  the key, and else the tempo's. Asked of the rows that are shown alone: the rows that are sorted
+ *  a corrected key is certain: so it is the key's where it equals the one that was found of the
+ *  key, and else the tempo's. Asked of the rows that are shown alone: the rows that are sorted
  *  may be thousands. */
 class LeastSure {
 public:

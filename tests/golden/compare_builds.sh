@@ -6,7 +6,7 @@
 set -euo pipefail
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 source=$(cd "$here/../.." && pwd)
-release=$2
+build=$1 release=$2
 failed=0
 
 # compare NAME BUILD

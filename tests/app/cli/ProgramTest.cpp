@@ -149,6 +149,8 @@ TEST(Program, SaysWhatIsWrongAndWhereToReadMore) {
          "there is no option --pich=440; did you mean --pitch? (see beatatlas key --help)"},
         {{"list", "--catalogue", ""},
          "--catalogue needs a value, not an empty word (see beatatlas list --help)"},
+        {{"merge", "a.sqlite", "-o", ""},
+         "--output needs a value, not an empty word (see beatatlas merge --help)"},
         {{"analyze", "x", "--tempo"}, "--tempo needs a value (see beatatlas analyze --help)"},
         {{"cut", "x", "--div=2", "--div=4"},
          "--div may be given only once (see beatatlas cut --help)"},

@@ -111,10 +111,10 @@ std::string factOf(const ToolRun& run, const std::string& subject) {
     return "not told";
 }
 
-TEST(DoctorCommand, TellsALocaleThatIsSetFromOneThatIsInForce) {
+TEST(DoctorCommand, SaysOfALocaleThatIsSetWhetherItIsInstalled) {
     EXPECT_EQ(factOf(doctorWith({{"LC_ALL", "C.UTF-8"}}), "locale"), "C.UTF-8 (LC_ALL)");
     EXPECT_EQ(factOf(doctorWith({{"LC_ALL", ""}, {"LC_CTYPE", "xx_YY.UTF-8"}}), "locale"),
-              "xx_YY.UTF-8 (LC_CTYPE); not installed, so that C is in force");
+              "xx_YY.UTF-8 (LC_CTYPE); not installed");
 }
 
 TEST(DoctorCommand, MeasuresTheMachineInWhichItRuns) {

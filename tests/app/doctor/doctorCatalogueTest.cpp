@@ -77,7 +77,7 @@ TEST_F(DoctorCatalogue, IsNotedWhereItMayNotBeWritten) {
     EXPECT_THAT(run.run().out, HasSubstr("ok      catalogue     " + folder_.path()));
     ASSERT_EQ(chmod(folder_.file("beatatlas").c_str(), 0555), 0);
     run.out.clear();
-    EXPECT_THAT(run.run().out, HasSubstr("; it may be read and not written to\n"));
+    EXPECT_THAT(run.run().out, HasSubstr("; it may be read but not written to\n"));
     EXPECT_EQ(run.exitStatus, 0) << "lists and pages are there all the same";
     ASSERT_EQ(chmod(folder_.file("beatatlas").c_str(), 0755), 0);
 }

@@ -20,7 +20,7 @@ from pathlib import Path
 FILES = ["new\nline.mp3", "with space.wav", "it's.mp3", 'say"so.mp3', "cash$x.mp3", "back\\slash.mp3",
          "star*.mp3", "semi;colon.mp3", " lead.mp3", "-dash.mp3", "~tilde.mp3", "(a) [b].mp3", "line.mp3",
          "b:side one.ogg", "b:side two.ogg", "x=y.mp3", "x=z w.mp3", "own settings.ini",
-         "my folder/in side.mp3", "two\nlines/deep.mp3", ".hidden.mp3"]
+         "my folder/in side.mp3", "two\nlines/deep.mp3", ".hidden.mp3", "$list.mp3"]
 
 # What is typed behind "beatatlas analyze ", and the last argument that comes of it.
 CASES = [
@@ -39,7 +39,9 @@ CASES = [
     ("x=z", "x=z w.mp3"), ("x=y", "x=y.mp3"),
     ("my", "my folder/"), ("my\\ folder/", "my folder/in side.mp3"),
     ("my' 'folder/i", "my folder/in side.mp3"),
-    ("~/mu", "HOME/music at home.mp3"), ("--config own", "own settings.ini"),
+    ("~/mu", "HOME/music at home.mp3"), ("$HOME/mu", "HOME/music at home.mp3"),
+    ("${HOME}/mu", "HOME/music at home.mp3"), ("\\$li", "$list.mp3"),
+    ("--config own", "own settings.ini"),
     ("--config=own", "--config=own settings.ini"),
     ("nothing", "nothing"), ("-o x -d my", "my folder/"),
 ]

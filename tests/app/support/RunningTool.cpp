@@ -32,8 +32,8 @@ std::vector<pid_t> childrenOf(pid_t process) {
     return children;
 }
 
-/** A leak checker looks at the tool from a child process of it, and without that child waits for
- *  ever: a process is a worker once it has been told to be one. */
+/** Only a worker has this command as its first word. A leak checker is a child of the tool, too,
+ *  which would wait for it for ever if a test killed it. */
 bool isWorker(pid_t process) {
     std::ifstream words("/proc/" + std::to_string(process) + "/cmdline");
     std::string word;
