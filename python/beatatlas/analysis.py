@@ -293,7 +293,7 @@ class Analysis(RecordWithArrays):
         if self.key_analysis:
             key = self.key_analysis.key
             parts.append(f"{key.name} ({key.camelot}, {self.key_analysis.confidence:.0%})")
-        minutes, seconds = divmod(self.seconds, 60)
+        minutes, seconds = divmod(round(self.seconds, 1), 60)
         parts.append(f"{int(minutes)}:{seconds:04.1f}")
         name = repr(self.path) if self.path is not None else "array"
         return f"<Analysis of {name}: {'; '.join(parts)}>"
