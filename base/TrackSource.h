@@ -46,7 +46,7 @@ struct Overload {
     std::int64_t clipped = 0;
     /** The loudest of those; full scale is 1. */
     float peak = 0.0F;
-    /** NaN and infinite samples, analysed as silence. */
+    /** NaN samples, analysed as silence. */
     std::int64_t notNumbers = 0;
 
     bool isAny() const { return clipped > 0 || notNumbers > 0; }

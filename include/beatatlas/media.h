@@ -74,6 +74,22 @@ typedef struct BA_FileFacts {
     int32_t is_cut_off;     /**< 1: the file holds only the beginning of the track */
     int32_t lacks_end;      /**< 1: the format marks the end of a file, and this file lacks it */
     int32_t reserved;       /**< 0 */
+
+    /** Samples that were looked at, as many as the analysis got: at its rate, of left and right,
+     *  once where both are the same. The members that follow count among these. */
+    int64_t samples;
+    int64_t clipped_samples; /**< beyond full scale, analysed as full scale */
+
+    /** The loudest of the clipped samples without its sign: full scale is 1, infinity is possible;
+     *  0: none was clipped. */
+    double clipped_peak;
+    int64_t not_numbers; /**< samples that were NaN, analysed as silence */
+
+    /** 1: so much was clipped that the results may suffer: more than one sample in a hundred, or
+     *  one of at least 2 (6 dB over full scale). Less comes from lossy decoders and from conversion
+     *  between rates, and does no harm. */
+    int32_t is_too_loud;
+    int32_t reserved_level; /**< 0 */
 } BA_FileFacts;
 
 /** A section that the file no longer holds; it was replaced by silence. */

@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "base/errors.h"
+#include "media/OverloadMeter.h"
 #include "media/RateConverter.h"
 #include "media/StereoChain.h"
 #include "media/ffmpeg.h"
@@ -14,18 +15,22 @@ namespace {
 
 constexpr std::int64_t kFramesAtATime = 65536;
 
-/** Gathers all that a chain delivers. */
+/** Gathers all that a chain delivers, and says what of it cannot be analysed unchanged. */
 class WholeTrack : public TrackSink {
 public:
     explicit WholeTrack(StereoBlock& track) : track_(track) {}
 
     void put(const StereoBlock& block) override {
+        meter_.put(block);
         track_.left.insert(track_.left.end(), block.left.begin(), block.left.end());
         track_.right.insert(track_.right.end(), block.right.begin(), block.right.end());
     }
 
+    const base::Overload& overload() const { return meter_.overload(); }
+
 private:
     StereoBlock& track_;
+    OverloadMeter meter_;
 };
 
 /** A frame that refers to samples in place: FFmpeg only reads them. */
@@ -57,6 +62,7 @@ SampleTrack::SampleTrack(const float* samples, int rate, int channels, std::int6
     source_.format.channels = channels;
     source_.format.trackRate = rate;
     source_.format.sessionRate = chain.outputRate();
+    source_.overload = whole.overload();
 }
 
 beatatlas::track::TrackHandle SampleTrack::analyze(const beatatlas::track::Options& options) const {

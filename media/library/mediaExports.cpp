@@ -167,6 +167,11 @@ BA_FileFacts factsOf(const base::TrackSource& source) {
     facts.format_changes = source.format.changes ? 1 : 0;
     facts.is_cut_off = source.isCutOff ? 1 : 0;
     facts.lacks_end = source.lacksEnd ? 1 : 0;
+    facts.samples = source.overload.heard;
+    facts.clipped_samples = source.overload.clipped;
+    facts.clipped_peak = source.overload.peak;
+    facts.not_numbers = source.overload.notNumbers;
+    facts.is_too_loud = source.overload.isTooLoud() ? 1 : 0;
     return facts;
 }
 

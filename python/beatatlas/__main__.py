@@ -8,6 +8,7 @@ import io
 import json
 import os
 import sys
+import warnings
 
 from . import AnalysisError, __version__, analyze
 from ._library import TEMPO_MODES
@@ -27,6 +28,7 @@ def main() -> int:
     parser.add_argument("--version", action="version", version=f"beatatlas {__version__}")
     arguments = parser.parse_args()
     _write_any_name(as_utf8=arguments.json)
+    warnings.formatwarning = _as_line
     tracks: list[dict[str, object]] = []
     failures = 0
     for file in arguments.files:
@@ -47,6 +49,12 @@ def main() -> int:
                    "tracks": tracks}, sys.stdout, ensure_ascii=False)
         print()
     return 1 if failures else 0
+
+
+def _as_line(message: Warning | str, category: type[Warning], filename: str, lineno: int,
+             line: str | None = None) -> str:
+    """Of use to who called the program is what is wrong with the file, not where it was found."""
+    return f"beatatlas: {message}\n"
 
 
 def _write_any_name(as_utf8: bool) -> None:

@@ -7,6 +7,7 @@ import ctypes
 import functools
 import os
 import threading
+import warnings
 from typing import Any, Callable, Optional, TypeVar, Union, cast
 
 import numpy as np
@@ -26,7 +27,7 @@ from ._arguments import (
 )
 from ._read import Handle, read_analysis
 from ._samples import as_frames, interleaved
-from .analysis import Analysis
+from .analysis import Analysis, name_dict
 from .errors import (
     AnalysisError,
     DamagedTrackError,
@@ -113,8 +114,8 @@ def analyze(
         What was found.
 
     Warns:
-        UserWarning: where an array is far beyond full scale: 2.0 and more, or more than one in a
-            hundred values beyond 1.0. What is beyond is clipped.
+        UserWarning: where the track is far beyond full scale: 2.0 and more, or more than one in a
+            hundred samples beyond 1.0. What is beyond is clipped; ``audio.overload`` counts it.
 
     Raises:
         ValueError: for an argument out of range or of no meaning with that tempo, and for an array
@@ -148,7 +149,9 @@ def analyze(
                        (("key", key), ("session_key", session_key), ("waves", waves)) if is_wanted)
     with _Run(work, options, progress) as handle:
         _raise_unless_good(handle.status, handle.pointer, path)
-        return read_analysis(handle.pointer, path, str(tempo), wanted)
+        found = read_analysis(handle.pointer, path, str(tempo), wanted)
+    _warn_if_too_loud(found)
+    return found
 
 
 def _track_options(tempo: str, bpm_range: Optional[tuple[float, float]],
@@ -280,3 +283,14 @@ def _raise_unless_good(status: int, pointer: Handle, path: Optional[str]) -> Non
         raise ValueError("an argument is out of range")
     reason = _library.media_library().BA_FileReason(pointer).decode(errors="replace")
     raise _ERRORS.get(status, AnalysisError)(path, reason)
+
+
+def _warn_if_too_loud(found: Analysis) -> None:
+    """Of arrays, most are integers that were made floats without being divided."""
+    overload = found.audio.overload
+    if overload and overload.too_loud:
+        name = name_dict(found.path)["file"]
+        whose = "the samples are" if name is None else f"{name} is"
+        warnings.warn(f"{whose} too loud: full scale is 1, the peak is {overload.peak:g}, and "
+                      f"{overload.clipped} of {overload.samples} samples were clipped",
+                      stacklevel=4)

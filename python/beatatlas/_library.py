@@ -78,6 +78,12 @@ class FileFacts(Structure):
         ("is_cut_off", c_int32),
         ("lacks_end", c_int32),
         ("reserved", c_int32),
+        ("samples", c_int64),
+        ("clipped_samples", c_int64),
+        ("clipped_peak", c_double),
+        ("not_numbers", c_int64),
+        ("is_too_loud", c_int32),
+        ("reserved_level", c_int32),
     ]
 
 

@@ -17,6 +17,7 @@ from .analysis import (
     Analysis,
     AudioFacts,
     Gap,
+    Overload,
     Stretch,
     TempoConfidence,
     Waves,
@@ -97,6 +98,19 @@ def _audio(handle: Handle) -> AudioFacts:
         lacks_end=bool(facts.lacks_end),
         format_changes=bool(facts.format_changes),
         dropped_frames=facts.dropped_frames,
+        overload=_overload(facts),
+    )
+
+
+def _overload(facts: _library.FileFacts) -> Overload | None:
+    if not facts.clipped_samples and not facts.not_numbers:
+        return None
+    return Overload(
+        samples=facts.samples,
+        clipped=facts.clipped_samples,
+        peak=facts.clipped_peak,
+        not_numbers=facts.not_numbers,
+        too_loud=bool(facts.is_too_loud),
     )
 
 

@@ -3,8 +3,6 @@
 
 from __future__ import annotations
 
-import math
-import warnings
 from typing import Any
 
 import numpy as np
@@ -16,10 +14,6 @@ _MOST_CHANNELS = 64
 _WANTED = ("source must be the name of a file, or an array of floats or of signed integers of 16 "
            "or 32 bits")
 _FRAMES_AT_A_TIME = 65536
-
-# As in the program: decoders and converters exceed full scale by a little now and then.
-_LOUD_PEAK = 2.0
-_MANY_CLIPPED = 0.01
 
 
 def as_frames(source: Any) -> NDArray[Any]:
@@ -61,23 +55,14 @@ def interleaved(array: NDArray[Any]) -> NDArray[np.float32]:
     if np.issubdtype(kind, np.integer):
         # A copy of the integers; the divisor is a power of two, so nothing is rounded here.
         samples /= np.float32(2.0 ** (8 * kind.itemsize - 1))
-    _check_levels(samples)
+    _require_finite(samples)
     return samples
 
 
-def _check_levels(samples: NDArray[np.float32]) -> None:
-    """Raises ValueError for what is no finite number. Warns of what is far too loud: integers that
-    were made floats without being divided."""
-    peak, clipped = 0.0, 0
+def _require_finite(samples: NDArray[np.float32]) -> None:
     for start in range(0, len(samples), _FRAMES_AT_A_TIME):
-        size = np.abs(samples[start:start + _FRAMES_AT_A_TIME])
-        loudest = float(size.max())  # NaN where there is one
-        if not math.isfinite(loudest):
-            frame = start + int(np.isfinite(size).all(axis=1).argmin())
+        is_finite = np.isfinite(samples[start:start + _FRAMES_AT_A_TIME])
+        if not is_finite.all():
+            frame = start + int(is_finite.all(axis=1).argmin())
             value = samples[frame][~np.isfinite(samples[frame])][0]
             raise ValueError(f"source must hold finite numbers: frame {frame} has {value}")
-        peak = max(peak, loudest)
-        clipped += int(np.count_nonzero(size > 1))
-    if peak >= _LOUD_PEAK or clipped > _MANY_CLIPPED * samples.size:
-        warnings.warn(f"the samples are too loud: full scale is 1, they reach {peak:g}, and "
-                      f"{clipped} of them are clipped", stacklevel=5)

@@ -4,6 +4,7 @@
 from __future__ import annotations
 
 import json
+import math
 from dataclasses import dataclass, field
 from typing import Any
 
@@ -119,6 +120,34 @@ class Gap:
 
 
 @dataclass(frozen=True)
+class Overload:
+    """Samples that could not be analysed unchanged.
+
+    Attributes:
+        samples: how many the analysis got: at its rate, of left and right, once where both are the
+            same.
+        clipped: how many of them were beyond full scale, and clipped.
+        peak: the loudest of these; full scale is 1, ``math.inf`` is possible; 0: none.
+        not_numbers: how many were NaN, and became silence. Of a file: an array with such values is
+            refused.
+        too_loud: so much was clipped that the results may suffer: more than one sample in a
+            hundred, or one of 2.0 (6 dB over full scale) and more.
+    """
+
+    samples: int
+    clipped: int
+    peak: float
+    not_numbers: int
+    too_loud: bool
+
+    def to_dict(self) -> dict[str, object]:
+        """JSON has no infinity: such a peak is None."""
+        return {"samples": self.samples, "clipped": self.clipped,
+                "peak": self.peak if math.isfinite(self.peak) else None,
+                "notNumbers": self.not_numbers, "tooLoud": self.too_loud}
+
+
+@dataclass(frozen=True)
 class AudioFacts:
     """What a file is, and its state.
 
@@ -136,6 +165,7 @@ class AudioFacts:
         lacks_end: an Ogg file without the mark of its end.
         format_changes: rate or channels change on the way.
         dropped_frames: frames at ``rate`` of the encoder's delay, which was left out.
+        overload: samples that could not be analysed unchanged; None if there are none.
     """
 
     container: str
@@ -151,6 +181,7 @@ class AudioFacts:
     lacks_end: bool = False
     format_changes: bool = False
     dropped_frames: int = 0
+    overload: Overload | None = None
 
 
 @dataclass(frozen=True, eq=False, repr=False)
@@ -242,6 +273,7 @@ class Analysis(RecordWithArrays):
 
     def _file_dict(self) -> dict[str, object]:
         audio = self.audio
+        overload = {"overload": audio.overload.to_dict()} if audio.overload else {}
         return {
             **name_dict(self.path),
             "audio": {"container": audio.container, "codec": audio.codec,
@@ -252,6 +284,7 @@ class Analysis(RecordWithArrays):
             "gaps": [dict(vars(gap)) for gap in audio.gaps],
             "lacksEnd": audio.lacks_end,
             "formatChanges": audio.format_changes,
+            **overload,
             "origin": {"at": "music", "offsetMs": 0.0, "droppedFrames": audio.dropped_frames,
                        "droppedSeconds": audio.dropped_frames / audio.rate},
             "sampleRate": self.rate,
@@ -293,7 +326,7 @@ class Analysis(RecordWithArrays):
         if self.key_analysis:
             key = self.key_analysis.key
             parts.append(f"{key.name} ({key.camelot}, {self.key_analysis.confidence:.0%})")
-        minutes, seconds = divmod(self.seconds, 60)
+        minutes, seconds = divmod(round(self.seconds, 1), 60)
         parts.append(f"{int(minutes)}:{seconds:04.1f}")
         name = repr(self.path) if self.path is not None else "array"
         return f"<Analysis of {name}: {'; '.join(parts)}>"

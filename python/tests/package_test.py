@@ -6,6 +6,7 @@ Needs in the environment: BEATATLAS_TOOL, the program, and BEATATLAS_DEMO, which
 
 import json
 import os
+import struct
 import subprocess
 import tempfile
 import unittest
@@ -25,6 +26,20 @@ def by_tool(path: Union[str, bytes], *options: str) -> dict[str, Any]:
                          capture_output=True)
     entry: dict[str, Any] = json.loads(run.stdout)["tracks"][0]
     return entry
+
+
+def write_floats(path: str, samples: NDArray[Any], rate: int) -> None:
+    """A WAV file of 32-bit floats, which the standard library cannot write.
+
+    Args:
+        samples: shape (frames, channels).
+    """
+    data = samples.astype("<f4").tobytes()
+    channels = samples.shape[1]
+    head = struct.pack("<4sI4s4sIHHIIHH4sI", b"RIFF", 36 + len(data), b"WAVE", b"fmt ", 16, 3,
+                       channels, rate, 4 * channels * rate, 4 * channels, 32, b"data", len(data))
+    with open(path, "wb") as file:
+        file.write(head + data)
 
 
 def samples_of(path: str) -> tuple[NDArray[np.int16], int]:

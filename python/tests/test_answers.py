@@ -2,14 +2,16 @@
 """The package against the program: both must give the same answers."""
 
 import json
+import math
 import os
 import unittest
+import warnings
 from pathlib import Path
 
 import numpy as np
 
 import beatatlas
-from package_test import PackageTest, by_tool
+from package_test import PackageTest, by_tool, samples_of, write_floats
 
 
 class AnswersTest(PackageTest):
@@ -65,6 +67,42 @@ class AnswersTest(PackageTest):
         found = beatatlas.analyze(self.path("half.wav"), partial=True, session_key=True)
         self.assertTrue(found.audio.partial)
         self.assertEqual(found.to_dict(), by_tool(self.path("half.wav"), "--partial"))
+
+    def test_says_of_a_file_what_could_not_be_analysed_unchanged(self) -> None:
+        samples, rate = samples_of(self.track)
+        floats = samples / 32768
+        path = self.path("loud.wav")
+        for value, clipped, peak, too_loud in ((3.0, 8, 3.0, True), (-math.inf, 8, math.inf, True),
+                                               (1.5, 8, 1.5, False), (math.nan, 0, 0.0, False)):
+            with self.subTest(value), warnings.catch_warnings():
+                warnings.simplefilter("ignore")
+                floats[1000:1008, 1] = value
+                write_floats(path, floats, rate)
+                found = beatatlas.analyze(path, session_key=True)
+                overload = found.audio.overload
+                assert overload is not None
+                self.assertEqual((overload.clipped, overload.peak, overload.not_numbers),
+                                 (clipped, peak, 8 - clipped))
+                self.assertEqual((overload.samples, overload.too_loud), (samples.size, too_loud))
+                self.assertEqual(found.to_dict(waves=True), by_tool(path, "--waves"))
+                self.assertEqual(json.loads(found.to_json(allow_nan=False)), found.to_dict())
+
+    def test_warns_of_a_file_that_is_too_loud(self) -> None:
+        samples, rate = samples_of(self.track)
+        path = self.path("too loud.wav")
+        floats = samples / 32768
+        floats[1000:1002, 1] = 3.0
+        write_floats(path, floats, rate)
+        words = f"^{path} is too loud: .* the peak is 3, and 2 of {samples.size} samples were"
+        with self.assertWarnsRegex(UserWarning, words) as warned:
+            beatatlas.analyze(path)
+        self.assertEqual(warned.filename, __file__)
+        floats[1000:1002, 1] = 1.9
+        write_floats(path, floats, rate)
+        with warnings.catch_warnings():
+            warnings.simplefilter("error")
+            self.assertIsNotNone(beatatlas.analyze(path).audio.overload)
+            self.assertIsNone(beatatlas.analyze(self.track).audio.overload)
 
     def test_names_of_any_bytes(self) -> None:
         name = os.fsencode(self.folder.name) + b"/\xff\xe9 .wav"

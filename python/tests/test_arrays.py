@@ -12,7 +12,7 @@ import numpy as np
 from numpy.typing import NDArray
 
 import beatatlas
-from package_test import PackageTest, samples_of
+from package_test import PackageTest, samples_of, write_floats
 
 
 class ArraysTest(PackageTest):
@@ -71,7 +71,8 @@ class ArraysTest(PackageTest):
     def test_says_where_samples_are_far_beyond_full_scale(self) -> None:
         once, often = np.zeros(1000), np.zeros(1000)
         once[3], often[:11] = 2.0, 1.5  # 2.0 is the limit for one, 1 % for many
-        for loud, words in ((once, "they reach 2, and 1 of them"), (often, "reach 1.5, and 11")):
+        for loud, words in ((once, "the peak is 2, and 1 of 1000 samples"),
+                            (often, "the peak is 1.5, and 11 of 1000 samples")):
             with self.assertWarnsRegex(UserWarning, words) as warned:
                 beatatlas.analyze(loud, 44100, tempo="off", key=False)
             self.assertEqual(warned.filename, __file__)
@@ -80,6 +81,15 @@ class ArraysTest(PackageTest):
             warnings.simplefilter("error")
             beatatlas.analyze(once, 44100, tempo="off", key=False)
             beatatlas.analyze(often, 44100, tempo="off", key=False)
+
+    def test_counts_what_is_clipped_as_in_a_file(self) -> None:
+        samples, rate = samples_of(self.track)
+        floats = samples / 32768
+        floats[1000:1008, 1] = 1.5
+        write_floats(self.path("loud.wav"), floats, rate)
+        overload = beatatlas.Overload(samples.size, 8, 1.5, 0, False)
+        for found in (beatatlas.analyze(self.path("loud.wav")), beatatlas.analyze(floats, rate)):
+            self.assertEqual(found.audio.overload, overload)
 
     def test_samples_are_let_go(self) -> None:
         samples = np.zeros(44100, np.float32)

@@ -36,7 +36,10 @@ class LayoutTest(unittest.TestCase):
     def test_records_have_the_sizes_of_the_headers(self) -> None:
         self.assertEqual(ctypes.sizeof(_library.TrackOptions), 88)
         self.assertEqual(ctypes.sizeof(_library.FileOptions), 24)
-        self.assertEqual(ctypes.sizeof(_library.FileFacts), 80)
+        self.assertEqual(ctypes.sizeof(_library.FileFacts), 120)
+        self.assertEqual((_library.FileFacts.samples.offset,
+                          _library.FileFacts.clipped_peak.offset,
+                          _library.FileFacts.is_too_loud.offset), (80, 96, 112))
         self.assertEqual((_read._BEAT.itemsize, _read._READING.itemsize), (32, 32))
         self.assertEqual((_read._STRETCH.itemsize, _read._CANDIDATE.itemsize), (24, 24))
         self.assertEqual((_read._SEGMENT.itemsize, _read._KEY_SCORE.itemsize), (32, 16))

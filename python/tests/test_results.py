@@ -24,6 +24,13 @@ class ResultsTest(PackageTest):
         for part in (f"{found.bpm:.2f} BPM", found.key.name, found.key.camelot, "track.wav"):
             self.assertIn(part, repr(found))
 
+    def test_the_repr_tells_the_length_rounded_as_a_whole(self) -> None:
+        found = beatatlas.analyze(np.zeros(44100), 44100, tempo="off", key=False)
+        for seconds, shown in ((59.94, "0:59.9"), (59.96, "1:00.0"), (119.98, "2:00.0"),
+                               (60.1, "1:00.1"), (7.0, "0:07.0")):
+            long = dataclasses.replace(found, frames=round(seconds * 44100))
+            self.assertEqual(repr(long), f"<Analysis of array: {shown}>")
+
     def test_what_is_shown_in_a_conversation_fits_a_line_or_two(self) -> None:
         found = beatatlas.analyze(self.track, session_key=True)
         assert found.key and found.key_analysis and found.session_key and found.waves

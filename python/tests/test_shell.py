@@ -9,7 +9,7 @@ import unittest
 from typing import Union
 
 import beatatlas
-from package_test import TOOL, PackageTest
+from package_test import TOOL, PackageTest, samples_of, write_floats
 
 
 class ShellTest(PackageTest):
@@ -46,6 +46,13 @@ class ShellTest(PackageTest):
         self.assertEqual(described.returncode, 0)
         for option in ("--json", "--tempo", "--waves", "FILE"):
             self.assertIn(option, described.stdout)
+
+    def test_the_module_says_in_a_line_which_file_is_too_loud(self) -> None:
+        samples, rate = samples_of(self.track)
+        write_floats(self.path("loud.wav"), samples / 8192, rate)
+        run = self.as_module("--json", self.path("loud.wav"))
+        self.assertRegex(run.stderr, rf"\Abeatatlas: {self.path('loud.wav')} is too loud: .*\n\Z")
+        self.assertEqual((run.returncode, len(json.loads(run.stdout)["tracks"])), (0, 1))
 
 
 if __name__ == "__main__":

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 // libbeatatlas_media as a host uses it.
+#include <cmath>
 #include <cstring>
+#include <limits>
 #include <string>
 #include <vector>
 
@@ -107,6 +109,58 @@ TEST_F(MediaLibraryTest, SaysWhatTheFileIs) {
     EXPECT_EQ(BA_TrackRate(BA_FileTrack(outcome.file())), 48000);
 }
 
+BA_FileFacts factsOf(const Outcome& outcome) {
+    BA_FileFacts facts;
+    EXPECT_EQ(BA_FileFactsOf(outcome.file(), &facts, sizeof facts), 1) << outcome.reason();
+    return facts;
+}
+
+// Of 8 seconds at 44,100 Hz in two channels, which are not the same.
+constexpr std::int64_t kMusicSamples = 2 * 8 * 44100;
+
+TEST_F(MediaLibraryTest, CountsTheSamplesThatCannotBeAnalysedUnchanged) {
+    test::Sound sound = music();
+    sound.channels[0][1000] = -3.0F;
+    sound.channels[1][1000] = 1.5F;
+    for (const std::size_t at : {7, 8, 9})
+        sound.channels[0][at] = std::numeric_limits<float>::quiet_NaN();
+    test::writeAudioFile(path_, {"wav", "pcm_f32le"}, sound);
+    Outcome file;
+    Outcome memory;
+    file.ofFile(path_);
+    memory.ofSamples(interleaved(sound), 44100, 2);
+    for (const Outcome* outcome : {&file, &memory}) {
+        const BA_FileFacts facts = factsOf(*outcome);
+        EXPECT_EQ(facts.samples, kMusicSamples);
+        EXPECT_EQ(facts.clipped_samples, 2);
+        EXPECT_EQ(facts.clipped_peak, 3.0);
+        EXPECT_EQ(facts.not_numbers, 3);
+        EXPECT_EQ(facts.is_too_loud, 1);
+        EXPECT_EQ(facts.reserved_level, 0);
+    }
+}
+
+TEST_F(MediaLibraryTest, SaysWhetherMoreIsClippedThanDoesNoHarm) {
+    test::Sound sound = music();
+    Outcome clean;
+    clean.ofSamples(interleaved(sound), 44100, 2);
+    EXPECT_EQ(factsOf(clean).samples, kMusicSamples);
+    EXPECT_EQ(factsOf(clean).clipped_samples, 0);
+    EXPECT_EQ(factsOf(clean).clipped_peak, 0.0);
+    EXPECT_EQ(factsOf(clean).is_too_loud, 0);
+    sound.channels[0][1000] = 1.5F;
+    Outcome once;
+    once.ofSamples(interleaved(sound), 44100, 2);
+    EXPECT_EQ(factsOf(once).clipped_peak, 1.5);
+    EXPECT_EQ(factsOf(once).is_too_loud, 0);
+    sound.channels[0][1000] = std::numeric_limits<float>::infinity();
+    Outcome infinite;
+    infinite.ofSamples(interleaved(sound), 44100, 2);
+    EXPECT_TRUE(std::isinf(factsOf(infinite).clipped_peak));
+    EXPECT_EQ(factsOf(infinite).not_numbers, 0);
+    EXPECT_EQ(factsOf(infinite).is_too_loud, 1);
+}
+
 TEST_F(MediaLibraryTest, AHostThatKnowsFewerFactsGetsThose) {
     test::writeAudioFile(path_, {"flac", "flac"}, music());
     Outcome outcome;
@@ -116,6 +170,23 @@ TEST_F(MediaLibraryTest, AHostThatKnowsFewerFactsGetsThose) {
     ASSERT_EQ(BA_FileFactsOf(outcome.file(), &facts, offsetof(BA_FileFacts, artist)), 1);
     EXPECT_STREQ(facts.codec, "flac");
     EXPECT_EQ(facts.channels, 0x55555555);
+}
+
+// As hosts were compiled before there were levels, and as they may be when there is more.
+TEST_F(MediaLibraryTest, HostsOfOtherVersionsGetTheFactsThatBothKnow) {
+    Outcome outcome;
+    ASSERT_EQ(outcome.ofSamples(interleaved(music()), 44100, 2), BA_FILE_OK) << outcome.reason();
+    struct {
+        BA_FileFacts known;
+        std::int64_t added;
+    } facts;
+    std::memset(&facts, 0x55, sizeof facts);
+    BA_FileFactsOf(outcome.file(), &facts.known, offsetof(BA_FileFacts, samples));
+    EXPECT_EQ(facts.known.reserved, 0);
+    EXPECT_EQ(facts.known.samples, 0x5555555555555555);
+    BA_FileFactsOf(outcome.file(), &facts.known, sizeof facts);
+    EXPECT_EQ(facts.known.samples, kMusicSamples);
+    EXPECT_EQ(facts.added, 0);
 }
 
 TEST_F(MediaLibraryTest, SamplesInMemoryGiveTheResultsOfTheirFile) {
