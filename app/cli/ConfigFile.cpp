@@ -90,10 +90,12 @@ std::optional<bool> switchOf(const std::string& value) {
 }
 
 std::string contentOf(const std::string& path) {
-    // A pipe to which nobody writes would be waited for without end.
+    // A pipe to which nobody writes would be waited for without end. What a shell puts in the place
+    // of a file, /dev/null or /dev/fd/63, is meant.
     std::error_code ignored;
     const std::filesystem::file_status status = std::filesystem::status(path, ignored);
-    if (std::filesystem::exists(status) && !std::filesystem::is_regular_file(status))
+    if (std::filesystem::exists(status) && !std::filesystem::is_regular_file(status) &&
+        !path.starts_with("/dev/"))
         throw base::UsageError(base::displayName(path) +
                                " is not a regular file: settings are read from no other");
     std::ifstream file(path, std::ios::binary);
@@ -173,10 +175,10 @@ void ConfigFile::applyTo(CLI::App& program, const std::vector<std::string>& word
     }
 }
 
-std::vector<std::string> ConfigFile::valuesOf(const std::string& option) const {
-    std::vector<std::string> values;
+std::map<std::string, std::string> ConfigFile::valuesOf(const std::string& option) const {
+    std::map<std::string, std::string> values;
     for (const Setting& setting : settings_)
-        if (setting.name == option) values.push_back(setting.value);
+        if (setting.name == option) values[setting.command] = setting.value;
     return values;
 }
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <map>
 #include <string>
 #include <vector>
 
@@ -32,8 +33,8 @@ public:
      *          takes no such value */
     void applyTo(CLI::App& program, const std::vector<std::string>& words) const;
 
-    /** What an option is given, for any command, in the order of the file. */
-    std::vector<std::string> valuesOf(const std::string& option) const;
+    /** What an option is given, by command; for all commands by the empty name. */
+    std::map<std::string, std::string> valuesOf(const std::string& option) const;
 
 private:
     struct Setting {

@@ -2,6 +2,7 @@
 #include "doctor/catalogueCheck.h"
 
 #include <filesystem>
+#include <map>
 #include <set>
 #include <system_error>
 
@@ -62,20 +63,21 @@ Check checkOpen(const catalogue::Catalogue& opened, const std::string& shown) {
 }  // namespace
 
 std::vector<std::string> cataloguesInUse(const std::string& settings) {
+    std::map<std::string, std::string> named;
     try {
-        if (!settings.empty()) {
-            const std::vector<std::string> named = ConfigFile(settings).valuesOf("catalogue");
-            const std::set<std::string> each(named.begin(), named.end());
-            if (!each.empty()) return {each.begin(), each.end()};
-        }
+        if (!settings.empty()) named = ConfigFile(settings).valuesOf(kCatalogue);
     } catch (const base::UsageError&) {
         // What is wrong with the settings is a check of its own.
     }
     try {
-        return {CatalogueArgument().path()};
+        // Commands for which no other is named take it.
+        if (!named.contains("")) named[""] = CatalogueArgument().path();
     } catch (const base::UsageError&) {
-        return {};
+        // Nothing says where the user's own files are.
     }
+    std::set<std::string> each;
+    for (const auto& [command, path] : named) each.insert(path);
+    return {each.begin(), each.end()};
 }
 
 Check checkCatalogue(const std::string& path) {

@@ -128,6 +128,7 @@ def analyze(
     """
     options = _track_options(tempo, bpm_range, beats_per_bar, section, sensed_seconds, key,
                              session_key, waves, threads)
+    memory = whole("memory", memory, 1, 2**63 - 1)
     if progress is not None and not callable(progress):
         raise TypeError("progress must be a function that takes the share that is done, not "
                         f"{shown(progress)}")
@@ -193,7 +194,7 @@ def _file_work(name: bytes, track: _library.TrackOptions, partial: bool, memory:
     library = _library.media_library()
     options = _library.FileOptions()
     library.BA_FileOptionsInit(ctypes.byref(options), ctypes.sizeof(options))
-    options.memory_bytes = whole("memory", memory, 1, 2**63 - 1)
+    options.memory_bytes = memory
     options.accepts_cut_off = flag("partial", partial)
     return lambda out: library.BA_FileAnalyze(name, ctypes.byref(track), ctypes.byref(options), out)
 

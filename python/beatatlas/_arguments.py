@@ -42,7 +42,11 @@ def whole(name: str, value: Any, lowest: int, highest: int) -> int:
     """A whole number, as an integer or as a float, which tables and readers of sound files give."""
     wanted = f"a whole number from {lowest} to {highest}"
     found = number(name, value, wanted)
-    if not isinstance(found, numbers.Integral) and not float(found).is_integer():
+    try:
+        is_whole = isinstance(found, numbers.Integral) or float(found).is_integer()
+    except OverflowError:  # a fraction that no float can hold is past every limit
+        is_whole = True
+    if not is_whole:
         raise TypeError(f"{name} must be {wanted}, not {shown(value)}")
     if not lowest <= found <= highest:
         raise ValueError(f"{name} must be {wanted}, not {shown(value)}")

@@ -5,6 +5,7 @@ import math
 import pickle
 import unittest
 import warnings
+from fractions import Fraction
 from pathlib import Path
 from typing import Any, Union
 
@@ -57,6 +58,7 @@ class RefusalsTest(PackageTest):
             for value in values:
                 with self.subTest(name, value=value):
                     self.assert_refused(name, TypeError, self.track, **{name: value})
+        self.assert_refused("memory", TypeError, np.zeros(44100), 44100, memory="1G")
         for value in ("32", True, np.array([8, 16]), {}):
             self.assert_refused("section", TypeError, self.track, tempo="varied", section=value)
         for value in ("30", True, [30], 1j):
@@ -74,6 +76,7 @@ class RefusalsTest(PackageTest):
             ("beats_per_bar", {"tempo": "varied", "beats_per_bar": 3}),
             ("section", {"section": 8}),
             ("sensed_seconds", {"tempo": "constant", "sensed_seconds": 30}))
+        self.assert_refused("rate", ValueError, np.zeros(44100), Fraction(10**400, 3))
         for name, options in beyond:
             with self.subTest(options):
                 self.assert_refused(name, ValueError, self.track, **options)

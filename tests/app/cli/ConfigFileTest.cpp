@@ -105,6 +105,7 @@ TEST_F(ConfigFile, IsReadFromRegularFilesAlone) {
     for (const std::string& path : {pipe, folder_.path()})
         EXPECT_EQ(run({"analyze", "--config", path, track_}).err, "beatatlas: " + path + sentence);
     EXPECT_THAT(run({"doctor"}).out, HasSubstr("failed  settings      " + pipe + " is not"));
+    EXPECT_EQ(run({"analyze", "--config", "/dev/null", track_}).exitStatus, 0);
 }
 
 TEST_F(ConfigFile, IsRefusedWithFileAndLine) {

@@ -61,8 +61,11 @@ TEST_F(DoctorCatalogue, IsLookedForWhereCommandsTakeIt) {
     test::writeFile(settings, "catalogue = /a.sqlite\n[list]\ncatalogue = \"/b c.sqlite\"\n"
                               "[show]\ncatalogue = /a.sqlite\n");
     EXPECT_THAT(cataloguesInUse(settings), ElementsAre("/a.sqlite", "/b c.sqlite"));
-    test::writeFile(settings, "what is this\n");
     ASSERT_EQ(setenv("XDG_DATA_HOME", "/data", 1), 0);
+    test::writeFile(settings, "[list]\ncatalogue = /a.sqlite\n");
+    EXPECT_THAT(cataloguesInUse(settings),
+                ElementsAre("/a.sqlite", "/data/beatatlas/catalogue.sqlite"));
+    test::writeFile(settings, "what is this\n");
     EXPECT_THAT(cataloguesInUse(settings), ElementsAre("/data/beatatlas/catalogue.sqlite"));
     EXPECT_THAT(cataloguesInUse(""), ElementsAre("/data/beatatlas/catalogue.sqlite"));
     unsetenv("XDG_DATA_HOME");

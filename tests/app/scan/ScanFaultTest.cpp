@@ -251,7 +251,8 @@ TEST_F(ScanFaultTest, CtrlCEndsAllWorkersAndKeepsWhatIsDone) {
     const auto workers = tool.awaitReaders(1, long_);
     // The short ones are done by the second worker while the first is held at the long one.
     for (const pid_t worker : workers) kill(worker, SIGSTOP);
-    while (tool.workers().size() > 1) std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    while (stored_.count("SELECT count(*) FROM tracks") < 2)
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
     tool.signal(SIGINT);
     EXPECT_EQ(tool.wait(), 130);
     for (const pid_t worker : workers) EXPECT_TRUE(endsSoon(worker));
