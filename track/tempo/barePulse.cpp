@@ -25,6 +25,8 @@ constexpr double kOtherSound = 0.5;
 constexpr double kOnsetSeconds = 0.03;
 // A sound reaches its level within this time.
 constexpr double kRiseSeconds = 0.06;
+// Of fewer beats, a quantile says little.
+constexpr std::ptrdiff_t kLeastSounds = 6;
 
 /** The value below which a share of at least one value lies. Reorders the values. */
 double quantileOf(std::vector<float>& values, double share) {
@@ -38,15 +40,18 @@ double quantileOf(std::vector<float>& values, double share) {
 class Pulse {
 public:
     Pulse(const OnsetEnvelopes& onsets, const BeatLine& line, int period, int phase, int beats)
-        : onsets_(onsets), line_(line), period_(period), phase_(phase), last_(beats - 1) {}
-
-    bool isAlone() const {
-        std::vector<float> onsets;
+        : onsets_(onsets), line_(line), period_(period), phase_(phase), last_(beats - 1) {
         for (int k = 1; k < last_; ++k) {
             const double time = timeOf(k);
-            onsets.push_back(strongestOnset(time - kOnsetSeconds, time + kOnsetSeconds));
+            sounds_.push_back(strongestOnset(time - kOnsetSeconds, time + kOnsetSeconds));
         }
-        const auto nothing = static_cast<float>(kNothing * quantileOf(onsets, kTenth));
+        leaveOutSilentEnds();
+    }
+
+    bool isAlone() const {
+        if (std::ssize(sounds_) < kLeastSounds) return false;
+        std::vector<float> sounds = sounds_;
+        const auto nothing = static_cast<float>(kNothing * quantileOf(sounds, kTenth));
         for (int k = 1; k < last_; ++k)
             if (strongestOnset(timeOf(k + 0.25), timeOf(k + 0.75)) >= nothing) return false;
         return true;
@@ -57,14 +62,27 @@ public:
     bool isAlike() const {
         for (std::size_t group = 0; group < kGroups; ++group) {
             std::array<std::vector<float>, 2> levels;  // of even and of odd beats
-            for (int k = 1; k < last_; ++k)
-                levels[static_cast<std::size_t>(k % 2)].push_back(levelOf(group, k));
+            for (int i = 0; i < std::ssize(sounds_); ++i)
+                levels[static_cast<std::size_t>(i % 2)].push_back(levelOf(group, first_ + i));
             if (std::min(apart(levels, 0.25), apart(levels, 0.75)) > kOtherSound) return false;
         }
         return true;
     }
 
 private:
+    /** Tracks begin and end in silence, where no beat sounds. */
+    void leaveOutSilentEnds() {
+        const float loudest = sounds_.empty() ? 0.0F : std::ranges::max(sounds_);
+        const auto isHeard = [&](float sound) {
+            return sound > static_cast<float>(kNothing) * loudest;
+        };
+        sounds_.erase(std::find_if(sounds_.rbegin(), sounds_.rend(), isHeard).base(),
+                      sounds_.end());
+        const auto first = std::ranges::find_if(sounds_, isHeard);
+        first_ += static_cast<int>(first - sounds_.begin());
+        sounds_.erase(sounds_.begin(), first);
+    }
+
     double timeOf(double beat) const { return line_.timeAt((phase_ + beat * period_) / kTwelfths); }
 
     float strongestOnset(double from, double to) const {
@@ -95,6 +113,8 @@ private:
     int period_;
     int phase_;
     int last_;
+    std::vector<float> sounds_;  // the onset of each beat from the first one heard
+    int first_ = 1;
 };
 
 }  // namespace

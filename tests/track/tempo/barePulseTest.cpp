@@ -58,6 +58,20 @@ TEST(BarePulse, IsNotSilence) {
     EXPECT_FALSE(isBare(onsetsOf({})));
 }
 
+// As long as the sound itself, in front of it and behind it.
+TEST(BarePulse, MayBeginAndEndInSilence) {
+    std::vector<double> times = kTimes;
+    times.erase(times.begin(), times.begin() + 15);
+    times.resize(times.size() - 15);
+    OnsetEnvelopes onsets = onsetsOf(times);
+    EXPECT_TRUE(isBare(onsets));
+    accent(onsets, kLow, 2, 0.6F);
+    EXPECT_FALSE(isBare(onsets)) << "kick and snare";
+    onsets = onsetsOf(times);
+    onsets.full[onsets.frameAt(kTimes[5] + 0.6 * kInterval)] = 0.2F;
+    EXPECT_FALSE(isBare(onsets)) << "a sound before it";
+}
+
 // An arpeggio of even notes has no sound between them either.
 TEST(BarePulse, HasNoChordsThatChange) {
     EXPECT_TRUE(isBare(onsetsOf(kTimes), 12, 0, 0.1));
