@@ -7,29 +7,46 @@
 
 namespace media {
 
-void OverloadMeter::put(const std::vector<float>& samples) {
-    overload_.heard += std::ssize(samples);
+namespace {
+
+void look(base::Overload& overload, float sample) {
+    const float level = std::fabs(sample);
+    if (std::isnan(sample)) ++overload.notNumbers;
+    if (!(level > 1.0F)) return;
+    ++overload.clipped;
+    overload.peak = std::max(overload.peak, level);
+}
+
+void count(base::Overload& overload, const std::vector<float>& samples) {
+    overload.heard += std::ssize(samples);
     // Nearly always there are none; counting them runs in vector lanes.
     int beyond = 0;
     for (const float sample : samples) beyond += std::fabs(sample) <= 1.0F ? 0 : 1;
-    if (beyond > 0) std::for_each(samples.begin(), samples.end(), [this](float s) { look(s); });
+    if (beyond == 0) return;
+    for (const float sample : samples) look(overload, sample);
+}
+
+bool hasEqualSides(const StereoBlock& block) {
+    const std::size_t bytes = block.frames() * sizeof(float);
+    return bytes == 0 || std::memcmp(block.left.data(), block.right.data(), bytes) == 0;
+}
+
+}  // namespace
+
+void OverloadMeter::put(const std::vector<float>& samples) {
+    count(left_, samples);
 }
 
 void OverloadMeter::put(const StereoBlock& block) {
-    put(block.left);
-    // A mono track has the same samples on both sides: they count once.
-    const std::size_t bytes = block.frames() * sizeof(float);
-    const bool isMono =
-        bytes == 0 || std::memcmp(block.left.data(), block.right.data(), bytes) == 0;
-    if (!isMono) put(block.right);
+    isMono_ = isMono_ && hasEqualSides(block);
+    count(left_, block.left);
+    count(right_, block.right);
 }
 
-void OverloadMeter::look(float sample) {
-    const float level = std::fabs(sample);
-    if (std::isnan(sample)) ++overload_.notNumbers;
-    if (!(level > 1.0F)) return;
-    ++overload_.clipped;
-    overload_.peak = std::max(overload_.peak, level);
+base::Overload OverloadMeter::overload() const {
+    if (isMono_) return left_;
+    return {left_.heard + right_.heard, left_.clipped + right_.clipped,
+            std::max(left_.peak, right_.peak), left_.notNumbers + right_.notNumbers};
 }
 
 }  // namespace media

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <cstddef>
 #include <vector>
 
 #include "base/TrackSource.h"
@@ -12,15 +11,18 @@ namespace media {
 /** Counts the samples of a track that its analysis cannot take as they are. */
 class OverloadMeter {
 public:
+    /** Samples of one channel. */
     void put(const std::vector<float>& samples);
+
     void put(const StereoBlock& block);
 
-    const base::Overload& overload() const { return overload_; }
+    /** A mono track has the same samples on both sides: they count once. */
+    base::Overload overload() const;
 
 private:
-    void look(float sample);
-
-    base::Overload overload_;
+    base::Overload left_;
+    base::Overload right_;
+    bool isMono_ = true;
 };
 
 }  // namespace media

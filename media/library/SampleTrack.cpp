@@ -26,7 +26,7 @@ public:
         track_.right.insert(track_.right.end(), block.right.begin(), block.right.end());
     }
 
-    const base::Overload& overload() const { return meter_.overload(); }
+    base::Overload overload() const { return meter_.overload(); }
 
 private:
     StereoBlock& track_;

@@ -27,6 +27,16 @@ TEST(OverloadMeter, CountsAMonoTrackOnce) {
     EXPECT_EQ(meter.overload().notNumbers, 1);
 }
 
+TEST(OverloadMeter, CountsBothSidesWhereOneBlockOfAStereoTrackHasEqualOnes) {
+    const std::vector<float> silence(4, 0.0F);
+    OverloadMeter meter;
+    meter.put(StereoBlock{{3.0F, 3.0F}, {3.0F, 3.0F}});
+    meter.put(StereoBlock{{0.5F}, {0.25F}});
+    meter.put(StereoBlock{silence, silence});
+    EXPECT_EQ(meter.overload().heard, 14);
+    EXPECT_EQ(meter.overload().clipped, 4);
+}
+
 // 6 dB over full scale are twofold.
 TEST(OverloadMeter, LetsPassWhatLossyDecodersMake) {
     std::vector<float> samples(1000, 0.5F);
