@@ -109,7 +109,7 @@ def make_music(folder, names):
     os.makedirs(folder, exist_ok=True)
     sound = os.path.join(FOLDER, "sound.wav")
     if not os.path.exists(sound):
-        support.write_clicks(sound, 44100, SECONDS, 0.5, 0.25)
+        support.write_clicks(sound, 44100, SECONDS, 1.0, 0.25)
     for name, title in names:
         support.run("ffmpeg", "-v", "error", "-y", "-i", sound, "-metadata", f"title={title}",
                     "-metadata", f"artist={name}", "-metadata", f"comment={name}",
